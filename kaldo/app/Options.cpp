@@ -1,0 +1,72 @@
+#include "kaldo/app/Options.h"
+
+#include <QCommandLineParser>
+
+namespace kaldo {
+
+namespace {
+
+const QCommandLineOption scriptOption("script", "Run the command script FILE headless ('-' reads standard input).", "FILE");
+const QCommandLineOption profileOption("profile", "Use FILE as the user profile (INI).", "FILE");
+const QCommandLineOption supportOption("support", "Use DIR as the Support folder.", "DIR");
+const QCommandLineOption crashOption("crash-dir", "Write crash reports into DIR.", "DIR");
+const QCommandLineOption loadOption("load", "Load the module FILE at start (repeatable).", "FILE");
+const QCommandLineOption noModulesOption("no-modules", "Do not load the modules of the modules folder.");
+const QCommandLineOption helpOption(QStringList{"h", "help"}, "Show this help.");
+const QCommandLineOption versionOption("version", "Show the version.");
+
+void describe(QCommandLineParser& parser)
+{
+    parser.setApplicationDescription(
+        "kaldo, a small CAD host.\n"
+        "Exit codes: 0 normal end, 2 a named file or folder cannot be used, 64 bad usage.");
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption,
+                       noModulesOption, helpOption, versionOption});
+}
+
+std::filesystem::path toPath(const QString& text)
+{
+    return std::filesystem::path(text.toStdString());
+}
+
+}  // namespace
+
+ParsedOptions parseOptions(const QStringList& args)
+{
+    QCommandLineParser parser;
+    describe(parser);
+    ParsedOptions parsed;
+    if (!parser.parse(args)) {
+        parsed.error = parser.errorText().toStdString();
+        return parsed;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        parsed.error = "Unexpected argument '" + parser.positionalArguments().first().toStdString() + "'.";
+        return parsed;
+    }
+    Options& o = parsed.options;
+    if (parser.isSet(scriptOption))
+        o.script = toPath(parser.value(scriptOption));
+    if (parser.isSet(profileOption))
+        o.profile = toPath(parser.value(profileOption));
+    if (parser.isSet(supportOption))
+        o.supportDir = toPath(parser.value(supportOption));
+    if (parser.isSet(crashOption))
+        o.crashDir = toPath(parser.value(crashOption));
+    for (const QString& module : parser.values(loadOption))
+        o.modules.push_back(toPath(module));
+    o.autoloadModules = !parser.isSet(noModulesOption);
+    o.showHelp = parser.isSet(helpOption);
+    o.showVersion = parser.isSet(versionOption);
+    return parsed;
+}
+
+std::string usageText()
+{
+    QCommandLineParser parser;
+    describe(parser);
+    return parser.helpText().toStdString();
+}
+
+}  // namespace kaldo

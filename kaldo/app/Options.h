@@ -1,0 +1,45 @@
+// Command-line options of the kaldo executable.
+//
+// Exit codes: 0 when the session ends normally (QUIT, or the script's last
+// line was read), 2 when a file or folder the user named cannot be used
+// (script, profile, Support folder, crash folder, a module given with --load),
+// 64 for bad usage (unknown option, missing argument).
+#pragma once
+
+#include <QStringList>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kaldo {
+
+constexpr int kExitOk = 0;
+constexpr int kExitBadFile = 2;
+constexpr int kExitUsage = 64;
+
+struct Options {
+    // "-" reads the script from standard input.
+    std::optional<std::filesystem::path> script;
+    std::optional<std::filesystem::path> profile;
+    std::optional<std::filesystem::path> supportDir;
+    std::optional<std::filesystem::path> crashDir;
+    std::vector<std::filesystem::path> modules;  // --load, in the order given
+    bool autoloadModules = true;                   // false with --no-modules
+    bool showHelp = false;
+    bool showVersion = false;
+};
+
+struct ParsedOptions {
+    Options options;
+    std::string error;  // empty when the arguments were understood
+};
+
+// Parses the arguments (args[0] is the program name).
+ParsedOptions parseOptions(const QStringList& args);
+
+// The text that --help prints.
+std::string usageText();
+
+}  // namespace kaldo
