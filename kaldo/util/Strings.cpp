@@ -1,5 +1,6 @@
 #include "kxstring.h"
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>

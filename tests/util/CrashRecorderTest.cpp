@@ -1,0 +1,112 @@
+#include "kaldo/core/Host.h"
+#include "kaldo/util/CrashRecorder.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+std::string readReport(const std::filesystem::path& folder)
+{
+    std::ifstream in(folder / "report.txt");
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+int countReports(const std::filesystem::path& crashDir)
+{
+    int n = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(crashDir))
+        n += entry.is_directory();
+    return n;
+}
+
+QApplication& app()
+{
+    static int argc = 1;
+    static char name[] = "test_util";
+    static char* argv[] = {name, nullptr};
+    static QApplication instance(argc, argv);
+    return instance;
+}
+
+TEST(CrashRecorder, FaultReportWithMessageAndAttachedFile)
+{
+    QTemporaryDir dir;
+    const std::filesystem::path root = dir.path().toStdString();
+    const auto attached = root / "broken.mln";
+    std::ofstream(attached) << "1\nBROKEN\n";
+    kaldo::CrashRecorder recorder(root / "crash");
+    kaldo::host().crashRecorder = &recorder;
+
+    KxCrashRecorder* sdk = kaldGetCrashRecorder();
+    ASSERT_EQ(sdk, &recorder);
+    sdk->recordFault(0xC0000005, nullptr, "mlnfile/reader", 441);
+    sdk->logMessage(L"Reading a style file failed.");
+    sdk->attachFile(attached.wstring().c_str(), L"The file that was being read.");
+
+    const std::string text = readReport(recorder.latestReport());
+    EXPECT_NE(text.find("Fault 0xc0000005 at mlnfile/reader:441"), std::string::npos) << text;
+    EXPECT_NE(text.find("Message: Reading a style file failed."), std::string::npos);
+    EXPECT_NE(text.find("The file that was being read."), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists(recorder.latestReport() / "broken.mln"));
+
+    sdk->attachFile(L"/no/such/file", L"gone");  // a missing attachment is noted, not fatal
+    EXPECT_NE(readReport(recorder.latestReport()).find("could not be copied"), std::string::npos);
+    EXPECT_EQ(countReports(root / "crash"), 1);
+
+    sdk->receiveError(KdErrorStatus(Kald::eWasOpenForWrite, "db.cpp", 12));
+    sdk->receiveError(KdExceptionWithMsg(L"bad name", "dlg.cpp", 34));
+    EXPECT_EQ(countReports(root / "crash"), 3);
+    EXPECT_NE(readReport(recorder.latestReport()).find("Error: bad name at dlg.cpp:34"), std::string::npos);
+    kaldo::host().crashRecorder = nullptr;
+    EXPECT_EQ(kaldGetCrashRecorder(), nullptr);
+}
+
+TEST(CrashRecorder, UnwritableFolderNeverStopsTheHost)
+{
+    kaldo::CrashRecorder recorder("/proc/no-crash-reports-here");
+    recorder.report("something happened");
+    recorder.logMessage(L"and more");
+    EXPECT_TRUE(recorder.latestReport().empty());
+}
+
+TEST(CrashRecorder, ModalRunsThroughTheDriverAndTheGuard)
+{
+    app();
+    QTemporaryDir dir;
+    kaldo::CrashRecorder recorder(std::filesystem::path(dir.path().toStdString()) / "crash");
+    QDialog dialog;
+    int seen = 0;
+    recorder.setDialogDriver([&](QDialog& d) {
+        ++seen;
+        EXPECT_EQ(&d, &dialog);
+        return static_cast<int>(QDialog::Accepted);
+    });
+    int result = -1;
+    EXPECT_TRUE(recorder.runModal(&dialog, &result));
+    EXPECT_EQ(result, QDialog::Accepted);
+    EXPECT_TRUE(recorder.runModal(&dialog, nullptr));
+    EXPECT_EQ(seen, 2);
+
+    // An error thrown inside the dialog is reported and the run still counts.
+    recorder.setDialogDriver([](QDialog&) -> int { throw KdExceptionWithMsg(L"boom", "x.cpp", 1); });
+    result = -1;
+    EXPECT_TRUE(recorder.runModal(&dialog, &result));
+    EXPECT_EQ(result, QDialog::Rejected);
+    EXPECT_NE(readReport(recorder.latestReport()).find("boom"), std::string::npos);
+
+    // With the guard off the caller must use the fallback.
+    recorder.setGuardEnabled(false);
+    recorder.setDialogDriver([](QDialog&) { return 7; });
+    EXPECT_FALSE(recorder.runModal(&dialog, &result));
+    EXPECT_EQ(recorder.runModalFallback(&dialog), 7);
+}
+
+}  // namespace
