@@ -1,0 +1,126 @@
+// The command line of the host: reads input from the current source, writes
+// the transcript, keeps the state of kxedInitGet, the host's system
+// variables and the current view. One command thread uses it.
+//
+// Transcript: prompts and messages as written, then what was typed (echoed
+// after the prompt) and a line end. A text that starts with a line break
+// while the transcript already stands at the start of a line loses that one
+// line break, so that prompts written as "\nCommand: " do not leave blank
+// lines behind each answer.
+#pragma once
+
+#include "kaldo/ed/InputSource.h"
+#include "kaldo/ed/Keywords.h"
+#include "kaldo/ed/PointInput.h"
+#include "kaldo/ed/SystemVariables.h"
+#include "kaldo/ed/View.h"
+#include "kxtypes.h"
+
+#include <deque>
+#include <utility>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class KxDbEntity;
+
+namespace kaldo {
+
+class Editor {
+public:
+    using TranscriptSink = std::function<void(std::wstring_view)>;
+    // Called for kxedRedraw: the entity (null for everything) and the mode.
+    using RedrawListener = std::function<void(const std::int64_t* entity, int mode)>;
+    // Called while a drag moves its entity with the cursor.
+    using DragListener = std::function<void(const KxDbEntity* entity)>;
+
+    // getCommand's result when the input has ended (the session then ends).
+    static constexpr int kEndOfInput = -5999;
+
+    Editor();
+
+    void setInputSource(InputSource* source) { source_ = source; }
+    InputSource* inputSource() const { return source_; }
+    bool scriptFeedsInput() const { return source_ && source_->isScript(); }
+
+    void setTranscript(TranscriptSink sink) { transcript_ = std::move(sink); }
+    // Writes text on the command line as it stands.
+    void write(std::wstring_view text);
+
+    void setRedrawListener(RedrawListener listener) { redrawListener_ = std::move(listener); }
+    void redraw(const std::int64_t* entity, int mode);
+    void setDragListener(DragListener listener) { dragListener_ = std::move(listener); }
+    void dragged(const KxDbEntity* entity);
+
+    // Prompts "\nCommand: " and reads a command word: RTNORM with the word;
+    // RTNONE for Enter (the caller repeats the last command); RTCAN; or
+    // kEndOfInput. A blank ends the command word: the rest of the line feeds
+    // the next input ("SETVAR CMLSCALE" answers the variable prompt).
+    int getCommand(std::wstring& word);
+
+    void initGet(int flags, std::wstring_view keywords);
+    int getPoint(const KxGePoint3d* base, std::wstring_view prompt, KxGePoint3d& out);
+    int getReal(std::wstring_view prompt, double& out);
+    int getString(bool acceptBlanks, std::wstring_view prompt, std::wstring& out);
+    int getKeyword(std::wstring_view prompt, std::wstring& out);
+    // The last keyword read (see kxedGetInput); RTERROR when there is none.
+    int lastKeyword(std::wstring& out) const;
+    // See kxedEntSel; point is in user coordinates.
+    int entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& point);
+
+    // One response for a drag: a point (world), a keyword or an end. The
+    // drag gives its keyword list and whether Enter ends it.
+    struct DragInput {
+        enum class Kind { Point, Motion, Keyword, Enter, Cancel } kind = Kind::Cancel;
+        KxGePoint3d world;
+        int keyword = 0;  // 1-based position in the list
+    };
+    DragInput readDragInput(std::wstring_view prompt, std::wstring_view keywords, bool acceptEnter,
+                            const KxGePoint3d* worldBase);
+
+    SystemVariables& variables() { return variables_; }
+    View& view() { return view_; }
+
+    // How a typed angle is read (AUNITS, ANGBASE, ANGDIR).
+    AngleConvention angleConvention() const;
+
+private:
+    struct Controls {
+        int flags = 0;
+        std::vector<Keyword> keywords;
+    };
+    enum class Outcome { Done, Again };
+
+    // What a get function does with a typed text or a picked point: a
+    // result, or nothing to ask again (after complaining).
+    using Handler = std::function<std::optional<int>(const InputEvent&)>;
+
+    Controls takeControls();
+    // The next input, echoed on the transcript; motion only when asked for.
+    InputEvent next(bool wantMotion = false);
+    // The loop every get function shares: prompt, read, and answer cancel,
+    // end of input and Enter (RSG_NONULL asks again); the rest goes to handle.
+    int ask(std::wstring_view prompt, int flags, const Handler& handle);
+    void complain(std::wstring_view message, std::wstring_view prompt);
+    // Whether text selects a keyword of controls (or RSG_OTHER takes any
+    // text); remembers it for lastKeyword.
+    bool takeKeyword(const Controls& controls, std::wstring_view text);
+
+    InputSource* source_ = nullptr;
+    std::deque<std::wstring> pending_;
+    TranscriptSink transcript_;
+    bool atLineStart_ = true;
+    RedrawListener redrawListener_;
+    DragListener dragListener_;
+    Controls controls_;
+    std::optional<std::wstring> keyword_;
+    SystemVariables variables_;
+    View view_;
+};
+
+// The host's editor, or null outside a session.
+Editor* currentEditor();
+
+}  // namespace kaldo

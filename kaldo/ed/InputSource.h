@@ -1,0 +1,93 @@
+// What feeds the command line: a script, or (through the queue) a window
+// whose thread pushes typed text, clicks and cursor motion while the command
+// thread waits for the next input.
+#pragma once
+
+#include "kxtypes.h"
+
+#include <condition_variable>
+#include <deque>
+#include <istream>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace kaldo {
+
+// One input of the command line.
+struct InputEvent {
+    enum class Kind {
+        Text,        // a line typed by the user (text holds it, without line end)
+        Point,       // a point picked in the window (point, world coordinates)
+        Motion,      // the cursor moved (point, world coordinates); only drags use it
+        Enter,       // an empty response
+        Cancel,      // the user cancelled (^C, Escape)
+        EndOfInput,  // the source has nothing more to give
+    };
+    Kind kind = Kind::EndOfInput;
+    std::wstring text;
+    KxGePoint3d point;
+
+    static InputEvent typed(std::wstring text) { return {Kind::Text, std::move(text), {}}; }
+    static InputEvent picked(const KxGePoint3d& p) { return {Kind::Point, {}, p}; }
+    static InputEvent moved(const KxGePoint3d& p) { return {Kind::Motion, {}, p}; }
+    static InputEvent enter() { return {Kind::Enter, {}, {}}; }
+    static InputEvent cancel() { return {Kind::Cancel, {}, {}}; }
+    static InputEvent end() { return {Kind::EndOfInput, {}, {}}; }
+};
+
+class InputSource {
+public:
+    virtual ~InputSource() = default;
+    // The next input; blocks until there is one. After EndOfInput every
+    // further call returns EndOfInput again.
+    virtual InputEvent next() = 0;
+    // True when a script (not a person) feeds the input: commands then ask on
+    // the command line instead of opening dialogs.
+    virtual bool isScript() const = 0;
+};
+
+// A command script (.scr, 8-bit text in the process's locale): one input per
+// line. An empty line is Enter, a line "^C" is cancel, the end of the stream
+// is the end of input. A trailing carriage return is dropped. The line is
+// passed on whole; the editor alone decides where a word ends (at the
+// command prompt a blank also ends the command word).
+class ScriptInputSource : public InputSource {
+public:
+    explicit ScriptInputSource(std::istream& in);
+    explicit ScriptInputSource(std::unique_ptr<std::istream> owned);
+
+    InputEvent next() override;
+    bool isScript() const override { return true; }
+    // Number of lines read so far (for messages about a script line).
+    int lineNumber() const { return lineNumber_; }
+
+private:
+    std::unique_ptr<std::istream> owned_;
+    std::istream& in_;
+    int lineNumber_ = 0;
+    bool ended_ = false;
+};
+
+// A thread-safe queue: any thread pushes, the command thread blocks in
+// next() until an event arrives. After close() the queue hands out what it
+// still holds, then EndOfInput.
+class QueuedInputSource : public InputSource {
+public:
+    explicit QueuedInputSource(bool script = false) : script_(script) {}
+
+    void push(InputEvent event);
+    void close();
+
+    InputEvent next() override;
+    bool isScript() const override { return script_; }
+
+private:
+    const bool script_;
+    std::mutex mutex_;
+    std::condition_variable ready_;
+    std::deque<InputEvent> events_;
+    bool closed_ = false;
+};
+
+}  // namespace kaldo
