@@ -1,0 +1,270 @@
+#include "kxdbdatabase.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "kaldo/db/ObjectRegistry.h"
+#include "kxdbdict.h"
+#include "kxdbmlstyle.h"
+#include "kxdbsymtb.h"
+
+KxDbDatabase::KxDbDatabase(bool buildDefault)
+{
+    if (buildDefault)
+        buildDefaultDrawing();
+}
+
+KxDbDatabase::~KxDbDatabase()
+{
+    for (const auto& obj : m_objects)
+        kaldo::unregisterObject(obj->objectId());
+}
+
+namespace {
+
+// Adds a new object and closes it: the drawing's own set-up holds nothing open.
+template <class T>
+KxDbObjectId addClosed(KxDbDatabase& db, T* obj)
+{
+    db.addObject(obj);
+    obj->close();
+    return obj->objectId();
+}
+
+template <class Record>
+KxDbObjectId addRecord(KxDbSymbolTable& table, Record* record, const wchar_t* name)
+{
+    record->setName(name);
+    table.add(record);
+    record->close();
+    return record->objectId();
+}
+
+}  // namespace
+
+void KxDbDatabase::buildDefaultDrawing()
+{
+    auto* blocks = new KxDbBlockTable;
+    auto* layers = new KxDbLayerTable;
+    auto* linetypes = new KxDbLinetypeTable;
+    auto* named = new KxDbDictionary;
+    auto* styles = new KxDbDictionary;
+    m_blockTable = addClosed(*this, blocks);
+    m_layerTable = addClosed(*this, layers);
+    m_linetypeTable = addClosed(*this, linetypes);
+    m_namedObjects = addClosed(*this, named);
+
+    m_byBlock = addRecord(*linetypes, new KxDbLinetypeTableRecord, L"ByBlock");
+    m_byLayer = addRecord(*linetypes, new KxDbLinetypeTableRecord, L"ByLayer");
+    auto* continuous = new KxDbLinetypeTableRecord;
+    continuous->setDescription(L"Solid line");
+    m_continuous = addRecord(*linetypes, continuous, L"Continuous");
+
+    auto* layer0 = new KxDbLayerTableRecord;
+    KxCmColor white;
+    white.setColorIndex(7);
+    layer0->setColor(white);
+    layer0->setLinetypeObjectId(m_continuous);
+    m_clayer = addRecord(*layers, layer0, L"0");
+
+    m_modelSpace = addRecord(*blocks, new KxDbBlockTableRecord, kxdbModelSpaceName);
+    m_paperSpace = addRecord(*blocks, new KxDbBlockTableRecord, kxdbPaperSpaceName);
+    m_currentSpace = m_modelSpace;
+
+    KxDbObjectId id;
+    named->setAt(kxdbMlineStyleDictionaryName, styles, id);
+    styles->close();
+
+    auto* standard = new KxDbMlineStyle;
+    standard->setName(kxdbStandardStyleName);
+    int index = 0;
+    standard->addElement(index, 0.5, KxCmColor(), m_byLayer, false);
+    standard->addElement(index, -0.5, KxCmColor(), m_byLayer, false);
+    styles->setAt(kxdbStandardStyleName, standard, m_cmlstyle);
+    standard->close();
+
+    m_celtype = m_byLayer;
+}
+
+Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
+{
+    if (!obj || obj->m_database)
+        return Kald::eInvalidInput;
+    if (handle == 0 || !objectIdFromHandle(handle).isNull())
+        handle = m_handseed;
+    m_handseed = std::max(m_handseed, handle + 1);
+    obj->m_database = this;
+    obj->m_handle = handle;
+    obj->m_openForWrite = true;
+    obj->m_readers = 0;
+    obj->m_id = kaldo::registerObject(obj);
+    m_objects.emplace_back(obj);
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::addToCurrentSpace(KxDbEntity* entity)
+{
+    KxDbObjectId id;
+    return addToCurrentSpace(entity, id);
+}
+
+Kald::ErrorStatus KxDbDatabase::addToCurrentSpace(KxDbEntity* entity, KxDbObjectId& id)
+{
+    id.setNull();
+    auto* space = KxDbBlockTableRecord::cast(peekObject(m_currentSpace));
+    if (!space)
+        return Kald::eNotApplicable;
+    return space->appendKxDbEntity(id, entity);
+}
+
+KxDbObjectId KxDbDatabase::objectIdFromHandle(std::uint64_t handle) const
+{
+    for (const auto& obj : m_objects)
+        if (obj->handle() == handle)
+            return obj->objectId();
+    return KxDbObjectId::kNull;
+}
+
+std::vector<KxDbObjectId> KxDbDatabase::objectIds() const
+{
+    std::vector<KxDbObjectId> ids;
+    ids.reserve(m_objects.size());
+    for (const auto& obj : m_objects)
+        ids.push_back(obj->objectId());
+    return ids;
+}
+
+KxDbObject* KxDbDatabase::peekObject(KxDbObjectId id) const
+{
+    KxDbObject* obj = kaldo::lookupObject(id);
+    return obj && obj->database() == this ? obj : nullptr;
+}
+
+KxDbObjectId KxDbDatabase::mlineStyleDictionaryId() const
+{
+    const auto* named = KxDbDictionary::cast(peekObject(m_namedObjects));
+    KxDbObjectId id;
+    if (named)
+        named->getAt(kxdbMlineStyleDictionaryName, id);
+    return id;
+}
+
+Kald::ErrorStatus KxDbDatabase::setCurrentSpaceId(KxDbObjectId space)
+{
+    const auto* block = KxDbBlockTableRecord::cast(peekObject(space));
+    if (!block || !block->isLayout())
+        return Kald::eInvalidInput;
+    m_currentSpace = space;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::getMLStyleDictionary(KxDbDictionary*& dict, int mode) const
+{
+    return kxdbOpenObject(dict, mlineStyleDictionaryId(), mode);
+}
+
+Kald::ErrorStatus KxDbDatabase::getNamedObjectsDictionary(KxDbDictionary*& dict, int mode) const
+{
+    return kxdbOpenObject(dict, m_namedObjects, mode);
+}
+
+Kald::ErrorStatus KxDbDatabase::getBlockTable(KxDbBlockTable*& table, int mode) const
+{
+    return kxdbOpenObject(table, m_blockTable, mode);
+}
+
+Kald::ErrorStatus KxDbDatabase::getLayerTable(KxDbLayerTable*& table, int mode) const
+{
+    return kxdbOpenObject(table, m_layerTable, mode);
+}
+
+Kald::ErrorStatus KxDbDatabase::getLinetypeTable(KxDbLinetypeTable*& table, int mode) const
+{
+    return kxdbOpenObject(table, m_linetypeTable, mode);
+}
+
+Kald::ErrorStatus KxDbDatabase::setCmlstyleID(KxDbObjectId style)
+{
+    const KxDbObject* obj = peekObject(style);
+    if (!obj || obj->isErased() || !KxDbMlineStyle::cast(obj))
+        return Kald::eInvalidInput;
+    m_cmlstyle = style;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setCmljust(int justification)
+{
+    if (justification < 0 || justification > 2)
+        return Kald::eOutOfRange;
+    m_cmljust = justification;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setCmlscale(double scale)
+{
+    if (!std::isfinite(scale))
+        return Kald::eInvalidInput;
+    m_cmlscale = scale;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setMeasurement(int value)
+{
+    if (value != 0 && value != 1)
+        return Kald::eOutOfRange;
+    m_measurement = value;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setDimzin(int value)
+{
+    if (value < 0 || value > 15)
+        return Kald::eOutOfRange;
+    m_dimzin = value;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setUcs(const KxGePoint3d& origin, const KxGeVector3d& xDir, const KxGeVector3d& yDir)
+{
+    if (xDir.length() <= kxGeTolerance || yDir.length() <= kxGeTolerance)
+        return Kald::eInvalidInput;
+    const KxGeVector3d x = normalized(xDir);
+    const KxGeVector3d y = normalized(yDir);
+    if (std::abs(dot(x, y)) > 1e-6)
+        return Kald::eInvalidInput;
+    m_ucsOrigin = origin;
+    m_ucsXDir = x;
+    m_ucsYDir = y;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setClayer(KxDbObjectId layer)
+{
+    if (!KxDbLayerTableRecord::cast(peekObject(layer)))
+        return Kald::eInvalidInput;
+    m_clayer = layer;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setCeltype(KxDbObjectId linetype)
+{
+    if (!KxDbLinetypeTableRecord::cast(peekObject(linetype)))
+        return Kald::eInvalidInput;
+    m_celtype = linetype;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setCecolor(const KxCmColor& color)
+{
+    m_cecolor = color;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setHandseed(std::uint64_t seed)
+{
+    for (const auto& obj : m_objects)
+        if (obj->handle() >= seed)
+            return Kald::eInvalidInput;
+    m_handseed = seed;
+    return Kald::eOk;
+}

@@ -1,0 +1,144 @@
+#include "kxdbobject.h"
+
+#include <cstdio>
+
+#include "kaldo/core/Host.h"
+#include "kaldo/db/ObjectRegistry.h"
+#include "kxdbdatabase.h"
+
+KxRxClass* KxRxObject::desc()
+{
+    static KxRxClass cls(L"KxRxObject", nullptr);
+    return &cls;
+}
+
+KX_RX_DEFINE_MEMBERS(KxDbObject, KxRxObject)
+KX_RX_DEFINE_MEMBERS(KxDbEntity, KxDbObject)
+
+KxDbObject::~KxDbObject() = default;
+
+Kald::ErrorStatus KxDbObject::setOwnerId(KxDbObjectId owner)
+{
+    m_owner = owner;
+    return Kald::eOk;
+}
+
+std::wstring KxDbObject::handleText() const
+{
+    wchar_t text[20];
+    std::swprintf(text, 20, L"%llX", static_cast<unsigned long long>(m_handle));
+    return text;
+}
+
+Kald::ErrorStatus KxDbObject::erase(bool erasing)
+{
+    if (!isWriteEnabled())
+        return Kald::eNotOpenForWrite;
+    m_erased = erasing;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbObject::close()
+{
+    if (!m_database)
+        return Kald::eOk;
+    if (m_openForWrite)
+        m_openForWrite = false;
+    else if (m_readers > 0)
+        --m_readers;
+    else
+        return Kald::eNotApplicable;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbObject::upgradeOpen()
+{
+    if (isWriteEnabled())
+        return Kald::eOk;
+    if (m_readers != 1)
+        return Kald::eWasOpenForRead;
+    m_readers = 0;
+    m_openForWrite = true;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbObject::copyFrom(const KxDbObject* other)
+{
+    if (!other || !other->isKindOf(isA()) || !isKindOf(other->isA()))
+        return Kald::eWrongObjectType;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int mode, bool openErased,
+                                        const KxRxClass* cls)
+{
+    obj = nullptr;
+    if (id.isNull())
+        return Kald::eNullObjectId;
+    if (mode != KxDb::kForRead && mode != KxDb::kForWrite)
+        return Kald::eInvalidInput;
+    KxDbObject* found = kaldo::lookupObject(id);
+    if (!found)
+        return Kald::eKeyNotFound;
+    if (found->m_erased && !openErased)
+        return Kald::eWasErased;
+    if (cls && !found->isKindOf(cls))
+        return Kald::eWrongObjectType;
+    if (found->m_openForWrite)
+        return Kald::eWasOpenForWrite;
+    if (mode == KxDb::kForWrite) {
+        if (found->m_readers > 0)
+            return Kald::eWasOpenForRead;
+        found->m_openForWrite = true;
+    } else {
+        ++found->m_readers;
+    }
+    obj = found;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbEntity::setLayer(KxDbObjectId layer)
+{
+    m_layer = layer;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbEntity::setColor(const KxCmColor& color)
+{
+    m_color = color;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbEntity::setLinetype(KxDbObjectId linetype)
+{
+    m_linetype = linetype;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbEntity::setDatabaseDefaults(KxDbDatabase* db)
+{
+    if (!db)
+        db = kaldo::host().database;
+    if (!db)
+        return Kald::eNotApplicable;
+    subSetDatabaseDefaults(db);
+    return Kald::eOk;
+}
+
+void KxDbEntity::subSetDatabaseDefaults(KxDbDatabase* db)
+{
+    m_layer = db->clayer();
+    m_color = db->cecolor();
+    m_linetype = db->celtype();
+}
+
+Kald::ErrorStatus KxDbEntity::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
+        return es;
+    const auto* src = static_cast<const KxDbEntity*>(other);
+    m_layer = src->m_layer;
+    m_color = src->m_color;
+    m_linetype = src->m_linetype;
+    return Kald::eOk;
+}

@@ -1,0 +1,104 @@
+#include "kxdbents.h"
+
+#include <cmath>
+
+#include "kaldo/db/EntityPlane.h"
+
+KX_RX_DEFINE_MEMBERS(KxDbLine, KxDbEntity)
+KX_RX_DEFINE_MEMBERS(KxDbArc, KxDbEntity)
+
+namespace {
+
+Kald::ErrorStatus checkedNormal(const KxGeVector3d& normal, KxGeVector3d& out)
+{
+    if (normal.length() <= kxGeTolerance)
+        return Kald::eInvalidInput;
+    out = normalized(normal);
+    return Kald::eOk;
+}
+
+}  // namespace
+
+Kald::ErrorStatus KxDbLine::setStartPoint(const KxGePoint3d& point)
+{
+    m_start = point;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbLine::setEndPoint(const KxGePoint3d& point)
+{
+    m_end = point;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbLine::setNormal(const KxGeVector3d& normal)
+{
+    return checkedNormal(normal, m_normal);
+}
+
+Kald::ErrorStatus KxDbLine::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
+        return es;
+    const auto* src = static_cast<const KxDbLine*>(other);
+    m_start = src->m_start;
+    m_end = src->m_end;
+    m_normal = src->m_normal;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbArc::setCenter(const KxGePoint3d& center)
+{
+    m_center = center;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbArc::setRadius(double radius)
+{
+    if (!(radius >= 0))
+        return Kald::eInvalidInput;
+    m_radius = radius;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbArc::setStartAngle(double radians)
+{
+    m_startAngle = radians;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbArc::setEndAngle(double radians)
+{
+    m_endAngle = radians;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbArc::setNormal(const KxGeVector3d& normal)
+{
+    return checkedNormal(normal, m_normal);
+}
+
+KxGePoint3d KxDbArc::startPoint() const
+{
+    const kaldo::EntityPlane plane(m_normal);
+    return m_center + plane.toWorld(KxGeVector3d(std::cos(m_startAngle), std::sin(m_startAngle))) * m_radius;
+}
+
+KxGePoint3d KxDbArc::endPoint() const
+{
+    const kaldo::EntityPlane plane(m_normal);
+    return m_center + plane.toWorld(KxGeVector3d(std::cos(m_endAngle), std::sin(m_endAngle))) * m_radius;
+}
+
+Kald::ErrorStatus KxDbArc::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
+        return es;
+    const auto* src = static_cast<const KxDbArc*>(other);
+    m_center = src->m_center;
+    m_normal = src->m_normal;
+    m_radius = src->m_radius;
+    m_startAngle = src->m_startAngle;
+    m_endAngle = src->m_endAngle;
+    return Kald::eOk;
+}

@@ -1,0 +1,28 @@
+// The plane of an entity's normal and its coordinate system by the
+// arbitrary-axis rule: for a normal N, the x axis is Wy x N when N lies
+// within 1/64 of the world z axis (both |N.x| and |N.y| below 1/64), else
+// Wz x N; the y axis is N x x. World and plane coordinates convert both ways.
+#pragma once
+
+#include "kxtypes.h"
+
+namespace kaldo {
+
+class EntityPlane {
+public:
+    explicit EntityPlane(const KxGeVector3d& normal);
+
+    const KxGeVector3d& xAxis() const { return m_x; }
+    const KxGeVector3d& yAxis() const { return m_y; }
+    const KxGeVector3d& normal() const { return m_z; }
+
+    KxGePoint3d toPlane(const KxGePoint3d& world) const;
+    KxGePoint3d toWorld(const KxGePoint3d& plane) const;
+    KxGeVector3d toPlane(const KxGeVector3d& world) const;
+    KxGeVector3d toWorld(const KxGeVector3d& plane) const;
+
+private:
+    KxGeVector3d m_x, m_y, m_z;
+};
+
+}  // namespace kaldo

@@ -1,0 +1,319 @@
+#include "kxdbmline.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "kaldo/db/EntityPlane.h"
+#include "kaldo/db/MlineGeometry.h"
+#include "kaldo/db/ObjectRegistry.h"
+#include "kxdbdatabase.h"
+#include "kxdbmlstyle.h"
+
+KX_RX_DEFINE_MEMBERS(KxDbMline, KxDbEntity)
+
+KxDbMlineVertexParams* KxDbMlineVertexParams::create()
+{
+    return new KxDbMlineVertexParams;
+}
+
+KxDbMlineVertexParams* KxDbMlineVertexParams::fromArray(const KxArray& params)
+{
+    return params.isEmpty() ? nullptr : static_cast<KxDbMlineVertexParams*>(params.at(0));
+}
+
+void KxDbMlineVertexParams::release()
+{
+    if (--m_refs == 0)
+        delete this;
+}
+
+KxDbMlineParamsPtr KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams* record)
+{
+    KxDbMlineParamsPtr ptr;
+    ptr.m_record = record;
+    return ptr;
+}
+
+KxDbMlineParamsPtr KxDbMlineParamsPtr::share(KxDbMlineVertexParams* record)
+{
+    if (record)
+        record->addRef();
+    return adopt(record);
+}
+
+KxDbMlineParamsPtr::KxDbMlineParamsPtr(const KxDbMlineParamsPtr& other) : m_record(other.m_record)
+{
+    if (m_record)
+        m_record->addRef();
+}
+
+KxDbMlineParamsPtr& KxDbMlineParamsPtr::operator=(const KxDbMlineParamsPtr& other)
+{
+    KxDbMlineParamsPtr copy(other);
+    std::swap(m_record, copy.m_record);
+    return *this;
+}
+
+KxDbMlineParamsPtr::KxDbMlineParamsPtr(KxDbMlineParamsPtr&& other) noexcept : m_record(other.m_record)
+{
+    other.m_record = nullptr;
+}
+
+KxDbMlineParamsPtr& KxDbMlineParamsPtr::operator=(KxDbMlineParamsPtr&& other) noexcept
+{
+    std::swap(m_record, other.m_record);
+    return *this;
+}
+
+KxDbMlineParamsPtr::~KxDbMlineParamsPtr()
+{
+    if (m_record)
+        m_record->release();
+}
+
+Kald::ErrorStatus KxDbMlineImp::appendSegments(const KxGePoint3dArray& points)
+{
+    if (points.size() != m_mline.m_vertices.size())
+        return Kald::eInvalidInput;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        m_mline.m_vertices[i].position = points[i];
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMlineImp::appendSeg(const KxGeVector3dArray& vectors, bool axes)
+{
+    if (vectors.size() != m_mline.m_vertices.size())
+        return Kald::eInvalidInput;
+    for (std::size_t i = 0; i < vectors.size(); ++i)
+        (axes ? m_mline.m_vertices[i].axis : m_mline.m_vertices[i].miter) = vectors[i];
+    return Kald::eOk;
+}
+
+KxDbMlineImp* KxDbSystemInternals::getImpObject(KxDbObject* obj)
+{
+    KxDbMline* mline = KxDbMline::cast(obj);
+    return mline ? &mline->m_imp : nullptr;
+}
+
+KxDbMline::KxDbMline() = default;
+KxDbMline::~KxDbMline() = default;
+
+Kald::ErrorStatus KxDbMline::setStyle(KxDbObjectId style)
+{
+    if (!style.isNull() && !KxDbMlineStyle::cast(kaldo::lookupObject(style)))
+        return Kald::eWrongObjectType;
+    m_style = style;
+    rebuildAll();
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::setJustification(int justification)
+{
+    if (justification < Mline::kTop || justification > Mline::kBottom)
+        return Kald::eOutOfRange;
+    m_justification = justification;
+    rebuildAll();
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::setScale(double scale)
+{
+    if (!std::isfinite(scale))
+        return Kald::eInvalidInput;
+    m_scale = scale;
+    rebuildAll();
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::setNormal(const KxGeVector3d& normal)
+{
+    if (normal.length() <= kxGeTolerance)
+        return Kald::eInvalidInput;
+    m_normal = normalized(normal);
+    rebuildAll();
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::setClosedMline(bool closed)
+{
+    if (closed == m_closed)
+        return Kald::eOk;
+    m_closed = closed;
+    std::vector<bool> fresh(m_vertices.size(), false);
+    if (!fresh.empty())
+        fresh.back() = true;
+    rebuild(fresh);
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::setSupressStartCaps(bool on)
+{
+    m_supressStartCaps = on;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::setSupressEndCaps(bool on)
+{
+    m_supressEndCaps = on;
+    return Kald::eOk;
+}
+
+KxGePoint3d KxDbMline::vertexAt(int index) const
+{
+    return index >= 0 && index < numVertices() ? m_vertices[std::size_t(index)].position : KxGePoint3d();
+}
+
+KxGeVector3d KxDbMline::axisAt(int index) const
+{
+    return index >= 0 && index < numVertices() ? m_vertices[std::size_t(index)].axis : KxGeVector3d();
+}
+
+KxGeVector3d KxDbMline::miterAt(int index) const
+{
+    return index >= 0 && index < numVertices() ? m_vertices[std::size_t(index)].miter : KxGeVector3d();
+}
+
+Kald::ErrorStatus KxDbMline::appendSeg(const KxGePoint3d& point)
+{
+    m_vertices.push_back(Vertex{point, {}, {}, {}});
+    const std::size_t n = m_vertices.size();
+    std::vector<bool> fresh(n, false);
+    fresh[n - 1] = true;
+    if (n > 1)
+        fresh[n - 2] = true;
+    rebuild(fresh);
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::removeLastSeg(KxGePoint3d& lastPoint)
+{
+    if (m_vertices.empty())
+        return Kald::eInvalidIndex;
+    lastPoint = m_vertices.back().position;
+    m_vertices.pop_back();
+    if (m_vertices.size() <= 2)
+        m_closed = false;
+    std::vector<bool> fresh(m_vertices.size(), false);
+    if (!fresh.empty())
+        fresh.back() = true;
+    rebuild(fresh);
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::moveVertexAt(int index, const KxGePoint3d& point)
+{
+    const int n = numVertices();
+    if (index < 0 || index >= n)
+        return Kald::eInvalidIndex;
+    m_vertices[std::size_t(index)].position = point;
+    std::vector<bool> fresh(std::size_t(n), false);
+    fresh[std::size_t(index)] = true;
+    if (index > 0)
+        fresh[std::size_t(index - 1)] = true;
+    else if (m_closed)
+        fresh.back() = true;
+    rebuild(fresh);
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::getParametersAt(int index, KxArray& params) const
+{
+    params.removeAll();
+    if (index < 0 || index >= numVertices())
+        return Kald::eInvalidIndex;
+    KxDbMlineVertexParams* record = m_vertices[std::size_t(index)].params.get();
+    record->addRef();
+    params.append(record);
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::setParametersAt(int index, const KxArray& params)
+{
+    if (index < 0 || index >= numVertices())
+        return Kald::eInvalidIndex;
+    KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(params);
+    if (!record)
+        return Kald::eInvalidInput;
+    m_vertices[std::size_t(index)].params = KxDbMlineParamsPtr::share(record);
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMline::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
+        return es;
+    const auto* src = static_cast<const KxDbMline*>(other);
+    m_style = src->m_style;
+    m_justification = src->m_justification;
+    m_scale = src->m_scale;
+    m_normal = src->m_normal;
+    m_closed = src->m_closed;
+    m_supressStartCaps = src->m_supressStartCaps;
+    m_supressEndCaps = src->m_supressEndCaps;
+    m_vertices.clear();
+    for (const Vertex& v : src->m_vertices) {
+        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+        record->elements = v.params->elements;
+        m_vertices.push_back(Vertex{v.position, v.axis, v.miter, std::move(record)});
+    }
+    return Kald::eOk;
+}
+
+void KxDbMline::subSetDatabaseDefaults(KxDbDatabase* db)
+{
+    KxDbEntity::subSetDatabaseDefaults(db);
+    m_style = db->cmlstyleID();
+    m_justification = db->cmljust();
+    m_scale = db->cmlscale();
+    rebuildAll();
+}
+
+void KxDbMline::rebuildAll()
+{
+    rebuild(std::vector<bool>(m_vertices.size(), true));
+}
+
+void KxDbMline::rebuild(const std::vector<bool>& freshRuns)
+{
+    if (m_vertices.empty())
+        return;
+    const kaldo::EntityPlane plane(m_normal);
+    std::vector<KxGePoint3d> points;
+    points.reserve(m_vertices.size());
+    for (const Vertex& v : m_vertices)
+        points.push_back(plane.toPlane(v.position));
+
+    const auto* style = KxDbMlineStyle::cast(kaldo::lookupObject(m_style));
+    const std::vector<double> offsets =
+        style ? kxdbMlineElementOffsets(*style, m_scale, m_justification) : std::vector<double>();
+    const double startAngle = style ? style->startAngle() : std::numbers::pi / 2;
+    const double endAngle = style ? style->endAngle() : std::numbers::pi / 2;
+    const std::vector<kaldo::VertexAngles> angles = kaldo::vertexAngles(points, m_closed, startAngle, endAngle);
+
+    for (std::size_t v = 0; v < m_vertices.size(); ++v) {
+        Vertex& vertex = m_vertices[v];
+        const kaldo::VertexAngles& a = angles[v];
+        vertex.axis = plane.toWorld(KxGeVector3d(std::cos(a.axis), std::sin(a.axis)));
+        vertex.miter = plane.toWorld(KxGeVector3d(std::cos(a.miter), std::sin(a.miter)));
+
+        // Lists are rewritten in a record of the multiline's own, so that a
+        // reference a caller still holds keeps what it was given.
+        const KxDbMlineVertexParams* old = vertex.params.get();
+        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+        const bool fresh = !old || v >= freshRuns.size() || freshRuns[v] || old->elements.size() != offsets.size();
+        if (!fresh)
+            record->elements = old->elements;
+        record->elements.resize(offsets.size());
+        for (std::size_t e = 0; e < offsets.size(); ++e) {
+            const double entry0 = kaldo::miterDistance(offsets[e], a.miter, a.axis);
+            KxDbMlineElementParams& lists = record->elements[e];
+            for (std::vector<double>* list : {&lists.areaFill, &lists.element}) {
+                if (fresh || list->empty())
+                    *list = {entry0, 0.0};
+                else
+                    list->front() = entry0;
+            }
+        }
+        vertex.params = std::move(record);
+    }
+}

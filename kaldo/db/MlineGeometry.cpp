@@ -1,0 +1,77 @@
+#include "kaldo/db/MlineGeometry.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "kxdbmline.h"
+#include "kxdbmlstyle.h"
+
+namespace kaldo {
+
+double planeAngle(const KxGePoint3d& from, const KxGePoint3d& to)
+{
+    const double a = std::atan2(to.y - from.y, to.x - from.x);
+    return a < 0 ? a + 2 * std::numbers::pi : a;
+}
+
+double bisectorAngle(double a, double b)
+{
+    double m = (a + b) / 2;
+    if (a > b)
+        m += std::numbers::pi;
+    else if (a == b)
+        m += std::numbers::pi / 2;
+    return m;
+}
+
+double miterDistance(double offset, double miterAngle, double axisAngle)
+{
+    const double turn = miterAngle - axisAngle;
+    return offset / std::sin(turn + (turn == 0 ? 0.005 : 0.0));
+}
+
+std::vector<VertexAngles> vertexAngles(const std::vector<KxGePoint3d>& p, bool closed, double startAngle,
+                                       double endAngle)
+{
+    const std::size_t n = p.size();
+    std::vector<VertexAngles> out(n);
+    for (std::size_t v = 0; v < n; ++v) {
+        const bool hasNext = v + 1 < n || (closed && n > 1);
+        const std::size_t next = (v + 1) % n;
+        const std::size_t prev = (v + n - 1) % n;
+        VertexAngles& va = out[v];
+        if (hasNext)
+            va.axis = planeAngle(p[v], p[next]);
+        else if (v > 0)
+            va.axis = out[v - 1].axis;
+        if (!closed && v == 0)
+            va.miter = va.axis + startAngle;
+        else if (!closed && v + 1 == n)
+            va.miter = planeAngle(p[v - 1], p[v]) + endAngle;
+        else
+            va.miter = bisectorAngle(va.axis, planeAngle(p[v], p[prev]));
+    }
+    return out;
+}
+
+}  // namespace kaldo
+
+std::vector<double> kxdbMlineElementOffsets(const KxDbMlineStyle& style, double scale, int justification)
+{
+    const int n = style.numElements();
+    std::vector<double> offsets(std::size_t(n), 0.0);
+    if (n == 0)
+        return offsets;
+    KxCmColor color;
+    KxDbObjectId linetype;
+    for (int i = 0; i < n; ++i)
+        style.getElementAt(i, offsets[std::size_t(i)], color, linetype);
+    const double last = offsets.back();
+    for (double& o : offsets)
+        o = (o - last) * scale;
+    const double top = offsets.front();
+    const double shift = justification == Mline::kTop ? top : justification == Mline::kZero ? top / 2 : 0.0;
+    for (double& o : offsets)
+        o -= shift;
+    return offsets;
+}

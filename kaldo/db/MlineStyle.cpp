@@ -1,0 +1,131 @@
+#include "kxdbmlstyle.h"
+
+#include <algorithm>
+#include <numbers>
+
+#include "kxdbdatabase.h"
+#include "kxdbmline.h"
+
+KX_RX_DEFINE_MEMBERS(KxDbMlineStyle, KxDbObject)
+
+KxDbMlineStyle::KxDbMlineStyle()
+{
+    initMlineStyle();
+}
+
+void KxDbMlineStyle::initMlineStyle()
+{
+    m_description.clear();
+    m_filled = false;
+    m_fillColor = KxCmColor();
+    m_showMiters = false;
+    m_startSquareCap = m_startRoundCap = m_startInnerArcs = false;
+    m_endSquareCap = m_endRoundCap = m_endInnerArcs = false;
+    m_startAngle = m_endAngle = std::numbers::pi / 2;
+    m_elements.clear();
+}
+
+bool KxDbMlineStyle::isReferenced() const
+{
+    const KxDbDatabase* db = database();
+    if (!db || objectId().isNull())
+        return false;
+    for (const KxDbObjectId& id : db->objectIds()) {
+        const auto* mline = KxDbMline::cast(db->peekObject(id));
+        if (mline && !mline->isErased() && mline->style() == objectId())
+            return true;
+    }
+    return false;
+}
+
+Kald::ErrorStatus KxDbMlineStyle::set(const KxDbMlineStyle& src, bool checkIfReferenced)
+{
+    if (&src == this)
+        return Kald::eOk;
+    if (checkIfReferenced && isReferenced())
+        return Kald::eNotApplicable;
+    m_name = src.m_name;
+    m_description = src.m_description;
+    m_filled = src.m_filled;
+    m_fillColor = src.m_fillColor;
+    m_showMiters = src.m_showMiters;
+    m_startSquareCap = src.m_startSquareCap;
+    m_startRoundCap = src.m_startRoundCap;
+    m_startInnerArcs = src.m_startInnerArcs;
+    m_endSquareCap = src.m_endSquareCap;
+    m_endRoundCap = src.m_endRoundCap;
+    m_endInnerArcs = src.m_endInnerArcs;
+    m_startAngle = src.m_startAngle;
+    m_endAngle = src.m_endAngle;
+    m_elements = src.m_elements;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMlineStyle::setName(const wchar_t* name)
+{
+    if (!name)
+        return Kald::eInvalidInput;
+    m_name = name;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMlineStyle::setDescription(const wchar_t* text)
+{
+    m_description = text ? text : L"";
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMlineStyle::getElementAt(int index, double& offset, KxCmColor& color,
+                                               KxDbObjectId& linetype) const
+{
+    if (index < 0 || index >= numElements())
+        return Kald::eInvalidIndex;
+    const Element& e = m_elements[std::size_t(index)];
+    offset = e.offset;
+    color = e.color;
+    linetype = e.linetype;
+    return Kald::eOk;
+}
+
+void KxDbMlineStyle::sortElements()
+{
+    std::stable_sort(m_elements.begin(), m_elements.end(),
+                     [](const Element& a, const Element& b) { return a.offset > b.offset; });
+}
+
+Kald::ErrorStatus KxDbMlineStyle::setElement(int index, double offset, const KxCmColor& color, KxDbObjectId linetype)
+{
+    if (index < 0 || index >= numElements())
+        return Kald::eInvalidIndex;
+    m_elements[std::size_t(index)] = Element{offset, color, linetype};
+    sortElements();
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMlineStyle::addElement(int& index, double offset, const KxCmColor& color,
+                                             KxDbObjectId linetype, bool checkIfReferenced)
+{
+    index = -1;
+    if (checkIfReferenced && isReferenced())
+        return Kald::eNotApplicable;
+    const auto place = std::find_if(m_elements.begin(), m_elements.end(),
+                                    [offset](const Element& e) { return e.offset < offset; });
+    index = static_cast<int>(place - m_elements.begin());
+    m_elements.insert(place, Element{offset, color, linetype});
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMlineStyle::removeElementAt(int index)
+{
+    if (index < 0 || index >= numElements())
+        return Kald::eInvalidIndex;
+    m_elements.erase(m_elements.begin() + index);
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMlineStyle::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
+        return es;
+    return set(*static_cast<const KxDbMlineStyle*>(other), false);
+}

@@ -1,0 +1,17 @@
+// Distance from a picked point to what an entity draws, measured in the
+// projection onto the world XY plane (the plan view that picks are made in).
+#pragma once
+
+#include "kxtypes.h"
+
+class KxDbEntity;
+
+namespace kaldo {
+
+// Lines: the segment. Arcs: the arc (exact in planes parallel to XY, else
+// through a fine polyline). Multilines: every drawn run of every element,
+// as its parameter lists place it. Infinity for entities that draw nothing
+// here.
+double pickDistance(const KxDbEntity& entity, const KxGePoint3d& worldPoint);
+
+}  // namespace kaldo

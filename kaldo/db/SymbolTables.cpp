@@ -1,0 +1,302 @@
+#include "kxdbsymtb.h"
+
+#include "kaldo/db/NameKey.h"
+#include "kaldo/db/ObjectRegistry.h"
+#include "kxdbdatabase.h"
+
+KX_RX_DEFINE_MEMBERS(KxDbSymbolTableRecord, KxDbObject)
+KX_RX_DEFINE_MEMBERS(KxDbSymbolTable, KxDbObject)
+KX_RX_DEFINE_MEMBERS(KxDbBlockTableRecord, KxDbSymbolTableRecord)
+KX_RX_DEFINE_MEMBERS(KxDbBlockTable, KxDbSymbolTable)
+KX_RX_DEFINE_MEMBERS(KxDbLayerTableRecord, KxDbSymbolTableRecord)
+KX_RX_DEFINE_MEMBERS(KxDbLayerTable, KxDbSymbolTable)
+KX_RX_DEFINE_MEMBERS(KxDbLinetypeTableRecord, KxDbSymbolTableRecord)
+KX_RX_DEFINE_MEMBERS(KxDbLinetypeTable, KxDbSymbolTable)
+
+namespace {
+
+bool isLive(KxDbObjectId id)
+{
+    const KxDbObject* obj = kaldo::lookupObject(id);
+    return obj && !obj->isErased();
+}
+
+void skipErasedIds(const std::vector<KxDbObjectId>& ids, std::size_t& pos)
+{
+    while (pos < ids.size() && !isLive(ids[pos]))
+        ++pos;
+}
+
+}  // namespace
+
+Kald::ErrorStatus KxDbSymbolTableRecord::getName(const wchar_t*& name) const
+{
+    name = m_name.c_str();
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbSymbolTableRecord::setName(const wchar_t* name)
+{
+    if (!name || !*name)
+        return Kald::eInvalidInput;
+    if (const auto* table = KxDbSymbolTable::cast(kaldo::lookupObject(ownerId()))) {
+        const KxDbObjectId other = table->findId(name, false);
+        if (!other.isNull() && other != objectId())
+            return Kald::eDuplicateKey;
+    }
+    m_name = name;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbSymbolTableRecord::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
+        return es;
+    m_name = static_cast<const KxDbSymbolTableRecord*>(other)->m_name;
+    return Kald::eOk;
+}
+
+KxDbObjectId KxDbSymbolTable::findId(const std::wstring& name, bool getErased) const
+{
+    for (const KxDbObjectId& id : m_records) {
+        const auto* record = static_cast<const KxDbSymbolTableRecord*>(kaldo::lookupObject(id));
+        if (record && (getErased || !record->isErased()) && kaldo::sameName(record->name(), name))
+            return id;
+    }
+    return KxDbObjectId::kNull;
+}
+
+Kald::ErrorStatus KxDbSymbolTable::getAt(const wchar_t* name, KxDbObjectId& id, bool getErased) const
+{
+    id = name ? findId(name, getErased) : KxDbObjectId::kNull;
+    return id.isNull() ? Kald::eKeyNotFound : Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbSymbolTable::getAt(const wchar_t* name, KxDbSymbolTableRecord*& record, int mode,
+                                         bool openErased) const
+{
+    record = nullptr;
+    KxDbObjectId id;
+    if (const Kald::ErrorStatus es = getAt(name, id, openErased); es != Kald::eOk)
+        return es;
+    return kxdbOpenObject(record, id, mode, openErased);
+}
+
+bool KxDbSymbolTable::has(const wchar_t* name) const
+{
+    return name && !findId(name, false).isNull();
+}
+
+bool KxDbSymbolTable::has(KxDbObjectId id) const
+{
+    for (const KxDbObjectId& record : m_records)
+        if (record == id)
+            return isLive(id);
+    return false;
+}
+
+Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record)
+{
+    KxDbObjectId id;
+    return add(record, id);
+}
+
+Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObjectId& id)
+{
+    id.setNull();
+    if (!record || record->name().empty())
+        return Kald::eInvalidInput;
+    if (!record->isKindOf(recordClass()))
+        return Kald::eWrongObjectType;
+    if (!database())
+        return Kald::eNotApplicable;
+    if (!findId(record->name(), false).isNull())
+        return Kald::eDuplicateKey;
+    if (!record->database()) {
+        if (const Kald::ErrorStatus es = database()->addObject(record); es != Kald::eOk)
+            return es;
+    } else if (record->database() != database()) {
+        return Kald::eInvalidInput;
+    }
+    m_records.push_back(record->objectId());
+    record->setOwnerId(objectId());
+    id = record->objectId();
+    return Kald::eOk;
+}
+
+std::unique_ptr<KxDbSymbolTableIterator> KxDbSymbolTable::newIterator() const
+{
+    return std::make_unique<KxDbSymbolTableIterator>(m_records);
+}
+
+KxDbSymbolTableIterator::KxDbSymbolTableIterator(std::vector<KxDbObjectId> ids) : m_ids(std::move(ids))
+{
+    start();
+}
+
+void KxDbSymbolTableIterator::start()
+{
+    m_pos = 0;
+    skipErasedIds(m_ids, m_pos);
+}
+
+bool KxDbSymbolTableIterator::done() const
+{
+    return m_pos >= m_ids.size();
+}
+
+void KxDbSymbolTableIterator::step()
+{
+    if (done())
+        return;
+    ++m_pos;
+    skipErasedIds(m_ids, m_pos);
+}
+
+KxDbObjectId KxDbSymbolTableIterator::getRecordId() const
+{
+    return done() ? KxDbObjectId::kNull : m_ids[m_pos];
+}
+
+Kald::ErrorStatus KxDbSymbolTableIterator::getRecordId(KxDbObjectId& id) const
+{
+    id = getRecordId();
+    return id.isNull() ? Kald::eInvalidIndex : Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbSymbolTableIterator::getRecord(KxDbSymbolTableRecord*& record, int mode, bool openErased) const
+{
+    record = nullptr;
+    if (done())
+        return Kald::eInvalidIndex;
+    return kxdbOpenObject(record, m_ids[m_pos], mode, openErased);
+}
+
+bool KxDbBlockTableRecord::isLayout() const
+{
+    return kaldo::sameName(name(), kxdbModelSpaceName) || kaldo::sameName(name(), kxdbPaperSpaceName);
+}
+
+Kald::ErrorStatus KxDbBlockTableRecord::appendKxDbEntity(KxDbEntity* entity)
+{
+    KxDbObjectId id;
+    return appendKxDbEntity(id, entity);
+}
+
+Kald::ErrorStatus KxDbBlockTableRecord::appendKxDbEntity(KxDbObjectId& id, KxDbEntity* entity)
+{
+    id.setNull();
+    if (!entity)
+        return Kald::eInvalidInput;
+    if (!database())
+        return Kald::eNotApplicable;
+    if (!entity->database()) {
+        if (const Kald::ErrorStatus es = database()->addObject(entity); es != Kald::eOk)
+            return es;
+    } else if (entity->database() != database() || !entity->ownerId().isNull()) {
+        return Kald::eInvalidInput;
+    }
+    m_entities.push_back(entity->objectId());
+    entity->setOwnerId(objectId());
+    id = entity->objectId();
+    return Kald::eOk;
+}
+
+int KxDbBlockTableRecord::numEntities() const
+{
+    int n = 0;
+    for (const KxDbObjectId& id : m_entities)
+        n += isLive(id) ? 1 : 0;
+    return n;
+}
+
+std::unique_ptr<KxDbBlockTableRecordIterator> KxDbBlockTableRecord::newIterator() const
+{
+    return std::make_unique<KxDbBlockTableRecordIterator>(m_entities);
+}
+
+Kald::ErrorStatus KxDbBlockTableRecord::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbSymbolTableRecord::copyFrom(other); es != Kald::eOk)
+        return es;
+    m_origin = static_cast<const KxDbBlockTableRecord*>(other)->m_origin;
+    return Kald::eOk;
+}
+
+KxDbBlockTableRecordIterator::KxDbBlockTableRecordIterator(std::vector<KxDbObjectId> ids) : m_ids(std::move(ids))
+{
+    start();
+}
+
+void KxDbBlockTableRecordIterator::start()
+{
+    m_pos = 0;
+    skipErasedIds(m_ids, m_pos);
+}
+
+bool KxDbBlockTableRecordIterator::done() const
+{
+    return m_pos >= m_ids.size();
+}
+
+void KxDbBlockTableRecordIterator::step()
+{
+    if (done())
+        return;
+    ++m_pos;
+    skipErasedIds(m_ids, m_pos);
+}
+
+KxDbObjectId KxDbBlockTableRecordIterator::getEntityId() const
+{
+    return done() ? KxDbObjectId::kNull : m_ids[m_pos];
+}
+
+Kald::ErrorStatus KxDbBlockTableRecordIterator::getEntityId(KxDbObjectId& id) const
+{
+    id = getEntityId();
+    return id.isNull() ? Kald::eInvalidIndex : Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbBlockTableRecordIterator::getEntity(KxDbEntity*& entity, int mode, bool openErased) const
+{
+    entity = nullptr;
+    if (done())
+        return Kald::eInvalidIndex;
+    return kxdbOpenObject(entity, m_ids[m_pos], mode, openErased);
+}
+
+Kald::ErrorStatus KxDbLayerTableRecord::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbSymbolTableRecord::copyFrom(other); es != Kald::eOk)
+        return es;
+    const auto* src = static_cast<const KxDbLayerTableRecord*>(other);
+    m_color = src->m_color;
+    m_linetype = src->m_linetype;
+    m_off = src->m_off;
+    m_frozen = src->m_frozen;
+    return Kald::eOk;
+}
+
+double KxDbLinetypeTableRecord::patternLength() const
+{
+    double total = 0;
+    for (double dash : m_dashes)
+        total += dash < 0 ? -dash : dash;
+    return total;
+}
+
+double KxDbLinetypeTableRecord::dashLengthAt(int index) const
+{
+    return index >= 0 && index < numDashes() ? m_dashes[std::size_t(index)] : 0.0;
+}
+
+Kald::ErrorStatus KxDbLinetypeTableRecord::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbSymbolTableRecord::copyFrom(other); es != Kald::eOk)
+        return es;
+    const auto* src = static_cast<const KxDbLinetypeTableRecord*>(other);
+    m_description = src->m_description;
+    m_dashes = src->m_dashes;
+    return Kald::eOk;
+}

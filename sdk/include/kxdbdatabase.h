@@ -1,0 +1,113 @@
+// A drawing: the objects it owns and its header values.
+//
+// A new drawing holds the named-object dictionary with the multiline-style
+// dictionary "ACAD_MLINESTYLE" and in it the style STANDARD (elements 0.5
+// and -0.5, by layer, linetype ByLayer, cap angles pi/2); the linetypes
+// ByLayer, ByBlock and Continuous; the layer "0"; the blocks *Model_Space
+// and *Paper_Space. Model space is the current space.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "kxdbobject.h"
+
+class KxDbDictionary;
+class KxDbBlockTable;
+class KxDbLayerTable;
+class KxDbLinetypeTable;
+
+inline constexpr const wchar_t* kxdbMlineStyleDictionaryName = L"ACAD_MLINESTYLE";
+inline constexpr const wchar_t* kxdbStandardStyleName = L"STANDARD";
+
+class KxDbDatabase {
+public:
+    // buildDefaultDrawing false: an empty database (for a file reader that
+    // builds everything itself).
+    explicit KxDbDatabase(bool buildDefaultDrawing = true);
+    KxDbDatabase(const KxDbDatabase&) = delete;
+    KxDbDatabase& operator=(const KxDbDatabase&) = delete;
+    ~KxDbDatabase();
+
+    // Takes over a new object (from `new`, in no database): gives it an id
+    // and a handle (the given one when not 0 and free, else the next from
+    // the handle seed). The object stays open for write; the caller closes it.
+    Kald::ErrorStatus addObject(KxDbObject* obj, std::uint64_t handle = 0);
+    // Appends an entity to the current space (addObject when it is new).
+    Kald::ErrorStatus addToCurrentSpace(KxDbEntity* entity);
+    Kald::ErrorStatus addToCurrentSpace(KxDbEntity* entity, KxDbObjectId& id);
+
+    KxDbObjectId objectIdFromHandle(std::uint64_t handle) const;
+    // Every object (erased ones too) in the order they were added.
+    std::vector<KxDbObjectId> objectIds() const;
+
+    KxDbObjectId namedObjectsDictionaryId() const { return m_namedObjects; }
+    KxDbObjectId mlineStyleDictionaryId() const;
+    KxDbObjectId blockTableId() const { return m_blockTable; }
+    KxDbObjectId layerTableId() const { return m_layerTable; }
+    KxDbObjectId linetypeTableId() const { return m_linetypeTable; }
+    KxDbObjectId modelSpaceId() const { return m_modelSpace; }
+    KxDbObjectId paperSpaceId() const { return m_paperSpace; }
+    KxDbObjectId currentSpaceId() const { return m_currentSpace; }
+    Kald::ErrorStatus setCurrentSpaceId(KxDbObjectId space);
+    KxDbObjectId byLayerLinetype() const { return m_byLayer; }
+    KxDbObjectId byBlockLinetype() const { return m_byBlock; }
+    KxDbObjectId continuousLinetype() const { return m_continuous; }
+
+    // Opens a well-known object (the caller closes it).
+    Kald::ErrorStatus getMLStyleDictionary(KxDbDictionary*& dict, int mode) const;
+    Kald::ErrorStatus getNamedObjectsDictionary(KxDbDictionary*& dict, int mode) const;
+    Kald::ErrorStatus getBlockTable(KxDbBlockTable*& table, int mode) const;
+    Kald::ErrorStatus getLayerTable(KxDbLayerTable*& table, int mode) const;
+    Kald::ErrorStatus getLinetypeTable(KxDbLinetypeTable*& table, int mode) const;
+
+    // Header values.
+    KxDbObjectId cmlstyleID() const { return m_cmlstyle; }
+    Kald::ErrorStatus setCmlstyleID(KxDbObjectId style);  // must be a multiline style
+    int cmljust() const { return m_cmljust; }
+    Kald::ErrorStatus setCmljust(int justification);  // 0..2
+    double cmlscale() const { return m_cmlscale; }
+    Kald::ErrorStatus setCmlscale(double scale);
+    int measurement() const { return m_measurement; }
+    Kald::ErrorStatus setMeasurement(int value);  // 0 imperial, 1 metric
+    int dimzin() const { return m_dimzin; }
+    Kald::ErrorStatus setDimzin(int value);  // 0..15
+    const KxGePoint3d& ucsorg() const { return m_ucsOrigin; }
+    const KxGeVector3d& ucsxdir() const { return m_ucsXDir; }
+    const KxGeVector3d& ucsydir() const { return m_ucsYDir; }
+    // xDir and yDir are normalised; they must be perpendicular (within
+    // 1e-6 of the cosine) and not null.
+    Kald::ErrorStatus setUcs(const KxGePoint3d& origin, const KxGeVector3d& xDir, const KxGeVector3d& yDir);
+    KxDbObjectId clayer() const { return m_clayer; }
+    Kald::ErrorStatus setClayer(KxDbObjectId layer);
+    KxDbObjectId celtype() const { return m_celtype; }
+    Kald::ErrorStatus setCeltype(KxDbObjectId linetype);
+    const KxCmColor& cecolor() const { return m_cecolor; }
+    Kald::ErrorStatus setCecolor(const KxCmColor& color);
+    // The next handle to give out.
+    std::uint64_t handseed() const { return m_handseed; }
+    Kald::ErrorStatus setHandseed(std::uint64_t seed);  // not below a handle in use
+
+    // The object an id of this database names, without opening it (null
+    // when the id is not of this database).
+    KxDbObject* peekObject(KxDbObjectId id) const;
+
+private:
+    void buildDefaultDrawing();
+
+    std::vector<std::unique_ptr<KxDbObject>> m_objects;
+    std::uint64_t m_handseed = 1;
+    KxDbObjectId m_namedObjects, m_blockTable, m_layerTable, m_linetypeTable;
+    KxDbObjectId m_modelSpace, m_paperSpace, m_currentSpace;
+    KxDbObjectId m_byLayer, m_byBlock, m_continuous;
+    KxDbObjectId m_cmlstyle, m_clayer, m_celtype;
+    int m_cmljust = 0;
+    double m_cmlscale = 1.0;
+    int m_measurement = 0;
+    int m_dimzin = 0;
+    KxGePoint3d m_ucsOrigin;
+    KxGeVector3d m_ucsXDir{1, 0, 0};
+    KxGeVector3d m_ucsYDir{0, 1, 0};
+    KxCmColor m_cecolor;
+};

@@ -1,0 +1,204 @@
+// Multilines: parallel element lines along a path of vertices, drawn in the
+// look of a multiline style.
+//
+// Per vertex v the multiline keeps: its position; its axis, the unit
+// direction of segment v (towards v+1, towards vertex 0 for the closing
+// segment of a closed multiline; the last vertex of an open one keeps the
+// previous axis); its miter, the unit direction along which the elements
+// cross the vertex; and a parameter record with, per element, two lists:
+//   areaFill  the same kind of list for the style's fill;
+//   element   entry 0: distance along the miter from the vertex to the
+//             element line, so that element point = vertex + miter * entry 0;
+//             entries 1, 2, ...: distances along segment v from that point
+//             at which drawn runs start and stop in turn (an odd count after
+//             entry 0 ends with a run to the segment's end; entry 0 alone
+//             draws nothing along the segment).
+// A fresh vertex gets [entry0, 0] in both lists: the whole segment drawn
+// and filled.
+//
+// All angles are taken in the plane of the multiline's normal, in its
+// entity coordinate system (arbitrary-axis rule). The host recomputes
+// axes, miters and parameter lists when vertices are appended, removed or
+// moved and when the closed flag, scale, justification, normal or style
+// change; lists of segments whose ends did not move keep their runs.
+#pragma once
+
+#include <vector>
+
+#include "kxdbobject.h"
+
+class KxDbMlineStyle;
+
+using KxGePoint3dArray = std::vector<KxGePoint3d>;
+using KxGeVector3dArray = std::vector<KxGeVector3d>;
+
+// A host array of untyped pointers.
+class KxArray {
+public:
+    int length() const { return static_cast<int>(m_items.size()); }
+    bool isEmpty() const { return m_items.empty(); }
+    void* at(int index) const { return m_items.at(static_cast<std::size_t>(index)); }
+    void* operator[](int index) const { return at(index); }
+    void append(void* item) { m_items.push_back(item); }
+    void setAt(int index, void* item) { m_items.at(static_cast<std::size_t>(index)) = item; }
+    void removeAll() { m_items.clear(); }
+
+private:
+    std::vector<void*> m_items;
+};
+
+// The two lists of one element at one vertex: area fill first, element second.
+struct KxDbMlineElementParams {
+    std::vector<double> areaFill;
+    std::vector<double> element;
+    friend bool operator==(const KxDbMlineElementParams&, const KxDbMlineElementParams&) = default;
+};
+
+// The shared, reference-counted parameter record of one vertex.
+class KxDbMlineVertexParams {
+public:
+    // A new record with one reference, held by the caller.
+    static KxDbMlineVertexParams* create();
+    // The record the first entry of a parameter array leads to, or null.
+    static KxDbMlineVertexParams* fromArray(const KxArray& params);
+
+    void addRef() { ++m_refs; }
+    void release();
+    int refCount() const { return m_refs; }
+
+    std::vector<KxDbMlineElementParams> elements;  // one per element
+
+private:
+    KxDbMlineVertexParams() = default;
+    ~KxDbMlineVertexParams() = default;
+    int m_refs = 1;
+};
+
+// Holds one reference to a vertex record (adds one on copy, releases one
+// when it goes).
+class KxDbMlineParamsPtr {
+public:
+    KxDbMlineParamsPtr() = default;
+    // Takes over a reference the caller holds.
+    static KxDbMlineParamsPtr adopt(KxDbMlineVertexParams* record);
+    // Adds a reference of its own.
+    static KxDbMlineParamsPtr share(KxDbMlineVertexParams* record);
+    KxDbMlineParamsPtr(const KxDbMlineParamsPtr& other);
+    KxDbMlineParamsPtr& operator=(const KxDbMlineParamsPtr& other);
+    KxDbMlineParamsPtr(KxDbMlineParamsPtr&& other) noexcept;
+    KxDbMlineParamsPtr& operator=(KxDbMlineParamsPtr&& other) noexcept;
+    ~KxDbMlineParamsPtr();
+
+    KxDbMlineVertexParams* get() const { return m_record; }
+    KxDbMlineVertexParams* operator->() const { return m_record; }
+    explicit operator bool() const { return m_record != nullptr; }
+
+private:
+    KxDbMlineVertexParams* m_record = nullptr;
+};
+
+class KxDbMline;
+
+// Raw access to a multiline's stored geometry, for editing tools that
+// compute it themselves: nothing is recomputed.
+class KxDbMlineImp {
+public:
+    // Replaces every vertex position; points holds one per vertex
+    // (eInvalidInput otherwise).
+    Kald::ErrorStatus appendSegments(const KxGePoint3dArray& points);
+    // Replaces every axis (axes true) or every miter (false); one per vertex.
+    Kald::ErrorStatus appendSeg(const KxGeVector3dArray& vectors, bool axes);
+
+private:
+    friend class KxDbMline;
+    explicit KxDbMlineImp(KxDbMline& mline) : m_mline(mline) {}
+    KxDbMline& m_mline;
+};
+
+namespace Mline {
+enum MlineJustification : int { kTop = 0, kZero = 1, kBottom = 2 };
+}
+
+class KxDbMline : public KxDbEntity {
+public:
+    KX_RX_DECLARE_MEMBERS(KxDbMline)
+    KxDbMline();
+    ~KxDbMline() override;
+
+    KxDbObjectId style() const { return m_style; }
+    Kald::ErrorStatus setStyle(KxDbObjectId style);
+    int justification() const { return m_justification; }
+    Kald::ErrorStatus setJustification(int justification);  // 0 top, 1 zero, 2 bottom
+    double scale() const { return m_scale; }
+    Kald::ErrorStatus setScale(double scale);
+    const KxGeVector3d& normal() const { return m_normal; }
+    Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
+    bool closedMline() const { return m_closed; }
+    Kald::ErrorStatus setClosedMline(bool closed);
+    bool supressStartCaps() const { return m_supressStartCaps; }
+    Kald::ErrorStatus setSupressStartCaps(bool on);
+    bool supressEndCaps() const { return m_supressEndCaps; }
+    Kald::ErrorStatus setSupressEndCaps(bool on);
+
+    int numVertices() const { return static_cast<int>(m_vertices.size()); }
+    // Out-of-range indices give the origin and a null vector.
+    KxGePoint3d vertexAt(int index) const;
+    KxGeVector3d axisAt(int index) const;
+    KxGeVector3d miterAt(int index) const;
+
+    Kald::ErrorStatus appendSeg(const KxGePoint3d& point);
+    // Removes the last vertex and gives its position; eInvalidIndex when
+    // there is none. Removing down to two vertices opens a closed multiline.
+    Kald::ErrorStatus removeLastSeg(KxGePoint3d& lastPoint);
+    Kald::ErrorStatus moveVertexAt(int index, const KxGePoint3d& point);
+
+    // Clears params and appends one entry: the vertex's record, with a
+    // reference added for the caller, who releases it.
+    Kald::ErrorStatus getParametersAt(int index, KxArray& params) const;
+    // Makes the record params leads to the vertex's record (a reference is
+    // added for the multiline).
+    Kald::ErrorStatus setParametersAt(int index, const KxArray& params);
+
+    // Copies style, flags and every vertex with its own copy of the records.
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+
+protected:
+    // Also takes the drawing's current multiline style, justification and scale.
+    void subSetDatabaseDefaults(KxDbDatabase* db) override;
+
+private:
+    friend class KxDbMlineImp;
+    friend class KxDbSystemInternals;
+    struct Vertex {
+        KxGePoint3d position;
+        KxGeVector3d axis;
+        KxGeVector3d miter;
+        KxDbMlineParamsPtr params;
+    };
+    // Recomputes axes, miters and entry 0 of every list; vertices flagged in
+    // freshRuns (or whose lists do not fit the element count) get [entry0, 0].
+    void rebuild(const std::vector<bool>& freshRuns);
+    void rebuildAll();
+
+    KxDbObjectId m_style;
+    int m_justification = Mline::kTop;
+    double m_scale = 1.0;
+    KxGeVector3d m_normal{0, 0, 1};
+    bool m_closed = false;
+    bool m_supressStartCaps = false;
+    bool m_supressEndCaps = false;
+    std::vector<Vertex> m_vertices;
+    KxDbMlineImp m_imp{*this};
+};
+
+class KxDbSystemInternals {
+public:
+    // The implementation object of a multiline, or null for other objects.
+    static KxDbMlineImp* getImpObject(KxDbObject* obj);
+};
+
+// The perpendicular distances of a style's elements from a multiline's
+// axis, in element order, for a multiline of this scale and justification:
+// with offsets o_0..o_n-1, o_i' = (o_i - o_n-1) * scale; then top (0)
+// subtracts o_0' from all, zero (1) subtracts o_0' / 2, bottom (2) keeps them.
+std::vector<double> kxdbMlineElementOffsets(const KxDbMlineStyle& style, double scale, int justification);

@@ -1,0 +1,168 @@
+// Database objects and entities, and how they are opened and closed.
+//
+// Every object of a drawing is owned by its database (KxDbDatabase). A
+// caller opens an object by id for read (mode 0) or write (mode 1), uses it
+// and closes it. Rules: an object open for write cannot be opened again,
+// for write or read, until it is closed (eWasOpenForWrite); several readers
+// are fine, but an object open for read cannot also be opened for write
+// (eWasOpenForRead); an erased object opens only when asked for
+// (eWasErased); a class that does not match gives eWrongObjectType.
+//
+// A new object made with `new` is not in any database and counts as open
+// for write. Handing it to the database (KxDbDatabase::addObject,
+// addToCurrentSpace, KxDbDictionary::setAt, a table's add) makes the
+// database its owner and leaves it open for write: the caller closes it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "kxcmcolor.h"
+#include "kxdbclass.h"
+#include "kxdbid.h"
+#include "kxtypes.h"
+
+class KxDbDatabase;
+
+namespace KxDb {
+enum OpenMode : int { kForRead = 0, kForWrite = 1 };
+}
+
+class KxDbObject : public KxRxObject {
+public:
+    KX_RX_DECLARE_MEMBERS(KxDbObject)
+    KxDbObject() = default;
+    KxDbObject(const KxDbObject&) = delete;
+    KxDbObject& operator=(const KxDbObject&) = delete;
+    ~KxDbObject() override;
+
+    KxDbObjectId objectId() const { return m_id; }
+    KxDbObjectId ownerId() const { return m_owner; }
+    Kald::ErrorStatus setOwnerId(KxDbObjectId owner);
+    KxDbDatabase* database() const { return m_database; }
+
+    // The persistent handle (unique in the database, kept by drawing files);
+    // 0 while the object is in no database.
+    std::uint64_t handle() const { return m_handle; }
+    // The handle as upper-case hexadecimal text, as drawing files write it.
+    std::wstring handleText() const;
+
+    bool isErased() const { return m_erased; }
+    // Erases (or with false, un-erases) the object; it must be open for write.
+    Kald::ErrorStatus erase(bool erasing = true);
+
+    // Ends one open: the writer's, or one of the readers'. Closing an object
+    // that is in no database does nothing.
+    Kald::ErrorStatus close();
+    bool isWriteEnabled() const { return m_openForWrite || !m_database; }
+    bool isReadEnabled() const { return m_readers > 0 || isWriteEnabled(); }
+    // Turns the caller's read open into a write open when it is the only one.
+    Kald::ErrorStatus upgradeOpen();
+
+    // Copies all data of other (same class) into this object, for undo
+    // copies and duplicates. Identity, ownership and open state stay.
+    virtual Kald::ErrorStatus copyFrom(const KxDbObject* other);
+
+private:
+    friend class KxDbDatabase;
+    friend Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*&, KxDbObjectId, int, bool, const KxRxClass*);
+
+    KxDbObjectId m_id;
+    KxDbObjectId m_owner;
+    KxDbDatabase* m_database = nullptr;
+    std::uint64_t m_handle = 0;
+    bool m_erased = false;
+    bool m_openForWrite = false;
+    int m_readers = 0;
+};
+
+// An object that draws: it has a layer, a colour and a linetype.
+class KxDbEntity : public KxDbObject {
+public:
+    KX_RX_DECLARE_MEMBERS(KxDbEntity)
+
+    KxDbObjectId layerId() const { return m_layer; }
+    Kald::ErrorStatus setLayer(KxDbObjectId layer);
+    const KxCmColor& color() const { return m_color; }
+    Kald::ErrorStatus setColor(const KxCmColor& color);
+    int colorIndex() const { return m_color.colorIndex(); }
+    Kald::ErrorStatus setColorIndex(int index) { return m_color.setColorIndex(index); }
+    KxDbObjectId linetypeId() const { return m_linetype; }
+    Kald::ErrorStatus setLinetype(KxDbObjectId linetype);
+
+    // Takes the database's current layer, colour and linetype (and what a
+    // kind of entity takes besides); null means the host's working drawing.
+    Kald::ErrorStatus setDatabaseDefaults(KxDbDatabase* db = nullptr);
+
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+
+protected:
+    virtual void subSetDatabaseDefaults(KxDbDatabase* db);
+
+private:
+    KxDbObjectId m_layer;
+    KxCmColor m_color;
+    KxDbObjectId m_linetype;
+};
+
+// Opens the object id names. mode: 0 read, 1 write. cls: the class the
+// object must be of (or derive from); null accepts any. On failure obj is
+// null and the result tells why.
+Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int mode, bool openErased,
+                                        const KxRxClass* cls);
+
+template <class T>
+Kald::ErrorStatus kxdbOpenObject(T*& obj, KxDbObjectId id, int mode, bool openErased = false,
+                                 const KxRxClass* cls = T::desc())
+{
+    KxDbObject* opened = nullptr;
+    const Kald::ErrorStatus es = kxdbOpenObjectOfClass(opened, id, mode, openErased, cls);
+    obj = static_cast<T*>(opened);
+    return es;
+}
+
+// An object opened for the span of a scope: closed on every way out.
+template <class T>
+class KxDbObjectPtr {
+public:
+    KxDbObjectPtr() = default;
+    KxDbObjectPtr(KxDbObjectId id, int mode, bool openErased = false) { open(id, mode, openErased); }
+    // Takes over closing an object the caller opened.
+    explicit KxDbObjectPtr(T* opened) : m_obj(opened), m_status(opened ? Kald::eOk : Kald::eNullObjectId) {}
+    KxDbObjectPtr(const KxDbObjectPtr&) = delete;
+    KxDbObjectPtr& operator=(const KxDbObjectPtr&) = delete;
+    KxDbObjectPtr(KxDbObjectPtr&& other) noexcept : m_obj(other.m_obj), m_status(other.m_status) { other.m_obj = nullptr; }
+    ~KxDbObjectPtr() { close(); }
+
+    Kald::ErrorStatus open(KxDbObjectId id, int mode, bool openErased = false)
+    {
+        close();
+        m_status = kxdbOpenObject(m_obj, id, mode, openErased);
+        return m_status;
+    }
+    Kald::ErrorStatus close()
+    {
+        Kald::ErrorStatus es = Kald::eOk;
+        if (m_obj)
+            es = m_obj->close();
+        m_obj = nullptr;
+        return es;
+    }
+    // Hands the open object back to the caller, who closes it.
+    T* release()
+    {
+        T* obj = m_obj;
+        m_obj = nullptr;
+        return obj;
+    }
+
+    Kald::ErrorStatus openStatus() const { return m_status; }
+    T* get() const { return m_obj; }
+    T* operator->() const { return m_obj; }
+    T& operator*() const { return *m_obj; }
+    explicit operator bool() const { return m_obj != nullptr; }
+
+private:
+    T* m_obj = nullptr;
+    Kald::ErrorStatus m_status = Kald::eNullObjectId;
+};
