@@ -1,25 +1,120 @@
-// The kaldo executable: parses the command line and runs a session.
+// The kaldo executable: parses the command line, checks the files it names,
+// starts a session and runs its command loop on a script. Exit codes: see
+// kaldo/app/Options.h.
+#include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Options.h"
+#include "kaldo/app/Session.h"
+#include "kaldo/ed/Editor.h"
+#include "kaldo/ed/InputSource.h"
+#include "kxstring.h"
 
 #include <QApplication>
 
+#include <cstdlib>
+#include <fstream>
 #include <iostream>
+#include <memory>
+
+namespace {
+
+// Without a display, Qt would refuse to start: dialogs then go offscreen.
+void chooseOffscreenWithoutDisplay()
+{
+    if (!std::getenv("QT_QPA_PLATFORM") && !std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+}
+
+int fail(const std::string& message, int code)
+{
+    std::cerr << "kaldo: " << message << "\n";
+    return code;
+}
+
+// The paths of the session: the defaults, overridden by the options.
+kaldo::SessionPaths sessionPaths(const kaldo::Options& options)
+{
+    kaldo::SessionPaths paths =
+        kaldo::defaultSessionPaths(QCoreApplication::applicationDirPath().toStdString());
+    if (options.profile)
+        paths.profile = *options.profile;
+    if (options.supportDir)
+        paths.supportDir = *options.supportDir;
+    if (options.crashDir)
+        paths.crashDir = *options.crashDir;
+    return paths;
+}
+
+// Why the files and folders the session needs cannot be used; empty when
+// they can.
+std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths& paths)
+{
+    std::error_code ec;
+    if (options.profile && !std::ifstream(*options.profile))
+        return "cannot read the profile '" + options.profile->string() + "'.";
+    if (!std::filesystem::is_directory(paths.supportDir, ec))
+        return "the Support folder '" + paths.supportDir.string() + "' does not exist (choose one with --support DIR).";
+    return {};
+}
+
+void printTranscript(std::wstring_view text)
+{
+    std::cout << kxutToMultiByte(std::wstring(text)) << std::flush;
+}
+
+}  // namespace
 
 int main(int argc, char** argv)
 {
+    chooseOffscreenWithoutDisplay();
     QApplication app(argc, argv);
     const kaldo::ParsedOptions parsed = kaldo::parseOptions(app.arguments());
     if (!parsed.error.empty()) {
         std::cerr << "kaldo: " << parsed.error << "\n" << kaldo::usageText();
         return kaldo::kExitUsage;
     }
-    if (parsed.options.showHelp) {
+    const kaldo::Options& options = parsed.options;
+    if (options.showHelp) {
         std::cout << kaldo::usageText();
         return kaldo::kExitOk;
     }
-    if (parsed.options.showVersion) {
-        std::cout << "kaldo " KALDO_VERSION "\n";
+    if (options.showVersion) {
+        std::cout << kaldo::versionText();
         return kaldo::kExitOk;
     }
+
+    std::unique_ptr<std::istream> scriptFile;
+    if (!options.script) {
+        std::cerr << "kaldo: the drawing window arrives in a later version; reading commands from standard input.\n";
+    } else if (*options.script != "-") {
+        scriptFile = std::make_unique<std::ifstream>(*options.script);
+        if (!*scriptFile)
+            return fail("cannot read the script '" + options.script->string() + "'.", kaldo::kExitBadFile);
+    }
+    const kaldo::SessionPaths paths = sessionPaths(options);
+    if (const std::string problem = checkPaths(options, paths); !problem.empty())
+        return fail(problem, kaldo::kExitBadFile);
+
+    std::unique_ptr<kaldo::Session> session;
+    try {
+        session = std::make_unique<kaldo::Session>(paths);
+    } catch (const kaldo::SessionError& e) {
+        return fail(e.what(), kaldo::kExitBadFile);
+    }
+    kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin);
+    session->editor().setInputSource(&input);
+    session->editor().setTranscript(printTranscript);
+
+    if (options.autoloadModules) {
+        for (const std::wstring& message : session->loadModulesFolder())
+            std::cerr << "kaldo: " << kxutToMultiByte(message) << "\n";
+    }
+    for (const std::filesystem::path& module : options.modules) {
+        std::wstring message;
+        if (!session->loadModule(module, message))
+            return fail(kxutToMultiByte(message), kaldo::kExitBadFile);
+    }
+
+    kaldo::runCommandLoop(*session);
+    std::cout << "\n";
     return kaldo::kExitOk;
 }

@@ -69,4 +69,9 @@ std::string usageText()
     return parser.helpText().toStdString();
 }
 
+std::string versionText()
+{
+    return "kaldo " KALDO_VERSION "\n";
+}
+
 }  // namespace kaldo

@@ -39,7 +39,8 @@ struct ParsedOptions {
 // Parses the arguments (args[0] is the program name).
 ParsedOptions parseOptions(const QStringList& args);
 
-// The text that --help prints.
+// The texts that --help and --version print.
 std::string usageText();
+std::string versionText();
 
 }  // namespace kaldo

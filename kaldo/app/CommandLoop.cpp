@@ -1,0 +1,78 @@
+#include "kaldo/app/CommandLoop.h"
+
+#include "kaldo/app/Session.h"
+#include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/ed/Editor.h"
+#include "kaldo/rx/Runtime.h"
+#include "kaldo/util/CrashRecorder.h"
+#include "kxcrash.h"
+#include "kxstring.h"
+
+namespace kaldo {
+
+namespace {
+
+void reportFailure(Session& session, const std::wstring& name, const std::wstring& what)
+{
+    session.editor().write(L"\nCommand " + name + L" failed: " + what + L"\n");
+}
+
+// Runs a handler; whatever it throws ends the command, not the session.
+void runGuarded(Session& session, const std::wstring& name, void (*handler)())
+{
+    CrashRecorder& recorder = session.crashRecorder();
+    try {
+        handler();
+    } catch (const KdExceptionWithMsg& e) {
+        recorder.receiveError(e);
+        reportFailure(session, name, e.message());
+    } catch (const KdErrorStatus& e) {
+        recorder.receiveError(e);
+        reportFailure(session, name, L"error status " + std::to_wstring(e.status()));
+    } catch (const std::exception& e) {
+        recorder.report("Command " + kxutToMultiByte(name) + " threw: " + e.what());
+        reportFailure(session, name, kxutFromMultiByte(e.what()));
+    } catch (...) {
+        recorder.report("Command " + kxutToMultiByte(name) + " threw an unknown exception");
+        reportFailure(session, name, L"unknown exception");
+    }
+}
+
+}  // namespace
+
+bool runCommand(Session& session, const std::wstring& name)
+{
+    if (const KxEdCommand* command = session.runtime().commands().lookupCmd(name.c_str())) {
+        runGuarded(session, command->globalName, command->handler);
+        return true;
+    }
+    if (session.editor().variables().exists(name)) {
+        promptForVariable(name);
+        return true;
+    }
+    return false;
+}
+
+void runCommandLoop(Session& session)
+{
+    Editor& editor = session.editor();
+    std::wstring last;
+    while (!session.quitRequested()) {
+        std::wstring name;
+        const int result = editor.getCommand(name);
+        if (result == Editor::kEndOfInput)
+            break;
+        if (result == RTNONE)
+            name = last;
+        else if (result != RTNORM)
+            continue;
+        if (name.empty())
+            continue;
+        if (runCommand(session, name))
+            last = name;
+        else
+            editor.write(L"\nUnknown command \"" + name + L"\". Press F1 for help.\n");
+    }
+}
+
+}  // namespace kaldo

@@ -1,0 +1,22 @@
+// The command loop: prompts "Command: " and runs what is typed until QUIT
+// or the end of input.
+//
+// A typed name runs the registered command of that name (host and module
+// commands alike, "_" forcing the global name); else the name of a system
+// variable asks for its new value as SETVAR does; else the loop says the
+// command is unknown. Enter at an empty prompt repeats the last command. A
+// command that throws is reported to the crash recorder and the loop goes on.
+#pragma once
+
+#include <string>
+
+namespace kaldo {
+
+class Session;
+
+void runCommandLoop(Session& session);
+
+// Runs one command by the name typed; false when the name is unknown.
+bool runCommand(Session& session, const std::wstring& name);
+
+}  // namespace kaldo

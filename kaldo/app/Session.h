@@ -1,0 +1,70 @@
+// One run of the host: the drawing, the editor, the runtime, the profile and
+// the crash recorder, installed in kaldo::host() while the session lives and
+// cleared after. The host commands are registered in the group
+// "KALDO_HOSTCOMMANDS" when the session starts.
+#pragma once
+
+#include "kaldo/app/SessionPaths.h"
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+class KxDbDatabase;
+
+namespace kaldo {
+
+class CrashRecorder;
+class Editor;
+class Profile;
+class Runtime;
+
+// A session could not start (the profile cannot be read).
+class SessionError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class Session {
+public:
+    explicit Session(SessionPaths paths);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // The running session, or null.
+    static Session* current();
+
+    const SessionPaths& paths() const { return paths_; }
+    KxDbDatabase& database() { return *database_; }
+    Editor& editor() { return *editor_; }
+    Runtime& runtime() { return *runtime_; }
+    Profile& profile() { return *profile_; }
+    CrashRecorder& crashRecorder() { return *crashRecorder_; }
+
+    // Loads a module by path or by name from the modules folder (see
+    // resolveModulePath). On failure returns false with a message.
+    bool loadModule(const std::filesystem::path& module, std::wstring& message);
+    // Unloads a module by name or path.
+    bool unloadModule(const std::wstring& module, std::wstring& message);
+    // Loads every *.krx of the modules folder, in name order. Returns the
+    // messages of the modules that failed.
+    std::vector<std::wstring> loadModulesFolder();
+
+    // Ends the command loop after the current command.
+    void requestQuit() { quit_ = true; }
+    bool quitRequested() const { return quit_; }
+
+private:
+    SessionPaths paths_;
+    std::unique_ptr<Profile> profile_;
+    std::unique_ptr<CrashRecorder> crashRecorder_;
+    std::unique_ptr<KxDbDatabase> database_;
+    std::unique_ptr<Editor> editor_;
+    std::unique_ptr<Runtime> runtime_;
+    bool quit_ = false;
+};
+
+}  // namespace kaldo

@@ -1,0 +1,24 @@
+#include "kaldo/app/commands/HostCommands.h"
+
+#include "kxrxcommands.h"
+
+namespace kaldo {
+
+void registerHostCommands(KxEdCommandStack& stack)
+{
+    struct Entry {
+        const wchar_t* name;
+        KxRxFunctionPtr handler;
+    };
+    static constexpr Entry commands[] = {
+        {L"SETVAR", setvarCommand},       {L"LINE", lineCommand},
+        {L"ERASE", eraseCommand},         {L"UCS", ucsCommand},
+        {L"QUIT", quitCommand},           {L"EXIT", quitCommand},
+        {L"APPLOAD", apploadCommand},     {L"APPUNLOAD", appunloadCommand},
+        {L"COMMANDS", commandsCommand},   {L"LIST", listCommand},
+    };
+    for (const Entry& entry : commands)
+        stack.addCommand(kHostCommandGroup, entry.name, entry.name, KxCmdFlags::kModal, entry.handler);
+}
+
+}  // namespace kaldo

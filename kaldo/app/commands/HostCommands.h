@@ -1,0 +1,30 @@
+// The commands the host itself brings, each in its own file. They live in
+// the command stack like module commands, in the group "KALDO_HOSTCOMMANDS",
+// with local names equal to their global names.
+#pragma once
+
+#include <string>
+
+class KxEdCommandStack;
+
+namespace kaldo {
+
+inline constexpr const wchar_t* kHostCommandGroup = L"KALDO_HOSTCOMMANDS";
+
+void registerHostCommands(KxEdCommandStack& stack);
+
+void setvarCommand();
+void lineCommand();
+void eraseCommand();
+void ucsCommand();
+void quitCommand();
+void apploadCommand();
+void appunloadCommand();
+void commandsCommand();
+void listCommand();
+
+// Asks for the new value of the system variable name, as SETVAR does once it
+// has the name; Enter keeps the value.
+void promptForVariable(const std::wstring& name);
+
+}  // namespace kaldo
