@@ -115,6 +115,6 @@ int main(int argc, char** argv)
     }
 
     kaldo::runCommandLoop(*session);
-    std::cout << "\n";
+    session->editor().write(L"\n");
     return kaldo::kExitOk;
 }

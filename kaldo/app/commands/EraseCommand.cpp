@@ -28,8 +28,10 @@ void eraseCommand()
         const int result = kxedEntSel(L"\nSelect object: ", name, point);
         if (result == RTCAN)
             return;
-        if (result == RTERROR && errnoValue() == OL_ENTSELPICK)
+        if (result == RTERROR && errnoValue() == OL_ENTSELPICK) {
+            kxutPrintf(L"\nNo object found.\n");
             continue;
+        }
         KxDbObjectId id;
         if (result != RTNORM || kxdbGetObjectId(id, name) != Kald::eOk)
             break;
