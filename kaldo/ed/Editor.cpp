@@ -233,13 +233,14 @@ int Editor::lastKeyword(std::wstring& out) const
     return RTNORM;
 }
 
-Editor::DragInput Editor::readDragInput(std::wstring_view prompt, std::wstring_view keywords, bool acceptEnter,
-                                        const KxGePoint3d* worldBase)
+Editor::DragInput Editor::readDragInput(std::wstring_view prompt, bool writePrompt, std::wstring_view keywords,
+                                        bool acceptEnter, const KxGePoint3d* worldBase)
 {
     const std::vector<Keyword> list = parseKeywordList(keywords);
     const Ucs ucs = currentUcs();
     const KxGePoint3d reference = worldBase ? worldToUcs(ucs, *worldBase) : variables_.pointValue(L"LASTPOINT");
-    write(prompt);
+    if (writePrompt)
+        write(prompt);
     while (true) {
         const InputEvent event = next(true);
         switch (event.kind) {

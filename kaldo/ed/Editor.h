@@ -71,14 +71,15 @@ public:
     int entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& point);
 
     // One response for a drag: a point (world), a keyword or an end. The
-    // drag gives its keyword list and whether Enter ends it.
+    // drag gives its keyword list and whether Enter ends it; the prompt is
+    // written when writePrompt is true and again after invalid input.
     struct DragInput {
         enum class Kind { Point, Motion, Keyword, Enter, Cancel } kind = Kind::Cancel;
         KxGePoint3d world;
         int keyword = 0;  // 1-based position in the list
     };
-    DragInput readDragInput(std::wstring_view prompt, std::wstring_view keywords, bool acceptEnter,
-                            const KxGePoint3d* worldBase);
+    DragInput readDragInput(std::wstring_view prompt, bool writePrompt, std::wstring_view keywords,
+                            bool acceptEnter, const KxGePoint3d* worldBase);
 
     SystemVariables& variables() { return variables_; }
     View& view() { return view_; }
