@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include "kxdb.h"
+#include "kaldo/core/Host.h"
+#include "kxstring.h"
+
+namespace {
+
+struct StyleDictionary {
+    KxDbDatabase db;
+    KxDbObjectPtr<KxDbDictionary> dict{db.mlineStyleDictionaryId(), KxDb::kForWrite};
+
+    KxDbObjectId add(const wchar_t* name)
+    {
+        auto* style = new KxDbMlineStyle;
+        style->setName(name);
+        KxDbObjectId id;
+        EXPECT_EQ(dict->setAt(name, style, id), Kald::eOk);
+        style->close();
+        return id;
+    }
+};
+
+}  // namespace
+
+TEST(Dictionary, KeysKeepSpellingAndMatchWithoutCase)
+{
+    StyleDictionary s;
+    const KxDbObjectId id = s.add(L"Walls");
+    KxDbObjectId found;
+    EXPECT_EQ(s.dict->getAt(L"WALLS", found), Kald::eOk);
+    EXPECT_EQ(found, id);
+    EXPECT_EQ(s.dict->getAt(L"walls", found), Kald::eOk);
+    EXPECT_EQ(s.dict->getAt(L"wall", found), Kald::eKeyNotFound);
+    EXPECT_TRUE(found.isNull());
+
+    wchar_t* name = nullptr;
+    ASSERT_EQ(s.dict->nameAt(id, name), Kald::eOk);
+    EXPECT_STREQ(name, L"Walls");
+    kald_free(name);
+
+    // Same key in another case replaces the entry and erases the old object.
+    const KxDbObjectId replacement = s.add(L"WALLS");
+    EXPECT_NE(replacement, id);
+    EXPECT_TRUE(id.isErased());
+    EXPECT_EQ(s.dict->numEntries(), 2);
+    std::wstring spelled;
+    s.dict->nameAt(replacement, spelled);
+    EXPECT_EQ(spelled, L"WALLS");
+}
+
+TEST(Dictionary, SetNameRefusesDuplicatesAndAllowsCaseChange)
+{
+    StyleDictionary s;
+    const KxDbObjectId a = s.add(L"A");
+    s.add(L"B");
+    EXPECT_EQ(s.dict->setName(L"a", L"b"), Kald::eDuplicateKey);
+    EXPECT_EQ(s.dict->setName(L"missing", L"C"), Kald::eKeyNotFound);
+    EXPECT_EQ(s.dict->setName(L"A", L"a"), Kald::eOk);
+    EXPECT_EQ(s.dict->setName(L"a", L"Renamed"), Kald::eOk);
+    KxDbObjectId found;
+    EXPECT_EQ(s.dict->getAt(L"RENAMED", found), Kald::eOk);
+    EXPECT_EQ(found, a);
+    EXPECT_FALSE(s.dict->has(L"A"));
+}
+
+TEST(Dictionary, RemoveAndIterationSkipErased)
+{
+    StyleDictionary s;
+    const KxDbObjectId keep = s.add(L"Keep");
+    const KxDbObjectId gone = s.add(L"Gone");
+    const KxDbObjectId erased = s.add(L"Erased");
+
+    KxDbObjectId removed;
+    EXPECT_EQ(s.dict->remove(L"GONE", removed), Kald::eOk);
+    EXPECT_EQ(removed, gone);
+    EXPECT_TRUE(removed.isValid());  // the object stays in the drawing
+    EXPECT_EQ(s.dict->remove(L"Gone"), Kald::eKeyNotFound);
+    {
+        KxDbObjectPtr<KxDbMlineStyle> style(erased, KxDb::kForWrite);
+        ASSERT_TRUE(style);
+        EXPECT_EQ(style->erase(), Kald::eOk);
+    }
+    EXPECT_FALSE(s.dict->has(L"Erased"));
+
+    std::vector<std::wstring> names;
+    for (auto it = s.dict->newIterator(); !it->done(); it->next())
+        names.push_back(it->name());
+    EXPECT_EQ(names, (std::vector<std::wstring>{L"Keep", L"STANDARD"}));
+    EXPECT_EQ(s.dict->numEntries(), 2);
+    EXPECT_TRUE(s.dict->has(keep));
+}
+
+TEST(Dictionary, SearchByEntityNames)
+{
+    KxDbDatabase db;
+    kaldo::HostState saved = kaldo::host();
+    kaldo::host().database = &db;
+    kxds_name named{};
+    ASSERT_EQ(kxdbNamedObjDict(named), RTNORM);
+    kxresbuf* list = kxdbDictSearch(named, L"acad_mlinestyle", 0);
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->restype, -1);
+    KxDbObjectId id;
+    ASSERT_EQ(kxdbGetObjectId(id, list->resval.rlname), Kald::eOk);
+    EXPECT_EQ(id, db.mlineStyleDictionaryId());
+    EXPECT_EQ(kxutRelRb(list), RTNORM);
+    EXPECT_EQ(kxdbDictSearch(named, L"NO_SUCH_KEY", 0), nullptr);
+    kaldo::host() = saved;
+}
