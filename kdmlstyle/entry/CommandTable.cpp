@@ -1,0 +1,34 @@
+#include "entry/CommandTable.h"
+
+#include "entry/CommandBodies.h"
+#include "host/ResourceLibraryScope.h"
+
+namespace kdml {
+
+namespace {
+
+// Every handler runs its body inside the resource library scope, and not at
+// all when the command-time library cannot be loaded.
+template <void (*body)()>
+void handler()
+{
+    const ResourceLibraryScope scope;
+    if (scope.isLoaded())
+        body();
+}
+
+constexpr CommandRow kRows[] = {
+    {L"MLSTYLE", 4013, 2, &handler<runMlstyle>},
+    {L"MLEDIT", 4014, 2, &handler<runMledit>},
+    {L"-MLEDIT", 4015, 2, &handler<runMleditKeywords>},
+    {L"MLINE", 5000, 0, &handler<runMline>},
+};
+
+}  // namespace
+
+std::span<const CommandRow> commandTable()
+{
+    return kRows;
+}
+
+}  // namespace kdml

@@ -1,0 +1,9 @@
+#include "entry/CommandBodies.h"
+
+namespace kdml {
+
+void runMline()
+{
+}
+
+}  // namespace kdml

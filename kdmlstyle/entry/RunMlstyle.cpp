@@ -1,0 +1,9 @@
+#include "entry/CommandBodies.h"
+
+namespace kdml {
+
+void runMlstyle()
+{
+}
+
+}  // namespace kdml
