@@ -1,0 +1,38 @@
+// Runs the staged kaldo binary on a script in a private temporary folder
+// (its own profile and crash folder) and collects what it printed.
+#pragma once
+
+#include <QProcessEnvironment>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <filesystem>
+#include <string>
+
+struct KaldoRun {
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
+
+class KaldoProcess {
+public:
+    KaldoProcess();
+
+    const std::filesystem::path& dir() const { return dir_; }
+    // Writes text into a file of the temporary folder and returns its path.
+    std::filesystem::path writeFile(const std::string& name, const std::string& text) const;
+
+    // Runs kaldo with exactly these arguments.
+    KaldoRun runArgs(const QStringList& args, const std::string& standardInput = {}) const;
+    // Runs a script with the folder's profile and crash folder, the staged
+    // Support folder and modules, and any further arguments.
+    KaldoRun runScript(const std::string& script, const QStringList& extraArgs = {}) const;
+
+    void setEnv(const QString& name, const QString& value) { env_.insert(name, value); }
+
+private:
+    QTemporaryDir temp_;
+    std::filesystem::path dir_;
+    QProcessEnvironment env_;
+};

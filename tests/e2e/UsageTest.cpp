@@ -1,0 +1,84 @@
+// The kaldo executable's command line: options, exit codes, where the
+// script comes from and what happens when a named file is missing.
+#include "KaldoProcess.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace {
+const QString support = QStringLiteral(KALDO_STAGE_DIR "/share/kaldo/Support");
+}
+
+TEST(KaldoUsage, HelpVersionAndBadUsage)
+{
+    KaldoProcess kaldo;
+    const KaldoRun help = kaldo.runArgs({"--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    for (const char* option : {"--script", "--profile", "--support", "--crash-dir", "--load", "--no-modules"})
+        EXPECT_THAT(help.out, HasSubstr(option));
+
+    const KaldoRun version = kaldo.runArgs({"--version"});
+    EXPECT_EQ(version.exitCode, 0);
+    EXPECT_THAT(version.out, HasSubstr("kaldo 0."));
+
+    const KaldoRun unknown = kaldo.runArgs({"--frobnicate"});
+    EXPECT_EQ(unknown.exitCode, 64);
+    EXPECT_THAT(unknown.err, HasSubstr("frobnicate"));
+
+    const KaldoRun missingValue = kaldo.runArgs({"--script"});
+    EXPECT_EQ(missingValue.exitCode, 64);
+
+    const KaldoRun stray = kaldo.runArgs({"drawing.dxf"});
+    EXPECT_EQ(stray.exitCode, 64);
+    EXPECT_THAT(stray.err, HasSubstr("drawing.dxf"));
+}
+
+TEST(KaldoUsage, MissingFilesGiveAMessageAndExitCodeTwo)
+{
+    KaldoProcess kaldo;
+    const KaldoRun noScript = kaldo.runArgs({"--script", "no-such.scr", "--support", support});
+    EXPECT_EQ(noScript.exitCode, 2);
+    EXPECT_THAT(noScript.err, HasSubstr("no-such.scr"));
+    EXPECT_TRUE(noScript.out.empty());
+
+    const auto script = kaldo.writeFile("ok.scr", "LINE\n");
+    const QString scriptArg = QString::fromStdString(script.string());
+    const KaldoRun noProfile =
+        kaldo.runArgs({"--script", scriptArg, "--support", support, "--profile", "missing.ini"});
+    EXPECT_EQ(noProfile.exitCode, 2);
+    EXPECT_THAT(noProfile.err, HasSubstr("missing.ini"));
+
+    const KaldoRun noSupport = kaldo.runArgs({"--script", scriptArg, "--support", "no-such-folder"});
+    EXPECT_EQ(noSupport.exitCode, 2);
+    EXPECT_THAT(noSupport.err, HasSubstr("no-such-folder"));
+
+    const KaldoRun noModule = kaldo.runArgs({"--script", scriptArg, "--support", support, "--load", "nope.krx"});
+    EXPECT_EQ(noModule.exitCode, 2);
+    EXPECT_THAT(noModule.err, HasSubstr("nope.krx"));
+}
+
+TEST(KaldoUsage, ScriptFromStandardInputAndEndOfScript)
+{
+    KaldoProcess kaldo;
+    const KaldoRun piped = kaldo.runArgs({"--script", "-", "--support", support}, "FOO\nLINE\n0,0\n");
+    EXPECT_EQ(piped.exitCode, 0);
+    EXPECT_THAT(piped.out, HasSubstr("Command: FOO\nUnknown command \"FOO\"."));
+    EXPECT_THAT(piped.out, HasSubstr("Specify first point: 0,0\nSpecify next point"));
+
+    // Without --script the commands come from standard input too, with a
+    // note on standard error.
+    const KaldoRun plain = kaldo.runArgs({"--support", support}, "LINE\n");
+    EXPECT_EQ(plain.exitCode, 0);
+    EXPECT_THAT(plain.out, HasSubstr("Command: LINE\nSpecify first point: "));
+    EXPECT_THAT(plain.err, HasSubstr("standard input"));
+
+    // QUIT ends the session before the rest of the script.
+    const KaldoRun quit = kaldo.runScript("QUIT\nLINE\n");
+    EXPECT_EQ(quit.exitCode, 0);
+    EXPECT_THAT(quit.out, Not(HasSubstr("LINE")));
+    const KaldoRun exit = kaldo.runScript("exit\nLINE\n");
+    EXPECT_THAT(exit.out, Not(HasSubstr("LINE")));
+}
