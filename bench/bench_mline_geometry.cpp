@@ -1,0 +1,52 @@
+// How fast the host builds multiline geometry: drawing whole multilines into
+// a drawing, and the rubber-band step of the drawing command (moving the last
+// vertex) on multilines of growing length.
+#include "kxdb.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+
+namespace {
+
+KxGePoint3d zigzag(int i)
+{
+    return {i * 10.0, (i % 2) * 7.0, 0.0};
+}
+
+void BM_DrawTenVertexMultilines(benchmark::State& state)
+{
+    KxDbDatabase db;
+    for (auto _ : state) {
+        auto* mline = new KxDbMline;
+        mline->setDatabaseDefaults(&db);
+        for (int i = 0; i < 10; ++i)
+            mline->appendSeg(zigzag(i));
+        db.addToCurrentSpace(mline);
+        mline->close();
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_DrawTenVertexMultilines);
+
+void BM_RubberBandStep(benchmark::State& state)
+{
+    KxDbDatabase db;
+    KxDbMline mline;
+    mline.setDatabaseDefaults(&db);
+    const int n = static_cast<int>(state.range(0));
+    for (int i = 0; i < n; ++i)
+        mline.appendSeg(zigzag(i));
+    double t = 0;
+    for (auto _ : state) {
+        t += 0.01;
+        mline.moveVertexAt(n - 1, {n * 10.0 + std::cos(t), 5 + std::sin(t), 0});
+        benchmark::DoNotOptimize(mline.miterAt(n - 1));
+    }
+    state.SetComplexityN(n);
+}
+BENCHMARK(BM_RubberBandStep)->RangeMultiplier(10)->Range(10, 10000)->Complexity();
+
+}  // namespace
+
+BENCHMARK_MAIN();
