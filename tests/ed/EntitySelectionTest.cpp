@@ -1,0 +1,94 @@
+#include "EditorFixture.h"
+
+#include "kxed.h"
+#include "kxgs.h"
+
+namespace kaldo {
+namespace {
+
+class EntitySelection : public EditorFixture {
+protected:
+    KxDbObjectId addLine(const KxGePoint3d& a, const KxGePoint3d& b)
+    {
+        auto* line = new KxDbLine(a, b);
+        KxDbObjectId id;
+        EXPECT_EQ(db.addToCurrentSpace(line, id), Kald::eOk);
+        line->close();
+        return id;
+    }
+    KxDbObjectId picked(const kxds_name name)
+    {
+        KxDbObjectId id;
+        kxdbGetObjectId(id, name);
+        return id;
+    }
+    short errNo() { return editor.variables().shortValue(L"ERRNO", -1); }
+};
+
+TEST_F(EntitySelection, HitMissEnterAndCancel)
+{
+    const KxDbObjectId low = addLine({0, 0, 0}, {10, 0, 0});
+    const KxDbObjectId high = addLine({0, 4, 0}, {10, 4, 0});
+    script("5,1\n5,2.5\n5,2\n\n^C\n");
+    kxds_name name;
+    double point[3];
+    ASSERT_EQ(kxedEntSel(L"\nSelect object: ", name, point), RTNORM);
+    EXPECT_EQ(picked(name), low);
+    EXPECT_EQ(point[1], 1);
+    EXPECT_EQ(errNo(), 0);
+    ASSERT_EQ(kxedEntSel(L"\nSelect object: ", name, point), RTNORM);
+    EXPECT_EQ(picked(name), high);
+    // Both lines lie 2 units away, within the pick box of 3 pixels: the
+    // first one found stays when no other is nearer.
+    ASSERT_EQ(kxedEntSel(L"\nSelect object: ", name, point), RTNORM);
+    EXPECT_EQ(picked(name), low);
+    EXPECT_EQ(kxedEntSel(L"\nSelect object: ", name, point), RTERROR);
+    EXPECT_EQ(errNo(), OL_ENTSELNULL);
+    EXPECT_EQ(name[0], 0);
+    EXPECT_EQ(kxedEntSel(L"\nSelect object: ", name, point), RTCAN);
+}
+
+TEST_F(EntitySelection, PickBoxFollowsTheViewScale)
+{
+    const KxDbObjectId line = addLine({0, 0, 0}, {10, 0, 0});
+    script("5,2\n5,2\n5,2\n");
+    kxds_name name;
+    double point[3];
+    ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
+    editor.view().unitsPerPixel = 0.5;
+    EXPECT_EQ(kxgsActiveView()->unitSquarePerPixel(), 0.5);
+    EXPECT_EQ(kxedEntSel(L"", name, point), RTERROR);
+    EXPECT_EQ(errNo(), OL_ENTSELPICK);
+    EXPECT_EQ(name[0], 0);
+    EXPECT_EQ(point[1], 2);
+    editor.variables().set(L"PICKBOX", short(4));
+    ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
+    EXPECT_EQ(picked(name), line);
+}
+
+TEST_F(EntitySelection, ErasedEntitiesKeywordsAndUserCoordinates)
+{
+    const KxDbObjectId line = addLine({0, 0, 0}, {10, 0, 0});
+    const KxDbObjectId other = addLine({0, 0, 0}, {0, 10, 0});
+    {
+        KxDbObjectPtr<KxDbLine> erased(other, KxDb::kForWrite);
+        ASSERT_TRUE(erased);
+        erased->erase();
+    }
+    // User x along world y: the typed point (5, 0) lies on the erased line.
+    ASSERT_EQ(db.setUcs({0, 0, 0}, {0, 1, 0}, {-1, 0, 0}), Kald::eOk);
+    script("5,0\n0,-5\nU\n");
+    kxds_name name;
+    double point[3];
+    EXPECT_EQ(kxedEntSel(L"", name, point), RTERROR);
+    ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
+    EXPECT_EQ(picked(name), line);
+    kxedInitGet(0, L"Undo _UNDO");
+    ASSERT_EQ(kxedEntSel(L"", name, point), RTKWORD);
+    wchar_t word[KXED_TEXT_SIZE];
+    ASSERT_EQ(kxedGetInput(word), RTNORM);
+    EXPECT_STREQ(word, L"UNDO");
+}
+
+}  // namespace
+}  // namespace kaldo
