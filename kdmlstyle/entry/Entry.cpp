@@ -34,8 +34,8 @@ T* registryEntry(const wchar_t* key)
 void* loadEntryResources()
 {
     Dl_info info{};
-    if (!dladdr(reinterpret_cast<void*>(&loadEntryResources), &info) || !info.dli_fname ||
-        !*info.dli_fname)
+    const void* instance = moduleState().instance;
+    if (!instance || !dladdr(instance, &info) || !info.dli_fname || !*info.dli_fname)
         return nullptr;
     return LoadResourceDll(entryResourceLibraryName(kxutFromMultiByte(info.dli_fname)).c_str());
 }

@@ -13,20 +13,19 @@ ModuleState& moduleState()
 
 namespace {
 
-// Runs when the library is loaded: remembers where the module lives.
+// Runs when the library is loaded: remembers where the module lives, once.
 __attribute__((constructor)) void attachModule()
 {
     ModuleState& state = moduleState();
     Dl_info info{};
-    if (dladdr(reinterpret_cast<void*>(&attachModule), &info))
+    if (!state.instance && dladdr(reinterpret_cast<void*>(&attachModule), &info))
         state.instance = info.dli_fbase;
-    state.attached = true;
 }
 
 // Runs when the library is unloaded.
 __attribute__((destructor)) void detachModule()
 {
-    moduleState().attached = false;
+    moduleState().instance = nullptr;
 }
 
 }  // namespace

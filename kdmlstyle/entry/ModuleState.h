@@ -5,8 +5,7 @@
 namespace kdml {
 
 struct ModuleState {
-    void* instance = nullptr;        // base address of the module's own file
-    bool attached = false;           // between the attach and detach hooks
+    void* instance = nullptr;        // load address of the module's own file while attached
     void* entryResources = nullptr;  // entry-time resource library, never freed
 };
 

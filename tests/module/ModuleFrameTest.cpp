@@ -1,5 +1,5 @@
 // The real module loaded through the host's dynamic linker.
-#include "InstalledRuntime.h"
+#include "rx/InstalledRuntime.h"
 
 #include "kxhost.h"
 #include "kxrx.h"

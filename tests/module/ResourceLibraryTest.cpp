@@ -1,6 +1,6 @@
 // The command-time resource library: its name and the scope that makes it
 // the source of resource strings.
-#include "InstalledRuntime.h"
+#include "rx/InstalledRuntime.h"
 
 #include "host/ResourceLibraryNames.h"
 #include "host/ResourceLibraryScope.h"
