@@ -19,6 +19,8 @@ void describe(QCommandLineParser& parser)
 {
     parser.setApplicationDescription(
         "kaldo, a small CAD host.\n"
+        "Without --script the commands are read from standard input (the drawing window comes later).\n"
+        "The session ends with QUIT or after the script's last line.\n"
         "Exit codes: 0 normal end, 2 a named file or folder cannot be used, 64 bad usage.");
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption,
