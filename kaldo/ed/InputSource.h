@@ -71,7 +71,7 @@ private:
 
 // A thread-safe queue: any thread pushes, the command thread blocks in
 // next() until an event arrives. After close() the queue hands out what it
-// still holds, then EndOfInput.
+// still holds, then EndOfInput; later pushes are dropped.
 class QueuedInputSource : public InputSource {
 public:
     explicit QueuedInputSource(bool script = false) : script_(script) {}
