@@ -104,14 +104,14 @@ int main(int argc, char** argv)
     session->editor().setInputSource(&input);
     session->editor().setTranscript(printTranscript);
 
-    if (options.autoloadModules) {
-        for (const std::wstring& message : session->loadModulesFolder())
-            std::cerr << "kaldo: " << kxutToMultiByte(message) << "\n";
-    }
     for (const std::filesystem::path& module : options.modules) {
         std::wstring message;
         if (!session->loadModule(module, message))
             return fail(kxutToMultiByte(message), kaldo::kExitBadFile);
+    }
+    if (options.autoloadModules) {
+        for (const std::wstring& message : session->loadModulesFolder())
+            std::cerr << "kaldo: " << kxutToMultiByte(message) << "\n";
     }
 
     kaldo::runCommandLoop(*session);

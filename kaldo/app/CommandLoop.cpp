@@ -3,6 +3,7 @@
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/ed/Editor.h"
+#include "kaldo/ed/Text.h"
 #include "kaldo/rx/Runtime.h"
 #include "kaldo/util/CrashRecorder.h"
 #include "kxcrash.h"
@@ -71,7 +72,7 @@ void runCommandLoop(Session& session)
         if (runCommand(session, name))
             last = name;
         else
-            editor.write(L"\nUnknown command \"" + name + L"\". Press F1 for help.\n");
+            editor.write(L"\nUnknown command \"" + toUpper(name) + L"\". Press F1 for help.\n");
     }
 }
 

@@ -73,10 +73,17 @@ bool Session::unloadModule(const std::wstring& module, std::wstring& message)
 
 std::vector<std::wstring> Session::loadModulesFolder()
 {
+    const auto isLoaded = [this](const std::filesystem::path& module) {
+        const auto& loaded = runtime_->linker().loadedModules();
+        return std::any_of(loaded.begin(), loaded.end(), [&](const KxRxModuleInfo& info) {
+            std::error_code ec;
+            return std::filesystem::equivalent(info.path, module, ec);
+        });
+    };
     std::vector<std::filesystem::path> modules;
     std::error_code ec;
     for (const auto& entry : std::filesystem::directory_iterator(paths_.modulesDir, ec)) {
-        if (entry.is_regular_file(ec) && entry.path().extension() == ".krx")
+        if (entry.is_regular_file(ec) && entry.path().extension() == ".krx" && !isLoaded(entry.path()))
             modules.push_back(entry.path());
     }
     std::sort(modules.begin(), modules.end());

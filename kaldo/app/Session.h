@@ -49,8 +49,8 @@ public:
     bool loadModule(const std::filesystem::path& module, std::wstring& message);
     // Unloads a module by name or path.
     bool unloadModule(const std::wstring& module, std::wstring& message);
-    // Loads every *.krx of the modules folder, in name order. Returns the
-    // messages of the modules that failed.
+    // Loads every *.krx of the modules folder that is not loaded yet, in name
+    // order. Returns the messages of the modules that failed.
     std::vector<std::wstring> loadModulesFolder();
 
     // Ends the command loop after the current command.

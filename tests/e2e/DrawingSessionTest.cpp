@@ -85,7 +85,7 @@ TEST(DrawingSession, UcsRotationChangesWhereTypedPointsLand)
 TEST(DrawingSession, EnterRepeatsTheLastCommandAndUnknownNamesAreReported)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("\nLINE\n0,0\n1,0\n\n\n5,5\n6,5\n\nFROB\n\n7,7\n8,7\n\nLIST\n5.5,5\nLIST\n7.5,7\n");
+    const KaldoRun run = kaldo.runScript("\nLINE\n0,0\n1,0\n\n\n5,5\n6,5\n\nfrob\n\n7,7\n8,7\n\nLIST\n5.5,5\nLIST\n7.5,7\n");
     EXPECT_EQ(run.exitCode, 0);
     // Enter before any command does nothing.
     EXPECT_THAT(run.out, HasSubstr("Command: \nCommand: LINE\n"));

@@ -69,6 +69,13 @@ TEST(ModuleSession, NoModulesThenLoadByPath)
     EXPECT_EQ(loaded.exitCode, 0);
     EXPECT_THAT(loaded.out, HasSubstr(moduleListing));
 
+    // A module given with --load is not loaded a second time from the
+    // modules folder.
+    const KaldoRun both = kaldo.runScript("COMMANDS\n", {"--load", "KdMLStyle"});
+    EXPECT_EQ(both.exitCode, 0);
+    EXPECT_THAT(both.out, HasSubstr(moduleListing));
+    EXPECT_EQ(both.err.find("KdMLStyle"), std::string::npos) << both.err;
+
     const KaldoRun missing = kaldo.runScript("APPLOAD\nNoSuchModule\nCOMMANDS\n", {"--no-modules"});
     EXPECT_THAT(missing.out, HasSubstr("Cannot find module \"NoSuchModule\"."));
     EXPECT_THAT(missing.out, Not(HasSubstr("KALDO_KDMLSTYLEGROUP")));

@@ -5,8 +5,6 @@
 #include "kxed.h"
 #include "kxedunits.h"
 
-#include <cmath>
-
 namespace kaldo {
 
 namespace {
