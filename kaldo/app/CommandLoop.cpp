@@ -19,7 +19,7 @@ void reportFailure(Session& session, const std::wstring& name, const std::wstrin
 }
 
 // Runs a handler; whatever it throws ends the command, not the session.
-void runGuarded(Session& session, const std::wstring& name, void (*handler)())
+void runGuarded(Session& session, const std::wstring& name, KxRxFunctionPtr handler)
 {
     CrashRecorder& recorder = session.crashRecorder();
     try {
