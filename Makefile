@@ -14,8 +14,12 @@ build: deps
 	@cmake --preset $(PRESET) >/dev/null
 	@cmake --build --preset $(PRESET)
 
+FUZZ_SECONDS ?= 60
+
 test: build
 	ctest --preset $(PRESET)
+	$(MAKE) fuzz
+
 
 run: build
 	$(STAGE)/bin/kaldo --script examples/first-session.scr
@@ -23,8 +27,11 @@ run: build
 asan:
 	$(MAKE) test PRESET=asan
 
-fuzz:
-	$(MAKE) build PRESET=fuzz
+# Builds the readers with clang and libFuzzer, then fuzzes each for a bounded time.
+fuzz: deps
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz
+	@scripts/run-fuzzers.sh build/fuzz $(FUZZ_SECONDS)
 
 bench: build
 	@for b in $(STAGE)/bin/bench_*; do [ -x "$$b" ] && "$$b"; done

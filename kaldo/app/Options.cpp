@@ -12,6 +12,10 @@ const QCommandLineOption supportOption("support", "Use DIR as the Support folder
 const QCommandLineOption crashOption("crash-dir", "Write crash reports into DIR.", "DIR");
 const QCommandLineOption loadOption("load", "Load the module FILE at start (repeatable).", "FILE");
 const QCommandLineOption noModulesOption("no-modules", "Do not load the modules of the modules folder.");
+const QCommandLineOption saveOption("save", "Save the drawing as FILE.dxf when the script ends.", "FILE");
+const QCommandLineOption exportOption("export", "Write the drawing as a picture FILE.svg or FILE.png when the script ends.", "FILE");
+const QCommandLineOption sizeOption("size", "Longer side of the exported picture in pixels (default 1600).", "PIXELS");
+const QCommandLineOption backgroundOption("background", "Background of the exported picture: white (default) or dark.", "COLOUR");
 const QCommandLineOption helpOption(QStringList{"h", "help"}, "Show this help.");
 const QCommandLineOption versionOption("version", "Show the version.");
 
@@ -24,7 +28,9 @@ void describe(QCommandLineParser& parser)
         "Exit codes: 0 normal end, 2 a named file or folder cannot be used, 64 bad usage.");
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption,
-                       noModulesOption, helpOption, versionOption});
+                       noModulesOption, saveOption, exportOption, sizeOption, backgroundOption,
+                       helpOption, versionOption});
+    parser.addPositionalArgument("DRAWING", "The drawing (.dxf) to open; a new drawing without it.", "[DRAWING]");
 }
 
 std::filesystem::path toPath(const QString& text)
@@ -43,11 +49,40 @@ ParsedOptions parseOptions(const QStringList& args)
         parsed.error = parser.errorText().toStdString();
         return parsed;
     }
-    if (!parser.positionalArguments().isEmpty()) {
-        parsed.error = "Unexpected argument '" + parser.positionalArguments().first().toStdString() + "'.";
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() > 1) {
+        parsed.error = "Unexpected argument '" + positional.at(1).toStdString() + "': give one drawing.";
         return parsed;
     }
     Options& o = parsed.options;
+    if (!positional.isEmpty())
+        o.drawing = toPath(positional.first());
+    if (parser.isSet(saveOption))
+        o.saveAs = toPath(parser.value(saveOption));
+    if (parser.isSet(exportOption)) {
+        o.exportTo = toPath(parser.value(exportOption));
+        const std::string ext = o.exportTo->extension().string();
+        if (ext != ".svg" && ext != ".png" && ext != ".SVG" && ext != ".PNG") {
+            parsed.error = "--export needs a file name ending in .svg or .png.";
+            return parsed;
+        }
+    }
+    if (parser.isSet(sizeOption)) {
+        bool ok = false;
+        o.exportSize = parser.value(sizeOption).toInt(&ok);
+        if (!ok || o.exportSize < 16 || o.exportSize > 20000) {
+            parsed.error = "--size needs a whole number of pixels from 16 to 20000.";
+            return parsed;
+        }
+    }
+    if (parser.isSet(backgroundOption)) {
+        const QString colour = parser.value(backgroundOption).toLower();
+        if (colour != "white" && colour != "dark") {
+            parsed.error = "--background is white or dark.";
+            return parsed;
+        }
+        o.exportBackground = colour == "dark" ? ExportBackground::Dark : ExportBackground::White;
+    }
     if (parser.isSet(scriptOption))
         o.script = toPath(parser.value(scriptOption));
     if (parser.isSet(profileOption))

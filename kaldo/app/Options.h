@@ -19,9 +19,17 @@ constexpr int kExitOk = 0;
 constexpr int kExitBadFile = 2;
 constexpr int kExitUsage = 64;
 
+enum class ExportBackground { White, Dark };
+
 struct Options {
+    // The drawing opened at start; without it the session starts a new one.
+    std::optional<std::filesystem::path> drawing;
     // "-" reads the script from standard input.
     std::optional<std::filesystem::path> script;
+    std::optional<std::filesystem::path> saveAs;   // --save, after the script
+    std::optional<std::filesystem::path> exportTo; // --export FILE.svg|FILE.png, after --save
+    int exportSize = 1600;                          // longer side of the picture, in pixels
+    ExportBackground exportBackground = ExportBackground::White;
     std::optional<std::filesystem::path> profile;
     std::optional<std::filesystem::path> supportDir;
     std::optional<std::filesystem::path> crashDir;

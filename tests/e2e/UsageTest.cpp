@@ -31,9 +31,16 @@ TEST(KaldoUsage, HelpVersionAndBadUsage)
     const KaldoRun missingValue = kaldo.runArgs({"--script"});
     EXPECT_EQ(missingValue.exitCode, 64);
 
-    const KaldoRun stray = kaldo.runArgs({"drawing.dxf"});
+    const KaldoRun stray = kaldo.runArgs({"one.dxf", "two.dxf"});
     EXPECT_EQ(stray.exitCode, 64);
-    EXPECT_THAT(stray.err, HasSubstr("drawing.dxf"));
+    EXPECT_THAT(stray.err, HasSubstr("two.dxf"));
+
+    for (const QStringList& bad : {QStringList{"--export", "picture.jpg"}, QStringList{"--size", "9"},
+                                   QStringList{"--size", "big"}, QStringList{"--background", "pink"}}) {
+        const KaldoRun refused = kaldo.runArgs(bad);
+        EXPECT_EQ(refused.exitCode, 64) << bad.join(' ').toStdString();
+        EXPECT_THAT(refused.err, HasSubstr(bad.first().toStdString())) << bad.join(' ').toStdString();
+    }
 }
 
 TEST(KaldoUsage, MissingFilesGiveAMessageAndExitCodeTwo)
