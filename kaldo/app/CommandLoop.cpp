@@ -72,7 +72,7 @@ void runCommandLoop(Session& session)
         if (runCommand(session, name))
             last = name;
         else
-            editor.write(L"\nUnknown command \"" + toUpper(name) + L"\". Press F1 for help.\n");
+            editor.write(L"\nUnknown command \"" + toUpper(name) + L"\". Type COMMANDS to list the commands.\n");
     }
 }
 

@@ -92,7 +92,7 @@ TEST(DrawingSession, EnterRepeatsTheLastCommandAndUnknownNamesAreReported)
     EXPECT_THAT(run.out, HasSubstr("Specify next point or [Undo]: \nCommand: \nSpecify first point: 5,5\n"));
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=5.0000  Y=5.0000  Z=0.0000", "X=6.0000  Y=5.0000  Z=0.0000")));
     // An unknown name is not remembered: Enter after it repeats LINE.
-    EXPECT_THAT(run.out, HasSubstr("Unknown command \"FROB\". Press F1 for help.\nCommand: \nSpecify first point: 7,7\n"));
+    EXPECT_THAT(run.out, HasSubstr("Unknown command \"FROB\". Type COMMANDS to list the commands.\nCommand: \nSpecify first point: 7,7\n"));
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=7.0000  Y=7.0000  Z=0.0000", "X=8.0000  Y=7.0000  Z=0.0000")));
     EXPECT_THAT(run.out, Not(HasSubstr("Unknown command \"LINE\"")));
 }
