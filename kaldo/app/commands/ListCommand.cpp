@@ -1,5 +1,7 @@
 // LIST: shows a picked entity: its kind, handle and points in world
-// coordinates, in the drawing's units.
+// coordinates, in the drawing's units. A multiline also shows its style and
+// normal, and per vertex its segment direction, miter and the element and
+// fill parameter lists.
 #include "kaldo/app/commands/HostCommands.h"
 #include "kxdb.h"
 #include "kxed.h"
@@ -28,6 +30,42 @@ std::wstring point(const KxGePoint3d& p)
     return L"X=" + distance(p.x) + L"  Y=" + distance(p.y) + L"  Z=" + distance(p.z);
 }
 
+std::wstring vector(const KxGeVector3d& v)
+{
+    return point({v.x, v.y, v.z});
+}
+
+std::wstring numbers(const std::vector<double>& values)
+{
+    std::wstring text;
+    for (double value : values)
+        text += L" " + distance(value);
+    return text;
+}
+
+std::wstring styleName(const KxDbMline& mline)
+{
+    const KxDbObjectPtr<KxDbMlineStyle> style(mline.style(), KxDb::kForRead);
+    return style ? style->name() : L"";
+}
+
+// Direction, miter and per element the element and fill lists of a vertex.
+std::wstring vertexDetails(const KxDbMline& mline, int vertex)
+{
+    std::wstring text = L"\n    direction: " + vector(mline.axisAt(vertex)) + L"\n    miter: " + vector(mline.miterAt(vertex));
+    KxArray array;
+    if (mline.getParametersAt(vertex, array) != Kald::eOk)
+        return text;
+    const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
+    if (!record)
+        return text;
+    for (std::size_t e = 0; e < record->elements.size(); ++e) {
+        text += L"\n    element " + std::to_wstring(e) + L":" + numbers(record->elements[e].element) + L"  fill:"
+            + numbers(record->elements[e].areaFill);
+    }
+    return text;
+}
+
 // The entity's kind, handle and geometry.
 std::wstring describe(const KxDbEntity& entity)
 {
@@ -42,9 +80,10 @@ std::wstring describe(const KxDbEntity& entity)
     }
     if (const KxDbMline* mline = KxDbMline::cast(&entity)) {
         std::wstring text = L"MLINE" + handle + L"\n  scale: " + distance(mline->scale()) + L"  justification: "
-            + std::to_wstring(mline->justification()) + (mline->closedMline() ? L"  closed" : L"");
+            + std::to_wstring(mline->justification()) + (mline->closedMline() ? L"  closed" : L"")
+            + L"\n  style: " + styleName(*mline) + L"  normal: " + vector(mline->normal());
         for (int i = 0; i < mline->numVertices(); ++i)
-            text += L"\n  vertex " + std::to_wstring(i) + L": " + point(mline->vertexAt(i));
+            text += L"\n  vertex " + std::to_wstring(i) + L": " + point(mline->vertexAt(i)) + vertexDetails(*mline, i);
         return text;
     }
     return entity.isA()->name() + handle;
