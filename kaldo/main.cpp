@@ -6,6 +6,7 @@
 #include "kaldo/app/Session.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
+#include "kaldo/view/PictureExport.h"
 #include "kxstring.h"
 
 #include <QApplication>
@@ -116,5 +117,14 @@ int main(int argc, char** argv)
 
     kaldo::runCommandLoop(*session);
     session->editor().write(L"\n");
+    if (options.exportTo) {
+        const kaldo::view::Background background = options.exportBackground == kaldo::ExportBackground::Dark
+                                                       ? kaldo::view::Background::Dark
+                                                       : kaldo::view::Background::White;
+        const std::string problem =
+            kaldo::view::exportPicture(session->database(), *options.exportTo, {options.exportSize, background});
+        if (!problem.empty())
+            return fail(problem, kaldo::kExitBadFile);
+    }
     return kaldo::kExitOk;
 }

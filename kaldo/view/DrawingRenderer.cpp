@@ -1,0 +1,70 @@
+#include "kaldo/view/DrawingRenderer.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "kaldo/db/EntityPlane.h"
+#include "kaldo/view/MlineRenderer.h"
+#include "kaldo/view/PenResolver.h"
+#include "kaldo/view/PlaneArc.h"
+#include "kxdbdatabase.h"
+#include "kxdbents.h"
+#include "kxdbmline.h"
+#include "kxdbmlstyle.h"
+#include "kxdbsymtb.h"
+
+namespace kaldo::view {
+
+namespace {
+
+void drawLine(const KxDbLine& line, int pen, Scene& scene)
+{
+    scene.addLine({line.startPoint().x, line.startPoint().y}, {line.endPoint().x, line.endPoint().y}, pen);
+}
+
+void drawArc(const KxDbArc& arc, int pen, Scene& scene)
+{
+    double sweep = std::fmod(arc.endAngle() - arc.startAngle(), 2 * std::numbers::pi);
+    if (sweep <= 0)
+        sweep += 2 * std::numbers::pi;
+    addPlaneArc(scene, EntityPlane(arc.normal()), arc.center(), arc.radius(), arc.startAngle(), sweep, pen);
+}
+
+void drawMline(const KxDbMline& mline, const LayerLook& layer, MlineRenderer& renderer)
+{
+    KxDbObjectPtr<KxDbMlineStyle> style;
+    if (!mline.style().isNull())
+        style.open(mline.style(), KxDb::kForRead);
+    renderer.draw(mline, style.get(), layer);
+}
+
+}  // namespace
+
+Scene renderDrawing(const KxDbDatabase& db)
+{
+    Scene scene;
+    KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
+    if (!space)
+        return scene;
+    PenResolver pens(db, scene);
+    MlineRenderer mlines(pens);
+    const auto it = space->newIterator();
+    for (it->start(); !it->done(); it->step()) {
+        KxDbEntity* opened = nullptr;
+        if (it->getEntity(opened, KxDb::kForRead) != Kald::eOk)
+            continue;
+        const KxDbObjectPtr<KxDbEntity> entity(opened);
+        const LayerLook& layer = pens.layer(entity->layerId());
+        if (!layer.visible)
+            continue;
+        if (const auto* mline = KxDbMline::cast(entity.get()))
+            drawMline(*mline, layer, mlines);
+        else if (const auto* line = KxDbLine::cast(entity.get()))
+            drawLine(*line, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
+        else if (const auto* arc = KxDbArc::cast(entity.get()))
+            drawArc(*arc, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
+    }
+    return scene;
+}
+
+}  // namespace kaldo::view

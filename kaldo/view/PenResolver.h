@@ -1,0 +1,42 @@
+// Turns the colours and linetypes of entities and style elements into the
+// pens of a scene, looking layers and linetypes up once each.
+#pragma once
+
+#include <unordered_map>
+
+#include "kaldo/view/Scene.h"
+#include "kxcmcolor.h"
+#include "kxdbid.h"
+
+class KxDbDatabase;
+
+namespace kaldo::view {
+
+// What an entity takes from its layer.
+struct LayerLook {
+    DrawColor color;
+    KxDbObjectId linetype;
+    bool visible = true;  // neither off nor frozen
+};
+
+class PenResolver {
+public:
+    PenResolver(const KxDbDatabase& db, Scene& scene);
+
+    const LayerLook& layer(KxDbObjectId layerId);
+    // The pattern of a linetype: ByLayer takes the layer's, ByBlock and
+    // linetypes without dashes are continuous.
+    int pattern(KxDbObjectId linetype, const LayerLook& layer);
+    int pen(const KxCmColor& color, KxDbObjectId linetype, const LayerLook& layer);
+    int continuousPen(const KxCmColor& color, const LayerLook& layer);
+
+    Scene& scene() { return m_scene; }
+
+private:
+    const KxDbDatabase& m_db;
+    Scene& m_scene;
+    std::unordered_map<KxDbObjectId, LayerLook> m_layers;
+    std::unordered_map<KxDbObjectId, int> m_patterns;
+};
+
+}  // namespace kaldo::view

@@ -1,0 +1,103 @@
+#include "kaldo/view/Picture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace kaldo::view {
+
+namespace {
+
+constexpr std::uint32_t kWhite = 0xFFFFFF;
+constexpr std::uint32_t kBlack = 0x000000;
+constexpr std::uint32_t kDark = 0x1E2329;
+
+// The smallest dash or gap drawn, and the shortest pattern repeat that is
+// still worth breaking a line for, in pixels.
+constexpr double kMinimumDash = 1.0;
+constexpr double kMinimumRepeat = 3.0;
+
+int marginFor(int size)
+{
+    return std::max(2, size / 40);
+}
+
+}  // namespace
+
+PictureFrame::PictureFrame(const Bounds& bounds, int size)
+{
+    const int margin = marginFor(size);
+    const double spanX = bounds.empty ? 0.0 : bounds.maxX - bounds.minX;
+    const double spanY = bounds.empty ? 0.0 : bounds.maxY - bounds.minY;
+    const double longer = std::max(spanX, spanY);
+    const double inner = size - 2.0 * margin;
+    m_scale = longer > 0 ? inner / longer : 1.0;
+    m_width = longer > 0 && spanX < spanY ? int(std::ceil(spanX * m_scale)) + 2 * margin : size;
+    m_height = longer > 0 && spanY < spanX ? int(std::ceil(spanY * m_scale)) + 2 * margin : size;
+    const double centreX = bounds.empty ? 0.0 : (bounds.minX + bounds.maxX) / 2;
+    const double centreY = bounds.empty ? 0.0 : (bounds.minY + bounds.maxY) / 2;
+    m_originX = m_width / 2.0 - centreX * m_scale;
+    m_originY = m_height / 2.0 + centreY * m_scale;
+}
+
+std::uint32_t backgroundRgb(Background background)
+{
+    return background == Background::White ? kWhite : kDark;
+}
+
+std::uint32_t pictureRgb(const DrawColor& color, Background background)
+{
+    if (!color.foreground)
+        return color.rgb;
+    return background == Background::White ? kBlack : kWhite;
+}
+
+PixelDashes pixelDashes(const LinePattern& pattern, double scale)
+{
+    // Alternating runs, dash first: even indices are dashes, odd ones gaps.
+    std::vector<double> runs;
+    double leadingGap = 0;
+    for (const double unit : pattern) {
+        const bool dash = unit >= 0;
+        const double pixels = std::max(kMinimumDash, std::abs(unit) * scale);
+        if (runs.empty() && !dash) {
+            leadingGap += pixels;
+            continue;
+        }
+        const bool lastIsDash = runs.size() % 2 == 1;
+        if (!runs.empty() && lastIsDash == dash)
+            runs.back() += pixels;
+        else
+            runs.push_back(pixels);
+    }
+    // A gap at the front wraps round to the end: lines start inside it.
+    if (leadingGap > 0 && !runs.empty()) {
+        if (runs.size() % 2 == 0)
+            runs.back() += leadingGap;
+        else
+            runs.push_back(leadingGap);
+    }
+    // A dash at the end joins the first one: lines start inside it.
+    double offset = leadingGap > 0 ? std::accumulate(runs.begin(), runs.end(), 0.0) - leadingGap : 0.0;
+    if (runs.size() % 2 == 1 && runs.size() > 1) {
+        const double tail = runs.back();
+        runs.pop_back();
+        runs.front() += tail;
+        offset = tail;
+    }
+    const double repeat = std::accumulate(runs.begin(), runs.end(), 0.0);
+    if (runs.size() < 2 || repeat < kMinimumRepeat)
+        return {};
+    return {std::move(runs), offset};
+}
+
+std::vector<DrawColor> fillColors(const Scene& scene)
+{
+    std::vector<DrawColor> colors;
+    for (const Polygon& polygon : scene.polygons())
+        if (std::find(colors.begin(), colors.end(), polygon.color) == colors.end())
+            colors.push_back(polygon.color);
+    return colors;
+}
+
+}  // namespace kaldo::view

@@ -1,0 +1,78 @@
+// How a scene is fitted into a picture of a given size, and what its
+// colours and dash patterns become there. Shared by the exporters.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "kaldo/view/Scene.h"
+
+namespace kaldo::view {
+
+enum class Background { White, Dark };
+
+struct PictureOptions {
+    int size = 1600;  // longer side of the picture, in pixels
+    Background background = Background::White;
+};
+
+// The picture's longer side is size pixels; the shorter one follows the
+// drawing's proportions. The drawing is centred with a margin on every
+// side; y grows downwards in pixels.
+class PictureFrame {
+public:
+    PictureFrame(const Bounds& bounds, int size);
+
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+    double scale() const { return m_scale; }  // pixels per drawing unit
+    double x(double worldX) const { return m_originX + worldX * m_scale; }
+    double y(double worldY) const { return m_originY - worldY * m_scale; }
+
+private:
+    int m_width = 0;
+    int m_height = 0;
+    double m_scale = 1;
+    double m_originX = 0;
+    double m_originY = 0;
+};
+
+std::uint32_t backgroundRgb(Background background);
+// 0xRRGGBB of a colour on this background.
+std::uint32_t pictureRgb(const DrawColor& color, Background background);
+
+// A dash pattern in pixels that starts with a dash and alternates dash and
+// gap (an even count), and the distance into it at which each line starts.
+// Empty for continuous lines and for patterns too fine to show at scale.
+struct PixelDashes {
+    std::vector<double> lengths;
+    double offset = 0;
+};
+PixelDashes pixelDashes(const LinePattern& pattern, double scale);
+
+// Indices of items (polylines or arcs) grouped by pen: those of pen p are
+// order[starts[p]] .. order[starts[p + 1] - 1], in scene order.
+struct PenGroups {
+    std::vector<std::uint32_t> starts;
+    std::vector<std::uint32_t> order;
+};
+template <class Item>
+PenGroups groupByPen(const std::vector<Item>& items, std::size_t penCount)
+{
+    PenGroups groups;
+    groups.starts.assign(penCount + 1, 0);
+    for (const Item& item : items)
+        ++groups.starts[std::size_t(item.pen) + 1];
+    for (std::size_t p = 0; p < penCount; ++p)
+        groups.starts[p + 1] += groups.starts[p];
+    groups.order.resize(items.size());
+    std::vector<std::uint32_t> next(groups.starts.begin(), groups.starts.end() - 1);
+    for (std::size_t i = 0; i < items.size(); ++i)
+        groups.order[next[std::size_t(items[i].pen)]++] = static_cast<std::uint32_t>(i);
+    return groups;
+}
+
+// The distinct colours of the scene's fills, in order of first use.
+std::vector<DrawColor> fillColors(const Scene& scene);
+
+}  // namespace kaldo::view

@@ -1,0 +1,20 @@
+#include "kaldo/view/PictureExport.h"
+
+#include "kaldo/view/DrawingRenderer.h"
+#include "kaldo/view/PngExport.h"
+#include "kaldo/view/SvgExport.h"
+
+#include <QString>
+
+namespace kaldo::view {
+
+std::string exportPicture(const KxDbDatabase& db, const std::filesystem::path& file, const PictureOptions& options)
+{
+    const QString extension = QString::fromStdString(file.extension().string()).toLower();
+    if (extension != ".svg" && extension != ".png")
+        return "cannot write '" + file.string() + "': a picture is a .svg or a .png file.";
+    const Scene scene = renderDrawing(db);
+    return extension == ".svg" ? writeSvg(scene, file, options) : writePng(scene, file, options);
+}
+
+}  // namespace kaldo::view

@@ -1,0 +1,165 @@
+#include "kaldo/view/PngExport.h"
+
+#include <QImageWriter>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+#include "kaldo/view/SaveFile.h"
+
+namespace kaldo::view {
+
+namespace {
+
+QColor qtColor(std::uint32_t rgb)
+{
+    return QColor::fromRgb(QRgb(0xFF000000u | rgb));
+}
+
+class ScenePainter {
+public:
+    ScenePainter(const Scene& scene, const PictureOptions& options, QImage& image, const PictureFrame& frame)
+        : m_scene(scene), m_options(options), m_frame(frame), m_painter(&image)
+    {
+        m_painter.setRenderHint(QPainter::Antialiasing);
+        m_lines.reserve(kBatch);
+    }
+
+    void paint()
+    {
+        paintFills();
+        const PenGroups polylines = groupByPen(m_scene.polylines(), m_scene.pens().size());
+        const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size());
+        for (std::size_t p = 0; p < m_scene.pens().size(); ++p) {
+            const bool dashed = choosePen(m_scene.pens()[p]);
+            for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i) {
+                const Polyline& polyline = m_scene.polylines()[polylines.order[i]];
+                dashed ? paintDashed(polyline) : addSegments(polyline);
+            }
+            flushSegments();
+            for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i)
+                paintArc(m_scene.arcs()[arcs.order[i]]);
+        }
+    }
+
+private:
+    static constexpr std::size_t kBatch = 4096;
+
+    QPointF pixel(const Point2& p) const { return {m_frame.x(p.x), m_frame.y(p.y)}; }
+
+    void paintFills()
+    {
+        for (const DrawColor& color : fillColors(m_scene)) {
+            QPainterPath path;
+            path.setFillRule(Qt::WindingFill);
+            for (const Polygon& polygon : m_scene.polygons()) {
+                if (!(polygon.color == color))
+                    continue;
+                path.moveTo(pixel(m_scene.points()[polygon.first]));
+                for (std::uint32_t i = 1; i < polygon.count; ++i)
+                    path.lineTo(pixel(m_scene.points()[polygon.first + i]));
+                path.closeSubpath();
+            }
+            m_painter.fillPath(path, qtColor(pictureRgb(color, m_options.background)));
+        }
+    }
+
+    // Sets the painter's pen; true when it has a dash pattern.
+    bool choosePen(const Pen& pen)
+    {
+        QPen qpen(qtColor(pictureRgb(pen.color, m_options.background)));
+        qpen.setWidthF(1.0);
+        qpen.setCosmetic(true);
+        qpen.setJoinStyle(Qt::RoundJoin);
+        const PixelDashes dashes = pixelDashes(m_scene.patterns()[std::size_t(pen.pattern)], m_frame.scale());
+        if (!dashes.lengths.empty()) {
+            qpen.setCapStyle(Qt::FlatCap);
+            qpen.setDashPattern(QList<qreal>(dashes.lengths.begin(), dashes.lengths.end()));
+            qpen.setDashOffset(dashes.offset);
+        }
+        m_painter.setPen(qpen);
+        m_painter.setBrush(Qt::NoBrush);
+        return !dashes.lengths.empty();
+    }
+
+    // Continuous lines go to the painter as batches of separate segments.
+    void addSegments(const Polyline& polyline)
+    {
+        const Point2* points = m_scene.points().data() + polyline.first;
+        QPointF from = pixel(points[0]);
+        for (std::uint32_t i = 1; i <= polyline.count; ++i) {
+            if (i == polyline.count && !polyline.closed)
+                break;
+            const QPointF to = pixel(points[i % polyline.count]);
+            m_lines.emplace_back(from, to);
+            from = to;
+            if (m_lines.size() == kBatch)
+                flushSegments();
+        }
+    }
+
+    void flushSegments()
+    {
+        if (!m_lines.empty())
+            m_painter.drawLines(m_lines.data(), int(m_lines.size()));
+        m_lines.clear();
+    }
+
+    // Dashed lines go whole, so that the pattern runs on across vertices.
+    void paintDashed(const Polyline& polyline)
+    {
+        m_points.clear();
+        for (std::uint32_t i = 0; i < polyline.count; ++i)
+            m_points.push_back(pixel(m_scene.points()[polyline.first + i]));
+        if (polyline.closed)
+            m_painter.drawPolygon(m_points.data(), int(m_points.size()));
+        else
+            m_painter.drawPolyline(m_points.data(), int(m_points.size()));
+    }
+
+    void paintArc(const Arc& arc)
+    {
+        const double radius = arc.radius * m_frame.scale();
+        const QRectF box(m_frame.x(arc.centre.x) - radius, m_frame.y(arc.centre.y) - radius, 2 * radius, 2 * radius);
+        const double toSixteenths = 16 * 180 / std::numbers::pi;
+        if (std::abs(arc.sweep) >= 2 * std::numbers::pi - 1e-12)
+            m_painter.drawEllipse(box);
+        else
+            m_painter.drawArc(box, int(std::lround(arc.start * toSixteenths)), int(std::lround(arc.sweep * toSixteenths)));
+    }
+
+    const Scene& m_scene;
+    const PictureOptions& m_options;
+    const PictureFrame& m_frame;
+    QPainter m_painter;
+    std::vector<QLineF> m_lines;
+    std::vector<QPointF> m_points;
+};
+
+}  // namespace
+
+QImage paintScene(const Scene& scene, const PictureOptions& options)
+{
+    const PictureFrame frame(scene.bounds(), options.size);
+    QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
+    image.fill(qtColor(backgroundRgb(options.background)));
+    ScenePainter(scene, options, image, frame).paint();
+    return image;
+}
+
+std::string writePng(const Scene& scene, const std::filesystem::path& file, const PictureOptions& options)
+{
+    const QImage image = paintScene(scene, options);
+    return saveAtomically(file, [&](QIODevice& device, std::string& reason) {
+        QImageWriter writer(&device, "png");
+        if (writer.write(image))
+            return true;
+        reason = writer.errorString().toStdString();
+        return false;
+    });
+}
+
+}  // namespace kaldo::view

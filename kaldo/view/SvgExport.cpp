@@ -1,0 +1,176 @@
+#include "kaldo/view/SvgExport.h"
+
+#include <QIODevice>
+
+#include <charconv>
+#include <cstdio>
+#include <cmath>
+#include <numbers>
+
+#include "kaldo/view/SaveFile.h"
+
+namespace kaldo::view {
+
+namespace {
+
+// Appends SVG text; numbers in pixels with two decimals.
+class SvgText {
+public:
+    explicit SvgText(std::string& out) : m_out(out) {}
+
+    SvgText& operator<<(const char* text)
+    {
+        m_out += text;
+        return *this;
+    }
+    SvgText& operator<<(double value)
+    {
+        char buffer[32];
+        const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 2);
+        m_out.append(buffer, result.ptr);
+        return *this;
+    }
+    SvgText& operator<<(int value)
+    {
+        char buffer[16];
+        const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+        m_out.append(buffer, result.ptr);
+        return *this;
+    }
+    SvgText& rgb(std::uint32_t color)
+    {
+        char buffer[8];
+        std::snprintf(buffer, sizeof buffer, "#%06x", static_cast<unsigned>(color & 0xFFFFFF));
+        m_out += buffer;
+        return *this;
+    }
+
+private:
+    std::string& m_out;
+};
+
+class SvgWriter {
+public:
+    SvgWriter(const Scene& scene, const PictureOptions& options, std::string& out)
+        : m_scene(scene), m_options(options), m_frame(scene.bounds(), options.size), m_svg(out)
+    {
+    }
+
+    void write()
+    {
+        m_svg << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << m_frame.width() << "\" height=\""
+              << m_frame.height() << "\" viewBox=\"0 0 " << m_frame.width() << " " << m_frame.height() << "\">\n"
+              << "<rect width=\"100%\" height=\"100%\" fill=\"";
+        m_svg.rgb(backgroundRgb(m_options.background)) << "\"/>\n";
+        writeFills();
+        const PenGroups polylines = groupByPen(m_scene.polylines(), m_scene.pens().size());
+        const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size());
+        for (std::size_t p = 0; p < m_scene.pens().size(); ++p) {
+            if (polylines.starts[p] == polylines.starts[p + 1] && arcs.starts[p] == arcs.starts[p + 1])
+                continue;
+            openPenGroup(m_scene.pens()[p]);
+            for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i)
+                writePolyline(m_scene.polylines()[polylines.order[i]]);
+            for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i)
+                writeArc(m_scene.arcs()[arcs.order[i]]);
+            m_svg << "</g>\n";
+        }
+        m_svg << "</svg>\n";
+    }
+
+private:
+    void point(const Point2& p) { m_svg << m_frame.x(p.x) << "," << m_frame.y(p.y); }
+
+    // All fills of one colour in one path, so that neighbouring pieces
+    // show no seams.
+    void writeFills()
+    {
+        for (const DrawColor& color : fillColors(m_scene)) {
+            m_svg << "<path fill-rule=\"nonzero\" stroke=\"none\" fill=\"";
+            m_svg.rgb(pictureRgb(color, m_options.background)) << "\" d=\"";
+            for (const Polygon& polygon : m_scene.polygons()) {
+                if (!(polygon.color == color))
+                    continue;
+                for (std::uint32_t i = 0; i < polygon.count; ++i) {
+                    m_svg << (i == 0 ? "M" : " L");
+                    point(m_scene.points()[polygon.first + i]);
+                }
+                m_svg << " Z ";
+            }
+            m_svg << "\"/>\n";
+        }
+    }
+
+    void openPenGroup(const Pen& pen)
+    {
+        m_svg << "<g fill=\"none\" stroke-width=\"1\" stroke-linejoin=\"round\" stroke=\"";
+        m_svg.rgb(pictureRgb(pen.color, m_options.background)) << "\"";
+        const PixelDashes dashes = pixelDashes(m_scene.patterns()[std::size_t(pen.pattern)], m_frame.scale());
+        if (dashes.lengths.empty()) {
+            m_svg << " stroke-linecap=\"round\">\n";
+            return;
+        }
+        m_svg << " stroke-linecap=\"butt\" stroke-dasharray=\"";
+        for (std::size_t i = 0; i < dashes.lengths.size(); ++i)
+            m_svg << (i == 0 ? "" : " ") << dashes.lengths[i];
+        m_svg << "\" stroke-dashoffset=\"" << dashes.offset << "\">\n";
+    }
+
+    void writePolyline(const Polyline& polyline)
+    {
+        m_svg << (polyline.closed ? "<polygon points=\"" : "<polyline points=\"");
+        for (std::uint32_t i = 0; i < polyline.count; ++i) {
+            if (i > 0)
+                m_svg << " ";
+            point(m_scene.points()[polyline.first + i]);
+        }
+        m_svg << "\"/>\n";
+    }
+
+    // Pixels have y downwards: an arc counter-clockwise in the drawing is
+    // drawn with the sweep flag 0.
+    void writeArc(const Arc& arc)
+    {
+        const double radius = arc.radius * m_frame.scale();
+        if (std::abs(arc.sweep) >= 2 * std::numbers::pi - 1e-12) {
+            m_svg << "<circle cx=\"" << m_frame.x(arc.centre.x) << "\" cy=\"" << m_frame.y(arc.centre.y) << "\" r=\""
+                  << radius << "\"/>\n";
+            return;
+        }
+        const auto at = [&](double angle) {
+            return Point2{arc.centre.x + arc.radius * std::cos(angle), arc.centre.y + arc.radius * std::sin(angle)};
+        };
+        m_svg << "<path d=\"M";
+        point(at(arc.start));
+        m_svg << " A" << radius << "," << radius << " 0 " << (std::abs(arc.sweep) > std::numbers::pi ? 1 : 0) << ","
+              << (arc.sweep > 0 ? 0 : 1) << " ";
+        point(at(arc.start + arc.sweep));
+        m_svg << "\"/>\n";
+    }
+
+    const Scene& m_scene;
+    const PictureOptions& m_options;
+    PictureFrame m_frame;
+    SvgText m_svg;
+};
+
+}  // namespace
+
+std::string svgDocument(const Scene& scene, const PictureOptions& options)
+{
+    std::string out;
+    out.reserve(256 + scene.points().size() * 16);
+    SvgWriter(scene, options, out).write();
+    return out;
+}
+
+std::string writeSvg(const Scene& scene, const std::filesystem::path& file, const PictureOptions& options)
+{
+    const std::string document = svgDocument(scene, options);
+    return saveAtomically(file, [&](QIODevice& device, std::string&) {
+        return device.write(document.data(), qint64(document.size())) == qint64(document.size());
+    });
+}
+
+}  // namespace kaldo::view
