@@ -1,0 +1,180 @@
+#include "mledit/ToolLoop.h"
+
+#include <wchar.h>
+
+#include "kxed.h"
+#include "mledit/MlinePicking.h"
+#include "mledit/MlineWriteScope.h"
+
+namespace kdml {
+
+namespace {
+
+constexpr unsigned kUndoKeywords = 4002;
+constexpr unsigned kFirstMlineUndoPrompt = 4003;
+constexpr unsigned kFirstMlinePrompt = 4004;
+constexpr unsigned kSecondMlinePrompt = 4005;
+constexpr unsigned kFirstPointUndoPrompt = 4010;
+constexpr unsigned kFirstPointPrompt = 4011;
+constexpr unsigned kSecondPointPrompt = 4012;
+constexpr unsigned kUndoneMessage = 4016;
+
+enum class Answer { Selected, Keyword, Retry, End };
+
+// Asks for an entity with prompt and sorts the result. Enter reaches a
+// selection as an error with ERRNO 52 and ends the tool like empty input.
+Answer select(MlineEditContext& context, unsigned prompt)
+{
+    double point[3] = {};
+    context.status = kxedEntSel(loadText(context, prompt), context.pickName.id, point);
+    context.pickPoint = KxGePoint3d(point[0], point[1], point[2]);
+    switch (context.status) {
+    case RTNORM:
+        return Answer::Selected;
+    case RTKWORD:
+        return Answer::Keyword;
+    case RTERROR: {
+        kxresbuf errno_;
+        const bool enter = kxedGetVar(L"ERRNO", &errno_) == RTNORM && errno_.restype == RTSHORT
+            && errno_.resval.rint == OL_ENTSELNULL;
+        return enter ? Answer::End : Answer::Retry;
+    }
+    default:
+        return Answer::End;
+    }
+}
+
+// The first prompt: with the undo keyword while an undo copy exists.
+Answer selectFirst(MlineEditContext& context, unsigned undoPrompt, unsigned plainPrompt)
+{
+    if (context.undoFirst) {
+        kxedInitGet(0, loadText(context, kUndoKeywords));
+        return select(context, undoPrompt);
+    }
+    kxedInitGet(0, nullptr);
+    return select(context, plainPrompt);
+}
+
+bool typedUndo(MlineEditContext& context)
+{
+    kxedGetInput(context.text);
+    return wcscasecmp(context.text, L"UNDO") == 0;
+}
+
+void restoreFrom(std::unique_ptr<KxDbMline>& copy, const MlinePick& pick, bool undrawFirst)
+{
+    if (undrawFirst)
+        kxedRedraw(pick.name.id, 2);
+    restoreMultiline(pick.name, copy.get());
+    copy.reset();
+    kxedRedraw(pick.name.id, 1);
+}
+
+void announceUndo(MlineEditContext& context)
+{
+    kxutPrintf(L"%ls", loadText(context, kUndoneMessage));
+}
+
+std::unique_ptr<KxDbMline> undoCopyOf(const KxDbMline* mline)
+{
+    auto copy = std::make_unique<KxDbMline>();
+    backupMultiline(copy.get(), mline);
+    return copy;
+}
+
+}  // namespace
+
+int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const PassEdit& edit)
+{
+    for (;;) {
+        const Answer first = selectFirst(context, kFirstMlineUndoPrompt, kFirstMlinePrompt);
+        if (first == Answer::End)
+            break;
+        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
+            restoreFrom(context.undoFirst, context.first, false);
+            if (changesSecond && context.undoSecond && !sameEntity(context.first, context.second))
+                restoreFrom(context.undoSecond, context.second, false);
+            announceUndo(context);
+        }
+        if (!isMultilineEntity(context.pickName))
+            continue;
+        pickMultiline(context, context.first, context.pickName, nullptr);
+
+        Answer second = Answer::Retry;
+        while (second != Answer::End && !(second == Answer::Selected && isMultilineEntity(context.pickName))) {
+            kxedInitGet(0, nullptr);
+            second = select(context, kSecondMlinePrompt);
+        }
+        if (second == Answer::End)
+            break;
+        pickMultiline(context, context.second, context.pickName, &context.first);
+
+        const MlineWriteScope scope(context.first, context.second);
+        if (scope.status() != Kald::eOk)
+            continue;
+        context.undoFirst = undoCopyOf(context.first.mline);
+        context.undoSecond.reset();
+        if (changesSecond && !sameEntity(context.first, context.second))
+            context.undoSecond = undoCopyOf(context.second.mline);
+        if (edit(context)) {
+            kxedRedraw(nullptr, 4);
+        } else {
+            context.undoFirst.reset();
+            context.undoSecond.reset();
+        }
+    }
+    closePicks(context);
+    return context.status;
+}
+
+int runTwoPointLoop(MlineEditContext& context, PointPick kind, const PassEdit& edit)
+{
+    const auto fill = [&context, kind](MlinePick& pick, const MlinePick* other) {
+        if (kind == PointPick::Weld)
+            pickMultilineForWeld(context, pick, context.pickName, other);
+        else
+            pickMultiline(context, pick, context.pickName, other);
+    };
+    for (;;) {
+        const Answer first = selectFirst(context, kFirstPointUndoPrompt, kFirstPointPrompt);
+        if (first == Answer::End)
+            break;
+        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
+            restoreFrom(context.undoFirst, context.first, true);
+            announceUndo(context);
+        }
+        if (!isMultilineEntity(context.pickName))
+            continue;
+        fill(context.first, nullptr);
+
+        // The second point must lie on the same multiline; anything else
+        // asks again.
+        Answer second = Answer::Retry;
+        for (;;) {
+            kxedInitGet(0, nullptr);
+            second = select(context, kSecondPointPrompt);
+            if (second == Answer::End)
+                break;
+            if (second != Answer::Selected)
+                continue;
+            if (kind == PointPick::Weld && !isMultilineEntity(context.pickName))
+                continue;
+            if (context.pickName.id[0] == context.first.name.id[0])
+                break;
+        }
+        if (second == Answer::End)
+            break;
+        fill(context.second, &context.first);
+
+        const MlineWriteScope scope(context.first, context.second);
+        if (scope.status() != Kald::eOk)
+            continue;
+        context.undoFirst = undoCopyOf(context.first.mline);
+        edit(context);
+        kxedRedraw(nullptr, 4);
+    }
+    closePicks(context);
+    return context.status;
+}
+
+}  // namespace kdml
