@@ -1,0 +1,428 @@
+// MLINE through the real binary: scripts draw multilines, LIST shows what
+// reached the drawing, SETVAR what the command wrote to the variables.
+#include "KaldoProcess.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+namespace {
+
+struct Vec {
+    double x = 0, y = 0, z = 0;
+};
+
+// One vertex of a multiline as LIST shows it.
+struct ListedVertex {
+    Vec position, direction, miter;
+    std::vector<std::vector<double>> elements, fills;
+};
+
+struct ListedMline {
+    double scale = 0;
+    int justification = -1;
+    bool closed = false;
+    std::string style;
+    Vec normal;
+    std::vector<ListedVertex> vertices;
+};
+
+// "X=1.0000  Y=2.0000  Z=0.0000" after the given label.
+Vec vecAfter(const std::string& line, const std::string& label)
+{
+    Vec v;
+    std::sscanf(line.c_str() + line.find(label) + label.size(), " X=%lf Y=%lf Z=%lf", &v.x, &v.y, &v.z);
+    return v;
+}
+
+std::vector<double> numbersIn(const std::string& text)
+{
+    std::istringstream in(text);
+    std::vector<double> values;
+    for (double value; in >> value;)
+        values.push_back(value);
+    return values;
+}
+
+// Every multiline LIST showed in the transcript, in order.
+std::vector<ListedMline> listedMlines(const std::string& out)
+{
+    std::vector<ListedMline> found;
+    std::istringstream in(out);
+    for (std::string line; std::getline(in, line);) {
+        if (line.rfind("MLINE  handle:", 0) == 0) {
+            found.emplace_back();
+        } else if (found.empty()) {
+            continue;
+        } else if (line.rfind("  scale: ", 0) == 0) {
+            std::sscanf(line.c_str(), "  scale: %lf  justification: %d", &found.back().scale,
+                        &found.back().justification);
+            found.back().closed = line.find("closed") != std::string::npos;
+        } else if (line.rfind("  style: ", 0) == 0) {
+            found.back().style = line.substr(9, line.find("  normal:") - 9);
+            found.back().normal = vecAfter(line, "normal:");
+        } else if (line.rfind("  vertex ", 0) == 0) {
+            found.back().vertices.push_back({vecAfter(line, ":"), {}, {}, {}, {}});
+        } else if (found.back().vertices.empty()) {
+            continue;
+        } else if (line.rfind("    direction:", 0) == 0) {
+            found.back().vertices.back().direction = vecAfter(line, "direction:");
+        } else if (line.rfind("    miter:", 0) == 0) {
+            found.back().vertices.back().miter = vecAfter(line, "miter:");
+        } else if (line.rfind("    element ", 0) == 0) {
+            const std::size_t colon = line.find(':');
+            const std::size_t fill = line.find("fill:");
+            found.back().vertices.back().elements.push_back(numbersIn(line.substr(colon + 1, fill - colon - 1)));
+            found.back().vertices.back().fills.push_back(numbersIn(line.substr(fill + 5)));
+        }
+    }
+    return found;
+}
+
+constexpr double kListed = 1e-4;  // LIST shows four decimals
+
+MATCHER_P3(IsVec, x, y, z, "")
+{
+    return std::abs(arg.x - x) < kListed && std::abs(arg.y - y) < kListed && std::abs(arg.z - z) < kListed;
+}
+
+std::string settingsLine(const std::string& justification, const std::string& scale, const std::string& style)
+{
+    return "Current settings: Justification = " + justification + ", Scale = " + scale + ", Style = " + style + "\n";
+}
+
+const char* const kStartPrompt = "Specify start point or [Justification/Scale/STyle]: ";
+
+// A style block of a .mln file: by-layer colours, linetype ByLayer.
+std::string mlnStyle(const std::string& name, const std::string& description, const std::vector<double>& offsets)
+{
+    std::string text = "MLSTYLE\n2\n " + name + "\n70\n 0\n3\n " + description + "\n62\n 256\n51\n 90\n52\n 90\n71\n "
+        + std::to_string(offsets.size()) + "\n";
+    for (double offset : offsets)
+        text += "49\n " + std::to_string(offset) + "\n62\n 256\n6\n BYLAYER\n";
+    return text + "0\n";
+}
+
+}  // namespace
+
+TEST(MlineSession, EnterOrCancelAtTheStartDrawsNothing)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript("MLINE\n\nMLINE\n^C\nMLINE\n0,0\n\nMLINE\n0,0\n^C\nLIST\n0,0\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.out, HasSubstr(std::string("Command: MLINE\n") + settingsLine("Top", "1.0000", "STANDARD")
+                                   + kStartPrompt + "\nCommand: MLINE\n"));
+    EXPECT_THAT(run.out, HasSubstr(std::string(kStartPrompt) + "0,0\nNext point :\nCommand: "));
+    EXPECT_THAT(run.out, HasSubstr("Select object: 0,0\nCommand: "));
+    EXPECT_THAT(listedMlines(run.out), SizeIs(0));
+}
+
+TEST(MlineSession, UndoBackToTheStartAndLastpoint)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript("MLINE\n5,5\n15,5\nU\n\nSETVAR\nLASTPOINT\n\n"
+                                         "MLINE\n0,20\n10,20\n10,30\n20,30\nU\nU\n@0,-5\n\nSETVAR\nLASTPOINT\n\n"
+                                         "LIST\n5,20\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.out, HasSubstr("Next point :15,5\nSpecify next point or [Undo]:U\nNext point :\n"));
+    // Undo wrote the start point; Enter then drew nothing.
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for LASTPOINT <5.0000,5.0000,0.0000>: \n"));
+    // Two Undos from four fixed points: 10,30 and 20,30 given up, the
+    // relative point taken from 10,20.
+    EXPECT_THAT(run.out, HasSubstr("Specify next point or [Close/Undo]: U\n"
+                                   "Specify next point or [Close/Undo]: U\n"
+                                   "Specify next point or [Undo]:@0,-5\n"
+                                   "Specify next point or [Close/Undo]: \n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for LASTPOINT <10.0000,15.0000,0.0000>: \n"));
+    const auto listed = listedMlines(run.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    ASSERT_THAT(listed[0].vertices, SizeIs(3));
+    EXPECT_THAT(listed[0].vertices[0].position, IsVec(0, 20, 0));
+    EXPECT_THAT(listed[0].vertices[1].position, IsVec(10, 20, 0));
+    EXPECT_THAT(listed[0].vertices[2].position, IsVec(10, 15, 0));
+}
+
+TEST(MlineSession, CloseAndCancelKeepTheirVertices)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript("MLINE\n0,0\n10,0\n10,10\nC\n"
+                                         "MLINE\n100,0\n110,0\n110,10\n^C\n"
+                                         "LIST\n5,0\nLIST\n105,0\n");
+    EXPECT_EQ(run.exitCode, 0);
+    // Close ends the command at once.
+    EXPECT_THAT(run.out, HasSubstr("Specify next point or [Close/Undo]: C\nCommand: MLINE"));
+    const auto listed = listedMlines(run.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_TRUE(listed[0].closed);
+    ASSERT_THAT(listed[0].vertices, SizeIs(3));
+    EXPECT_THAT(listed[0].vertices[2].position, IsVec(10, 10, 0));
+    // The closing segment runs from the last vertex back to the first.
+    EXPECT_THAT(listed[0].vertices[2].direction, IsVec(-M_SQRT1_2, -M_SQRT1_2, 0));
+    EXPECT_FALSE(listed[1].closed);
+    ASSERT_THAT(listed[1].vertices, SizeIs(3));
+    EXPECT_THAT(listed[1].vertices[2].position, IsVec(110, 10, 0));
+}
+
+TEST(MlineSession, OptionsWriteTheVariablesAndTheSettingsLine)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript(
+        "MLINE\nJ\nz\nJ\n^C\nS\n2.5\nS\n^C\nST\nstandard\n\n"
+        "SETVAR\nCMLJUST\n\nSETVAR\nCMLSCALE\n\nSETVAR\nCMLSTYLE\n\n"
+        "MLINE\nS\n0\nj\nBOTTOM\nS\n-3\n0,0\n10,0\n\nLIST\n5,0\n"
+        "SETVAR\nCMLJUST\n\nSETVAR\nCMLSCALE\n\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.out, HasSubstr("Enter justification type [Top/Zero/Bottom] <Top>: z\n"
+                                   + settingsLine("Zero", "1.0000", "STANDARD")));
+    // Cancel at the justification prompt keeps Zero.
+    EXPECT_THAT(run.out, HasSubstr("Enter justification type [Top/Zero/Bottom] <Zero>: *Cancel*\n"
+                                   + settingsLine("Zero", "1.0000", "STANDARD")));
+    EXPECT_THAT(run.out, HasSubstr("Enter mline scale <1.0000> :2.5\n" + settingsLine("Zero", "2.5000", "STANDARD")));
+    EXPECT_THAT(run.out, HasSubstr("Enter mline scale <2.5000> :*Cancel*\n" + settingsLine("Zero", "2.5000", "STANDARD")));
+    // A style name in any case is taken and stored in upper case.
+    EXPECT_THAT(run.out, HasSubstr("Enter mline style name or [?]: standard\n" + settingsLine("Zero", "2.5000", "STANDARD")
+                                   + kStartPrompt + "\n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLJUST <1>: "));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <2.5000>: "));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSTYLE <STANDARD>: "));
+    // The next run starts from the variables; zero and negative scales are taken.
+    EXPECT_THAT(run.out, HasSubstr("Enter mline scale <2.5000> :0\n" + settingsLine("Zero", "0.0000", "STANDARD")));
+    EXPECT_THAT(run.out, HasSubstr("<Zero>: BOTTOM\n" + settingsLine("Bottom", "0.0000", "STANDARD")));
+    EXPECT_THAT(run.out, HasSubstr("Enter mline scale <0.0000> :-3\n" + settingsLine("Bottom", "-3.0000", "STANDARD")));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLJUST <2>: "));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <-3.0000>: "));
+    const auto listed = listedMlines(run.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_EQ(listed[0].scale, -3);
+    EXPECT_EQ(listed[0].justification, 2);
+    EXPECT_EQ(listed[0].style, "STANDARD");
+}
+
+TEST(MlineSession, StyleListingCutsNamesAt35Characters)
+{
+    KaldoProcess kaldo;
+    const std::string longName = "corridor_wall_with_insulation_layers_40c";
+    ASSERT_EQ(longName.size(), 40u);
+    kaldo.writeFile("long.mln", mlnStyle(longName, "Two skins, 0.3 apart", {0.15, -0.15}));
+    const KaldoRun run = kaldo.runScript("MLINE\nST\n" + longName + "\nlong\nST\n?\n\n^C\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.out, HasSubstr("Enter mline style name or [?]: ?\n\n"
+                                   "       Multiline Style                      Description                         \n"
+                                   "----------------------------------  ---------------------------------------------\n"));
+    // Names are listed in the dictionary's order, each cut to 35 characters.
+    EXPECT_THAT(run.out, HasSubstr("\n" + longName.substr(0, 35) + "\t\t\t\t\t\t Two skins, 0.3 apart\n"
+                                   "STANDARD\t\t\t\t\t\t \n"
+                                   "Enter mline style name or [?]: \n"));
+    EXPECT_THAT(run.out, Not(HasSubstr(longName.substr(0, 36) + "\t")));
+}
+
+TEST(MlineSession, MissingStyleLoadedFromAFileByScript)
+{
+    KaldoProcess kaldo;
+    kaldo.writeFile("walls.mln", mlnStyle("OTHER", "", {1, -1}) + mlnStyle("WALL", "Wall of 0.4", {0.2, -0.2}));
+    std::filesystem::create_directory(kaldo.dir() / "my styles");
+    kaldo.writeFile("my styles/roads.v2", mlnStyle("ROAD", "Road", {3, 0, -3}));
+    const std::string dir = kaldo.dir().string();
+    const KaldoRun run = kaldo.runScript(
+        // Not found, not in the file, then found: a name without a dot gets ".mln".
+        "MLINE\nST\nWall\nnosuch\nRoad\nwalls.mln\nWall\nwalls\n0,0\n10,0\n\n"
+        // A bar stands for a blank; a name with a dot keeps its extension.
+        "MLINE\nST\nROAD\n" + dir + "/my|styles/roads.v2\n0,50\n10,50\n\n"
+        // Cancel at the file-name prompt: silent, asked again for a style.
+        "MLINE\nST\nlost\n^C\n\n\n"
+        "LIST\n5,0.2\nLIST\n5,51\nSETVAR\nCMLSTYLE\n\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.out, HasSubstr("Enter mline style name or [?]: Wall\nMultiline style to load: nosuch\n"
+                                   "Unable to find file \"nosuch.mln\".\n"
+                                   "The \"wall\" multiline style does not exist\n"
+                                   "Enter mline style name or [?]: Road\n"));
+    EXPECT_THAT(run.out, HasSubstr("Multiline style to load: walls.mln\nThe \"road\" multiline style does not exist\n"));
+    EXPECT_THAT(run.out, HasSubstr("Multiline style to load: walls\n" + settingsLine("Top", "1.0000", "WALL")));
+    EXPECT_THAT(run.out, HasSubstr(settingsLine("Top", "1.0000", "ROAD")));
+    EXPECT_THAT(run.out, HasSubstr("Enter mline style name or [?]: lost\nMultiline style to load: *Cancel*\n"
+                                   "Enter mline style name or [?]: \n"));
+    const auto listed = listedMlines(run.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    // The style is kept under the lower-case name the command looked for.
+    EXPECT_EQ(listed[0].style, "wall");
+    ASSERT_THAT(listed[0].vertices, SizeIs(2));
+    ASSERT_THAT(listed[0].vertices[0].elements, SizeIs(2));
+    EXPECT_NEAR(listed[0].vertices[0].elements[1][0], -0.4, kListed);
+    EXPECT_EQ(listed[1].style, "road");
+    ASSERT_THAT(listed[1].vertices[0].elements, SizeIs(3));
+    EXPECT_NEAR(listed[1].vertices[0].elements[2][0], -6, kListed);
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSTYLE <road>: "));
+}
+
+TEST(MlineSession, RotatedUserSystemPlacesTheVertices)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript("UCS\nZ\n30\nMLINE\n0,0\n10,0\n10,5\n\nUCS\nW\nLIST\n4.33,2.5\n");
+    EXPECT_EQ(run.exitCode, 0);
+    const auto listed = listedMlines(run.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    const double c = std::cos(M_PI / 6), s = std::sin(M_PI / 6);
+    EXPECT_THAT(listed[0].normal, IsVec(0, 0, 1));
+    ASSERT_THAT(listed[0].vertices, SizeIs(3));
+    EXPECT_THAT(listed[0].vertices[1].position, IsVec(10 * c, 10 * s, 0));
+    EXPECT_THAT(listed[0].vertices[2].position, IsVec(10 * c - 5 * s, 10 * s + 5 * c, 0));
+    EXPECT_THAT(listed[0].vertices[0].direction, IsVec(c, s, 0));
+}
+
+namespace {
+
+struct Shape {
+    std::string script;  // the points, ended by Enter or Close
+    std::string pick;    // a point on the path
+    bool closed;
+};
+
+// The element distances from the path that a style of elements at 0.5 and
+// -0.5 gives in each justification (0 top, 1 zero, 2 bottom).
+std::vector<double> standardOffsets(int justification, double scale)
+{
+    switch (justification) {
+    case 0: return {0, -scale};
+    case 1: return {scale / 2, -scale / 2};
+    default: return {scale, 0};
+    }
+}
+
+Vec along(const Vec& p, const Vec& d, double t)
+{
+    return {p.x + d.x * t, p.y + d.y * t, p.z + d.z * t};
+}
+
+// The signed distance of p from the line through a with unit direction d,
+// positive on its left.
+double leftDistance(const Vec& p, const Vec& a, const Vec& d)
+{
+    return -(p.x - a.x) * d.y + (p.y - a.y) * d.x;
+}
+
+Vec unitFromTo(const Vec& a, const Vec& b)
+{
+    const double len = std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
+    return {(b.x - a.x) / len, (b.y - a.y) / len, (b.z - a.z) / len};
+}
+
+}  // namespace
+
+TEST(MlineSession, ElementsLieAtTheirOffsetsFromEverySegment)
+{
+    // Straight, turning both ways, and closed; every justification at the
+    // scales 1, 2 and -1. Each element point (vertex + miter * entry 0)
+    // must lie at its offset from the segments on both sides of the vertex.
+    const std::vector<Shape> shapes = {
+        {"0,0\n20,0\n\n", "10,0", false},
+        {"0,0\n20,0\n20,20\n35,5\n\n", "10,0", false},
+        {"0,0\n20,0\n30,25\nC\n", "10,0", true},
+    };
+    const char* const justifications[] = {"T", "Z", "B"};
+    const double scales[] = {1, 2, -1};
+    std::string script;
+    std::vector<std::pair<int, double>> settings;
+    int placed = 0;
+    for (int j = 0; j < 3; ++j) {
+        for (double scale : scales) {
+            for (const Shape& shape : shapes) {
+                // Each multiline 100 units from the others; the pick lands on
+                // the path, where the top (or bottom) element runs, or
+                // between the zero-justified elements within the pick box.
+                const double dx = 100.0 * placed++;
+                std::string points;
+                std::istringstream in(shape.script);
+                for (std::string line; std::getline(in, line);) {
+                    double x = 0, y = 0;
+                    if (std::sscanf(line.c_str(), "%lf,%lf", &x, &y) == 2)
+                        points += std::to_string(x + dx) + "," + std::to_string(y) + "\n";
+                    else
+                        points += line + "\n";
+                }
+                double px = 0, py = 0;
+                std::sscanf(shape.pick.c_str(), "%lf,%lf", &px, &py);
+                script += std::string("MLINE\nJ\n") + justifications[j] + "\nS\n" + std::to_string(scale) + "\n" + points
+                    + "LIST\n" + std::to_string(px + dx) + "," + std::to_string(py) + "\n";
+                settings.emplace_back(j, scale);
+            }
+        }
+    }
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript(script);
+    EXPECT_EQ(run.exitCode, 0);
+    const auto listed = listedMlines(run.out);
+    ASSERT_EQ(listed.size(), settings.size());
+    for (std::size_t m = 0; m < listed.size(); ++m) {
+        const ListedMline& mline = listed[m];
+        const auto [justification, scale] = settings[m];
+        const Shape& shape = shapes[m % shapes.size()];
+        SCOPED_TRACE("multiline " + std::to_string(m));
+        EXPECT_EQ(mline.justification, justification);
+        EXPECT_EQ(mline.scale, scale);
+        EXPECT_EQ(mline.closed, shape.closed);
+        EXPECT_EQ(mline.style, "STANDARD");
+        const std::vector<double> offsets = standardOffsets(justification, scale);
+        const std::size_t n = mline.vertices.size();
+        for (std::size_t v = 0; v < n; ++v) {
+            const ListedVertex& vertex = mline.vertices[v];
+            const bool last = v + 1 == n;
+            // Directions: towards the next vertex; the closing segment back
+            // to the first; the last vertex of an open one keeps the one before.
+            const Vec expected = last ? (shape.closed ? unitFromTo(vertex.position, mline.vertices[0].position)
+                                                      : mline.vertices[v - 1].direction)
+                                      : unitFromTo(vertex.position, mline.vertices[v + 1].position);
+            EXPECT_THAT(vertex.direction, IsVec(expected.x, expected.y, expected.z)) << "vertex " << v;
+            EXPECT_NEAR(std::hypot(vertex.miter.x, vertex.miter.y, vertex.miter.z), 1, kListed);
+            ASSERT_EQ(vertex.elements.size(), offsets.size());
+            for (std::size_t e = 0; e < offsets.size(); ++e) {
+                // A fresh vertex draws and fills its whole segment.
+                ASSERT_THAT(vertex.elements[e], SizeIs(2));
+                EXPECT_EQ(vertex.elements[e][1], 0);
+                EXPECT_THAT(vertex.fills[e], SizeIs(2));
+                const Vec point = along(vertex.position, vertex.miter, vertex.elements[e][0]);
+                // Four decimals of miter and entry 0 each: a looser bound.
+                constexpr double kTolerance = 2e-3;
+                EXPECT_NEAR(leftDistance(point, vertex.position, vertex.direction), offsets[e], kTolerance)
+                    << "vertex " << v << " element " << e << " outgoing";
+                if (v > 0 || shape.closed) {
+                    const ListedVertex& before = mline.vertices[v > 0 ? v - 1 : n - 1];
+                    EXPECT_NEAR(leftDistance(point, before.position, before.direction), offsets[e], kTolerance)
+                        << "vertex " << v << " element " << e << " incoming";
+                }
+            }
+        }
+    }
+}
+
+TEST(MlineSession, TurningMultilineListedExactly)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript("MLINE\n0,0\n10,0\n10,10\n\nLIST\n5,0\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.out, HasSubstr("  scale: 1.0000  justification: 0\n"
+                                   "  style: STANDARD  normal: X=0.0000  Y=0.0000  Z=1.0000\n"
+                                   "  vertex 0: X=0.0000  Y=0.0000  Z=0.0000\n"
+                                   "    direction: X=1.0000  Y=0.0000  Z=0.0000\n"
+                                   "    miter: X=0.0000  Y=1.0000  Z=0.0000\n"
+                                   "    element 0: 0.0000 0.0000  fill: 0.0000 0.0000\n"
+                                   "    element 1: -1.0000 0.0000  fill: -1.0000 0.0000\n"
+                                   "  vertex 1: X=10.0000  Y=0.0000  Z=0.0000\n"
+                                   "    direction: X=0.0000  Y=1.0000  Z=0.0000\n"
+                                   "    miter: X=-0.7071  Y=0.7071  Z=0.0000\n"
+                                   "    element 0: 0.0000 0.0000  fill: 0.0000 0.0000\n"
+                                   "    element 1: -1.4142 0.0000  fill: -1.4142 0.0000\n"
+                                   "  vertex 2: X=10.0000  Y=10.0000  Z=0.0000\n"
+                                   "    direction: X=0.0000  Y=1.0000  Z=0.0000\n"
+                                   "    miter: X=-1.0000  Y=0.0000  Z=0.0000\n"
+                                   "    element 0: 0.0000 0.0000  fill: 0.0000 0.0000\n"
+                                   "    element 1: -1.0000 0.0000  fill: -1.0000 0.0000\n"));
+}
