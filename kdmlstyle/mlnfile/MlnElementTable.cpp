@@ -8,8 +8,8 @@
 
 namespace kdml {
 
-MlnElementTable::MlnElementTable(std::size_t slots)
-    : offsets(slots), colorIndices(slots), trueColors(slots), colorBookKeys(slots), linetypeNames(slots)
+MlnElementTable::MlnElementTable(std::size_t rows)
+    : offsets(rows), colorIndices(rows), trueColors(rows), colorBookKeys(rows), linetypeNames(rows)
 {
 }
 
@@ -26,7 +26,7 @@ bool applyMlnElementTable(KxDbMlineStyle* style, const MlnElementTable& table, i
 {
     if (!style)
         return false;
-    const std::size_t rows = std::min(static_cast<std::size_t>(std::max(count, 0)), table.slots());
+    const std::size_t rows = std::min(static_cast<std::size_t>(std::max(count, 0)), table.size());
     std::vector<std::size_t> order(rows);
     std::iota(order.begin(), order.end(), std::size_t(0));
     std::ranges::stable_sort(order, [&](std::size_t a, std::size_t b) { return table.offsets[a] > table.offsets[b]; });

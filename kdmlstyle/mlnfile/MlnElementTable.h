@@ -20,9 +20,9 @@ inline constexpr std::size_t kMlnReaderSlots = 256;
 // means none; a null colour-book key or linetype name means none (a null
 // linetype name leaves the element's linetype).
 struct MlnElementTable {
-    explicit MlnElementTable(std::size_t slots);
+    explicit MlnElementTable(std::size_t rows);
 
-    std::size_t slots() const { return offsets.size(); }
+    std::size_t size() const { return offsets.size(); }
     // Numbers 0, strings null.
     void reset();
 
