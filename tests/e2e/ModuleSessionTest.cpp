@@ -22,12 +22,16 @@ const char* const moduleListing = "Group KALDO_KDMLSTYLEGROUP:\n"
 TEST(ModuleSession, CommandsRegisteredAtStartRunByEitherName)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("COMMANDS\n_MLINE\nmline\n_mline\n");
+    const KaldoRun run = kaldo.runScript("COMMANDS\n_MLINE\n\nmline\n\n_mline\n\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Group KALDO_HOSTCOMMANDS:\n  _SETVAR"));
     EXPECT_THAT(run.out, HasSubstr(moduleListing));
     EXPECT_THAT(run.out, Not(HasSubstr("Unknown command")));
-    EXPECT_THAT(run.out, HasSubstr("Command: _MLINE\nCommand: mline\nCommand: _mline\nCommand: "));
+    // Each run of MLINE shows its settings and ends on Enter.
+    const std::string started = "\nCurrent settings: Justification = Top, Scale = 1.0000, Style = STANDARD\n"
+                                "Specify start point or [Justification/Scale/STyle]: \n";
+    EXPECT_THAT(run.out, HasSubstr("Command: _MLINE" + started + "Command: mline" + started + "Command: _mline" + started
+                                   + "Command: "));
     EXPECT_TRUE(run.err.find("KdMLStyle") == std::string::npos) << run.err;
 }
 

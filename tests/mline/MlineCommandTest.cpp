@@ -1,0 +1,123 @@
+// The MLINE command in process: its results, the file dialog when a person
+// (not a script) types, and a session without a drawing.
+#include "MlineFixture.h"
+
+#include "mline/MlineCommand.h"
+
+#include "kaldo/ed/InputSource.h"
+
+#include <gmock/gmock.h>
+
+#include <QTemporaryDir>
+
+#include <filesystem>
+#include <fstream>
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+namespace kdml {
+namespace {
+
+const char* const kWallStyle = "MLSTYLE\n2\n WALL\n70\n 0\n3\n Wall\n62\n 256\n51\n 90\n52\n 90\n71\n 2\n"
+                               "49\n 0.1\n62\n 256\n6\n BYLAYER\n49\n -0.1\n62\n 256\n6\n BYLAYER\n0\n";
+
+class MlineCommandTest : public MlineFixture {
+protected:
+    // Input typed by a person: commands ask for files in a dialog (here on
+    // the command line, as there is no window system).
+    void typed(const std::vector<std::wstring>& lines)
+    {
+        for (const std::wstring& line : lines)
+            queue.push(line.empty() ? kaldo::InputEvent::enter() : kaldo::InputEvent::typed(line));
+        queue.close();
+        editor.setInputSource(&queue);
+    }
+
+    bool hasStyle(const wchar_t* name)
+    {
+        KxDbDictionary* opened = nullptr;
+        if (db.getMLStyleDictionary(opened, KxDb::kForRead) != Kald::eOk)
+            return false;
+        const KxDbObjectPtr<KxDbDictionary> styles(opened);
+        return styles->has(name);
+    }
+
+    kaldo::QueuedInputSource queue{false};
+};
+
+TEST_F(MlineCommandTest, ResultTellsHowTheCommandEnded)
+{
+    script("\n");
+    EXPECT_EQ(CMLineCommand(&db).run(), RTNONE);
+    script("^C\n");
+    EXPECT_EQ(CMLineCommand(&db).run(), RTCAN);
+    script("J\nZ\n1,1\n\n");
+    EXPECT_EQ(CMLineCommand(&db).run(), RTNORM);
+    // A start point alone draws nothing, yet the point loop ran.
+    EXPECT_THAT(mlines(), IsEmpty());
+    EXPECT_EQ(db.cmljust(), 1);
+}
+
+TEST_F(MlineCommandTest, SettersStoreWhatTheyWrite)
+{
+    script("");
+    CMLineCommand command(&db);
+    command.readSettings();
+    EXPECT_EQ(command.setJustification(2), RTNORM);
+    EXPECT_EQ(db.cmljust(), 2);
+    // Codes outside 0..2 are ignored, -1 among them.
+    EXPECT_EQ(command.setJustification(3), RTNORM);
+    EXPECT_EQ(command.setJustification(-1), RTNORM);
+    EXPECT_EQ(command.justification(), 2);
+    EXPECT_EQ(command.setScale(-0.25), RTNORM);
+    EXPECT_EQ(db.cmlscale(), -0.25);
+    EXPECT_EQ(command.setStyleName(L"Standard"), RTNORM);
+    EXPECT_EQ(command.styleName(), L"STANDARD");
+    // A style the drawing lacks cannot become current: the variable write
+    // fails, the command keeps the name.
+    EXPECT_NE(command.setStyleName(L"nosuch"), RTNORM);
+    EXPECT_EQ(command.styleName(), L"NOSUCH");
+}
+
+TEST_F(MlineCommandTest, TypedByAPersonTheStyleFileComesFromTheFileDialog)
+{
+    QTemporaryDir dir;
+    const std::filesystem::path folder = dir.path().toStdString();
+    // The dialog hands back "a|b.mln"; the bar stands for a blank, so the
+    // style is read from "a b.mln".
+    std::ofstream(folder / "a|b.mln") << "";
+    std::ofstream(folder / "a b.mln") << kWallStyle;
+    const std::wstring chosen = (folder / "a|b.mln").wstring();
+    typed({L"ST", L"wall", L"", L"Wall", chosen, L""});
+    EXPECT_EQ(CMLineCommand(&db).run(), RTNONE);
+    // Enter in the dialog chose nothing: asked again for the style, silently.
+    EXPECT_THAT(transcript, HasSubstr(L"Enter mline style name or [?]: wall\nEnter file name: \n"
+                                      L"Enter mline style name or [?]: Wall\nEnter file name: "));
+    EXPECT_THAT(transcript, Not(HasSubstr(L"Multiline style to load")));
+    EXPECT_THAT(transcript, Not(HasSubstr(L"does not exist")));
+    EXPECT_THAT(transcript, HasSubstr(L"Style = WALL\n"));
+    EXPECT_TRUE(hasStyle(L"wall"));
+    EXPECT_EQ(db.cmlstyleID().isNull(), false);
+}
+
+TEST_F(MlineCommandTest, WithoutADrawingNothingIsFoundAndNothingDrawn)
+{
+    kaldo::host().database = nullptr;
+    script("J\n^C\n?\nST\n?\nSTANDARD\n^C\n0,0\n5,0\n\n");
+    EXPECT_EQ(CMLineCommand(nullptr).run(), RTNORM);
+    // Unreadable variables: no justification name, scale 0, no style.
+    EXPECT_THAT(transcript, HasSubstr(L"Current settings: Justification = , Scale = 0.0000, Style = \n"));
+    EXPECT_THAT(transcript, HasSubstr(L"Enter justification type [Top/Zero/Bottom] <>: "));
+    // The listing prints nothing and a name is never found.
+    EXPECT_THAT(transcript, HasSubstr(L"Enter mline style name or [?]: ?\nEnter mline style name or [?]: STANDARD\n"
+                                      L"Enter mline style name or [?]: *Cancel*\n"));
+    EXPECT_THAT(transcript, Not(HasSubstr(L"Multiline Style ")));
+    kaldo::host().database = &db;
+    EXPECT_THAT(mlines(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace kdml
