@@ -4,6 +4,7 @@
 #include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Options.h"
 #include "kaldo/app/Session.h"
+#include "kaldo/dxf/DxfError.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
 #include "kaldo/view/PictureExport.h"
@@ -101,6 +102,13 @@ int main(int argc, char** argv)
     } catch (const kaldo::SessionError& e) {
         return fail(e.what(), kaldo::kExitBadFile);
     }
+    if (options.drawing) {
+        try {
+            session->openDrawing(*options.drawing);
+        } catch (const kaldo::dxf::DxfError& e) {
+            return fail(std::string("cannot open the drawing: ") + e.what(), kaldo::kExitBadFile);
+        }
+    }
     kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin);
     session->editor().setInputSource(&input);
     session->editor().setTranscript(printTranscript);
@@ -117,6 +125,13 @@ int main(int argc, char** argv)
 
     kaldo::runCommandLoop(*session);
     session->editor().write(L"\n");
+    if (options.saveAs) {
+        try {
+            session->saveDrawing(*options.saveAs);
+        } catch (const kaldo::dxf::DxfError& e) {
+            return fail(std::string("the drawing was not saved: ") + e.what(), kaldo::kExitBadFile);
+        }
+    }
     if (options.exportTo) {
         const kaldo::view::Background background = options.exportBackground == kaldo::ExportBackground::Dark
                                                        ? kaldo::view::Background::Dark

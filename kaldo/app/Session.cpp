@@ -56,6 +56,23 @@ Session* Session::current()
     return running;
 }
 
+void Session::openDrawing(const std::filesystem::path& path)
+{
+    dxf::DxfDrawing drawing = dxf::readDxfFile(path);
+    std::swap(database_, drawing.database);
+    keptSections_ = std::move(drawing.kept);
+    drawingPath_ = std::filesystem::absolute(path);
+    host().database = database_.get();
+    host().drawingDir = drawingPath_.parent_path();
+}
+
+void Session::saveDrawing(const std::filesystem::path& path)
+{
+    dxf::saveDxfFile(path, *database_, keptSections_);
+    drawingPath_ = std::filesystem::absolute(path);
+    host().drawingDir = drawingPath_.parent_path();
+}
+
 bool Session::loadModule(const std::filesystem::path& module, std::wstring& message)
 {
     const std::filesystem::path path = resolveModulePath(module, paths_.modulesDir);

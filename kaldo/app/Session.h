@@ -5,6 +5,7 @@
 #pragma once
 
 #include "kaldo/app/SessionPaths.h"
+#include "kaldo/dxf/DxfFile.h"
 
 #include <filesystem>
 #include <memory>
@@ -39,6 +40,15 @@ public:
 
     const SessionPaths& paths() const { return paths_; }
     KxDbDatabase& database() { return *database_; }
+
+    // The file of the drawing: empty for a new drawing not saved yet.
+    const std::filesystem::path& drawingPath() const { return drawingPath_; }
+    // Reads a drawing file and makes it the working drawing. Throws
+    // dxf::DxfError; the working drawing then stays as it was.
+    void openDrawing(const std::filesystem::path& path);
+    // Saves the working drawing (atomically) as path, which then becomes
+    // its file. Throws dxf::DxfError; the old file then stays as it was.
+    void saveDrawing(const std::filesystem::path& path);
     Editor& editor() { return *editor_; }
     Runtime& runtime() { return *runtime_; }
     Profile& profile() { return *profile_; }
@@ -62,6 +72,8 @@ private:
     std::unique_ptr<Profile> profile_;
     std::unique_ptr<CrashRecorder> crashRecorder_;
     std::unique_ptr<KxDbDatabase> database_;
+    dxf::KeptSections keptSections_;
+    std::filesystem::path drawingPath_;
     std::unique_ptr<Editor> editor_;
     std::unique_ptr<Runtime> runtime_;
     bool quit_ = false;

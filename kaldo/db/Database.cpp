@@ -99,6 +99,7 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     obj->m_readers = 0;
     obj->m_id = kaldo::registerObject(obj);
     m_objects.emplace_back(obj);
+    m_handles.emplace(handle, obj->m_id);
     return Kald::eOk;
 }
 
@@ -119,10 +120,33 @@ Kald::ErrorStatus KxDbDatabase::addToCurrentSpace(KxDbEntity* entity, KxDbObject
 
 KxDbObjectId KxDbDatabase::objectIdFromHandle(std::uint64_t handle) const
 {
-    for (const auto& obj : m_objects)
-        if (obj->handle() == handle)
-            return obj->objectId();
-    return KxDbObjectId::kNull;
+    const auto it = m_handles.find(handle);
+    return it == m_handles.end() ? KxDbObjectId::kNull : it->second;
+}
+
+Kald::ErrorStatus KxDbDatabase::setRoots(const KxDbDatabaseRoots& roots)
+{
+    const auto is = [this](KxDbObjectId id, const KxRxClass* cls) {
+        const KxDbObject* obj = peekObject(id);
+        return obj && obj->isKindOf(cls);
+    };
+    if (!is(roots.namedObjects, KxDbDictionary::desc()) || !is(roots.blockTable, KxDbBlockTable::desc())
+        || !is(roots.layerTable, KxDbLayerTable::desc()) || !is(roots.linetypeTable, KxDbLinetypeTable::desc())
+        || !is(roots.modelSpace, KxDbBlockTableRecord::desc()) || !is(roots.paperSpace, KxDbBlockTableRecord::desc())
+        || !is(roots.byLayer, KxDbLinetypeTableRecord::desc()) || !is(roots.byBlock, KxDbLinetypeTableRecord::desc())
+        || !is(roots.continuous, KxDbLinetypeTableRecord::desc()))
+        return Kald::eWrongObjectType;
+    m_namedObjects = roots.namedObjects;
+    m_blockTable = roots.blockTable;
+    m_layerTable = roots.layerTable;
+    m_linetypeTable = roots.linetypeTable;
+    m_modelSpace = roots.modelSpace;
+    m_paperSpace = roots.paperSpace;
+    m_currentSpace = roots.modelSpace;
+    m_byLayer = roots.byLayer;
+    m_byBlock = roots.byBlock;
+    m_continuous = roots.continuous;
+    return Kald::eOk;
 }
 
 std::vector<KxDbObjectId> KxDbDatabase::objectIds() const

@@ -66,6 +66,7 @@ Kald::ErrorStatus KxDbObject::copyFrom(const KxDbObject* other)
 {
     if (!other || !other->isKindOf(isA()) || !isKindOf(other->isA()))
         return Kald::eWrongObjectType;
+    m_keptGroups = other->m_keptGroups;
     return Kald::eOk;
 }
 

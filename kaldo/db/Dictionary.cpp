@@ -188,6 +188,7 @@ Kald::ErrorStatus KxDbDictionary::copyFrom(const KxDbObject* other)
     if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
         return es;
     m_entries = static_cast<const KxDbDictionary*>(other)->m_entries;
+    m_hardOwner = static_cast<const KxDbDictionary*>(other)->m_hardOwner;
     return Kald::eOk;
 }
 

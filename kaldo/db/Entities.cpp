@@ -6,6 +6,8 @@
 
 KX_RX_DEFINE_MEMBERS(KxDbLine, KxDbEntity)
 KX_RX_DEFINE_MEMBERS(KxDbArc, KxDbEntity)
+KX_RX_DEFINE_MEMBERS(KxDbCircle, KxDbEntity)
+KX_RX_DEFINE_MEMBERS(KxDbPolyline, KxDbEntity)
 
 namespace {
 
@@ -100,5 +102,64 @@ Kald::ErrorStatus KxDbArc::copyFrom(const KxDbObject* other)
     m_radius = src->m_radius;
     m_startAngle = src->m_startAngle;
     m_endAngle = src->m_endAngle;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbCircle::setCenter(const KxGePoint3d& center)
+{
+    m_center = center;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbCircle::setRadius(double radius)
+{
+    if (!(radius >= 0))
+        return Kald::eInvalidInput;
+    m_radius = radius;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbCircle::setNormal(const KxGeVector3d& normal)
+{
+    return checkedNormal(normal, m_normal);
+}
+
+Kald::ErrorStatus KxDbCircle::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
+        return es;
+    const auto* src = static_cast<const KxDbCircle*>(other);
+    m_center = src->m_center;
+    m_normal = src->m_normal;
+    m_radius = src->m_radius;
+    return Kald::eOk;
+}
+
+KxGePoint3d KxDbPolyline::pointAt(int index) const
+{
+    if (index < 0 || index >= numVerts())
+        return {};
+    const Vertex& v = m_vertices[std::size_t(index)];
+    const kaldo::EntityPlane plane(m_normal);
+    return plane.toWorld(KxGePoint3d(v.x, v.y, m_elevation));
+}
+
+Kald::ErrorStatus KxDbPolyline::setNormal(const KxGeVector3d& normal)
+{
+    return checkedNormal(normal, m_normal);
+}
+
+Kald::ErrorStatus KxDbPolyline::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
+        return es;
+    const auto* src = static_cast<const KxDbPolyline*>(other);
+    m_vertices = src->m_vertices;
+    m_normal = src->m_normal;
+    m_constantWidth = src->m_constantWidth;
+    m_elevation = src->m_elevation;
+    m_thickness = src->m_thickness;
+    m_closed = src->m_closed;
+    m_plinegen = src->m_plinegen;
     return Kald::eOk;
 }

@@ -89,6 +89,35 @@ Kald::ErrorStatus KxDbMlineImp::appendSeg(const KxGeVector3dArray& vectors, bool
     return Kald::eOk;
 }
 
+void KxDbMlineImp::setStoredVertices(std::vector<KxDbMlineStoredVertex> vertices)
+{
+    m_mline.m_vertices.clear();
+    m_mline.m_vertices.reserve(vertices.size());
+    for (KxDbMlineStoredVertex& v : vertices) {
+        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+        record->elements = std::move(v.elements);
+        m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, std::move(record)});
+    }
+}
+
+Kald::ErrorStatus KxDbMlineImp::setStoredProperties(KxDbObjectId style, int justification, double scale,
+                                                    const KxGeVector3d& normal, bool closed, bool supressStartCaps,
+                                                    bool supressEndCaps)
+{
+    if (justification < Mline::kTop || justification > Mline::kBottom)
+        return Kald::eOutOfRange;
+    if (!std::isfinite(scale) || normal.length() <= kxGeTolerance)
+        return Kald::eInvalidInput;
+    m_mline.m_style = style;
+    m_mline.m_justification = justification;
+    m_mline.m_scale = scale;
+    m_mline.m_normal = normal;
+    m_mline.m_closed = closed;
+    m_mline.m_supressStartCaps = supressStartCaps;
+    m_mline.m_supressEndCaps = supressEndCaps;
+    return Kald::eOk;
+}
+
 KxDbMlineImp* KxDbSystemInternals::getImpObject(KxDbObject* obj)
 {
     KxDbMline* mline = KxDbMline::cast(obj);
@@ -225,6 +254,11 @@ Kald::ErrorStatus KxDbMline::getParametersAt(int index, KxArray& params) const
     record->addRef();
     params.append(record);
     return Kald::eOk;
+}
+
+const KxDbMlineVertexParams* KxDbMline::parametersAt(int index) const
+{
+    return index >= 0 && index < numVertices() ? m_vertices[std::size_t(index)].params.get() : nullptr;
 }
 
 Kald::ErrorStatus KxDbMline::setParametersAt(int index, const KxArray& params)

@@ -12,3 +12,4 @@
 #include "kxdbmlstyle.h"
 #include "kxdbobject.h"
 #include "kxdbsymtb.h"
+#include "kxdbunmodelled.h"

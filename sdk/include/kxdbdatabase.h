@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "kxdbobject.h"
@@ -20,6 +21,13 @@ class KxDbLinetypeTable;
 
 inline constexpr const wchar_t* kxdbMlineStyleDictionaryName = L"ACAD_MLINESTYLE";
 inline constexpr const wchar_t* kxdbStandardStyleName = L"STANDARD";
+
+// The objects every drawing has, as a file reader found them.
+struct KxDbDatabaseRoots {
+    KxDbObjectId namedObjects, blockTable, layerTable, linetypeTable;
+    KxDbObjectId modelSpace, paperSpace;
+    KxDbObjectId byLayer, byBlock, continuous;
+};
 
 class KxDbDatabase {
 public:
@@ -39,6 +47,10 @@ public:
     Kald::ErrorStatus addToCurrentSpace(KxDbEntity* entity, KxDbObjectId& id);
 
     KxDbObjectId objectIdFromHandle(std::uint64_t handle) const;
+    // Names the database's root objects (a file reader, after adding them);
+    // eWrongObjectType when one is missing or of another class. Model space
+    // becomes the current space.
+    Kald::ErrorStatus setRoots(const KxDbDatabaseRoots& roots);
     // Every object (erased ones too) in the order they were added.
     std::vector<KxDbObjectId> objectIds() const;
 
@@ -97,6 +109,7 @@ private:
     void buildDefaultDrawing();
 
     std::vector<std::unique_ptr<KxDbObject>> m_objects;
+    std::unordered_map<std::uint64_t, KxDbObjectId> m_handles;
     std::uint64_t m_handseed = 1;
     KxDbObjectId m_namedObjects, m_blockTable, m_layerTable, m_linetypeTable;
     KxDbObjectId m_modelSpace, m_paperSpace, m_currentSpace;

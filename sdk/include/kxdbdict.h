@@ -42,6 +42,11 @@ public:
     // Iterates the entries in key order (without case), skipping erased ones.
     std::unique_ptr<KxDbDictionaryIterator> newIterator() const;
 
+    // Whether the dictionary owns its entries hard (files then write them
+    // as owned references); off for a new dictionary.
+    bool isTreatElementsAsHard() const { return m_hardOwner; }
+    void setTreatElementsAsHard(bool on) { m_hardOwner = on; }
+
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
 
 private:
@@ -53,6 +58,7 @@ private:
     const Entry* find(KxDbObjectId id) const;
 
     std::map<std::wstring, Entry> m_entries;  // key: name folded to upper case
+    bool m_hardOwner = false;
 };
 
 class KxDbDictionaryIterator {

@@ -1,5 +1,7 @@
-// Simple entities: lines and arcs.
+// Simple entities: lines, arcs, circles and light-weight polylines.
 #pragma once
+
+#include <vector>
 
 #include "kxdbobject.h"
 
@@ -63,4 +65,73 @@ private:
     double m_radius = 0;
     double m_startAngle = 0;
     double m_endAngle = 0;
+};
+
+class KxDbCircle : public KxDbEntity {
+public:
+    KX_RX_DECLARE_MEMBERS(KxDbCircle)
+    KxDbCircle() = default;
+    KxDbCircle(const KxGePoint3d& center, double radius) : m_center(center), m_radius(radius) {}
+
+    const KxGePoint3d& center() const { return m_center; }
+    Kald::ErrorStatus setCenter(const KxGePoint3d& center);
+    double radius() const { return m_radius; }
+    Kald::ErrorStatus setRadius(double radius);
+    const KxGeVector3d& normal() const { return m_normal; }
+    Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
+
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+
+private:
+    KxGePoint3d m_center;
+    KxGeVector3d m_normal{0, 0, 1};
+    double m_radius = 0;
+};
+
+// A polyline of straight and arc segments in the plane of its normal.
+// Vertex positions are 2D in the entity coordinate system at the
+// elevation; a vertex's bulge is the tangent of a quarter of the included
+// angle of the segment that starts there (0 straight).
+class KxDbPolyline : public KxDbEntity {
+public:
+    KX_RX_DECLARE_MEMBERS(KxDbPolyline)
+
+    struct Vertex {
+        double x = 0, y = 0;
+        double startWidth = 0, endWidth = 0;
+        double bulge = 0;
+        friend bool operator==(const Vertex&, const Vertex&) = default;
+    };
+
+    int numVerts() const { return static_cast<int>(m_vertices.size()); }
+    const std::vector<Vertex>& vertices() const { return m_vertices; }
+    void setVertices(std::vector<Vertex> vertices) { m_vertices = std::move(vertices); }
+    void addVertexAt(const Vertex& vertex) { m_vertices.push_back(vertex); }
+    // The vertex in world coordinates (origin for an index out of range).
+    KxGePoint3d pointAt(int index) const;
+
+    bool isClosed() const { return m_closed; }
+    void setClosed(bool closed) { m_closed = closed; }
+    // Linetype pattern runs on over vertices instead of restarting at each.
+    bool plinegen() const { return m_plinegen; }
+    void setPlinegen(bool on) { m_plinegen = on; }
+    double constantWidth() const { return m_constantWidth; }
+    void setConstantWidth(double width) { m_constantWidth = width; }
+    double elevation() const { return m_elevation; }
+    void setElevation(double elevation) { m_elevation = elevation; }
+    double thickness() const { return m_thickness; }
+    void setThickness(double thickness) { m_thickness = thickness; }
+    const KxGeVector3d& normal() const { return m_normal; }
+    Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
+
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+
+private:
+    std::vector<Vertex> m_vertices;
+    KxGeVector3d m_normal{0, 0, 1};
+    double m_constantWidth = 0;
+    double m_elevation = 0;
+    double m_thickness = 0;
+    bool m_closed = false;
+    bool m_plinegen = false;
 };

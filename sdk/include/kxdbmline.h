@@ -99,10 +99,26 @@ private:
 
 class KxDbMline;
 
+// One vertex of a multiline as a drawing file stores it.
+struct KxDbMlineStoredVertex {
+    KxGePoint3d position;
+    KxGeVector3d axis;
+    KxGeVector3d miter;
+    std::vector<KxDbMlineElementParams> elements;
+};
+
 // Raw access to a multiline's stored geometry, for editing tools that
-// compute it themselves: nothing is recomputed.
+// compute it themselves and for file readers: nothing is recomputed.
 class KxDbMlineImp {
 public:
+    // Replaces every vertex by the stored ones.
+    void setStoredVertices(std::vector<KxDbMlineStoredVertex> vertices);
+    // Sets style, justification, scale, normal and flags as stored (a null
+    // style is allowed; a normal must not be null, else eInvalidInput).
+    Kald::ErrorStatus setStoredProperties(KxDbObjectId style, int justification, double scale,
+                                          const KxGeVector3d& normal, bool closed, bool supressStartCaps,
+                                          bool supressEndCaps);
+
     // Replaces every vertex position; points holds one per vertex
     // (eInvalidInput otherwise).
     Kald::ErrorStatus appendSegments(const KxGePoint3dArray& points);
@@ -155,6 +171,9 @@ public:
     // Clears params and appends one entry: the vertex's record, with a
     // reference added for the caller, who releases it.
     Kald::ErrorStatus getParametersAt(int index, KxArray& params) const;
+    // The vertex's record for reading while the multiline is open (null for
+    // an index out of range).
+    const KxDbMlineVertexParams* parametersAt(int index) const;
     // Makes the record params leads to the vertex's record (a reference is
     // added for the multiline).
     Kald::ErrorStatus setParametersAt(int index, const KxArray& params);

@@ -16,6 +16,8 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kxcmcolor.h"
 #include "kxdbclass.h"
@@ -23,6 +25,18 @@
 #include "kxtypes.h"
 
 class KxDbDatabase;
+
+// A group of a drawing file that the host keeps as read without modelling
+// it, to write it back unchanged: its code, its text, and the part of its
+// record it stood in (0 before the first subclass marker, n after the n-th,
+// kxdbExtendedDataPart from the first extended-data group on).
+struct KxDbFileGroup {
+    std::int16_t code = 0;
+    std::uint8_t part = 0;
+    std::string value;
+    friend bool operator==(const KxDbFileGroup&, const KxDbFileGroup&) = default;
+};
+inline constexpr std::uint8_t kxdbExtendedDataPart = 255;
 
 namespace KxDb {
 enum OpenMode : int { kForRead = 0, kForWrite = 1 };
@@ -63,6 +77,11 @@ public:
     // copies and duplicates. Identity, ownership and open state stay.
     virtual Kald::ErrorStatus copyFrom(const KxDbObject* other);
 
+    // Groups of the object's file record that the host does not model
+    // (reactors, extended data, codes of newer versions), in file order.
+    const std::vector<KxDbFileGroup>& keptGroups() const { return m_keptGroups; }
+    void setKeptGroups(std::vector<KxDbFileGroup> groups) { m_keptGroups = std::move(groups); }
+
 private:
     friend class KxDbDatabase;
     friend Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*&, KxDbObjectId, int, bool, const KxRxClass*);
@@ -70,6 +89,7 @@ private:
     KxDbObjectId m_id;
     KxDbObjectId m_owner;
     KxDbDatabase* m_database = nullptr;
+    std::vector<KxDbFileGroup> m_keptGroups;
     std::uint64_t m_handle = 0;
     bool m_erased = false;
     bool m_openForWrite = false;

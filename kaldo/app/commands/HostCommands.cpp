@@ -16,6 +16,8 @@ void registerHostCommands(KxEdCommandStack& stack)
         {L"QUIT", quitCommand},           {L"EXIT", quitCommand},
         {L"APPLOAD", apploadCommand},     {L"APPUNLOAD", appunloadCommand},
         {L"COMMANDS", commandsCommand},   {L"LIST", listCommand},
+        {L"OPEN", openCommand},           {L"SAVE", saveCommand},
+        {L"SAVEAS", saveasCommand},
     };
     for (const Entry& entry : commands)
         stack.addCommand(kHostCommandGroup, entry.name, entry.name, KxCmdFlags::kModal, entry.handler);

@@ -22,6 +22,9 @@ void apploadCommand();
 void appunloadCommand();
 void commandsCommand();
 void listCommand();
+void openCommand();
+void saveCommand();
+void saveasCommand();
 
 // Asks for the new value of the system variable name, as SETVAR does once it
 // has the name; Enter keeps the value.

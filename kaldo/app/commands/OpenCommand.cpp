@@ -1,0 +1,31 @@
+// OPEN: reads a drawing file and makes it the working drawing. A file that
+// cannot be read leaves the working drawing as it was and says why.
+#include "kaldo/app/Session.h"
+#include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/dxf/DxfError.h"
+#include "kxed.h"
+#include "kxstring.h"
+
+#include <memory>
+
+namespace kaldo {
+
+void openCommand()
+{
+    Session* session = Session::current();
+    if (!session)
+        return;
+    wchar_t* name = nullptr;
+    const std::wstring current = session->drawingPath().wstring();
+    if (getFileNameByFileDialog(L"Select File", current.c_str(), L"dxf", 0, name) != 0 || !name)
+        return;
+    const std::unique_ptr<wchar_t, decltype(&kald_free)> owned(name, kald_free);
+    try {
+        session->openDrawing(name);
+        kxutPrintf(L"\nOpened \"%ls\".", name);
+    } catch (const dxf::DxfError& e) {
+        kxutPrintf(L"\nCannot open the drawing: %ls", kxutFromMultiByte(e.what()).c_str());
+    }
+}
+
+}  // namespace kaldo

@@ -1,0 +1,55 @@
+// SAVE and SAVEAS: write the working drawing as a DXF file. SAVE writes to
+// the drawing's own file and asks for a name only for a new drawing; SAVEAS
+// always asks. A failed save leaves the old file whole and says why.
+#include "kaldo/app/Session.h"
+#include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/dxf/DxfError.h"
+#include "kxed.h"
+#include "kxstring.h"
+
+#include <memory>
+
+namespace kaldo {
+
+namespace {
+
+void saveAs(Session& session, const std::filesystem::path& path)
+{
+    try {
+        session.saveDrawing(path);
+        kxutPrintf(L"\nSaved \"%ls\".", path.wstring().c_str());
+    } catch (const dxf::DxfError& e) {
+        kxutPrintf(L"\nThe drawing was not saved: %ls", kxutFromMultiByte(e.what()).c_str());
+    }
+}
+
+void askAndSave(Session& session)
+{
+    wchar_t* name = nullptr;
+    const std::wstring current = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().wstring();
+    if (getFileNameByFileDialog(L"Save Drawing As", current.c_str(), L"dxf", 1, name) != 0 || !name)
+        return;
+    const std::unique_ptr<wchar_t, decltype(&kald_free)> owned(name, kald_free);
+    saveAs(session, name);
+}
+
+}  // namespace
+
+void saveCommand()
+{
+    Session* session = Session::current();
+    if (!session)
+        return;
+    if (session->drawingPath().empty())
+        askAndSave(*session);
+    else
+        saveAs(*session, session->drawingPath());
+}
+
+void saveasCommand()
+{
+    if (Session* session = Session::current())
+        askAndSave(*session);
+}
+
+}  // namespace kaldo

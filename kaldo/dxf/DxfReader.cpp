@@ -1,0 +1,268 @@
+// Reading a drawing file section by section, then resolving references by
+// handle and adding what every drawing must have.
+#include "kaldo/dxf/DxfFile.h"
+
+#include "kaldo/db/NameKey.h"
+#include "kaldo/dxf/DefaultRecords.h"
+#include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/EntityRecords.h"
+#include "kaldo/dxf/GroupReader.h"
+#include "kaldo/dxf/HeaderSection.h"
+#include "kaldo/dxf/ObjectRecords.h"
+#include "kaldo/dxf/ReadContext.h"
+#include "kaldo/dxf/TablesSection.h"
+#include "kaldo/dxf/UnmodelledRecords.h"
+#include "kxdbdatabase.h"
+#include "kxdbdict.h"
+#include "kxdbmline.h"
+#include "kxdbmlstyle.h"
+#include "kxdbsymtb.h"
+#include "kxdbunmodelled.h"
+#include "kxstring.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace kaldo::dxf {
+
+DxfDrawing::DxfDrawing() = default;
+DxfDrawing::DxfDrawing(DxfDrawing&&) noexcept = default;
+DxfDrawing& DxfDrawing::operator=(DxfDrawing&&) noexcept = default;
+DxfDrawing::~DxfDrawing() = default;
+
+namespace {
+
+// A section kept whole (CLASSES and unknown ones), up to its ENDSEC.
+std::vector<KxDbFileGroup> readKeptSection(GroupReader& reader, const std::string& name, long line)
+{
+    std::vector<KxDbFileGroup> groups;
+    Group g;
+    while (reader.next(g)) {
+        if (g.code == 0 && trimmed(g.value) == "ENDSEC")
+            return groups;
+        groups.push_back({std::int16_t(g.code), 0, std::string(g.value)});
+    }
+    throw DxfError(line, "the section " + name + " has no ENDSEC.");
+}
+
+// The block record a BLOCK record begins: by its owner, else by its name;
+// a file without block records (an old version) gets one made up.
+KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, ReadContext& context)
+{
+    if (const KxDbObjectId owner = context.db.objectIdFromHandle(basics.owner);
+        KxDbBlockTableRecord::cast(context.db.peekObject(owner)))
+        return owner;
+    std::wstring name;
+    for (std::size_t i = 0; i < record.size(); ++i)
+        if (record.at(i).code == 2)
+            name = kxutFromMultiByte(std::string(trimmed(record.at(i).value)));
+    if (name.empty())
+        throw DxfError(record.line(), "a block without a name.");
+    if (kaldo::sameName(name, L"$MODEL_SPACE"))
+        name = kxdbModelSpaceName;
+    else if (kaldo::sameName(name, L"$PAPER_SPACE"))
+        name = kxdbPaperSpaceName;
+    auto* table = KxDbBlockTable::cast(context.db.peekObject(ensureBlockTable(context)));
+    KxDbObjectId id;
+    if (table->getAt(name.c_str(), id) == Kald::eOk)
+        return id;
+    auto* block = new KxDbBlockTableRecord;
+    block->setName(name.c_str());
+    table->add(block, id);
+    block->close();
+    if (kaldo::sameName(name, kxdbModelSpaceName))
+        context.roots.modelSpace = id;
+    else if (kaldo::sameName(name, kxdbPaperSpaceName))
+        context.roots.paperSpace = id;
+    return id;
+}
+
+void readBlocksSection(GroupReader& reader, ReadContext& context)
+{
+    Record record;
+    Group g;
+    KxDbObjectId block;
+    while (reader.next(g)) {
+        if (g.code != 0)
+            throw DxfError(g.line, "a record (group 0) was expected in the blocks.");
+        const std::string kind(trimmed(g.value));
+        if (kind == "ENDSEC") {
+            if (!block.isNull())
+                throw DxfError(g.line, "the blocks end inside a block (ENDBLK is missing).");
+            return;
+        }
+        record.read(reader, g);
+        if (kind == "BLOCK") {
+            if (!block.isNull())
+                throw DxfError(g.line, "a block begins inside another one.");
+            const RecordBasics basics = rawRecordBasics(record);
+            block = blockRecordFor(record, basics, context);
+            context.kept.blockEnds[block].begin = context.add(new KxDbUnmodelledObject("BLOCK", record.allGroups()),
+                                                              RecordBasics{basics.handle, 0, {}});
+        } else if (kind == "ENDBLK") {
+            if (block.isNull())
+                throw DxfError(g.line, "ENDBLK without its BLOCK.");
+            const RecordBasics basics = rawRecordBasics(record);
+            context.kept.blockEnds[block].end = context.add(new KxDbUnmodelledObject("ENDBLK", record.allGroups()),
+                                                            RecordBasics{basics.handle, 0, {}});
+            block = KxDbObjectId();
+        } else {
+            if (block.isNull())
+                throw DxfError(g.line, "an entity outside of any block.");
+            readEntity(record, context, block);
+        }
+    }
+    throw DxfError(g.line, "the file ends inside the blocks.");
+}
+
+void readEntitiesSection(GroupReader& reader, ReadContext& context)
+{
+    ensureLayoutBlocks(context);
+    Record record;
+    Group g;
+    while (reader.next(g)) {
+        if (g.code != 0)
+            throw DxfError(g.line, "an entity (group 0) was expected.");
+        if (trimmed(g.value) == "ENDSEC")
+            return;
+        record.read(reader, g);
+        readEntity(record, context, KxDbObjectId());
+    }
+    throw DxfError(g.line, "the file ends inside the entities.");
+}
+
+void readObjectsSection(GroupReader& reader, ReadContext& context)
+{
+    Record record;
+    Group g;
+    while (reader.next(g)) {
+        if (g.code != 0)
+            throw DxfError(g.line, "an object (group 0) was expected.");
+        if (trimmed(g.value) == "ENDSEC")
+            return;
+        record.read(reader, g);
+        readObject(record, context);
+    }
+    throw DxfError(g.line, "the file ends inside the objects.");
+}
+
+void resolveReferences(ReadContext& context)
+{
+    KxDbDatabase& db = context.db;
+    for (const ReadContext::DictionaryEntry& entry : context.dictionaryEntries) {
+        const KxDbObjectId target = db.objectIdFromHandle(entry.handle);
+        auto* dict = KxDbDictionary::cast(db.peekObject(entry.dictionary));
+        KxDbObject* obj = db.peekObject(target);
+        if (!obj) {
+            char handle[24];
+            std::snprintf(handle, sizeof handle, "%llX", static_cast<unsigned long long>(entry.handle));
+            throw DxfError(entry.line, "the dictionary entry \"" + kxutToMultiByte(entry.name) + "\" points to handle "
+                                           + handle + ", which no object has.");
+        }
+        KxDbObjectId id;
+        dict->setAt(entry.name.c_str(), obj, id);
+    }
+    for (const ReadContext::OwnerReference& ref : context.ownerReferences) {
+        KxDbObject* obj = db.peekObject(ref.object);
+        const KxDbObjectId owner = db.objectIdFromHandle(ref.owner);
+        if (obj && !owner.isNull() && obj->ownerId().isNull())
+            obj->setOwnerId(owner);
+    }
+}
+
+void resolveMlineStyles(ReadContext& context)
+{
+    KxDbDatabase& db = context.db;
+    const auto* styles = KxDbDictionary::cast(db.peekObject(db.mlineStyleDictionaryId()));
+    KxDbObjectId standard;
+    styles->getAt(kxdbStandardStyleName, standard);
+    for (const ReadContext::StyleReference& ref : context.styleReferences) {
+        KxDbObjectId style;
+        if (ref.handle != 0) {
+            style = db.objectIdFromHandle(ref.handle);
+            if (!KxDbMlineStyle::cast(db.peekObject(style)))
+                throw DxfError(ref.line, "the multiline's style handle points to no multiline style.");
+        } else if (styles->getAt(ref.name.c_str(), style) != Kald::eOk) {
+            style = standard;
+        }
+        auto* mline = KxDbMline::cast(db.peekObject(ref.mline));
+        KxDbSystemInternals::getImpObject(mline)->setStoredProperties(
+            style, mline->justification(), mline->scale(), mline->normal(), mline->closedMline(),
+            mline->supressStartCaps(), mline->supressEndCaps());
+    }
+}
+
+}  // namespace
+
+DxfDrawing readDxf(GroupReader& reader)
+{
+    DxfDrawing drawing;
+    drawing.database = std::make_unique<KxDbDatabase>(false);
+    ReadContext context(*drawing.database, drawing.kept);
+    Group g;
+    bool ended = false;
+    bool sawEntities = false;
+    while (!ended && reader.next(g)) {
+        if (g.code == 999)
+            continue;
+        if (g.code != 0)
+            throw DxfError(g.line, "a section (0 SECTION) was expected.");
+        const std::string kind(trimmed(g.value));
+        if (kind == "EOF") {
+            ended = true;
+            break;
+        }
+        if (kind != "SECTION")
+            throw DxfError(g.line, "a section (0 SECTION) was expected, not \"" + std::string(kind.substr(0, 40)) + "\".");
+        const long line = g.line;
+        if (!reader.next(g) || g.code != 2)
+            throw DxfError(line, "a section without its name (group 2).");
+        const std::string name(trimmed(g.value));
+        if (name == "HEADER") {
+            readHeaderSection(reader, context);
+        } else if (name == "CLASSES") {
+            context.kept.hasClasses = true;
+            context.kept.classes = readKeptSection(reader, name, line);
+        } else if (name == "TABLES") {
+            readTablesSection(reader, context);
+        } else if (name == "BLOCKS") {
+            readBlocksSection(reader, context);
+        } else if (name == "ENTITIES") {
+            readEntitiesSection(reader, context);
+            sawEntities = true;
+        } else if (name == "OBJECTS") {
+            readObjectsSection(reader, context);
+        } else {
+            context.kept.sections.push_back(KeptBlock{name, readKeptSection(reader, name, line)});
+        }
+    }
+    if (!ended)
+        throw DxfError(g.line, "the file ends without EOF: it is cut short.");
+    if (!sawEntities)
+        throw DxfError(0, "the file has no ENTITIES section: it is no drawing.");
+    resolveReferences(context);
+    addMissingRecords(context);
+    resolveMlineStyles(context);
+    resolveHeaderReferences(context);
+    return drawing;
+}
+
+DxfDrawing readDxfFile(const std::filesystem::path& path)
+{
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (!file)
+        throw DxfError(0, "cannot open '" + path.string() + "': " + std::strerror(errno) + ".");
+    struct Closer {
+        std::FILE* f;
+        ~Closer() { std::fclose(f); }
+    } closer{file};
+    GroupReader reader(file);
+    try {
+        return readDxf(reader);
+    } catch (const DxfError& e) {
+        throw DxfError::inFile(path.filename().string(), e);
+    }
+}
+
+}  // namespace kaldo::dxf

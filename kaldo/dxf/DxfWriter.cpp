@@ -1,0 +1,147 @@
+// Writing a drawing file: header, classes, tables, blocks, entities,
+// objects and kept sections, in one pass over the database.
+#include "kaldo/dxf/DxfFile.h"
+
+#include "kaldo/db/NameKey.h"
+#include "kaldo/dxf/AtomicFile.h"
+#include "kaldo/dxf/EntityRecords.h"
+#include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/HeaderSection.h"
+#include "kaldo/dxf/ObjectRecords.h"
+#include "kaldo/dxf/RecordWriting.h"
+#include "kaldo/dxf/TablesSection.h"
+#include "kaldo/dxf/UnmodelledRecords.h"
+#include "kxdbdatabase.h"
+#include "kxdbsymtb.h"
+#include "kxdbunmodelled.h"
+#include "kxstring.h"
+
+namespace kaldo::dxf {
+
+namespace {
+
+std::string handleText(std::uint64_t handle)
+{
+    char text[24];
+    std::snprintf(text, sizeof text, "%llX", static_cast<unsigned long long>(handle));
+    return text;
+}
+
+KxDbObjectId addBlockEnd(KxDbDatabase& db, const KxDbBlockTableRecord& block, bool begin)
+{
+    const bool paper = kaldo::sameName(block.name(), kxdbPaperSpaceName);
+    std::vector<KxDbFileGroup> groups = {{5, 0, "0"}, {330, 0, handleText(block.handle())}, {100, 0, "AcDbEntity"}};
+    if (paper)
+        groups.push_back({67, 0, "1"});
+    groups.push_back({8, 0, "0"});
+    if (begin) {
+        const std::string name = kxutToMultiByte(block.name());
+        groups.insert(groups.end(), {{100, 0, "AcDbBlockBegin"}, {2, 0, name}, {70, 0, "0"}, {10, 0, "0"},
+                                     {20, 0, "0"}, {30, 0, "0"}, {3, 0, name}, {1, 0, ""}});
+    } else {
+        groups.push_back({100, 0, "AcDbBlockEnd"});
+    }
+    auto* record = new KxDbUnmodelledObject(begin ? "BLOCK" : "ENDBLK", std::move(groups));
+    db.addObject(record);
+    record->setOwnerId(block.objectId());
+    record->close();
+    return record->objectId();
+}
+
+std::vector<const KxDbBlockTableRecord*> blocksOf(const KxDbDatabase& db)
+{
+    std::vector<const KxDbBlockTableRecord*> blocks;
+    const auto* table = KxDbBlockTable::cast(db.peekObject(db.blockTableId()));
+    for (auto it = table->newIterator(); !it->done(); it->step())
+        blocks.push_back(KxDbBlockTableRecord::cast(db.peekObject(it->getRecordId())));
+    return blocks;
+}
+
+// Every block gets BLOCK and ENDBLK records (new blocks have none yet).
+void addMissingBlockEnds(KxDbDatabase& db, KeptSections& kept)
+{
+    for (const KxDbBlockTableRecord* block : blocksOf(db)) {
+        BlockEnds& ends = kept.blockEnds[block->objectId()];
+        if (!db.peekObject(ends.begin))
+            ends.begin = addBlockEnd(db, *block, true);
+        if (!db.peekObject(ends.end))
+            ends.end = addBlockEnd(db, *block, false);
+    }
+}
+
+void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
+{
+    const auto* record = KxDbUnmodelledObject::cast(db.peekObject(id));
+    writeUnmodelledRecord(w, record->dxfName(), record->groups(), record->handle());
+}
+
+void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTableRecord& block, NameCache& names)
+{
+    for (auto it = block.newIterator(); !it->done(); it->step())
+        if (const auto* entity = KxDbEntity::cast(db.peekObject(it->getEntityId())))
+            writeEntity(w, db, *entity, names);
+}
+
+void writeKeptSection(GroupWriter& w, const std::string& name, const std::vector<KxDbFileGroup>& groups)
+{
+    w.text(0, "SECTION");
+    w.text(2, name);
+    for (const KxDbFileGroup& g : groups)
+        w.text(g.code, g.value);
+    w.text(0, "ENDSEC");
+}
+
+}  // namespace
+
+void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept)
+{
+    addMissingBlockEnds(db, kept);
+    GroupWriter w(fd);
+    NameCache names(db);
+    writeHeaderSection(w, db, kept);
+    if (kept.hasClasses)
+        writeKeptSection(w, "CLASSES", kept.classes);
+    writeTablesSection(w, db, kept);
+
+    const std::vector<const KxDbBlockTableRecord*> blocks = blocksOf(db);
+    w.text(0, "SECTION");
+    w.text(2, "BLOCKS");
+    for (const KxDbBlockTableRecord* block : blocks) {
+        const BlockEnds& ends = kept.blockEnds[block->objectId()];
+        writeBlockEnd(w, db, ends.begin);
+        if (block->objectId() != db.modelSpaceId() && block->objectId() != db.paperSpaceId())
+            writeEntitiesOf(w, db, *block, names);
+        writeBlockEnd(w, db, ends.end);
+    }
+    w.text(0, "ENDSEC");
+
+    w.text(0, "SECTION");
+    w.text(2, "ENTITIES");
+    for (const KxDbObjectId space : {db.modelSpaceId(), db.paperSpaceId()})
+        if (const auto* block = KxDbBlockTableRecord::cast(db.peekObject(space)))
+            writeEntitiesOf(w, db, *block, names);
+    w.text(0, "ENDSEC");
+
+    w.text(0, "SECTION");
+    w.text(2, "OBJECTS");
+    const KxDbObject* root = db.peekObject(db.namedObjectsDictionaryId());
+    if (root)
+        writeObject(w, db, *root);
+    for (const KxDbObjectId id : db.objectIds()) {
+        const KxDbObject* obj = db.peekObject(id);
+        if (obj && obj != root && !obj->isErased())
+            writeObject(w, db, *obj);
+    }
+    w.text(0, "ENDSEC");
+    for (const KeptBlock& section : kept.sections)
+        writeKeptSection(w, section.name, section.groups);
+    w.text(0, "EOF");
+    w.flush();
+}
+
+void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept)
+{
+    writeFileAtomically(path, [&](int fd) { writeDxf(fd, db, kept); });
+}
+
+}  // namespace kaldo::dxf

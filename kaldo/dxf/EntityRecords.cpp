@@ -1,0 +1,329 @@
+#include "kaldo/dxf/EntityRecords.h"
+
+#include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/MlineRecord.h"
+#include "kaldo/dxf/ReadContext.h"
+#include "kaldo/dxf/RecordColor.h"
+#include "kaldo/dxf/RecordWriting.h"
+#include "kaldo/dxf/UnmodelledRecords.h"
+#include "kxdbents.h"
+#include "kxdbmline.h"
+#include "kxdbsymtb.h"
+#include "kxdbunmodelled.h"
+#include "kxstring.h"
+
+#include <memory>
+#include <numbers>
+
+namespace kaldo::dxf {
+
+namespace {
+
+// Layer, linetype and colour of every entity.
+struct EntityLook {
+    std::string layer = "0";
+    std::string linetype;
+    KxCmColor color;
+    bool take(const Group& g)
+    {
+        if (g.code == 8) {
+            layer = std::string(trimmed(g.value));
+            return true;
+        }
+        if (g.code == 6) {
+            linetype = std::string(trimmed(g.value));
+            return true;
+        }
+        return readColorGroup(g, color);
+    }
+    void applyTo(KxDbEntity& entity, ReadContext& context) const
+    {
+        entity.setLayer(context.layer(layer.empty() ? "0" : layer));
+        entity.setLinetype(linetype.empty() ? context.linetype("ByLayer") : context.linetype(linetype));
+        entity.setColor(color);
+    }
+};
+
+// Coordinates arrive as three groups: code, code + 10, code + 20.
+void takeCoordinate(const Group& g, int baseCode, KxGePoint3d& p)
+{
+    const double v = toReal(g);
+    if (g.code == baseCode)
+        p.x = v;
+    else if (g.code == baseCode + 10)
+        p.y = v;
+    else
+        p.z = v;
+}
+
+bool isCoordinate(int code, int baseCode)
+{
+    return code == baseCode || code == baseCode + 10 || code == baseCode + 20;
+}
+
+KxGeVector3d asVector(const KxGePoint3d& p)
+{
+    return {p.x, p.y, p.z};
+}
+
+KxDbEntity* readLine(const Record& record, RecordBasics& basics, EntityLook& look)
+{
+    auto line = std::make_unique<KxDbLine>();
+    KxGePoint3d start, end, normal{0, 0, 1};
+    walkRecord(record, basics, [&](const Group& g) {
+        if (isCoordinate(g.code, 10))
+            takeCoordinate(g, 10, start);
+        else if (isCoordinate(g.code, 11))
+            takeCoordinate(g, 11, end);
+        else if (isCoordinate(g.code, 210))
+            takeCoordinate(g, 210, normal);
+        else
+            return look.take(g);
+        return true;
+    });
+    line->setStartPoint(start);
+    line->setEndPoint(end);
+    if (line->setNormal(asVector(normal)) != Kald::eOk)
+        throw DxfError(record.line(), "the line has a null normal.");
+    return line.release();
+}
+
+KxDbEntity* readCircleOrArc(const Record& record, RecordBasics& basics, EntityLook& look, bool isArc)
+{
+    KxGePoint3d center, normal{0, 0, 1};
+    double radius = 0, startAngle = 0, endAngle = 0;
+    walkRecord(record, basics, [&](const Group& g) {
+        if (isCoordinate(g.code, 10))
+            takeCoordinate(g, 10, center);
+        else if (isCoordinate(g.code, 210))
+            takeCoordinate(g, 210, normal);
+        else if (g.code == 40)
+            radius = toReal(g);
+        else if (isArc && g.code == 50)
+            startAngle = toReal(g) * (std::numbers::pi / 180.0);
+        else if (isArc && g.code == 51)
+            endAngle = toReal(g) * (std::numbers::pi / 180.0);
+        else
+            return look.take(g);
+        return true;
+    });
+    if (!(radius >= 0) || asVector(normal).length() <= kxGeTolerance)
+        throw DxfError(record.line(), "the " + record.kind() + " has a negative radius or a null normal.");
+    if (isArc)
+        return new KxDbArc(center, asVector(normal), radius, startAngle, endAngle);
+    auto circle = std::make_unique<KxDbCircle>(center, radius);
+    circle->setNormal(asVector(normal));
+    return circle.release();
+}
+
+KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook& look)
+{
+    auto pline = std::make_unique<KxDbPolyline>();
+    std::vector<KxDbPolyline::Vertex> vertices;
+    KxGePoint3d normal{0, 0, 1};
+    long count = -1;
+    walkRecord(record, basics, [&](const Group& g) {
+        switch (g.code) {
+        case 90:
+            count = long(toInteger(g));
+            return true;
+        case 70: {
+            const auto flags = toInteger(g);
+            pline->setClosed(flags & 1);
+            pline->setPlinegen(flags & 128);
+            return true;
+        }
+        case 43:
+            pline->setConstantWidth(toReal(g));
+            return true;
+        case 38:
+            pline->setElevation(toReal(g));
+            return true;
+        case 39:
+            pline->setThickness(toReal(g));
+            return true;
+        case 10:
+            vertices.emplace_back();
+            vertices.back().x = toReal(g);
+            return true;
+        case 20:
+        case 40:
+        case 41:
+        case 42:
+            if (vertices.empty())
+                throw DxfError(g.line, "group " + std::to_string(g.code) + " comes before the first vertex.");
+            (g.code == 20 ? vertices.back().y
+                          : g.code == 40 ? vertices.back().startWidth
+                                         : g.code == 41 ? vertices.back().endWidth : vertices.back().bulge) = toReal(g);
+            return true;
+        default:
+            if (isCoordinate(g.code, 210)) {
+                takeCoordinate(g, 210, normal);
+                return true;
+            }
+            return look.take(g);
+        }
+    });
+    if (count >= 0 && std::size_t(count) != vertices.size())
+        throw DxfError(record.line(), "the polyline announces " + std::to_string(count) + " vertices but has "
+                                          + std::to_string(vertices.size()) + ".");
+    if (pline->setNormal(asVector(normal)) != Kald::eOk)
+        throw DxfError(record.line(), "the polyline has a null normal.");
+    pline->setVertices(std::move(vertices));
+    return pline.release();
+}
+
+// The block an entity of the ENTITIES section goes to.
+KxDbObjectId blockOf(const RecordBasics& basics, ReadContext& context)
+{
+    if (basics.owner != 0) {
+        const KxDbObjectId owner = context.db.objectIdFromHandle(basics.owner);
+        if (KxDbBlockTableRecord::cast(context.db.peekObject(owner)))
+            return owner;
+    }
+    for (const KxDbFileGroup& g : basics.kept)
+        if (g.code == 67 && trimmed(g.value) == "1")
+            return context.roots.paperSpace;
+    return context.roots.modelSpace;
+}
+
+void append(ReadContext& context, KxDbEntity* entity, RecordBasics& basics, KxDbObjectId block, long line)
+{
+    const KxDbObjectId target = block.isNull() ? blockOf(basics, context) : block;
+    auto* space = KxDbBlockTableRecord::cast(context.db.peekObject(target));
+    if (!space) {
+        delete entity;
+        throw DxfError(line, "the entity belongs to no block.");
+    }
+    basics.owner = 0;
+    context.add(entity, basics);
+    space->appendKxDbEntity(entity);
+}
+
+}  // namespace
+
+void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
+{
+    RecordBasics basics;
+    EntityLook look;
+    const std::string& kind = record.kind();
+    KxDbEntity* entity = nullptr;
+    MlineStyleLink styleLink;
+    if (kind == "LINE")
+        entity = readLine(record, basics, look);
+    else if (kind == "ARC" || kind == "CIRCLE")
+        entity = readCircleOrArc(record, basics, look, kind == "ARC");
+    else if (kind == "LWPOLYLINE")
+        entity = readPolyline(record, basics, look);
+    else if (kind == "MLINE")
+        entity = readMline(record, basics, [&look](const Group& g) { return look.take(g); }, styleLink);
+    if (!entity) {
+        basics = rawRecordBasics(record);
+        auto* unmodelled = new KxDbUnmodelledEntity(kind, record.allGroups());
+        append(context, unmodelled, basics, block, record.line());
+        return;
+    }
+    look.applyTo(*entity, context);
+    append(context, entity, basics, block, record.line());
+    if (kind == "MLINE")
+        context.styleReferences.push_back({entity->objectId(), styleLink.handle, styleLink.name, styleLink.line});
+}
+
+const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)
+{
+    const auto [it, added] = names_.try_emplace(id.asOldId());
+    if (added) {
+        const auto* record = KxDbSymbolTableRecord::cast(db_.peekObject(id));
+        it->second = record ? kxutToMultiByte(record->name()) : fallback;
+    }
+    return it->second;
+}
+
+namespace {
+
+void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, const KxDbDatabase& db, NameCache& names)
+{
+    writeRecordHead(w, kind, e);
+    w.text(100, "AcDbEntity");
+    w.text(8, names(e.layerId(), "0"));
+    if (e.linetypeId() != db.byLayerLinetype() && !e.linetypeId().isNull())
+        w.text(6, names(e.linetypeId(), "ByLayer"));
+    if (!e.color().isByLayer())
+        writeColor(w, e.color());
+    writeKeptPart(w, e, 1);
+}
+
+void writeNormal(GroupWriter& w, const KxGeVector3d& n)
+{
+    if (n.x != 0 || n.y != 0 || n.z != 1)
+        w.vector(210, n);
+}
+
+}  // namespace
+
+void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
+{
+    if (const auto* unmodelled = KxDbUnmodelledEntity::cast(&entity)) {
+        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->groups(), unmodelled->handle());
+        return;
+    }
+    if (const auto* line = KxDbLine::cast(&entity)) {
+        writeEntityHead(w, "LINE", entity, db, names);
+        w.text(100, "AcDbLine");
+        w.point(10, line->startPoint());
+        w.point(11, line->endPoint());
+        writeNormal(w, line->normal());
+        writeKeptPart(w, entity, 2);
+    } else if (const auto* arc = KxDbArc::cast(&entity)) {
+        writeEntityHead(w, "ARC", entity, db, names);
+        w.text(100, "AcDbCircle");
+        w.point(10, arc->center());
+        w.real(40, arc->radius());
+        writeNormal(w, arc->normal());
+        writeKeptPart(w, entity, 2);
+        w.text(100, "AcDbArc");
+        w.degrees(50, arc->startAngle());
+        w.degrees(51, arc->endAngle());
+        writeKeptPart(w, entity, 3);
+    } else if (const auto* circle = KxDbCircle::cast(&entity)) {
+        writeEntityHead(w, "CIRCLE", entity, db, names);
+        w.text(100, "AcDbCircle");
+        w.point(10, circle->center());
+        w.real(40, circle->radius());
+        writeNormal(w, circle->normal());
+        writeKeptPart(w, entity, 2);
+    } else if (const auto* pline = KxDbPolyline::cast(&entity)) {
+        writeEntityHead(w, "LWPOLYLINE", entity, db, names);
+        w.text(100, "AcDbPolyline");
+        w.integer(90, pline->numVerts());
+        w.integer(70, (pline->isClosed() ? 1 : 0) | (pline->plinegen() ? 128 : 0));
+        if (pline->constantWidth() != 0)
+            w.real(43, pline->constantWidth());
+        if (pline->elevation() != 0)
+            w.real(38, pline->elevation());
+        if (pline->thickness() != 0)
+            w.real(39, pline->thickness());
+        for (const KxDbPolyline::Vertex& v : pline->vertices()) {
+            w.real(10, v.x);
+            w.real(20, v.y);
+            if (v.startWidth != 0 || v.endWidth != 0) {
+                w.real(40, v.startWidth);
+                w.real(41, v.endWidth);
+            }
+            if (v.bulge != 0)
+                w.real(42, v.bulge);
+        }
+        writeNormal(w, pline->normal());
+        writeKeptPart(w, entity, 2);
+    } else if (const auto* mline = KxDbMline::cast(&entity)) {
+        writeEntityHead(w, "MLINE", entity, db, names);
+        writeMlineBody(w, db, *mline);
+        writeKeptPart(w, entity, 2);
+    } else {
+        return;
+    }
+    writeKeptPart(w, entity, kxdbExtendedDataPart);
+}
+
+}  // namespace kaldo::dxf

@@ -1,0 +1,38 @@
+// Entities: LINE, ARC, CIRCLE, LWPOLYLINE and MLINE are modelled; any other
+// kind becomes an unmodelled entity that keeps every group.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+#include "kaldo/dxf/Record.h"
+#include "kxdbid.h"
+
+class KxDbDatabase;
+class KxDbEntity;
+
+namespace kaldo::dxf {
+
+struct ReadContext;
+class GroupWriter;
+
+// Reads the entity record into the database and appends it to block (or,
+// when block is null, to the block its owner names, else model space, or
+// paper space for an entity flagged so).
+void readEntity(const Record& record, ReadContext& context, KxDbObjectId block);
+
+// Names of layers and linetypes as the writer needs them, looked up once.
+class NameCache {
+public:
+    explicit NameCache(const KxDbDatabase& db) : db_(db) {}
+    const std::string& operator()(KxDbObjectId record, const char* fallback);
+
+private:
+    const KxDbDatabase& db_;
+    std::unordered_map<std::uint64_t, std::string> names_;
+};
+
+void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names);
+
+}  // namespace kaldo::dxf

@@ -1,0 +1,144 @@
+#include "kaldo/dxf/GroupReader.h"
+
+#include "kaldo/dxf/DxfError.h"
+
+#include <charconv>
+#include <cstring>
+
+namespace kaldo::dxf {
+
+namespace {
+constexpr std::size_t kBlockSize = 1 << 20;
+}
+
+GroupReader::GroupReader(std::FILE* file) : file_(file), buffer_(kBlockSize + kMaxLineLength)
+{
+    begin_ = end_ = buffer_.data();
+}
+
+GroupReader::GroupReader(std::string_view text)
+    : memory_(text), begin_(text.data()), end_(text.data() + text.size()), eof_(true)
+{
+}
+
+bool GroupReader::refill()
+{
+    if (eof_ || !file_)
+        return false;
+    const std::size_t kept = std::size_t(end_ - begin_);
+    std::memmove(buffer_.data(), begin_, kept);
+    begin_ = buffer_.data();
+    end_ = begin_ + kept;
+    const std::size_t room = buffer_.size() - kept;
+    const std::size_t got = std::fread(buffer_.data() + kept, 1, room, file_);
+    end_ += got;
+    if (got == 0)
+        eof_ = true;
+    return got > 0;
+}
+
+bool GroupReader::readLine(std::string_view& line)
+{
+    for (;;) {
+        const auto* newline = static_cast<const char*>(std::memchr(begin_, '\n', std::size_t(end_ - begin_)));
+        if (newline || (eof_ && begin_ < end_) || (!file_ && begin_ < end_)) {
+            const char* stop = newline ? newline : end_;
+            if (std::size_t(stop - begin_) > kMaxLineLength)
+                throw DxfError(lineNumber_ + 1, "the line is longer than " + std::to_string(kMaxLineLength)
+                                                    + " characters.");
+            line = std::string_view(begin_, std::size_t(stop - begin_));
+            begin_ = newline ? newline + 1 : end_;
+            if (!line.empty() && line.back() == '\r')
+                line.remove_suffix(1);
+            ++lineNumber_;
+            return true;
+        }
+        if (std::size_t(end_ - begin_) > kMaxLineLength)
+            throw DxfError(lineNumber_ + 1, "the line is longer than " + std::to_string(kMaxLineLength)
+                                                + " characters.");
+        if (!refill() && begin_ == end_)
+            return false;
+    }
+}
+
+bool GroupReader::next(Group& group)
+{
+    if (pushedBack_) {
+        pushedBack_ = false;
+        group = current_;
+        return true;
+    }
+    std::string_view codeLine;
+    if (!readLine(codeLine))
+        return false;
+    const long codeLineNumber = lineNumber_;
+    const std::string_view codeText = trimmed(codeLine);
+    int code = 0;
+    const auto [end, ec] = std::from_chars(codeText.data(), codeText.data() + codeText.size(), code);
+    if (codeText.empty() || ec != std::errc() || end != codeText.data() + codeText.size())
+        throw DxfError(codeLineNumber, "a group code was expected, not \"" + std::string(codeText.substr(0, 40))
+                                           + "\".");
+    std::string_view valueLine;
+    if (!readLine(valueLine))
+        throw DxfError(codeLineNumber, "the file ends after group code " + std::to_string(code)
+                                           + " without its value.");
+    value_.assign(valueLine);
+    current_ = Group{code, value_, codeLineNumber};
+    group = current_;
+    return true;
+}
+
+std::string_view trimmed(std::string_view text)
+{
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
+        text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
+        text.remove_suffix(1);
+    return text;
+}
+
+namespace {
+
+[[noreturn]] void notANumber(const Group& group, const char* kind)
+{
+    throw DxfError(group.line + 1, std::string("group ") + std::to_string(group.code) + " needs " + kind + ", not \""
+                                       + std::string(group.value.substr(0, 40)) + "\".");
+}
+
+}  // namespace
+
+double toReal(const Group& group)
+{
+    std::string_view text = trimmed(group.value);
+    if (!text.empty() && text.front() == '+')
+        text.remove_prefix(1);
+    double value = 0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (text.empty() || ec != std::errc() || end != text.data() + text.size())
+        notANumber(group, "a number");
+    return value;
+}
+
+std::int64_t toInteger(const Group& group)
+{
+    std::string_view text = trimmed(group.value);
+    if (!text.empty() && text.front() == '+')
+        text.remove_prefix(1);
+    std::int64_t value = 0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (text.empty() || ec != std::errc() || end != text.data() + text.size())
+        notANumber(group, "a whole number");
+    return value;
+}
+
+std::uint64_t toHandle(const Group& group)
+{
+    const std::string_view text = trimmed(group.value);
+    std::uint64_t value = 0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
+    if (text.empty() || ec != std::errc() || end != text.data() + text.size())
+        notANumber(group, "a handle");
+    return value;
+}
+
+}  // namespace kaldo::dxf

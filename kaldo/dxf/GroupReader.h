@@ -1,0 +1,60 @@
+// Reads the groups of an ASCII drawing file one by one: a line with the
+// group code, a line with the value. The file is read in blocks, never
+// whole; a line longer than kMaxLineLength stops reading with a message,
+// so that a huge line is never held in memory.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kaldo::dxf {
+
+struct Group {
+    int code = 0;
+    std::string_view value;
+    long line = 0;  // the line of the code
+};
+
+class GroupReader {
+public:
+    static constexpr std::size_t kMaxLineLength = 65536;
+
+    // Reads from an open file (not owned).
+    explicit GroupReader(std::FILE* file);
+    // Reads from text in memory (kept by the caller while reading).
+    explicit GroupReader(std::string_view text);
+
+    // The next group; false at a clean end of the input. Throws DxfError
+    // for a code line that is not a number, a value line that is missing,
+    // or a line that is too long. The value stays valid until the next call.
+    bool next(Group& group);
+    // Makes the next call give the same group again.
+    void pushBack() { pushedBack_ = true; }
+
+private:
+    bool readLine(std::string_view& line);
+    bool refill();
+
+    std::FILE* file_ = nullptr;
+    std::vector<char> buffer_;
+    std::string_view memory_;
+    const char* begin_ = nullptr;
+    const char* end_ = nullptr;
+    bool eof_ = false;
+    long lineNumber_ = 0;
+    std::string value_;
+    Group current_;
+    bool pushedBack_ = false;
+};
+
+// Value conversions that name the group's line when the text is no number.
+double toReal(const Group& group);
+std::int64_t toInteger(const Group& group);
+// A handle: hexadecimal digits.
+std::uint64_t toHandle(const Group& group);
+std::string_view trimmed(std::string_view text);
+
+}  // namespace kaldo::dxf

@@ -1,0 +1,132 @@
+#include "kaldo/dxf/GroupWriter.h"
+
+#include "kaldo/dxf/DxfError.h"
+#include "kxstring.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <numbers>
+#include <unistd.h>
+
+namespace kaldo::dxf {
+
+namespace {
+constexpr std::size_t kBufferSize = 1 << 20;
+constexpr std::size_t kNumberRoom = 64;
+}  // namespace
+
+GroupWriter::GroupWriter(int fd) : fd_(fd), buffer_(kBufferSize, '\0') {}
+
+void GroupWriter::ensure(std::size_t bytes)
+{
+    if (used_ + bytes > buffer_.size()) {
+        flush();
+        if (bytes > buffer_.size())
+            buffer_.resize(bytes);
+    }
+}
+
+void GroupWriter::raw(std::string_view bytes)
+{
+    ensure(bytes.size());
+    std::memcpy(buffer_.data() + used_, bytes.data(), bytes.size());
+    used_ += bytes.size();
+}
+
+void GroupWriter::code(int code)
+{
+    ensure(kNumberRoom);
+    char* out = buffer_.data() + used_;
+    char* const start = out;
+    if (code >= 0 && code < 100)
+        *out++ = ' ';
+    if (code >= 0 && code < 10)
+        *out++ = ' ';
+    out = std::to_chars(out, start + kNumberRoom, code).ptr;
+    *out++ = '\n';
+    used_ += std::size_t(out - start);
+}
+
+void GroupWriter::text(int groupCode, std::string_view value)
+{
+    code(groupCode);
+    ensure(value.size() + 1);
+    std::memcpy(buffer_.data() + used_, value.data(), value.size());
+    used_ += value.size();
+    buffer_[used_++] = '\n';
+}
+
+void GroupWriter::wide(int groupCode, const std::wstring& value)
+{
+    text(groupCode, kxutToMultiByte(value));
+}
+
+void GroupWriter::real(int groupCode, double value)
+{
+    code(groupCode);
+    ensure(kNumberRoom);
+    char* const start = buffer_.data() + used_;
+    char* out = std::to_chars(start, start + kNumberRoom, value).ptr;
+    *out++ = '\n';
+    used_ += std::size_t(out - start);
+}
+
+void GroupWriter::integer(int groupCode, std::int64_t value)
+{
+    code(groupCode);
+    ensure(kNumberRoom);
+    char* const start = buffer_.data() + used_;
+    char* out = std::to_chars(start, start + kNumberRoom, value).ptr;
+    *out++ = '\n';
+    used_ += std::size_t(out - start);
+}
+
+void GroupWriter::handle(int groupCode, std::uint64_t value)
+{
+    code(groupCode);
+    ensure(kNumberRoom);
+    char* const start = buffer_.data() + used_;
+    char* out = std::to_chars(start, start + kNumberRoom, value, 16).ptr;
+    for (char* c = start; c < out; ++c)
+        if (*c >= 'a' && *c <= 'f')
+            *c = char(*c - 'a' + 'A');
+    *out++ = '\n';
+    used_ += std::size_t(out - start);
+}
+
+void GroupWriter::degrees(int groupCode, double radians)
+{
+    code(groupCode);
+    ensure(kNumberRoom);
+    char* const start = buffer_.data() + used_;
+    char* out = std::to_chars(start, start + kNumberRoom, radians * (180.0 / std::numbers::pi),
+                              std::chars_format::general, 15).ptr;
+    *out++ = '\n';
+    used_ += std::size_t(out - start);
+}
+
+void GroupWriter::point(int groupCode, double x, double y, double z)
+{
+    real(groupCode, x);
+    real(groupCode + 10, y);
+    real(groupCode + 20, z);
+}
+
+void GroupWriter::flush()
+{
+    std::size_t done = 0;
+    while (done < used_) {
+        const ssize_t n = ::write(fd_, buffer_.data() + done, used_ - done);
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            throw DxfError(0, std::strerror(errno));
+        }
+        done += std::size_t(n);
+    }
+    written_ += used_;
+    used_ = 0;
+}
+
+}  // namespace kaldo::dxf

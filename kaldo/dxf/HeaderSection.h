@@ -1,0 +1,26 @@
+// The HEADER section: the variables the host uses go to the database, the
+// others are kept as read. Written with the host's values first.
+#pragma once
+
+#include "kaldo/dxf/GroupReader.h"
+
+class KxDbDatabase;
+
+namespace kaldo::dxf {
+
+struct ReadContext;
+struct KeptSections;
+class GroupWriter;
+
+// The version written when a drawing has none of its own or an older one.
+inline constexpr const char* kWrittenVersion = "AC1015";
+
+// Reads the variables after "2 HEADER" up to and including ENDSEC.
+void readHeaderSection(GroupReader& reader, ReadContext& context);
+// Sets the variables read by name (the current multiline style) once the
+// objects are read.
+void resolveHeaderReferences(ReadContext& context);
+
+void writeHeaderSection(GroupWriter& writer, const KxDbDatabase& db, const KeptSections& kept);
+
+}  // namespace kaldo::dxf

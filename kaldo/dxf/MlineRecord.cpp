@@ -1,0 +1,189 @@
+#include "kaldo/dxf/MlineRecord.h"
+
+#include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/RecordWriting.h"
+#include "kxdbdatabase.h"
+#include "kxdbmline.h"
+#include "kxdbmlstyle.h"
+#include "kxstring.h"
+
+#include <memory>
+
+namespace kaldo::dxf {
+
+namespace {
+
+enum MlineFlags : int { kHasVertices = 1, kClosed = 2, kSuppressStart = 4, kSuppressEnd = 8 };
+
+// Collects the vertices group by group, checking each list against its count.
+class VertexCollector {
+public:
+    bool take(const Group& g)
+    {
+        switch (g.code) {
+        case 11:
+            finishList(g.line);
+            vertices_.emplace_back();
+            vertices_.back().position.x = toReal(g);
+            return true;
+        case 21: current(g).position.y = toReal(g); return true;
+        case 31: current(g).position.z = toReal(g); return true;
+        case 12: current(g).axis.x = toReal(g); return true;
+        case 22: current(g).axis.y = toReal(g); return true;
+        case 32: current(g).axis.z = toReal(g); return true;
+        case 13: current(g).miter.x = toReal(g); return true;
+        case 23: current(g).miter.y = toReal(g); return true;
+        case 33: current(g).miter.z = toReal(g); return true;
+        case 74:
+        case 75: {
+            finishList(g.line);
+            const auto count = toInteger(g);
+            if (count < 0 || count > 100000)
+                throw DxfError(g.line + 1, "a parameter count of " + std::to_string(count) + ".");
+            KxDbMlineStoredVertex& v = current(g);
+            if (g.code == 74)
+                v.elements.emplace_back();
+            else if (v.elements.empty())
+                throw DxfError(g.line, "area-fill parameters (75) before the element's parameters (74).");
+            list_ = g.code == 74 ? &v.elements.back().element : &v.elements.back().areaFill;
+            listCode_ = g.code == 74 ? 41 : 42;
+            remaining_ = long(count);
+            listLine_ = g.line;
+            return true;
+        }
+        case 41:
+        case 42:
+            if (!list_ || g.code != listCode_ || remaining_ == 0)
+                throw DxfError(g.line, "group " + std::to_string(g.code) + " where no such parameter is due.");
+            list_->push_back(toReal(g));
+            --remaining_;
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    std::vector<KxDbMlineStoredVertex> finish(long lastLine)
+    {
+        finishList(lastLine);
+        return std::move(vertices_);
+    }
+
+private:
+    KxDbMlineStoredVertex& current(const Group& g)
+    {
+        if (vertices_.empty())
+            throw DxfError(g.line, "group " + std::to_string(g.code) + " comes before the first vertex (11).");
+        return vertices_.back();
+    }
+    void finishList(long)
+    {
+        if (remaining_ > 0)
+            throw DxfError(listLine_, "the list announces more parameters than follow it.");
+        list_ = nullptr;
+    }
+
+    std::vector<KxDbMlineStoredVertex> vertices_;
+    std::vector<double>* list_ = nullptr;
+    int listCode_ = 0;
+    long remaining_ = 0;
+    long listLine_ = 0;
+};
+
+}  // namespace
+
+KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
+                     MlineStyleLink& style)
+{
+    auto mline = std::make_unique<KxDbMline>();
+    VertexCollector vertices;
+    double scale = 1;
+    int justification = 0;
+    int flags = 0;
+    long vertexCount = -1;
+    long elementCount = -1;
+    long lastLine = record.line();
+    KxGeVector3d normal{0, 0, 1};
+    style.line = record.line();
+    walkRecord(record, basics, [&](const Group& g) {
+        lastLine = g.line;
+        if (vertices.take(g))
+            return true;
+        switch (g.code) {
+        case 2:
+            style.name = kxutFromMultiByte(std::string(g.value));
+            return true;
+        case 340:
+            style.handle = toHandle(g);
+            style.line = g.line + 1;
+            return true;
+        case 40: scale = toReal(g); return true;
+        case 70: justification = int(toInteger(g)); return true;
+        case 71: flags = int(toInteger(g)); return true;
+        case 72: vertexCount = long(toInteger(g)); return true;
+        case 73: elementCount = long(toInteger(g)); return true;
+        case 10:
+        case 20:
+        case 30:
+            toReal(g);  // the start point is the first vertex
+            return true;
+        case 210: normal.x = toReal(g); return true;
+        case 220: normal.y = toReal(g); return true;
+        case 230: normal.z = toReal(g); return true;
+        default:
+            return other(g);
+        }
+    });
+    std::vector<KxDbMlineStoredVertex> stored = vertices.finish(lastLine);
+    if (vertexCount >= 0 && std::size_t(vertexCount) != stored.size())
+        throw DxfError(record.line(), "the multiline announces " + std::to_string(vertexCount)
+                                          + " vertices but has " + std::to_string(stored.size()) + ".");
+    for (const KxDbMlineStoredVertex& v : stored)
+        if (elementCount >= 0 && v.elements.size() != std::size_t(elementCount))
+            throw DxfError(record.line(), "a vertex of the multiline has " + std::to_string(v.elements.size())
+                                              + " elements instead of " + std::to_string(elementCount) + ".");
+    KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(mline.get());
+    if (imp->setStoredProperties({}, justification, scale, normal, flags & kClosed, flags & kSuppressStart,
+                                         flags & kSuppressEnd)
+        != Kald::eOk)
+        throw DxfError(record.line(), "the multiline's justification, scale or normal is out of range.");
+    imp->setStoredVertices(std::move(stored));
+    return mline.release();
+}
+
+void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mline)
+{
+    const auto* style = KxDbMlineStyle::cast(db.peekObject(mline.style()));
+    const int n = mline.numVertices();
+    const KxDbMlineVertexParams* first = mline.parametersAt(0);
+    w.text(100, "AcDbMline");
+    w.wide(2, style ? std::wstring(style->name()) : std::wstring(kxdbStandardStyleName));
+    w.handle(340, handleOf(db, mline.style()));
+    w.real(40, mline.scale());
+    w.integer(70, mline.justification());
+    w.integer(71, (n > 0 ? kHasVertices : 0) | (mline.closedMline() ? kClosed : 0)
+                      | (mline.supressStartCaps() ? kSuppressStart : 0) | (mline.supressEndCaps() ? kSuppressEnd : 0));
+    w.integer(72, n);
+    w.integer(73, first ? long(first->elements.size()) : (style ? style->numElements() : 0));
+    w.point(10, mline.vertexAt(0));
+    w.vector(210, mline.normal());
+    for (int i = 0; i < n; ++i) {
+        w.point(11, mline.vertexAt(i));
+        w.vector(12, mline.axisAt(i));
+        w.vector(13, mline.miterAt(i));
+        const KxDbMlineVertexParams* params = mline.parametersAt(i);
+        if (!params)
+            continue;
+        for (const KxDbMlineElementParams& element : params->elements) {
+            w.integer(74, long(element.element.size()));
+            for (double value : element.element)
+                w.real(41, value);
+            w.integer(75, long(element.areaFill.size()));
+            for (double value : element.areaFill)
+                w.real(42, value);
+        }
+    }
+}
+
+}  // namespace kaldo::dxf

@@ -1,0 +1,233 @@
+#include "kaldo/dxf/ObjectRecords.h"
+
+#include "kaldo/db/NameKey.h"
+#include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/ReadContext.h"
+#include "kaldo/dxf/RecordColor.h"
+#include "kaldo/dxf/RecordWriting.h"
+#include "kaldo/dxf/UnmodelledRecords.h"
+#include "kxdbdict.h"
+#include "kxdbmlstyle.h"
+#include "kxdbsymtb.h"
+#include "kxdbunmodelled.h"
+#include "kxstring.h"
+
+#include <memory>
+#include <numbers>
+
+namespace kaldo::dxf {
+
+namespace {
+
+enum StyleFlags : int {
+    kFill = 0x1,
+    kMiters = 0x2,
+    kStartSquare = 0x10,
+    kStartInner = 0x20,
+    kStartRound = 0x40,
+    kEndSquare = 0x100,
+    kEndInner = 0x200,
+    kEndRound = 0x400,
+};
+
+void readDictionary(const Record& record, ReadContext& context, bool isRoot)
+{
+    auto dict = std::make_unique<KxDbDictionary>();
+    RecordBasics basics;
+    std::vector<ReadContext::DictionaryEntry> entries;
+    walkRecord(record, basics, [&](const Group& g) {
+        switch (g.code) {
+        case 3:
+            entries.push_back({{}, kxutFromMultiByte(std::string(g.value)), 0, g.line});
+            return true;
+        case 350:
+        case 360:
+            if (entries.empty() || entries.back().handle != 0)
+                throw DxfError(g.line, "a dictionary entry without its name (group 3).");
+            entries.back().handle = toHandle(g);
+            if (g.code == 360)
+                dict->setTreatElementsAsHard(true);
+            return true;
+        default:
+            return false;
+        }
+    });
+    KxDbDictionary* added = dict.release();
+    const KxDbObjectId id = context.add(added, basics);
+    for (ReadContext::DictionaryEntry& entry : entries) {
+        if (entry.handle == 0)
+            throw DxfError(entry.line, "the dictionary entry \"" + kxutToMultiByte(entry.name) + "\" has no handle.");
+        entry.dictionary = id;
+        if (isRoot && kaldo::sameName(entry.name, kxdbMlineStyleDictionaryName))
+            context.mlineStyleDictionaryHandle = entry.handle;
+        context.dictionaryEntries.push_back(std::move(entry));
+    }
+    if (isRoot)
+        context.roots.namedObjects = id;
+}
+
+// Reads in order: code 62 (and 420) is the fill colour before the element
+// count (71) and an element's colour after it.
+void readMlineStyle(const Record& record, ReadContext& context)
+{
+    auto style = std::make_unique<KxDbMlineStyle>();
+    style->initMlineStyle();
+    RecordBasics basics;
+    struct Element {
+        double offset = 0;
+        KxCmColor color;
+        std::string linetype;
+    };
+    std::vector<Element> elements;
+    bool inElements = false;
+    KxCmColor fill;
+    walkRecord(record, basics, [&](const Group& g) {
+        switch (g.code) {
+        case 2:
+            style->setName(kxutFromMultiByte(std::string(g.value)).c_str());
+            return true;
+        case 3:
+            style->setDescription(kxutFromMultiByte(std::string(g.value)).c_str());
+            return true;
+        case 70: {
+            const auto flags = toInteger(g);
+            style->setFilled(flags & kFill);
+            style->setShowMiters(flags & kMiters);
+            style->setStartSquareCap(flags & kStartSquare);
+            style->setStartInnerArcs(flags & kStartInner);
+            style->setStartRoundCap(flags & kStartRound);
+            style->setEndSquareCap(flags & kEndSquare);
+            style->setEndInnerArcs(flags & kEndInner);
+            style->setEndRoundCap(flags & kEndRound);
+            return true;
+        }
+        case 51:
+            style->setStartAngle(toReal(g) * (std::numbers::pi / 180.0));
+            return true;
+        case 52:
+            style->setEndAngle(toReal(g) * (std::numbers::pi / 180.0));
+            return true;
+        case 71:
+            inElements = true;
+            return true;
+        case 49:
+            if (!inElements)
+                throw DxfError(g.line, "an element offset (49) before the element count (71).");
+            elements.push_back({toReal(g), KxCmColor(), "BYLAYER"});
+            elements.back().color.setColorIndex(KxCmColor::kIndexByBlock);
+            return true;
+        case 6:
+            if (elements.empty())
+                return false;
+            elements.back().linetype = std::string(trimmed(g.value));
+            return true;
+        default:
+            if (!inElements)
+                return readColorGroup(g, fill);
+            if (elements.empty())
+                return false;
+            return readColorGroup(g, elements.back().color);
+        }
+    });
+    style->setFillColor(fill);
+    for (const Element& e : elements) {
+        int index = 0;
+        style->addElement(index, e.offset, e.color, context.linetype(e.linetype), false);
+    }
+    context.add(style.release(), basics);
+}
+
+void writeDictionary(GroupWriter& w, const KxDbDatabase& db, const KxDbDictionary& dict)
+{
+    writeRecordHead(w, "DICTIONARY", dict);
+    w.text(100, "AcDbDictionary");
+    writeKeptPart(w, dict, 1);
+    const int entryCode = dict.isTreatElementsAsHard() ? 360 : 350;
+    for (auto it = dict.newIterator(); !it->done(); it->next()) {
+        w.wide(3, it->name());
+        w.handle(entryCode, handleOf(db, it->objectId()));
+    }
+    writeKeptPart(w, dict, kxdbExtendedDataPart);
+}
+
+int styleFlags(const KxDbMlineStyle& s)
+{
+    return (s.filled() ? kFill : 0) | (s.showMiters() ? kMiters : 0) | (s.startSquareCap() ? kStartSquare : 0)
+           | (s.startInnerArcs() ? kStartInner : 0) | (s.startRoundCap() ? kStartRound : 0)
+           | (s.endSquareCap() ? kEndSquare : 0) | (s.endInnerArcs() ? kEndInner : 0)
+           | (s.endRoundCap() ? kEndRound : 0);
+}
+
+void writeStyleColor(GroupWriter& w, const KxCmColor& color)
+{
+    w.integer(62, color.colorIndex());
+    if (color.isByColor())
+        w.integer(420, color.color() & 0xFFFFFFu);
+}
+
+void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyle& style)
+{
+    writeRecordHead(w, "MLINESTYLE", style);
+    w.text(100, "AcDbMlineStyle");
+    w.wide(2, style.name());
+    w.integer(70, styleFlags(style));
+    w.wide(3, style.description());
+    writeStyleColor(w, style.fillColor());
+    w.degrees(51, style.startAngle());
+    w.degrees(52, style.endAngle());
+    w.integer(71, style.numElements());
+    for (int i = 0; i < style.numElements(); ++i) {
+        double offset = 0;
+        KxCmColor color;
+        KxDbObjectId linetype;
+        style.getElementAt(i, offset, color, linetype);
+        w.real(49, offset);
+        writeStyleColor(w, color);
+        const auto* record = KxDbSymbolTableRecord::cast(db.peekObject(linetype));
+        w.text(6, record ? kxutToMultiByte(record->name()) : std::string("BYLAYER"));
+    }
+    writeKeptPart(w, style, 1);
+    writeKeptPart(w, style, kxdbExtendedDataPart);
+}
+
+}  // namespace
+
+void readObject(const Record& record, ReadContext& context)
+{
+    const std::string& kind = record.kind();
+    if (kind == "DICTIONARY") {
+        const bool isRoot = context.roots.namedObjects.isNull();
+        if (isRoot) {
+            readDictionary(record, context, true);
+            return;
+        }
+        if (context.mlineStyleDictionaryHandle != 0 && rawRecordBasics(record).handle == context.mlineStyleDictionaryHandle) {
+            readDictionary(record, context, false);
+            return;
+        }
+    } else if (kind == "MLINESTYLE") {
+        readMlineStyle(record, context);
+        return;
+    }
+    const RecordBasics basics = rawRecordBasics(record);
+    context.add(new KxDbUnmodelledObject(kind, record.allGroups()), basics);
+}
+
+bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj)
+{
+    if (const auto* dict = KxDbDictionary::cast(&obj)) {
+        writeDictionary(w, db, *dict);
+    } else if (const auto* style = KxDbMlineStyle::cast(&obj)) {
+        writeMlineStyle(w, db, *style);
+    } else if (const auto* unmodelled = KxDbUnmodelledObject::cast(&obj)) {
+        if (unmodelled->dxfName() == "BLOCK" || unmodelled->dxfName() == "ENDBLK")
+            return false;
+        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->groups(), unmodelled->handle());
+    } else {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace kaldo::dxf

@@ -1,0 +1,24 @@
+// Objects: the named-object dictionary, the multiline-style dictionary and
+// MLINESTYLE objects are modelled; every other object is kept whole.
+#pragma once
+
+#include "kaldo/dxf/Record.h"
+
+class KxDbDatabase;
+class KxDbObject;
+
+namespace kaldo::dxf {
+
+struct ReadContext;
+class GroupWriter;
+
+// Reads one record of the OBJECTS section. The first dictionary is the
+// named-object dictionary; its "ACAD_MLINESTYLE" entry names the style
+// dictionary.
+void readObject(const Record& record, ReadContext& context);
+
+// Writes an object of the OBJECTS section; false for objects that are
+// written elsewhere (table records, entities, block begin and end).
+bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj);
+
+}  // namespace kaldo::dxf

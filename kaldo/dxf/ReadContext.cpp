@@ -1,0 +1,60 @@
+#include "kaldo/dxf/ReadContext.h"
+
+#include "kxdbsymtb.h"
+#include "kxstring.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace kaldo::dxf {
+
+KxDbObjectId ReadContext::add(KxDbObject* obj, const RecordBasics& basics)
+{
+    std::unique_ptr<KxDbObject> owned(obj);
+    db.addObject(obj, basics.handle);
+    owned.release();
+    maxHandle = std::max(maxHandle, obj->handle());
+    obj->setKeptGroups(basics.kept);
+    if (basics.owner != 0)
+        ownerReferences.push_back({obj->objectId(), basics.owner});
+    obj->close();
+    return obj->objectId();
+}
+
+KxDbObjectId ReadContext::layer(std::string_view name)
+{
+    return record(roots.layerTable, layers_, name, true);
+}
+
+KxDbObjectId ReadContext::linetype(std::string_view name)
+{
+    return record(roots.linetypeTable, linetypes_, name, false);
+}
+
+KxDbObjectId ReadContext::record(KxDbObjectId tableId, std::unordered_map<std::string, KxDbObjectId>& cache,
+                                 std::string_view name, bool isLayer)
+{
+    const std::string key(name);
+    if (const auto it = cache.find(key); it != cache.end())
+        return it->second;
+    auto* table = KxDbSymbolTable::cast(db.peekObject(tableId));
+    if (!table || name.empty())
+        return {};
+    const std::wstring wideName = kxutFromMultiByte(key);
+    KxDbObjectId id;
+    if (table->getAt(wideName.c_str(), id) != Kald::eOk) {
+        KxDbSymbolTableRecord* rec = isLayer ? static_cast<KxDbSymbolTableRecord*>(new KxDbLayerTableRecord)
+                                             : new KxDbLinetypeTableRecord;
+        rec->setName(wideName.c_str());
+        if (table->add(rec, id) != Kald::eOk) {
+            delete rec;
+            return {};
+        }
+        maxHandle = std::max(maxHandle, rec->handle());
+        rec->close();
+    }
+    cache.emplace(key, id);
+    return id;
+}
+
+}  // namespace kaldo::dxf

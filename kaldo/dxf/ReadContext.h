@@ -1,0 +1,68 @@
+// The state of one read of a drawing file: the database being built, the
+// kept sections, and references that can only be resolved once the whole
+// file is read (owners, dictionary entries, multiline styles).
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "kaldo/dxf/KeptSections.h"
+#include "kaldo/dxf/Record.h"
+#include "kxdbdatabase.h"
+
+class KxDbEntity;
+class KxDbSymbolTable;
+
+namespace kaldo::dxf {
+
+struct ReadContext {
+    explicit ReadContext(KxDbDatabase& database, KeptSections& keptSections) : db(database), kept(keptSections) {}
+
+    KxDbDatabase& db;
+    KeptSections& kept;
+    KxDbDatabaseRoots roots;
+    std::uint64_t maxHandle = 0;
+    std::string cmlstyleName;
+    std::string clayerName;
+    std::string celtypeName;
+    std::uint64_t mlineStyleDictionaryHandle = 0;
+
+    struct StyleReference {
+        KxDbObjectId mline;
+        std::uint64_t handle;
+        std::wstring name;
+        long line;
+    };
+    std::vector<StyleReference> styleReferences;
+    struct DictionaryEntry {
+        KxDbObjectId dictionary;
+        std::wstring name;
+        std::uint64_t handle;
+        long line;
+    };
+    std::vector<DictionaryEntry> dictionaryEntries;
+    struct OwnerReference {
+        KxDbObjectId object;
+        std::uint64_t owner;
+    };
+    std::vector<OwnerReference> ownerReferences;
+
+    // Adds a new object under its file handle (a new one when the file gave
+    // none or a taken one) and closes it; remembers its owner for later.
+    KxDbObjectId add(KxDbObject* obj, const RecordBasics& basics);
+
+    // A layer or linetype by name (as spelled, then without regard to
+    // case); a missing one is added to its table so that nothing is lost.
+    KxDbObjectId layer(std::string_view name);
+    KxDbObjectId linetype(std::string_view name);
+
+private:
+    KxDbObjectId record(KxDbObjectId table, std::unordered_map<std::string, KxDbObjectId>& cache,
+                        std::string_view name, bool isLayer);
+    std::unordered_map<std::string, KxDbObjectId> layers_;
+    std::unordered_map<std::string, KxDbObjectId> linetypes_;
+};
+
+}  // namespace kaldo::dxf

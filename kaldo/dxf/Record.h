@@ -1,0 +1,89 @@
+// One record of a drawing file: the groups from its "0 KIND" line to the
+// next code 0, read whole so that a record can be taken apart in order.
+// The storage is reused from record to record.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kaldo/dxf/GroupReader.h"
+#include "kxdbobject.h"
+
+namespace kaldo::dxf {
+
+class Record {
+public:
+    // Reads the record that starts with the group just read (code 0): the
+    // groups up to the next code 0, which is pushed back.
+    void read(GroupReader& reader, const Group& head);
+
+    const std::string& kind() const { return kind_; }
+    long line() const { return line_; }
+    std::size_t size() const { return size_; }
+    Group at(std::size_t index) const
+    {
+        const Field& f = fields_[index];
+        return Group{f.code, f.value, f.line};
+    }
+    // Every group as read, for a record that is kept whole.
+    std::vector<KxDbFileGroup> allGroups() const;
+
+private:
+    struct Field {
+        int code = 0;
+        std::string value;
+        long line = 0;
+    };
+    std::string kind_;
+    long line_ = 0;
+    std::vector<Field> fields_;
+    std::size_t size_ = 0;
+};
+
+// The handle, owner and unmodelled groups of a record being taken apart.
+struct RecordBasics {
+    std::uint64_t handle = 0;
+    std::uint64_t owner = 0;
+    std::vector<KxDbFileGroup> kept;
+};
+
+// Walks a record in order. The handle (5, or 105) and the first owner (330)
+// before the first subclass marker go to basics; reactor and dictionary
+// blocks ("102 {" to "102 }") and extended data (from code 1000 on) are
+// kept; every other group goes to use(group), which returns false for a
+// group it does not model (kept too).
+template <class Use>
+void walkRecord(const Record& record, RecordBasics& basics, Use&& use)
+{
+    int part = 0;
+    bool inBlock = false;
+    bool ownerSeen = false;
+    for (std::size_t i = 0; i < record.size(); ++i) {
+        const Group g = record.at(i);
+        if (part != kxdbExtendedDataPart && g.code >= 1000)
+            part = kxdbExtendedDataPart;
+        bool used = false;
+        if (part == kxdbExtendedDataPart) {
+        } else if (g.code == 102) {
+            inBlock = !g.value.empty() && g.value.front() == '{';
+        } else if (inBlock) {
+        } else if (g.code == 100) {
+            ++part;
+            used = true;
+        } else if (part == 0 && (g.code == 5 || g.code == 105) && basics.handle == 0) {
+            basics.handle = toHandle(g);
+            used = true;
+        } else if (part == 0 && g.code == 330 && !ownerSeen) {
+            basics.owner = toHandle(g);
+            ownerSeen = true;
+            used = true;
+        } else {
+            used = use(g);
+        }
+        if (!used)
+            basics.kept.push_back(KxDbFileGroup{std::int16_t(g.code), std::uint8_t(part), std::string(g.value)});
+    }
+}
+
+}  // namespace kaldo::dxf

@@ -1,0 +1,44 @@
+#include "kaldo/dxf/RecordColor.h"
+
+#include "kaldo/dxf/GroupWriter.h"
+#include "kxstring.h"
+
+#include <cstdlib>
+
+namespace kaldo::dxf {
+
+bool readColorGroup(const Group& g, KxCmColor& color)
+{
+    switch (g.code) {
+    case 62: {
+        // A layer that is off stores its colour negative.
+        const auto index = std::abs(toInteger(g));
+        if (color.isByColor())
+            return true;
+        if (color.setColorIndex(int(index)) != Kald::eOk)
+            color.setColorIndex(KxCmColor::kIndexByLayer);
+        return true;
+    }
+    case 420: {
+        const auto rgb = std::uint32_t(toInteger(g)) & 0xFFFFFFu;
+        color.setRGB(std::uint8_t(rgb >> 16), std::uint8_t(rgb >> 8), std::uint8_t(rgb));
+        return true;
+    }
+    case 430:
+        color.setNamesFromDictionaryKey(kxutFromMultiByte(std::string(g.value)).c_str());
+        return true;
+    default:
+        return false;
+    }
+}
+
+void writeColor(GroupWriter& w, const KxCmColor& color)
+{
+    w.integer(62, color.colorIndex());
+    if (color.isByColor())
+        w.integer(420, color.color() & 0xFFFFFFu);
+    if (color.hasColorBookNames() || *color.colorName())
+        w.wide(430, color.getDictionaryKey());
+}
+
+}  // namespace kaldo::dxf

@@ -1,0 +1,51 @@
+#include "kaldo/dxf/RecordWriting.h"
+
+#include "kaldo/dxf/GroupReader.h"
+#include "kxdbdatabase.h"
+
+#include <charconv>
+
+namespace kaldo::dxf {
+
+std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
+{
+    const KxDbObject* obj = db.peekObject(id);
+    return obj ? obj->handle() : 0;
+}
+
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
+{
+    w.text(0, kind);
+    w.handle(5, obj.handle());
+    writeKeptPart(w, obj, 0);
+    w.handle(330, obj.database() ? handleOf(*obj.database(), obj.ownerId()) : 0);
+}
+
+void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part)
+{
+    for (const KxDbFileGroup& g : obj.keptGroups())
+        if (g.part == part)
+            w.text(g.code, g.value);
+}
+
+void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, int skippedCode)
+{
+    for (const KxDbFileGroup& g : obj.keptGroups())
+        if (g.part == part && g.code != skippedCode)
+            w.text(g.code, g.value);
+}
+
+std::int64_t keptInteger(const KxDbObject& obj, int code, std::int64_t fallback)
+{
+    for (const KxDbFileGroup& g : obj.keptGroups()) {
+        if (g.code != code)
+            continue;
+        std::int64_t value = fallback;
+        const std::string_view text = trimmed(g.value);
+        std::from_chars(text.data(), text.data() + text.size(), value);
+        return value;
+    }
+    return fallback;
+}
+
+}  // namespace kaldo::dxf

@@ -1,0 +1,18 @@
+// Pieces every record writer uses: the head of a record (kind, handle,
+// kept reactor blocks, owner) and the kept groups of one part.
+#pragma once
+
+#include "kaldo/dxf/GroupWriter.h"
+#include "kxdbobject.h"
+
+namespace kaldo::dxf {
+
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj);
+void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part);
+// The integer value of the first kept group of code, or fallback.
+std::int64_t keptInteger(const KxDbObject& obj, int code, std::int64_t fallback);
+void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, int skippedCode);
+// The handle of the object id names, 0 for a null or foreign id.
+std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id);
+
+}  // namespace kaldo::dxf

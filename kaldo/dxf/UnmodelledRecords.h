@@ -1,0 +1,22 @@
+// Records kept whole: their handle and owner are read for the database,
+// every group is written back as read (the handle as the database has it).
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kaldo/dxf/Record.h"
+
+namespace kaldo::dxf {
+
+class GroupWriter;
+
+// The handle (first 5 or 105) and owner (first 330 outside reactor blocks)
+// of a record; nothing is kept aside, the record keeps every group.
+RecordBasics rawRecordBasics(const Record& record);
+
+void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const std::vector<KxDbFileGroup>& groups,
+                           std::uint64_t handle);
+
+}  // namespace kaldo::dxf
