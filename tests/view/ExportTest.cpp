@@ -1,0 +1,163 @@
+// Pictures written from drawings: the SVG is well-formed XML holding the
+// expected elements, the PNG has the size asked for and ink where the
+// lines are; a file that cannot be written says why.
+#include "ViewDrawing.h"
+
+#include <gmock/gmock.h>
+
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+#include <QXmlStreamReader>
+
+#include <map>
+
+#include <unistd.h>
+
+#include "kaldo/view/PictureExport.h"
+#include "kaldo/view/PngExport.h"
+#include "kaldo/view/SvgExport.h"
+
+using namespace kaldo::view;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace {
+
+// A red line from (0,0) to (100,0), a blue one up to (100,50), and a
+// filled multiline with round caps and a dashed element above them.
+void buildSample(ViewDrawing& d)
+{
+    for (const auto& [from, to, color] : {std::tuple{KxGePoint3d(0, 0), KxGePoint3d(100, 0), 1},
+                                          std::tuple{KxGePoint3d(100, 0), KxGePoint3d(100, 50), 5}}) {
+        auto* line = new KxDbLine(from, to);
+        line->setDatabaseDefaults(&d.db);
+        line->setColorIndex(color);
+        d.db.addToCurrentSpace(line);
+        line->close();
+    }
+    const KxDbObjectId dashed = d.addLinetype(L"DASHED", {2, -1});
+    const KxDbObjectId style = d.addStyle(L"ROUND", {{2, indexColor(3), dashed}, {-2, indexColor(7)}},
+                                          [](KxDbMlineStyle& s) {
+                                              s.setFilled(true);
+                                              s.setFillColor(indexColor(8));
+                                              s.setStartRoundCap(true);
+                                              s.setEndRoundCap(true);
+                                          });
+    auto mline = d.addMline(style, {{10, 30}, {90, 30}});
+}
+
+// Element names of an XML document and how often each occurs; an empty
+// map when the document is not well-formed.
+std::map<QString, int> elementCounts(const QByteArray& xml, std::map<QString, QStringList>& dashArrays)
+{
+    std::map<QString, int> counts;
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement) {
+            ++counts[reader.name().toString()];
+            if (reader.attributes().hasAttribute("stroke-dasharray"))
+                dashArrays[reader.attributes().value("stroke").toString()].append(
+                    reader.attributes().value("stroke-dasharray").toString());
+        }
+    }
+    return reader.hasError() ? std::map<QString, int>{} : counts;
+}
+
+bool isInk(QRgb pixel, QRgb background)
+{
+    return std::abs(qRed(pixel) - qRed(background)) + std::abs(qGreen(pixel) - qGreen(background))
+               + std::abs(qBlue(pixel) - qBlue(background))
+           > 120;
+}
+
+}  // namespace
+
+TEST(Export, SvgHoldsEveryPrimitive)
+{
+    ViewDrawing d;
+    buildSample(d);
+    QTemporaryDir dir;
+    const std::filesystem::path file = dir.filePath("sample.svg").toStdString();
+    ASSERT_EQ(exportPicture(d.db, file, {800, Background::White}), "");
+    QFile in(QString::fromStdString(file.string()));
+    ASSERT_TRUE(in.open(QIODevice::ReadOnly));
+    const QByteArray xml = in.readAll();
+
+    std::map<QString, QStringList> dashes;
+    const std::map<QString, int> counts = elementCounts(xml, dashes);
+    ASSERT_FALSE(counts.empty()) << "not well-formed";
+    EXPECT_EQ(counts.at("svg"), 1);
+    EXPECT_EQ(counts.at("rect"), 1);
+    EXPECT_EQ(counts.at("polyline"), 4);  // two lines, two elements
+    EXPECT_EQ(counts.at("path"), 5);      // one fill, four cap arcs
+    // The picture is as wide as asked, its height follows the drawing.
+    EXPECT_THAT(xml.toStdString(), HasSubstr("width=\"800\" height=\"420\""));
+    EXPECT_THAT(xml.toStdString(), HasSubstr("fill=\"#808080\""));
+    // The dashed element: 2 and 1 units at 7.6 pixels a unit.
+    ASSERT_EQ(dashes.count("#00ff00"), 1u);
+    EXPECT_EQ(dashes.at("#00ff00"), QStringList{"15.20 7.60"});
+    // Colour 7 is black on white.
+    EXPECT_THAT(xml.toStdString(), HasSubstr("stroke=\"#000000\""));
+
+    ASSERT_EQ(exportPicture(d.db, file, {800, Background::Dark}), "");
+    in.close();
+    ASSERT_TRUE(in.open(QIODevice::ReadOnly));
+    const std::string dark = in.readAll().toStdString();
+    EXPECT_THAT(dark, HasSubstr("stroke=\"#ffffff\""));
+    EXPECT_THAT(dark, Not(HasSubstr("stroke=\"#000000\"")));
+}
+
+TEST(Export, PngHasTheSizeAndInkWhereTheLinesAre)
+{
+    ViewDrawing d;
+    buildSample(d);
+    QTemporaryDir dir;
+    const std::filesystem::path file = dir.filePath("sample.png").toStdString();
+    ASSERT_EQ(exportPicture(d.db, file, {400, Background::White}), "");
+    const QImage image(QString::fromStdString(file.string()));
+    ASSERT_FALSE(image.isNull());
+    EXPECT_EQ(image.width(), 400);
+    EXPECT_EQ(image.height(), 210);
+    const QRgb white = qRgb(255, 255, 255);
+    // Margin 10 px, 3.8 px a unit: the red line runs along y = 200, the
+    // blue one along x = 390; the drawing's corners stay blank.
+    EXPECT_EQ(image.pixel(2, 2), white);
+    EXPECT_EQ(image.pixel(397, 207), white);
+    for (int x : {50, 200, 350}) {
+        const QRgb p = image.pixel(x, 200);
+        EXPECT_TRUE(isInk(p, white)) << x;
+        EXPECT_GT(qRed(p), qBlue(p) + 100) << x;
+    }
+    EXPECT_GT(qBlue(image.pixel(390, 100)), qRed(image.pixel(390, 100)) + 100);
+    // The fill lies between the multiline's elements (y 28..32 units).
+    EXPECT_EQ(image.pixel(200, int(200 - 30 * 3.8)), qRgb(0x80, 0x80, 0x80));
+    EXPECT_EQ(image.pixel(200, 120), white);
+
+    const QImage dark = paintScene(d.render(), {400, Background::Dark});
+    const QRgb background = dark.pixel(2, 2);
+    EXPECT_NE(background, white);
+    // The lower element, colour 7, is white on the dark background.
+    EXPECT_TRUE(isInk(dark.pixel(200, int(200 - 28 * 3.8)), background));
+    EXPECT_GT(qGreen(dark.pixel(200, int(200 - 28 * 3.8))), 200);
+}
+
+TEST(Export, FailuresSayWhy)
+{
+    ViewDrawing d;
+    buildSample(d);
+    QTemporaryDir dir;
+    const std::string missing = dir.filePath("no/such/folder/out.png").toStdString();
+    EXPECT_THAT(exportPicture(d.db, missing, {}), HasSubstr("cannot write '" + missing + "'"));
+    EXPECT_THAT(exportPicture(d.db, dir.filePath("out.jpg").toStdString(), {}), HasSubstr(".svg or a .png"));
+    // A failed write leaves the file that was there.
+    const std::filesystem::path file = dir.filePath("keep.svg").toStdString();
+    ASSERT_EQ(exportPicture(d.db, file, {}), "");
+    const auto before = std::filesystem::file_size(file);
+    std::filesystem::permissions(dir.path().toStdString(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    if (::access(dir.path().toStdString().c_str(), W_OK) != 0) {
+        EXPECT_NE(exportPicture(d.db, file, {400, Background::White}), "");
+        EXPECT_EQ(std::filesystem::file_size(file), before);
+    }
+    std::filesystem::permissions(dir.path().toStdString(), std::filesystem::perms::owner_all);
+}

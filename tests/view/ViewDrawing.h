@@ -1,0 +1,95 @@
+// A drawing built by hand for rendering tests: styles, layers, linetypes
+// and multilines whose parameter lists the tests set directly.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <numbers>
+#include <vector>
+
+#include "kaldo/view/DrawingRenderer.h"
+#include "kxdb.h"
+
+struct ElementSpec {
+    ElementSpec(double o, const KxCmColor& c, KxDbObjectId l = {}) : offset(o), color(c), linetype(l) {}
+    double offset;
+    KxCmColor color;
+    KxDbObjectId linetype;  // null: ByLayer
+};
+
+inline KxCmColor indexColor(int index)
+{
+    KxCmColor c;
+    c.setColorIndex(index);
+    return c;
+}
+
+struct ViewDrawing {
+    KxDbDatabase db;
+
+    // A style of these elements; configure sets flags before it is added.
+    template <class Configure>
+    KxDbObjectId addStyle(const wchar_t* name, std::initializer_list<ElementSpec> elements, Configure configure)
+    {
+        auto* style = new KxDbMlineStyle;
+        style->setName(name);
+        int index = 0;
+        for (const ElementSpec& e : elements)
+            style->addElement(index, e.offset, e.color, e.linetype.isNull() ? db.byLayerLinetype() : e.linetype);
+        configure(*style);
+        KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
+        KxDbObjectId id;
+        dict->setAt(name, style, id);
+        style->close();
+        return id;
+    }
+
+    KxDbObjectId addLinetype(const wchar_t* name, std::vector<double> dashes)
+    {
+        auto* record = new KxDbLinetypeTableRecord;
+        record->setName(name);
+        record->setDashes(std::move(dashes));
+        KxDbObjectPtr<KxDbLinetypeTable> table(db.linetypeTableId(), KxDb::kForWrite);
+        KxDbObjectId id;
+        table->add(record, id);
+        record->close();
+        return id;
+    }
+
+    // A multiline (zero justification) through points, kept open for write
+    // in the returned pointer until the test is done changing it.
+    KxDbObjectPtr<KxDbMline> addMline(KxDbObjectId style, std::initializer_list<KxGePoint3d> points,
+                                      double scale = 1.0, bool closed = false)
+    {
+        auto* mline = new KxDbMline;
+        mline->setDatabaseDefaults(&db);
+        mline->setStyle(style);
+        mline->setJustification(Mline::kZero);
+        mline->setScale(scale);
+        for (const KxGePoint3d& p : points)
+            mline->appendSeg(p);
+        mline->setClosedMline(closed);
+        db.addToCurrentSpace(mline);
+        return KxDbObjectPtr<KxDbMline>(mline);
+    }
+
+    kaldo::view::Scene render() { return kaldo::view::renderDrawing(db); }
+};
+
+// Replaces the element list of one element at one vertex, keeping entry 0.
+inline void setRuns(KxDbMline& mline, int vertex, int element, std::vector<double> runs)
+{
+    KxArray array;
+    mline.getParametersAt(vertex, array);
+    auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
+    auto* copy = KxDbMlineVertexParams::create();
+    copy->elements = record->elements;
+    std::vector<double>& list = copy->elements[std::size_t(element)].element;
+    runs.insert(runs.begin(), list.front());
+    list = runs;
+    KxArray out;
+    out.append(copy);
+    mline.setParametersAt(vertex, out);
+    copy->release();
+}
