@@ -266,15 +266,16 @@ TEST(MlineSession, MissingStyleLoadedFromAFileByScript)
 TEST(MlineSession, RotatedUserSystemPlacesTheVertices)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("UCS\nZ\n30\nMLINE\n0,0\n10,0\n10,5\n\nUCS\nW\nLIST\n4.33,2.5\n");
+    const KaldoRun run = kaldo.runScript("UCS\nZ\n30\nMLINE\n10,0\n20,0\n20,5\n\nUCS\nW\nLIST\n12.99,7.5\n");
     EXPECT_EQ(run.exitCode, 0);
     const auto listed = listedMlines(run.out);
     ASSERT_THAT(listed, SizeIs(1));
     const double c = std::cos(M_PI / 6), s = std::sin(M_PI / 6);
     EXPECT_THAT(listed[0].normal, IsVec(0, 0, 1));
     ASSERT_THAT(listed[0].vertices, SizeIs(3));
-    EXPECT_THAT(listed[0].vertices[1].position, IsVec(10 * c, 10 * s, 0));
-    EXPECT_THAT(listed[0].vertices[2].position, IsVec(10 * c - 5 * s, 10 * s + 5 * c, 0));
+    EXPECT_THAT(listed[0].vertices[0].position, IsVec(10 * c, 10 * s, 0));
+    EXPECT_THAT(listed[0].vertices[1].position, IsVec(20 * c, 20 * s, 0));
+    EXPECT_THAT(listed[0].vertices[2].position, IsVec(20 * c - 5 * s, 20 * s + 5 * c, 0));
     EXPECT_THAT(listed[0].vertices[0].direction, IsVec(c, s, 0));
 }
 

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
@@ -59,6 +60,23 @@ TEST_F(MlineCommandTest, ResultTellsHowTheCommandEnded)
     // A start point alone draws nothing, yet the point loop ran.
     EXPECT_THAT(mlines(), IsEmpty());
     EXPECT_EQ(db.cmljust(), 1);
+}
+
+TEST_F(MlineCommandTest, TiltedUserSystemGivesPlaneAndVertices)
+{
+    // Origin 1,2,3; X along the world X axis, Y turned 30 degrees up about it.
+    const double c = std::cos(M_PI / 6), s = std::sin(M_PI / 6);
+    ASSERT_EQ(db.setUcs({1, 2, 3}, {1, 0, 0}, {0, c, s}), Kald::eOk);
+    script("0,0\n10,0\n10,10\n\n");
+    EXPECT_EQ(CMLineCommand(&db).run(), RTNORM);
+    const auto drawn = mlines();
+    ASSERT_THAT(drawn, SizeIs(1));
+    EXPECT_THAT(drawn[0]->normal(), IsPoint(0, -s, c));
+    // The start point is converted as a point: the origin moves it too.
+    EXPECT_THAT(vertices(*drawn[0]), ElementsAre(IsPoint(1, 2, 3), IsPoint(11, 2, 3), IsPoint(11, 2 + 10 * c, 3 + 10 * s)));
+    // Miters lie in the multiline's plane.
+    for (int i = 0; i < drawn[0]->numVertices(); ++i)
+        EXPECT_NEAR(dot(drawn[0]->miterAt(i), drawn[0]->normal()), 0, 1e-12) << "vertex " << i;
 }
 
 TEST_F(MlineCommandTest, SettersStoreWhatTheyWrite)
