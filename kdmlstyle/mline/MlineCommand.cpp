@@ -30,14 +30,6 @@ bool sameWord(std::wstring_view a, std::wstring_view b)
     return std::ranges::equal(a, b, [](wchar_t x, wchar_t y) { return std::towupper(x) == std::towupper(y); });
 }
 
-int setShortVariable(const wchar_t* name, short value)
-{
-    kxresbuf rb;
-    rb.restype = RTSHORT;
-    rb.resval.rint = value;
-    return kxedSetVar(name, &rb);
-}
-
 }  // namespace
 
 CMLineCommand::CMLineCommand(KxDbDatabase* database) : database_(database) {}
@@ -109,7 +101,10 @@ int CMLineCommand::setJustification(short code)
     if (static_cast<unsigned short>(code) > 2 || code == justification_)
         return RTNORM;
     justification_ = code;
-    return setShortVariable(L"CMLJUST", code);
+    kxresbuf rb;
+    rb.restype = RTSHORT;
+    rb.resval.rint = code;
+    return kxedSetVar(L"CMLJUST", &rb);
 }
 
 int CMLineCommand::setScale(double value)
