@@ -5,6 +5,8 @@
 
 #include "mline/MlineJig.h"
 
+#include "kaldo/ed/InputSource.h"
+
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -67,6 +69,38 @@ TEST_F(MlineJigTest, PromptsFollowTheFixedVertices)
               L"Specify next point or [Undo]:\n");
     // Two Undos gave up 3,3 and 2,2: the rubber band went back to 2,0.
     EXPECT_THAT(vertices(*mlines().at(0)), ElementsAre(IsPoint(0, 0, 0), IsPoint(2, 0, 0)));
+}
+
+TEST_F(MlineJigTest, RubberBandVertexFollowsTheCursor)
+{
+    // What the window sees while the cursor moves: the vertex count and the
+    // last vertex of the multiline being dragged.
+    std::vector<std::pair<int, KxGePoint3d>> seen;
+    editor.setDragListener([&](const KxDbEntity* entity) {
+        const KxDbMline* mline = KxDbMline::cast(entity);
+        ASSERT_NE(mline, nullptr);
+        seen.emplace_back(mline->numVertices(), mline->vertexAt(mline->numVertices() - 1));
+    });
+    kaldo::QueuedInputSource window;
+    for (const kaldo::InputEvent& event :
+         {kaldo::InputEvent::moved({3, 4, 0}), kaldo::InputEvent::moved({6, 8, 0}), kaldo::InputEvent::picked({10, 0, 0}),
+          kaldo::InputEvent::moved({10, 5, 0}), kaldo::InputEvent::enter()})
+        window.push(event);
+    window.close();
+    editor.setInputSource(&window);
+    KaldMLineJig jig;
+    jig.setUp(&db, {0, 0, 0}, 0, 1.0, L"STANDARD");
+    jig.run();
+    ASSERT_THAT(seen, SizeIs(3));
+    EXPECT_EQ(seen[0].first, 2);
+    EXPECT_THAT(seen[0].second, IsPoint(3, 4, 0));
+    EXPECT_EQ(seen[1].first, 2);
+    EXPECT_THAT(seen[1].second, IsPoint(6, 8, 0));
+    // After the pick the band runs from the new fixed vertex.
+    EXPECT_EQ(seen[2].first, 3);
+    EXPECT_THAT(seen[2].second, IsPoint(10, 5, 0));
+    // Enter took the band away and kept the picked point.
+    EXPECT_THAT(vertices(*mlines().at(0)), ElementsAre(IsPoint(0, 0, 0), IsPoint(10, 0, 0)));
 }
 
 TEST_F(MlineJigTest, CloseNeedsThreeFixedVertices)
