@@ -5,6 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
 #include <cmath>
 #include <optional>
 #include <sstream>
@@ -426,4 +431,47 @@ TEST(MlineSession, TurningMultilineListedExactly)
                                    "    miter: X=-1.0000  Y=0.0000  Z=0.0000\n"
                                    "    element 0: 0.0000 0.0000  fill: 0.0000 0.0000\n"
                                    "    element 1: -1.0000 0.0000  fill: -1.0000 0.0000\n"));
+}
+
+TEST(MlineSession, DrawnMultilineAndSettingsSurviveTheSavedFile)
+{
+    KaldoProcess kaldo;
+    kaldo.writeFile("walls.mln", mlnStyle("WALL", "Wall of 0.4", {0.2, -0.2}));
+    const std::string saved = (kaldo.dir() / "room.dxf").string();
+    const KaldoRun draw = kaldo.runScript("MLINE\nJ\nB\nS\n2\nST\nwall\nwalls\n0,0\n10,0\n10,10\nC\n",
+                                          {"--save", QString::fromStdString(saved)});
+    ASSERT_EQ(draw.exitCode, 0) << draw.err;
+
+    // An independent reader finds the multiline whole and the file sound.
+    QProcess python;
+    python.start("/usr/bin/python3", {KALDO_SOURCE_DIR "/tests/dxf/ezdxf_mlines.py", QString::fromStdString(saved)});
+    ASSERT_TRUE(python.waitForFinished(120000));
+    ASSERT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+    const QJsonObject file = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
+    EXPECT_TRUE(file["errors"].toArray().isEmpty());
+    EXPECT_TRUE(file["fixes"].toArray().isEmpty());
+    const QJsonArray mlines = file["mlines"].toArray();
+    ASSERT_EQ(mlines.size(), 1);
+    const QJsonObject mline = mlines[0].toObject();
+    EXPECT_EQ(mline["style"].toString().toUpper(), "WALL");
+    EXPECT_TRUE(mline["flags"].toInt() & 2) << "closed";
+    EXPECT_EQ(mline["scale"].toDouble(), 2);
+    EXPECT_EQ(mline["justification"].toInt(), 2);
+    const QJsonArray vertices = mline["vertices"].toArray();
+    ASSERT_EQ(vertices.size(), 3);
+    const QJsonArray corner = vertices[1].toObject()["location"].toArray();
+    EXPECT_NEAR(corner[0].toDouble(), 10, 1e-12);
+    EXPECT_NEAR(corner[1].toDouble(), 0, 1e-12);
+
+    // Opened again: the settings come back with the drawing, and so does
+    // the multiline with its style.
+    const KaldoRun reopened = kaldo.runScript("MLINE\n\nLIST\n5,0\n", {QString::fromStdString(saved)});
+    EXPECT_EQ(reopened.exitCode, 0) << reopened.err;
+    EXPECT_THAT(reopened.out, HasSubstr(settingsLine("Bottom", "2.0000", "wall")));
+    const auto listed = listedMlines(reopened.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_TRUE(listed[0].closed);
+    EXPECT_EQ(listed[0].style, "wall");
+    ASSERT_THAT(listed[0].vertices, SizeIs(3));
+    EXPECT_THAT(listed[0].vertices[2].position, IsVec(10, 10, 0));
 }
