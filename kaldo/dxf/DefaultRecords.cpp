@@ -54,6 +54,16 @@ KxDbObjectId ensureBlockTable(ReadContext& context)
     return ensureTable<KxDbBlockTable>(context, context.roots.blockTable);
 }
 
+KxDbObjectId ensureLayerTable(ReadContext& context)
+{
+    return ensureTable<KxDbLayerTable>(context, context.roots.layerTable);
+}
+
+KxDbObjectId ensureLinetypeTable(ReadContext& context)
+{
+    return ensureTable<KxDbLinetypeTable>(context, context.roots.linetypeTable);
+}
+
 void ensureLayoutBlocks(ReadContext& context)
 {
     const KxDbObjectId blocks = ensureBlockTable(context);
@@ -64,7 +74,7 @@ void ensureLayoutBlocks(ReadContext& context)
 void addMissingRecords(ReadContext& context)
 {
     KxDbDatabaseRoots& roots = context.roots;
-    const KxDbObjectId linetypes = ensureTable<KxDbLinetypeTable>(context, roots.linetypeTable);
+    const KxDbObjectId linetypes = ensureLinetypeTable(context);
     ensureRecord<KxDbLinetypeTableRecord>(context, linetypes, roots.byBlock, L"ByBlock");
     ensureRecord<KxDbLinetypeTableRecord>(context, linetypes, roots.byLayer, L"ByLayer");
     if (roots.continuous.isNull()) {
@@ -74,7 +84,7 @@ void addMissingRecords(ReadContext& context)
             continuous->setDescription(L"Solid line");
     }
     KxDbObjectId layer0;
-    ensureRecord<KxDbLayerTableRecord>(context, ensureTable<KxDbLayerTable>(context, roots.layerTable), layer0, L"0");
+    ensureRecord<KxDbLayerTableRecord>(context, ensureLayerTable(context), layer0, L"0");
     if (auto* layer = KxDbLayerTableRecord::cast(context.db.peekObject(layer0));
         layer && layer->linetypeObjectId().isNull())
         layer->setLinetypeObjectId(roots.continuous);

@@ -12,6 +12,8 @@ namespace kaldo::dxf {
 struct ReadContext;
 
 KxDbObjectId ensureBlockTable(ReadContext& context);
+KxDbObjectId ensureLayerTable(ReadContext& context);
+KxDbObjectId ensureLinetypeTable(ReadContext& context);
 void ensureLayoutBlocks(ReadContext& context);
 // Adds everything missing and names the database's roots.
 void addMissingRecords(ReadContext& context);

@@ -1,5 +1,6 @@
 #include "kaldo/dxf/EntityRecords.h"
 
+#include "kaldo/db/NameKey.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/MlineRecord.h"
@@ -25,8 +26,11 @@ struct EntityLook {
     std::string layer = "0";
     std::string linetype;
     KxCmColor color;
+    std::string colorIndex;  // as read, for a true colour that has one
     bool take(const Group& g)
     {
+        if (g.code == 62)
+            colorIndex = std::string(g.value);
         if (g.code == 8) {
             layer = std::string(trimmed(g.value));
             return true;
@@ -37,10 +41,20 @@ struct EntityLook {
         }
         return readColorGroup(g, color);
     }
-    void applyTo(KxDbEntity& entity, ReadContext& context) const
+    // Names spelled otherwise than their records (other capitals) are
+    // kept as spelled, so that they are written back so.
+    void applyTo(KxDbEntity& entity, ReadContext& context, RecordBasics& basics) const
     {
-        entity.setLayer(context.layer(layer.empty() ? "0" : layer));
-        entity.setLinetype(linetype.empty() ? context.linetype("ByLayer") : context.linetype(linetype));
+        bool same = true;
+        entity.setLayer(context.layer(layer.empty() ? "0" : layer, &same));
+        if (!same)
+            basics.kept.push_back({8, 1, layer});
+        entity.setLinetype(linetype.empty() ? context.linetype("ByLayer") : context.linetype(linetype, &same));
+        if (!same && !linetype.empty())
+            basics.kept.push_back({6, 1, linetype});
+        // The index beside a true colour is the writer's own choice: kept.
+        if (color.isByColor() && !colorIndex.empty())
+            basics.kept.push_back({62, 1, colorIndex});
         entity.setColor(color);
     }
 };
@@ -224,7 +238,7 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
         append(context, unmodelled, basics, block, record.line());
         return;
     }
-    look.applyTo(*entity, context);
+    look.applyTo(*entity, context, basics);
     append(context, entity, basics, block, record.line());
     if (kind == "MLINE")
         context.styleReferences.push_back({entity->objectId(), styleLink.handle, styleLink.name, styleLink.line});
@@ -242,16 +256,31 @@ const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)
 
 namespace {
 
+// The name as the file spelled it when it still names the record.
+const std::string& spelled(const KxDbEntity& e, int code, const std::string& name)
+{
+    for (const KxDbFileGroup& g : e.keptGroups())
+        if (g.code == code && g.part == 1 && kaldo::sameName(kxutFromMultiByte(g.value), kxutFromMultiByte(name)))
+            return g.value;
+    return name;
+}
+
 void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, const KxDbDatabase& db, NameCache& names)
 {
     writeRecordHead(w, kind, e);
     w.text(100, "AcDbEntity");
-    w.text(8, names(e.layerId(), "0"));
-    if (e.linetypeId() != db.byLayerLinetype() && !e.linetypeId().isNull())
-        w.text(6, names(e.linetypeId(), "ByLayer"));
+    const bool spelledOtherwise = !e.keptGroups().empty();
+    const std::string& layer = names(e.layerId(), "0");
+    w.text(8, spelledOtherwise ? spelled(e, 8, layer) : layer);
+    if (e.linetypeId() != db.byLayerLinetype() && !e.linetypeId().isNull()) {
+        const std::string& linetype = names(e.linetypeId(), "ByLayer");
+        w.text(6, spelledOtherwise ? spelled(e, 6, linetype) : linetype);
+    }
     if (!e.color().isByLayer())
-        writeColor(w, e.color());
-    writeKeptPart(w, e, 1);
+        writeColor(w, e.color(), false);
+    for (const KxDbFileGroup& g : e.keptGroups())
+        if (g.part == 1 && g.code != 8 && g.code != 6 && (g.code != 62 || e.color().isByColor()))
+            w.text(g.code, g.value);
 }
 
 void writeNormal(GroupWriter& w, const KxGeVector3d& n)

@@ -184,8 +184,14 @@ void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyl
         style.getElementAt(i, offset, color, linetype);
         w.real(49, offset);
         writeStyleColor(w, color);
+        // Styles spell the reserved linetypes in capitals.
         const auto* record = KxDbSymbolTableRecord::cast(db.peekObject(linetype));
-        w.text(6, record ? kxutToMultiByte(record->name()) : std::string("BYLAYER"));
+        if (!record || linetype == db.byLayerLinetype())
+            w.text(6, "BYLAYER");
+        else if (linetype == db.byBlockLinetype())
+            w.text(6, "BYBLOCK");
+        else
+            w.text(6, kxutToMultiByte(record->name()));
     }
     writeKeptPart(w, style, 1);
     writeKeptPart(w, style, kxdbExtendedDataPart);

@@ -1,5 +1,7 @@
 #include "kaldo/dxf/ReadContext.h"
 
+#include "kaldo/dxf/DefaultRecords.h"
+
 #include "kxdbsymtb.h"
 #include "kxstring.h"
 
@@ -21,22 +23,25 @@ KxDbObjectId ReadContext::add(KxDbObject* obj, const RecordBasics& basics)
     return obj->objectId();
 }
 
-KxDbObjectId ReadContext::layer(std::string_view name)
+KxDbObjectId ReadContext::layer(std::string_view name, bool* spelledAsRecord)
 {
-    return record(roots.layerTable, layers_, name, true);
+    return record(ensureLayerTable(*this), layers_, name, true, spelledAsRecord);
 }
 
-KxDbObjectId ReadContext::linetype(std::string_view name)
+KxDbObjectId ReadContext::linetype(std::string_view name, bool* spelledAsRecord)
 {
-    return record(roots.linetypeTable, linetypes_, name, false);
+    return record(ensureLinetypeTable(*this), linetypes_, name, false, spelledAsRecord);
 }
 
-KxDbObjectId ReadContext::record(KxDbObjectId tableId, std::unordered_map<std::string, KxDbObjectId>& cache,
-                                 std::string_view name, bool isLayer)
+KxDbObjectId ReadContext::record(KxDbObjectId tableId, std::unordered_map<std::string, Found>& cache,
+                                 std::string_view name, bool isLayer, bool* spelledAsRecord)
 {
     const std::string key(name);
-    if (const auto it = cache.find(key); it != cache.end())
-        return it->second;
+    if (const auto it = cache.find(key); it != cache.end()) {
+        if (spelledAsRecord)
+            *spelledAsRecord = it->second.spelledAsRecord;
+        return it->second.id;
+    }
     auto* table = KxDbSymbolTable::cast(db.peekObject(tableId));
     if (!table || name.empty())
         return {};
@@ -53,7 +58,11 @@ KxDbObjectId ReadContext::record(KxDbObjectId tableId, std::unordered_map<std::s
         maxHandle = std::max(maxHandle, rec->handle());
         rec->close();
     }
-    cache.emplace(key, id);
+    const auto* found = KxDbSymbolTableRecord::cast(db.peekObject(id));
+    const bool same = found && found->name() == wideName;
+    cache.emplace(key, Found{id, same});
+    if (spelledAsRecord)
+        *spelledAsRecord = same;
     return id;
 }
 

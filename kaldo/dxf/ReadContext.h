@@ -55,14 +55,19 @@ struct ReadContext {
 
     // A layer or linetype by name (as spelled, then without regard to
     // case); a missing one is added to its table so that nothing is lost.
-    KxDbObjectId layer(std::string_view name);
-    KxDbObjectId linetype(std::string_view name);
+    // spelledAsRecord tells whether the name is spelled as the record is.
+    KxDbObjectId layer(std::string_view name, bool* spelledAsRecord = nullptr);
+    KxDbObjectId linetype(std::string_view name, bool* spelledAsRecord = nullptr);
 
 private:
-    KxDbObjectId record(KxDbObjectId table, std::unordered_map<std::string, KxDbObjectId>& cache,
-                        std::string_view name, bool isLayer);
-    std::unordered_map<std::string, KxDbObjectId> layers_;
-    std::unordered_map<std::string, KxDbObjectId> linetypes_;
+    struct Found {
+        KxDbObjectId id;
+        bool spelledAsRecord = true;
+    };
+    KxDbObjectId record(KxDbObjectId table, std::unordered_map<std::string, Found>& cache, std::string_view name,
+                        bool isLayer, bool* spelledAsRecord);
+    std::unordered_map<std::string, Found> layers_;
+    std::unordered_map<std::string, Found> linetypes_;
 };
 
 }  // namespace kaldo::dxf

@@ -32,9 +32,10 @@ bool readColorGroup(const Group& g, KxCmColor& color)
     }
 }
 
-void writeColor(GroupWriter& w, const KxCmColor& color)
+void writeColor(GroupWriter& w, const KxCmColor& color, bool indexWithTrueColor)
 {
-    w.integer(62, color.colorIndex());
+    if (indexWithTrueColor || !color.isByColor())
+        w.integer(62, color.colorIndex());
     if (color.isByColor())
         w.integer(420, color.color() & 0xFFFFFFu);
     if (color.hasColorBookNames() || *color.colorName())

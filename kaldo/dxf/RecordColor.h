@@ -11,7 +11,8 @@ class GroupWriter;
 
 // Takes group g into color when it is one of the colour codes.
 bool readColorGroup(const Group& g, KxCmColor& color);
-// 62 always (the nearest index for a true colour), 420 and 430 when set.
-void writeColor(GroupWriter& writer, const KxCmColor& color);
+// 62 (for a true colour the nearest index, unless indexWithTrueColor is
+// false), 420 and 430 when set.
+void writeColor(GroupWriter& writer, const KxCmColor& color, bool indexWithTrueColor = true);
 
 }  // namespace kaldo::dxf

@@ -1,0 +1,132 @@
+// Files that are no drawing, or broken ones: a clear message naming the
+// line, never a crash. Saving that fails leaves the old file whole.
+#include "DxfText.h"
+#include "GroupText.h"
+
+#include "kaldo/dxf/AtomicFile.h"
+#include "kaldo/dxf/DxfError.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+namespace {
+
+// The message of reading text, or "" when it reads.
+std::string readError(const std::string& text)
+{
+    try {
+        fromDxfText(text);
+    } catch (const kaldo::dxf::DxfError& e) {
+        return e.what();
+    }
+    return {};
+}
+
+const std::string kLine = groupText({"0", "LINE", "5", "30", "100", "AcDbEntity", "8", "0", "100", "AcDbLine",
+                                     "10", "1", "20", "2", "30", "0", "11", "3", "21", "4", "31", "0"});
+
+std::string fileText(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+}  // namespace
+
+TEST(DxfBadFiles, MessagesNameTheLine)
+{
+    const std::string good = smallDrawing(kLine, "");
+    EXPECT_EQ(readError(good), "");
+
+    // Cut short: in the middle of a record, and after a code without value.
+    EXPECT_NE(readError(good.substr(0, good.find("11\n3"))).find("ends"), std::string::npos);
+    EXPECT_EQ(readError(groupText({"0", "SECTION", "2"})), "line 3: the file ends after group code 2 without its value.");
+    EXPECT_EQ(readError(""), "the file ends without EOF: it is cut short.");
+
+    // A group code that is no number, and one that does not belong.
+    std::string badCode = good;
+    badCode.replace(badCode.find("\n21\n4\n") + 1, 2, "X1");
+    EXPECT_EQ(readError(badCode), "line 33: a group code was expected, not \"X1\".");
+    EXPECT_EQ(readError(smallDrawing(groupText({"5", "30"}), "")),
+              "line 15: an entity (group 0) was expected.");
+
+    // A value that is no number.
+    std::string badValue = good;
+    badValue.replace(badValue.find("\n21\n4\n") + 4, 1, "four");
+    EXPECT_EQ(readError(badValue), "line 34: group 21 needs a number, not \"four\".");
+
+    // A multiline whose style handle points nowhere.
+    const std::string mline = groupText({"0", "MLINE", "5", "31", "100", "AcDbEntity", "8", "0", "100", "AcDbMline",
+                                         "2", "STANDARD", "340", "ABC", "40", "1", "70", "0", "71", "0", "72", "0",
+                                         "73", "2"});
+    EXPECT_EQ(readError(smallDrawing(mline, "")),
+              "line 28: the multiline's style handle points to no multiline style.");
+    // A dictionary entry that points nowhere.
+    EXPECT_EQ(readError(smallDrawing("", groupText({"0", "DICTIONARY", "5", "C", "100", "AcDbDictionary", "3",
+                                                    "ACAD_GROUP", "350", "D0"}))),
+              "line 27: the dictionary entry \"ACAD_GROUP\" points to handle D0, which no object has.");
+
+    // A parameter list that announces more values than follow.
+    std::string shortList = groupText({"0", "MLINE", "5", "31", "100", "AcDbMline", "72", "1", "73", "1", "11", "0",
+                                       "21", "0", "31", "0", "74", "3", "41", "0.5"});
+    EXPECT_EQ(readError(smallDrawing(shortList, "")), "line 31: the list announces more parameters than follow it.");
+}
+
+TEST(DxfBadFiles, AHugeLineIsRefusedWithoutReadingItWhole)
+{
+    QTemporaryDir dir;
+    const std::filesystem::path path = dir.filePath("huge.dxf").toStdString();
+    {
+        std::ofstream out(path, std::ios::binary);
+        out << "  0\nSECTION\n  2\nENTITIES\n  0\nTEXT\n  1\n";
+        const std::string block(1 << 20, 'x');
+        for (int i = 0; i < 8; ++i)
+            out << block;
+        out << "\n  0\nENDSEC\n  0\nEOF\n";
+    }
+    try {
+        kaldo::dxf::readDxfFile(path);
+        FAIL() << "the huge line was read";
+    } catch (const kaldo::dxf::DxfError& e) {
+        EXPECT_EQ(std::string(e.what()), "huge.dxf, line 8: the line is longer than 65536 characters.");
+        EXPECT_EQ(e.line(), 8);
+    }
+    EXPECT_THROW(kaldo::dxf::readDxfFile(dir.filePath("missing.dxf").toStdString()), kaldo::dxf::DxfError);
+}
+
+TEST(DxfBadFiles, AFailedSaveLeavesTheOldFileAndNoLeftovers)
+{
+    QTemporaryDir dir;
+    const std::filesystem::path target = dir.filePath("drawing.dxf").toStdString();
+    KxDbDatabase db;
+    kaldo::dxf::KeptSections kept;
+    kaldo::dxf::saveDxfFile(target, db, kept);
+    const std::string old = fileText(target);
+    ASSERT_NE(old.find("EOF"), std::string::npos);
+
+    // A writer that fails half-way (as a full disk would).
+    EXPECT_THROW(kaldo::dxf::writeFileAtomically(target,
+                                                 [](int fd) {
+                                                     ASSERT_EQ(::write(fd, "  0\n", 4), 4);
+                                                     throw kaldo::dxf::DxfError(0, "No space left on device");
+                                                 }),
+                 kaldo::dxf::DxfError);
+    EXPECT_EQ(fileText(target), old);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path().toStdString()), {}), 1);
+
+    // A folder that does not exist, and a target that is a folder.
+    try {
+        kaldo::dxf::saveDxfFile(dir.filePath("no/such/folder/x.dxf").toStdString(), db, kept);
+        FAIL();
+    } catch (const kaldo::dxf::DxfError& e) {
+        EXPECT_NE(std::string(e.what()).find("No such file or directory"), std::string::npos);
+    }
+    std::filesystem::create_directory(dir.filePath("folder.dxf").toStdString());
+    EXPECT_THROW(kaldo::dxf::saveDxfFile(dir.filePath("folder.dxf").toStdString(), db, kept), kaldo::dxf::DxfError);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path().toStdString()), {}), 2);
+}

@@ -1,0 +1,172 @@
+// Drawings written and read back: every modelled value, handles, header
+// variables and the multiline flags survive.
+#include "DxfText.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+KxDbMline* addMline(KxDbDatabase& db, std::initializer_list<KxGePoint3d> points)
+{
+    auto* mline = new KxDbMline;
+    mline->setDatabaseDefaults(&db);
+    for (const KxGePoint3d& p : points)
+        mline->appendSeg(p);
+    db.addToCurrentSpace(mline);
+    mline->close();
+    return mline;
+}
+
+void expectSamePoint(const KxGePoint3d& a, const KxGePoint3d& b)
+{
+    EXPECT_EQ(a.x, b.x);
+    EXPECT_EQ(a.y, b.y);
+    EXPECT_EQ(a.z, b.z);
+}
+
+void expectSameVector(const KxGeVector3d& a, const KxGeVector3d& b)
+{
+    EXPECT_EQ(a.x, b.x);
+    EXPECT_EQ(a.y, b.y);
+    EXPECT_EQ(a.z, b.z);
+}
+
+}  // namespace
+
+TEST(DxfRoundTrip, ModelledEntitiesKeepEveryValueAndHandle)
+{
+    KxDbDatabase db;
+    auto* line = addEntity(db, new KxDbLine({1.25, -2, 0.1}, {1e-7, 3e12, 0}));
+    auto* arc = addEntity(db, new KxDbArc({1, 1, 0}, 2.5, 0.3, 2 * std::numbers::pi / 3));
+    auto* circle = addEntity(db, new KxDbCircle({-4, 5, 6}, 0.125));
+    circle->upgradeOpen();
+    circle->setNormal({0, 0.6, 0.8});
+    auto* pline = new KxDbPolyline;
+    pline->setVertices({{0, 0, 0.1, 0.2, 0.5}, {3, 0, 0, 0, 0}, {3, 3, 0, 0, -1}});
+    pline->setClosed(true);
+    pline->setElevation(2);
+    addEntity(db, pline);
+    KxCmColor red;
+    red.setRGB(200, 10, 30);
+    line->upgradeOpen();
+    line->setColor(red);
+    line->close();
+
+    kaldo::dxf::KeptSections kept;
+    const std::string text = toDxfText(db, kept);
+    kaldo::dxf::DxfDrawing back = fromDxfText(text);
+    KxDbDatabase& db2 = *back.database;
+
+    const auto* line2 = firstEntity<KxDbLine>(db2);
+    ASSERT_NE(line2, nullptr);
+    EXPECT_EQ(line2->handle(), line->handle());
+    expectSamePoint(line2->startPoint(), line->startPoint());
+    expectSamePoint(line2->endPoint(), line->endPoint());
+    EXPECT_TRUE(line2->color() == red);
+
+    const auto* arc2 = firstEntity<KxDbArc>(db2);
+    ASSERT_NE(arc2, nullptr);
+    EXPECT_EQ(arc2->handle(), arc->handle());
+    EXPECT_NEAR(arc2->startAngle(), 0.3, 1e-13);
+    EXPECT_NEAR(arc2->endAngle(), 2 * std::numbers::pi / 3, 1e-13);
+    EXPECT_EQ(arc2->radius(), 2.5);
+
+    const auto* circle2 = firstEntity<KxDbCircle>(db2);
+    ASSERT_NE(circle2, nullptr);
+    expectSameVector(circle2->normal(), circle->normal());
+    EXPECT_EQ(circle2->radius(), 0.125);
+
+    const auto* pline2 = firstEntity<KxDbPolyline>(db2);
+    ASSERT_NE(pline2, nullptr);
+    EXPECT_EQ(pline2->vertices(), pline->vertices());
+    EXPECT_TRUE(pline2->isClosed());
+    EXPECT_EQ(pline2->elevation(), 2);
+
+    // Written again, the text is the same: nothing drifts, no handle moves.
+    EXPECT_EQ(toDxfText(back), text);
+}
+
+TEST(DxfRoundTrip, MultilinesKeepVerticesMitersListsAndAllSixteenFlagCombinations)
+{
+    KxDbDatabase db;
+    std::vector<KxDbMline*> mlines;
+    for (int flags = 0; flags < 16; ++flags) {
+        // Bit 1 (has vertices) is the vertex count; the others are stored.
+        KxDbMline* mline = (flags & 1) ? addMline(db, {{0, double(flags)}, {4, double(flags) + 1}, {8, 0}})
+                                       : addMline(db, {});
+        mline->upgradeOpen();
+        mline->setClosedMline(flags & 2);
+        mline->setSupressStartCaps(flags & 4);
+        mline->setSupressEndCaps(flags & 8);
+        mline->close();
+        mlines.push_back(mline);
+    }
+    // Lists with breaks, as the editing tools leave them.
+    KxDbMline* broken = mlines[1];
+    KxArray params;
+    broken->getParametersAt(0, params);
+    KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(params);
+    record->elements[0].element = {record->elements[0].element[0], 0.5, 1.25, 2, 3};
+    record->elements[1].areaFill = {record->elements[1].areaFill[0]};
+    record->release();
+
+    kaldo::dxf::KeptSections kept;
+    kaldo::dxf::DxfDrawing back = fromDxfText(toDxfText(db, kept));
+    for (int flags = 0; flags < 16; ++flags) {
+        SCOPED_TRACE(flags);
+        const KxDbMline* a = mlines[std::size_t(flags)];
+        const KxDbMline* b = firstEntity<KxDbMline>(*back.database, flags);
+        ASSERT_NE(b, nullptr);
+        EXPECT_EQ(b->handle(), a->handle());
+        EXPECT_EQ(b->numVertices() > 0, bool(flags & 1));
+        EXPECT_EQ(b->closedMline(), bool(flags & 2));
+        EXPECT_EQ(b->supressStartCaps(), bool(flags & 4));
+        EXPECT_EQ(b->supressEndCaps(), bool(flags & 8));
+        EXPECT_EQ(b->scale(), a->scale());
+        EXPECT_EQ(b->justification(), a->justification());
+        EXPECT_EQ(back.database->peekObject(b->style())->handle(), db.peekObject(a->style())->handle());
+        for (int v = 0; v < a->numVertices(); ++v) {
+            expectSamePoint(b->vertexAt(v), a->vertexAt(v));
+            expectSameVector(b->axisAt(v), a->axisAt(v));
+            expectSameVector(b->miterAt(v), a->miterAt(v));
+            EXPECT_EQ(b->parametersAt(v)->elements, a->parametersAt(v)->elements);
+        }
+    }
+}
+
+TEST(DxfRoundTrip, HeaderVariablesAndCurrentStyleSurvive)
+{
+    KxDbDatabase db;
+    KxDbDictionary* styles = nullptr;
+    ASSERT_EQ(db.getMLStyleDictionary(styles, KxDb::kForWrite), Kald::eOk);
+    auto* wall = new KxDbMlineStyle;
+    wall->setName(L"Wall");
+    int index = 0;
+    wall->addElement(index, 0.25, KxCmColor(), db.byLayerLinetype(), false);
+    KxDbObjectId wallId;
+    styles->setAt(L"Wall", wall, wallId);
+    wall->close();
+    styles->close();
+    db.setCmlstyleID(wallId);
+    db.setCmljust(2);
+    db.setCmlscale(12.5);
+    db.setMeasurement(1);
+    db.setDimzin(8);
+
+    kaldo::dxf::KeptSections kept;
+    kaldo::dxf::DxfDrawing back = fromDxfText(toDxfText(db, kept));
+    const KxDbDatabase& db2 = *back.database;
+    EXPECT_EQ(db2.peekObject(db2.cmlstyleID())->handle(), wall->handle());
+    EXPECT_EQ(db2.cmljust(), 2);
+    EXPECT_EQ(db2.cmlscale(), 12.5);
+    EXPECT_EQ(db2.measurement(), 1);
+    EXPECT_EQ(db2.dimzin(), 8);
+    EXPECT_EQ(db2.handseed(), db.handseed());
+
+    // A new object gets a handle above the seed the file gave.
+    auto* line = addEntity(*back.database, new KxDbLine({0, 0}, {1, 1}));
+    EXPECT_GE(line->handle(), db.handseed());
+}
