@@ -46,6 +46,10 @@ Scene renderDrawing(const KxDbDatabase& db)
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
     if (!space)
         return scene;
+    // Room for a typical multiline per entity: pages only count once
+    // written, and growing by copies would write everything twice.
+    const std::size_t entities = std::size_t(space->numEntities());
+    scene.reserve(entities * 48, entities * 8);
     PenResolver pens(db, scene);
     MlineRenderer mlines(pens);
     const auto it = space->newIterator();

@@ -78,6 +78,14 @@ void MlineRenderer::draw(const KxDbMline& mline, const KxDbMlineStyle* style, co
     m_elements = static_cast<int>(m_params.front()->elements.size());
     for (const KxDbMlineParamsPtr& record : m_params)
         m_elements = std::min(m_elements, static_cast<int>(record->elements.size()));
+    m_elementPoints.clear();
+    for (int v = 0; v < n; ++v) {
+        for (int e = 0; e < m_elements; ++e) {
+            const std::vector<double>& list = m_params[std::size_t(v)]->elements[std::size_t(e)].element;
+            const double along = list.empty() ? 0.0 : list.front();
+            m_elementPoints.push_back(m_positions[std::size_t(v)] + m_miters[std::size_t(v)] * along);
+        }
+    }
 
     m_elementPens.clear();
     const int stylePens = style ? style->numElements() : 0;
@@ -113,11 +121,9 @@ void MlineRenderer::draw(const KxDbMline& mline, const KxDbMlineStyle* style, co
     m_mline = nullptr;
 }
 
-KxGePoint3d MlineRenderer::elementPoint(int vertex, int element) const
+const KxGePoint3d& MlineRenderer::elementPoint(int vertex, int element) const
 {
-    const std::vector<double>& list = m_params[std::size_t(vertex)]->elements[std::size_t(element)].element;
-    const double along = list.empty() ? 0.0 : list.front();
-    return m_positions[std::size_t(vertex)] + m_miters[std::size_t(vertex)] * along;
+    return m_elementPoints[std::size_t(vertex * m_elements + element)];
 }
 
 // Runs that go on across a vertex continue one polyline, so that joins and

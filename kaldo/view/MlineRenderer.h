@@ -28,7 +28,8 @@ private:
         int continuous = 0;  // colour only: caps and joints
     };
 
-    KxGePoint3d elementPoint(int vertex, int element) const;
+    // Where an element crosses a vertex's miter.
+    const KxGePoint3d& elementPoint(int vertex, int element) const;
     void drawElement(int element, bool closed);
     void drawFill(const DrawColor& color, bool closed);
     void drawJoints(bool closed);
@@ -44,6 +45,7 @@ private:
     std::vector<KxGePoint3d> m_positions;
     std::vector<KxGeVector3d> m_axes;
     std::vector<KxGeVector3d> m_miters;
+    std::vector<KxGePoint3d> m_elementPoints;  // per vertex, per element
     std::vector<ElementPens> m_elementPens;
 };
 

@@ -1,0 +1,96 @@
+// How fast a drawing of 100 000 multilines (4 elements, 10 vertices each)
+// is rendered: the database turned into a scene, the scene painted on a
+// 2000 px image, and the whole export to a PNG file.
+#include "kaldo/view/DrawingRenderer.h"
+#include "kaldo/view/PictureExport.h"
+#include "kaldo/view/PngExport.h"
+#include "kxdb.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace {
+
+constexpr int kMultilines = 100000;
+constexpr int kColumns = 320;
+constexpr kaldo::view::PictureOptions kPicture{2000, kaldo::view::Background::White};
+
+KxDbObjectId addFourElementStyle(KxDbDatabase& db)
+{
+    auto* style = new KxDbMlineStyle;
+    style->setName(L"FOUR");
+    int index = 0;
+    const double offsets[] = {0.6, 0.2, -0.2, -0.6};
+    for (int i = 0; i < 4; ++i) {
+        KxCmColor color;
+        color.setColorIndex(i + 1);
+        style->addElement(index, offsets[i], color, db.byLayerLinetype());
+    }
+    style->setStartSquareCap(true);
+    style->setEndSquareCap(true);
+    KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
+    KxDbObjectId id;
+    dict->setAt(L"FOUR", style, id);
+    style->close();
+    return id;
+}
+
+// Multilines in a grid of cells, each a zigzag of ten vertices.
+std::unique_ptr<KxDbDatabase> buildDrawing()
+{
+    auto db = std::make_unique<KxDbDatabase>();
+    const KxDbObjectId style = addFourElementStyle(*db);
+    for (int m = 0; m < kMultilines; ++m) {
+        const double x0 = (m % kColumns) * 100.0;
+        const double y0 = (m / kColumns) * 40.0;
+        auto* mline = new KxDbMline;
+        mline->setDatabaseDefaults(db.get());
+        mline->setStyle(style);
+        for (int v = 0; v < 10; ++v)
+            mline->appendSeg({x0 + v * 9.0, y0 + (v % 2) * 12.0 + m % 7, 0.0});
+        db->addToCurrentSpace(mline);
+        mline->close();
+    }
+    return db;
+}
+
+void BM_RenderDrawingToScene(benchmark::State& state)
+{
+    const auto db = buildDrawing();
+    for (auto _ : state) {
+        const kaldo::view::Scene scene = kaldo::view::renderDrawing(*db);
+        benchmark::DoNotOptimize(scene.polylines().data());
+        state.counters["polylines"] = double(scene.polylines().size());
+    }
+}
+BENCHMARK(BM_RenderDrawingToScene)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void BM_PaintSceneOn2000pxImage(benchmark::State& state)
+{
+    const auto db = buildDrawing();
+    const kaldo::view::Scene scene = kaldo::view::renderDrawing(*db);
+    for (auto _ : state) {
+        const QImage image = kaldo::view::paintScene(scene, kPicture);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+BENCHMARK(BM_PaintSceneOn2000pxImage)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void BM_ExportDrawingTo2000pxPng(benchmark::State& state)
+{
+    const auto db = buildDrawing();
+    QTemporaryDir dir;
+    const std::filesystem::path file = dir.filePath("render.png").toStdString();
+    for (auto _ : state) {
+        if (const std::string problem = kaldo::view::exportPicture(*db, file, kPicture); !problem.empty())
+            state.SkipWithError(problem.c_str());
+    }
+}
+BENCHMARK(BM_ExportDrawingTo2000pxPng)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+}  // namespace
+
+BENCHMARK_MAIN();
