@@ -7,6 +7,7 @@
 #include "kaldo/view/MlineRenderer.h"
 #include "kaldo/view/PenResolver.h"
 #include "kaldo/view/PlaneArc.h"
+#include "kaldo/view/PolylineRenderer.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
@@ -28,6 +29,11 @@ void drawArc(const KxDbArc& arc, int pen, Scene& scene)
     if (sweep <= 0)
         sweep += 2 * std::numbers::pi;
     addPlaneArc(scene, EntityPlane(arc.normal()), arc.center(), arc.radius(), arc.startAngle(), sweep, pen);
+}
+
+void drawCircle(const KxDbCircle& circle, int pen, Scene& scene)
+{
+    addPlaneArc(scene, EntityPlane(circle.normal()), circle.center(), circle.radius(), 0, 2 * std::numbers::pi, pen);
 }
 
 void drawMline(const KxDbMline& mline, const LayerLook& layer, MlineRenderer& renderer)
@@ -67,6 +73,10 @@ Scene renderDrawing(const KxDbDatabase& db)
             drawLine(*line, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
         else if (const auto* arc = KxDbArc::cast(entity.get()))
             drawArc(*arc, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
+        else if (const auto* circle = KxDbCircle::cast(entity.get()))
+            drawCircle(*circle, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
+        else if (const auto* polyline = KxDbPolyline::cast(entity.get()))
+            drawPolyline(*polyline, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
     }
     return scene;
 }

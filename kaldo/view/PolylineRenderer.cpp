@@ -1,0 +1,64 @@
+#include "kaldo/view/PolylineRenderer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "kaldo/db/EntityPlane.h"
+#include "kxdbents.h"
+
+namespace kaldo::view {
+
+namespace {
+
+// Points after from along a segment of the plane, up to and with to; a
+// bulge b turns it into an arc of included angle 4 atan(b), counter-
+// clockwise for positive b.
+void addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to, double elevation,
+                const EntityPlane& plane, Scene& scene)
+{
+    const auto add = [&](double x, double y) {
+        const KxGePoint3d p = plane.toWorld(KxGePoint3d(x, y, elevation));
+        scene.addPoint({p.x, p.y});
+    };
+    const double chord = std::hypot(to.x - from.x, to.y - from.y);
+    if (from.bulge == 0 || chord == 0) {
+        add(to.x, to.y);
+        return;
+    }
+    const double included = 4 * std::atan(from.bulge);
+    const double radius = chord / (2 * std::sin(std::abs(included) / 2));
+    // The centre lies off the chord's midpoint, to the left for a
+    // counter-clockwise arc of less than half a turn.
+    const double midX = (from.x + to.x) / 2, midY = (from.y + to.y) / 2;
+    const double offset = (1 - from.bulge * from.bulge) / (4 * from.bulge) * chord;
+    const double cx = midX - (to.y - from.y) / chord * offset;
+    const double cy = midY + (to.x - from.x) / chord * offset;
+    const double start = std::atan2(from.y - cy, from.x - cx);
+    const int steps = std::max(2, int(std::ceil(std::abs(included) / (2 * std::numbers::pi) * 64)));
+    for (int i = 1; i < steps; ++i) {
+        const double a = start + included * i / steps;
+        add(cx + radius * std::cos(a), cy + radius * std::sin(a));
+    }
+    add(to.x, to.y);
+}
+
+}  // namespace
+
+void drawPolyline(const KxDbPolyline& polyline, int pen, Scene& scene)
+{
+    const std::vector<KxDbPolyline::Vertex>& vertices = polyline.vertices();
+    if (vertices.empty())
+        return;
+    const EntityPlane plane(polyline.normal());
+    scene.beginPolyline(pen);
+    const KxGePoint3d first = plane.toWorld(KxGePoint3d(vertices[0].x, vertices[0].y, polyline.elevation()));
+    scene.addPoint({first.x, first.y});
+    for (std::size_t i = 1; i < vertices.size(); ++i)
+        addSegment(vertices[i - 1], vertices[i], polyline.elevation(), plane, scene);
+    if (polyline.isClosed() && vertices.size() > 1)
+        addSegment(vertices.back(), vertices.front(), polyline.elevation(), plane, scene);
+    scene.endPolyline(polyline.isClosed());
+}
+
+}  // namespace kaldo::view
