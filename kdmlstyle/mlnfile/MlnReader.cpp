@@ -23,8 +23,6 @@ constexpr int kFaultSourceLine = 441;
 // The fault code of a C++ exception (hardware faults give their signal).
 constexpr int kExceptionFaultCode = 0;
 
-constexpr std::uint32_t kTrueColorMethodBits = std::uint32_t(KxCmColor::kByColor) << 24;
-
 std::wstring trimmed(const wchar_t* text)
 {
     std::wstring_view view(text);
@@ -96,7 +94,7 @@ public:
                 style_.setFillColor(fill);
                 break;
             case MlnItem::Kind::fillTrueColor:
-                fill.setColor(static_cast<std::uint32_t>(item_->number) | kTrueColorMethodBits);
+                fill.setColor(static_cast<std::uint32_t>(item_->number) | kMlnTrueColorMethodBits);
                 style_.setFillColor(fill);
                 break;
             case MlnItem::Kind::fillColorBookKey:

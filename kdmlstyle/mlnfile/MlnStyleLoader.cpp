@@ -51,7 +51,7 @@ KxDbObjectId loadMlnStyleIntoDictionary(KxDbObjectId dictionaryId, const wchar_t
         if (dictionary->getAt(name, target) != Kald::eOk) {
             auto style = newDefaultStyle(name, database);
             if (dictionary->setAt(name, style.get(), target) == Kald::eOk)
-                KxDbObjectPtr<KxDbMlineStyle>(style.release());
+                style.release()->close();
             else
                 target.setNull();
         }
@@ -87,7 +87,7 @@ bool loadMlnStyleIntoDatabase(KxDbDatabase* database, const wchar_t* name, const
     KxDbObjectId id;
     if (dictionary->setAt(name, style.get(), id) != Kald::eOk)
         return false;
-    KxDbObjectPtr<KxDbMlineStyle>(style.release());
+    style.release()->close();
     return true;
 }
 

@@ -10,8 +10,6 @@ namespace kdml {
 
 namespace {
 
-constexpr std::uint32_t kTrueColorMethodBits = std::uint32_t(KxCmColor::kByColor) << 24;
-
 struct Element {
     double offset = 0.0;
     KxCmColor color;
@@ -117,7 +115,7 @@ bool setStyleElementTrueColors(KxDbMlineStyle* style, std::span<const std::int32
             continue;
         changeElement(*style, i, [&](Element& e) {
             e.color.setColorMethod(KxCmColor::kByColor);
-            e.color.setColor(rgb | kTrueColorMethodBits);
+            e.color.setColor(rgb | kMlnTrueColorMethodBits);
         });
     }
     return true;

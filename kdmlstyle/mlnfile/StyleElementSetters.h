@@ -25,6 +25,11 @@ enum MlnStyleFlag : int {
     kMlnEndOuterArc = 0x400,
 };
 
+// The colour method of a true colour (0xC2) in the top byte of a colour
+// value, as a .mln true colour (red * 65536 + green * 256 + blue) is ORed
+// with it.
+inline constexpr std::uint32_t kMlnTrueColorMethodBits = 0xC2000000u;
+
 // Makes the style hold count elements: missing ones are appended (offset
 // 0.5, a placeholder colour, no linetype), surplus ones are removed from the
 // front so that the last ones remain.
