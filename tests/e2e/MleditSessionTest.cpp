@@ -1,0 +1,334 @@
+// -MLEDIT through the real binary: scripts draw multilines with MLINE, edit
+// them with the cross, cut and weld tools, and LIST shows the element lists
+// that result; an independent reader finds them in the saved drawing.
+#include "KaldoProcess.h"
+#include "ListedMlines.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+#include <string>
+#include <vector>
+
+using ::testing::DoubleNear;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+namespace {
+
+constexpr double kListed = 1e-4;  // LIST shows four decimals
+
+// Picks within one pixel; multilines of scale 10 about their axis, so that
+// element lines lie 5 units either side of it (STANDARD).
+const std::string kSetup = "SETVAR\nPICKBOX\n1\nMLINE\nJ\nZ\nS\n10\n^C\n";
+
+// MLINE through the points, ended with Enter (or closed).
+std::string mline(const std::vector<std::string>& points, bool close = false)
+{
+    std::string text = "MLINE\n";
+    for (const std::string& p : points)
+        text += p + "\n";
+    return text + (close ? "C\n" : "\n");
+}
+
+// MLINE in a style of the Support folder's KALDO.mln, loaded on first use.
+std::string mlineInStyle(const std::string& style, bool load, const std::vector<std::string>& points)
+{
+    return "MLINE\nST\n" + style + "\n" + (load ? "KALDO\n" : "") + mline(points).substr(6);
+}
+
+std::string list(const std::vector<std::string>& points)
+{
+    std::string text;
+    for (const std::string& p : points)
+        text += "LIST\n" + p + "\n";
+    return text;
+}
+
+// The element list of one element at one vertex of the n-th listed multiline.
+std::vector<double> runs(const std::vector<ListedMline>& listed, std::size_t n, std::size_t vertex,
+                         std::size_t element)
+{
+    if (n >= listed.size() || vertex >= listed[n].vertices.size()
+        || element >= listed[n].vertices[vertex].elements.size())
+        return {};
+    return listed[n].vertices[vertex].elements[element];
+}
+
+template <class... Values>
+auto listIs(Values... values)
+{
+    return ElementsAre(DoubleNear(values, kListed)...);
+}
+
+// A horizontal multiline and a vertical one crossing it at (50, 0).
+const std::string kCrossingPair = kSetup + mline({"0,0", "100,0"}) + mline({"50,-50", "50,50"});
+
+}  // namespace
+
+TEST(MleditSession, CrossToolsOnTwoElementMultilines)
+{
+    KaldoProcess kaldo;
+    const KaldoRun closed = kaldo.runScript(kCrossingPair + "-MLEDIT\ncc\n20,5\n45,30\n\n" + list({"20,5", "45,30"}));
+    EXPECT_EQ(closed.exitCode, 0) << closed.err;
+    EXPECT_THAT(closed.out, HasSubstr("Enter mline editing option [CC/OC/MC/CT/OT/MT/CJ/AV/DV/CS/CA/WA]: cc\n"
+                                      "Select first mline: 20,5\nSelect second mline: 45,30\n"
+                                      "Select first mline or [Undo]: \nCommand: LIST"));
+    auto listed = listedMlines(closed.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    // The first multiline opens between its crossings with the second's
+    // element lines at x = 45 and 55; the second stays whole.
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0));
+    EXPECT_THAT(runs(listed, 0, 1, 0), listIs(5.0, 0.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0));
+
+    // Open cross (typed in mixed case) also opens the second's outer
+    // elements; with two elements the merged cross does the same.
+    for (const char* tool : {"Oc", "MC"}) {
+        const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\n" + tool + "\n20,5\n45,30\n\n" + list({"20,5", "45,30"}));
+        listed = listedMlines(run.out);
+        ASSERT_THAT(listed, SizeIs(2)) << tool;
+        EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0)) << tool;
+        EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0)) << tool;
+        EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0, 45.0, 55.0)) << tool;
+        EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0)) << tool;
+    }
+
+    // The same cross again changes nothing further.
+    const KaldoRun twice = kaldo.runScript(kCrossingPair + "-MLEDIT\nOC\n20,5\n45,30\n20,-5\n55,-30\n\n" + list({"20,5", "45,30"}));
+    listed = listedMlines(twice.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0));
+}
+
+TEST(MleditSession, CrossToolsOnThreeAndFourElementMultilines)
+{
+    KaldoProcess kaldo;
+    // Three elements over two: every element of the first gets one gap.
+    const KaldoRun closed = kaldo.runScript(kSetup + mlineInStyle("PIPE", true, {"0,0", "100,0"})
+                                            + "MLINE\nST\nSTANDARD\n50,-50\n50,50\n\n"
+                                            + "-MLEDIT\nCC\n20,5\n45,30\n\n" + list({"20,5", "45,30"}));
+    EXPECT_EQ(closed.exitCode, 0) << closed.err;
+    auto listed = listedMlines(closed.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    for (std::size_t e = 0; e < 3; ++e)
+        EXPECT_THAT(runs(listed, 0, 0, e), listIs(5.0 - 5.0 * double(e), 0.0, 45.0, 55.0)) << e;
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
+
+    // Merged cross of two three-element multilines: the outer elements open
+    // between the other's outer ones, the middle ones stay whole.
+    const KaldoRun merged3 = kaldo.runScript(kSetup + mlineInStyle("PIPE", true, {"0,0", "100,0"})
+                                             + mline({"50,-50", "50,50"}) + "-MLEDIT\nMC\n20,5\n45,30\n\n"
+                                             + list({"20,5", "45,30"}));
+    listed = listedMlines(merged3.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    for (std::size_t n = 0; n < 2; ++n) {
+        EXPECT_THAT(runs(listed, n, 0, 0), listIs(5.0, 0.0, 45.0, 55.0)) << n;
+        EXPECT_THAT(runs(listed, n, 0, 1), listIs(0.0, 0.0)) << n;
+        EXPECT_THAT(runs(listed, n, 0, 2), listIs(-5.0, 0.0, 45.0, 55.0)) << n;
+    }
+
+    // Four elements each (at 10, 5, -5, -10): the inner elements open
+    // between the other's inner ones, the outer between the outer ones.
+    const KaldoRun merged4 = kaldo.runScript(kSetup + mlineInStyle("DUCT", true, {"0,0", "100,0"})
+                                             + mline({"50,-50", "50,50"}) + "-MLEDIT\nmc\n20,10\n40,30\n\n"
+                                             + list({"20,10", "40,30"}));
+    listed = listedMlines(merged4.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    for (std::size_t n = 0; n < 2; ++n) {
+        EXPECT_THAT(runs(listed, n, 0, 0), listIs(10.0, 0.0, 40.0, 60.0)) << n;
+        EXPECT_THAT(runs(listed, n, 0, 1), listIs(5.0, 0.0, 45.0, 55.0)) << n;
+        EXPECT_THAT(runs(listed, n, 0, 2), listIs(-5.0, 0.0, 45.0, 55.0)) << n;
+        EXPECT_THAT(runs(listed, n, 0, 3), listIs(-10.0, 0.0, 40.0, 60.0)) << n;
+    }
+}
+
+TEST(MleditSession, CrossingsOnClosedMultilinesAndNearVertices)
+{
+    KaldoProcess kaldo;
+    // A closed square crossed by a straight multiline on its closing
+    // segment (x = 0, running south); the square's elements there lie at
+    // x = 5 and -5 and start 5 units below its corner at (0, 100).
+    const KaldoRun square = kaldo.runScript(kSetup + mline({"0,0", "100,0", "100,100", "0,100"}, true)
+                                            + mline({"-50,50", "150,50"}) + "-MLEDIT\nOC\n-30,45\n-5,70\n\n"
+                                            + list({"-30,45", "-5,70"}));
+    EXPECT_EQ(square.exitCode, 0) << square.err;
+    auto listed = listedMlines(square.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0)) << "only the crossing picked is opened";
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0));
+    ASSERT_TRUE(listed[1].closed);
+    const std::vector<double> closing = runs(listed, 1, 3, 0);
+    ASSERT_THAT(closing, SizeIs(4));
+    EXPECT_NEAR(closing[2], 40.0, kListed);
+    EXPECT_NEAR(closing[3], 50.0, kListed);
+    EXPECT_THAT(runs(listed, 1, 1, 0), SizeIs(2)) << "the square's other segments stay whole";
+
+    // A crossing just past a bend: the axes cross on the first segment's
+    // extension, so the upper element opens from the vertical's element line
+    // at x = 47 to the bend, and the segment after the bend stays whole.
+    const KaldoRun bend = kaldo.runScript(kSetup + mline({"0,0", "50,0", "100,10"}) + mline({"52,-50", "52,50"})
+                                          + "-MLEDIT\nCC\n20,5\n47,-30\n\n" + list({"20,5"}));
+    listed = listedMlines(bend.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 47.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 47.0));
+    const std::vector<double> after = runs(listed, 0, 1, 0);
+    ASSERT_THAT(after, SizeIs(2));
+    EXPECT_NEAR(after[1], 0.0, kListed);
+}
+
+TEST(MleditSession, CutSingleAndCutAll)
+{
+    KaldoProcess kaldo;
+    // Cut single from the upper element to a point on the lower one: the
+    // upper element opens between the first point and the projection of the
+    // second onto it.
+    const KaldoRun single = kaldo.runScript(kSetup + mline({"0,0", "100,0"}) + "-MLEDIT\nCS\n20,5\n30,-5\n\n"
+                                            + list({"10,5"}));
+    EXPECT_EQ(single.exitCode, 0) << single.err;
+    EXPECT_THAT(single.out, HasSubstr("Select mline: 20,5\nSelect second point: 30,-5\nSelect mline or [Undo]: \n"));
+    auto listed = listedMlines(single.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 20.0, 30.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0));
+
+    // Cut all across three segments hides the middle one entirely.
+    const KaldoRun all = kaldo.runScript(kSetup + mline({"0,0", "50,0", "50,50", "100,50"}) + "-MLEDIT\nCA\n20,5\n75,55\n\n"
+                                         + list({"10,5"}));
+    listed = listedMlines(all.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    for (std::size_t e = 0; e < 2; ++e) {
+        const std::vector<double> first = runs(listed, 0, 0, e);
+        ASSERT_THAT(first, SizeIs(3)) << e;
+        EXPECT_NEAR(first[2], 20.0, kListed) << e;
+        EXPECT_THAT(runs(listed, 0, 1, e), SizeIs(1)) << "hidden along segment 1";
+        ASSERT_THAT(runs(listed, 0, 2, e), SizeIs(2)) << e;
+        EXPECT_GT(runs(listed, 0, 2, e)[1], 0.0) << e;
+    }
+}
+
+TEST(MleditSession, WeldAllClosesGapsAndDrawsSegmentsThrough)
+{
+    KaldoProcess kaldo;
+    const KaldoRun gap = kaldo.runScript(kSetup + mline({"0,0", "100,0"}) + "-MLEDIT\nCA\n20,5\n30,5\n\n" + list({"10,5"})
+                                         + "-MLEDIT\nWA\n15,5\n35,-5\n\n" + list({"10,5"}));
+    EXPECT_EQ(gap.exitCode, 0) << gap.err;
+    auto listed = listedMlines(gap.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 20.0, 30.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0));
+
+    // A weld from segment 0 to segment 2 draws segment 1 whole again.
+    const KaldoRun across = kaldo.runScript(kSetup + mline({"0,0", "50,0", "50,50", "100,50"})
+                                            + "-MLEDIT\nCA\n20,5\n75,55\n\n-MLEDIT\nWA\n10,5\n90,55\n\n" + list({"5,5"}));
+    listed = listedMlines(across.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    for (std::size_t e = 0; e < 2; ++e) {
+        EXPECT_THAT(runs(listed, 0, 1, e), SizeIs(2)) << e;
+        EXPECT_NEAR(runs(listed, 0, 1, e).back(), 0.0, kListed) << e;
+        EXPECT_THAT(runs(listed, 0, 0, e), SizeIs(2)) << e;
+    }
+}
+
+TEST(MleditSession, UndoOnceThenTheKeywordIsGone)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nCC\n20,5\n45,30\nu\nU\n\n" + list({"20,5"})
+                                         + "-MLEDIT\nCS\n20,5\n30,5\nundo\n\n" + list({"20,5"}));
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Select first mline or [Undo]: u\nThe last edit was undone.\n"
+                                   "Select first mline: U\nInvalid point."));
+    EXPECT_THAT(run.out, HasSubstr("Select mline or [Undo]: undo\nThe last edit was undone.\nSelect mline: \n"));
+    const auto listed = listedMlines(run.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
+}
+
+TEST(MleditSession, NonMultilinesMissesAndOneMultilinePickedTwice)
+{
+    KaldoProcess kaldo;
+    // A line is refused with a message, a miss silently; the prompt repeats.
+    const KaldoRun refused = kaldo.runScript(kCrossingPair + "LINE\n0,80\n100,80\n\n"
+                                             + "-MLEDIT\nCC\n20,80\n20,60\n20,5\n20,80\n45,30\n\n" + list({"20,5"}));
+    EXPECT_EQ(refused.exitCode, 0) << refused.err;
+    EXPECT_THAT(refused.out, HasSubstr("Select first mline: 20,80\nThe object selected is not a multiline.\n"
+                                       "Select first mline: 20,60\nSelect first mline: 20,5\n"
+                                       "Select second mline: 20,80\nThe object selected is not a multiline.\n"
+                                       "Select second mline: 45,30\n"));
+    EXPECT_THAT(runs(listedMlines(refused.out), 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
+
+    // A multiline that crosses itself: its first segment opens where its
+    // last segment crosses it; picks on neighbouring segments do nothing.
+    const std::string loop = kSetup + mline({"0,0", "100,0", "100,50", "50,50", "50,-50"});
+    const KaldoRun self = kaldo.runScript(loop + "-MLEDIT\nCC\n20,5\n95,20\n20,5\n55,-30\n\n" + list({"20,5"}));
+    EXPECT_THAT(self.out, Not(HasSubstr("do not intersect")));
+    const auto listed = listedMlines(self.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0));
+
+    // Multilines that do not cross get the message and stay as they were.
+    const KaldoRun apart = kaldo.runScript(kSetup + mline({"0,0", "100,0"}) + mline({"0,50", "100,50"})
+                                           + "-MLEDIT\nCC\n20,5\n20,55\n\n" + list({"20,5"}));
+    EXPECT_THAT(apart.out, HasSubstr("Select second mline: 20,55\nThe selected multilines do not intersect.\n"
+                                     "Select first mline: \n"));
+    EXPECT_THAT(runs(listedMlines(apart.out), 0, 0, 0), listIs(5.0, 0.0));
+}
+
+TEST(MleditSession, UnknownCodesCancelAndEnterRunNoTool)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nXX\n\n-MLEDIT\n\n-MLEDIT\n^C\n-MLEDIT\nCT\n" + list({"20,5"}));
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, Not(HasSubstr("Select first mline")));
+    EXPECT_THAT(runs(listedMlines(run.out), 0, 0, 0), listIs(5.0, 0.0));
+}
+
+TEST(MleditSession, AnIndependentReaderFindsTheBreaksInTheSavedFile)
+{
+    KaldoProcess kaldo;
+    const std::string saved = (kaldo.dir() / "cross.dxf").string();
+    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nOC\n20,5\n45,30\n\n",
+                                         {"--save", QString::fromStdString(saved)});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+
+    QProcess python;
+    python.start("/usr/bin/python3", {KALDO_SOURCE_DIR "/tests/dxf/ezdxf_mlines.py", QString::fromStdString(saved)});
+    ASSERT_TRUE(python.waitForFinished(120000));
+    ASSERT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+    const QJsonObject file = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
+    EXPECT_TRUE(file["errors"].toArray().isEmpty());
+    EXPECT_TRUE(file["fixes"].toArray().isEmpty());
+    const QJsonArray mlines = file["mlines"].toArray();
+    ASSERT_EQ(mlines.size(), 2);
+    // Both multilines: at the first vertex every element is drawn from 0 to
+    // 45 and from 55 on; at the last vertex nothing changed.
+    for (const QJsonValue mline : mlines) {
+        const QJsonArray vertices = mline.toObject()["vertices"].toArray();
+        ASSERT_EQ(vertices.size(), 2);
+        const QJsonArray start = vertices[0].toObject()["element"].toArray();
+        ASSERT_EQ(start.size(), 2);
+        for (int e = 0; e < 2; ++e) {
+            const QJsonArray params = start[e].toArray();
+            ASSERT_EQ(params.size(), 4);
+            EXPECT_NEAR(params[0].toDouble(), e == 0 ? 5.0 : -5.0, 1e-9);
+            EXPECT_NEAR(params[1].toDouble(), 0.0, 1e-9);
+            EXPECT_NEAR(params[2].toDouble(), 45.0, 1e-9);
+            EXPECT_NEAR(params[3].toDouble(), 55.0, 1e-9);
+        }
+        EXPECT_EQ(vertices[1].toObject()["element"].toArray()[0].toArray().size(), 2);
+    }
+}
