@@ -90,14 +90,20 @@ TEST_F(StyleElementSettersTest, ColourIndicesTrueColoursAndBookKeys)
     EXPECT_EQ(elementOf(style, 2).color.color() & 0xFFFFFFu, 0x123456u);
 
     using Key = std::optional<std::wstring>;
-    const std::array<Key, 2> nullFirst = {std::nullopt, L"BOOK$RED"};
-    kdml::setStyleElementColorBookKeys(&style, nullFirst);
-    EXPECT_STREQ(elementOf(style, 1).color.getDictionaryKey(), L"");
-
-    const std::array<Key, 3> keys = {L"BOOK$RED", L"BOOK$GREEN", L"$BAD"};
+    const std::array<Key, 3> keys = {L"BOOK$RED", L"BOOK$GREEN", L"BOOK$BLUE"};
     kdml::setStyleElementColorBookKeys(&style, keys);
     EXPECT_STREQ(elementOf(style, 0).color.getDictionaryKey(), L"BOOK$RED");
     EXPECT_STREQ(elementOf(style, 1).color.getDictionaryKey(), L"BOOK$GREEN");
+    EXPECT_STREQ(elementOf(style, 2).color.getDictionaryKey(), L"BOOK$BLUE");
+
+    // A null first entry: no element is touched.
+    const std::array<Key, 2> nullFirst = {std::nullopt, L"BOOK$GREY"};
+    kdml::setStyleElementColorBookKeys(&style, nullFirst);
+    EXPECT_STREQ(elementOf(style, 1).color.getDictionaryKey(), L"BOOK$GREEN");
+
+    // A key that is refused clears the element's names.
+    const std::array<Key, 3> refused = {L"BOOK$RED", L"BOOK$GREEN", L"$BAD"};
+    kdml::setStyleElementColorBookKeys(&style, refused);
     EXPECT_STREQ(elementOf(style, 2).color.getDictionaryKey(), L"");
 
     EXPECT_TRUE(kdml::isColorBookKey(L"BOOK$COLOUR"));
