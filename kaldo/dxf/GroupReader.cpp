@@ -61,6 +61,31 @@ bool GroupReader::readLine(std::string_view& line)
     }
 }
 
+namespace {
+
+// The group code of a line: digits with blanks around and an optional sign.
+bool parseCode(std::string_view text, int& code)
+{
+    text = trimmed(text);
+    bool negative = false;
+    if (!text.empty() && text.front() == '-') {
+        negative = true;
+        text.remove_prefix(1);
+    }
+    if (text.empty() || text.size() > 6)
+        return false;
+    int value = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9')
+            return false;
+        value = value * 10 + (c - '0');
+    }
+    code = negative ? -value : value;
+    return true;
+}
+
+}  // namespace
+
 bool GroupReader::next(Group& group)
 {
     if (pushedBack_) {
@@ -72,18 +97,15 @@ bool GroupReader::next(Group& group)
     if (!readLine(codeLine))
         return false;
     const long codeLineNumber = lineNumber_;
-    const std::string_view codeText = trimmed(codeLine);
     int code = 0;
-    const auto [end, ec] = std::from_chars(codeText.data(), codeText.data() + codeText.size(), code);
-    if (codeText.empty() || ec != std::errc() || end != codeText.data() + codeText.size())
-        throw DxfError(codeLineNumber, "a group code was expected, not \"" + std::string(codeText.substr(0, 40))
-                                           + "\".");
+    if (!parseCode(codeLine, code))
+        throw DxfError(codeLineNumber, "a group code was expected, not \""
+                                           + std::string(trimmed(codeLine).substr(0, 40)) + "\".");
     std::string_view valueLine;
     if (!readLine(valueLine))
         throw DxfError(codeLineNumber, "the file ends after group code " + std::to_string(code)
                                            + " without its value.");
-    value_.assign(valueLine);
-    current_ = Group{code, value_, codeLineNumber};
+    current_ = Group{code, valueLine, codeLineNumber};
     group = current_;
     return true;
 }

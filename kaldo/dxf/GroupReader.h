@@ -29,7 +29,8 @@ public:
 
     // The next group; false at a clean end of the input. Throws DxfError
     // for a code line that is not a number, a value line that is missing,
-    // or a line that is too long. The value stays valid until the next call.
+    // or a line that is too long. The value points into the reader's buffer
+    // and stays valid until the next call.
     bool next(Group& group);
     // Makes the next call give the same group again.
     void pushBack() { pushedBack_ = true; }
@@ -45,7 +46,6 @@ private:
     const char* end_ = nullptr;
     bool eof_ = false;
     long lineNumber_ = 0;
-    std::string value_;
     Group current_;
     bool pushedBack_ = false;
 };

@@ -47,6 +47,7 @@ public:
             else if (v.elements.empty())
                 throw DxfError(g.line, "area-fill parameters (75) before the element's parameters (74).");
             list_ = g.code == 74 ? &v.elements.back().element : &v.elements.back().areaFill;
+            list_->reserve(std::size_t(count));
             listCode_ = g.code == 74 ? 41 : 42;
             remaining_ = long(count);
             listLine_ = g.line;

@@ -7,6 +7,7 @@ void Record::read(GroupReader& reader, const Group& head)
     kind_.assign(trimmed(head.value));
     line_ = head.line;
     size_ = 0;
+    text_.clear();
     Group g;
     while (reader.next(g)) {
         if (g.code == 0) {
@@ -15,10 +16,8 @@ void Record::read(GroupReader& reader, const Group& head)
         }
         if (size_ == fields_.size())
             fields_.emplace_back();
-        Field& f = fields_[size_++];
-        f.code = g.code;
-        f.value.assign(g.value);
-        f.line = g.line;
+        fields_[size_++] = Field{g.code, std::uint32_t(text_.size()), std::uint32_t(g.value.size()), g.line};
+        text_.append(g.value);
     }
 }
 
@@ -26,9 +25,10 @@ std::vector<KxDbFileGroup> Record::allGroups() const
 {
     std::vector<KxDbFileGroup> groups;
     groups.reserve(size_);
-    for (std::size_t i = 0; i < size_; ++i)
-        groups.push_back(
-            KxDbFileGroup{std::int16_t(fields_[i].code), 0, fields_[i].value});
+    for (std::size_t i = 0; i < size_; ++i) {
+        const Group g = at(i);
+        groups.push_back(KxDbFileGroup{std::int16_t(g.code), 0, std::string(g.value)});
+    }
     return groups;
 }
 

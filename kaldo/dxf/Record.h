@@ -24,21 +24,24 @@ public:
     Group at(std::size_t index) const
     {
         const Field& f = fields_[index];
-        return Group{f.code, f.value, f.line};
+        return Group{f.code, std::string_view(text_).substr(f.offset, f.length), f.line};
     }
     // Every group as read, for a record that is kept whole.
     std::vector<KxDbFileGroup> allGroups() const;
 
 private:
+    // Values live one after the other in text_, reused from record to record.
     struct Field {
         int code = 0;
-        std::string value;
+        std::uint32_t offset = 0;
+        std::uint32_t length = 0;
         long line = 0;
     };
     std::string kind_;
     long line_ = 0;
     std::vector<Field> fields_;
     std::size_t size_ = 0;
+    std::string text_;
 };
 
 // The handle, owner and unmodelled groups of a record being taken apart.

@@ -1,0 +1,152 @@
+// How fast drawings go to and come from DXF files: a drawing of 100 000
+// multilines of 4 elements and 10 vertices (built by our own code) saved
+// and opened, in MB/s and ms, beside Debian's ezdxf reading and writing the
+// same file in the same run; peak memory of both. KALDO_BENCH_MULTILINES
+// changes the count (ezdxf needs minutes and gigabytes for the full file).
+#include "kaldo/dxf/DxfFile.h"
+#include "kxdb.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+namespace {
+
+int multilineCount()
+{
+    const char* text = std::getenv("KALDO_BENCH_MULTILINES");
+    return text ? std::max(1, std::atoi(text)) : 100000;
+}
+
+KxDbObjectId addFourElementStyle(KxDbDatabase& db)
+{
+    auto* style = new KxDbMlineStyle;
+    style->setName(L"FOUR");
+    int index = 0;
+    for (const double offset : {0.6, 0.2, -0.2, -0.6})
+        style->addElement(index, offset, KxCmColor(), db.byLayerLinetype());
+    KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
+    KxDbObjectId id;
+    dict->setAt(L"FOUR", style, id);
+    style->close();
+    return id;
+}
+
+std::unique_ptr<KxDbDatabase> buildDrawing(int count)
+{
+    auto db = std::make_unique<KxDbDatabase>();
+    const KxDbObjectId style = addFourElementStyle(*db);
+    for (int m = 0; m < count; ++m) {
+        auto* mline = new KxDbMline;
+        mline->setDatabaseDefaults(db.get());
+        mline->setStyle(style);
+        const double x0 = (m % 320) * 100.0, y0 = (m / 320) * 40.0;
+        for (int v = 0; v < 10; ++v)
+            mline->appendSeg({x0 + v * 9.0, y0 + (v % 2) * 12.0 + m % 7, 0.0});
+        db->addToCurrentSpace(mline);
+        mline->close();
+    }
+    return db;
+}
+
+// The file every benchmark of this run uses, written once.
+struct SharedFile {
+    QTemporaryDir dir;
+    std::filesystem::path path;
+    double megabytes = 0;
+    SharedFile()
+    {
+        path = dir.filePath("bench.dxf").toStdString();
+        auto db = buildDrawing(multilineCount());
+        kaldo::dxf::KeptSections kept;
+        kaldo::dxf::saveDxfFile(path, *db, kept);
+        megabytes = double(std::filesystem::file_size(path)) / 1e6;
+    }
+};
+
+SharedFile& sharedFile()
+{
+    static SharedFile file;
+    return file;
+}
+
+double peakMegabytes(int who)
+{
+    rusage usage{};
+    getrusage(who, &usage);
+    return double(usage.ru_maxrss) / 1024.0;
+}
+
+void report(benchmark::State& state, double seconds)
+{
+    state.SetIterationTime(seconds);
+    state.counters["MB"] = sharedFile().megabytes;
+    state.counters["MB/s"] = sharedFile().megabytes / seconds;
+    state.counters["ms"] = seconds * 1e3;
+}
+
+void BM_SaveDrawing(benchmark::State& state)
+{
+    auto db = buildDrawing(multilineCount());
+    kaldo::dxf::KeptSections kept;
+    const std::filesystem::path out = sharedFile().dir.filePath("saved.dxf").toStdString();
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        kaldo::dxf::saveDxfFile(out, *db, kept);
+        report(state, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+}
+BENCHMARK(BM_SaveDrawing)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void BM_OpenDrawing(benchmark::State& state)
+{
+    const std::filesystem::path path = sharedFile().path;
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(path);
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        benchmark::DoNotOptimize(drawing.database.get());
+        report(state, seconds);
+    }
+    state.counters["peak_MB"] = peakMegabytes(RUSAGE_SELF);
+}
+BENCHMARK(BM_OpenDrawing)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// ezdxf reads and writes the same file in a child process; its own clock
+// leaves out the interpreter's start.
+void BM_EzdxfOpenAndSave(benchmark::State& state)
+{
+    const QString in = QString::fromStdString(sharedFile().path.string());
+    const QString out = sharedFile().dir.filePath("ezdxf.dxf");
+    for (auto _ : state) {
+        QProcess python;
+        python.start("/usr/bin/python3", {QString(KALDO_SOURCE_DIR "/bench/ezdxf_io.py"), in, out});
+        python.waitForFinished(-1);
+        const QJsonObject result = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
+        if (python.exitCode() != 0 || result.isEmpty()) {
+            state.SkipWithError("ezdxf did not run (is python3-ezdxf installed?)");
+            return;
+        }
+        const double read = result["read_seconds"].toDouble();
+        report(state, read);
+        state.counters["write_ms"] = result["write_seconds"].toDouble() * 1e3;
+        state.counters["write_MB/s"] = sharedFile().megabytes / result["write_seconds"].toDouble();
+        state.counters["peak_MB"] = result["peak_mb"].toDouble();
+    }
+}
+BENCHMARK(BM_EzdxfOpenAndSave)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
+
+}  // namespace
+
+BENCHMARK_MAIN();
