@@ -1,6 +1,7 @@
 // MLINE through the real binary: scripts draw multilines, LIST shows what
 // reached the drawing, SETVAR what the command wrote to the variables.
 #include "KaldoProcess.h"
+#include "ListedMlines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +12,6 @@
 #include <QProcess>
 
 #include <cmath>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -21,77 +21,6 @@ using ::testing::Not;
 using ::testing::SizeIs;
 
 namespace {
-
-struct Vec {
-    double x = 0, y = 0, z = 0;
-};
-
-// One vertex of a multiline as LIST shows it.
-struct ListedVertex {
-    Vec position, direction, miter;
-    std::vector<std::vector<double>> elements, fills;
-};
-
-struct ListedMline {
-    double scale = 0;
-    int justification = -1;
-    bool closed = false;
-    std::string style;
-    Vec normal;
-    std::vector<ListedVertex> vertices;
-};
-
-// "X=1.0000  Y=2.0000  Z=0.0000" after the given label.
-Vec vecAfter(const std::string& line, const std::string& label)
-{
-    Vec v;
-    std::sscanf(line.c_str() + line.find(label) + label.size(), " X=%lf Y=%lf Z=%lf", &v.x, &v.y, &v.z);
-    return v;
-}
-
-std::vector<double> numbersIn(const std::string& text)
-{
-    std::istringstream in(text);
-    std::vector<double> values;
-    for (double value; in >> value;)
-        values.push_back(value);
-    return values;
-}
-
-// Every multiline LIST showed in the transcript, in order.
-std::vector<ListedMline> listedMlines(const std::string& out)
-{
-    std::vector<ListedMline> found;
-    std::istringstream in(out);
-    for (std::string line; std::getline(in, line);) {
-        if (line.rfind("MLINE  handle:", 0) == 0) {
-            found.emplace_back();
-        } else if (found.empty()) {
-            continue;
-        } else if (line.rfind("  scale: ", 0) == 0) {
-            std::sscanf(line.c_str(), "  scale: %lf  justification: %d", &found.back().scale,
-                        &found.back().justification);
-            found.back().closed = line.find("closed") != std::string::npos;
-        } else if (line.rfind("  style: ", 0) == 0) {
-            found.back().style = line.substr(9, line.find("  normal:") - 9);
-            found.back().normal = vecAfter(line, "normal:");
-        } else if (line.rfind("  vertex ", 0) == 0) {
-            found.back().vertices.push_back({vecAfter(line, ":"), {}, {}, {}, {}});
-        } else if (found.back().vertices.empty()) {
-            continue;
-        } else if (line.rfind("    direction:", 0) == 0) {
-            found.back().vertices.back().direction = vecAfter(line, "direction:");
-        } else if (line.rfind("    miter:", 0) == 0) {
-            found.back().vertices.back().miter = vecAfter(line, "miter:");
-        } else if (line.rfind("    element ", 0) == 0) {
-            const std::size_t colon = line.find(':');
-            const std::size_t fill = line.find("fill:");
-            found.back().vertices.back().elements.push_back(numbersIn(line.substr(colon + 1, fill - colon - 1)));
-            found.back().vertices.back().fills.push_back(numbersIn(line.substr(fill + 5)));
-        }
-    }
-    return found;
-}
 
 constexpr double kListed = 1e-4;  // LIST shows four decimals
 
@@ -303,19 +232,19 @@ std::vector<double> standardOffsets(int justification, double scale)
     }
 }
 
-Vec along(const Vec& p, const Vec& d, double t)
+ListedVec along(const ListedVec& p, const ListedVec& d, double t)
 {
     return {p.x + d.x * t, p.y + d.y * t, p.z + d.z * t};
 }
 
 // The signed distance of p from the line through a with unit direction d,
 // positive on its left.
-double leftDistance(const Vec& p, const Vec& a, const Vec& d)
+double leftDistance(const ListedVec& p, const ListedVec& a, const ListedVec& d)
 {
     return -(p.x - a.x) * d.y + (p.y - a.y) * d.x;
 }
 
-Vec unitFromTo(const Vec& a, const Vec& b)
+ListedVec unitFromTo(const ListedVec& a, const ListedVec& b)
 {
     const double len = std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
     return {(b.x - a.x) / len, (b.y - a.y) / len, (b.z - a.z) / len};
@@ -383,7 +312,7 @@ TEST(MlineSession, ElementsLieAtTheirOffsetsFromEverySegment)
             const bool last = v + 1 == n;
             // Directions: towards the next vertex; the closing segment back
             // to the first; the last vertex of an open one keeps the one before.
-            const Vec expected = last ? (shape.closed ? unitFromTo(vertex.position, mline.vertices[0].position)
+            const ListedVec expected = last ? (shape.closed ? unitFromTo(vertex.position, mline.vertices[0].position)
                                                       : mline.vertices[v - 1].direction)
                                       : unitFromTo(vertex.position, mline.vertices[v + 1].position);
             EXPECT_THAT(vertex.direction, IsVec(expected.x, expected.y, expected.z)) << "vertex " << v;
@@ -394,7 +323,7 @@ TEST(MlineSession, ElementsLieAtTheirOffsetsFromEverySegment)
                 ASSERT_THAT(vertex.elements[e], SizeIs(2));
                 EXPECT_EQ(vertex.elements[e][1], 0);
                 EXPECT_THAT(vertex.fills[e], SizeIs(2));
-                const Vec point = along(vertex.position, vertex.miter, vertex.elements[e][0]);
+                const ListedVec point = along(vertex.position, vertex.miter, vertex.elements[e][0]);
                 // Four decimals of miter and entry 0 each: a looser bound.
                 constexpr double kTolerance = 2e-3;
                 EXPECT_NEAR(leftDistance(point, vertex.position, vertex.direction), offsets[e], kTolerance)
