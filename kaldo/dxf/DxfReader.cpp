@@ -171,6 +171,25 @@ void resolveReferences(ReadContext& context)
     }
 }
 
+// Puts the lists of every vertex in the order of the style's elements.
+void reorderElements(KxDbMline& mline, const std::vector<std::size_t>& places, long line)
+{
+    for (int v = 0; v < mline.numVertices(); ++v) {
+        KxArray params;
+        mline.getParametersAt(v, params);
+        KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(params);
+        if (record->elements.size() != places.size()) {
+            record->release();
+            throw DxfError(line, "the multiline has another number of elements than its style.");
+        }
+        std::vector<KxDbMlineElementParams> ordered(places.size());
+        for (std::size_t i = 0; i < places.size(); ++i)
+            ordered[places[i]] = std::move(record->elements[i]);
+        record->elements = std::move(ordered);
+        record->release();
+    }
+}
+
 void resolveMlineStyles(ReadContext& context)
 {
     KxDbDatabase& db = context.db;
@@ -187,6 +206,9 @@ void resolveMlineStyles(ReadContext& context)
             style = standard;
         }
         auto* mline = KxDbMline::cast(db.peekObject(ref.mline));
+        if (const auto places = context.styleElementPlaces.find(db.peekObject(style)->handle());
+            places != context.styleElementPlaces.end())
+            reorderElements(*mline, places->second, ref.line);
         KxDbSystemInternals::getImpObject(mline)->setStoredProperties(
             style, mline->justification(), mline->scale(), mline->normal(), mline->closedMline(),
             mline->supressStartCaps(), mline->supressEndCaps());

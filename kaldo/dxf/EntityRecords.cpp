@@ -211,7 +211,7 @@ void append(ReadContext& context, KxDbEntity* entity, RecordBasics& basics, KxDb
         throw DxfError(line, "the entity belongs to no block.");
     }
     basics.owner = 0;
-    context.add(entity, basics);
+    context.add(entity, std::move(basics));
     space->appendKxDbEntity(entity);
 }
 

@@ -13,7 +13,9 @@
 #include "kxdbunmodelled.h"
 #include "kxstring.h"
 
+#include <algorithm>
 #include <memory>
+#include <numeric>
 #include <numbers>
 
 namespace kaldo::dxf {
@@ -135,7 +137,19 @@ void readMlineStyle(const Record& record, ReadContext& context)
         int index = 0;
         style->addElement(index, e.offset, e.color, context.linetype(e.linetype), false);
     }
-    context.add(style.release(), basics);
+    // The style keeps its elements by offset, largest first (equal offsets
+    // in file order); multilines follow the file's order.
+    std::vector<std::size_t> order(elements.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return elements[a].offset > elements[b].offset; });
+    std::vector<std::size_t> places(order.size());
+    for (std::size_t place = 0; place < order.size(); ++place)
+        places[order[place]] = place;
+    const bool reordered = !std::is_sorted(order.begin(), order.end());
+    const KxDbObjectId id = context.add(style.release(), std::move(basics));
+    if (reordered)
+        context.styleElementPlaces[context.db.peekObject(id)->handle()] = std::move(places);
 }
 
 void writeDictionary(GroupWriter& w, const KxDbDatabase& db, const KxDbDictionary& dict)

@@ -10,13 +10,13 @@
 
 namespace kaldo::dxf {
 
-KxDbObjectId ReadContext::add(KxDbObject* obj, const RecordBasics& basics)
+KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
 {
     std::unique_ptr<KxDbObject> owned(obj);
     db.addObject(obj, basics.handle);
     owned.release();
     maxHandle = std::max(maxHandle, obj->handle());
-    obj->setKeptGroups(basics.kept);
+    obj->setKeptGroups(std::move(basics.kept));
     if (basics.owner != 0)
         ownerReferences.push_back({obj->objectId(), basics.owner});
     obj->close();

@@ -43,6 +43,10 @@ struct ReadContext {
         long line;
     };
     std::vector<DictionaryEntry> dictionaryEntries;
+    // Styles whose elements the file lists in another order than by offset:
+    // for each element in file order, its place in the style. The lists of
+    // the style's multilines are put in the same order.
+    std::unordered_map<std::uint64_t, std::vector<std::size_t>> styleElementPlaces;
     struct OwnerReference {
         KxDbObjectId object;
         std::uint64_t owner;
@@ -51,7 +55,7 @@ struct ReadContext {
 
     // Adds a new object under its file handle (a new one when the file gave
     // none or a taken one) and closes it; remembers its owner for later.
-    KxDbObjectId add(KxDbObject* obj, const RecordBasics& basics);
+    KxDbObjectId add(KxDbObject* obj, RecordBasics basics);
 
     // A layer or linetype by name (as spelled, then without regard to
     // case); a missing one is added to its table so that nothing is lost.

@@ -114,3 +114,34 @@ TEST(DxfMlineStyles, MissingDictionaryAndStandardAreAddedAboveTheSeed)
     EXPECT_EQ(styles->handle(), 0x17u);
     styles->close();
 }
+
+TEST(DxfMlineStyles, ElementsListedOutOfOrderKeepTheirListsWithThem)
+{
+    // The file lists the lower element first; the style keeps the upper one
+    // first, and the multiline's lists move with their elements.
+    const std::string reversed = groupText({
+        "0", "MLINESTYLE", "5", "40", "330", "17", "100", "AcDbMlineStyle", "2", "Fancy", "70", "0", "3", "", "62",
+        "256", "51", "90", "52", "90", "71", "2", "49", "-0.25", "62", "5", "6", "BYLAYER", "49", "0.75", "62", "1",
+        "6", "BYLAYER"});
+    std::string mline = mlineOfStyle("40");
+    const auto swap = [&mline](const std::string& from, const std::string& to) {
+        mline.replace(mline.find(from), from.size(), to);
+    };
+    swap("41\n0.75\n41\n0\n75\n1\n42\n0.75\n", "41\n-0.25\n41\n0\n75\n1\n42\n-0.2\n");
+    swap("41\n-0.25\n41\n0\n75\n0\n", "41\n0.75\n41\n0\n75\n0\n");
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(mline, kRootAndStyles + reversed + kNamelessStyle));
+    const auto* style = KxDbMlineStyle::cast(drawing.database->peekObject(drawing.database->objectIdFromHandle(0x40)));
+    double offset = 0;
+    KxCmColor color;
+    KxDbObjectId linetype;
+    style->getElementAt(0, offset, color, linetype);
+    EXPECT_EQ(offset, 0.75);
+    EXPECT_EQ(color.colorIndex(), 1);
+    const auto* read = firstEntity<KxDbMline>(*drawing.database);
+    const auto& elements = read->parametersAt(0)->elements;
+    ASSERT_EQ(elements.size(), 2u);
+    EXPECT_EQ(elements[0].element, (std::vector<double>{0.75, 0}));
+    EXPECT_EQ(elements[0].areaFill, std::vector<double>{});
+    EXPECT_EQ(elements[1].element, (std::vector<double>{-0.25, 0}));
+    EXPECT_EQ(elements[1].areaFill, std::vector<double>{-0.2});
+}
