@@ -14,8 +14,6 @@ namespace {
 
 constexpr unsigned kNoCrossingMessage = 4007;
 
-enum class Cross { Closed, Open, Merged };
-
 // Cuts of one pass, all from the crossing table of the picked segments.
 class CrossCuts {
 public:
@@ -85,7 +83,9 @@ private:
     int nB_;
 };
 
-bool crossPass(MlineEditContext& context, Cross kind)
+}  // namespace
+
+bool editCrossing(MlineEditContext& context, CrossKind kind)
 {
     const std::optional<AxisCrossing> crossing = findAxisCrossing(context.first, context.second, true);
     if (!crossing) {
@@ -100,34 +100,32 @@ bool crossPass(MlineEditContext& context, Cross kind)
     if (cuts.empty())
         return true;
     switch (kind) {
-    case Cross::Closed:
+    case CrossKind::Closed:
         cuts.closed();
         break;
-    case Cross::Open:
+    case CrossKind::Open:
         cuts.open();
         break;
-    case Cross::Merged:
+    case CrossKind::Merged:
         cuts.merged();
         break;
     }
     return true;
 }
 
-}  // namespace
-
 int runClosedCross(MlineEditContext& context)
 {
-    return runTwoMultilineLoop(context, false, [](MlineEditContext& c) { return crossPass(c, Cross::Closed); });
+    return runTwoMultilineLoop(context, false, [](MlineEditContext& c) { return editCrossing(c, CrossKind::Closed); });
 }
 
 int runOpenCross(MlineEditContext& context)
 {
-    return runTwoMultilineLoop(context, true, [](MlineEditContext& c) { return crossPass(c, Cross::Open); });
+    return runTwoMultilineLoop(context, true, [](MlineEditContext& c) { return editCrossing(c, CrossKind::Open); });
 }
 
 int runMergedCross(MlineEditContext& context)
 {
-    return runTwoMultilineLoop(context, true, [](MlineEditContext& c) { return crossPass(c, Cross::Merged); });
+    return runTwoMultilineLoop(context, true, [](MlineEditContext& c) { return editCrossing(c, CrossKind::Merged); });
 }
 
 }  // namespace kdml

@@ -7,6 +7,14 @@
 
 namespace kdml {
 
+enum class CrossKind { Closed, Open, Merged };
+
+// The edit of one pass, with both picks open for write: finds the crossing
+// of the picked segments and cuts the element lines there. False when the
+// axes do not cross (message 4007 unless the picks lie on neighbouring
+// segments of one multiline).
+bool editCrossing(MlineEditContext& context, CrossKind kind);
+
 int runClosedCross(MlineEditContext& context);
 int runOpenCross(MlineEditContext& context);
 int runMergedCross(MlineEditContext& context);

@@ -37,16 +37,8 @@ bool openPick(MlineEditContext& context, MlinePick& pick, const kxds_name_t& nam
     }
     if (!pick.mline)
         return false;
-    pick.numVertices = pick.mline->numVertices();
-    pick.numElements = 0;
-    getElementCount(pick.mline, pick.numElements);
-    pick.closed = pick.mline->closedMline();
-    getVertices(pick.mline, pick.vertices);
-    pick.elementLines = buildElementLines(pick.mline);
+    loadPickGeometry(pick, pick.mline);
     getPickTolerance(context.pickTolerance);
-    // Whatever the scan leaves must name a segment and an element that exist.
-    pick.hitSegment = std::clamp(pick.hitSegment, 0, std::max(pick.numVertices - 2, 0));
-    pick.hitElement = std::clamp(pick.hitElement, 0, std::max(pick.numElements - 1, 0));
     return pick.numVertices >= 2 && pick.numElements >= 1;
 }
 
@@ -120,6 +112,20 @@ bool withinExtent(double f, double a, double b, double t)
 }
 
 }  // namespace
+
+void loadPickGeometry(MlinePick& pick, KxDbMline* mline)
+{
+    pick.mline = mline;
+    pick.numVertices = mline->numVertices();
+    pick.numElements = 0;
+    getElementCount(mline, pick.numElements);
+    pick.closed = mline->closedMline();
+    getVertices(mline, pick.vertices);
+    pick.elementLines = buildElementLines(mline);
+    // Whatever a scan leaves must name a segment and an element that exist.
+    pick.hitSegment = std::clamp(pick.hitSegment, 0, std::max(pick.numVertices - 2, 0));
+    pick.hitElement = std::clamp(pick.hitElement, 0, std::max(pick.numElements - 1, 0));
+}
 
 bool isMultilineEntity(kxds_name_t& name)
 {

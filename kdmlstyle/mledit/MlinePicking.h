@@ -11,6 +11,11 @@ namespace kdml {
 // and clears name.
 bool isMultilineEntity(kxds_name_t& name);
 
+// Takes mline (open) into the pick with its vertex and element counts, its
+// closed flag, its axis and its element lines; the hit fields are kept
+// within its segments and elements.
+void loadPickGeometry(MlinePick& pick, KxDbMline* mline);
+
 // Fills pick from the entity name and the context's pickPoint: opens the
 // multiline for read (or shares other's object when other names the same
 // entity), builds its element lines and finds the first drawn element run
