@@ -184,7 +184,6 @@ void MlineRenderer::drawFill(const DrawColor& color, bool closed)
     const int n = static_cast<int>(m_positions.size());
     const int last = m_elements - 1;
     const int segments = closed ? n : n - 1;
-    static const std::vector<double> kWhole = {0.0, 0.0};
     for (int s = 0; s < segments; ++s) {
         const int next = (s + 1) % n;
         const KxGePoint3d a0 = elementPoint(s, 0), b0 = elementPoint(next, 0);
@@ -192,18 +191,19 @@ void MlineRenderer::drawFill(const DrawColor& color, bool closed)
         const KxGeVector3d& dir = m_axes[std::size_t(s)];
         const double length0 = std::max(0.0, dot(b0 - a0, dir));
         const double lengthL = std::max(0.0, dot(bL - aL, dir));
-        const std::vector<double>& own = m_params[std::size_t(s)]->elements[0].areaFill;
-        const std::vector<double>& list = own.size() < 2 ? kWhole : own;
-        for (std::size_t i = 1; i < list.size(); i += 2) {
-            const Run r0 = runAt(list, i, length0);
-            const Run rL = runAt(list, i, lengthL);
+        const auto fill = [&](const Run& r0, const Run& rL) {
             scene.beginPolygon();
             scene.addPoint(flat(alongSegment(a0, b0, dir, r0.from, r0.fromStart, false)));
             scene.addPoint(flat(alongSegment(a0, b0, dir, r0.to, false, r0.toEnd)));
             scene.addPoint(flat(alongSegment(aL, bL, dir, rL.to, false, rL.toEnd)));
             scene.addPoint(flat(alongSegment(aL, bL, dir, rL.from, rL.fromStart, false)));
             scene.endPolygon(color);
-        }
+        };
+        const std::vector<double>& list = m_params[std::size_t(s)]->elements[0].areaFill;
+        if (list.size() < 2)
+            fill({0, length0, true, true}, {0, lengthL, true, true});
+        for (std::size_t i = 1; i < list.size(); i += 2)
+            fill(runAt(list, i, length0), runAt(list, i, lengthL));
     }
 }
 

@@ -284,3 +284,36 @@ TEST(MlineRender, ColoursAndLinetypesOfElements)
     EXPECT_EQ(penOf(2).color, DrawColor::fixed(0x0A141E));
     EXPECT_EQ(penOf(3).color, DrawColor::fixed(kaldo::view::colorIndexRgb(30)));
 }
+
+TEST(MlineRender, FillFollowsTheFirstElementsFillList)
+{
+    ViewDrawing d;
+    const KxDbObjectId style = d.addStyle(L"FILL", {{1, indexColor(1)}, {-1, indexColor(5)}},
+                                          [](KxDbMlineStyle& s) { s.setFilled(true); });
+    {
+        auto mline = d.addMline(style, {{0, 0}, {10, 0}, {20, 0}});
+        // First segment filled from 2 to 4 and from 7 to its end; the
+        // second's list holds entry 0 alone and is filled whole.
+        setRuns(*mline, 0, 0, {2, 4, 7}, &KxDbMlineElementParams::areaFill);
+        KxArray array;
+        mline->getParametersAt(1, array);
+        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
+        auto* emptied = KxDbMlineVertexParams::create();
+        emptied->elements = record->elements;
+        emptied->elements[0].areaFill.resize(1);
+        KxArray out;
+        out.append(emptied);
+        mline->setParametersAt(1, out);
+        emptied->release();
+    }
+    const Scene scene = d.render();
+    ASSERT_EQ(scene.polygons().size(), 3u);
+    const auto corners = [&](std::size_t i) {
+        const Point2* q = scene.points().data() + scene.polygons()[i].first;
+        return std::vector<Point2>(q, q + scene.polygons()[i].count);
+    };
+    expectPoints(corners(0), {{2, 1}, {4, 1}, {4, -1}, {2, -1}});
+    expectPoints(corners(1), {{7, 1}, {10, 1}, {10, -1}, {7, -1}});
+    expectPoints(corners(2), {{10, 1}, {20, 1}, {20, -1}, {10, -1}});
+}
+

@@ -77,15 +77,17 @@ struct ViewDrawing {
     kaldo::view::Scene render() { return kaldo::view::renderDrawing(db); }
 };
 
-// Replaces the element list of one element at one vertex, keeping entry 0.
-inline void setRuns(KxDbMline& mline, int vertex, int element, std::vector<double> runs)
+// Replaces the element list (or the fill list) of one element at one
+// vertex, keeping entry 0.
+inline void setRuns(KxDbMline& mline, int vertex, int element, std::vector<double> runs,
+                    std::vector<double> KxDbMlineElementParams::*which = &KxDbMlineElementParams::element)
 {
     KxArray array;
     mline.getParametersAt(vertex, array);
     auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
     auto* copy = KxDbMlineVertexParams::create();
     copy->elements = record->elements;
-    std::vector<double>& list = copy->elements[std::size_t(element)].element;
+    std::vector<double>& list = copy->elements[std::size_t(element)].*which;
     runs.insert(runs.begin(), list.front());
     list = runs;
     KxArray out;
