@@ -135,16 +135,17 @@ void readBlockRecord(const Record& record, ReadContext& context, KxDbSymbolTable
 // Reads one modelled table from the record after "0 TABLE" to ENDTAB.
 void readModelledTable(GroupReader& reader, ReadContext& context, const std::string& name, const Record& head)
 {
-    KxDbSymbolTable* table = nullptr;
+    std::unique_ptr<KxDbSymbolTable> made;
     if (name == "LTYPE")
-        table = new KxDbLinetypeTable;
+        made = std::make_unique<KxDbLinetypeTable>();
     else if (name == "LAYER")
-        table = new KxDbLayerTable;
+        made = std::make_unique<KxDbLayerTable>();
     else
-        table = new KxDbBlockTable;
+        made = std::make_unique<KxDbBlockTable>();
     RecordBasics basics;
     walkRecord(head, basics, [](const Group& g) { return g.code == 2 || g.code == 70; });
-    const KxDbObjectId tableId = context.add(table, basics);
+    KxDbSymbolTable* table = made.release();
+    const KxDbObjectId tableId = context.add(table, std::move(basics));
     (name == "LTYPE" ? context.roots.linetypeTable
                      : name == "LAYER" ? context.roots.layerTable : context.roots.blockTable) = tableId;
     Record record;
