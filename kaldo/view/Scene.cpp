@@ -8,6 +8,8 @@ namespace kaldo::view {
 
 void Bounds::add(const Point2& p)
 {
+    if (!std::isfinite(p.x) || !std::isfinite(p.y))
+        return;
     if (empty) {
         minX = maxX = p.x;
         minY = maxY = p.y;

@@ -57,6 +57,7 @@ struct Polygon {
     DrawColor color;
 };
 
+// Points that are not finite numbers do not count.
 struct Bounds {
     double minX = 0, minY = 0, maxX = 0, maxY = 0;
     bool empty = true;

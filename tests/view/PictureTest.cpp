@@ -2,6 +2,9 @@
 // patterns in pixels and the indexed colour palette.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 #include "kaldo/view/ColorPalette.h"
 #include "kaldo/view/Picture.h"
 
@@ -27,12 +30,15 @@ TEST(Picture, FrameFitsTheDrawingWithAMargin)
     EXPECT_EQ(PictureFrame(tall, 400).height(), 400);
     EXPECT_EQ(PictureFrame(tall, 400).width(), 58);
 
-    // Nothing drawn, or a single point: a square picture around it.
+    // Nothing drawn, or a single point (points that are not finite do not
+    // count): a square picture around it.
     const PictureFrame empty(Bounds{}, 100);
     EXPECT_EQ(empty.width(), 100);
     EXPECT_EQ(empty.height(), 100);
     Bounds point;
     point.add({5, 5});
+    point.add({std::nan(""), 1e9});
+    point.add({-1e9, std::numeric_limits<double>::infinity()});
     EXPECT_DOUBLE_EQ(PictureFrame(point, 100).x(5), 50);
 }
 
