@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 #include "KdCmdUtil.h"
@@ -129,21 +130,56 @@ std::vector<int> byBound(const Axis& axis, const KxGePoint3d& p, const KxGePoint
     return order;
 }
 
-// The first immediate choice in scan order. Only segments in line with the
-// picked ones (the picked ones among them) can give one.
-std::optional<AxisCrossing> firstImmediate(const PairTest& test)
+// The span of segment s along x (alongX) or y.
+std::pair<double, double> span(const Axis& axis, int s, bool alongX)
 {
+    const double a = alongX ? axis.start(s).x : axis.start(s).y;
+    const double b = alongX ? axis.end(s).x : axis.end(s).y;
+    return std::minmax(a, b);
+}
+
+// The first immediate choice in scan order. Only segments in line with the
+// picked ones (the picked ones among them) can give one, and only pairs
+// whose spans overlap, since the crossing lies on both segments.
+std::optional<AxisCrossing> firstImmediate(const PairTest& test, double margin)
+{
+    const Axis& a = test.a();
+    const Axis& b = test.b();
     std::vector<int> firstSegments, secondSegments;
-    for (int i = 0; i < test.a().segments; ++i)
-        if (i == test.a().picked || test.a().inLineWithPick(i))
+    for (int i = 0; i < a.segments; ++i)
+        if (i == a.picked || a.inLineWithPick(i))
             firstSegments.push_back(i);
-    for (int j = 0; j < test.b().segments; ++j)
-        if (j == test.b().picked || test.b().inLineWithPick(j))
+    for (int j = 0; j < b.segments; ++j)
+        if (j == b.picked || b.inLineWithPick(j))
             secondSegments.push_back(j);
-    for (int i : firstSegments)
-        for (int j : secondSegments)
+
+    // The second's segments in line with its pick, by where they start along
+    // the coordinate that line runs along most.
+    const KxGeVector3d direction = b.end(b.picked) - b.start(b.picked);
+    const bool alongX = std::abs(direction.x) >= std::abs(direction.y);
+    std::vector<std::pair<double, int>> starts;
+    double longest = 0;
+    for (int j : secondSegments) {
+        const auto [lo, hi] = span(b, j, alongX);
+        starts.emplace_back(lo, j);
+        longest = std::max(longest, hi - lo);
+    }
+    std::sort(starts.begin(), starts.end());
+
+    std::vector<int> overlapping;
+    for (int i : firstSegments) {
+        const auto [lo, hi] = span(a, i, alongX);
+        const auto from = std::lower_bound(starts.begin(), starts.end(), std::pair(lo - margin - longest, -1));
+        const auto to = std::upper_bound(starts.begin(), starts.end(), std::pair(hi + margin, b.segments));
+        overlapping.clear();
+        for (auto it = from; it != to; ++it)
+            if (span(b, it->second, alongX).second >= lo - margin)
+                overlapping.push_back(it->second);
+        std::sort(overlapping.begin(), overlapping.end());
+        for (int j : overlapping)
             if (const Candidate c = test(i, j); c.immediate)
                 return AxisCrossing{i, j, c.point};
+    }
     return std::nullopt;
 }
 
@@ -199,7 +235,8 @@ std::optional<AxisCrossing> searchAxisCrossing(const MlinePick& first, const Mli
     if (picksOnNeighbouringSegments(first, second) || !pickedSegmentsValid(first, second))
         return std::nullopt;
     const PairTest test(first, second, anyCrossing);
-    if (auto immediate = firstImmediate(test))
+    const double margin = crossingMargin(first.vertices, second.vertices);
+    if (auto immediate = firstImmediate(test, margin))
         return immediate;
 
     // Every candidate lies in the box of its segment of the first axis or of
@@ -207,7 +244,6 @@ std::optional<AxisCrossing> searchAxisCrossing(const MlinePick& first, const Mli
     // the picks cannot beat the best sum found so far.
     const KxGePoint3d p1 = projectPickToAxis(first);
     const KxGePoint3d p2 = projectPickToAxis(second);
-    const double margin = crossingMargin(first.vertices, second.vertices);
     std::vector<double> boundsA, boundsB;
     const std::vector<int> orderA = byBound(test.a(), p1, p2, margin, boundsA);
     const std::vector<int> orderB = byBound(test.b(), p1, p2, margin, boundsB);

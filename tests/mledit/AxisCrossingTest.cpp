@@ -59,6 +59,23 @@ TEST(AxisCrossing, CrossingOnThePickedSegmentsIsTakenAtOnce)
     expectCrossing(scanAxisCrossing(first, second, true), 1, 2, 15, 0);
 }
 
+TEST(AxisCrossing, SegmentsInLineWithThePickedOnesGiveAnImmediateChoice)
+{
+    // Two straight axes of ten segments each; the picks lie on other
+    // segments than those that cross.
+    std::vector<KxGePoint3d> along, across;
+    for (int k = 0; k <= 10; ++k) {
+        along.emplace_back(k * 10.0, 0.0);
+        across.emplace_back(55.0, k * 10.0 - 50.0);
+    }
+    const MlinePick first = axisPick(1, along, 1, {15, 0});
+    const MlinePick second = axisPick(2, across, 8, {55, 35});
+    // The crossing (55, 0) ends segment 4 of the second and starts segment
+    // 5: the earlier pair in scan order wins.
+    expectCrossing(scanAxisCrossing(first, second, true), 5, 4, 55, 0);
+    expectCrossing(searchAxisCrossing(first, second, true), 5, 4, 55, 0);
+}
+
 TEST(AxisCrossing, CandidatesBeyondTheSegments)
 {
     // The second axis ends short of the first: the crossing lies within the
