@@ -54,9 +54,11 @@ void Scene::addPoint(const Point2& p)
 
 void Scene::endPolyline(bool closed)
 {
-    const Point2& first = m_points[std::min(m_openFirst, m_points.size() - 1)];
-    if (closed && m_points.size() - m_openFirst > 2 && m_points.back().x == first.x && m_points.back().y == first.y)
-        m_points.pop_back();
+    if (closed && m_points.size() - m_openFirst > 2) {
+        const Point2& first = m_points[m_openFirst];
+        if (m_points.back().x == first.x && m_points.back().y == first.y)
+            m_points.pop_back();
+    }
     const std::size_t count = m_points.size() - m_openFirst;
     if (count < 2) {
         m_points.resize(m_openFirst);
