@@ -125,6 +125,29 @@ TEST(MleditSession, CrossToolsOnThreeAndFourElementMultilines)
         EXPECT_THAT(runs(listed, 0, 0, e), listIs(5.0 - 5.0 * double(e), 0.0, 45.0, 55.0)) << e;
     EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
 
+    // Open cross of two three-element multilines: the second's middle
+    // element stays whole.
+    const KaldoRun open3 = kaldo.runScript(kSetup + mlineInStyle("PIPE", true, {"0,0", "100,0"})
+                                           + mline({"50,-50", "50,50"}) + "-MLEDIT\nOC\n20,5\n45,30\n\n"
+                                           + list({"20,5", "45,30"}));
+    listed = listedMlines(open3.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(0.0, 0.0, 45.0, 55.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(0.0, 0.0));
+    EXPECT_THAT(runs(listed, 1, 0, 2), listIs(-5.0, 0.0, 45.0, 55.0));
+
+    // Closed cross of two four-element multilines: every element of the
+    // first opens between the second's outer elements at x = 40 and 60.
+    const KaldoRun closed4 = kaldo.runScript(kSetup + mlineInStyle("DUCT", true, {"0,0", "100,0"})
+                                             + mline({"50,-50", "50,50"}) + "-MLEDIT\nCC\n20,10\n40,30\n\n"
+                                             + list({"20,10", "40,30"}));
+    listed = listedMlines(closed4.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(5.0, 0.0, 40.0, 60.0));
+    EXPECT_THAT(runs(listed, 0, 0, 2), listIs(-5.0, 0.0, 40.0, 60.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(5.0, 0.0));
+
     // Merged cross of two three-element multilines: the outer elements open
     // between the other's outer ones, the middle ones stay whole.
     const KaldoRun merged3 = kaldo.runScript(kSetup + mlineInStyle("PIPE", true, {"0,0", "100,0"})
