@@ -93,6 +93,13 @@ TEST_F(MlnReaderTest, KeyLinesMatchWholeAndWithoutCase)
               (std::vector<std::wstring>{L"BLANKED", L"lower", L"TWO BLANKS"}));
     EXPECT_EQ(read(path, L"TWO BLANKS", MlnReadMode::lenient), MlnReadResult::notFound);
     EXPECT_EQ(read(path, L" TWO BLANKS", MlnReadMode::lenient), MlnReadResult::found);
+
+    // Listing takes the line after any "2" key line, inside a block or not;
+    // reading wants "MLSTYLE" right before it.
+    const std::wstring stray = writeFile("stray.mln", lines({"2", " LOOSE", "MLSTYLE", "3", "2", " INNER", "0"}));
+    EXPECT_EQ(kdml::listMlnStyleNames(stray.c_str()), (std::vector<std::wstring>{L"LOOSE", L"INNER"}));
+    EXPECT_EQ(read(stray, L"LOOSE", MlnReadMode::lenient), MlnReadResult::notFound);
+    EXPECT_EQ(read(stray, L"INNER", MlnReadMode::lenient), MlnReadResult::notFound);
 }
 
 TEST_F(MlnReaderTest, ValuesAreTakenLiterallyAndNumbersAsTheRuntimeReadsThem)
