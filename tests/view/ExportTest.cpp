@@ -161,3 +161,18 @@ TEST(Export, FailuresSayWhy)
     }
     std::filesystem::permissions(dir.path().toStdString(), std::filesystem::perms::owner_all);
 }
+
+TEST(Export, SvgArcsKeepTheirTurn)
+{
+    // A quarter circle counter-clockwise from (10,0) to (0,10) and a three
+    // quarter one clockwise: with y downwards in pixels, counter-clockwise
+    // has the sweep flag 0; more than half a turn sets the large-arc flag.
+    Scene scene;
+    const int pen = scene.pen({DrawColor{}, 0});
+    scene.addArc({{0, 0}, 10, 0, std::numbers::pi / 2, pen});
+    scene.addArc({{0, 0}, 10, 0, -3 * std::numbers::pi / 2, pen});
+    const std::string svg = svgDocument(scene, {400, Background::White});
+    // 380 px for 20 units after margins of 10: the centre is at (200,200).
+    EXPECT_THAT(svg, HasSubstr("<path d=\"M390.00,200.00 A190.00,190.00 0 0,0 200.00,10.00\"/>"));
+    EXPECT_THAT(svg, HasSubstr("<path d=\"M390.00,200.00 A190.00,190.00 0 1,1 200.00,10.00\"/>"));
+}
