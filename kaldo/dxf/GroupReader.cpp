@@ -110,15 +110,6 @@ bool GroupReader::next(Group& group)
     return true;
 }
 
-std::string_view trimmed(std::string_view text)
-{
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-        text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
-        text.remove_suffix(1);
-    return text;
-}
-
 namespace {
 
 [[noreturn]] void notANumber(const Group& group, const char* kind)
@@ -153,12 +144,17 @@ std::int64_t toInteger(const Group& group)
     return value;
 }
 
+bool tryHandle(std::string_view text, std::uint64_t& handle)
+{
+    text = trimmed(text);
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), handle, 16);
+    return !text.empty() && ec == std::errc() && end == text.data() + text.size();
+}
+
 std::uint64_t toHandle(const Group& group)
 {
-    const std::string_view text = trimmed(group.value);
     std::uint64_t value = 0;
-    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
-    if (text.empty() || ec != std::errc() || end != text.data() + text.size())
+    if (!tryHandle(group.value, value))
         notANumber(group, "a handle");
     return value;
 }

@@ -55,6 +55,15 @@ double toReal(const Group& group);
 std::int64_t toInteger(const Group& group);
 // A handle: hexadecimal digits.
 std::uint64_t toHandle(const Group& group);
-std::string_view trimmed(std::string_view text);
+// The same without complaint: false for text that is no handle.
+bool tryHandle(std::string_view text, std::uint64_t& handle);
+inline std::string_view trimmed(std::string_view text)
+{
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
+        text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
+        text.remove_suffix(1);
+    return text;
+}
 
 }  // namespace kaldo::dxf

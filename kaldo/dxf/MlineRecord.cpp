@@ -25,6 +25,7 @@ public:
         case 11:
             finishList(g.line);
             vertices_.emplace_back();
+            vertices_.back().elements.reserve(elementCount_);
             vertices_.back().position.x = toReal(g);
             return true;
         case 21: current(g).position.y = toReal(g); return true;
@@ -65,6 +66,15 @@ public:
         }
     }
 
+    // The counts the record announces (72, 73), to make room at once.
+    void expect(long vertices, long elements)
+    {
+        if (vertices > 0 && vertices <= 1000000)
+            vertices_.reserve(std::size_t(vertices));
+        if (elements > 0 && elements <= 1000)
+            elementCount_ = std::size_t(elements);
+    }
+
     std::vector<KxDbMlineStoredVertex> finish(long lastLine)
     {
         finishList(lastLine);
@@ -86,6 +96,7 @@ private:
     }
 
     std::vector<KxDbMlineStoredVertex> vertices_;
+    std::size_t elementCount_ = 0;
     std::vector<double>* list_ = nullptr;
     int listCode_ = 0;
     long remaining_ = 0;
@@ -122,8 +133,14 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
         case 40: scale = toReal(g); return true;
         case 70: justification = int(toInteger(g)); return true;
         case 71: flags = int(toInteger(g)); return true;
-        case 72: vertexCount = long(toInteger(g)); return true;
-        case 73: elementCount = long(toInteger(g)); return true;
+        case 72:
+            vertexCount = long(toInteger(g));
+            vertices.expect(vertexCount, elementCount);
+            return true;
+        case 73:
+            elementCount = long(toInteger(g));
+            vertices.expect(vertexCount, elementCount);
+            return true;
         case 10:
         case 20:
         case 30:

@@ -180,8 +180,10 @@ void readKeptTable(GroupReader& reader, ReadContext& context, const std::string&
         }
         if (g.code == 0 && trimmed(g.value) == "ENDSEC")
             break;
-        if (g.code == 5 || g.code == 105)
-            context.maxHandle = std::max(context.maxHandle, toHandle(g));
+        // Dimension styles give their handle as 105 and use 5 for a block name.
+        std::uint64_t handle = 0;
+        if ((g.code == 105 || (g.code == 5 && name != "DIMSTYLE")) && tryHandle(g.value, handle))
+            context.maxHandle = std::max(context.maxHandle, handle);
         table.groups.push_back({std::int16_t(g.code), 0, std::string(g.value)});
     }
     throw DxfError(line, "the table " + name + " has no ENDTAB.");
