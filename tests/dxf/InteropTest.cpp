@@ -84,6 +84,19 @@ TEST(DxfInterop, FilesWeWriteReadTheSameInEzdxf)
         mlines.push_back(mline);
         mline->close();
     }
+    // The other modelled entities, one in a true colour.
+    auto* arc = addEntity(db, new KxDbArc({1, 1, 0}, 2, 0.5, 2.5));
+    arc->upgradeOpen();
+    KxCmColor orange;
+    orange.setRGB(255, 128, 0);
+    arc->setColor(orange);
+    arc->close();
+    addEntity(db, new KxDbCircle({4, 4, 0}, 1.5));
+    addEntity(db, new KxDbLine({0, 0, 0}, {7, 3, 0}));
+    auto* pline = new KxDbPolyline;
+    pline->setVertices({{0, 0, 0, 0, 0.5}, {3, 0, 0.1, 0.2, 0}, {3, 3, 0, 0, 0}});
+    pline->setClosed(true);
+    addEntity(db, pline);
     // Broken runs as the editing tools leave them.
     KxArray params;
     mlines[1]->getParametersAt(1, params);
