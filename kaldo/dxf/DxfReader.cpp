@@ -10,6 +10,7 @@
 #include "kaldo/dxf/HeaderSection.h"
 #include "kaldo/dxf/ObjectRecords.h"
 #include "kaldo/dxf/ReadContext.h"
+#include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/dxf/TablesSection.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
 #include "kxdbdatabase.h"
@@ -154,12 +155,9 @@ void resolveReferences(ReadContext& context)
         const KxDbObjectId target = db.objectIdFromHandle(entry.handle);
         auto* dict = KxDbDictionary::cast(db.peekObject(entry.dictionary));
         KxDbObject* obj = db.peekObject(target);
-        if (!obj) {
-            char handle[24];
-            std::snprintf(handle, sizeof handle, "%llX", static_cast<unsigned long long>(entry.handle));
+        if (!obj)
             throw DxfError(entry.line, "the dictionary entry \"" + kxutToMultiByte(entry.name) + "\" points to handle "
-                                           + handle + ", which no object has.");
-        }
+                                           + handleText(entry.handle) + ", which no object has.");
         KxDbObjectId id;
         dict->setAt(entry.name.c_str(), obj, id);
     }

@@ -20,13 +20,6 @@ namespace kaldo::dxf {
 
 namespace {
 
-std::string handleText(std::uint64_t handle)
-{
-    char text[24];
-    std::snprintf(text, sizeof text, "%llX", static_cast<unsigned long long>(handle));
-    return text;
-}
-
 KxDbObjectId addBlockEnd(KxDbDatabase& db, const KxDbBlockTableRecord& block, bool begin)
 {
     const bool paper = kaldo::sameName(block.name(), kxdbPaperSpaceName);

@@ -125,7 +125,6 @@ void GroupWriter::flush()
         }
         done += std::size_t(n);
     }
-    written_ += used_;
     used_ = 0;
 }
 

@@ -33,7 +33,6 @@ public:
     void vector(int code, const KxGeVector3d& v) { point(code, v.x, v.y, v.z); }
 
     void flush();
-    std::uint64_t bytesWritten() const { return written_ + used_; }
 
 private:
     void code(int code);
@@ -43,7 +42,6 @@ private:
     int fd_;
     std::string buffer_;
     std::size_t used_ = 0;
-    std::uint64_t written_ = 0;
 };
 
 }  // namespace kaldo::dxf

@@ -23,7 +23,7 @@ public:
     {
         switch (g.code) {
         case 11:
-            finishList(g.line);
+            finishList();
             vertices_.emplace_back();
             vertices_.back().elements.reserve(elementCount_);
             vertices_.back().position.x = toReal(g);
@@ -38,7 +38,7 @@ public:
         case 33: current(g).miter.z = toReal(g); return true;
         case 74:
         case 75: {
-            finishList(g.line);
+            finishList();
             const auto count = toInteger(g);
             if (count < 0 || count > 100000)
                 throw DxfError(g.line + 1, "a parameter count of " + std::to_string(count) + ".");
@@ -75,9 +75,9 @@ public:
             elementCount_ = std::size_t(elements);
     }
 
-    std::vector<KxDbMlineStoredVertex> finish(long lastLine)
+    std::vector<KxDbMlineStoredVertex> finish()
     {
-        finishList(lastLine);
+        finishList();
         return std::move(vertices_);
     }
 
@@ -88,7 +88,7 @@ private:
             throw DxfError(g.line, "group " + std::to_string(g.code) + " comes before the first vertex (11).");
         return vertices_.back();
     }
-    void finishList(long)
+    void finishList()
     {
         if (remaining_ > 0)
             throw DxfError(listLine_, "the list announces more parameters than follow it.");
@@ -115,11 +115,9 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
     int flags = 0;
     long vertexCount = -1;
     long elementCount = -1;
-    long lastLine = record.line();
     KxGeVector3d normal{0, 0, 1};
     style.line = record.line();
     walkRecord(record, basics, [&](const Group& g) {
-        lastLine = g.line;
         if (vertices.take(g))
             return true;
         switch (g.code) {
@@ -153,7 +151,7 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
             return other(g);
         }
     });
-    std::vector<KxDbMlineStoredVertex> stored = vertices.finish(lastLine);
+    std::vector<KxDbMlineStoredVertex> stored = vertices.finish();
     if (vertexCount >= 0 && std::size_t(vertexCount) != stored.size())
         throw DxfError(record.line(), "the multiline announces " + std::to_string(vertexCount)
                                           + " vertices but has " + std::to_string(stored.size()) + ".");

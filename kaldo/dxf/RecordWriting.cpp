@@ -4,8 +4,16 @@
 #include "kxdbdatabase.h"
 
 #include <charconv>
+#include <cstdio>
 
 namespace kaldo::dxf {
+
+std::string handleText(std::uint64_t handle)
+{
+    char text[24];
+    std::snprintf(text, sizeof text, "%llX", static_cast<unsigned long long>(handle));
+    return text;
+}
 
 std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 {

@@ -2,6 +2,8 @@
 // kept reactor blocks, owner) and the kept groups of one part.
 #pragma once
 
+#include <string>
+
 #include "kaldo/dxf/GroupWriter.h"
 #include "kxdbobject.h"
 
@@ -12,6 +14,8 @@ void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part);
 // The integer value of the first kept group of code, or fallback.
 std::int64_t keptInteger(const KxDbObject& obj, int code, std::int64_t fallback);
 void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, int skippedCode);
+// A handle as files write it: upper-case hexadecimal.
+std::string handleText(std::uint64_t handle);
 // The handle of the object id names, 0 for a null or foreign id.
 std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id);
 
