@@ -169,12 +169,28 @@ void readModelledTable(GroupReader& reader, ReadContext& context, const std::str
     throw DxfError(head.line(), "the table " + name + " has no ENDTAB.");
 }
 
+// Old versions write table heads without a handle; newer ones need one.
+void giveTableHeadAHandle(KeptBlock& table, ReadContext& context)
+{
+    const auto head = std::find_if(table.groups.begin(), table.groups.end(),
+                                   [](const KxDbFileGroup& g) { return g.code == 0 || g.code == 5; });
+    if (head != table.groups.end() && head->code == 5)
+        return;
+    const std::uint64_t handle = std::max(context.db.handseed(), context.maxHandle + 1);
+    context.db.setHandseed(handle + 1);
+    context.maxHandle = handle;
+    table.groups.insert(table.groups.begin(), {{5, 0, handleText(handle)},
+                                               {330, 0, "0"},
+                                               {100, 0, "AcDbSymbolTable"}});
+}
+
 void readKeptTable(GroupReader& reader, ReadContext& context, const std::string& name, long line)
 {
     KeptBlock table{name, {}};
     Group g;
     while (reader.next(g)) {
         if (g.code == 0 && trimmed(g.value) == "ENDTAB") {
+            giveTableHeadAHandle(table, context);
             context.kept.tables.push_back(std::move(table));
             return;
         }

@@ -189,8 +189,12 @@ TEST(DxfInterop, OldVersionDrawingsAreReadAndSavedInTheCurrentOne)
     EXPECT_TRUE(styles->has(kxdbStandardStyleName));
     styles->close();
 
-    const std::string text = toDxfText(drawing);
-    EXPECT_NE(text.find("AC1015"), std::string::npos);
-    kaldo::dxf::DxfDrawing again = fromDxfText(text);
+    const QString saved = dir.filePath("saved.dxf");
+    kaldo::dxf::saveDxfFile(saved.toStdString(), db, drawing.kept);
+    const QJsonObject result = runPythonJson("ezdxf_mlines.py", {saved});
+    EXPECT_EQ(result["errors"].toArray().size(), 0) << QJsonDocument(result).toJson().toStdString();
+    EXPECT_EQ(result["fixes"].toArray().size(), 0) << QJsonDocument(result).toJson().toStdString();
+    kaldo::dxf::DxfDrawing again = kaldo::dxf::readDxfFile(saved.toStdString());
+    EXPECT_EQ(again.kept.version, "AC1015");
     EXPECT_EQ(firstEntity<KxDbLine>(*again.database)->handle(), line->handle());
 }
