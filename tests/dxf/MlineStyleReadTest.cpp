@@ -145,3 +145,17 @@ TEST(DxfMlineStyles, ElementsListedOutOfOrderKeepTheirListsWithThem)
     EXPECT_EQ(elements[1].element, (std::vector<double>{-0.25, 0}));
     EXPECT_EQ(elements[1].areaFill, std::vector<double>{-0.2});
 }
+
+TEST(DxfMlineStyles, LinesEndingInCarriageReturnsAndPaddedCodesRead)
+{
+    std::string text = smallDrawing(mlineOfStyle("40"), kRootAndStyles + kFancyStyle + kNamelessStyle);
+    std::string crlf;
+    for (const char c : text)
+        crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    crlf.replace(0, 1, "  0");
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(crlf);
+    const auto* mline = firstEntity<KxDbMline>(*drawing.database);
+    ASSERT_NE(mline, nullptr);
+    EXPECT_EQ(drawing.database->peekObject(mline->style())->handle(), 0x40u);
+    EXPECT_STREQ(KxDbMlineStyle::cast(drawing.database->peekObject(mline->style()))->description(), L"Two walls");
+}
