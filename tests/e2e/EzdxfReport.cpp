@@ -1,0 +1,23 @@
+#include "EzdxfReport.h"
+
+#include <QJsonDocument>
+#include <QProcess>
+
+EzdxfReport readWithEzdxf(const std::string& dxfPath)
+{
+    EzdxfReport report;
+    QProcess python;
+    // Debian's interpreter: the one on PATH may lack ezdxf.
+    python.start("/usr/bin/python3", {KALDO_SOURCE_DIR "/tests/dxf/ezdxf_mlines.py", QString::fromStdString(dxfPath)});
+    if (!python.waitForFinished(120000)) {
+        report.problem = "ezdxf did not finish";
+        return report;
+    }
+    if (python.exitStatus() != QProcess::NormalExit || python.exitCode() != 0) {
+        report.problem = python.readAllStandardError().toStdString();
+        return report;
+    }
+    report.file = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
+    report.ran = true;
+    return report;
+}

@@ -1,0 +1,16 @@
+// What the independent DXF reader (Debian's ezdxf) finds in a saved drawing:
+// its audit's errors and fixes and every multiline with its lists, as the
+// JSON that tests/dxf/ezdxf_mlines.py prints.
+#pragma once
+
+#include <QJsonObject>
+
+#include <string>
+
+struct EzdxfReport {
+    bool ran = false;       // the reader ran and printed a report
+    std::string problem;    // why it did not
+    QJsonObject file;
+};
+
+EzdxfReport readWithEzdxf(const std::string& dxfPath);
