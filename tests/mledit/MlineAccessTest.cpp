@@ -1,5 +1,6 @@
 // Reading and rewriting multilines through the access layer, the write
 // scope and the undo copies, on multilines built through the database.
+#include "StandardMline.h"
 #include "mledit/MlineAccess.h"
 #include "mledit/MlineWriteScope.h"
 
@@ -16,21 +17,9 @@ namespace {
 
 class MlineAccess : public ::testing::Test {
 protected:
-    // A multiline of STANDARD at scale 20, zero justification: its element
-    // lines lie 10 units either side of the axis.
     KxDbObjectId add(const std::vector<KxGePoint3d>& points, bool closed = false)
     {
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(&db);
-        mline->setScale(20);
-        mline->setJustification(Mline::kZero);
-        for (const KxGePoint3d& p : points)
-            mline->appendSeg(p);
-        mline->setClosedMline(closed);
-        KxDbObjectId id;
-        db.addToCurrentSpace(mline, id);
-        mline->close();
-        return id;
+        return addStandardMline(db, points, closed);
     }
 
     KxDbDatabase db;

@@ -1,5 +1,6 @@
 // Picking multilines: which element run a pick hits, gaps, the fallback to
 // an end of element 0, refused entities, and the weld pick's snapping.
+#include "StandardMline.h"
 #include "mledit/MlineAccess.h"
 #include "mledit/MlinePicking.h"
 
@@ -15,20 +16,9 @@ namespace {
 // 3 * sqrt(2) units.
 class MlinePicking : public kaldo::EditorFixture {
 protected:
-    // STANDARD at scale 20, zero justification: elements 10 units either side.
     KxDbObjectId add(const std::vector<KxGePoint3d>& points, bool closed = false)
     {
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(&db);
-        mline->setScale(20);
-        mline->setJustification(Mline::kZero);
-        for (const KxGePoint3d& p : points)
-            mline->appendSeg(p);
-        mline->setClosedMline(closed);
-        KxDbObjectId id;
-        db.addToCurrentSpace(mline, id);
-        mline->close();
-        return id;
+        return addStandardMline(db, points, closed);
     }
 
     // Fills pick as the tools do after a selection at point.
