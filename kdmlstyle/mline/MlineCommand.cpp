@@ -1,6 +1,6 @@
 #include "mline/MlineCommand.h"
 
-#include "mline/FormattedText.h"
+#include "host/FormattedText.h"
 #include "mline/MlineJig.h"
 #include "mline/MlineTexts.h"
 #include "mline/MlnFileName.h"

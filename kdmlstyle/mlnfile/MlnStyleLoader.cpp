@@ -8,7 +8,7 @@
 #include "kxdb.h"
 #include "kxed.h"
 #include "kxhost.h"
-#include "mline/FormattedText.h"
+#include "host/FormattedText.h"
 #include "mlnfile/MlnReader.h"
 #include "mlnfile/StyleElementSetters.h"
 

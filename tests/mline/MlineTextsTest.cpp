@@ -1,6 +1,6 @@
 // The small text rules of MLINE: file names typed or chosen for a missing
 // style, the casing of style names, and prompts formatted with values.
-#include "mline/FormattedText.h"
+#include "host/FormattedText.h"
 #include "mline/MlnFileName.h"
 #include "mline/StyleNameCase.h"
 

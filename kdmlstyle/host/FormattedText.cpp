@@ -1,4 +1,4 @@
-#include "mline/FormattedText.h"
+#include "host/FormattedText.h"
 
 #include <cstdarg>
 #include <cwchar>
