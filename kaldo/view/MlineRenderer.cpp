@@ -65,8 +65,7 @@ void MlineRenderer::draw(const KxDbMline& mline, const KxDbMlineStyle* style, co
     m_axes.clear();
     m_miters.clear();
     for (int v = 0; v < n; ++v) {
-        mline.getParametersAt(v, m_array);
-        m_params.push_back(KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(m_array)));
+        m_params.push_back(mline.parametersAt(v));
         if (!m_params.back()) {
             m_params.clear();
             return;
@@ -76,7 +75,7 @@ void MlineRenderer::draw(const KxDbMline& mline, const KxDbMlineStyle* style, co
         m_miters.push_back(mline.miterAt(v));
     }
     m_elements = static_cast<int>(m_params.front()->elements.size());
-    for (const KxDbMlineParamsPtr& record : m_params)
+    for (const KxDbMlineVertexParams* record : m_params)
         m_elements = std::min(m_elements, static_cast<int>(record->elements.size()));
     m_elementPoints.clear();
     for (int v = 0; v < n; ++v) {

@@ -1,7 +1,8 @@
 // Draws multilines from what they store alone: vertices, segment
 // directions, miters and per vertex and element the parameter lists, with
 // the look of their style (element colours and linetypes, caps, joints,
-// fill). Scratch arrays are kept between multilines so that drawing many of
+// fill). The parameter records are read where the multiline keeps them,
+// without taking references. Scratch arrays are kept between multilines so that drawing many of
 // them allocates only in the scene.
 #pragma once
 
@@ -40,8 +41,7 @@ private:
     PenResolver& m_pens;
     const KxDbMline* m_mline = nullptr;
     int m_elements = 0;
-    KxArray m_array;
-    std::vector<KxDbMlineParamsPtr> m_params;
+    std::vector<const KxDbMlineVertexParams*> m_params;  // read in place, not shared
     std::vector<KxGePoint3d> m_positions;
     std::vector<KxGeVector3d> m_axes;
     std::vector<KxGeVector3d> m_miters;
