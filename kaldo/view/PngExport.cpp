@@ -4,8 +4,11 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
+#include <thread>
 #include <vector>
 
 #include "kaldo/view/SaveFile.h"
@@ -19,12 +22,24 @@ QColor qtColor(std::uint32_t rgb)
     return QColor::fromRgb(QRgb(0xFF000000u | rgb));
 }
 
+// Rows top .. bottom - 1 of the picture.
+struct Band {
+    int top = 0;
+    int bottom = 0;
+};
+
+// Paints the part of a scene that falls in one band of rows. The painter
+// is clipped to the band but draws on the whole image, so that lines are
+// not cut at its edges and every pixel comes out as it would from one
+// painter; only items reaching the band are drawn, in scene order.
 class ScenePainter {
 public:
-    ScenePainter(const Scene& scene, const PictureOptions& options, QImage& image, const PictureFrame& frame)
-        : m_scene(scene), m_options(options), m_frame(frame), m_painter(&image)
+    ScenePainter(const Scene& scene, const PictureOptions& options, QImage& image, const PictureFrame& frame,
+                 const Band& band)
+        : m_scene(scene), m_options(options), m_frame(frame), m_band(band), m_painter(&image)
     {
         m_painter.setRenderHint(QPainter::Antialiasing);
+        m_painter.setClipRect(QRect(0, band.top, image.width(), band.bottom - band.top));
         m_lines.reserve(kBatch);
     }
 
@@ -37,18 +52,49 @@ public:
             const bool dashed = choosePen(m_scene.pens()[p]);
             for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i) {
                 const Polyline& polyline = m_scene.polylines()[polylines.order[i]];
-                dashed ? paintDashed(polyline) : addSegments(polyline);
+                if (reachesBand(polyline.first, polyline.count))
+                    dashed ? paintDashed(polyline) : addSegments(polyline);
             }
             flushSegments();
             for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i)
-                paintArc(m_scene.arcs()[arcs.order[i]]);
+                if (const Arc& arc = m_scene.arcs()[arcs.order[i]]; reachesBand(arc))
+                    paintArc(arc);
         }
     }
 
 private:
     static constexpr std::size_t kBatch = 4096;
+    // How far past its points an antialiased line with its caps may colour
+    // pixels, with room to spare.
+    static constexpr double kReach = 2.0;
 
     QPointF pixel(const Point2& p) const { return {m_frame.x(p.x), m_frame.y(p.y)}; }
+
+    bool reachesBand(double top, double bottom) const
+    {
+        return bottom >= m_band.top - kReach && top < m_band.bottom + kReach;
+    }
+
+    // Points that are not numbers leave the rows they span alone: the
+    // painter draws nothing for them.
+    bool reachesBand(std::uint32_t first, std::uint32_t count) const
+    {
+        double top = std::numeric_limits<double>::infinity();
+        double bottom = -top;
+        for (const Point2* p = m_scene.points().data() + first; p != m_scene.points().data() + first + count; ++p) {
+            const double y = m_frame.y(p->y);
+            top = std::min(top, y);
+            bottom = std::max(bottom, y);
+        }
+        return reachesBand(top, bottom);
+    }
+
+    bool reachesBand(const Arc& arc) const
+    {
+        const double y = m_frame.y(arc.centre.y);
+        const double radius = std::abs(arc.radius * m_frame.scale());
+        return reachesBand(y - radius, y + radius);
+    }
 
     void paintFills()
     {
@@ -56,14 +102,15 @@ private:
             QPainterPath path;
             path.setFillRule(Qt::WindingFill);
             for (const Polygon& polygon : m_scene.polygons()) {
-                if (!(polygon.color == color))
+                if (!(polygon.color == color) || !reachesBand(polygon.first, polygon.count))
                     continue;
                 path.moveTo(pixel(m_scene.points()[polygon.first]));
                 for (std::uint32_t i = 1; i < polygon.count; ++i)
                     path.lineTo(pixel(m_scene.points()[polygon.first + i]));
                 path.closeSubpath();
             }
-            m_painter.fillPath(path, qtColor(pictureRgb(color, m_options.background)));
+            if (!path.isEmpty())
+                m_painter.fillPath(path, qtColor(pictureRgb(color, m_options.background)));
         }
     }
 
@@ -134,6 +181,7 @@ private:
     const Scene& m_scene;
     const PictureOptions& m_options;
     const PictureFrame& m_frame;
+    Band m_band;
     QPainter m_painter;
     std::vector<QLineF> m_lines;
     std::vector<QPointF> m_points;
@@ -141,13 +189,32 @@ private:
 
 }  // namespace
 
-QImage paintScene(const Scene& scene, const PictureOptions& options)
+QImage paintScene(const Scene& scene, const PictureOptions& options, int bands)
 {
     const PictureFrame frame(scene.bounds(), options.size);
     QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
     image.fill(qtColor(backgroundRgb(options.background)));
-    ScenePainter(scene, options, image, frame).paint();
+    bands = std::clamp(bands, 1, std::max(1, image.height()));
+    // Each band's painter works on its own image over the same pixels.
+    uchar* const pixels = image.bits();
+    const auto paintBand = [&](int b) {
+        QImage view(pixels, image.width(), image.height(), image.bytesPerLine(), image.format());
+        const Band band{image.height() * b / bands, image.height() * (b + 1) / bands};
+        ScenePainter(scene, options, view, frame, band).paint();
+    };
+    {
+        std::vector<std::jthread> others;
+        for (int b = 1; b < bands; ++b)
+            others.emplace_back(paintBand, b);
+        paintBand(0);
+    }
     return image;
+}
+
+QImage paintScene(const Scene& scene, const PictureOptions& options)
+{
+    constexpr int kMostBands = 4;
+    return paintScene(scene, options, std::clamp(int(std::thread::hardware_concurrency()), 1, kMostBands));
 }
 
 std::string writePng(const Scene& scene, const std::filesystem::path& file, const PictureOptions& options)

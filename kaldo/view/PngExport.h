@@ -11,6 +11,10 @@
 
 namespace kaldo::view {
 
+// The picture is painted in horizontal bands of rows, each by a thread of
+// its own; it comes out the same for any number of bands.
+QImage paintScene(const Scene& scene, const PictureOptions& options, int bands);
+// As many bands as the machine has processors, up to four.
 QImage paintScene(const Scene& scene, const PictureOptions& options);
 
 // Writes the picture atomically; returns why it failed, empty on success.

@@ -176,3 +176,47 @@ TEST(Export, SvgArcsKeepTheirTurn)
     EXPECT_THAT(svg, HasSubstr("<path d=\"M390.00,200.00 A190.00,190.00 0 0,0 200.00,10.00\"/>"));
     EXPECT_THAT(svg, HasSubstr("<path d=\"M390.00,200.00 A190.00,190.00 0 1,1 200.00,10.00\"/>"));
 }
+
+TEST(Export, PngIsTheSameInAnyNumberOfBands)
+{
+    // Lines at shallow and steep angles crossing the rows where bands meet,
+    // dashed polylines running on across them, arcs and circles, fills of
+    // two colours, a closed outline, a polyline with a point that is not a
+    // number, and the sample drawing's multiline with its caps and fill.
+    ViewDrawing d;
+    buildSample(d);
+    Scene scene = d.render();
+    const int red = scene.pen({DrawColor::fixed(0xFF0000), 0});
+    const int dashed = scene.pen({DrawColor::fixed(0x0000FF), scene.addPattern({3, -1.5, 0, -1.5})});
+    for (int i = 0; i < 40; ++i) {
+        const double x = i * 2.6;
+        scene.addLine({x, -5}, {x + 40, 60 - i * 0.37}, i % 3 ? red : dashed);
+        scene.addLine({x, 12.5 + i * 0.61}, {x + 0.4, 31 - i * 0.2}, red);
+    }
+    scene.beginPolyline(dashed);
+    for (int i = 0; i <= 30; ++i)
+        scene.addPoint({i * 3.3, 25 + 20 * std::sin(i * 0.7)});
+    scene.endPolyline();
+    scene.beginPolyline(red);
+    for (const Point2& p : {Point2{70, 5}, Point2{95, 40}, Point2{60, 45}})
+        scene.addPoint(p);
+    scene.endPolyline(true);
+    scene.beginPolyline(red);
+    for (const Point2& p : {Point2{5, 5}, Point2{std::nan(""), 20}, Point2{30, 50}})
+        scene.addPoint(p);
+    scene.endPolyline();
+    scene.addArc({{50, 25}, 18, 0.3, 4.0, dashed});
+    scene.addArc({{20, 33}, 6, 0, 2 * std::numbers::pi, red});
+    scene.addArc({{80, 20}, 9, 2.0, -2.5, red});
+    for (const auto& [x, color] : {std::pair{10.0, 0x00A000u}, std::pair{35.0, 0xC0C000u}, std::pair{60.0, 0x00A000u}}) {
+        scene.beginPolygon();
+        for (const Point2& p : {Point2{x, 8}, Point2{x + 20, 14}, Point2{x + 12, 47}, Point2{x - 3, 30}})
+            scene.addPoint(p);
+        scene.endPolygon(DrawColor::fixed(color));
+    }
+    for (const Background background : {Background::White, Background::Dark}) {
+        const QImage whole = paintScene(scene, {333, background}, 1);
+        for (const int bands : {2, 3, 7, 1000})
+            EXPECT_TRUE(paintScene(scene, {333, background}, bands) == whole) << bands;
+    }
+}
