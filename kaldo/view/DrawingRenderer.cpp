@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <unordered_map>
 
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/view/MlineRenderer.h"
@@ -36,12 +37,20 @@ void drawCircle(const KxDbCircle& circle, int pen, Scene& scene)
     addPlaneArc(scene, EntityPlane(circle.normal()), circle.center(), circle.radius(), 0, 2 * std::numbers::pi, pen);
 }
 
-void drawMline(const KxDbMline& mline, const LayerLook& layer, MlineRenderer& renderer)
+// Styles stay open for read while a drawing is rendered: many multilines
+// share a few styles.
+using OpenStyles = std::unordered_map<KxDbObjectId, KxDbObjectPtr<KxDbMlineStyle>>;
+
+void drawMline(const KxDbMline& mline, const LayerLook& layer, OpenStyles& styles, MlineRenderer& renderer)
 {
-    KxDbObjectPtr<KxDbMlineStyle> style;
-    if (!mline.style().isNull())
-        style.open(mline.style(), KxDb::kForRead);
-    renderer.draw(mline, style.get(), layer);
+    const KxDbMlineStyle* style = nullptr;
+    if (!mline.style().isNull()) {
+        auto found = styles.find(mline.style());
+        if (found == styles.end())
+            found = styles.emplace(mline.style(), KxDbObjectPtr<KxDbMlineStyle>(mline.style(), KxDb::kForRead)).first;
+        style = found->second.get();
+    }
+    renderer.draw(mline, style, layer);
 }
 
 }  // namespace
@@ -58,6 +67,7 @@ Scene renderDrawing(const KxDbDatabase& db)
     scene.reserve(entities * 48, entities * 8);
     PenResolver pens(db, scene);
     MlineRenderer mlines(pens);
+    OpenStyles styles;
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step()) {
         KxDbEntity* opened = nullptr;
@@ -68,7 +78,7 @@ Scene renderDrawing(const KxDbDatabase& db)
         if (!layer.visible)
             continue;
         if (const auto* mline = KxDbMline::cast(entity.get()))
-            drawMline(*mline, layer, mlines);
+            drawMline(*mline, layer, styles, mlines);
         else if (const auto* line = KxDbLine::cast(entity.get()))
             drawLine(*line, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
         else if (const auto* arc = KxDbArc::cast(entity.get()))
