@@ -86,15 +86,19 @@ void MlineRenderer::draw(const KxDbMline& mline, const KxDbMlineStyle* style, co
         }
     }
 
-    m_elementPens.clear();
-    const int stylePens = style ? style->numElements() : 0;
-    for (int e = 0; e < m_elements; ++e) {
-        double offset = 0;
-        KxCmColor color = mline.color();
-        KxDbObjectId linetype = mline.linetypeId();
-        if (e < stylePens)
-            style->getElementAt(e, offset, color, linetype);
-        m_elementPens.push_back({m_pens.pen(color, linetype, layer), m_pens.continuousPen(color, layer)});
+    const Look look{style, &layer, mline.color(), mline.linetypeId(), m_elements};
+    if (!(look == m_penLook)) {
+        m_penLook = look;
+        m_elementPens.clear();
+        const int stylePens = style ? style->numElements() : 0;
+        for (int e = 0; e < m_elements; ++e) {
+            double offset = 0;
+            KxCmColor color = mline.color();
+            KxDbObjectId linetype = mline.linetypeId();
+            if (e < stylePens)
+                style->getElementAt(e, offset, color, linetype);
+            m_elementPens.push_back({m_pens.pen(color, linetype, layer), m_pens.continuousPen(color, layer)});
+        }
     }
 
     const bool closed = mline.closedMline() && n > 2;

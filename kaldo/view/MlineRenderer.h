@@ -28,6 +28,16 @@ private:
         int line = 0;        // colour and linetype of the element
         int continuous = 0;  // colour only: caps and joints
     };
+    // What the element pens were worked out from: the next multiline of
+    // the same look takes them as they are.
+    struct Look {
+        const KxDbMlineStyle* style = nullptr;
+        const LayerLook* layer = nullptr;
+        KxCmColor color;
+        KxDbObjectId linetype;
+        int elements = -1;
+        friend bool operator==(const Look&, const Look&) = default;
+    };
 
     // Where an element crosses a vertex's miter.
     const KxGePoint3d& elementPoint(int vertex, int element) const;
@@ -47,6 +57,7 @@ private:
     std::vector<KxGeVector3d> m_miters;
     std::vector<KxGePoint3d> m_elementPoints;  // per vertex, per element
     std::vector<ElementPens> m_elementPens;
+    Look m_penLook;
 };
 
 }  // namespace kaldo::view

@@ -285,6 +285,36 @@ TEST(MlineRender, ColoursAndLinetypesOfElements)
     EXPECT_EQ(penOf(3).color, DrawColor::fixed(kaldo::view::colorIndexRgb(30)));
 }
 
+TEST(MlineRender, MultilinesOfOneStyleTakeTheirOwnLayers)
+{
+    // One after another, so that what one multiline resolved is not taken
+    // for the next: layer 0, a red layer, layer 0 again.
+    ViewDrawing d;
+    KxDbObjectId red;
+    {
+        KxDbObjectPtr<KxDbLayerTable> layers(d.db.layerTableId(), KxDb::kForWrite);
+        auto* layer = new KxDbLayerTableRecord;
+        layer->setName(L"RED");
+        layer->setColor(indexColor(1));
+        layers->add(layer, red);
+        layer->close();
+    }
+    const KxDbObjectId style = d.addStyle(L"PAIR", {{1, KxCmColor()}, {-1, indexColor(3)}}, [](KxDbMlineStyle&) {});
+    for (const KxDbObjectId layer : {KxDbObjectId(), red, KxDbObjectId()}) {
+        auto mline = d.addMline(style, {{0, 0}, {10, 0}});
+        if (!layer.isNull())
+            mline->setLayer(layer);
+    }
+    const Scene scene = d.render();
+    ASSERT_EQ(scene.polylines().size(), 6u);
+    const auto colorOf = [&](int i) { return scene.pens()[std::size_t(scene.polylines()[std::size_t(i)].pen)].color; };
+    EXPECT_TRUE(colorOf(0).foreground);
+    EXPECT_EQ(colorOf(2), kRed);
+    EXPECT_TRUE(colorOf(4).foreground);
+    for (const int i : {1, 3, 5})
+        EXPECT_EQ(colorOf(i), kGreen) << i;
+}
+
 TEST(MlineRender, FillFollowsTheFirstElementsFillList)
 {
     ViewDrawing d;
