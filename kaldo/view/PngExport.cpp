@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "kaldo/view/HugePages.h"
 #include "kaldo/view/SaveFile.h"
 
 namespace kaldo::view {
@@ -193,6 +194,7 @@ QImage paintScene(const Scene& scene, const PictureOptions& options, int bands)
 {
     const PictureFrame frame(scene.bounds(), options.size);
     QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
+    adviseHugePages(image.constBits(), std::size_t(image.sizeInBytes()));
     image.fill(qtColor(backgroundRgb(options.background)));
     bands = std::clamp(bands, 1, std::max(1, image.height()));
     // Each band's painter works on its own image over the same pixels.

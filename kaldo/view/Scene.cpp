@@ -2,32 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <numbers>
 
-#include <sys/mman.h>
+#include "kaldo/view/HugePages.h"
 
 namespace kaldo::view {
-
-namespace {
-
-// Asks the kernel to back the whole pages of a large array with huge
-// pages: filling a scene of millions of points otherwise spends much of its
-// time taking one page fault per 4 KiB. Only a hint; failure changes
-// nothing.
-template <class T>
-void adviseHugePages(const std::vector<T>& array)
-{
-    constexpr std::uintptr_t kHugePage = 2u << 20;
-    const auto begin = reinterpret_cast<std::uintptr_t>(array.data());
-    const std::uintptr_t end = begin + array.capacity() * sizeof(T);
-    const std::uintptr_t first = (begin + kHugePage - 1) & ~(kHugePage - 1);
-    const std::uintptr_t last = end & ~(kHugePage - 1);
-    if (last > first)
-        madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
-}
-
-}  // namespace
 
 void Bounds::add(const Point2& p)
 {
@@ -123,8 +102,8 @@ void Scene::reserve(std::size_t points, std::size_t polylines)
 {
     m_points.reserve(points);
     m_polylines.reserve(polylines);
-    adviseHugePages(m_points);
-    adviseHugePages(m_polylines);
+    adviseHugePages(m_points.data(), m_points.capacity() * sizeof(Point2));
+    adviseHugePages(m_polylines.data(), m_polylines.capacity() * sizeof(Polyline));
 }
 
 void addArcBounds(Bounds& bounds, const Arc& arc)
