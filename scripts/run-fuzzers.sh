@@ -2,7 +2,7 @@
 # Runs every built fuzz target for a bounded time on its seed corpus.
 # Usage: run-fuzzers.sh BUILD_DIR SECONDS_PER_TARGET
 set -euo pipefail
-build_dir=$1
+build_dir="$(cd "$1" && pwd)"
 seconds=$2
 root="$(cd "$(dirname "$0")/.." && pwd)"
 shopt -s nullglob
