@@ -21,8 +21,12 @@ test: build
 	$(MAKE) fuzz
 
 
+# The example session draws two crossing roads and a walled room with a door,
+# opens the crossing and cuts the door, then saves and draws the result.
 run: build
-	$(STAGE)/bin/kaldo --script examples/first-session.scr
+	$(STAGE)/bin/kaldo --script examples/first-session.scr \
+	    --save $(BUILD_DIR)/first-session.dxf --export $(BUILD_DIR)/first-session.png --background dark
+	@echo "Saved $(BUILD_DIR)/first-session.dxf and its picture $(BUILD_DIR)/first-session.png"
 
 asan:
 	$(MAKE) test PRESET=asan
