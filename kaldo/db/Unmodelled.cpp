@@ -7,9 +7,7 @@ Kald::ErrorStatus KxDbUnmodelledObject::copyFrom(const KxDbObject* other)
 {
     if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
         return es;
-    const auto* src = static_cast<const KxDbUnmodelledObject*>(other);
-    m_dxfName = src->m_dxfName;
-    m_groups = src->m_groups;
+    copyRecord(*static_cast<const KxDbUnmodelledObject*>(other));
     return Kald::eOk;
 }
 
@@ -17,8 +15,6 @@ Kald::ErrorStatus KxDbUnmodelledEntity::copyFrom(const KxDbObject* other)
 {
     if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
         return es;
-    const auto* src = static_cast<const KxDbUnmodelledEntity*>(other);
-    m_dxfName = src->m_dxfName;
-    m_groups = src->m_groups;
+    copyRecord(*static_cast<const KxDbUnmodelledEntity*>(other));
     return Kald::eOk;
 }

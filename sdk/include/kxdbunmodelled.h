@@ -9,11 +9,12 @@
 
 #include "kxdbobject.h"
 
-class KxDbUnmodelledObject : public KxDbObject {
+// The kind and groups of an unmodelled record, shared by objects and
+// entities.
+class KxDbUnmodelledRecord {
 public:
-    KX_RX_DECLARE_MEMBERS(KxDbUnmodelledObject)
-    KxDbUnmodelledObject() = default;
-    KxDbUnmodelledObject(std::string dxfName, std::vector<KxDbFileGroup> groups)
+    KxDbUnmodelledRecord() = default;
+    KxDbUnmodelledRecord(std::string dxfName, std::vector<KxDbFileGroup> groups)
         : m_dxfName(std::move(dxfName)), m_groups(std::move(groups))
     {
     }
@@ -23,28 +24,28 @@ public:
     // Every group after the kind, handle and owner included.
     const std::vector<KxDbFileGroup>& groups() const { return m_groups; }
 
-    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+protected:
+    void copyRecord(const KxDbUnmodelledRecord& other) { *this = other; }
 
 private:
     std::string m_dxfName;
     std::vector<KxDbFileGroup> m_groups;
 };
 
-class KxDbUnmodelledEntity : public KxDbEntity {
+class KxDbUnmodelledObject : public KxDbObject, public KxDbUnmodelledRecord {
+public:
+    KX_RX_DECLARE_MEMBERS(KxDbUnmodelledObject)
+    KxDbUnmodelledObject() = default;
+    using KxDbUnmodelledRecord::KxDbUnmodelledRecord;
+
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+};
+
+class KxDbUnmodelledEntity : public KxDbEntity, public KxDbUnmodelledRecord {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbUnmodelledEntity)
     KxDbUnmodelledEntity() = default;
-    KxDbUnmodelledEntity(std::string dxfName, std::vector<KxDbFileGroup> groups)
-        : m_dxfName(std::move(dxfName)), m_groups(std::move(groups))
-    {
-    }
-
-    const std::string& dxfName() const { return m_dxfName; }
-    const std::vector<KxDbFileGroup>& groups() const { return m_groups; }
+    using KxDbUnmodelledRecord::KxDbUnmodelledRecord;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
-
-private:
-    std::string m_dxfName;
-    std::vector<KxDbFileGroup> m_groups;
 };
