@@ -24,6 +24,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 namespace kaldo::dxf {
 
@@ -68,10 +69,10 @@ KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, Re
     KxDbObjectId id;
     if (table->getAt(name.c_str(), id) == Kald::eOk)
         return id;
-    auto* block = new KxDbBlockTableRecord;
-    block->setName(name.c_str());
-    table->add(block, id);
-    block->close();
+    auto block = std::make_unique<KxDbBlockTableRecord>();
+    if (block->setName(name.c_str()) != Kald::eOk || table->add(block.get(), id) != Kald::eOk)
+        throw DxfError(record.line(), "a block whose name cannot be used.");
+    block.release()->close();
     if (kaldo::sameName(name, kxdbModelSpaceName))
         context.roots.modelSpace = id;
     else if (kaldo::sameName(name, kxdbPaperSpaceName))
