@@ -1,6 +1,7 @@
 #include "kxdbmlstyle.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numbers>
 
 #include "kxdbdatabase.h"
@@ -87,10 +88,26 @@ Kald::ErrorStatus KxDbMlineStyle::getElementAt(int index, double& offset, KxCmCo
     return Kald::eOk;
 }
 
-void KxDbMlineStyle::sortElements()
+// Puts element index at its place by offset. The others are in order
+// already, so one move does what a stable sort of the whole list would:
+// among elements of the same offset it keeps the place its index gives it.
+// An element whose neighbours still enclose it (a new colour or linetype,
+// the usual write) does not move at all.
+void KxDbMlineStyle::placeElement(int index)
 {
-    std::stable_sort(m_elements.begin(), m_elements.end(),
-                     [](const Element& a, const Element& b) { return a.offset > b.offset; });
+    const auto at = m_elements.begin() + index;
+    const double offset = at->offset;
+    const bool afterPrevious = at == m_elements.begin() || std::prev(at)->offset >= offset;
+    const bool beforeNext = std::next(at) == m_elements.end() || std::next(at)->offset <= offset;
+    if (afterPrevious && beforeNext)
+        return;
+    const Element moved = *at;
+    m_elements.erase(at);
+    const auto first = std::partition_point(m_elements.begin(), m_elements.end(),
+                                            [offset](const Element& e) { return e.offset > offset; });
+    const auto last = std::partition_point(first, m_elements.end(),
+                                           [offset](const Element& e) { return !(e.offset < offset); });
+    m_elements.insert(std::clamp(m_elements.begin() + index, first, last), moved);
 }
 
 Kald::ErrorStatus KxDbMlineStyle::setElement(int index, double offset, const KxCmColor& color, KxDbObjectId linetype)
@@ -98,7 +115,7 @@ Kald::ErrorStatus KxDbMlineStyle::setElement(int index, double offset, const KxC
     if (index < 0 || index >= numElements())
         return Kald::eInvalidIndex;
     m_elements[std::size_t(index)] = Element{offset, color, linetype};
-    sortElements();
+    placeElement(index);
     return Kald::eOk;
 }
 
@@ -108,8 +125,8 @@ Kald::ErrorStatus KxDbMlineStyle::addElement(int& index, double offset, const Kx
     index = -1;
     if (checkIfReferenced && isReferenced())
         return Kald::eNotApplicable;
-    const auto place = std::find_if(m_elements.begin(), m_elements.end(),
-                                    [offset](const Element& e) { return e.offset < offset; });
+    const auto place = std::partition_point(m_elements.begin(), m_elements.end(),
+                                            [offset](const Element& e) { return !(e.offset < offset); });
     index = static_cast<int>(place - m_elements.begin());
     m_elements.insert(place, Element{offset, color, linetype});
     return Kald::eOk;

@@ -53,7 +53,7 @@ public:
 
     int numElements() const { return static_cast<int>(m_elements.size()); }
     Kald::ErrorStatus getElementAt(int index, double& offset, KxCmColor& color, KxDbObjectId& linetype) const;
-    // Replaces element index; the list is sorted again by offset.
+    // Replaces element index; the element moves to its place by offset.
     Kald::ErrorStatus setElement(int index, double offset, const KxCmColor& color, KxDbObjectId linetype);
     // Inserts an element at its place by offset; index gets that place.
     // An element of the same offset goes after those already there.
@@ -70,7 +70,7 @@ private:
         KxCmColor color;
         KxDbObjectId linetype;
     };
-    void sortElements();
+    void placeElement(int index);
     bool isReferenced() const;
 
     std::wstring m_name;

@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <utility>
+#include <vector>
+
 #include "kxdb.h"
 
 namespace {
@@ -84,6 +89,56 @@ TEST(MlineStyle, SetCopiesEverythingAndRespectsReferences)
     EXPECT_EQ(standard->set(source, true), Kald::eNotApplicable);
     EXPECT_EQ(standard->addElement(index, 0.1, KxCmColor(), {}, true), Kald::eNotApplicable);
     EXPECT_EQ(standard->set(source, false), Kald::eOk);
+}
+
+// Writing one element must leave the list as a stable sort of the whole
+// list would: every list of up to five offsets drawn from three values,
+// every element rewritten with every offset around them. The colour index
+// tells the elements apart.
+TEST(MlineStyle, RewrittenElementTakesTheStableSortPlace)
+{
+    const double values[] = {1.0, 0.0, -1.0};
+    const double rewrites[] = {2.0, 1.0, 0.5, 0.0, -1.0, -2.0};
+    for (int length = 1; length <= 5; ++length) {
+        int combinations = 1;
+        for (int i = 0; i < length; ++i)
+            combinations *= 3;
+        for (int code = 0; code < combinations; ++code) {
+            std::vector<double> offsets;
+            for (int c = code, i = 0; i < length; ++i, c /= 3)
+                offsets.push_back(values[c % 3]);
+            std::sort(offsets.begin(), offsets.end(), std::greater<>());
+            for (int index = 0; index < length; ++index) {
+                for (const double rewrite : rewrites) {
+                    KxDbMlineStyle style;
+                    for (int i = 0; i < length; ++i) {
+                        KxCmColor color;
+                        color.setColorIndex(i + 1);
+                        int at = 0;
+                        style.addElement(at, offsets[std::size_t(i)], color, {});
+                    }
+                    std::vector<std::pair<double, int>> expected;
+                    for (int i = 0; i < length; ++i)
+                        expected.emplace_back(i == index ? rewrite : offsets[std::size_t(i)], i + 1);
+                    std::stable_sort(expected.begin(), expected.end(),
+                                     [](const auto& a, const auto& b) { return a.first > b.first; });
+
+                    KxCmColor color;
+                    color.setColorIndex(index + 1);
+                    style.setElement(index, rewrite, color, {});
+                    std::vector<std::pair<double, int>> actual;
+                    for (int i = 0; i < length; ++i) {
+                        double offset = 0;
+                        KxDbObjectId linetype;
+                        style.getElementAt(i, offset, color, linetype);
+                        actual.emplace_back(offset, color.colorIndex());
+                    }
+                    ASSERT_EQ(actual, expected) << "list " << code << " of " << length << ", element " << index
+                                                << " rewritten to " << rewrite;
+                }
+            }
+        }
+    }
 }
 
 TEST(Color, MethodsIndicesAndDisplayNames)
