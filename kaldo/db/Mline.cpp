@@ -1,7 +1,11 @@
 #include "kxdbmline.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
+#include <numeric>
+#include <span>
 
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/db/MlineGeometry.h"
@@ -168,10 +172,12 @@ Kald::ErrorStatus KxDbMline::setClosedMline(bool closed)
     if (closed == m_closed)
         return Kald::eOk;
     m_closed = closed;
-    std::vector<bool> fresh(m_vertices.size(), false);
-    if (!fresh.empty())
-        fresh.back() = true;
-    rebuild(fresh);
+    // Only the ends change: the last vertex gains or loses its closing
+    // segment, the first its bisecting miter.
+    if (!m_vertices.empty()) {
+        const std::size_t last = m_vertices.size() - 1;
+        rebuild(std::array{last, std::size_t{0}}, std::array{last});
+    }
     return Kald::eOk;
 }
 
@@ -205,12 +211,11 @@ KxGeVector3d KxDbMline::miterAt(int index) const
 Kald::ErrorStatus KxDbMline::appendSeg(const KxGePoint3d& point)
 {
     m_vertices.push_back(Vertex{point, {}, {}, {}});
-    const std::size_t n = m_vertices.size();
-    std::vector<bool> fresh(n, false);
-    fresh[n - 1] = true;
-    if (n > 1)
-        fresh[n - 2] = true;
-    rebuild(fresh);
+    // The new vertex, the one before it (no longer the end) and, when
+    // closed, the first (its miter looks back at the new last vertex).
+    const std::size_t last = m_vertices.size() - 1;
+    const std::size_t before = last > 0 ? last - 1 : last;
+    rebuild(std::array{before, last, std::size_t{0}}, std::array{before, last});
     return Kald::eOk;
 }
 
@@ -222,10 +227,10 @@ Kald::ErrorStatus KxDbMline::removeLastSeg(KxGePoint3d& lastPoint)
     m_vertices.pop_back();
     if (m_vertices.size() <= 2)
         m_closed = false;
-    std::vector<bool> fresh(m_vertices.size(), false);
-    if (!fresh.empty())
-        fresh.back() = true;
-    rebuild(fresh);
+    if (!m_vertices.empty()) {
+        const std::size_t last = m_vertices.size() - 1;
+        rebuild(std::array{last, std::size_t{0}}, std::array{last});
+    }
     return Kald::eOk;
 }
 
@@ -235,13 +240,13 @@ Kald::ErrorStatus KxDbMline::moveVertexAt(int index, const KxGePoint3d& point)
     if (index < 0 || index >= n)
         return Kald::eInvalidIndex;
     m_vertices[std::size_t(index)].position = point;
-    std::vector<bool> fresh(std::size_t(n), false);
-    fresh[std::size_t(index)] = true;
-    if (index > 0)
-        fresh[std::size_t(index - 1)] = true;
-    else if (m_closed)
-        fresh.back() = true;
-    rebuild(fresh);
+    // The vertex and its neighbours see the move; the segments on both
+    // sides of it start their runs afresh.
+    const auto at = std::size_t(index);
+    const auto count = std::size_t(n);
+    const std::size_t previous = at > 0 ? at - 1 : m_closed ? count - 1 : at;
+    const std::size_t next = at + 1 < count ? at + 1 : m_closed ? 0 : at;
+    rebuild(std::array{previous, at, next}, std::array{at, previous});
     return Kald::eOk;
 }
 
@@ -304,29 +309,30 @@ void KxDbMline::subSetDatabaseDefaults(KxDbDatabase* db)
 
 void KxDbMline::rebuildAll()
 {
-    rebuild(std::vector<bool>(m_vertices.size(), true));
+    std::vector<std::size_t> all(m_vertices.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    rebuild(all, all);
 }
 
-void KxDbMline::rebuild(const std::vector<bool>& freshRuns)
+void KxDbMline::rebuild(std::span<const std::size_t> vertices, std::span<const std::size_t> freshVertices)
 {
-    if (m_vertices.empty())
+    const std::size_t n = m_vertices.size();
+    if (n == 0)
         return;
     const kaldo::EntityPlane plane(m_normal);
-    std::vector<KxGePoint3d> points;
-    points.reserve(m_vertices.size());
-    for (const Vertex& v : m_vertices)
-        points.push_back(plane.toPlane(v.position));
+    const auto point = [&](std::size_t i) { return plane.toPlane(m_vertices[i].position); };
 
     const auto* style = KxDbMlineStyle::cast(kaldo::lookupObject(m_style));
     const std::vector<double> offsets =
         style ? kxdbMlineElementOffsets(*style, m_scale, m_justification) : std::vector<double>();
     const double startAngle = style ? style->startAngle() : std::numbers::pi / 2;
     const double endAngle = style ? style->endAngle() : std::numbers::pi / 2;
-    const std::vector<kaldo::VertexAngles> angles = kaldo::vertexAngles(points, m_closed, startAngle, endAngle);
 
-    for (std::size_t v = 0; v < m_vertices.size(); ++v) {
+    for (const std::size_t v : vertices) {
+        if (v >= n)
+            continue;
         Vertex& vertex = m_vertices[v];
-        const kaldo::VertexAngles& a = angles[v];
+        const kaldo::VertexAngles a = kaldo::vertexAnglesAt(point, n, v, m_closed, startAngle, endAngle);
         vertex.axis = plane.toWorld(KxGeVector3d(std::cos(a.axis), std::sin(a.axis)));
         vertex.miter = plane.toWorld(KxGeVector3d(std::cos(a.miter), std::sin(a.miter)));
 
@@ -334,7 +340,8 @@ void KxDbMline::rebuild(const std::vector<bool>& freshRuns)
         // reference a caller still holds keeps what it was given.
         const KxDbMlineVertexParams* old = vertex.params.get();
         auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-        const bool fresh = !old || v >= freshRuns.size() || freshRuns[v] || old->elements.size() != offsets.size();
+        const bool fresh = !old || old->elements.size() != offsets.size() ||
+                           std::find(freshVertices.begin(), freshVertices.end(), v) != freshVertices.end();
         if (!fresh)
             record->elements = old->elements;
         record->elements.resize(offsets.size());

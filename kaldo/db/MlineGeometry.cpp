@@ -30,30 +30,6 @@ double miterDistance(double offset, double miterAngle, double axisAngle)
     return offset / std::sin(turn + (turn == 0 ? 0.005 : 0.0));
 }
 
-std::vector<VertexAngles> vertexAngles(const std::vector<KxGePoint3d>& p, bool closed, double startAngle,
-                                       double endAngle)
-{
-    const std::size_t n = p.size();
-    std::vector<VertexAngles> out(n);
-    for (std::size_t v = 0; v < n; ++v) {
-        const bool hasNext = v + 1 < n || (closed && n > 1);
-        const std::size_t next = (v + 1) % n;
-        const std::size_t prev = (v + n - 1) % n;
-        VertexAngles& va = out[v];
-        if (hasNext)
-            va.axis = planeAngle(p[v], p[next]);
-        else if (v > 0)
-            va.axis = out[v - 1].axis;
-        if (!closed && v == 0)
-            va.miter = va.axis + startAngle;
-        else if (!closed && v + 1 == n)
-            va.miter = planeAngle(p[v - 1], p[v]) + endAngle;
-        else
-            va.miter = bisectorAngle(va.axis, planeAngle(p[v], p[prev]));
-    }
-    return out;
-}
-
 }  // namespace kaldo
 
 std::vector<double> kxdbMlineElementOffsets(const KxDbMlineStyle& style, double scale, int justification)

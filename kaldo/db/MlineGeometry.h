@@ -3,7 +3,7 @@
 // see EntityPlane). Angles are radians in [0, 2pi).
 #pragma once
 
-#include <vector>
+#include <cstddef>
 
 #include "kxtypes.h"
 
@@ -27,10 +27,28 @@ struct VertexAngles {
     double miter = 0;  // direction along which the elements cross
 };
 
-// Axis and miter angles of every vertex. Open: the start miter is the axis
-// plus startAngle, the end miter the incoming axis plus endAngle, and the
-// last vertex keeps the previous axis. Closed: every miter bisects.
-std::vector<VertexAngles> vertexAngles(const std::vector<KxGePoint3d>& planePoints, bool closed, double startAngle,
-                                       double endAngle);
+// Axis and miter angles of vertex v of n; point(i) is vertex i in plane
+// coordinates, and only v and its neighbours are read. Open: the start
+// miter is the axis plus startAngle, the last vertex keeps the incoming
+// axis and its miter is that axis plus endAngle. Closed: every miter
+// bisects.
+template <class PointAt>
+VertexAngles vertexAnglesAt(const PointAt& point, std::size_t n, std::size_t v, bool closed, double startAngle,
+                            double endAngle)
+{
+    VertexAngles va;
+    const bool hasNext = v + 1 < n || (closed && n > 1);
+    if (hasNext)
+        va.axis = planeAngle(point(v), point((v + 1) % n));
+    else if (v > 0)
+        va.axis = planeAngle(point(v - 1), point(v));
+    if (!closed && v == 0)
+        va.miter = va.axis + startAngle;
+    else if (!closed && v + 1 == n)
+        va.miter = va.axis + endAngle;
+    else
+        va.miter = bisectorAngle(va.axis, planeAngle(point(v), point((v + n - 1) % n)));
+    return va;
+}
 
 }  // namespace kaldo

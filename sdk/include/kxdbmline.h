@@ -23,6 +23,8 @@
 // change; lists of segments whose ends did not move keep their runs.
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <vector>
 
 #include "kxdbobject.h"
@@ -194,9 +196,11 @@ private:
         KxGeVector3d miter;
         KxDbMlineParamsPtr params;
     };
-    // Recomputes axes, miters and entry 0 of every list; vertices flagged in
-    // freshRuns (or whose lists do not fit the element count) get [entry0, 0].
-    void rebuild(const std::vector<bool>& freshRuns);
+    // Recomputes axes, miters and entry 0 of every list of the given
+    // vertices; those among freshVertices (or whose lists do not fit the
+    // element count) get [entry0, 0]. An edit names only the vertices it
+    // touches, so its cost does not grow with the multiline.
+    void rebuild(std::span<const std::size_t> vertices, std::span<const std::size_t> freshVertices);
     void rebuildAll();
 
     KxDbObjectId m_style;

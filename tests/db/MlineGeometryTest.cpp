@@ -3,6 +3,7 @@
 #include <cmath>
 #include <memory>
 #include <numbers>
+#include <random>
 
 #include "kaldo/db/EntityPlane.h"
 #include "kxdb.h"
@@ -260,6 +261,50 @@ TEST(MlineGeometry, EditsKeepRunsOfUntouchedSegments)
     EXPECT_EQ(paramsAt(m, 0)[0].element.size(), 2u);
     expectElementsOnOffsetLines(m, {0.5, -0.5});
     EXPECT_EQ(m.moveVertexAt(9, {}), Kald::eInvalidIndex);
+}
+
+// An edit recomputes only the vertices it touches; after any sequence of
+// moves, appends, removals and closings the multiline must equal one built
+// afresh from its final points.
+TEST(MlineGeometry, EditsAgreeWithBuildingAfresh)
+{
+    Drawing d;
+    const KxDbObjectId style = d.addStyle(L"Three", {1.0, 0.25, -0.75}, std::numbers::pi / 3, 2.0);
+    const auto edited = d.make({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}}, Mline::kTop, 2.0, style);
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> coordinate(-50.0, 50.0);
+    for (int step = 0; step < 400; ++step) {
+        const int n = edited->numVertices();
+        const KxGePoint3d somewhere(coordinate(random), coordinate(random), 0);
+        switch (random() % 4) {
+        case 0: edited->moveVertexAt(int(random() % unsigned(n)), somewhere); break;
+        case 1: edited->appendSeg(somewhere); break;
+        case 2:
+            if (n > 3) {
+                KxGePoint3d removed;
+                edited->removeLastSeg(removed);
+            }
+            break;
+        default: edited->setClosedMline(!edited->closedMline() && n > 2); break;
+        }
+        const auto afresh = d.make({}, Mline::kTop, 2.0, style);
+        for (int v = 0; v < edited->numVertices(); ++v)
+            afresh->appendSeg(edited->vertexAt(v));
+        afresh->setClosedMline(edited->closedMline());
+        for (int v = 0; v < edited->numVertices(); ++v) {
+            SCOPED_TRACE(testing::Message() << "step " << step << " vertex " << v);
+            const KxGeVector3d axis = afresh->axisAt(v), miter = afresh->miterAt(v);
+            expectVector(edited->axisAt(v), axis.x, axis.y, axis.z);
+            expectVector(edited->miterAt(v), miter.x, miter.y, miter.z);
+            const auto want = paramsAt(*afresh, v), got = paramsAt(*edited, v);
+            ASSERT_EQ(got.size(), want.size());
+            for (std::size_t e = 0; e < want.size(); ++e) {
+                ASSERT_EQ(got[e].element.size(), want[e].element.size());
+                for (std::size_t k = 0; k < want[e].element.size(); ++k)
+                    EXPECT_NEAR(got[e].element[k], want[e].element[k], 1e-10);
+            }
+        }
+    }
 }
 
 TEST(MlineGeometry, CopiesAndRawAccess)
