@@ -13,15 +13,6 @@ MlnElementTable::MlnElementTable(std::size_t rows)
 {
 }
 
-void MlnElementTable::reset()
-{
-    std::ranges::fill(offsets, 0.0);
-    std::ranges::fill(colorIndices, 0);
-    std::ranges::fill(trueColors, 0);
-    std::ranges::fill(colorBookKeys, std::nullopt);
-    std::ranges::fill(linetypeNames, std::nullopt);
-}
-
 bool applyMlnElementTable(KxDbMlineStyle* style, const MlnElementTable& table, int count, KxDbDatabase* database)
 {
     if (!style)

@@ -22,9 +22,8 @@ inline constexpr std::size_t kMlnReaderSlots = 256;
 struct MlnElementTable {
     explicit MlnElementTable(std::size_t rows);
 
+    // A new table's numbers are 0 and its strings null.
     std::size_t size() const { return offsets.size(); }
-    // Numbers 0, strings null.
-    void reset();
 
     std::vector<double> offsets;
     std::vector<std::int32_t> colorIndices;

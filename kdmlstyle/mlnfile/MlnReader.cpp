@@ -131,7 +131,9 @@ private:
     {
         const int stored = std::min(count, static_cast<int>(kMlnReaderSlots));
         setStyleElementCount(&style_, stored);
-        table_.reset();
+        // Rows for the elements the block names, never more than the slots:
+        // a block of two elements does not pay for 256.
+        MlnElementTable table(static_cast<std::size_t>(std::max(stored, 0)));
         for (int i = 0; i < count; ++i) {
             MlnScan scan = MlnScan::failedRead;
             if (!steps_([&] { scan = scanner_.readElementSlot(*slot_); }))
@@ -139,20 +141,19 @@ private:
             if (scan == MlnScan::failedRead || scan == MlnScan::outOfForm)
                 return false;
             if (scan == MlnScan::read && i < stored)
-                store(static_cast<std::size_t>(i));
+                store(table, static_cast<std::size_t>(i));
         }
-        applyMlnElementTable(&style_, table_, stored, database_);
-        table_.reset();
+        applyMlnElementTable(&style_, table, stored, database_);
         return true;
     }
 
-    void store(std::size_t i)
+    void store(MlnElementTable& table, std::size_t i) const
     {
-        table_.offsets[i] = slot_->offset;
-        table_.colorIndices[i] = slot_->colorIndex;
-        table_.trueColors[i] = slot_->trueColor;
-        table_.colorBookKeys[i] = std::wstring(slot_->colorBookKey);
-        table_.linetypeNames[i] = std::wstring(slot_->linetypeName);
+        table.offsets[i] = slot_->offset;
+        table.colorIndices[i] = slot_->colorIndex;
+        table.trueColors[i] = slot_->trueColor;
+        table.colorBookKeys[i] = std::wstring(slot_->colorBookKey);
+        table.linetypeNames[i] = std::wstring(slot_->linetypeName);
     }
 
     MlnBlockScanner scanner_;
@@ -163,7 +164,6 @@ private:
     bool blockFound_ = false;
     std::unique_ptr<MlnItem> item_ = std::make_unique<MlnItem>();
     std::unique_ptr<MlnElementSlot> slot_ = std::make_unique<MlnElementSlot>();
-    MlnElementTable table_{kMlnReaderSlots};
 };
 
 }  // namespace

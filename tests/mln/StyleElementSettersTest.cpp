@@ -129,7 +129,6 @@ TEST_F(StyleElementSettersTest, FlagWordSetsAllEightPropertiesAndReadsBack)
 TEST_F(StyleElementSettersTest, TableRowsTravelWithTheirOffsets)
 {
     kdml::MlnElementTable table(kdml::kMlnReaderSlots);
-    table.reset();
     table.offsets[0] = -1.0;
     table.colorIndices[0] = 1;
     table.trueColors[0] = -1;
