@@ -1,5 +1,6 @@
 #include "kaldo/view/SvgExport.h"
 
+#include <QBuffer>
 #include <QIODevice>
 
 #include <charconv>
@@ -13,50 +14,77 @@ namespace kaldo::view {
 
 namespace {
 
-// Appends SVG text; numbers in pixels with two decimals.
+// SVG text on its way to a device: gathered in a buffer of about a
+// megabyte that goes out whenever it fills, so that memory stays flat
+// however large the drawing. Numbers in pixels with two decimals.
 class SvgText {
 public:
-    explicit SvgText(std::string& out) : m_out(out) {}
+    explicit SvgText(QIODevice& device) : m_device(device) { m_buffer.reserve(kChunk + 4096); }
 
     SvgText& operator<<(const char* text)
     {
-        m_out += text;
+        m_buffer += text;
+        flushWhenFull();
         return *this;
     }
     SvgText& operator<<(double value)
     {
         char buffer[32];
         const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 2);
-        m_out.append(buffer, result.ptr);
+        m_buffer.append(buffer, result.ptr);
         return *this;
     }
     SvgText& operator<<(int value)
     {
         char buffer[16];
         const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-        m_out.append(buffer, result.ptr);
+        m_buffer.append(buffer, result.ptr);
         return *this;
     }
     SvgText& rgb(std::uint32_t color)
     {
         char buffer[8];
         std::snprintf(buffer, sizeof buffer, "#%06x", static_cast<unsigned>(color & 0xFFFFFF));
-        m_out += buffer;
+        m_buffer += buffer;
         return *this;
     }
 
+    // Writes what is left; false when any write failed.
+    bool finish()
+    {
+        flush();
+        return m_written;
+    }
+
 private:
-    std::string& m_out;
+    static constexpr std::size_t kChunk = std::size_t(1) << 20;
+
+    void flushWhenFull()
+    {
+        if (m_buffer.size() >= kChunk)
+            flush();
+    }
+    void flush()
+    {
+        if (m_written && !m_buffer.empty())
+            m_written = m_device.write(m_buffer.data(), qint64(m_buffer.size())) == qint64(m_buffer.size());
+        m_buffer.clear();
+    }
+
+    QIODevice& m_device;
+    std::string m_buffer;
+    bool m_written = true;
 };
 
 class SvgWriter {
 public:
-    SvgWriter(const Scene& scene, const PictureOptions& options, std::string& out)
-        : m_scene(scene), m_options(options), m_frame(scene.bounds(), options.size), m_svg(out)
+    SvgWriter(const Scene& scene, const PictureOptions& options, QIODevice& device)
+        : m_scene(scene), m_options(options), m_frame(scene.bounds(), options.size), m_svg(device)
     {
     }
 
-    void write()
+    // False when the device refused a write.
+    bool write()
     {
         m_svg << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << m_frame.width() << "\" height=\""
@@ -77,6 +105,7 @@ public:
             m_svg << "</g>\n";
         }
         m_svg << "</svg>\n";
+        return m_svg.finish();
     }
 
 private:
@@ -159,18 +188,15 @@ private:
 
 std::string svgDocument(const Scene& scene, const PictureOptions& options)
 {
-    std::string out;
-    out.reserve(256 + scene.points().size() * 16);
-    SvgWriter(scene, options, out).write();
-    return out;
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    SvgWriter(scene, options, buffer).write();
+    return buffer.data().toStdString();
 }
 
 std::string writeSvg(const Scene& scene, const std::filesystem::path& file, const PictureOptions& options)
 {
-    const std::string document = svgDocument(scene, options);
-    return saveAtomically(file, [&](QIODevice& device, std::string&) {
-        return device.write(document.data(), qint64(document.size())) == qint64(document.size());
-    });
+    return saveAtomically(file, [&](QIODevice& device, std::string&) { return SvgWriter(scene, options, device).write(); });
 }
 
 }  // namespace kaldo::view
