@@ -60,7 +60,7 @@ int chooseOnCommandLine(kaldo::Editor& editor, const wchar_t* defaultName, const
     }
     const auto found = findFile(name);
     if (!found) {
-        editor.write(L"\nCannot find the file \"" + name + L"\".");
+        editor.write(L"\nCannot find the file \"" + name + L"\".\n");
         return RTERROR;
     }
     chosen = found->wstring();

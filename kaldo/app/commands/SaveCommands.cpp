@@ -17,9 +17,9 @@ void saveAs(Session& session, const std::filesystem::path& path)
 {
     try {
         session.saveDrawing(path);
-        kxutPrintf(L"\nSaved \"%ls\".", path.wstring().c_str());
+        kxutPrintf(L"\nSaved \"%ls\".\n", path.wstring().c_str());
     } catch (const dxf::DxfError& e) {
-        kxutPrintf(L"\nThe drawing was not saved: %ls", kxutFromMultiByte(e.what()).c_str());
+        kxutPrintf(L"\nThe drawing was not saved: %ls\n", kxutFromMultiByte(e.what()).c_str());
     }
 }
 
