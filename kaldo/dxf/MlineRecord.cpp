@@ -180,8 +180,11 @@ void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mli
     w.integer(70, mline.justification());
     w.integer(71, (n > 0 ? kHasVertices : 0) | (mline.closedMline() ? kClosed : 0)
                       | (mline.supressStartCaps() ? kSuppressStart : 0) | (mline.supressEndCaps() ? kSuppressEnd : 0));
+    // A style without elements is written with one element that the
+    // multiline does not draw: a list with its distance and no runs.
+    const bool axisElement = style && style->numElements() == 0 && (!first || first->elements.empty());
     w.integer(72, n);
-    w.integer(73, first ? long(first->elements.size()) : (style ? style->numElements() : 0));
+    w.integer(73, axisElement ? 1 : first ? long(first->elements.size()) : (style ? style->numElements() : 0));
     w.point(10, mline.vertexAt(0));
     w.vector(210, mline.normal());
     for (int i = 0; i < n; ++i) {
@@ -189,6 +192,11 @@ void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mli
         w.vector(12, mline.axisAt(i));
         w.vector(13, mline.miterAt(i));
         const KxDbMlineVertexParams* params = mline.parametersAt(i);
+        if (axisElement) {
+            w.integer(74, 1);
+            w.real(41, 0.0);
+            w.integer(75, 0);
+        }
         if (!params)
             continue;
         for (const KxDbMlineElementParams& element : params->elements) {

@@ -183,7 +183,16 @@ void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyl
     writeColor(w, style.fillColor());
     w.degrees(51, style.startAngle());
     w.degrees(52, style.endAngle());
-    w.integer(71, style.numElements());
+    if (style.numElements() == 0) {
+        // Other readers refuse a style without elements: it is written with
+        // one element on the axis, which its multilines never draw.
+        w.integer(71, 1);
+        w.real(49, 0.0);
+        w.integer(62, KxCmColor::kIndexByLayer);
+        w.text(6, "BYLAYER");
+    } else {
+        w.integer(71, style.numElements());
+    }
     for (int i = 0; i < style.numElements(); ++i) {
         double offset = 0;
         KxCmColor color;
