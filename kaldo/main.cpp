@@ -17,6 +17,8 @@
 #include <iostream>
 #include <memory>
 
+#include <unistd.h>
+
 namespace {
 
 // Without a display, Qt would refuse to start: dialogs then go offscreen.
@@ -109,7 +111,9 @@ int main(int argc, char** argv)
             return fail(std::string("cannot open the drawing: ") + e.what(), kaldo::kExitBadFile);
         }
     }
-    kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin);
+    // Lines typed by a person at a terminal are no script: dialogs may open.
+    const bool personTypes = !options.script && isatty(STDIN_FILENO);
+    kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin, !personTypes);
     session->editor().setInputSource(&input);
     session->editor().setTranscript(printTranscript);
 
