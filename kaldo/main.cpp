@@ -17,6 +17,7 @@
 #include <iostream>
 #include <memory>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -26,6 +27,24 @@ void chooseOffscreenWithoutDisplay()
 {
     if (!std::getenv("QT_QPA_PLATFORM") && !std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
+}
+
+// Qt warns on standard error when the session names no runtime folder: give
+// it the private folder it would fall back to, made when missing.
+void provideRuntimeFolder()
+{
+    if (std::getenv("XDG_RUNTIME_DIR"))
+        return;
+    std::error_code ec;
+    const std::filesystem::path temp = std::filesystem::temp_directory_path(ec);
+    if (ec)
+        return;
+    const std::string dir = (temp / ("runtime-" + std::to_string(getuid()))).string();
+    mkdir(dir.c_str(), 0700);
+    struct stat info {};
+    if (lstat(dir.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == getuid()
+        && (info.st_mode & 0777) == 0700)
+        setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
 }
 
 int fail(const std::string& message, int code)
@@ -70,6 +89,7 @@ void printTranscript(std::wstring_view text)
 int main(int argc, char** argv)
 {
     chooseOffscreenWithoutDisplay();
+    provideRuntimeFolder();
     QApplication app(argc, argv);
     const kaldo::ParsedOptions parsed = kaldo::parseOptions(app.arguments());
     if (!parsed.error.empty()) {
