@@ -3,6 +3,7 @@
 #include "kaldo/dxf/DxfError.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstring>
 
 namespace kaldo::dxf {
@@ -127,7 +128,7 @@ double toReal(const Group& group)
         text.remove_prefix(1);
     double value = 0;
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (text.empty() || ec != std::errc() || end != text.data() + text.size())
+    if (text.empty() || ec != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
         notANumber(group, "a number");
     return value;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 namespace kaldo {
@@ -140,7 +141,7 @@ std::optional<VariableValue> checked(const Definition& def, const VariableValue&
             return std::nullopt;
         return value;
     case RTREAL:
-        if (!number || *number < def.low || *number > def.high)
+        if (!number || !std::isfinite(*number) || *number < def.low || *number > def.high)
             return std::nullopt;
         return VariableValue(*number);
     default:
