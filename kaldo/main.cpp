@@ -17,6 +17,9 @@
 #include <iostream>
 #include <memory>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 // Without a display, Qt would refuse to start: dialogs then go offscreen.
@@ -24,6 +27,24 @@ void chooseOffscreenWithoutDisplay()
 {
     if (!std::getenv("QT_QPA_PLATFORM") && !std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
+}
+
+// Qt warns on standard error when the session names no runtime folder: give
+// it the private folder it would fall back to, made when missing.
+void provideRuntimeFolder()
+{
+    if (std::getenv("XDG_RUNTIME_DIR"))
+        return;
+    std::error_code ec;
+    const std::filesystem::path temp = std::filesystem::temp_directory_path(ec);
+    if (ec)
+        return;
+    const std::string dir = (temp / ("runtime-" + std::to_string(getuid()))).string();
+    mkdir(dir.c_str(), 0700);
+    struct stat info {};
+    if (lstat(dir.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == getuid()
+        && (info.st_mode & 0777) == 0700)
+        setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
 }
 
 int fail(const std::string& message, int code)
@@ -68,6 +89,7 @@ void printTranscript(std::wstring_view text)
 int main(int argc, char** argv)
 {
     chooseOffscreenWithoutDisplay();
+    provideRuntimeFolder();
     QApplication app(argc, argv);
     const kaldo::ParsedOptions parsed = kaldo::parseOptions(app.arguments());
     if (!parsed.error.empty()) {
@@ -109,7 +131,9 @@ int main(int argc, char** argv)
             return fail(std::string("cannot open the drawing: ") + e.what(), kaldo::kExitBadFile);
         }
     }
-    kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin);
+    // Lines typed by a person at a terminal are no script: dialogs may open.
+    const bool personTypes = !options.script && isatty(STDIN_FILENO);
+    kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin, !personTypes);
     session->editor().setInputSource(&input);
     session->editor().setTranscript(printTranscript);
 

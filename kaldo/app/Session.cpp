@@ -66,9 +66,9 @@ void Session::openDrawing(const std::filesystem::path& path)
     host().drawingDir = drawingPath_.parent_path();
 }
 
-void Session::saveDrawing(const std::filesystem::path& path)
+void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnly)
 {
-    dxf::saveDxfFile(path, *database_, keptSections_);
+    dxf::saveDxfFile(path, *database_, keptSections_, replaceReadOnly);
     drawingPath_ = std::filesystem::absolute(path);
     host().drawingDir = drawingPath_.parent_path();
 }

@@ -47,8 +47,9 @@ public:
     // dxf::DxfError; the working drawing then stays as it was.
     void openDrawing(const std::filesystem::path& path);
     // Saves the working drawing (atomically) as path, which then becomes
-    // its file. Throws dxf::DxfError; the old file then stays as it was.
-    void saveDrawing(const std::filesystem::path& path);
+    // its file. Throws dxf::DxfError; the old file then stays as it was. A
+    // read-only file is replaced only when replaceReadOnly is true.
+    void saveDrawing(const std::filesystem::path& path, bool replaceReadOnly = false);
     Editor& editor() { return *editor_; }
     Runtime& runtime() { return *runtime_; }
     Profile& profile() { return *profile_; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kxdbdict.h"
 #include "kxdbmlstyle.h"
@@ -207,13 +208,25 @@ Kald::ErrorStatus KxDbDatabase::getLinetypeTable(KxDbLinetypeTable*& table, int 
     return kxdbOpenObject(table, m_linetypeTable, mode);
 }
 
-Kald::ErrorStatus KxDbDatabase::setCmlstyleID(KxDbObjectId style)
+Kald::ErrorStatus KxDbDatabase::setCmlstyleID(KxDbObjectId style, const wchar_t* spelling)
 {
     const KxDbObject* obj = peekObject(style);
     if (!obj || obj->isErased() || !KxDbMlineStyle::cast(obj))
         return Kald::eInvalidInput;
     m_cmlstyle = style;
+    m_cmlstyleSpelling = spelling ? spelling : L"";
     return Kald::eOk;
+}
+
+std::wstring KxDbDatabase::cmlstyleName() const
+{
+    const auto* style = KxDbMlineStyle::cast(peekObject(m_cmlstyle));
+    if (!style || style->isErased())
+        return {};
+    // A rename since the name was written leaves the style's own spelling.
+    if (kaldo::sameName(m_cmlstyleSpelling, style->name()))
+        return m_cmlstyleSpelling;
+    return style->name();
 }
 
 Kald::ErrorStatus KxDbDatabase::setCmljust(int justification)

@@ -33,6 +33,6 @@ DxfDrawing readDxfFile(const std::filesystem::path& path);
 // records first (so the database may gain objects). Throws DxfError.
 void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept);
 // Writes atomically: the old file stays whole when anything fails.
-void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept);
+void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept, bool replaceReadOnly = false);
 
 }  // namespace kaldo::dxf

@@ -159,6 +159,9 @@ void resolveReferences(ReadContext& context)
         if (!obj)
             throw DxfError(entry.line, "the dictionary entry \"" + kxutToMultiByte(entry.name) + "\" points to handle "
                                            + handleText(entry.handle) + ", which no object has.");
+        if (dict->handle() == context.mlineStyleDictionaryHandle && !KxDbMlineStyle::cast(obj))
+            throw DxfError(entry.line, "the multiline style \"" + kxutToMultiByte(entry.name) + "\" points to handle "
+                                           + handleText(entry.handle) + ", which is no multiline style.");
         KxDbObjectId id;
         dict->setAt(entry.name.c_str(), obj, id);
     }

@@ -132,9 +132,9 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept)
     w.flush();
 }
 
-void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept)
+void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept, bool replaceReadOnly)
 {
-    writeFileAtomically(path, [&](int fd) { writeDxf(fd, db, kept); });
+    writeFileAtomically(path, [&](int fd) { writeDxf(fd, db, kept); }, replaceReadOnly);
 }
 
 }  // namespace kaldo::dxf

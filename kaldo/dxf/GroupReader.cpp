@@ -3,6 +3,7 @@
 #include "kaldo/dxf/DxfError.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstring>
 
 namespace kaldo::dxf {
@@ -72,7 +73,7 @@ bool parseCode(std::string_view text, int& code)
         negative = true;
         text.remove_prefix(1);
     }
-    if (text.empty() || text.size() > 6)
+    if (text.empty() || text.size() > 5)
         return false;
     int value = 0;
     for (const char c : text) {
@@ -81,7 +82,8 @@ bool parseCode(std::string_view text, int& code)
         value = value * 10 + (c - '0');
     }
     code = negative ? -value : value;
-    return true;
+    // Group codes are 16-bit numbers.
+    return code >= -32768 && code <= 32767;
 }
 
 }  // namespace
@@ -127,7 +129,7 @@ double toReal(const Group& group)
         text.remove_prefix(1);
     double value = 0;
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (text.empty() || ec != std::errc() || end != text.data() + text.size())
+    if (text.empty() || ec != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
         notANumber(group, "a number");
     return value;
 }
@@ -148,14 +150,14 @@ bool tryHandle(std::string_view text, std::uint64_t& handle)
 {
     text = trimmed(text);
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), handle, 16);
-    return !text.empty() && ec == std::errc() && end == text.data() + text.size();
+    return !text.empty() && ec == std::errc() && end == text.data() + text.size() && handle <= kHighestFileHandle;
 }
 
 std::uint64_t toHandle(const Group& group)
 {
     std::uint64_t value = 0;
     if (!tryHandle(group.value, value))
-        notANumber(group, "a handle");
+        notANumber(group, "a handle up to FFFFFFFF00000000");
     return value;
 }
 

@@ -53,9 +53,12 @@ private:
 // Value conversions that name the group's line when the text is no number.
 double toReal(const Group& group);
 std::int64_t toInteger(const Group& group);
-// A handle: hexadecimal digits.
+// Handles above this are left for the objects a drawing makes once it is
+// read, so that new handles never run out or wrap around.
+inline constexpr std::uint64_t kHighestFileHandle = 0xFFFFFFFF00000000u;
+// A handle: hexadecimal digits, at most kHighestFileHandle.
 std::uint64_t toHandle(const Group& group);
-// The same without complaint: false for text that is no handle.
+// The same without complaint: false for text that is no such handle.
 bool tryHandle(std::string_view text, std::uint64_t& handle);
 inline std::string_view trimmed(std::string_view text)
 {

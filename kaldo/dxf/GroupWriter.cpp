@@ -4,8 +4,10 @@
 #include "kxstring.h"
 
 #include <cerrno>
+#include <cmath>
 #include <charconv>
 #include <cstring>
+#include <string>
 #include <numbers>
 #include <unistd.h>
 
@@ -14,6 +16,13 @@ namespace kaldo::dxf {
 namespace {
 constexpr std::size_t kBufferSize = 1 << 20;
 constexpr std::size_t kNumberRoom = 64;
+
+// No reader takes "inf" or "nan": a drawing holding such a number is not saved.
+void requireFinite(int groupCode, double value)
+{
+    if (!std::isfinite(value))
+        throw DxfError(0, "the drawing holds a number that is not finite (group " + std::to_string(groupCode) + ").");
+}
 }  // namespace
 
 GroupWriter::GroupWriter(int fd) : fd_(fd), buffer_(kBufferSize, '\0') {}
@@ -64,6 +73,7 @@ void GroupWriter::wide(int groupCode, const std::wstring& value)
 
 void GroupWriter::real(int groupCode, double value)
 {
+    requireFinite(groupCode, value);
     code(groupCode);
     ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
@@ -97,6 +107,7 @@ void GroupWriter::handle(int groupCode, std::uint64_t value)
 
 void GroupWriter::degrees(int groupCode, double radians)
 {
+    requireFinite(groupCode, radians * (180.0 / std::numbers::pi));
     code(groupCode);
     ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;

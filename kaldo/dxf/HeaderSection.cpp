@@ -148,8 +148,9 @@ void resolveHeaderReferences(ReadContext& context)
         return;
     const auto* styles = KxDbDictionary::cast(context.db.peekObject(context.db.mlineStyleDictionaryId()));
     KxDbObjectId style;
-    if (styles && styles->getAt(kxutFromMultiByte(context.cmlstyleName).c_str(), style) == Kald::eOk)
-        context.db.setCmlstyleID(style);
+    const std::wstring name = kxutFromMultiByte(context.cmlstyleName);
+    if (styles && styles->getAt(name.c_str(), style) == Kald::eOk)
+        context.db.setCmlstyleID(style, name.c_str());
 }
 
 namespace {
@@ -170,9 +171,9 @@ void writeHeaderSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
     w.text(1, kept.version > kWrittenVersion ? kept.version : std::string(kWrittenVersion));
     w.text(9, "$HANDSEED");
     w.handle(5, db.handseed());
-    const auto* style = KxDbMlineStyle::cast(db.peekObject(db.cmlstyleID()));
+    const std::wstring cmlstyle = db.cmlstyleName();
     w.text(9, "$CMLSTYLE");
-    w.wide(2, style ? std::wstring(style->name()) : std::wstring(kxdbStandardStyleName));
+    w.wide(2, cmlstyle.empty() ? std::wstring(kxdbStandardStyleName) : cmlstyle);
     w.text(9, "$CMLJUST");
     w.integer(70, db.cmljust());
     w.text(9, "$CMLSCALE");

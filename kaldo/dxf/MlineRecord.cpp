@@ -8,6 +8,7 @@
 #include "kxdbmlstyle.h"
 #include "kxstring.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace kaldo::dxf {
@@ -17,17 +18,23 @@ namespace {
 enum MlineFlags : int { kHasVertices = 1, kClosed = 2, kSuppressStart = 4, kSuppressEnd = 8 };
 
 // Collects the vertices group by group, checking each list against its count.
+// Room is made for what the record holds, never for what its counts claim:
+// a vertex takes as many element lists as the one before it had.
 class VertexCollector {
 public:
+    explicit VertexCollector(std::size_t groups) : groups_(groups) {}
+
     bool take(const Group& g)
     {
         switch (g.code) {
-        case 11:
+        case 11: {
             finishList();
+            const std::size_t elements = vertices_.empty() ? 0 : vertices_.back().elements.size();
             vertices_.emplace_back();
-            vertices_.back().elements.reserve(elementCount_);
+            vertices_.back().elements.reserve(elements);
             vertices_.back().position.x = toReal(g);
             return true;
+        }
         case 21: current(g).position.y = toReal(g); return true;
         case 31: current(g).position.z = toReal(g); return true;
         case 12: current(g).axis.x = toReal(g); return true;
@@ -48,7 +55,6 @@ public:
             else if (v.elements.empty())
                 throw DxfError(g.line, "area-fill parameters (75) before the element's parameters (74).");
             list_ = g.code == 74 ? &v.elements.back().element : &v.elements.back().areaFill;
-            list_->reserve(std::size_t(count));
             listCode_ = g.code == 74 ? 41 : 42;
             remaining_ = long(count);
             listLine_ = g.line;
@@ -66,13 +72,12 @@ public:
         }
     }
 
-    // The counts the record announces (72, 73), to make room at once.
-    void expect(long vertices, long elements)
+    // The vertex count the record announces (72), to make room at once for
+    // as many vertices as its groups can hold.
+    void expect(long vertices)
     {
-        if (vertices > 0 && vertices <= 1000000)
-            vertices_.reserve(std::size_t(vertices));
-        if (elements > 0 && elements <= 1000)
-            elementCount_ = std::size_t(elements);
+        if (vertices > 0)
+            vertices_.reserve(std::min(std::size_t(vertices), groups_));
     }
 
     std::vector<KxDbMlineStoredVertex> finish()
@@ -95,8 +100,8 @@ private:
         list_ = nullptr;
     }
 
+    const std::size_t groups_;
     std::vector<KxDbMlineStoredVertex> vertices_;
-    std::size_t elementCount_ = 0;
     std::vector<double>* list_ = nullptr;
     int listCode_ = 0;
     long remaining_ = 0;
@@ -109,7 +114,7 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
                      MlineStyleLink& style)
 {
     auto mline = std::make_unique<KxDbMline>();
-    VertexCollector vertices;
+    VertexCollector vertices(record.size());
     double scale = 1;
     int justification = 0;
     int flags = 0;
@@ -133,11 +138,10 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
         case 71: flags = int(toInteger(g)); return true;
         case 72:
             vertexCount = long(toInteger(g));
-            vertices.expect(vertexCount, elementCount);
+            vertices.expect(vertexCount);
             return true;
         case 73:
             elementCount = long(toInteger(g));
-            vertices.expect(vertexCount, elementCount);
             return true;
         case 10:
         case 20:
@@ -180,8 +184,11 @@ void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mli
     w.integer(70, mline.justification());
     w.integer(71, (n > 0 ? kHasVertices : 0) | (mline.closedMline() ? kClosed : 0)
                       | (mline.supressStartCaps() ? kSuppressStart : 0) | (mline.supressEndCaps() ? kSuppressEnd : 0));
+    // A style without elements is written with one element that the
+    // multiline does not draw: a list with its distance and no runs.
+    const bool axisElement = style && style->numElements() == 0 && (!first || first->elements.empty());
     w.integer(72, n);
-    w.integer(73, first ? long(first->elements.size()) : (style ? style->numElements() : 0));
+    w.integer(73, axisElement ? 1 : first ? long(first->elements.size()) : (style ? style->numElements() : 0));
     w.point(10, mline.vertexAt(0));
     w.vector(210, mline.normal());
     for (int i = 0; i < n; ++i) {
@@ -189,6 +196,11 @@ void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mli
         w.vector(12, mline.axisAt(i));
         w.vector(13, mline.miterAt(i));
         const KxDbMlineVertexParams* params = mline.parametersAt(i);
+        if (axisElement) {
+            w.integer(74, 1);
+            w.real(41, 0.0);
+            w.integer(75, 0);
+        }
         if (!params)
             continue;
         for (const KxDbMlineElementParams& element : params->elements) {

@@ -173,13 +173,6 @@ int styleFlags(const KxDbMlineStyle& s)
            | (s.endRoundCap() ? kEndRound : 0);
 }
 
-void writeStyleColor(GroupWriter& w, const KxCmColor& color)
-{
-    w.integer(62, color.colorIndex());
-    if (color.isByColor())
-        w.integer(420, color.color() & 0xFFFFFFu);
-}
-
 void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyle& style)
 {
     writeRecordHead(w, "MLINESTYLE", style);
@@ -187,17 +180,26 @@ void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyl
     w.wide(2, style.name());
     w.integer(70, styleFlags(style));
     w.wide(3, style.description());
-    writeStyleColor(w, style.fillColor());
+    writeColor(w, style.fillColor());
     w.degrees(51, style.startAngle());
     w.degrees(52, style.endAngle());
-    w.integer(71, style.numElements());
+    if (style.numElements() == 0) {
+        // Other readers refuse a style without elements: it is written with
+        // one element on the axis, which its multilines never draw.
+        w.integer(71, 1);
+        w.real(49, 0.0);
+        w.integer(62, KxCmColor::kIndexByLayer);
+        w.text(6, "BYLAYER");
+    } else {
+        w.integer(71, style.numElements());
+    }
     for (int i = 0; i < style.numElements(); ++i) {
         double offset = 0;
         KxCmColor color;
         KxDbObjectId linetype;
         style.getElementAt(i, offset, color, linetype);
         w.real(49, offset);
-        writeStyleColor(w, color);
+        writeColor(w, color);
         // Styles spell the reserved linetypes in capitals.
         const auto* record = KxDbSymbolTableRecord::cast(db.peekObject(linetype));
         if (!record || linetype == db.byLayerLinetype())

@@ -85,6 +85,7 @@ void Editor::complain(std::wstring_view message, std::wstring_view prompt)
 {
     write(L"\n");
     write(message);
+    write(L"\n");
     write(prompt);
 }
 

@@ -104,6 +104,7 @@ private:
     // The loop every get function shares: prompt, read, and answer cancel,
     // end of input and Enter (RSG_NONULL asks again); the rest goes to handle.
     int ask(std::wstring_view prompt, int flags, const Handler& handle);
+    // Writes message on a line of its own, then prompt again.
     void complain(std::wstring_view message, std::wstring_view prompt);
     // Whether text selects a keyword of controls (or RSG_OTHER takes any
     // text); remembers it for lastKeyword.

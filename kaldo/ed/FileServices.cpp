@@ -36,7 +36,11 @@ std::optional<fs::path> findFile(const fs::path& name)
 // asks to keep it as typed or it has an extension already.
 std::wstring withExtension(std::wstring name, const wchar_t* extension, int flags)
 {
-    if (!(flags & 0x4) && extension && *extension && fs::path(name).extension().empty())
+    // A folder gets no extension: whoever uses the name says it is a folder.
+    std::error_code ec;
+    const fs::path path(name);
+    if (!(flags & 0x4) && extension && *extension && path.extension().empty() && path.has_filename()
+        && !fs::is_directory(path, ec))
         name += L"." + std::wstring(extension);
     return name;
 }
@@ -60,7 +64,7 @@ int chooseOnCommandLine(kaldo::Editor& editor, const wchar_t* defaultName, const
     }
     const auto found = findFile(name);
     if (!found) {
-        editor.write(L"\nCannot find the file \"" + name + L"\".");
+        editor.write(L"\nCannot find the file \"" + name + L"\".\n");
         return RTERROR;
     }
     chosen = found->wstring();

@@ -4,7 +4,7 @@
 
 namespace kaldo {
 
-ScriptInputSource::ScriptInputSource(std::istream& in) : in_(in) {}
+ScriptInputSource::ScriptInputSource(std::istream& in, bool script) : in_(in), script_(script) {}
 
 ScriptInputSource::ScriptInputSource(std::unique_ptr<std::istream> owned)
     : owned_(std::move(owned)), in_(*owned_)

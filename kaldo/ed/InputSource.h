@@ -51,20 +51,22 @@ public:
 // line. An empty line is Enter, a line "^C" is cancel, the end of the stream
 // is the end of input. A trailing carriage return is dropped. The line is
 // passed on whole; the editor alone decides where a word ends (at the
-// command prompt a blank also ends the command word).
+// command prompt a blank also ends the command word). The same lines typed
+// by a person at a terminal come with script false.
 class ScriptInputSource : public InputSource {
 public:
-    explicit ScriptInputSource(std::istream& in);
+    explicit ScriptInputSource(std::istream& in, bool script = true);
     explicit ScriptInputSource(std::unique_ptr<std::istream> owned);
 
     InputEvent next() override;
-    bool isScript() const override { return true; }
+    bool isScript() const override { return script_; }
     // Number of lines read so far (for messages about a script line).
     int lineNumber() const { return lineNumber_; }
 
 private:
     std::unique_ptr<std::istream> owned_;
     std::istream& in_;
+    bool script_ = true;
     int lineNumber_ = 0;
     bool ended_ = false;
 };

@@ -39,6 +39,14 @@ std::optional<KxGeVector3d> parsePolar(std::wstring_view text, const AngleConven
     return KxGeVector3d(*distance * std::cos(direction), *distance * std::sin(direction), 0.0);
 }
 
+// A point whose coordinates overflowed is no point.
+std::optional<KxGePoint3d> finite(const KxGePoint3d& p)
+{
+    if (std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z))
+        return p;
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<KxGePoint3d> parsePointInput(std::wstring_view text, const KxGePoint3d& reference,
@@ -53,12 +61,12 @@ std::optional<KxGePoint3d> parsePointInput(std::wstring_view text, const KxGePoi
         return relative ? std::optional(reference) : std::nullopt;
     if (text.find(L'<') != std::wstring_view::npos) {
         const auto offset = parsePolar(text, angles);
-        return offset ? std::optional(origin + *offset) : std::nullopt;
+        return offset ? finite(origin + *offset) : std::nullopt;
     }
     const auto coordinates = parseCoordinates(text);
     if (!coordinates)
         return std::nullopt;
-    return origin + (*coordinates - KxGePoint3d());
+    return finite(origin + (*coordinates - KxGePoint3d()));
 }
 
 }  // namespace kaldo

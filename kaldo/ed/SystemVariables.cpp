@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 namespace kaldo {
@@ -41,8 +42,7 @@ std::optional<VariableValue> readCmlstyle(const Editor&)
 {
     if (!drawing())
         return std::nullopt;
-    KxDbObjectPtr<KxDbMlineStyle> style(drawing()->cmlstyleID(), KxDb::kForRead);
-    return VariableValue(std::wstring(style ? style->name() : L""));
+    return VariableValue(drawing()->cmlstyleName());
 }
 
 bool writeCmlstyle(const VariableValue& value)
@@ -52,8 +52,8 @@ bool writeCmlstyle(const VariableValue& value)
         return false;
     KxDbObjectPtr<KxDbDictionary> styles(dict);
     KxDbObjectId id;
-    return styles->getAt(std::get<std::wstring>(value).c_str(), id) == Kald::eOk
-        && drawing()->setCmlstyleID(id) == Kald::eOk;
+    const std::wstring& name = std::get<std::wstring>(value);
+    return styles->getAt(name.c_str(), id) == Kald::eOk && drawing()->setCmlstyleID(id, name.c_str()) == Kald::eOk;
 }
 
 template <auto Getter>
@@ -141,7 +141,7 @@ std::optional<VariableValue> checked(const Definition& def, const VariableValue&
             return std::nullopt;
         return value;
     case RTREAL:
-        if (!number || *number < def.low || *number > def.high)
+        if (!number || !std::isfinite(*number) || *number < def.low || *number > def.high)
             return std::nullopt;
         return VariableValue(*number);
     default:

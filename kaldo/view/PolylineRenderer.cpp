@@ -13,9 +13,10 @@ namespace {
 
 // Points after from along a segment of the plane, up to and with to; a
 // bulge b turns it into an arc of included angle 4 atan(b), counter-
-// clockwise for positive b.
-void addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to, double elevation,
-                const EntityPlane& plane, Scene& scene)
+// clockwise for positive b. A segment whose arc has no finite centre is
+// left out: the polyline breaks there and goes on from to (false).
+bool addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to, double elevation,
+                const EntityPlane& plane, int pen, Scene& scene)
 {
     const auto add = [&](double x, double y) {
         const KxGePoint3d p = plane.toWorld(KxGePoint3d(x, y, elevation));
@@ -24,7 +25,7 @@ void addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to
     const double chord = std::hypot(to.x - from.x, to.y - from.y);
     if (from.bulge == 0 || chord == 0) {
         add(to.x, to.y);
-        return;
+        return true;
     }
     const double included = 4 * std::atan(from.bulge);
     const double radius = chord / (2 * std::sin(std::abs(included) / 2));
@@ -34,6 +35,12 @@ void addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to
     const double offset = (1 - from.bulge * from.bulge) / (4 * from.bulge) * chord;
     const double cx = midX - (to.y - from.y) / chord * offset;
     const double cy = midY + (to.x - from.x) / chord * offset;
+    if (!std::isfinite(cx) || !std::isfinite(cy) || !std::isfinite(radius)) {
+        scene.endPolyline(false);
+        scene.beginPolyline(pen);
+        add(to.x, to.y);
+        return false;
+    }
     const double start = std::atan2(from.y - cy, from.x - cx);
     const int steps = std::max(2, int(std::ceil(std::abs(included) / (2 * std::numbers::pi) * 64)));
     for (int i = 1; i < steps; ++i) {
@@ -41,6 +48,7 @@ void addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to
         add(cx + radius * std::cos(a), cy + radius * std::sin(a));
     }
     add(to.x, to.y);
+    return true;
 }
 
 }  // namespace
@@ -54,11 +62,12 @@ void drawPolyline(const KxDbPolyline& polyline, int pen, Scene& scene)
     scene.beginPolyline(pen);
     const KxGePoint3d first = plane.toWorld(KxGePoint3d(vertices[0].x, vertices[0].y, polyline.elevation()));
     scene.addPoint({first.x, first.y});
+    bool whole = true;
     for (std::size_t i = 1; i < vertices.size(); ++i)
-        addSegment(vertices[i - 1], vertices[i], polyline.elevation(), plane, scene);
+        whole &= addSegment(vertices[i - 1], vertices[i], polyline.elevation(), plane, pen, scene);
     if (polyline.isClosed() && vertices.size() > 1)
-        addSegment(vertices.back(), vertices.front(), polyline.elevation(), plane, scene);
-    scene.endPolyline(polyline.isClosed());
+        whole &= addSegment(vertices.back(), vertices.front(), polyline.elevation(), plane, pen, scene);
+    scene.endPolyline(polyline.isClosed() && whole);
 }
 
 }  // namespace kaldo::view

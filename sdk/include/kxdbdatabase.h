@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -76,7 +77,13 @@ public:
 
     // Header values.
     KxDbObjectId cmlstyleID() const { return m_cmlstyle; }
-    Kald::ErrorStatus setCmlstyleID(KxDbObjectId style);  // must be a multiline style
+    // style must be a multiline style. spelling is the name as the user or
+    // the file wrote it; it is kept while it names the current style (case
+    // ignored).
+    Kald::ErrorStatus setCmlstyleID(KxDbObjectId style, const wchar_t* spelling = nullptr);
+    // The current style's name as it was last written, else as the style
+    // spells it; empty when there is no current style.
+    std::wstring cmlstyleName() const;
     int cmljust() const { return m_cmljust; }
     Kald::ErrorStatus setCmljust(int justification);  // 0..2
     double cmlscale() const { return m_cmlscale; }
@@ -115,6 +122,7 @@ private:
     KxDbObjectId m_modelSpace, m_paperSpace, m_currentSpace;
     KxDbObjectId m_byLayer, m_byBlock, m_continuous;
     KxDbObjectId m_cmlstyle, m_clayer, m_celtype;
+    std::wstring m_cmlstyleSpelling;
     int m_cmljust = 0;
     double m_cmlscale = 1.0;
     int m_measurement = 0;

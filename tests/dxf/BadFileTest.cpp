@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <unistd.h>
 
 namespace {
@@ -75,6 +76,35 @@ TEST(DxfBadFiles, MessagesNameTheLine)
     std::string shortList = groupText({"0", "MLINE", "5", "31", "100", "AcDbMline", "72", "1", "73", "1", "11", "0",
                                        "21", "0", "31", "0", "74", "3", "41", "0.5"});
     EXPECT_EQ(readError(smallDrawing(shortList, "")), "line 31: the list announces more parameters than follow it.");
+}
+
+TEST(DxfBadFiles, NumbersThatAreNotFiniteAreNeitherReadNorWritten)
+{
+    for (const char* value : {"nan", "inf", "-Infinity", "1e999"}) {
+        std::string line = kLine;
+        line.replace(line.find("\n10\n1\n") + 4, 1, value);
+        EXPECT_EQ(readError(smallDrawing(line, "")),
+                  std::string("line 26: group 10 needs a number, not \"") + value + "\".");
+    }
+
+    // A drawing that came to hold one is not saved: the old file stays.
+    QTemporaryDir dir;
+    const std::filesystem::path target = dir.filePath("drawing.dxf").toStdString();
+    KxDbDatabase db;
+    kaldo::dxf::KeptSections kept;
+    kaldo::dxf::saveDxfFile(target, db, kept);
+    const std::string old = fileText(target);
+    auto* line = new KxDbLine({0, 0, 0}, {std::numeric_limits<double>::infinity(), 0, 0});
+    line->setDatabaseDefaults(&db);
+    ASSERT_EQ(db.addToCurrentSpace(line), Kald::eOk);
+    line->close();
+    try {
+        kaldo::dxf::saveDxfFile(target, db, kept);
+        FAIL() << "a number that is not finite was written";
+    } catch (const kaldo::dxf::DxfError& e) {
+        EXPECT_NE(std::string(e.what()).find("the drawing holds a number that is not finite"), std::string::npos) << e.what();
+    }
+    EXPECT_EQ(fileText(target), old);
 }
 
 TEST(DxfBadFiles, AHugeLineIsRefusedWithoutReadingItWhole)

@@ -1,6 +1,6 @@
-"""Reads a drawing with ezdxf and prints, as JSON, its audit and every
-multiline: style name, flags, and per vertex location, direction, miter and
-the element and fill parameter lists."""
+"""Reads a drawing with ezdxf and prints, as JSON, its audit, its current
+multiline style and every multiline: style name, flags, and per vertex
+location, direction, miter and the element and fill parameter lists."""
 import json
 import sys
 
@@ -27,5 +27,6 @@ for mline in doc.modelspace().query("MLINE"):
 print(json.dumps({
     "errors": [e.message for e in auditor.errors],
     "fixes": [f.message for f in auditor.fixes],
+    "cmlstyle": doc.header.get("$CMLSTYLE", ""),
     "mlines": mlines,
 }))

@@ -30,10 +30,21 @@ std::filesystem::path KaldoProcess::writeFile(const std::string& name, const std
 
 KaldoRun KaldoProcess::runArgs(const QStringList& args, const std::string& standardInput) const
 {
+    return run(kaldoBinary, args, standardInput);
+}
+
+KaldoRun KaldoProcess::runInTerminal(const QStringList& args, const std::string& typed) const
+{
+    return run("/usr/bin/python3", QStringList{KALDO_SOURCE_DIR "/tests/e2e/run_in_terminal.py", kaldoBinary} + args,
+               typed);
+}
+
+KaldoRun KaldoProcess::run(const QString& program, const QStringList& args, const std::string& standardInput) const
+{
     QProcess process;
     process.setProcessEnvironment(env_);
     process.setWorkingDirectory(temp_.path());
-    process.start(kaldoBinary, args);
+    process.start(program, args);
     if (!process.waitForStarted())
         return {};
     process.write(standardInput.data(), static_cast<qint64>(standardInput.size()));

@@ -25,6 +25,9 @@ public:
 
     // Runs kaldo with exactly these arguments.
     KaldoRun runArgs(const QStringList& args, const std::string& standardInput = {}) const;
+    // Runs kaldo with a terminal as its standard input, into which the input
+    // is typed; out holds everything written to the terminal.
+    KaldoRun runInTerminal(const QStringList& args, const std::string& typed) const;
     // Runs a script with the folder's profile and crash folder, the staged
     // Support folder and modules, and any further arguments.
     KaldoRun runScript(const std::string& script, const QStringList& extraArgs = {}) const;
@@ -32,6 +35,8 @@ public:
     void setEnv(const QString& name, const QString& value) { env_.insert(name, value); }
 
 private:
+    KaldoRun run(const QString& program, const QStringList& args, const std::string& standardInput) const;
+
     QTemporaryDir temp_;
     std::filesystem::path dir_;
     QProcessEnvironment env_;

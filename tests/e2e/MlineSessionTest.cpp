@@ -193,7 +193,7 @@ TEST(MlineSession, MissingStyleLoadedFromAFileByScript)
     EXPECT_EQ(listed[1].style, "road");
     ASSERT_THAT(listed[1].vertices[0].elements, SizeIs(3));
     EXPECT_NEAR(listed[1].vertices[0].elements[2][0], -6, kListed);
-    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSTYLE <road>: "));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSTYLE <ROAD>: "));
 }
 
 TEST(MlineSession, RotatedUserSystemPlacesTheVertices)
@@ -393,7 +393,7 @@ TEST(MlineSession, DrawnMultilineAndSettingsSurviveTheSavedFile)
     // the multiline with its style.
     const KaldoRun reopened = kaldo.runScript("MLINE\n\nLIST\n5,0\n", {QString::fromStdString(saved)});
     EXPECT_EQ(reopened.exitCode, 0) << reopened.err;
-    EXPECT_THAT(reopened.out, HasSubstr(settingsLine("Bottom", "2.0000", "wall")));
+    EXPECT_THAT(reopened.out, HasSubstr(settingsLine("Bottom", "2.0000", "WALL")));
     const auto listed = listedMlines(reopened.out);
     ASSERT_THAT(listed, SizeIs(1));
     EXPECT_TRUE(listed[0].closed);

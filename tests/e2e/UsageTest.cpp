@@ -82,6 +82,14 @@ TEST(KaldoUsage, ScriptFromStandardInputAndEndOfScript)
     EXPECT_THAT(plain.out, HasSubstr("Command: LINE\nSpecify first point: "));
     EXPECT_THAT(plain.err, HasSubstr("standard input"));
 
+    // A program feeding standard input counts as a script; a person typing
+    // at a terminal does not, so that file dialogs can open.
+    const char* const askHasMore = "SETVAR\nLISPCOMMANDHASMORE\n\nQUIT\n";
+    EXPECT_THAT(kaldo.runArgs({"--support", support}, askHasMore).out, HasSubstr("LISPCOMMANDHASMORE <1>"));
+    const KaldoRun typed = kaldo.runInTerminal({"--support", support}, askHasMore);
+    EXPECT_EQ(typed.exitCode, 0);
+    EXPECT_THAT(typed.out, HasSubstr("LISPCOMMANDHASMORE <0>"));
+
     // QUIT ends the session before the rest of the script.
     const KaldoRun quit = kaldo.runScript("QUIT\nLINE\n");
     EXPECT_EQ(quit.exitCode, 0);

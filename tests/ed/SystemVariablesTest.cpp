@@ -110,7 +110,8 @@ TEST_F(SystemVariablesTest, DrawingVariablesLiveInTheDrawing)
     kxutUpdString(L"standard", style.resval.rstring);
     EXPECT_EQ(kxedSetVar(L"CMLSTYLE", &style), RTNORM);
     kald_free(style.resval.rstring);
-    EXPECT_EQ(getString(L"CMLSTYLE"), L"STANDARD");
+    // The name reads back as it was written, not as the dictionary spells it.
+    EXPECT_EQ(getString(L"CMLSTYLE"), L"standard");
 
     // Host variables stay with the editor when the drawing goes.
     EXPECT_EQ(setShort(L"PICKBOX", 7), RTNORM);

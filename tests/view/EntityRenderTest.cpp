@@ -78,6 +78,25 @@ TEST(EntityRender, PolylinesWithBulges)
     const Point2& last = scene.points()[p.first + p.count - 1];
     EXPECT_NEAR(last.x, 2, kTol);
     EXPECT_NEAR(last.y, 3, kTol);
+
+    // A bulge that is no number, or so large that the arc has no centre,
+    // leaves out its segment: the rest is drawn in two pieces.
+    for (const double bulge : {std::nan(""), 1e308}) {
+        ViewDrawing broken;
+        auto* pline = new KxDbPolyline;
+        pline->addVertexAt({0, 10, 0, 0, 0});
+        pline->addVertexAt({5, 10, 0, 0, bulge});
+        pline->addVertexAt({10, 10, 0, 0, 0});
+        pline->addVertexAt({10, 15, 0, 0, 0});
+        add(broken, pline);
+        const Scene pieces = broken.render();
+        ASSERT_EQ(pieces.polylines().size(), 2u) << bulge;
+        for (const Point2& q : pieces.points())
+            EXPECT_TRUE(std::isfinite(q.x) && std::isfinite(q.y)) << bulge;
+        const Polyline& second = pieces.polylines()[1];
+        EXPECT_NEAR(pieces.points()[second.first].x, 10, kTol);
+        EXPECT_NEAR(pieces.points()[second.first + second.count - 1].y, 15, kTol);
+    }
 }
 
 TEST(EntityRender, LayersGiveColourLinetypeAndVisibility)

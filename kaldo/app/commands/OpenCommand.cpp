@@ -22,9 +22,9 @@ void openCommand()
     const std::unique_ptr<wchar_t, decltype(&kald_free)> owned(name, kald_free);
     try {
         session->openDrawing(name);
-        kxutPrintf(L"\nOpened \"%ls\".", name);
+        kxutPrintf(L"\nOpened \"%ls\".\n", name);
     } catch (const dxf::DxfError& e) {
-        kxutPrintf(L"\nCannot open the drawing: %ls", kxutFromMultiByte(e.what()).c_str());
+        kxutPrintf(L"\nCannot open the drawing: %ls\n", kxutFromMultiByte(e.what()).c_str());
     }
 }
 

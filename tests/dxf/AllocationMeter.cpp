@@ -1,0 +1,73 @@
+#include "AllocationMeter.h"
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<std::size_t> inUse{0};
+std::atomic<std::size_t> highest{0};
+
+void* counted(std::size_t size)
+{
+    void* p = std::malloc(size == 0 ? 1 : size);
+    if (!p)
+        throw std::bad_alloc();
+    const std::size_t now = inUse += malloc_usable_size(p);
+    std::size_t seen = highest.load();
+    while (now > seen && !highest.compare_exchange_weak(seen, now)) {
+    }
+    return p;
+}
+
+void uncounted(void* p) noexcept
+{
+    if (!p)
+        return;
+    inUse -= malloc_usable_size(p);
+    std::free(p);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size)
+{
+    return counted(size);
+}
+
+void* operator new[](std::size_t size)
+{
+    return counted(size);
+}
+
+void operator delete(void* p) noexcept
+{
+    uncounted(p);
+}
+
+void operator delete[](void* p) noexcept
+{
+    uncounted(p);
+}
+
+void operator delete(void* p, std::size_t) noexcept
+{
+    uncounted(p);
+}
+
+void operator delete[](void* p, std::size_t) noexcept
+{
+    uncounted(p);
+}
+
+std::size_t peakAllocation(const std::function<void()>& run)
+{
+    const std::size_t before = inUse.load();
+    highest = before;
+    run();
+    return highest.load() - before;
+}

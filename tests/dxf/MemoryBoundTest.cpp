@@ -1,0 +1,62 @@
+// Reading a drawing takes memory in proportion to what the file holds, never
+// to the counts it claims: files whose counts promise far more than follows
+// are refused without making room for the promise.
+#include "AllocationMeter.h"
+#include "DxfText.h"
+#include "GroupText.h"
+
+#include "kaldo/dxf/DxfError.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Memory beyond what any drawing needs, and per byte of the file.
+constexpr std::size_t kBase = 256 * 1024;
+constexpr std::size_t kPerByte = 64;
+
+// The peak memory of reading text, and its error message ("" when it reads).
+std::pair<std::size_t, std::string> readMeasured(const std::string& text)
+{
+    std::string error;
+    const std::size_t peak = peakAllocation([&] {
+        try {
+            fromDxfText(text);
+        } catch (const kaldo::dxf::DxfError& e) {
+            error = e.what();
+        }
+    });
+    return {peak, error};
+}
+
+std::string mlineHead(const char* vertices, const char* elements)
+{
+    return groupText({"0", "MLINE", "5", "31", "100", "AcDbEntity", "8", "0", "100", "AcDbMline", "72", vertices,
+                      "73", elements});
+}
+
+}  // namespace
+
+TEST(DxfMemoryBound, CountsThatPromiseMoreThanFollowsAreRefused)
+{
+    struct Case {
+        const char* what;
+        std::string entities;
+        const char* error;
+    };
+    std::string manyBareVertices = mlineHead("3000", "1000");
+    for (int i = 0; i < 3000; ++i)
+        manyBareVertices += "11\n0\n";
+    const Case cases[] = {
+        {"a thousand elements claimed at every vertex", manyBareVertices, "elements instead of 1000"},
+        {"a million vertices claimed", mlineHead("1000000", "0") + "11\n0\n", "announces 1000000 vertices but has 1"},
+        {"a long parameter list claimed", mlineHead("1", "1") + "11\n0\n74\n100000\n41\n0\n",
+         "announces more parameters than follow it"},
+    };
+    for (const Case& c : cases) {
+        const std::string text = smallDrawing(c.entities, "");
+        const auto [peak, error] = readMeasured(text);
+        EXPECT_NE(error.find(c.error), std::string::npos) << c.what << ": " << error;
+        EXPECT_LT(peak, kBase + kPerByte * text.size()) << c.what << ": " << text.size() << " bytes";
+    }
+}
