@@ -225,6 +225,15 @@ TEST(MleditSession, CutSingleAndCutAll)
     EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 20.0, 30.0));
     EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0));
 
+    // Cut all on the vertical side of a C: the element lines there end at
+    // x = 4.999999999999999 and 5.000000000000001; both elements open.
+    const KaldoRun side = kaldo.runScript(kSetup + mline({"100,60", "0,60", "0,0", "100,0"})
+                                          + "-MLEDIT\nCA\n-5.5,20\n-5.5,40\n\n" + list({"50,65"}));
+    listed = listedMlines(side.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(runs(listed, 0, 1, 0), listIs(7.071068, 0.0, 15.0, 35.0));
+    EXPECT_THAT(runs(listed, 0, 1, 1), listIs(-7.071068, 0.0, 25.0, 45.0));
+
     // Cut all across three segments hides the middle one entirely.
     const KaldoRun all = kaldo.runScript(kSetup + mline({"0,0", "50,0", "50,50", "100,50"}) + "-MLEDIT\nCA\n20,5\n75,55\n\n"
                                          + list({"10,5"}));
