@@ -7,6 +7,7 @@
 #include "mledit/CrossTools.h"
 #include "mledit/CutWeldTools.h"
 #include "mledit/MlineEditContext.h"
+#include "mledit/VertexTools.h"
 
 namespace kdml {
 
@@ -29,6 +30,10 @@ ToolOperation operationOf(int toolId)
         return runOpenCross;
     case kMergedCross:
         return runMergedCross;
+    case kAddVertex:
+        return runAddVertex;
+    case kDeleteVertex:
+        return runDeleteVertex;
     case kCutSingle:
         return runCutSingle;
     case kCutAll:
