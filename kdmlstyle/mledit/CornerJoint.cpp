@@ -65,7 +65,7 @@ bool joinWithItself(MlineEditContext& context, int s1, int s2, const KxGePoint3d
     if (keptStart < keptEnd) {
         shape->vertices.erase(shape->vertices.begin() + keptStart + 2, shape->vertices.begin() + keptEnd + 1);
         moveVertex(*shape, keptStart + 1, x);
-        writeMlineShape(pick.mline, *shape);
+        writeMlineShape(pick.mline, std::move(*shape));
         return true;
     }
     // Otherwise the multiline runs from the corner round to the corner: both
@@ -78,7 +78,7 @@ bool joinWithItself(MlineEditContext& context, int s1, int s2, const KxGePoint3d
         trimElementTo(*shape, e, 0, target, false);
         trimElementTo(*shape, e, last, target, true);
     }
-    writeMlineShape(pick.mline, *shape);
+    writeMlineShape(pick.mline, std::move(*shape));
     suppressCaps(pick.mline, true, true);
     return true;
 }
@@ -153,8 +153,8 @@ bool editCornerJoint(MlineEditContext& context)
         const int p = cornerPartner(e, nB, nA, sameOrder, startB);
         trimElementTo(*b, e, startB ? s2 : 0, table.points[std::size_t(p)][std::size_t(e)], startB);
     }
-    writeMlineShape(first.mline, *a);
-    writeMlineShape(second.mline, *b);
+    writeMlineShape(first.mline, std::move(*a));
+    writeMlineShape(second.mline, std::move(*b));
     suppressCaps(first.mline, startA, !startA);
     suppressCaps(second.mline, startB, !startB);
     return true;

@@ -163,20 +163,21 @@ std::optional<MlineShape> readMlineShape(const KxDbMline* mline)
     return shape;
 }
 
-bool writeMlineShape(KxDbMline* mline, const MlineShape& shape)
+bool writeMlineShape(KxDbMline* mline, MlineShape&& shape)
 {
     KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(mline);
     if (!imp)
         return false;
     std::vector<KxDbMlineStoredVertex> stored;
     stored.reserve(shape.vertices.size());
-    for (const MlineVertexData& v : shape.vertices) {
+    for (MlineVertexData& v : shape.vertices) {
         KxDbMlineStoredVertex s{v.position, v.axis, v.miter, {}};
         s.elements.reserve(v.elements.size());
-        for (const MlineElementParams& lists : v.elements)
-            s.elements.push_back(KxDbMlineElementParams{lists.fillParams, lists.elementParams});
+        for (MlineElementParams& lists : v.elements)
+            s.elements.push_back(KxDbMlineElementParams{std::move(lists.fillParams), std::move(lists.elementParams)});
         stored.push_back(std::move(s));
     }
+    shape.vertices.clear();
     imp->setStoredVertices(std::move(stored));
     return true;
 }

@@ -59,8 +59,9 @@ struct MlineShape {
 
 // The shape of a multiline; none when its style cannot be opened.
 std::optional<MlineShape> readMlineShape(const KxDbMline* mline);
-// Replaces the multiline's vertices by the shape's (open for write).
-bool writeMlineShape(KxDbMline* mline, const MlineShape& shape);
+// Replaces the multiline's vertices by the shape's (open for write); the
+// shape's lists move into the multiline.
+bool writeMlineShape(KxDbMline* mline, MlineShape&& shape);
 
 // The miter angle between the direction a to the next vertex and b to the
 // previous one: (a + b) / 2, plus pi when a > b, plus pi/2 when they agree.

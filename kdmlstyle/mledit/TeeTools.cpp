@@ -1,6 +1,7 @@
 #include "mledit/TeeTools.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "kxed.h"
 #include "mledit/AxisCrossing.h"
@@ -92,7 +93,7 @@ bool editTee(MlineEditContext& context, TeeKind kind)
         const int end = kind == TeeKind::Closed ? nearer(e, 0, nB - 1) : plan.stemEnds[std::size_t(e)];
         trimElementTo(*shape, e, segment, k(e, end), keepStart);
     }
-    writeMlineShape(stem.mline, *shape);
+    writeMlineShape(stem.mline, std::move(*shape));
     suppressCaps(stem.mline, keepStart, !keepStart);
 
     // One multiline as stem and bar: the bar's segments lost the numbers of

@@ -1,10 +1,10 @@
 #include "mledit/VertexEdit.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "KdCmdUtil.h"
 #include "mledit/EditGeometry.h"
-#include "mledit/MlinePicking.h"
 #include "mledit/ViewServices.h"
 
 namespace kdml {
@@ -124,20 +124,15 @@ bool insertVertexAtPick(MlinePick& pick)
     std::optional<MlineShape> shape = readMlineShape(pick.mline);
     if (!shape || !insertVertex(*shape, pick.hitSegment, pick.hitPoint))
         return false;
-    writeMlineShape(pick.mline, *shape);
-    loadPickGeometry(pick, pick.mline);
-    return true;
+    return writeMlineShape(pick.mline, std::move(*shape));
 }
 
 bool removeVertex(MlinePick& pick, int k)
 {
     std::optional<MlineShape> shape = readMlineShape(pick.mline);
-    const bool removed = shape && removeVertex(*shape, k);
-    if (removed)
-        writeMlineShape(pick.mline, *shape);
-    if (pick.mline)
-        loadPickGeometry(pick, pick.mline);
-    return removed;
+    if (!shape || !removeVertex(*shape, k))
+        return false;
+    return writeMlineShape(pick.mline, std::move(*shape));
 }
 
 }  // namespace kdml

@@ -34,10 +34,12 @@ bool removeVertex(MlineShape& shape, int k);
 int findVertexNearPick(MlineEditContext& context, const MlinePick& pick);
 
 // insertVertex at the pick's hit segment and point, on its multiline (open
-// for write); false when nothing changed.
+// for write); false when nothing changed. The pick's geometry stays that of
+// the multiline before the edit.
 bool insertVertexAtPick(MlinePick& pick);
 // removeVertex on the pick's multiline (open for write); false when
-// nothing changed. The pick's geometry is loaded again either way.
+// nothing changed. Either way the pick's geometry is that of the
+// multiline before the edit.
 bool removeVertex(MlinePick& pick, int k);
 
 }  // namespace kdml
