@@ -278,7 +278,7 @@ TEST(MleditSession, NonMultilinesMissesAndOneMultilinePickedTwice)
 TEST(MleditSession, UnknownCodesCancelAndEnterRunNoTool)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nXX\n\n-MLEDIT\n\n-MLEDIT\n^C\n-MLEDIT\nCT\n" + list({"20,5"}));
+    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nXX\n\n-MLEDIT\n\n-MLEDIT\n^C\n" + list({"20,5"}));
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, Not(HasSubstr("Select first mline")));
     EXPECT_THAT(runs(listedMlines(run.out), 0, 0, 0), listIs(5.0, 0.0));
