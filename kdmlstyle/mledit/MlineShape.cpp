@@ -55,15 +55,6 @@ KxGePoint3d MlineShape::elementPoint(int vertex, int element) const
     return v.position + v.miter * (list.empty() ? 0.0 : list.front());
 }
 
-ElementLine MlineShape::elementLine(int element) const
-{
-    ElementLine line;
-    line.reserve(vertices.size());
-    for (int v = 0; v < size(); ++v)
-        line.push_back(elementPoint(v, element));
-    return line;
-}
-
 std::vector<KxGePoint3d> MlineShape::elementPoints(int vertex) const
 {
     std::vector<KxGePoint3d> points;

@@ -31,7 +31,6 @@ struct MlineShape {
     int segmentEnd(int segment) const;
     // Position + miter * entry 0 of the element's list.
     KxGePoint3d elementPoint(int vertex, int element) const;
-    ElementLine elementLine(int element) const;
 
     // Direction angle from one point to another in the plane, in [0, 2pi).
     double planeAngle(const KxGePoint3d& from, const KxGePoint3d& to) const;
