@@ -25,7 +25,10 @@ KxGePoint3d midpoint(const KxGePoint3d& a, const KxGePoint3d& b)
 
 // One drawn stretch of a segment, from the list entries that start and end
 // it, clamped to the segment's length; fromStart and toEnd tell whether it
-// touches the segment's ends.
+// touches the segment's ends. At a free end (the start of the first or the
+// end of the last segment of an open multiline) a run may reach beyond the
+// end's miter: the editing tools end elements on the element lines of
+// another multiline there, in corners and tees.
 struct Run {
     double from = 0;
     double to = 0;
@@ -33,14 +36,18 @@ struct Run {
     bool toEnd = false;
 };
 
-Run runAt(const std::vector<double>& list, std::size_t i, double length)
+Run runAt(const std::vector<double>& list, std::size_t i, double length, bool freeStart = false,
+          bool freeEnd = false)
 {
     const double eps = 1e-9 * std::max(1.0, length);
     Run run;
-    run.from = std::clamp(list[i], 0.0, length);
-    run.to = i + 1 < list.size() ? std::clamp(list[i + 1], 0.0, length) : length;
-    run.fromStart = run.from <= eps;
-    run.toEnd = run.to >= length - eps;
+    run.from = freeStart ? std::min(list[i], length) : std::clamp(list[i], 0.0, length);
+    if (i + 1 >= list.size())
+        run.to = length;
+    else
+        run.to = freeEnd ? std::max(list[i + 1], 0.0) : std::clamp(list[i + 1], 0.0, length);
+    run.fromStart = std::abs(run.from) <= eps;
+    run.toEnd = std::abs(run.to - length) <= eps;
     return run;
 }
 
@@ -148,7 +155,7 @@ void MlineRenderer::drawElement(int element, bool closed)
         const std::vector<double>& list = m_params[std::size_t(s)]->elements[std::size_t(element)].element;
         bool reachedEnd = false;
         for (std::size_t i = 1; i < list.size(); i += 2) {
-            const Run run = runAt(list, i, length);
+            const Run run = runAt(list, i, length, !closed && s == 0, !closed && s == segments - 1);
             if (run.to <= run.from && !(run.fromStart && run.toEnd))
                 continue;
             const KxGePoint3d to = alongSegment(a, b, dir, run.to, false, run.toEnd);

@@ -64,9 +64,9 @@ void cutElementRuns(const ElementLine& line, bool closed, ElementRuns& runs, KxG
     bool swap = segQ < segP;
     if (segP == segQ) {
         const KxGeVector3d along = at(segP + 1) - at(segP);
-        const bool pAhead = dot(p - at(segP), along) > 0;
-        const bool qBehind = dot(q - at(segP), along) < 0;
-        swap = dQ < dP || (dP < dQ && pAhead && qBehind);
+        const bool pAhead = dot(p - at(segP), along) > kEditTolerance;
+        const bool qBehind = dot(q - at(segP), along) < -kEditTolerance;
+        swap = dQ < dP - kEditTolerance || (dP < dQ - kEditTolerance && pAhead && qBehind);
     }
     if (swap) {
         std::swap(p, q);

@@ -4,9 +4,12 @@
 #include <string>
 #include <wchar.h>
 
+#include "mledit/CornerJoint.h"
 #include "mledit/CrossTools.h"
 #include "mledit/CutWeldTools.h"
 #include "mledit/MlineEditContext.h"
+#include "mledit/TeeTools.h"
+#include "mledit/VertexTools.h"
 
 namespace kdml {
 
@@ -29,6 +32,18 @@ ToolOperation operationOf(int toolId)
         return runOpenCross;
     case kMergedCross:
         return runMergedCross;
+    case kClosedTee:
+        return runClosedTee;
+    case kOpenTee:
+        return runOpenTee;
+    case kMergedTee:
+        return runMergedTee;
+    case kCornerJoint:
+        return runCornerJoint;
+    case kAddVertex:
+        return runAddVertex;
+    case kDeleteVertex:
+        return runDeleteVertex;
     case kCutSingle:
         return runCutSingle;
     case kCutAll:

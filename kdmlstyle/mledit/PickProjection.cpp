@@ -1,5 +1,6 @@
 #include "mledit/PickProjection.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "KdCmdUtil.h"
@@ -13,7 +14,9 @@ bool holds(const KxGePoint3d& a, const KxGePoint3d& b, const KxGePoint3d& point)
 {
     double dist = 0;
     PtLnDist(point, a, b, &dist, nullptr);
-    const auto within = [](double v, double p, double q) { return std::min(p, q) <= v && v <= std::max(p, q); };
+    const auto within = [](double v, double p, double q) {
+        return std::min(p, q) - kEditTolerance <= v && v <= std::max(p, q) + kEditTolerance;
+    };
     return dist <= kEditTolerance && within(point.x, a.x, b.x) && within(point.y, a.y, b.y)
         && within(point.z, a.z, b.z);
 }
@@ -33,11 +36,16 @@ KxGePoint3d acrossHit(const MlinePick& pick)
     return pick.hitPoint + KxGeVector3d(10 * std::sin(a), -10 * std::cos(a), 0);
 }
 
-double clampAlong(double v, double a, double b)
+// Which end a coordinate lies beyond by more than the tolerance, along
+// a coordinate that runs from a to b: -1 beyond a, 1 beyond b, else 0.
+int beyondEnd(double v, double a, double b)
 {
-    if (a < b)
-        return v < a ? a : (v > b ? b : v);
-    return v > a ? a : (v < b ? b : v);
+    const double sense = a < b ? 1.0 : -1.0;
+    if ((v - a) * sense < -kEditTolerance)
+        return -1;
+    if ((v - b) * sense > kEditTolerance)
+        return 1;
+    return 0;
 }
 
 }  // namespace
@@ -91,15 +99,11 @@ void projectPickToElement(MlinePick& pick, int k, KxGePoint3d* out)
     const KxGePoint3d& b = pick.elementLines[std::size_t(k)][std::size_t(segmentEnd(pick, s))];
     KxGePoint3d x = pick.hitPoint;
     LineXline(pick.hitPoint, acrossHit(pick), a, b, x);
-    if (a.x != b.x) {
-        const double cx = clampAlong(x.x, a.x, b.x);
-        if (cx != x.x)
-            x = cx == a.x ? a : b;
-    } else {
-        const double cy = clampAlong(x.y, a.y, b.y);
-        if (cy != x.y)
-            x = cy == a.y ? a : b;
-    }
+    // Clamped along x, or along y when the segment's ends share x.
+    const bool byX = std::abs(a.x - b.x) > kEditTolerance;
+    const int beyond = byX ? beyondEnd(x.x, a.x, b.x) : beyondEnd(x.y, a.y, b.y);
+    if (beyond != 0)
+        x = beyond < 0 ? a : b;
     pick.markPoint = x;
     pick.markElement = k;
     pick.markDistance = pointDistance(pick.markPoint, a);

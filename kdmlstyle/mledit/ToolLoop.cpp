@@ -14,6 +14,9 @@ constexpr unsigned kUndoKeywords = 4002;
 constexpr unsigned kFirstMlineUndoPrompt = 4003;
 constexpr unsigned kFirstMlinePrompt = 4004;
 constexpr unsigned kSecondMlinePrompt = 4005;
+constexpr unsigned kClosedRefusedMessage = 4006;
+constexpr unsigned kOneMlineUndoPrompt = 4008;
+constexpr unsigned kOneMlinePrompt = 4009;
 constexpr unsigned kFirstPointUndoPrompt = 4010;
 constexpr unsigned kFirstPointPrompt = 4011;
 constexpr unsigned kSecondPointPrompt = 4012;
@@ -75,6 +78,17 @@ void announceUndo(MlineEditContext& context)
     kxutPrintf(L"%ls", loadText(context, kUndoneMessage));
 }
 
+// A closed multiline where an open one is needed: the message, and the
+// picks' multilines closed for a fresh start.
+bool refusedAsClosed(MlineEditContext& context, const MlinePick& pick)
+{
+    if (!pick.closed)
+        return false;
+    kxutPrintf(L"%ls", loadText(context, kClosedRefusedMessage));
+    closePicks(context);
+    return true;
+}
+
 std::unique_ptr<KxDbMline> undoCopyOf(const KxDbMline* mline)
 {
     auto copy = std::make_unique<KxDbMline>();
@@ -84,7 +98,7 @@ std::unique_ptr<KxDbMline> undoCopyOf(const KxDbMline* mline)
 
 }  // namespace
 
-int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const PassEdit& edit)
+int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const PassEdit& edit, OpenPicks open)
 {
     for (;;) {
         const Answer first = selectFirst(context, kFirstMlineUndoPrompt, kFirstMlinePrompt);
@@ -99,6 +113,8 @@ int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const Pas
         if (!isMultilineEntity(context.pickName))
             continue;
         pickMultiline(context, context.first, context.pickName, nullptr);
+        if (open != OpenPicks::Any && refusedAsClosed(context, context.first))
+            continue;
 
         Answer second = Answer::Retry;
         while (second != Answer::End && !(second == Answer::Selected && isMultilineEntity(context.pickName))) {
@@ -108,6 +124,8 @@ int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const Pas
         if (second == Answer::End)
             break;
         pickMultiline(context, context.second, context.pickName, &context.first);
+        if (open == OpenPicks::Both && refusedAsClosed(context, context.second))
+            continue;
 
         const MlineWriteScope scope(context.first, context.second);
         if (scope.status() != Kald::eOk)
@@ -122,6 +140,32 @@ int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const Pas
             context.undoFirst.reset();
             context.undoSecond.reset();
         }
+    }
+    closePicks(context);
+    return context.status;
+}
+
+int runOneMultilineLoop(MlineEditContext& context, const PassEdit& edit)
+{
+    for (;;) {
+        const Answer first = selectFirst(context, kOneMlineUndoPrompt, kOneMlinePrompt);
+        if (first == Answer::End)
+            break;
+        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
+            restoreFrom(context.undoFirst, context.first, true);
+            announceUndo(context);
+        }
+        if (!isMultilineEntity(context.pickName))
+            continue;
+        pickMultiline(context, context.first, context.pickName, nullptr);
+        context.second = MlinePick();
+
+        const MlineWriteScope scope(context.first, context.second);
+        if (scope.status() != Kald::eOk)
+            continue;
+        context.undoFirst = undoCopyOf(context.first.mline);
+        edit(context);
+        kxedRedraw(nullptr, 4);
     }
     closePicks(context);
     return context.status;

@@ -4,6 +4,7 @@
 #include "EzdxfReport.h"
 #include "KaldoProcess.h"
 #include "ListedMlines.h"
+#include "MleditScripts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,51 +22,6 @@ using ::testing::Not;
 using ::testing::SizeIs;
 
 namespace {
-
-constexpr double kListed = 1e-4;  // LIST shows four decimals
-
-// Picks within one pixel; multilines of scale 10 about their axis, so that
-// element lines lie 5 units either side of it (STANDARD).
-const std::string kSetup = "SETVAR\nPICKBOX\n1\nMLINE\nJ\nZ\nS\n10\n^C\n";
-
-// MLINE through the points, ended with Enter (or closed).
-std::string mline(const std::vector<std::string>& points, bool close = false)
-{
-    std::string text = "MLINE\n";
-    for (const std::string& p : points)
-        text += p + "\n";
-    return text + (close ? "C\n" : "\n");
-}
-
-// MLINE in a style of the Support folder's KALDO.mln, loaded on first use.
-std::string mlineInStyle(const std::string& style, bool load, const std::vector<std::string>& points)
-{
-    return "MLINE\nST\n" + style + "\n" + (load ? "KALDO\n" : "") + mline(points).substr(6);
-}
-
-std::string list(const std::vector<std::string>& points)
-{
-    std::string text;
-    for (const std::string& p : points)
-        text += "LIST\n" + p + "\n";
-    return text;
-}
-
-// The element list of one element at one vertex of the n-th listed multiline.
-std::vector<double> runs(const std::vector<ListedMline>& listed, std::size_t n, std::size_t vertex,
-                         std::size_t element)
-{
-    if (n >= listed.size() || vertex >= listed[n].vertices.size()
-        || element >= listed[n].vertices[vertex].elements.size())
-        return {};
-    return listed[n].vertices[vertex].elements[element];
-}
-
-template <class... Values>
-auto listIs(Values... values)
-{
-    return ElementsAre(DoubleNear(values, kListed)...);
-}
 
 // A horizontal multiline and a vertical one crossing it at (50, 0).
 const std::string kCrossingPair = kSetup + mline({"0,0", "100,0"}) + mline({"50,-50", "50,50"});
@@ -225,6 +181,15 @@ TEST(MleditSession, CutSingleAndCutAll)
     EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 20.0, 30.0));
     EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0));
 
+    // Cut all on the vertical side of a C: the element lines there end at
+    // x = 4.999999999999999 and 5.000000000000001; both elements open.
+    const KaldoRun side = kaldo.runScript(kSetup + mline({"100,60", "0,60", "0,0", "100,0"})
+                                          + "-MLEDIT\nCA\n-5.5,20\n-5.5,40\n\n" + list({"50,65"}));
+    listed = listedMlines(side.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(runs(listed, 0, 1, 0), listIs(7.071068, 0.0, 15.0, 35.0));
+    EXPECT_THAT(runs(listed, 0, 1, 1), listIs(-7.071068, 0.0, 25.0, 45.0));
+
     // Cut all across three segments hides the middle one entirely.
     const KaldoRun all = kaldo.runScript(kSetup + mline({"0,0", "50,0", "50,50", "100,50"}) + "-MLEDIT\nCA\n20,5\n75,55\n\n"
                                          + list({"10,5"}));
@@ -313,7 +278,7 @@ TEST(MleditSession, NonMultilinesMissesAndOneMultilinePickedTwice)
 TEST(MleditSession, UnknownCodesCancelAndEnterRunNoTool)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nXX\n\n-MLEDIT\n\n-MLEDIT\n^C\n-MLEDIT\nCT\n" + list({"20,5"}));
+    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nXX\n\n-MLEDIT\n\n-MLEDIT\n^C\n" + list({"20,5"}));
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, Not(HasSubstr("Select first mline")));
     EXPECT_THAT(runs(listedMlines(run.out), 0, 0, 0), listIs(5.0, 0.0));

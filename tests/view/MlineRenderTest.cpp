@@ -93,10 +93,17 @@ TEST(MlineRender, RunsBeyondTheSegmentAreClippedAndEmptyListsDrawNothing)
         setRuns(*mline, 0, 0, {-3, 4, 8, 30});
         setRuns(*mline, 1, 0, {5, 5});
     }
+    {
+        // At the free ends of an open multiline runs reach beyond the end
+        // miters, as the corner and tee tools end elements there.
+        auto mline = d.addMline(style, {{0, 10}, {10, 10}});
+        setRuns(*mline, 0, 0, {-3, 13});
+    }
     const Scene scene = d.render();
-    ASSERT_EQ(scene.polylines().size(), 2u);
-    expectPoints(pointsOf(scene, scene.polylines()[0]), {{0, 0}, {4, 0}});
+    ASSERT_EQ(scene.polylines().size(), 3u);
+    expectPoints(pointsOf(scene, scene.polylines()[0]), {{-3, 0}, {4, 0}});
     expectPoints(pointsOf(scene, scene.polylines()[1]), {{8, 0}, {10, 0}});
+    expectPoints(pointsOf(scene, scene.polylines()[2]), {{-3, 10}, {13, 10}});
 }
 
 TEST(MlineRender, LineCapsAndArcsAtUnsuppressedEnds)

@@ -1,0 +1,210 @@
+#include "mledit/MlineShape.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "kxdbmlstyle.h"
+#include "kxed.h"
+#include "mledit/EditGeometry.h"
+
+namespace kdml {
+
+namespace {
+
+constexpr double kTurn = 2 * std::numbers::pi;
+
+// A plane direction of the entity system of normal, in world coordinates.
+KxGeVector3d planeVectorInWorld(const KxGeVector3d& normal, const KxGeVector3d& planeVector)
+{
+    kxresbuf from;
+    from.restype = RT3DPOINT;
+    from.resval.rpoint[0] = normal.x;
+    from.resval.rpoint[1] = normal.y;
+    from.resval.rpoint[2] = normal.z;
+    kxresbuf to;
+    to.restype = RTSHORT;
+    to.resval.rint = 0;
+    const double in[3] = {planeVector.x, planeVector.y, planeVector.z};
+    double out[3] = {};
+    if (kxedTrans(in, &from, &to, 1, out) != RTNORM)
+        return planeVector;
+    return KxGeVector3d(out[0], out[1], out[2]);
+}
+
+// The distance along a miter at angle m to an element at perpendicular
+// offset o from a segment at angle a; a miter along the segment is turned
+// by 0.005 so that the distance stays finite.
+double miterDistance(double offset, double miterAngle, double axisAngle)
+{
+    const double turn = miterAngle - axisAngle;
+    return offset / std::sin(turn + (turn == 0 ? 0.005 : 0.0));
+}
+
+}  // namespace
+
+int MlineShape::segmentEnd(int segment) const
+{
+    return closed && segment == size() - 1 ? 0 : segment + 1;
+}
+
+KxGePoint3d MlineShape::elementPoint(int vertex, int element) const
+{
+    const MlineVertexData& v = vertices[std::size_t(vertex)];
+    const std::vector<double>& list = v.elements[std::size_t(element)].elementParams;
+    return v.position + v.miter * (list.empty() ? 0.0 : list.front());
+}
+
+std::vector<KxGePoint3d> MlineShape::elementPoints(int vertex) const
+{
+    std::vector<KxGePoint3d> points;
+    for (int e = 0; e < elementCount(); ++e)
+        points.push_back(elementPoint(vertex, e));
+    return points;
+}
+
+KxGeVector3d MlineShape::segmentDirection(int segment, int element) const
+{
+    const int end = segmentEnd(segment);
+    if (end >= size())
+        return vertices[std::size_t(segment)].axis;
+    const KxGeVector3d d = elementPoint(end, element) - elementPoint(segment, element);
+    return d.length() > kEditTolerance ? normalized(d) : vertices[std::size_t(segment)].axis;
+}
+
+void MlineShape::followElementPoints(int vertex, const std::vector<KxGePoint3d>& before)
+{
+    MlineVertexData& v = vertices[std::size_t(vertex)];
+    for (int e = 0; e < elementCount() && std::size_t(e) < before.size(); ++e)
+        shiftRuns(v.elements[std::size_t(e)].elementParams,
+                  dot(elementPoint(vertex, e) - before[std::size_t(e)], v.axis));
+}
+
+void MlineShape::drawWholeSegment(int vertex)
+{
+    for (MlineElementParams& lists : vertices[std::size_t(vertex)].elements)
+        lists.elementParams = {lists.elementParams.empty() ? 0.0 : lists.elementParams.front(), 0.0};
+}
+
+double MlineShape::planeAngle(const KxGePoint3d& from, const KxGePoint3d& to) const
+{
+    const KxGeVector3d d = to - from;
+    const double x = dot(d, xAxis);
+    const double y = dot(d, yAxis);
+    if (std::abs(x) <= kEditTolerance && std::abs(y) <= kEditTolerance)
+        return 0.0;
+    const double angle = std::atan2(y, x);
+    return angle < 0 ? angle + kTurn : angle;
+}
+
+KxGeVector3d MlineShape::planeDirection(double angle) const
+{
+    return xAxis * std::cos(angle) + yAxis * std::sin(angle);
+}
+
+void MlineShape::refreshDirections(int v)
+{
+    const int n = size();
+    if (v < 0 || v >= n || n < 2)
+        return;
+    const bool hasNext = v + 1 < n || closed;
+    const int next = (v + 1) % n;
+    const int prev = (v + n - 1) % n;
+    MlineVertexData& vertex = vertices[std::size_t(v)];
+    const KxGePoint3d& before = vertices[std::size_t(prev)].position;
+    const double axis = hasNext ? planeAngle(vertex.position, vertices[std::size_t(next)].position)
+                                : planeAngle(before, vertex.position);
+    double miter = 0;
+    if (!closed && v == 0)
+        miter = axis + startAngle;
+    else if (!closed && v == n - 1)
+        miter = axis + endAngle;
+    else
+        miter = bisectorAngle(axis, planeAngle(vertex.position, before));
+    vertex.axis = planeDirection(axis);
+    vertex.miter = planeDirection(miter);
+    for (std::size_t e = 0; e < vertex.elements.size() && e < offsets.size(); ++e) {
+        const double entry0 = miterDistance(offsets[e], miter, axis);
+        for (std::vector<double>* list : {&vertex.elements[e].elementParams, &vertex.elements[e].fillParams}) {
+            if (list->empty())
+                *list = {entry0, 0.0};
+            else
+                list->front() = entry0;
+        }
+    }
+}
+
+std::optional<MlineShape> readMlineShape(const KxDbMline* mline)
+{
+    KxDbObjectPtr<KxDbMlineStyle> style;
+    if (!openMlineStyle(mline, style))
+        return std::nullopt;
+    MlineShape shape;
+    shape.vertices = readMlineSnapshot(mline);
+    shape.closed = mline->closedMline();
+    shape.offsets = kxdbMlineElementOffsets(*style, mline->scale(), mline->justification());
+    int elements = 0;
+    getElementCount(mline, elements);
+    shape.offsets.resize(std::size_t(elements), 0.0);
+    shape.startAngle = style->startAngle();
+    shape.endAngle = style->endAngle();
+    shape.normal = normalized(mline->normal());
+    shape.xAxis = planeVectorInWorld(shape.normal, KxGeVector3d(1, 0, 0));
+    shape.yAxis = planeVectorInWorld(shape.normal, KxGeVector3d(0, 1, 0));
+    return shape;
+}
+
+bool writeMlineShape(KxDbMline* mline, MlineShape&& shape)
+{
+    KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(mline);
+    if (!imp)
+        return false;
+    std::vector<KxDbMlineStoredVertex> stored;
+    stored.reserve(shape.vertices.size());
+    for (MlineVertexData& v : shape.vertices) {
+        KxDbMlineStoredVertex s{v.position, v.axis, v.miter, {}};
+        s.elements.reserve(v.elements.size());
+        for (MlineElementParams& lists : v.elements)
+            s.elements.push_back(KxDbMlineElementParams{std::move(lists.fillParams), std::move(lists.elementParams)});
+        stored.push_back(std::move(s));
+    }
+    shape.vertices.clear();
+    imp->setStoredVertices(std::move(stored));
+    return true;
+}
+
+double bisectorAngle(double a, double b)
+{
+    const double m = (a + b) / 2;
+    if (std::abs(a - b) <= kEditTolerance)
+        return m + std::numbers::pi / 2;
+    return a > b ? m + std::numbers::pi : m;
+}
+
+std::vector<double> runsBefore(const std::vector<double>& list, double d)
+{
+    if (list.empty())
+        return list;
+    const auto end =
+        std::find_if(list.begin() + 1, list.end(), [d](double v) { return v >= d - kEditTolerance; });
+    return std::vector<double>(list.begin(), end);
+}
+
+void shiftRuns(std::vector<double>& list, double delta)
+{
+    if (list.size() < 2)
+        return;
+    const bool drawnFromStart = std::abs(list[1]) <= kEditTolerance;
+    for (std::size_t i = 1; i < list.size(); ++i)
+        if (!(i == 1 && drawnFromStart && delta < 0))
+            list[i] -= delta;
+    std::size_t behind = 1;
+    while (behind < list.size() && list[behind] <= kEditTolerance)
+        ++behind;
+    const std::size_t removed = behind - 1;
+    list.erase(list.begin() + 1, list.begin() + std::ptrdiff_t(behind));
+    if (removed % 2 == 1)
+        list.insert(list.begin() + 1, 0.0);
+}
+
+}  // namespace kdml

@@ -1,0 +1,306 @@
+// -MLEDIT tees, corner joint and vertex tools through the real binary:
+// scripts draw multilines with MLINE and edit them, LIST shows the lists
+// that result, an independent reader checks the saved drawing and where the
+// drawn runs end, and the tools' Undo gives back the drawing byte for byte.
+#include "EzdxfReport.h"
+#include "KaldoProcess.h"
+#include "ListedMlines.h"
+#include "MleditScripts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+namespace {
+
+// A horizontal bar along y = 0 from x = 0 to 100.
+const std::string kBar = kSetup + mline({"0,0", "100,0"});
+
+// The vertex positions of the n-th listed multiline, as "x,y".
+std::vector<std::string> positions(const std::vector<ListedMline>& listed, std::size_t n)
+{
+    std::vector<std::string> out;
+    if (n >= listed.size())
+        return out;
+    for (const ListedVertex& v : listed[n].vertices) {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.4f,%.4f", v.position.x, v.position.y);
+        out.push_back(text);
+    }
+    return out;
+}
+
+std::string fileBytes(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// The world points where the drawn runs of one element along one segment of
+// a multiline the reader found start and stop: location + miter * p0 +
+// direction * p_i.
+std::vector<std::pair<double, double>> runEnds(const QJsonObject& mline, int vertex, int element)
+{
+    const QJsonObject v = mline["vertices"].toArray()[vertex].toObject();
+    const QJsonArray params = v["element"].toArray()[element].toArray();
+    const QJsonArray at = v["location"].toArray();
+    const QJsonArray miter = v["miter"].toArray();
+    const QJsonArray along = v["direction"].toArray();
+    std::vector<std::pair<double, double>> ends;
+    const double p0 = params[0].toDouble();
+    for (int i = 1; i < params.size(); ++i) {
+        const double d = params[i].toDouble();
+        ends.emplace_back(at[0].toDouble() + miter[0].toDouble() * p0 + along[0].toDouble() * d,
+                          at[1].toDouble() + miter[1].toDouble() * p0 + along[1].toDouble() * d);
+    }
+    return ends;
+}
+
+}  // namespace
+
+TEST(MleditJoinSession, TeesFromBothSidesOfTheBar)
+{
+    KaldoProcess kaldo;
+    // A stem below the bar that does not reach it is lengthened: its end
+    // moves onto the bar's axis and its elements end at the bar's lower
+    // element line (y = -5), 45 from the stem's start.
+    const KaldoRun closed = kaldo.runScript(kBar + mline({"50,-50", "50,-10"}) + "-MLEDIT\nCT\n55,-30\n20,5\n\n"
+                                            + list({"55,-30", "20,5"}));
+    EXPECT_EQ(closed.exitCode, 0) << closed.err;
+    EXPECT_THAT(closed.out, HasSubstr("Select first mline: 55,-30\nSelect second mline: 20,5\n"
+                                      "Select first mline or [Undo]: \n"));
+    auto listed = listedMlines(closed.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("50.0000,-50.0000", "50.0000,0.0000"));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0)) << "the closed tee leaves the bar whole";
+
+    // A stem above that runs across the bar, picked above it, keeps its
+    // start and is cut back; the open tee opens the bar's upper element
+    // between the stem's elements.
+    const KaldoRun open = kaldo.runScript(kBar + mline({"50,50", "50,-30"}) + "-MLEDIT\nOT\n55,30\n20,5\n\n"
+                                          + list({"55,30", "20,5"}));
+    listed = listedMlines(open.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("50.0000,50.0000", "50.0000,0.0000"));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0));
+
+    // A stem drawn from the bar downwards, picked below it, keeps its end:
+    // its start moves onto the bar's axis and its elements start at the
+    // lower element line; the lower element of the bar opens.
+    const KaldoRun fromBar = kaldo.runScript(kBar + mline({"50,10", "50,20", "50,-50"}) + "-MLEDIT\nOT\n45,-30\n20,-5\n\n"
+                                             + list({"45,-30", "20,5"}));
+    listed = listedMlines(fromBar.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("50.0000,0.0000", "50.0000,-50.0000"));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 5.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 5.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0));
+
+    // Merged tee of two three-element multilines: the stem's outer elements
+    // end at the bar's upper element, its middle one at the bar's middle
+    // element; only the upper element opens.
+    const KaldoRun merged = kaldo.runScript(kSetup + mlineInStyle("PIPE", true, {"0,0", "100,0"})
+                                            + mline({"50,50", "50,-30"}) + "-MLEDIT\nMT\n55,30\n20,5\n\n"
+                                            + list({"55,30", "20,5"}));
+    listed = listedMlines(merged.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(0.0, 0.0, 50.0));
+    EXPECT_THAT(runs(listed, 0, 0, 2), listIs(-5.0, 0.0, 45.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(0.0, 0.0));
+    EXPECT_THAT(runs(listed, 1, 0, 2), listIs(-5.0, 0.0));
+
+    // A closed stem is refused and asked for again; a stem that does not
+    // meet the bar within the bar gets the message and stays.
+    const KaldoRun refused = kaldo.runScript(kBar + mline({"20,20", "80,20", "80,60"}, true)
+                                             + mline({"150,-50", "150,-10"})
+                                             + "-MLEDIT\nCT\n50,25\n155,-30\n20,5\n\n" + list({"155,-30"}));
+    EXPECT_THAT(refused.out, HasSubstr("Select first mline: 50,25\nA closed multiline cannot be used with this tool.\n"
+                                       "Select first mline: 155,-30\nSelect second mline: 20,5\n"
+                                       "The selected multilines do not intersect.\nSelect first mline: \n"));
+    listed = listedMlines(refused.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("150.0000,-50.0000", "150.0000,-10.0000"));
+}
+
+TEST(MleditJoinSession, CornerJointOfTwoMultilinesAndOfOneWithItself)
+{
+    KaldoProcess kaldo;
+    // Two multilines pointing at each other: both end at (100, 0); the inner
+    // elements meet at (95, 5), the outer at (105, -5).
+    const KaldoRun pair = kaldo.runScript(kBar.substr(0, kSetup.size()) + mline({"0,0", "90,0"})
+                                          + mline({"100,100", "100,10"}) + "-MLEDIT\nCJ\n50,5\n105,50\n\n"
+                                          + list({"50,5", "105,50"}));
+    EXPECT_EQ(pair.exitCode, 0) << pair.err;
+    auto listed = listedMlines(pair.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("0.0000,0.0000", "100.0000,0.0000"));
+    EXPECT_THAT(positions(listed, 1), ::testing::ElementsAre("100.0000,100.0000", "100.0000,0.0000"));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 95.0));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 105.0));
+    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0, 105.0));
+    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0, 95.0));
+
+    // One multiline whose last segment crosses its first: picked twice, the
+    // loop between them goes and the corner takes its place.
+    const std::string hook = kSetup + mline({"0,0", "100,0", "100,40", "60,40", "60,-100"});
+    const KaldoRun self = kaldo.runScript(hook + "-MLEDIT\nCJ\n20,5\n65,-60\n\n" + list({"20,5"}));
+    listed = listedMlines(self.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("0.0000,0.0000", "60.0000,0.0000", "60.0000,-100.0000"));
+
+    // Joined the other way round, it runs from the corner round to the
+    // corner: both ends move there and the elements end where they meet.
+    const std::string loop = kSetup + mline({"0,0", "100,0", "100,50", "20,50", "20,-10"});
+    const KaldoRun round = kaldo.runScript(loop + "-MLEDIT\nCJ\n60,5\n25,30\n\n" + list({"60,5"}));
+    listed = listedMlines(round.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("20.0000,0.0000", "100.0000,0.0000", "100.0000,50.0000",
+                                                             "20.0000,50.0000", "20.0000,0.0000"));
+
+    // Picks on neighbouring segments of one multiline do nothing; a closed
+    // second multiline is refused and the pass starts again.
+    const KaldoRun refused = kaldo.runScript(hook + mline({"200,0", "300,0", "300,100"}, true)
+                                             + "-MLEDIT\nCJ\n20,5\n105,20\n20,5\n250,5\n\n" + list({"20,5"}));
+    EXPECT_THAT(refused.out, HasSubstr("Select second mline: 250,5\nA closed multiline cannot be used with this tool.\n"
+                                       "Select first mline: \n"));
+    EXPECT_THAT(positions(listedMlines(refused.out), 0), SizeIs(5));
+}
+
+TEST(MleditJoinSession, AddAndDeleteVertexOnStraightBentAndClosedMultilines)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript(kSetup + mline({"0,0", "100,0", "100,50"})
+                                         + mline({"200,0", "300,0", "300,100", "200,100"}, true)
+                                         + "-MLEDIT\nAV\n40,5\n195,40\n\n" + list({"10,5", "250,5"})
+                                         + "-MLEDIT\nDV\n5,-5\n105,10\n305,95\n\n" + list({"59.845,23.047", "250,5"}));
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    auto listed = listedMlines(run.out);
+    ASSERT_THAT(listed, SizeIs(4));
+    // A vertex at the foot of the pick, square miter, both halves drawn.
+    EXPECT_THAT(positions(listed, 0),
+                ::testing::ElementsAre("0.0000,0.0000", "40.0000,0.0000", "100.0000,0.0000", "100.0000,50.0000"));
+    EXPECT_NEAR(listed[0].vertices[1].miter.y, 1.0, kListed);
+    EXPECT_THAT(runs(listed, 0, 1, 0), listIs(5.0, 0.0));
+    // On the closing segment of a closed multiline it comes last.
+    EXPECT_THAT(positions(listed, 1), ::testing::ElementsAre("200.0000,0.0000", "300.0000,0.0000", "300.0000,100.0000",
+                                                             "200.0000,100.0000", "200.0000,40.0000"));
+    EXPECT_TRUE(listed[1].closed);
+    // Deleting the first vertex, then the corner; the closed one loses the
+    // vertex picked near.
+    EXPECT_THAT(positions(listed, 2), ::testing::ElementsAre("40.0000,0.0000", "100.0000,50.0000"));
+    EXPECT_THAT(positions(listed, 3), ::testing::ElementsAre("200.0000,0.0000", "300.0000,0.0000", "200.0000,100.0000",
+                                                             "200.0000,40.0000"));
+
+    // Never below two vertices (three when closed).
+    const KaldoRun keep = kaldo.runScript(kSetup + mline({"0,0", "100,0"}) + mline({"200,0", "300,0", "250,80"}, true)
+                                          + "-MLEDIT\nDV\n50,5\n250,5\n\n" + list({"50,5", "250,5"}));
+    listed = listedMlines(keep.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(positions(listed, 0), SizeIs(2));
+    EXPECT_THAT(positions(listed, 1), SizeIs(3));
+}
+
+TEST(MleditJoinSession, UndoGivesBackTheSavedDrawingByteForByte)
+{
+    KaldoProcess kaldo;
+    const std::string drawing = kSetup + "SETVAR\nFILEDIA\n0\n" + mline({"0,0", "100,0", "100,50"})
+        + mline({"50,-50", "50,-10"}) + mline({"150,-50", "150,100"});
+    const std::vector<std::string> edits = {
+        "CT\n55,-30\n20,5\n", "OT\n55,-30\n20,5\n", "MT\n55,-30\n20,5\n",
+        "CJ\n20,5\n155,50\n", "AV\n40,5\n",          "DV\n105,10\n",
+    };
+    for (std::size_t i = 0; i < edits.size(); ++i) {
+        const std::string before = (kaldo.dir() / ("before" + std::to_string(i) + ".dxf")).string();
+        const std::string after = (kaldo.dir() / ("after" + std::to_string(i) + ".dxf")).string();
+        const std::string edited = (kaldo.dir() / ("edited" + std::to_string(i) + ".dxf")).string();
+        const KaldoRun run = kaldo.runScript(drawing + "SAVEAS\n" + before + "\n-MLEDIT\n" + edits[i] + "U\n^C\nSAVEAS\n"
+                                             + after + "\n-MLEDIT\n" + edits[i] + "^C\nSAVEAS\n" + edited + "\n");
+        EXPECT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_THAT(run.out, HasSubstr("The last edit was undone.")) << edits[i];
+        const std::string saved = fileBytes(before);
+        ASSERT_FALSE(saved.empty()) << edits[i];
+        EXPECT_EQ(fileBytes(after), saved) << edits[i];
+        EXPECT_NE(fileBytes(edited), saved) << edits[i] << ": the edit changed the drawing";
+    }
+}
+
+TEST(MleditJoinSession, MissesEnterAndCancel)
+{
+    KaldoProcess kaldo;
+    // A miss asks again; Enter at the second prompt and ^C end the tools.
+    const KaldoRun run = kaldo.runScript(kBar + mline({"50,-50", "50,-10"}) + "-MLEDIT\nCT\n55,-30\n500,500\n\n"
+                                         + "-MLEDIT\nCJ\n500,500\n^C\n-MLEDIT\nAV\n500,500\n\n" + list({"55,-30"}));
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Select second mline: 500,500\nSelect second mline: \nCommand: "));
+    EXPECT_THAT(run.out, HasSubstr("Select first mline: 500,500\nSelect first mline: *Cancel*\n"));
+    EXPECT_THAT(run.out, HasSubstr("Select mline: 500,500\nSelect mline: \nCommand: "));
+    EXPECT_THAT(positions(listedMlines(run.out), 0), ::testing::ElementsAre("50.0000,-50.0000", "50.0000,-10.0000"));
+    EXPECT_THAT(run.out, Not(HasSubstr("undone")));
+}
+
+TEST(MleditJoinSession, AnIndependentReaderFindsTheTeeAndTheCorner)
+{
+    KaldoProcess kaldo;
+    const std::string saved = (kaldo.dir() / "joined.dxf").string();
+    const KaldoRun run = kaldo.runScript(kBar + mline({"50,50", "50,-30"}) + mline({"0,100", "90,100"})
+                                             + mline({"100,200", "100,110"})
+                                             + "-MLEDIT\nOT\n55,30\n20,5\n\n-MLEDIT\nCJ\n50,105\n105,150\n\n",
+                                         {"--save", QString::fromStdString(saved)});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const EzdxfReport report = readWithEzdxf(saved);
+    ASSERT_TRUE(report.ran) << report.problem;
+    EXPECT_TRUE(report.file["errors"].toArray().isEmpty());
+    EXPECT_TRUE(report.file["fixes"].toArray().isEmpty());
+    const QJsonArray mlines = report.file["mlines"].toArray();
+    ASSERT_EQ(mlines.size(), 4);
+    const QJsonObject bar = mlines[0].toObject();
+    const QJsonObject stem = mlines[1].toObject();
+    // The stem's end caps are off and its elements stop on the bar's upper
+    // element line; the bar's upper element is drawn up to the stem's
+    // elements and on after them.
+    EXPECT_EQ(stem["flags"].toInt() & 12, 8);
+    for (int e = 0; e < 2; ++e) {
+        const auto ends = runEnds(stem, 0, e);
+        ASSERT_THAT(ends, SizeIs(2)) << e;
+        EXPECT_NEAR(ends[1].first, e == 0 ? 55.0 : 45.0, 1e-9) << e;
+        EXPECT_NEAR(ends[1].second, 5.0, 1e-9) << e;
+    }
+    const auto opened = runEnds(bar, 0, 0);
+    ASSERT_THAT(opened, SizeIs(3));
+    EXPECT_NEAR(opened[1].first, 45.0, 1e-9);
+    EXPECT_NEAR(opened[2].first, 55.0, 1e-9);
+    // The corner: end caps of both off, the inner elements end at (95, 105)
+    // and the outer at (105, 95).
+    for (int n = 2; n < 4; ++n) {
+        const QJsonObject mline = mlines[n].toObject();
+        EXPECT_EQ(mline["flags"].toInt() & 12, 8) << n;
+        const auto inner = runEnds(mline, 0, n == 2 ? 0 : 1);
+        const auto outer = runEnds(mline, 0, n == 2 ? 1 : 0);
+        ASSERT_THAT(inner, SizeIs(2));
+        ASSERT_THAT(outer, SizeIs(2));
+        EXPECT_NEAR(inner[1].first, 95.0, 1e-9) << n;
+        EXPECT_NEAR(inner[1].second, 105.0, 1e-9) << n;
+        EXPECT_NEAR(outer[1].first, 105.0, 1e-9) << n;
+        EXPECT_NEAR(outer[1].second, 95.0, 1e-9) << n;
+    }
+}

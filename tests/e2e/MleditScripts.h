@@ -1,0 +1,56 @@
+// Pieces of the scripts that drive -MLEDIT in end-to-end tests, and reading
+// the element lists that LIST shows.
+#pragma once
+
+#include "ListedMlines.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+inline constexpr double kListed = 1e-4;  // LIST shows four decimals
+
+// Picks within one pixel; multilines of scale 10 about their axis, so that
+// element lines lie 5 units either side of it (STANDARD).
+inline const std::string kSetup = "SETVAR\nPICKBOX\n1\nMLINE\nJ\nZ\nS\n10\n^C\n";
+
+// MLINE through the points, ended with Enter (or closed).
+inline std::string mline(const std::vector<std::string>& points, bool close = false)
+{
+    std::string text = "MLINE\n";
+    for (const std::string& p : points)
+        text += p + "\n";
+    return text + (close ? "C\n" : "\n");
+}
+
+// MLINE in a style of the Support folder's KALDO.mln, loaded on first use.
+inline std::string mlineInStyle(const std::string& style, bool load, const std::vector<std::string>& points)
+{
+    return "MLINE\nST\n" + style + "\n" + (load ? "KALDO\n" : "") + mline(points).substr(6);
+}
+
+inline std::string list(const std::vector<std::string>& points)
+{
+    std::string text;
+    for (const std::string& p : points)
+        text += "LIST\n" + p + "\n";
+    return text;
+}
+
+// The element list of one element at one vertex of the n-th listed multiline.
+inline std::vector<double> runs(const std::vector<ListedMline>& listed, std::size_t n, std::size_t vertex,
+                                std::size_t element)
+{
+    if (n >= listed.size() || vertex >= listed[n].vertices.size()
+        || element >= listed[n].vertices[vertex].elements.size())
+        return {};
+    return listed[n].vertices[vertex].elements[element];
+}
+
+template <class... Values>
+auto listIs(Values... values)
+{
+    return ::testing::ElementsAre(::testing::DoubleNear(values, kListed)...);
+}
+

@@ -1,0 +1,126 @@
+// Multilines of styles with 2, 3 and 4 elements, built by the host from
+// their vertices, and the checks that an edited shape agrees with what the
+// host builds from the same vertices.
+#pragma once
+
+#include "mledit/MlineShape.h"
+
+#include "kxdb.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <numbers>
+#include <string>
+#include <vector>
+
+namespace kdml::test {
+
+inline constexpr double kAgree = 1e-9;
+
+// How a multiline is drawn: style offsets and cap angles, justification,
+// scale, vertices, closed or not.
+struct MlineCase {
+    std::string name;
+    std::vector<double> offsets;
+    int justification = Mline::kZero;
+    double scale = 1.0;
+    std::vector<KxGePoint3d> points;
+    bool closed = false;
+    double startAngle = std::numbers::pi / 2;
+    double endAngle = std::numbers::pi / 2;
+};
+
+class ShapeDrawing {
+public:
+    // A multiline of the case's style drawn by the host, not in any space.
+    std::unique_ptr<KxDbMline> draw(const MlineCase& c, const std::vector<KxGePoint3d>& points)
+    {
+        auto mline = std::make_unique<KxDbMline>();
+        mline->setDatabaseDefaults(&db);
+        mline->setStyle(style(c));
+        mline->setJustification(c.justification);
+        mline->setScale(c.scale);
+        for (const KxGePoint3d& p : points)
+            mline->appendSeg(p);
+        mline->setClosedMline(c.closed);
+        return mline;
+    }
+
+    MlineShape shape(const MlineCase& c)
+    {
+        const std::unique_ptr<KxDbMline> mline = draw(c, c.points);
+        std::optional<MlineShape> shape = readMlineShape(mline.get());
+        EXPECT_TRUE(shape.has_value()) << c.name;
+        return shape.value_or(MlineShape());
+    }
+
+    KxDbDatabase db;
+
+private:
+    KxDbObjectId style(const MlineCase& c)
+    {
+        auto* style = new KxDbMlineStyle;
+        const std::wstring name = L"S" + std::to_wstring(++styles_);
+        style->setName(name.c_str());
+        style->setStartAngle(c.startAngle);
+        style->setEndAngle(c.endAngle);
+        int index = 0;
+        for (double o : c.offsets)
+            style->addElement(index, o, KxCmColor(), db.byLayerLinetype());
+        KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
+        KxDbObjectId id;
+        dict->setAt(name.c_str(), style, id);
+        style->close();
+        return id;
+    }
+
+    int styles_ = 0;
+};
+
+inline void expectNear(const KxGeVector3d& a, const KxGeVector3d& b, const std::string& label)
+{
+    EXPECT_NEAR(a.x, b.x, kAgree) << label;
+    EXPECT_NEAR(a.y, b.y, kAgree) << label;
+    EXPECT_NEAR(a.z, b.z, kAgree) << label;
+}
+
+// The shape's directions and miter offsets are those the host gives a
+// multiline drawn through the shape's vertices.
+inline void expectDrawnAlike(ShapeDrawing& drawing, const MlineCase& c, const MlineShape& shape,
+                             const std::string& label)
+{
+    std::vector<KxGePoint3d> points;
+    for (const MlineVertexData& v : shape.vertices)
+        points.push_back(v.position);
+    MlineCase same = c;
+    same.closed = shape.closed;
+    const std::unique_ptr<KxDbMline> drawn = drawing.draw(same, points);
+    const std::vector<MlineVertexData> expected = readMlineSnapshot(drawn.get());
+    ASSERT_EQ(expected.size(), shape.vertices.size()) << label;
+    for (std::size_t v = 0; v < expected.size(); ++v) {
+        const std::string at = label + " vertex " + std::to_string(v);
+        expectNear(shape.vertices[v].axis, expected[v].axis, at + " axis");
+        expectNear(shape.vertices[v].miter, expected[v].miter, at + " miter");
+        ASSERT_EQ(shape.vertices[v].elements.size(), expected[v].elements.size()) << at;
+        for (std::size_t e = 0; e < expected[v].elements.size(); ++e)
+            EXPECT_NEAR(shape.vertices[v].elements[e].elementParams.at(0),
+                        expected[v].elements[e].elementParams.at(0), kAgree)
+                << at << " element " << e;
+    }
+}
+
+// The world points where the runs of element e along segment v start and
+// stop.
+inline std::vector<KxGePoint3d> runBounds(const MlineShape& shape, int v, int e)
+{
+    std::vector<KxGePoint3d> bounds;
+    const std::vector<double>& list = shape.vertices[std::size_t(v)].elements[std::size_t(e)].elementParams;
+    const KxGePoint3d start = shape.elementPoint(v, e);
+    const KxGeVector3d along = shape.vertices[std::size_t(v)].axis;
+    for (std::size_t i = 1; i < list.size(); ++i)
+        bounds.push_back(start + along * list[i]);
+    return bounds;
+}
+
+}  // namespace kdml::test
