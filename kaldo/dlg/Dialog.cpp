@@ -35,6 +35,9 @@ int CDialog::DoModal()
         std::unique_ptr<QDialog> window = kaldo::dlg::loadDialogTemplate(m_templateId, ownerWidget(m_parentWnd));
         if (!window)
             return;
+        // The window exists with its frame before OnInitDialog, so that
+        // window rectangles measured there are those of the shown window.
+        window->winId();
         std::exception_ptr failure;
         Attach(window.get());
         {
