@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QResizeEvent>
 #include <QSignalBlocker>
 #include <QTreeWidget>
 
@@ -423,4 +424,45 @@ bool CListCtrl::SubclassHeader(CHeaderCtrl& header)
         return false;
     header.Attach(view->header());
     return true;
+}
+
+// Hands the control's paint and size events to its owner.
+class CStatic::Events : public QObject {
+public:
+    explicit Events(CStatic& owner) : owner_(owner) {}
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            owner_.OnPaint();
+        else if (event->type() == QEvent::Resize) {
+            const QSize size = static_cast<QResizeEvent*>(event)->size();
+            owner_.OnSize(SIZE_RESTORED, size.width(), size.height());
+        }
+        return false;
+    }
+
+private:
+    CStatic& owner_;
+};
+
+CStatic::CStatic() = default;
+
+CStatic::~CStatic()
+{
+    Detach();
+}
+
+void CStatic::OnSize(int, int, int) {}
+
+void CStatic::OnAttached()
+{
+    m_events = std::make_unique<Events>(*this);
+    GetSafeHwnd()->installEventFilter(m_events.get());
+}
+
+void CStatic::OnDetaching()
+{
+    m_events.reset();
 }

@@ -8,10 +8,29 @@
 #include "kxuiwnd.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
-class CStatic : public CWnd {};
+// A static control; pictures drawn by the module hook its painting and
+// sizing.
+class CStatic : public CWnd {
+public:
+    CStatic();
+    ~CStatic() override;
+
+protected:
+    // The control paints (before anything laid over it) or changed size.
+    virtual void OnPaint() {}
+    virtual void OnSize(int type, int cx, int cy);
+
+    void OnAttached() override;
+    void OnDetaching() override;
+
+private:
+    class Events;
+    std::unique_ptr<Events> m_events;
+};
 
 class CEdit : public CWnd {
 public:
