@@ -1,7 +1,6 @@
 #include "kaldo/core/Host.h"
 #include "kaldo/util/CrashRecorder.h"
 
-#include <QApplication>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -24,15 +23,6 @@ int countReports(const std::filesystem::path& crashDir)
     for (const auto& entry : std::filesystem::directory_iterator(crashDir))
         n += entry.is_directory();
     return n;
-}
-
-QApplication& app()
-{
-    static int argc = 1;
-    static char name[] = "test_util";
-    static char* argv[] = {name, nullptr};
-    static QApplication instance(argc, argv);
-    return instance;
 }
 
 TEST(CrashRecorder, FaultReportWithMessageAndAttachedFile)
