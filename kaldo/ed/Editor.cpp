@@ -81,6 +81,21 @@ InputEvent Editor::next(bool wantMotion)
     }
 }
 
+InputEvent Editor::nextDialogInput()
+{
+    if (!pending_.empty()) {
+        InputEvent event = InputEvent::typed(std::move(pending_.front()));
+        pending_.pop_front();
+        return event;
+    }
+    while (source_) {
+        InputEvent event = source_->next();
+        if (event.kind != InputEvent::Kind::Motion)
+            return event;
+    }
+    return InputEvent::end();
+}
+
 void Editor::complain(std::wstring_view message, std::wstring_view prompt)
 {
     write(L"\n");

@@ -60,6 +60,10 @@ public:
     // the next input ("SETVAR CMLSCALE" answers the variable prompt).
     int getCommand(std::wstring& word);
 
+    // The next line for a dialog that a script drives (text, Enter, cancel
+    // or the end of input), not echoed; cursor motion is skipped.
+    InputEvent nextDialogInput();
+
     void initGet(int flags, std::wstring_view keywords);
     int getPoint(const KxGePoint3d* base, std::wstring_view prompt, KxGePoint3d& out);
     int getReal(std::wstring_view prompt, double& out);

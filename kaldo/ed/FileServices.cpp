@@ -2,6 +2,7 @@
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/Text.h"
+#include "kaldo/util/GuiThread.h"
 #include "kxed.h"
 #include "kxstring.h"
 
@@ -71,6 +72,17 @@ int chooseOnCommandLine(kaldo::Editor& editor, const wchar_t* defaultName, const
     return 0;
 }
 
+// A script answering a file choice of an open dialog: the next line is the
+// path as typed; an empty line, cancel or the end of input choose nothing.
+int chooseFromScriptLine(kaldo::Editor& editor, std::wstring& chosen)
+{
+    const kaldo::InputEvent event = editor.nextDialogInput();
+    if (event.kind != kaldo::InputEvent::Kind::Text || event.text.empty())
+        return RTCAN;
+    chosen = event.text;
+    return 0;
+}
+
 int chooseInDialog(const wchar_t* title, const wchar_t* defaultName, const wchar_t* extension, int flags,
                    const wchar_t* filter, std::wstring& chosen)
 {
@@ -79,8 +91,12 @@ int chooseInDialog(const wchar_t* title, const wchar_t* defaultName, const wchar
     QString filters = filter ? QString::fromWCharArray(filter) : QString();
     if (filters.isEmpty() && extension && *extension)
         filters = QStringLiteral("*.%1").arg(QString::fromWCharArray(extension));
-    const QString name = (flags & 0x1) ? QFileDialog::getSaveFileName(nullptr, caption, start, filters)
-                                       : QFileDialog::getOpenFileName(nullptr, caption, start, filters);
+    QString name;
+    kaldo::runOnGuiThread([&] {
+        QWidget* owner = QApplication::activeModalWidget();
+        name = (flags & 0x1) ? QFileDialog::getSaveFileName(owner, caption, start, filters)
+                             : QFileDialog::getOpenFileName(owner, caption, start, filters);
+    });
     if (name.isEmpty())
         return RTCAN;
     chosen = name.toStdWString();
@@ -110,8 +126,13 @@ int getFileNameByFileDialog(const wchar_t* title, const wchar_t* defaultName, co
     const bool onCommandLine = editor->variables().shortValue(L"FILEDIA", 1) == 0 || editor->scriptFeedsInput()
         || !qobject_cast<QApplication*>(QCoreApplication::instance());
     std::wstring chosen;
-    const int result = onCommandLine ? chooseOnCommandLine(*editor, defaultName, extension, flags, chosen)
-                                     : chooseInDialog(title, defaultName, extension, flags, filter, chosen);
+    int result = RTCAN;
+    if (editor->scriptFeedsInput() && QApplication::activeModalWidget())
+        result = chooseFromScriptLine(*editor, chosen);
+    else if (onCommandLine)
+        result = chooseOnCommandLine(*editor, defaultName, extension, flags, chosen);
+    else
+        result = chooseInDialog(title, defaultName, extension, flags, filter, chosen);
     if (result == 0)
         outName = kxutNewString(chosen.c_str());
     return result;

@@ -3,7 +3,7 @@
 #include "kaldo/core/Host.h"
 #include "kxstring.h"
 
-#include <QDialog>
+#include "kxuidialog.h"
 
 #include <cstdio>
 #include <ctime>
@@ -32,33 +32,30 @@ std::string at(const char* file, int line)
 
 CrashRecorder::CrashRecorder(std::filesystem::path crashDir) : crashDir_(std::move(crashDir)) {}
 
-int CrashRecorder::exec(QDialog& dialog)
-{
-    return driver_ ? driver_(dialog) : dialog.exec();
-}
-
-bool CrashRecorder::runModal(QDialog* dialog, int* modalResult)
+bool CrashRecorder::runModal(CDialog* dialog, int* modalResult)
 {
     if (!guardEnabled_ || !dialog)
         return false;
-    int result = QDialog::Rejected;
+    int result = IDCANCEL;
     try {
-        result = exec(*dialog);
+        result = dialog->DoModal();
     } catch (const KdErrorStatus& error) {
         receiveError(error);
     } catch (const KdExceptionWithMsg& error) {
         receiveError(error);
     } catch (const std::exception& error) {
         report(std::string("Unhandled error in a dialog: ") + error.what());
+    } catch (...) {
+        report("Unhandled error of unknown kind in a dialog");
     }
     if (modalResult)
         *modalResult = result;
     return true;
 }
 
-int CrashRecorder::runModalFallback(QDialog* dialog)
+int CrashRecorder::runModalFallback(CDialog* dialog)
 {
-    return dialog ? exec(*dialog) : QDialog::Rejected;
+    return dialog ? dialog->DoModal() : IDCANCEL;
 }
 
 void CrashRecorder::receiveError(const KdErrorStatus& error)

@@ -6,26 +6,20 @@
 #include "kxcrash.h"
 
 #include <filesystem>
-#include <functional>
 
 namespace kaldo {
 
 class CrashRecorder : public KxCrashRecorder {
 public:
-    // Headless runs answer modal dialogs through a driver instead of exec():
-    // it acts on the dialog and returns its modal result.
-    using DialogDriver = std::function<int(QDialog&)>;
-
     explicit CrashRecorder(std::filesystem::path crashDir);
 
     void setGuardEnabled(bool enabled) { guardEnabled_ = enabled; }
-    void setDialogDriver(DialogDriver driver) { driver_ = std::move(driver); }
     const std::filesystem::path& crashDir() const { return crashDir_; }
     // The folder of the latest report, empty before the first.
     const std::filesystem::path& latestReport() const { return latest_; }
 
-    bool runModal(QDialog* dialog, int* modalResult) override;
-    int runModalFallback(QDialog* dialog) override;
+    bool runModal(CDialog* dialog, int* modalResult) override;
+    int runModalFallback(CDialog* dialog) override;
     void receiveError(const KdErrorStatus& error) override;
     void receiveError(const KdExceptionWithMsg& error) override;
     void recordFault(int code, const void* context, const char* sourceLocation, int line) override;
@@ -36,13 +30,11 @@ public:
     void report(const std::string& text);
 
 private:
-    int exec(QDialog& dialog);
     void startReport();
     void appendLine(const std::string& line);
 
     std::filesystem::path crashDir_;
     std::filesystem::path latest_;
-    DialogDriver driver_;
     bool guardEnabled_ = true;
     int reportsWritten_ = 0;
 };

@@ -53,6 +53,24 @@ void drawMline(const KxDbMline& mline, const LayerLook& layer, OpenStyles& style
     renderer.draw(mline, style, layer);
 }
 
+// Draws one entity unless its layer is off or frozen.
+void drawEntity(const KxDbEntity& entity, PenResolver& pens, MlineRenderer& mlines, OpenStyles& styles, Scene& scene)
+{
+    const LayerLook& layer = pens.layer(entity.layerId());
+    if (!layer.visible)
+        return;
+    if (const auto* mline = KxDbMline::cast(&entity))
+        drawMline(*mline, layer, styles, mlines);
+    else if (const auto* line = KxDbLine::cast(&entity))
+        drawLine(*line, pens.pen(entity.color(), entity.linetypeId(), layer), scene);
+    else if (const auto* arc = KxDbArc::cast(&entity))
+        drawArc(*arc, pens.pen(entity.color(), entity.linetypeId(), layer), scene);
+    else if (const auto* circle = KxDbCircle::cast(&entity))
+        drawCircle(*circle, pens.pen(entity.color(), entity.linetypeId(), layer), scene);
+    else if (const auto* polyline = KxDbPolyline::cast(&entity))
+        drawPolyline(*polyline, pens.pen(entity.color(), entity.linetypeId(), layer), scene);
+}
+
 }  // namespace
 
 Scene renderDrawing(const KxDbDatabase& db)
@@ -74,19 +92,20 @@ Scene renderDrawing(const KxDbDatabase& db)
         if (it->getEntity(opened, KxDb::kForRead) != Kald::eOk)
             continue;
         const KxDbObjectPtr<KxDbEntity> entity(opened);
-        const LayerLook& layer = pens.layer(entity->layerId());
-        if (!layer.visible)
-            continue;
-        if (const auto* mline = KxDbMline::cast(entity.get()))
-            drawMline(*mline, layer, styles, mlines);
-        else if (const auto* line = KxDbLine::cast(entity.get()))
-            drawLine(*line, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
-        else if (const auto* arc = KxDbArc::cast(entity.get()))
-            drawArc(*arc, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
-        else if (const auto* circle = KxDbCircle::cast(entity.get()))
-            drawCircle(*circle, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
-        else if (const auto* polyline = KxDbPolyline::cast(entity.get()))
-            drawPolyline(*polyline, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
+        drawEntity(*entity, pens, mlines, styles, scene);
+    }
+    return scene;
+}
+
+Scene renderEntities(const KxDbDatabase& db, const std::vector<const KxDbEntity*>& entities)
+{
+    Scene scene;
+    PenResolver pens(db, scene);
+    MlineRenderer mlines(pens);
+    OpenStyles styles;
+    for (const KxDbEntity* entity : entities) {
+        if (entity)
+            drawEntity(*entity, pens, mlines, styles, scene);
     }
     return scene;
 }

@@ -46,6 +46,7 @@ constexpr ResourceString kStrings[] = {
     {4017, L"\nPick the stem on the side that keeps the bar."},
     {4018, L"\nThe object selected is not a multiline."},
     {5000, L"MLINE"},
+    {5800, L"Multiline Edit Tools"},
     {6001, L"Justification Scale STyle _Justification Scale STyle"},
     {6002, L"\nSpecify start point or [Justification/Scale/STyle]: "},
     {6003, L"Top"},

@@ -8,7 +8,7 @@
 #include <exception>
 #include <string>
 
-class QDialog;
+class CDialog;
 
 // A database result that a module raises as an error.
 class KdErrorStatus {
@@ -45,12 +45,14 @@ class KxCrashRecorder {
 public:
     virtual ~KxCrashRecorder() = default;
 
-    // Runs the dialog modally under the guard; stores the modal result in
-    // *modalResult when given. Returns false when it did not run the dialog
-    // (the guard is switched off); the caller then uses runModalFallback.
-    virtual bool runModal(QDialog* dialog, int* modalResult) = 0;
+    // Runs the dialog modally (DoModal) under the guard; stores the modal
+    // result in *modalResult when given. An error thrown inside the dialog
+    // becomes a report and the run counts as cancelled. Returns false when
+    // it did not run the dialog (the guard is switched off); the caller then
+    // uses runModalFallback.
+    virtual bool runModal(CDialog* dialog, int* modalResult) = 0;
     // Runs the dialog modally without the guard and returns its result.
-    virtual int runModalFallback(QDialog* dialog) = 0;
+    virtual int runModalFallback(CDialog* dialog) = 0;
 
     // Error objects a module caught and hands over; each becomes a report.
     virtual void receiveError(const KdErrorStatus& error) = 0;

@@ -17,6 +17,11 @@
 // of id, or null when it has none.
 using KxResStringFn = const wchar_t* (*)(unsigned id);
 inline constexpr const char* kxResStringSymbol = "kxresString";
+// A resource library that holds dialog templates and images exports the root
+// of its Qt resources as this C function (e.g. ":/KdMLStyleRes"): templates
+// lie in its folder "dialogs" as ID.ui, images in "bitmaps" as NAME.png.
+using KxResRootFn = const char* (*)();
+inline constexpr const char* kxResRootSymbol = "kxresQtRoot";
 
 // Loads a library by bare name (or path); null when it cannot be loaded.
 static inline void* kxLoadLibrary(const wchar_t* name)

@@ -1,8 +1,6 @@
 #include "kaldo/core/Host.h"
 #include "kaldo/util/CrashRecorder.h"
 
-#include <QApplication>
-#include <QDialog>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -25,15 +23,6 @@ int countReports(const std::filesystem::path& crashDir)
     for (const auto& entry : std::filesystem::directory_iterator(crashDir))
         n += entry.is_directory();
     return n;
-}
-
-QApplication& app()
-{
-    static int argc = 1;
-    static char name[] = "test_util";
-    static char* argv[] = {name, nullptr};
-    static QApplication instance(argc, argv);
-    return instance;
 }
 
 TEST(CrashRecorder, FaultReportWithMessageAndAttachedFile)
@@ -75,38 +64,6 @@ TEST(CrashRecorder, UnwritableFolderNeverStopsTheHost)
     recorder.report("something happened");
     recorder.logMessage(L"and more");
     EXPECT_TRUE(recorder.latestReport().empty());
-}
-
-TEST(CrashRecorder, ModalRunsThroughTheDriverAndTheGuard)
-{
-    app();
-    QTemporaryDir dir;
-    kaldo::CrashRecorder recorder(std::filesystem::path(dir.path().toStdString()) / "crash");
-    QDialog dialog;
-    int seen = 0;
-    recorder.setDialogDriver([&](QDialog& d) {
-        ++seen;
-        EXPECT_EQ(&d, &dialog);
-        return static_cast<int>(QDialog::Accepted);
-    });
-    int result = -1;
-    EXPECT_TRUE(recorder.runModal(&dialog, &result));
-    EXPECT_EQ(result, QDialog::Accepted);
-    EXPECT_TRUE(recorder.runModal(&dialog, nullptr));
-    EXPECT_EQ(seen, 2);
-
-    // An error thrown inside the dialog is reported and the run still counts.
-    recorder.setDialogDriver([](QDialog&) -> int { throw KdExceptionWithMsg(L"boom", "x.cpp", 1); });
-    result = -1;
-    EXPECT_TRUE(recorder.runModal(&dialog, &result));
-    EXPECT_EQ(result, QDialog::Rejected);
-    EXPECT_NE(readReport(recorder.latestReport()).find("boom"), std::string::npos);
-
-    // With the guard off the caller must use the fallback.
-    recorder.setGuardEnabled(false);
-    recorder.setDialogDriver([](QDialog&) { return 7; });
-    EXPECT_FALSE(recorder.runModal(&dialog, &result));
-    EXPECT_EQ(recorder.runModalFallback(&dialog), 7);
 }
 
 }  // namespace

@@ -1,0 +1,189 @@
+#include "kaldo/dlg/DialogRun.h"
+
+#include "kaldo/dlg/DialogItems.h"
+#include "kxuidialog.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QDialog>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTreeWidget>
+
+namespace kaldo::dlg {
+
+namespace {
+
+CRect toRect(const QRect& r)
+{
+    return {r.left(), r.top(), r.left() + r.width(), r.top() + r.height()};
+}
+
+QRect toQRect(const CRect& r)
+{
+    return QRect(r.left, r.top, r.Width(), r.Height());
+}
+
+// The edge a user dragged, from the frame before and after.
+int draggedEdge(const QRect& before, const QRect& after)
+{
+    const bool left = after.left() != before.left();
+    const bool top = after.top() != before.top();
+    if (left)
+        return top ? WMSZ_TOPLEFT : (after.bottom() != before.bottom() ? WMSZ_BOTTOMLEFT : WMSZ_LEFT);
+    if (top)
+        return after.right() != before.right() ? WMSZ_TOPRIGHT : WMSZ_TOP;
+    if (after.right() != before.right())
+        return after.bottom() != before.bottom() ? WMSZ_BOTTOMRIGHT : WMSZ_RIGHT;
+    return WMSZ_BOTTOM;
+}
+
+}  // namespace
+
+DialogRun::DialogRun(CDialog& dialog, QDialog& window) : dialog_(dialog), window_(window)
+{
+    connect(&window_, &QDialog::finished, this, [this] { subject_.ended = true; });
+    window_.installEventFilter(this);
+    connectItems();
+}
+
+void DialogRun::guard(const std::function<void()>& handler)
+{
+    try {
+        handler();
+    } catch (...) {
+        if (!failure_)
+            failure_ = std::current_exception();
+        window_.done(IDCANCEL);
+    }
+}
+
+void DialogRun::command(int id, int code)
+{
+    guard([&] { dialog_.OnCommand(id, code); });
+}
+
+void DialogRun::notify(int id, int code, int index)
+{
+    guard([&] { dialog_.OnNotify(id, code, index); });
+}
+
+void DialogRun::connectItems()
+{
+    for (QWidget* item : items(&window_)) {
+        const int id = itemId(item);
+        if (auto* button = qobject_cast<QAbstractButton*>(item)) {
+            connect(button, &QAbstractButton::clicked, this, [this, id] { command(id, BN_CLICKED); });
+        } else if (auto* edit = qobject_cast<QLineEdit*>(item)) {
+            connect(edit, &QLineEdit::textChanged, this, [this, id] { command(id, EN_CHANGE); });
+            edit->installEventFilter(this);
+        } else if (auto* combo = qobject_cast<QComboBox*>(item)) {
+            connect(combo, &QComboBox::activated, this, [this, id] { command(id, CBN_SELCHANGE); });
+            if (QLineEdit* comboEdit = combo->lineEdit())
+                connect(comboEdit, &QLineEdit::textChanged, this, [this, id] { command(id, CBN_EDITCHANGE); });
+        } else if (auto* view = qobject_cast<QTreeWidget*>(item)) {
+            connect(view, &QTreeWidget::itemSelectionChanged, this, [this, id, view] {
+                notify(id, LVN_ITEMCHANGED, view->indexOfTopLevelItem(view->currentItem()));
+            });
+            connect(view, &QTreeWidget::itemDoubleClicked, this, [this, id, view](QTreeWidgetItem* row) {
+                notify(id, NM_DBLCLK, view->indexOfTopLevelItem(row));
+            });
+            connect(view->header(), &QHeaderView::sectionClicked, this,
+                    [this, id](int column) { notify(id, LVN_COLUMNCLICK, column); });
+        } else if (auto* list = qobject_cast<QListWidget*>(item)) {
+            connect(list, &QListWidget::currentRowChanged, this, [this, id] { command(id, LBN_SELCHANGE); });
+            connect(list, &QListWidget::itemDoubleClicked, this, [this, id] { command(id, LBN_DBLCLK); });
+        }
+    }
+}
+
+bool DialogRun::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != &window_) {
+        if (event->type() == QEvent::FocusOut)
+            command(itemId(static_cast<QWidget*>(watched)), EN_KILLFOCUS);
+        return false;
+    }
+    switch (event->type()) {
+    case QEvent::KeyPress: {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Escape) {
+            command(IDCANCEL, BN_CLICKED);
+            return true;
+        }
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            if (auto* button = qobject_cast<QPushButton*>(window_.focusWidget()))
+                button->click();
+            else
+                command(IDOK, BN_CLICKED);
+            return true;
+        }
+        return false;
+    }
+    case QEvent::Close:
+        event->ignore();
+        command(IDCANCEL, BN_CLICKED);
+        return true;
+    case QEvent::Resize: {
+        const QRect previous = std::exchange(geometry_, window_.frameGeometry());
+        if (event->spontaneous() && previous.isValid())
+            limitSizing(previous);
+        guard([&] {
+            dialog_.OnSize(window_.isMinimized() ? SIZE_MINIMIZED : SIZE_RESTORED, window_.width(), window_.height());
+        });
+        return false;
+    }
+    case QEvent::WindowStateChange:
+        if (window_.isMinimized())
+            guard([&] { dialog_.OnSize(SIZE_MINIMIZED, 0, 0); });
+        return false;
+    default: return false;
+    }
+}
+
+void DialogRun::limitSizing(const QRect& previous)
+{
+    if (limiting_)
+        return;
+    const QRect dragged = window_.frameGeometry();
+    CRect proposed = toRect(dragged);
+    guard([&] { dialog_.OnSizing(draggedEdge(previous, dragged), &proposed); });
+    if (toQRect(proposed) == dragged)
+        return;
+    limiting_ = true;
+    const QSize frame = dragged.size() - window_.size();
+    window_.move(proposed.left, proposed.top);
+    window_.resize(proposed.Width() - frame.width(), proposed.Height() - frame.height());
+    limiting_ = false;
+}
+
+int DialogRun::run()
+{
+    geometry_ = window_.frameGeometry();
+    guard([this] { dialog_.OnInitDialog(); });
+    subject_.window = &window_;
+    subject_.title = L"Dialog " + std::to_wstring(dialog_.templateId()) + L": " + window_.windowTitle().toStdWString();
+    subject_.closedPrefix = L"Dialog " + std::to_wstring(dialog_.templateId()) + L" closed: ";
+    subject_.standardButton = [this](int id) {
+        if (id != IDOK && id != IDCANCEL)
+            return false;
+        command(id, BN_CLICKED);
+        return true;
+    };
+    subject_.escape = [this] {
+        command(IDCANCEL, BN_CLICKED);
+        if (window_.isVisible() || !subject_.ended)
+            window_.done(IDCANCEL);
+    };
+    subject_.sizing = [this](QRect& proposed) {
+        CRect rect = toRect(proposed);
+        guard([&] { dialog_.OnSizing(WMSZ_BOTTOMRIGHT, &rect); });
+        proposed = toQRect(rect);
+    };
+    return runModalLoop(subject_);
+}
+
+}  // namespace kaldo::dlg

@@ -1,0 +1,48 @@
+// One modal run of a dialog object on its loaded window: the items'
+// notifications and the window's keys, closing and sizing go to the
+// dialog's handlers; an exception a handler throws is kept, ends the
+// dialog, and is handed back to the caller once the window is gone.
+#pragma once
+
+#include "kaldo/dlg/ModalLoop.h"
+
+#include <QObject>
+#include <QRect>
+
+#include <exception>
+#include <functional>
+
+class CDialog;
+class QDialog;
+
+namespace kaldo::dlg {
+
+class DialogRun : public QObject {
+public:
+    DialogRun(CDialog& dialog, QDialog& window);
+
+    // Runs OnInitDialog and then the modal loop; returns the modal result.
+    int run();
+    // Runs a handler; what it throws is kept and ends the dialog.
+    void guard(const std::function<void()>& handler);
+    std::exception_ptr failure() const { return failure_; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void connectItems();
+    void command(int id, int code);
+    void notify(int id, int code, int index);
+    // A size the user dragged the window to, limited by OnSizing.
+    void limitSizing(const QRect& previous);
+
+    CDialog& dialog_;
+    QDialog& window_;
+    ModalSubject subject_;
+    std::exception_ptr failure_;
+    QRect geometry_;  // the window's frame before the latest size change
+    bool limiting_ = false;
+};
+
+}  // namespace kaldo::dlg

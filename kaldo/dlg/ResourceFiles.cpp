@@ -1,0 +1,61 @@
+#include "kaldo/dlg/ResourceFiles.h"
+
+#include "kxhost.h"
+#include "kxrxlibrary.h"
+#include "kxuibutton.h"
+
+#include <QDialog>
+#include <QFile>
+#include <QUiLoader>
+
+#include <dlfcn.h>
+
+namespace kaldo::dlg {
+
+namespace {
+
+// The property of a template's dialog that names its caption's string id.
+constexpr const char* kCaptionIdProperty = "captionId";
+
+}  // namespace
+
+QString resourceFile(const QString& relative)
+{
+    void* library = kxrxResourceHandle();
+    if (!library)
+        return {};
+    const auto root = reinterpret_cast<KxResRootFn>(dlsym(library, kxResRootSymbol));
+    if (!root)
+        return {};
+    return QString::fromUtf8(root()) + QLatin1Char('/') + relative;
+}
+
+std::unique_ptr<QDialog> loadDialogTemplate(unsigned templateId, QWidget* parent)
+{
+    const QString path = resourceFile(QStringLiteral("dialogs/%1.ui").arg(templateId));
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return nullptr;
+    QUiLoader loader;
+    QWidget* loaded = loader.load(&file, parent);
+    auto* dialog = qobject_cast<QDialog*>(loaded);
+    if (!dialog) {
+        delete loaded;
+        return nullptr;
+    }
+    if (const QVariant id = dialog->property(kCaptionIdProperty); id.isValid()) {
+        const std::wstring designed = dialog->windowTitle().toStdWString();
+        dialog->setWindowTitle(QString::fromWCharArray(kxmdKxResourceString(id.toUInt(), designed.c_str())));
+    }
+    return std::unique_ptr<QDialog>(dialog);
+}
+
+}  // namespace kaldo::dlg
+
+QImage kxLoadResourceBitmap(const wchar_t* name)
+{
+    if (!name || !*name)
+        return {};
+    const QString path = kaldo::dlg::resourceFile(QStringLiteral("bitmaps/%1.png").arg(QString::fromWCharArray(name)));
+    return path.isEmpty() ? QImage() : QImage(path);
+}
