@@ -100,6 +100,7 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     obj->m_id = kaldo::registerObject(obj);
     m_objects.emplace_back(obj);
     m_handles.emplace(handle, obj->m_id);
+    noteChange();
     return Kald::eOk;
 }
 
@@ -213,6 +214,7 @@ Kald::ErrorStatus KxDbDatabase::setCmlstyleID(KxDbObjectId style)
     if (!obj || obj->isErased() || !KxDbMlineStyle::cast(obj))
         return Kald::eInvalidInput;
     m_cmlstyle = style;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -221,6 +223,7 @@ Kald::ErrorStatus KxDbDatabase::setCmljust(int justification)
     if (justification < 0 || justification > 2)
         return Kald::eOutOfRange;
     m_cmljust = justification;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -229,6 +232,7 @@ Kald::ErrorStatus KxDbDatabase::setCmlscale(double scale)
     if (!std::isfinite(scale))
         return Kald::eInvalidInput;
     m_cmlscale = scale;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -237,6 +241,7 @@ Kald::ErrorStatus KxDbDatabase::setMeasurement(int value)
     if (value != 0 && value != 1)
         return Kald::eOutOfRange;
     m_measurement = value;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -245,6 +250,7 @@ Kald::ErrorStatus KxDbDatabase::setDimzin(int value)
     if (value < 0 || value > 15)
         return Kald::eOutOfRange;
     m_dimzin = value;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -259,6 +265,7 @@ Kald::ErrorStatus KxDbDatabase::setUcs(const KxGePoint3d& origin, const KxGeVect
     m_ucsOrigin = origin;
     m_ucsXDir = x;
     m_ucsYDir = y;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -267,6 +274,7 @@ Kald::ErrorStatus KxDbDatabase::setClayer(KxDbObjectId layer)
     if (!KxDbLayerTableRecord::cast(peekObject(layer)))
         return Kald::eInvalidInput;
     m_clayer = layer;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -275,12 +283,14 @@ Kald::ErrorStatus KxDbDatabase::setCeltype(KxDbObjectId linetype)
     if (!KxDbLinetypeTableRecord::cast(peekObject(linetype)))
         return Kald::eInvalidInput;
     m_celtype = linetype;
+    noteChange();
     return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbDatabase::setCecolor(const KxCmColor& color)
 {
     m_cecolor = color;
+    noteChange();
     return Kald::eOk;
 }
 

@@ -41,17 +41,47 @@ void drawCircle(const KxDbCircle& circle, int pen, Scene& scene)
 // share a few styles.
 using OpenStyles = std::unordered_map<KxDbObjectId, KxDbObjectPtr<KxDbMlineStyle>>;
 
-void drawMline(const KxDbMline& mline, const LayerLook& layer, OpenStyles& styles, MlineRenderer& renderer)
-{
-    const KxDbMlineStyle* style = nullptr;
-    if (!mline.style().isNull()) {
-        auto found = styles.find(mline.style());
-        if (found == styles.end())
-            found = styles.emplace(mline.style(), KxDbObjectPtr<KxDbMlineStyle>(mline.style(), KxDb::kForRead)).first;
-        style = found->second.get();
+// Draws entities one by one into a scene.
+class EntityDrawer {
+public:
+    EntityDrawer(const KxDbDatabase& db, Scene& scene) : m_scene(scene), m_pens(db, scene), m_mlines(m_pens) {}
+
+    void draw(const KxDbEntity& entity)
+    {
+        const LayerLook& layer = m_pens.layer(entity.layerId());
+        if (!layer.visible)
+            return;
+        if (const auto* mline = KxDbMline::cast(&entity))
+            drawMline(*mline, layer);
+        else if (const auto* line = KxDbLine::cast(&entity))
+            drawLine(*line, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
+        else if (const auto* arc = KxDbArc::cast(&entity))
+            drawArc(*arc, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
+        else if (const auto* circle = KxDbCircle::cast(&entity))
+            drawCircle(*circle, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
+        else if (const auto* polyline = KxDbPolyline::cast(&entity))
+            drawPolyline(*polyline, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
     }
-    renderer.draw(mline, style, layer);
-}
+
+private:
+    void drawMline(const KxDbMline& mline, const LayerLook& layer)
+    {
+        const KxDbMlineStyle* style = nullptr;
+        if (!mline.style().isNull()) {
+            auto found = m_styles.find(mline.style());
+            if (found == m_styles.end())
+                found =
+                    m_styles.emplace(mline.style(), KxDbObjectPtr<KxDbMlineStyle>(mline.style(), KxDb::kForRead)).first;
+            style = found->second.get();
+        }
+        m_mlines.draw(mline, style, layer);
+    }
+
+    Scene& m_scene;
+    PenResolver m_pens;
+    MlineRenderer m_mlines;
+    OpenStyles m_styles;
+};
 
 }  // namespace
 
@@ -65,29 +95,24 @@ Scene renderDrawing(const KxDbDatabase& db)
     // written, and growing by copies would write everything twice.
     const std::size_t entities = std::size_t(space->numEntities());
     scene.reserve(entities * 48, entities * 8);
-    PenResolver pens(db, scene);
-    MlineRenderer mlines(pens);
-    OpenStyles styles;
+    EntityDrawer drawer(db, scene);
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step()) {
         KxDbEntity* opened = nullptr;
         if (it->getEntity(opened, KxDb::kForRead) != Kald::eOk)
             continue;
         const KxDbObjectPtr<KxDbEntity> entity(opened);
-        const LayerLook& layer = pens.layer(entity->layerId());
-        if (!layer.visible)
-            continue;
-        if (const auto* mline = KxDbMline::cast(entity.get()))
-            drawMline(*mline, layer, styles, mlines);
-        else if (const auto* line = KxDbLine::cast(entity.get()))
-            drawLine(*line, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
-        else if (const auto* arc = KxDbArc::cast(entity.get()))
-            drawArc(*arc, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
-        else if (const auto* circle = KxDbCircle::cast(entity.get()))
-            drawCircle(*circle, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
-        else if (const auto* polyline = KxDbPolyline::cast(entity.get()))
-            drawPolyline(*polyline, pens.pen(entity->color(), entity->linetypeId(), layer), scene);
+        drawer.draw(*entity);
     }
+    return scene;
+}
+
+Scene renderEntities(const KxDbDatabase& db, const std::vector<const KxDbEntity*>& entities)
+{
+    Scene scene;
+    EntityDrawer drawer(db, scene);
+    for (const KxDbEntity* entity : entities)
+        drawer.draw(*entity);
     return scene;
 }
 

@@ -4,10 +4,18 @@
 
 #include "kaldo/view/Scene.h"
 
+#include <vector>
+
 class KxDbDatabase;
+class KxDbEntity;
 
 namespace kaldo::view {
 
 Scene renderDrawing(const KxDbDatabase& db);
+
+// A scene of a few entities (open for read, or in no database yet) with
+// the layers, linetypes and styles of db: what a window draws over the
+// drawing (highlights, a drag's entity).
+Scene renderEntities(const KxDbDatabase& db, const std::vector<const KxDbEntity*>& entities);
 
 }  // namespace kaldo::view

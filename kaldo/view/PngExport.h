@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPainter>
 
 #include <filesystem>
 #include <string>
@@ -10,6 +11,12 @@
 #include "kaldo/view/Picture.h"
 
 namespace kaldo::view {
+
+// Paints a scene with painter as frame places it, drawing only the items
+// that reach rows top to bottom - 1. The painter's clip, pen and brush are
+// the caller's; pens and brushes are changed.
+void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background, int top,
+                int bottom);
 
 // The picture is painted in horizontal bands of rows, each by a thread of
 // its own; it comes out the same for any number of bands.

@@ -11,9 +11,7 @@
 
 namespace kaldo {
 
-namespace {
-
-void saveAs(Session& session, const std::filesystem::path& path)
+void saveDrawingReporting(Session& session, const std::filesystem::path& path)
 {
     try {
         session.saveDrawing(path);
@@ -23,6 +21,8 @@ void saveAs(Session& session, const std::filesystem::path& path)
     }
 }
 
+namespace {
+
 void askAndSave(Session& session)
 {
     wchar_t* name = nullptr;
@@ -30,7 +30,7 @@ void askAndSave(Session& session)
     if (getFileNameByFileDialog(L"Save Drawing As", current.c_str(), L"dxf", 1, name) != 0 || !name)
         return;
     const std::unique_ptr<wchar_t, decltype(&kald_free)> owned(name, kald_free);
-    saveAs(session, name);
+    saveDrawingReporting(session, name);
 }
 
 }  // namespace
@@ -43,7 +43,7 @@ void saveCommand()
     if (session->drawingPath().empty())
         askAndSave(*session);
     else
-        saveAs(*session, session->drawingPath());
+        saveDrawingReporting(*session, session->drawingPath());
 }
 
 void saveasCommand()
