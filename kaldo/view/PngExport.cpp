@@ -192,12 +192,8 @@ void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame
     ScenePainter(scene, background, painter, frame, {top, bottom}).paint();
 }
 
-QImage paintScene(const Scene& scene, const PictureOptions& options, int bands)
+void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands)
 {
-    const PictureFrame frame(scene.bounds(), options.size);
-    QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
-    adviseHugePages(image.constBits(), std::size_t(image.sizeInBytes()));
-    image.fill(qtColor(backgroundRgb(options.background)));
     bands = std::clamp(bands, 1, std::max(1, image.height()));
     // Each band's painter works on its own image over the same pixels. It
     // is clipped to the band but draws on the whole image, so that lines
@@ -206,18 +202,26 @@ QImage paintScene(const Scene& scene, const PictureOptions& options, int bands)
     uchar* const pixels = image.bits();
     const auto paintBand = [&](int b) {
         QImage view(pixels, image.width(), image.height(), image.bytesPerLine(), image.format());
-        const Band band{image.height() * b / bands, image.height() * (b + 1) / bands};
+        const int top = image.height() * b / bands;
+        const int bottom = image.height() * (b + 1) / bands;
         QPainter painter(&view);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setClipRect(QRect(0, band.top, image.width(), band.bottom - band.top));
-        paintScene(painter, scene, frame, options.background, band.top, band.bottom);
+        painter.setClipRect(QRect(0, top, image.width(), bottom - top));
+        paintScene(painter, scene, frame, background, top, bottom);
     };
-    {
-        std::vector<std::jthread> others;
-        for (int b = 1; b < bands; ++b)
-            others.emplace_back(paintBand, b);
-        paintBand(0);
-    }
+    std::vector<std::jthread> others;
+    for (int b = 1; b < bands; ++b)
+        others.emplace_back(paintBand, b);
+    paintBand(0);
+}
+
+QImage paintScene(const Scene& scene, const PictureOptions& options, int bands)
+{
+    const PictureFrame frame(scene.bounds(), options.size);
+    QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
+    adviseHugePages(image.constBits(), std::size_t(image.sizeInBytes()));
+    image.fill(qtColor(backgroundRgb(options.background)));
+    paintScene(image, scene, frame, options.background, bands);
     return image;
 }
 

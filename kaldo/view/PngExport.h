@@ -18,8 +18,11 @@ namespace kaldo::view {
 void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background, int top,
                 int bottom);
 
-// The picture is painted in horizontal bands of rows, each by a thread of
-// its own; it comes out the same for any number of bands.
+// Paints a scene over image, as frame places it, in horizontal bands of
+// rows, each by a thread of its own; it comes out the same for any number
+// of bands.
+void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands);
+// A picture of the whole scene, painted in bands.
 QImage paintScene(const Scene& scene, const PictureOptions& options, int bands);
 // As many bands as the machine has processors, up to four.
 QImage paintScene(const Scene& scene, const PictureOptions& options);
