@@ -106,6 +106,14 @@ void MainWindow::buildActions(QDockWidget* dock)
     command(view, nullptr, tr("Zoom &Previous"), QStringLiteral("_ZOOM _P"));
     bar->addAction(view->actions().front());
     view->addAction(dock->toggleViewAction());
+    // F2: the command line floats as a larger text window, and docks again.
+    QAction* textWindow = view->addAction(tr("&Text Window"), this, [dock] {
+        dock->setFloating(!dock->isFloating());
+        if (dock->isFloating())
+            dock->resize(900, 500);
+    });
+    textWindow->setShortcut(Qt::Key_F2);
+    textWindow->setShortcutContext(Qt::ApplicationShortcut);
     view->addSeparator();
     snapAction_ = view->addAction(tr("Object &Snap"));
     snapAction_->setCheckable(true);
