@@ -78,15 +78,19 @@ int main(int argc, char** argv)
     const auto waitFor = [&](Kind kind) { return waitUntil([&] { return window.inputState().kind == kind; }); };
     const auto drawn = [&] { return window.drawing().scene != nullptr; };
     bool ok = waitUntil(drawn) && waitFor(Kind::Command);
-    // A new wall from the room's corner, two points clicked, the third on
-    // its way.
+    // Closer to the room; then a new wall from its corner, two points
+    // clicked, the third on its way to a snap at the room's far corner.
+    for (const char* line : {"ZOOM", "W", "0,-12", "62,42"})
+        type(window, QString::fromLatin1(line));
+    ok = ok && waitUntil([&] { return window.commandLine()->transcript().count("Command: ") >= 2; });
+    ok = ok && waitFor(Kind::Command);
     type(window, QStringLiteral("MLINE"));
     ok = ok && waitFor(Kind::Point);
     click(canvas, 35, 22);
     ok = ok && waitFor(Kind::Drag);
-    click(canvas, 35, 32);
+    click(canvas, 50, 22);
     ok = ok && waitUntil([&] { return window.commandLine()->transcript().endsWith("[Undo]:"); });
-    mouse(canvas, QEvent::MouseMove, 48, 36);
+    mouse(canvas, QEvent::MouseMove, 35.6, 10.4);
     ok = ok && waitUntil([&] { return window.commandLine()->transcript().endsWith("[Undo]:"); });
     QCoreApplication::processEvents(QEventLoop::AllEvents, 200);
     if (!ok || !window.grab().save(QString::fromLocal8Bit(argv[2]))) {

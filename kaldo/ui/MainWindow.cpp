@@ -16,8 +16,10 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QProgressDialog>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QTimer>
 #include <QToolButton>
 
 namespace kaldo::ui {
@@ -250,19 +252,32 @@ QString MainWindow::savePath(bool askAlways)
     return QFileDialog::getSaveFileName(this, tr("Save Drawing As"), start, kDxfFilter);
 }
 
-void MainWindow::saveThen(const QString& path, std::function<void()> next)
+void MainWindow::saveThen(const QString& path, std::function<void()> next, const QString& busyText)
 {
     if (input_.kind != Editor::InputRequest::Kind::Command)
         runner_.push(InputEvent::cancel());
-    runner_.postAtCommandPrompt([this, path, next = std::move(next)] {
+    // A progress window shows when the work takes longer than half a
+    // second; it has no Cancel, as reading and writing cannot stop halfway.
+    const int run = ++busyRuns_;
+    QTimer::singleShot(500, this, [this, run, busyText] {
+        if (finishedRuns_ >= run || busy_)
+            return;
+        busy_ = new QProgressDialog(busyText, QString(), 0, 0, this);
+        busy_->setWindowModality(Qt::WindowModal);
+        busy_->setMinimumDuration(0);
+        busy_->show();
+    });
+    runner_.postAtCommandPrompt([this, run, path, next = std::move(next)] {
         Session& session = runner_.session();
-        if (!path.isEmpty()) {
+        if (!path.isEmpty())
             saveDrawingReporting(session, path.toStdWString());
-            if (session.modified())
-                return;
-        }
-        if (next)
+        if (next && (path.isEmpty() || !session.modified()))
             next();
+        QMetaObject::invokeMethod(this, [this, run] {
+            finishedRuns_ = run;
+            if (busy_ && finishedRuns_ == busyRuns_)
+                busy_->deleteLater();
+        });
     });
 }
 
@@ -270,7 +285,7 @@ void MainWindow::save(bool askAlways)
 {
     const QString path = savePath(askAlways);
     if (!path.isEmpty())
-        saveThen(path, {});
+        saveThen(path, {}, tr("Saving %1...").arg(QFileInfo(path).fileName()));
 }
 
 void MainWindow::chooseAndOpen()
@@ -289,7 +304,8 @@ void MainWindow::openFile(const QString& path)
     const QString saveTo = first == SaveFirst::Yes ? savePath(false) : QString();
     if (first == SaveFirst::Yes && saveTo.isEmpty())
         return;
-    saveThen(saveTo, [this, path] { openDrawingReporting(runner_.session(), path.toStdWString()); });
+    saveThen(saveTo, [this, path] { openDrawingReporting(runner_.session(), path.toStdWString()); },
+             tr("Opening %1...").arg(QFileInfo(path).fileName()));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -314,7 +330,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
         runner_.stop();
         return;
     }
-    saveThen(saveTo, [this] { runner_.stop(); });
+    saveThen(saveTo, [this] { runner_.stop(); }, tr("Saving %1...").arg(QFileInfo(saveTo).fileName()));
 }
 
 }  // namespace kaldo::ui

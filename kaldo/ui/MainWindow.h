@@ -9,6 +9,8 @@
 #include "kaldo/ui/CommandRunner.h"
 
 #include <QMainWindow>
+#include <QPointer>
+#include <QProgressDialog>
 
 #include <functional>
 #include <optional>
@@ -62,9 +64,10 @@ private:
     // (empty when none was chosen).
     QString savePath(bool askAlways);
     // Cancels what runs and, at the command prompt, saves into path when
-    // it is not empty; then runs next (on the command thread) when the
-    // drawing was saved or nothing was to be saved.
-    void saveThen(const QString& path, std::function<void()> next);
+    // it is not empty; then runs next (on the command thread) unless the
+    // drawing still holds unsaved changes after a save. busyText names the
+    // work in the progress window.
+    void saveThen(const QString& path, std::function<void()> next, const QString& busyText);
     void save(bool askAlways);
     void chooseAndOpen();
 
@@ -78,6 +81,9 @@ private:
     InputState input_;
     PublishedDrawing drawing_;
     QStringList recent_;
+    QPointer<QProgressDialog> busy_;
+    int busyRuns_ = 0;
+    int finishedRuns_ = 0;
     bool closing_ = false;
     bool loopEnded_ = false;
 };

@@ -87,7 +87,7 @@ TEST(BoxIndex, FindsWhatAPlainSearchFinds)
         std::sort(found.begin(), found.end());
         EXPECT_EQ(found, expected) << q;
     }
-    BoxIndex empty({});
+    const BoxIndex empty(std::vector<Box>{});
     int visits = 0;
     empty.query({0, 0, 1, 1}, [&](std::uint32_t) { ++visits; });
     EXPECT_EQ(visits, 0);

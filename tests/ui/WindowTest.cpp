@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
+#include <QToolButton>
 
 #include <cmath>
 
@@ -156,6 +157,15 @@ TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
     QTest::keyClicks(input, "1,2 ");
     ASSERT_TRUE(waitForPrompt("Specify next point or [Undo]: ", Kind::Point));
     EXPECT_TRUE(transcript().endsWith("Specify first point: 1,2\nSpecify next point or [Undo]: "));
+    // The prompt's keywords are buttons that answer with their word.
+    QToolButton* undo = nullptr;
+    for (QToolButton* button : window().commandLine()->findChildren<QToolButton*>())
+        if (button->text() == "Undo")
+            undo = button;
+    ASSERT_NE(undo, nullptr);
+    const QString before = transcript();
+    undo->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().startsWith(before + "Undo\n"); }, 5000));
     press(Qt::Key_Escape);
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
 }
@@ -214,6 +224,16 @@ TEST_F(Window, UnsavedChangesAreAskedForOnClose)
     const std::string path = dir() + "/kept.dxf";
     ASSERT_TRUE(saveAs(path));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().modified; }, 5000));
+    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, 5000));
+
+    // Opening a drawing asks too; No drops the new line.
+    const unsigned serial = window().drawing().serial;
+    answerMessageBoxSoon(QMessageBox::No);
+    window().openFile(QString::fromStdString(path));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, 5000));
+    EXPECT_FALSE(window().drawing().modified);
+    EXPECT_TRUE(transcript().contains("Opened"));
     ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
     ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, 5000));
 
