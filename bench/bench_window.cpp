@@ -43,11 +43,18 @@ public:
         kaldo::ui::InputState state;
         state.kind = kaldo::Editor::InputRequest::Kind::Drag;
         canvas_.setInputState(state);
-        const QPointF cursor(700, 450);
-        QMouseEvent move(QEvent::MouseMove, cursor, cursor, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(&canvas_, &move);
+        moveCursor();
     }
 
+    // The cursor moves a pixel (the snap search runs), then a frame is
+    // painted.
+    void moveCursor()
+    {
+        cursor_.rx() += step_;
+        step_ = -step_;
+        QMouseEvent move(QEvent::MouseMove, cursor_, cursor_, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&canvas_, &move);
+    }
     void paint() { canvas_.render(&target_); }
     Canvas& canvas() { return canvas_; }
     const QImage& target() const { return target_; }
@@ -56,6 +63,8 @@ private:
     std::unique_ptr<KxDbDatabase> db_;
     Canvas canvas_;
     QImage target_;
+    QPointF cursor_{700, 450};
+    double step_ = 1;
 };
 
 void BM_RubberBandFrame(benchmark::State& state)
@@ -63,6 +72,7 @@ void BM_RubberBandFrame(benchmark::State& state)
     DragFrame frame;
     frame.paint();
     for (auto _ : state) {
+        frame.moveCursor();
         frame.paint();
         benchmark::DoNotOptimize(frame.target().constBits());
     }

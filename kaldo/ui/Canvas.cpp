@@ -90,6 +90,7 @@ void Canvas::setPlacement(const ViewPlacement& placement)
     placement_.widthPixels = width();
     placement_.heightPixels = height();
     pictureValid_ = false;
+    aim();
     update();
 }
 
@@ -97,6 +98,7 @@ void Canvas::place(const ViewPlacement& placement)
 {
     placement_ = placement;
     pictureValid_ = false;
+    aim();
     update();
     emit placementChanged(placement_);
 }
@@ -107,6 +109,7 @@ void Canvas::showDrawing(const PublishedDrawing& drawing)
     if (drawing.scene != drawing_.scene)
         pictureValid_ = false;
     drawing_ = drawing;
+    aim();
     if (another) {
         fittedOnce_ = true;
         zoomExtents();
@@ -129,6 +132,7 @@ void Canvas::showHighlight(std::shared_ptr<const view::Scene> scene)
 void Canvas::setInputState(const InputState& state)
 {
     input_ = state;
+    aim();
     update();
 }
 
@@ -216,9 +220,7 @@ void Canvas::paintOverlays(QPainter& painter)
         view::paintScene(painter, *dragScene_, frameOf(placement_), kBackground, 0, height());
     if (!cursor_)
         return;
-    std::optional<Snap> snap;
-    const view::Point2 point = pointAt(*cursor_, &snap);
-    const QPointF at = pixelAt(placement_, point);
+    const QPointF at = pixelAt(placement_, aim_);
     if (input_.kind == Kind::Point && input_.hasBase) {
         painter.setPen(QPen(kCursor, 1, Qt::DashLine));
         painter.drawLine(pixelAt(placement_, input_.base), at);
@@ -231,8 +233,14 @@ void Canvas::paintOverlays(QPainter& painter)
         const double half = input_.pickbox;
         painter.drawRect(QRectF(cursor_->x() - half, cursor_->y() - half, 2 * half, 2 * half));
     }
-    if (snap)
-        drawSnapMarker(painter, at, snap->kind);
+    if (aimSnap_)
+        drawSnapMarker(painter, at, aimSnap_->kind);
+}
+
+void Canvas::aim()
+{
+    if (cursor_)
+        aim_ = pointAt(*cursor_, &aimSnap_);
 }
 
 void Canvas::resizeEvent(QResizeEvent*)
@@ -269,9 +277,10 @@ void Canvas::mouseMoveEvent(QMouseEvent* event)
         panFrom_ = event->position();
         place(panned(placement_, delta));
     }
+    aim();
     emit cursorAt(worldAt(placement_, event->position()));
     if (input_.kind == Kind::Drag)
-        emit cursorMoved(pointAt(event->position()));
+        emit cursorMoved(aim_);
     update();
 }
 
@@ -294,6 +303,7 @@ void Canvas::wheelEvent(QWheelEvent* event)
 void Canvas::leaveEvent(QEvent*)
 {
     cursor_.reset();
+    aimSnap_.reset();
     update();
 }
 

@@ -64,6 +64,9 @@ private:
     const QImage& drawingPicture();
     bool wantsPoint() const;
     void paintOverlays(QPainter& painter);
+    // Works out where the cursor aims (snapped, constrained) after it or
+    // what it aims at changed.
+    void aim();
 
     ViewPlacement placement_;
     PublishedDrawing drawing_;
@@ -76,6 +79,8 @@ private:
     bool snapsOn_ = true;
     bool orthoOn_ = false;
     std::optional<QPointF> cursor_;
+    view::Point2 aim_;
+    std::optional<Snap> aimSnap_;
     std::optional<QPointF> panFrom_;
 };
 

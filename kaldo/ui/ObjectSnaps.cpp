@@ -123,23 +123,31 @@ SnapGeometry::SnapGeometry(const view::Scene& scene)
 
 std::optional<Snap> SnapGeometry::find(const Point2& cursor, double aperture, const Point2* base) const
 {
-    std::vector<std::uint32_t> near;
+    // The items that pass within the aperture, nearest first; crossings are
+    // looked for among the nearest few only, so that a dense, zoomed-out
+    // view costs no more than a sparse one.
+    constexpr std::size_t kCrossingCandidates = 48;
+    std::vector<std::pair<double, std::uint32_t>> near;
     m_index.query({cursor.x - aperture, cursor.y - aperture, cursor.x + aperture, cursor.y + aperture},
-                  [&](std::uint32_t item) { near.push_back(item); });
+                  [&](std::uint32_t item) {
+                      const double d = distance(cursor, nearestPoint(item, cursor));
+                      if (d <= aperture)
+                          near.emplace_back(d, item);
+                  });
+    std::sort(near.begin(), near.end());
     Best best(cursor, aperture);
-    Best nearest(cursor, aperture);
     for (std::size_t i = 0; i < near.size(); ++i) {
-        if (near[i] >= m_segments.size()) {
-            const view::Arc& arc = m_arcs[near[i] - m_segments.size()];
+        const std::uint32_t item = near[i].second;
+        if (item >= m_segments.size()) {
+            const view::Arc& arc = m_arcs[item - m_segments.size()];
             if (!fullCircle(arc)) {
                 best.offer(arcPoint(arc, arc.start), SnapKind::Endpoint);
                 best.offer(arcPoint(arc, arc.start + arc.sweep), SnapKind::Endpoint);
                 best.offer(arcPoint(arc, arc.start + arc.sweep / 2), SnapKind::Midpoint);
             }
-            nearest.offer(nearestOnArc(arc, cursor), SnapKind::Nearest);
             continue;
         }
-        const Segment& s = m_segments[near[i]];
+        const Segment& s = m_segments[item];
         best.offer(s.a, SnapKind::Endpoint);
         best.offer(s.b, SnapKind::Endpoint);
         best.offer(along(s.a, s.b, 0.5), SnapKind::Midpoint);
@@ -148,16 +156,27 @@ std::optional<Snap> SnapGeometry::find(const Point2& cursor, double aperture, co
             if (t >= 0 && t <= 1)
                 best.offer(along(s.a, s.b, t), SnapKind::Perpendicular);
         }
-        nearest.offer(along(s.a, s.b, std::clamp(footParameter(s.a, s.b, cursor), 0.0, 1.0)), SnapKind::Nearest);
-        for (std::size_t j = i + 1; j < near.size(); ++j) {
-            if (near[j] >= m_segments.size())
+        for (std::size_t j = i + 1; j < std::min(near.size(), kCrossingCandidates); ++j) {
+            if (near[j].second >= m_segments.size())
                 continue;
-            const Segment& other = m_segments[near[j]];
+            const Segment& other = m_segments[near[j].second];
             if (const auto point = crossing(s.a, s.b, other.a, other.b))
                 best.offer(*point, SnapKind::Intersection);
         }
     }
-    return best.snap() ? best.snap() : nearest.snap();
+    if (best.snap())
+        return best.snap();
+    if (near.empty())
+        return std::nullopt;
+    return Snap{nearestPoint(near.front().second, cursor), SnapKind::Nearest};
+}
+
+Point2 SnapGeometry::nearestPoint(std::uint32_t item, const Point2& p) const
+{
+    if (item >= m_segments.size())
+        return nearestOnArc(m_arcs[item - m_segments.size()], p);
+    const Segment& s = m_segments[item];
+    return along(s.a, s.b, std::clamp(footParameter(s.a, s.b, p), 0.0, 1.0));
 }
 
 }  // namespace kaldo::ui

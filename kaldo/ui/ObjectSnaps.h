@@ -28,10 +28,14 @@ public:
     // Of the ends, middles, crossings of two segments and (with a base
     // point) feet of perpendiculars within aperture of cursor, the one
     // nearest to it; else the nearest point of a segment or arc within
-    // aperture; else nothing.
+    // aperture; else nothing. Crossings are sought among the segments
+    // nearest to the cursor.
     std::optional<Snap> find(const view::Point2& cursor, double aperture, const view::Point2* base) const;
 
 private:
+    // The point of a segment or arc (an item of the index) nearest to p.
+    view::Point2 nearestPoint(std::uint32_t item, const view::Point2& p) const;
+
     struct Segment {
         view::Point2 a, b;
     };
