@@ -5,8 +5,11 @@
 #include "kaldo/ed/Coordinates.h"
 #include "kaldo/view/DrawingRenderer.h"
 #include "kxdb.h"
+#include "kxstring.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
 
 namespace kaldo::ui {
 
@@ -93,7 +96,15 @@ void CommandRunner::publishIfChanged()
     if (!redraw && modified == published_.modified && path == published_.path)
         return;
     if (redraw) {
-        auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db));
+        std::set<std::string> undrawn;
+        auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db, &undrawn));
+        // Said once for each drawing that becomes the working drawing.
+        if (!undrawn.empty() && (!published_.valid || published_.serial != session_.drawingSerial())) {
+            std::wstring kinds;
+            for (const std::string& kind : undrawn)
+                kinds += (kinds.empty() ? L"" : L", ") + kxutFromMultiByte(kind);
+            session_.editor().write(L"\nNot drawn in the window: " + kinds + L".\n");
+        }
         published_.snaps = std::make_shared<const SnapGeometry>(*scene);
         published_.scene = std::move(scene);
     }
