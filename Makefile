@@ -3,7 +3,7 @@ PRESET ?= default
 BUILD_DIR := build/$(PRESET)
 STAGE := $(BUILD_DIR)/stage
 
-.PHONY: all deps build test run asan fuzz fuzz-build bench clean
+.PHONY: all deps build test run screenshots asan fuzz fuzz-build bench clean
 
 all: build
 
@@ -22,11 +22,19 @@ test: build fuzz-build
 
 
 # The example session draws two crossing roads and a walled room with a door,
-# opens the crossing and cuts the door, then saves and draws the result.
+# opens the crossing and cuts the door, then saves and draws the result. With
+# a display, the window then opens on the drawing.
 run: build
 	$(STAGE)/bin/kaldo --script examples/first-session.scr \
 	    --save $(BUILD_DIR)/first-session.dxf --export $(BUILD_DIR)/first-session.png --background dark
 	@echo "Saved $(BUILD_DIR)/first-session.dxf and its picture $(BUILD_DIR)/first-session.png"
+	@if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then $(STAGE)/bin/kaldo $(BUILD_DIR)/first-session.dxf; fi
+
+# Pictures of the window for the README, taken on a virtual display.
+screenshots: build
+	$(STAGE)/bin/kaldo --script examples/first-session.scr --save $(BUILD_DIR)/first-session.dxf >/dev/null
+	xvfb-run -a -s "-screen 0 1400x1000x24" $(STAGE)/bin/window_screenshot \
+	    $(BUILD_DIR)/first-session.dxf docs/window.png
 
 asan:
 	$(MAKE) test PRESET=asan

@@ -3,6 +3,7 @@
 // 2000 px image in one band and in two (two threads), and the whole export
 // to a PNG file. Painting and export are timed by the clock on the wall, as
 // they use more than one thread.
+#include "ZigzagMultilines.h"
 #include "kaldo/view/DrawingRenderer.h"
 #include "kaldo/view/PictureExport.h"
 #include "kaldo/view/PngExport.h"
@@ -17,46 +18,11 @@
 namespace {
 
 constexpr int kMultilines = 100000;
-constexpr int kColumns = 320;
 constexpr kaldo::view::PictureOptions kPicture{2000, kaldo::view::Background::White};
 
-KxDbObjectId addFourElementStyle(KxDbDatabase& db)
-{
-    auto* style = new KxDbMlineStyle;
-    style->setName(L"FOUR");
-    int index = 0;
-    const double offsets[] = {0.6, 0.2, -0.2, -0.6};
-    for (int i = 0; i < 4; ++i) {
-        KxCmColor color;
-        color.setColorIndex(i + 1);
-        style->addElement(index, offsets[i], color, db.byLayerLinetype());
-    }
-    style->setStartSquareCap(true);
-    style->setEndSquareCap(true);
-    KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-    KxDbObjectId id;
-    dict->setAt(L"FOUR", style, id);
-    style->close();
-    return id;
-}
-
-// Multilines in a grid of cells, each a zigzag of ten vertices.
 std::unique_ptr<KxDbDatabase> buildDrawing()
 {
-    auto db = std::make_unique<KxDbDatabase>();
-    const KxDbObjectId style = addFourElementStyle(*db);
-    for (int m = 0; m < kMultilines; ++m) {
-        const double x0 = (m % kColumns) * 100.0;
-        const double y0 = (m / kColumns) * 40.0;
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(db.get());
-        mline->setStyle(style);
-        for (int v = 0; v < 10; ++v)
-            mline->appendSeg({x0 + v * 9.0, y0 + (v % 2) * 12.0 + m % 7, 0.0});
-        db->addToCurrentSpace(mline);
-        mline->close();
-    }
-    return db;
+    return buildZigzagMultilines(kMultilines);
 }
 
 void BM_RenderDrawingToScene(benchmark::State& state)

@@ -1,12 +1,14 @@
 // The kaldo executable: parses the command line, checks the files it names,
-// starts a session and runs its command loop on a script. Exit codes: see
-// kaldo/app/Options.h.
+// starts a session and runs its command loop: on a script, or - without one
+// and with a display - in the window, where commands run on a command
+// thread of their own. Exit codes: see kaldo/app/Options.h.
 #include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Options.h"
 #include "kaldo/app/Session.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
+#include "kaldo/ui/WindowSession.h"
 #include "kaldo/view/PictureExport.h"
 #include "kxstring.h"
 
@@ -106,10 +108,11 @@ int main(int argc, char** argv)
         return kaldo::kExitOk;
     }
 
+    const bool window = !options.script && kaldo::ui::haveDisplay();
     std::unique_ptr<std::istream> scriptFile;
-    if (!options.script) {
-        std::cerr << "kaldo: the drawing window arrives in a later version; reading commands from standard input.\n";
-    } else if (*options.script != "-") {
+    if (!options.script && !window) {
+        std::cerr << "kaldo: no display for the window; reading commands from standard input.\n";
+    } else if (options.script && *options.script != "-") {
         scriptFile = std::make_unique<std::ifstream>(*options.script);
         if (!*scriptFile)
             return fail("cannot read the script '" + options.script->string() + "'.", kaldo::kExitBadFile);
@@ -147,7 +150,12 @@ int main(int argc, char** argv)
             std::cerr << "kaldo: " << kxutToMultiByte(message) << "\n";
     }
 
-    kaldo::runCommandLoop(*session);
+    if (window) {
+        kaldo::ui::runWindowSession(*session);
+        session->editor().setTranscript(printTranscript);
+    } else {
+        kaldo::runCommandLoop(*session);
+    }
     session->editor().write(L"\n");
     if (options.saveAs) {
         try {

@@ -25,6 +25,7 @@ Session::Session(SessionPaths paths) : paths_(std::move(paths))
     }
     crashRecorder_ = std::make_unique<CrashRecorder>(paths_.crashDir);
     database_ = std::make_unique<KxDbDatabase>();
+    savedChanges_ = database_->changeCount();
     editor_ = std::make_unique<Editor>();
     runtime_ = std::make_unique<Runtime>();
     runtime_->setModulesDir(paths_.modulesDir);
@@ -64,6 +65,8 @@ void Session::openDrawing(const std::filesystem::path& path)
     drawingPath_ = std::filesystem::absolute(path);
     host().database = database_.get();
     host().drawingDir = drawingPath_.parent_path();
+    savedChanges_ = database_->changeCount();
+    ++drawingSerial_;
 }
 
 void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnly)
@@ -71,6 +74,12 @@ void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnl
     dxf::saveDxfFile(path, *database_, keptSections_, replaceReadOnly);
     drawingPath_ = std::filesystem::absolute(path);
     host().drawingDir = drawingPath_.parent_path();
+    savedChanges_ = database_->changeCount();
+}
+
+bool Session::modified() const
+{
+    return database_->changeCount() != savedChanges_;
 }
 
 bool Session::loadModule(const std::filesystem::path& module, std::wstring& message)

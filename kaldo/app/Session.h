@@ -7,6 +7,7 @@
 #include "kaldo/app/SessionPaths.h"
 #include "kaldo/dxf/DxfFile.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -50,6 +51,11 @@ public:
     // its file. Throws dxf::DxfError; the old file then stays as it was. A
     // read-only file is replaced only when replaceReadOnly is true.
     void saveDrawing(const std::filesystem::path& path, bool replaceReadOnly = false);
+    // Whether the working drawing changed since it was opened, saved or
+    // started.
+    bool modified() const;
+    // Grows by one each time another drawing becomes the working drawing.
+    unsigned drawingSerial() const { return drawingSerial_; }
     Editor& editor() { return *editor_; }
     Runtime& runtime() { return *runtime_; }
     Profile& profile() { return *profile_; }
@@ -75,6 +81,8 @@ private:
     std::unique_ptr<KxDbDatabase> database_;
     dxf::KeptSections keptSections_;
     std::filesystem::path drawingPath_;
+    std::uint64_t savedChanges_ = 0;
+    unsigned drawingSerial_ = 0;
     std::unique_ptr<Editor> editor_;
     std::unique_ptr<Runtime> runtime_;
     bool quit_ = false;

@@ -101,6 +101,7 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     obj->m_id = kaldo::registerObject(obj);
     m_objects.emplace_back(obj);
     m_handles.emplace(handle, obj->m_id);
+    noteChange();
     return Kald::eOk;
 }
 
@@ -215,6 +216,7 @@ Kald::ErrorStatus KxDbDatabase::setCmlstyleID(KxDbObjectId style, const wchar_t*
         return Kald::eInvalidInput;
     m_cmlstyle = style;
     m_cmlstyleSpelling = spelling ? spelling : L"";
+    noteChange();
     return Kald::eOk;
 }
 
@@ -234,6 +236,7 @@ Kald::ErrorStatus KxDbDatabase::setCmljust(int justification)
     if (justification < 0 || justification > 2)
         return Kald::eOutOfRange;
     m_cmljust = justification;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -242,6 +245,7 @@ Kald::ErrorStatus KxDbDatabase::setCmlscale(double scale)
     if (!std::isfinite(scale))
         return Kald::eInvalidInput;
     m_cmlscale = scale;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -250,6 +254,7 @@ Kald::ErrorStatus KxDbDatabase::setMeasurement(int value)
     if (value != 0 && value != 1)
         return Kald::eOutOfRange;
     m_measurement = value;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -258,6 +263,7 @@ Kald::ErrorStatus KxDbDatabase::setDimzin(int value)
     if (value < 0 || value > 15)
         return Kald::eOutOfRange;
     m_dimzin = value;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -272,6 +278,7 @@ Kald::ErrorStatus KxDbDatabase::setUcs(const KxGePoint3d& origin, const KxGeVect
     m_ucsOrigin = origin;
     m_ucsXDir = x;
     m_ucsYDir = y;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -280,6 +287,7 @@ Kald::ErrorStatus KxDbDatabase::setClayer(KxDbObjectId layer)
     if (!KxDbLayerTableRecord::cast(peekObject(layer)))
         return Kald::eInvalidInput;
     m_clayer = layer;
+    noteChange();
     return Kald::eOk;
 }
 
@@ -288,12 +296,14 @@ Kald::ErrorStatus KxDbDatabase::setCeltype(KxDbObjectId linetype)
     if (!KxDbLinetypeTableRecord::cast(peekObject(linetype)))
         return Kald::eInvalidInput;
     m_celtype = linetype;
+    noteChange();
     return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbDatabase::setCecolor(const KxCmColor& color)
 {
     m_cecolor = color;
+    noteChange();
     return Kald::eOk;
 }
 

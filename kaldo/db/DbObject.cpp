@@ -59,6 +59,7 @@ Kald::ErrorStatus KxDbObject::upgradeOpen()
         return Kald::eWasOpenForRead;
     m_readers = 0;
     m_openForWrite = true;
+    m_database->noteChange();
     return Kald::eOk;
 }
 
@@ -91,6 +92,8 @@ Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int m
         if (found->m_readers > 0)
             return Kald::eWasOpenForRead;
         found->m_openForWrite = true;
+        if (found->m_database)
+            found->m_database->noteChange();
     } else {
         ++found->m_readers;
     }

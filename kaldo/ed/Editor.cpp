@@ -36,6 +36,12 @@ void Editor::dragged(const KxDbEntity* entity)
         dragListener_(entity);
 }
 
+void Editor::announce(const InputRequest& request) const
+{
+    if (requestListener_)
+        requestListener_(request);
+}
+
 AngleConvention Editor::angleConvention() const
 {
     return {variables_.shortValue(L"AUNITS", 0), variables_.realValue(L"ANGBASE", 0.0),
@@ -104,9 +110,10 @@ void Editor::complain(std::wstring_view message, std::wstring_view prompt)
     write(prompt);
 }
 
-int Editor::ask(std::wstring_view prompt, int flags, const Handler& handle)
+int Editor::ask(std::wstring_view prompt, int flags, const InputRequest& request, const Handler& handle)
 {
     write(prompt);
+    announce(request);
     while (true) {
         const InputEvent event = next();
         const bool empty = event.kind == InputEvent::Kind::Enter
@@ -140,8 +147,10 @@ bool Editor::takeKeyword(const Controls& controls, std::wstring_view text)
 int Editor::getCommand(std::wstring& word)
 {
     controls_ = {};
+    redraw(nullptr, 4);
     const std::wstring_view prompt = L"\nCommand: ";
     write(prompt);
+    announce({});
     while (true) {
         const InputEvent event = next();
         switch (event.kind) {
@@ -167,7 +176,10 @@ int Editor::getPoint(const KxGePoint3d* base, std::wstring_view prompt, KxGePoin
 {
     const Controls controls = takeControls();
     const KxGePoint3d reference = base ? *base : variables_.pointValue(L"LASTPOINT");
-    return ask(prompt, controls.flags, [&](const InputEvent& event) -> std::optional<int> {
+    InputRequest request{InputRequest::Kind::Point, base != nullptr, {}, false, controls.keywords};
+    if (base)
+        request.base = ucsToWorld(currentUcs(), *base);
+    return ask(prompt, controls.flags, request, [&](const InputEvent& event) -> std::optional<int> {
         if (event.kind == InputEvent::Kind::Point) {
             out = worldToUcs(currentUcs(), event.point);
         } else if (const auto point = parsePointInput(event.text, reference, angleConvention())) {
@@ -186,7 +198,8 @@ int Editor::getPoint(const KxGePoint3d* base, std::wstring_view prompt, KxGePoin
 int Editor::getReal(std::wstring_view prompt, double& out)
 {
     const Controls controls = takeControls();
-    return ask(prompt, controls.flags, [&](const InputEvent& event) -> std::optional<int> {
+    const InputRequest request{InputRequest::Kind::Other, false, {}, false, controls.keywords};
+    return ask(prompt, controls.flags, request, [&](const InputEvent& event) -> std::optional<int> {
         const std::wstring_view text = trimmed(event.text);
         const auto value = event.kind == InputEvent::Kind::Text ? parseReal(text) : std::nullopt;
         if (!value) {
@@ -209,7 +222,8 @@ int Editor::getString(bool acceptBlanks, std::wstring_view prompt, std::wstring&
 {
     const Controls controls = takeControls();
     out.clear();
-    return ask(prompt, controls.flags, [&](const InputEvent& event) -> std::optional<int> {
+    const InputRequest request{InputRequest::Kind::Text, false, {}, acceptBlanks, controls.keywords};
+    return ask(prompt, controls.flags, request, [&](const InputEvent& event) -> std::optional<int> {
         if (event.kind != InputEvent::Kind::Text) {
             complain(L"Requires a text.", prompt);
             return std::nullopt;
@@ -231,7 +245,8 @@ int Editor::getKeyword(std::wstring_view prompt, std::wstring& out)
 {
     const Controls controls = takeControls();
     out.clear();
-    return ask(prompt, controls.flags, [&](const InputEvent& event) -> std::optional<int> {
+    const InputRequest request{InputRequest::Kind::Other, false, {}, false, controls.keywords};
+    return ask(prompt, controls.flags, request, [&](const InputEvent& event) -> std::optional<int> {
         if (event.kind == InputEvent::Kind::Text && takeKeyword(controls, trimmed(event.text))) {
             out = *keyword_;
             return RTNORM;
@@ -255,8 +270,10 @@ Editor::DragInput Editor::readDragInput(std::wstring_view prompt, bool writeProm
     const std::vector<Keyword> list = parseKeywordList(keywords);
     const Ucs ucs = currentUcs();
     const KxGePoint3d reference = worldBase ? worldToUcs(ucs, *worldBase) : variables_.pointValue(L"LASTPOINT");
-    if (writePrompt)
+    if (writePrompt) {
         write(prompt);
+        announce({InputRequest::Kind::Drag, worldBase != nullptr, worldBase ? *worldBase : KxGePoint3d(), false, list});
+    }
     while (true) {
         const InputEvent event = next(true);
         switch (event.kind) {

@@ -36,6 +36,17 @@ public:
     // Called while a drag moves its entity with the cursor.
     using DragListener = std::function<void(const KxDbEntity* entity)>;
 
+    // What the command line waits for: told to a window each time a prompt
+    // starts waiting (not for every cursor motion of a drag).
+    struct InputRequest {
+        enum class Kind { Command, Point, Entity, Drag, Text, Other } kind = Kind::Command;
+        bool hasBase = false;
+        KxGePoint3d base;           // world; the anchor of a rubber band
+        bool acceptBlanks = false;  // a blank is part of the answer
+        std::vector<Keyword> keywords;
+    };
+    using RequestListener = std::function<void(const InputRequest&)>;
+
     // getCommand's result when the input has ended (the session then ends).
     static constexpr int kEndOfInput = -5999;
 
@@ -53,8 +64,10 @@ public:
     void redraw(const std::int64_t* entity, int mode);
     void setDragListener(DragListener listener) { dragListener_ = std::move(listener); }
     void dragged(const KxDbEntity* entity);
+    void setRequestListener(RequestListener listener) { requestListener_ = std::move(listener); }
 
     // Prompts "\nCommand: " and reads a command word: RTNORM with the word;
+    // entities still highlighted are unhighlighted first (kxedRedraw mode 4);
     // RTNONE for Enter (the caller repeats the last command); RTCAN; or
     // kEndOfInput. A blank ends the command word: the rest of the line feeds
     // the next input ("SETVAR CMLSCALE" answers the variable prompt).
@@ -71,7 +84,8 @@ public:
     int getKeyword(std::wstring_view prompt, std::wstring& out);
     // The last keyword read (see kxedGetInput); RTERROR when there is none.
     int lastKeyword(std::wstring& out) const;
-    // See kxedEntSel; point is in user coordinates.
+    // See kxedEntSel; point is in user coordinates. The picked entity is
+    // highlighted (kxedRedraw mode 3) until the next command prompt.
     int entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& point);
 
     // One response for a drag: a point (world), a keyword or an end. The
@@ -107,7 +121,8 @@ private:
     InputEvent next(bool wantMotion = false);
     // The loop every get function shares: prompt, read, and answer cancel,
     // end of input and Enter (RSG_NONULL asks again); the rest goes to handle.
-    int ask(std::wstring_view prompt, int flags, const Handler& handle);
+    int ask(std::wstring_view prompt, int flags, const InputRequest& request, const Handler& handle);
+    void announce(const InputRequest& request) const;
     // Writes message on a line of its own, then prompt again.
     void complain(std::wstring_view message, std::wstring_view prompt);
     // Whether text selects a keyword of controls (or RSG_OTHER takes any
@@ -120,6 +135,7 @@ private:
     bool atLineStart_ = true;
     RedrawListener redrawListener_;
     DragListener dragListener_;
+    RequestListener requestListener_;
     Controls controls_;
     std::optional<std::wstring> keyword_;
     SystemVariables variables_;

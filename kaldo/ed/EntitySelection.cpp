@@ -46,7 +46,8 @@ int Editor::entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& 
     const Controls controls = takeControls();
     name[0] = name[1] = 0;
     const KxGePoint3d reference = variables_.pointValue(L"LASTPOINT");
-    const int result = ask(prompt, controls.flags & ~RSG_NONULL, [&](const InputEvent& event) -> std::optional<int> {
+    const InputRequest request{InputRequest::Kind::Entity, false, {}, false, controls.keywords};
+    const int result = ask(prompt, controls.flags & ~RSG_NONULL, request, [&](const InputEvent& event) -> std::optional<int> {
         if (event.kind == InputEvent::Kind::Point) {
             point = worldToUcs(currentUcs(), event.point);
         } else if (const auto typed = parsePointInput(event.text, reference, angleConvention())) {
@@ -65,6 +66,7 @@ int Editor::entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& 
         }
         kxdbGetEntityName(name, id);
         variables_.set(L"ERRNO", short(0));
+        redraw(name, 3);
         return RTNORM;
     });
     if (result == RTNONE) {

@@ -28,15 +28,32 @@ InputEvent ScriptInputSource::next()
     return InputEvent::typed(kxutFromMultiByte(line));
 }
 
+bool QueuedInputSource::add(std::variant<InputEvent, Work> item)
+{
+    std::lock_guard lock(mutex_);
+    if (closed_)
+        return false;
+    const auto isMotion = [](const std::variant<InputEvent, Work>& queued) {
+        const auto* event = std::get_if<InputEvent>(&queued);
+        return event && event->kind == InputEvent::Kind::Motion;
+    };
+    if (isMotion(item) && !items_.empty() && isMotion(items_.back()))
+        items_.back() = std::move(item);
+    else
+        items_.push_back(std::move(item));
+    return true;
+}
+
 void QueuedInputSource::push(InputEvent event)
 {
-    {
-        std::lock_guard lock(mutex_);
-        if (closed_)
-            return;
-        events_.push_back(std::move(event));
-    }
-    ready_.notify_one();
+    if (add(std::move(event)))
+        ready_.notify_one();
+}
+
+void QueuedInputSource::post(Work work)
+{
+    if (add(std::move(work)))
+        ready_.notify_one();
 }
 
 void QueuedInputSource::close()
@@ -51,12 +68,23 @@ void QueuedInputSource::close()
 InputEvent QueuedInputSource::next()
 {
     std::unique_lock lock(mutex_);
-    ready_.wait(lock, [this] { return closed_ || !events_.empty(); });
-    if (events_.empty())
-        return InputEvent::end();
-    InputEvent event = std::move(events_.front());
-    events_.pop_front();
-    return event;
+    while (true) {
+        if (items_.empty() && !closed_ && idle_) {
+            lock.unlock();
+            idle_();
+            lock.lock();
+        }
+        ready_.wait(lock, [this] { return closed_ || !items_.empty(); });
+        if (items_.empty())
+            return InputEvent::end();
+        std::variant<InputEvent, Work> item = std::move(items_.front());
+        items_.pop_front();
+        if (auto* event = std::get_if<InputEvent>(&item))
+            return std::move(*event);
+        lock.unlock();
+        std::get<Work>(item)();
+        lock.lock();
+    }
 }
 
 }  // namespace kaldo

@@ -7,10 +7,12 @@
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <istream>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <variant>
 
 namespace kaldo {
 
@@ -73,22 +75,38 @@ private:
 
 // A thread-safe queue: any thread pushes, the command thread blocks in
 // next() until an event arrives. After close() the queue hands out what it
-// still holds, then EndOfInput; later pushes are dropped.
+// still holds, then EndOfInput; later pushes are dropped. Cursor motion
+// pushed right after motion that nobody has read yet replaces it, so that a
+// busy reader never falls behind the mouse.
+//
+// Work posted to the queue runs on the reading thread, inside next(), in
+// order with the events around it: this is how a window reaches the
+// drawing, which only the command thread may touch. Idle work runs on the
+// reading thread each time next() finds nothing to hand out, before it
+// waits (a window publishes what it draws there).
 class QueuedInputSource : public InputSource {
 public:
+    using Work = std::function<void()>;
+
     explicit QueuedInputSource(bool script = false) : script_(script) {}
 
     void push(InputEvent event);
+    void post(Work work);
     void close();
+    // Set before the reading thread starts.
+    void setIdleWork(Work work) { idle_ = std::move(work); }
 
     InputEvent next() override;
     bool isScript() const override { return script_; }
 
 private:
+    bool add(std::variant<InputEvent, Work> item);
+
     const bool script_;
     std::mutex mutex_;
     std::condition_variable ready_;
-    std::deque<InputEvent> events_;
+    std::deque<std::variant<InputEvent, Work>> items_;
+    Work idle_;
     bool closed_ = false;
 };
 

@@ -40,6 +40,12 @@ PictureFrame::PictureFrame(const Bounds& bounds, int size)
     m_originY = m_height / 2.0 + centreY * m_scale;
 }
 
+PictureFrame::PictureFrame(int width, int height, double scale, const Point2& centre)
+    : m_width(width), m_height(height), m_scale(scale), m_originX(width / 2.0 - centre.x * scale),
+      m_originY(height / 2.0 + centre.y * scale)
+{
+}
+
 std::uint32_t backgroundRgb(Background background)
 {
     return background == Background::White ? kWhite : kDark;

@@ -22,6 +22,9 @@ struct PictureOptions {
 class PictureFrame {
 public:
     PictureFrame(const Bounds& bounds, int size);
+    // A window's view: width by height pixels showing centre (drawing
+    // units) in the middle at scale pixels per unit.
+    PictureFrame(int width, int height, double scale, const Point2& centre);
 
     int width() const { return m_width; }
     int height() const { return m_height; }

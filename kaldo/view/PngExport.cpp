@@ -29,18 +29,14 @@ struct Band {
     int bottom = 0;
 };
 
-// Paints the part of a scene that falls in one band of rows. The painter
-// is clipped to the band but draws on the whole image, so that lines are
-// not cut at its edges and every pixel comes out as it would from one
-// painter; only items reaching the band are drawn, in scene order.
+// Paints the part of a scene that falls in one band of rows; only items
+// reaching the band are drawn, in scene order.
 class ScenePainter {
 public:
-    ScenePainter(const Scene& scene, const PictureOptions& options, QImage& image, const PictureFrame& frame,
+    ScenePainter(const Scene& scene, Background background, QPainter& painter, const PictureFrame& frame,
                  const Band& band)
-        : m_scene(scene), m_options(options), m_frame(frame), m_band(band), m_painter(&image)
+        : m_scene(scene), m_background(background), m_frame(frame), m_band(band), m_painter(painter)
     {
-        m_painter.setRenderHint(QPainter::Antialiasing);
-        m_painter.setClipRect(QRect(0, band.top, image.width(), band.bottom - band.top));
         m_lines.reserve(kBatch);
     }
 
@@ -111,14 +107,14 @@ private:
                 path.closeSubpath();
             }
             if (!path.isEmpty())
-                m_painter.fillPath(path, qtColor(pictureRgb(color, m_options.background)));
+                m_painter.fillPath(path, qtColor(pictureRgb(color, m_background)));
         }
     }
 
     // Sets the painter's pen; true when it has a dash pattern.
     bool choosePen(const Pen& pen)
     {
-        QPen qpen(qtColor(pictureRgb(pen.color, m_options.background)));
+        QPen qpen(qtColor(pictureRgb(pen.color, m_background)));
         qpen.setWidthF(1.0);
         qpen.setCosmetic(true);
         qpen.setJoinStyle(Qt::RoundJoin);
@@ -180,15 +176,44 @@ private:
     }
 
     const Scene& m_scene;
-    const PictureOptions& m_options;
+    Background m_background;
     const PictureFrame& m_frame;
     Band m_band;
-    QPainter m_painter;
+    QPainter& m_painter;
     std::vector<QLineF> m_lines;
     std::vector<QPointF> m_points;
 };
 
 }  // namespace
+
+void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background, int top,
+                int bottom)
+{
+    ScenePainter(scene, background, painter, frame, {top, bottom}).paint();
+}
+
+void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands)
+{
+    bands = std::clamp(bands, 1, std::max(1, image.height()));
+    // Each band's painter works on its own image over the same pixels. It
+    // is clipped to the band but draws on the whole image, so that lines
+    // are not cut at band edges and every pixel comes out as it would from
+    // one painter.
+    uchar* const pixels = image.bits();
+    const auto paintBand = [&](int b) {
+        QImage view(pixels, image.width(), image.height(), image.bytesPerLine(), image.format());
+        const int top = image.height() * b / bands;
+        const int bottom = image.height() * (b + 1) / bands;
+        QPainter painter(&view);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setClipRect(QRect(0, top, image.width(), bottom - top));
+        paintScene(painter, scene, frame, background, top, bottom);
+    };
+    std::vector<std::jthread> others;
+    for (int b = 1; b < bands; ++b)
+        others.emplace_back(paintBand, b);
+    paintBand(0);
+}
 
 QImage paintScene(const Scene& scene, const PictureOptions& options, int bands)
 {
@@ -196,20 +221,7 @@ QImage paintScene(const Scene& scene, const PictureOptions& options, int bands)
     QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
     adviseHugePages(image.constBits(), std::size_t(image.sizeInBytes()));
     image.fill(qtColor(backgroundRgb(options.background)));
-    bands = std::clamp(bands, 1, std::max(1, image.height()));
-    // Each band's painter works on its own image over the same pixels.
-    uchar* const pixels = image.bits();
-    const auto paintBand = [&](int b) {
-        QImage view(pixels, image.width(), image.height(), image.bytesPerLine(), image.format());
-        const Band band{image.height() * b / bands, image.height() * (b + 1) / bands};
-        ScenePainter(scene, options, view, frame, band).paint();
-    };
-    {
-        std::vector<std::jthread> others;
-        for (int b = 1; b < bands; ++b)
-            others.emplace_back(paintBand, b);
-        paintBand(0);
-    }
+    paintScene(image, scene, frame, options.background, bands);
     return image;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPainter>
 
 #include <filesystem>
 #include <string>
@@ -11,8 +12,17 @@
 
 namespace kaldo::view {
 
-// The picture is painted in horizontal bands of rows, each by a thread of
-// its own; it comes out the same for any number of bands.
+// Paints a scene with painter as frame places it, drawing only the items
+// that reach rows top to bottom - 1. The painter's clip, pen and brush are
+// the caller's; pens and brushes are changed.
+void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background, int top,
+                int bottom);
+
+// Paints a scene over image, as frame places it, in horizontal bands of
+// rows, each by a thread of its own; it comes out the same for any number
+// of bands.
+void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands);
+// A picture of the whole scene, painted in bands.
 QImage paintScene(const Scene& scene, const PictureOptions& options, int bands);
 // As many bands as the machine has processors, up to four.
 QImage paintScene(const Scene& scene, const PictureOptions& options);

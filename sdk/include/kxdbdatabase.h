@@ -112,12 +112,19 @@ public:
     // when the id is not of this database).
     KxDbObject* peekObject(KxDbObjectId id) const;
 
+    // Counts the changes: objects added or opened for write, header values
+    // set. A window compares counts to know when to draw again and whether
+    // the drawing holds unsaved changes.
+    std::uint64_t changeCount() const { return m_changes; }
+    void noteChange() { ++m_changes; }
+
 private:
     void buildDefaultDrawing();
 
     std::vector<std::unique_ptr<KxDbObject>> m_objects;
     std::unordered_map<std::uint64_t, KxDbObjectId> m_handles;
     std::uint64_t m_handseed = 1;
+    std::uint64_t m_changes = 0;
     KxDbObjectId m_namedObjects, m_blockTable, m_layerTable, m_linetypeTable;
     KxDbObjectId m_modelSpace, m_paperSpace, m_currentSpace;
     KxDbObjectId m_byLayer, m_byBlock, m_continuous;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -71,6 +72,46 @@ TEST(InputSource, QueueWakesAWaitingReader)
     queue.push(InputEvent::cancel());
     reader.join();
     EXPECT_EQ(received.kind, Kind::Cancel);
+}
+
+// Work runs on the reading thread in order with the events; idle work runs
+// each time the queue runs dry; unread motion is replaced by newer motion.
+TEST(InputSource, QueueRunsPostedWorkOnTheReaderAndKeepsOnlyTheLatestMotion)
+{
+    QueuedInputSource queue;
+    std::vector<std::string> log;
+    std::thread::id workThread;
+    // The queue runs dry once, after the last motion: idle work then ends it.
+    queue.setIdleWork([&] {
+        log.push_back("idle");
+        queue.close();
+    });
+    queue.push(InputEvent::typed(L"first"));
+    queue.post([&] {
+        log.push_back("work");
+        workThread = std::this_thread::get_id();
+    });
+    queue.push(InputEvent::moved({1, 0, 0}));
+    queue.push(InputEvent::moved({2, 0, 0}));
+    queue.push(InputEvent::picked({3, 0, 0}));
+    queue.push(InputEvent::moved({4, 0, 0}));
+    std::vector<InputEvent> events;
+    std::thread::id readerThread;
+    std::thread reader([&] {
+        readerThread = std::this_thread::get_id();
+        for (int i = 0; i < 5; ++i)
+            events.push_back(queue.next());
+    });
+    reader.join();
+    ASSERT_EQ(events.size(), 5u);
+    EXPECT_EQ(events[0].text, L"first");
+    EXPECT_EQ(events[1].kind, Kind::Motion);
+    EXPECT_EQ(events[1].point.x, 2);
+    EXPECT_EQ(events[2].kind, Kind::Point);
+    EXPECT_EQ(events[3].point.x, 4);
+    EXPECT_EQ(events[4].kind, Kind::EndOfInput);
+    EXPECT_EQ(workThread, readerThread);
+    EXPECT_EQ(log, (std::vector<std::string>{"work", "idle"}));
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ void registerHostCommands(KxEdCommandStack& stack)
         {L"APPLOAD", apploadCommand},     {L"APPUNLOAD", appunloadCommand},
         {L"COMMANDS", commandsCommand},   {L"LIST", listCommand},
         {L"OPEN", openCommand},           {L"SAVE", saveCommand},
-        {L"SAVEAS", saveasCommand},
+        {L"SAVEAS", saveasCommand},       {L"ZOOM", zoomCommand},
     };
     for (const Entry& entry : commands)
         stack.addCommand(kHostCommandGroup, entry.name, entry.name, KxCmdFlags::kModal, entry.handler);

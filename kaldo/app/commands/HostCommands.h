@@ -3,6 +3,7 @@
 // with local names equal to their global names.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 class KxEdCommandStack;
@@ -25,6 +26,14 @@ void listCommand();
 void openCommand();
 void saveCommand();
 void saveasCommand();
+void zoomCommand();
+
+class Session;
+
+// What OPEN and SAVE do once they have a file name, messages included; the
+// window's menus call them too.
+void openDrawingReporting(Session& session, const std::filesystem::path& path);
+void saveDrawingReporting(Session& session, const std::filesystem::path& path);
 
 // Asks for the new value of the system variable name, as SETVAR does once it
 // has the name; Enter keeps the value.

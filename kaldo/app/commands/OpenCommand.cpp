@@ -10,6 +10,16 @@
 
 namespace kaldo {
 
+void openDrawingReporting(Session& session, const std::filesystem::path& path)
+{
+    try {
+        session.openDrawing(path);
+        kxutPrintf(L"\nOpened \"%ls\".\n", path.wstring().c_str());
+    } catch (const dxf::DxfError& e) {
+        kxutPrintf(L"\nCannot open the drawing: %ls\n", kxutFromMultiByte(e.what()).c_str());
+    }
+}
+
 void openCommand()
 {
     Session* session = Session::current();
@@ -20,12 +30,7 @@ void openCommand()
     if (getFileNameByFileDialog(L"Select File", current.c_str(), L"dxf", 0, name) != 0 || !name)
         return;
     const std::unique_ptr<wchar_t, decltype(&kald_free)> owned(name, kald_free);
-    try {
-        session->openDrawing(name);
-        kxutPrintf(L"\nOpened \"%ls\".\n", name);
-    } catch (const dxf::DxfError& e) {
-        kxutPrintf(L"\nCannot open the drawing: %ls\n", kxutFromMultiByte(e.what()).c_str());
-    }
+    openDrawingReporting(*session, name);
 }
 
 }  // namespace kaldo

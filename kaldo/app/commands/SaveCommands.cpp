@@ -26,7 +26,9 @@ bool userAllowsReplacing(const std::filesystem::path& path)
     return kxedGetKword(prompt.c_str(), answer) == RTNORM && std::wstring_view(answer) == L"Yes";
 }
 
-void saveAs(Session& session, const std::filesystem::path& path)
+}  // namespace
+
+void saveDrawingReporting(Session& session, const std::filesystem::path& path)
 {
     const bool readOnly = dxf::isReadOnlyFile(path);
     if (readOnly && !userAllowsReplacing(path)) {
@@ -41,6 +43,8 @@ void saveAs(Session& session, const std::filesystem::path& path)
     }
 }
 
+namespace {
+
 void askAndSave(Session& session)
 {
     wchar_t* name = nullptr;
@@ -48,7 +52,7 @@ void askAndSave(Session& session)
     if (getFileNameByFileDialog(L"Save Drawing As", current.c_str(), L"dxf", 1, name) != 0 || !name)
         return;
     const std::unique_ptr<wchar_t, decltype(&kald_free)> owned(name, kald_free);
-    saveAs(session, name);
+    saveDrawingReporting(session, name);
 }
 
 }  // namespace
@@ -61,7 +65,7 @@ void saveCommand()
     if (session->drawingPath().empty())
         askAndSave(*session);
     else
-        saveAs(*session, session->drawingPath());
+        saveDrawingReporting(*session, session->drawingPath());
 }
 
 void saveasCommand()

@@ -1,0 +1,87 @@
+// The drawing canvas: shows the published drawing as the renderer draws
+// it, with the drag's entity, highlights, the crosshair, the pick box and
+// the snap marker on top. The drawing is painted once per view into a
+// picture that each frame only copies, so that a frame costs the same for
+// any drawing. Middle drag pans, the wheel zooms at the cursor, a middle
+// double click shows everything. Left clicks give points: snapped and
+// ortho-constrained where the command line asks for a point.
+#pragma once
+
+#include "kaldo/ed/View.h"
+#include "kaldo/ui/CommandRunner.h"
+
+#include <QImage>
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+
+namespace kaldo::ui {
+
+class Canvas : public QWidget {
+    Q_OBJECT
+public:
+    explicit Canvas(QWidget* parent = nullptr);
+
+    const ViewPlacement& placement() const { return placement_; }
+    // A view placed by a command: taken as it is, not announced back.
+    void setPlacement(const ViewPlacement& placement);
+    void showDrawing(const PublishedDrawing& drawing);
+    void showDragScene(std::shared_ptr<const view::Scene> scene);
+    void showHighlight(std::shared_ptr<const view::Scene> scene);
+    void setInputState(const InputState& state);
+    // Shows the whole drawing.
+    void zoomExtents();
+
+    bool snapsOn() const { return snapsOn_; }
+    void setSnapsOn(bool on) { snapsOn_ = on; }
+    bool orthoOn() const { return orthoOn_; }
+    void setOrthoOn(bool on) { orthoOn_ = on; }
+
+    // The drawing point a click at pixel gives under the current request
+    // (snapped, constrained), and the snap that placed it if any.
+    view::Point2 pointAt(const QPointF& pixel, std::optional<Snap>* snap = nullptr) const;
+
+signals:
+    void pointPicked(const kaldo::view::Point2& world);
+    void cursorMoved(const kaldo::view::Point2& world);
+    // The cursor's drawing point as it is, for the status bar.
+    void cursorAt(const kaldo::view::Point2& world);
+    void placementChanged(const kaldo::ViewPlacement& placement);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    void place(const ViewPlacement& placement);
+    const QImage& drawingPicture();
+    bool wantsPoint() const;
+    void paintOverlays(QPainter& painter);
+    // Works out where the cursor aims (snapped, constrained) after it or
+    // what it aims at changed.
+    void aim();
+
+    ViewPlacement placement_;
+    PublishedDrawing drawing_;
+    bool fittedOnce_ = false;
+    QImage picture_;
+    bool pictureValid_ = false;
+    std::shared_ptr<const view::Scene> dragScene_;
+    std::shared_ptr<const view::Scene> highlight_;
+    InputState input_;
+    bool snapsOn_ = true;
+    bool orthoOn_ = false;
+    std::optional<QPointF> cursor_;
+    view::Point2 aim_;
+    std::optional<Snap> aimSnap_;
+    std::optional<QPointF> panFrom_;
+};
+
+}  // namespace kaldo::ui

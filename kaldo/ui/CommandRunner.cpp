@@ -1,0 +1,190 @@
+#include "kaldo/ui/CommandRunner.h"
+
+#include "kaldo/app/CommandLoop.h"
+#include "kaldo/app/Session.h"
+#include "kaldo/ed/Coordinates.h"
+#include "kaldo/view/DrawingRenderer.h"
+#include "kxdb.h"
+#include "kxstring.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+namespace kaldo::ui {
+
+CommandRunner::CommandRunner(Session& session) : session_(session)
+{
+    Editor& editor = session_.editor();
+    editor.setInputSource(&queue_);
+    editor.setTranscript([this](std::wstring_view text) {
+        emitOnGui([this, text = QString::fromWCharArray(text.data(), qsizetype(text.size()))] {
+            emit transcriptWritten(text);
+        });
+    });
+    editor.setRequestListener([this](const Editor::InputRequest& request) { requested(request); });
+    editor.setRedrawListener([this](const std::int64_t* entity, int mode) { redrawn(entity, mode); });
+    editor.setDragListener([this](const KxDbEntity* entity) { dragged(entity); });
+    editor.view().setListener([this](const ViewPlacement& placement) {
+        emitOnGui([this, placement] { emit viewPlaced(placement); });
+    });
+    queue_.setIdleWork([this] { publishIfChanged(); });
+}
+
+CommandRunner::~CommandRunner()
+{
+    queue_.close();
+    if (thread_.joinable())
+        thread_.join();
+    Editor& editor = session_.editor();
+    editor.setInputSource(nullptr);
+    editor.setTranscript({});
+    editor.setRequestListener({});
+    editor.setRedrawListener({});
+    editor.setDragListener({});
+    editor.view().setListener({});
+}
+
+void CommandRunner::start()
+{
+    thread_ = std::thread([this] { run(); });
+}
+
+void CommandRunner::stop()
+{
+    queue_.push(InputEvent::cancel());
+    queue_.close();
+}
+
+void CommandRunner::postAtCommandPrompt(Work work)
+{
+    {
+        std::lock_guard lock(promptWorkMutex_);
+        promptWork_.push_back(std::move(work));
+    }
+    queue_.post([this] {
+        if (atPrompt_)
+            runPromptWork();
+    });
+}
+
+void CommandRunner::run()
+{
+    runCommandLoop(session_);
+    ended_ = true;
+    emitOnGui([this] { emit loopEnded(); });
+}
+
+void CommandRunner::runPromptWork()
+{
+    std::vector<Work> work;
+    {
+        std::lock_guard lock(promptWorkMutex_);
+        work.swap(promptWork_);
+    }
+    for (const Work& w : work)
+        w();
+}
+
+void CommandRunner::publishIfChanged()
+{
+    const KxDbDatabase& db = session_.database();
+    const bool redraw = !published_.valid || published_.database != &db
+        || published_.serial != session_.drawingSerial() || published_.changes != db.changeCount();
+    const bool modified = session_.modified();
+    const std::wstring path = session_.drawingPath().wstring();
+    if (!redraw && modified == published_.modified && path == published_.path)
+        return;
+    if (redraw) {
+        std::set<std::string> undrawn;
+        auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db, &undrawn));
+        // Said once for each drawing that becomes the working drawing.
+        if (!undrawn.empty() && (!published_.valid || published_.serial != session_.drawingSerial())) {
+            std::wstring kinds;
+            for (const std::string& kind : undrawn)
+                kinds += (kinds.empty() ? L"" : L", ") + kxutFromMultiByte(kind);
+            session_.editor().write(L"\nNot drawn in the window: " + kinds + L".\n");
+        }
+        published_.snaps = std::make_shared<const SnapGeometry>(*scene);
+        published_.scene = std::move(scene);
+    }
+    published_ = {&db, session_.drawingSerial(), db.changeCount(), modified, path, published_.scene,
+                  published_.snaps, true};
+    PublishedDrawing drawing{published_.scene, published_.snaps, session_.drawingSerial(), modified,
+                             QString::fromStdWString(path)};
+    emitOnGui([this, drawing] { emit drawingPublished(drawing); });
+}
+
+void CommandRunner::requested(const Editor::InputRequest& request)
+{
+    using Kind = Editor::InputRequest::Kind;
+    atPrompt_ = request.kind == Kind::Command;
+    if (request.kind != Kind::Drag && dragShown_) {
+        dragShown_ = false;
+        emitOnGui([this] { emit dragSceneChanged(nullptr); });
+    }
+    const SystemVariables& variables = session_.editor().variables();
+    const Ucs ucs = currentUcs();
+    InputState state;
+    state.kind = request.kind;
+    state.hasBase = request.hasBase;
+    state.base = {request.base.x, request.base.y};
+    state.acceptBlanks = request.acceptBlanks;
+    for (const Keyword& keyword : request.keywords)
+        if (!keyword.local.empty())
+            state.keywords << QString::fromStdWString(keyword.local);
+    state.pickbox = variables.shortValue(L"PICKBOX", 3);
+    state.linearUnits = variables.shortValue(L"LUNITS", 2);
+    state.linearPrecision = variables.shortValue(L"LUPREC", 4);
+    state.ucsX = ucs.xAxis;
+    state.ucsY = ucs.yAxis;
+    state.ucsOrigin = ucs.origin;
+    emitOnGui([this, state] { emit inputRequested(state); });
+    if (atPrompt_)
+        runPromptWork();
+}
+
+void CommandRunner::redrawn(const std::int64_t* entity, int mode)
+{
+    constexpr int kHighlight = 3;
+    constexpr int kUnhighlight = 4;
+    if (mode != kHighlight && mode != kUnhighlight)
+        return;
+    KxDbObjectId id;
+    if (entity && kxdbGetObjectId(id, entity) != Kald::eOk)
+        return;
+    const auto found = std::find(highlighted_.begin(), highlighted_.end(), id);
+    if (mode == kHighlight && entity && found == highlighted_.end())
+        highlighted_.push_back(id);
+    else if (mode == kUnhighlight && !entity && !highlighted_.empty())
+        highlighted_.clear();
+    else if (mode == kUnhighlight && found != highlighted_.end())
+        highlighted_.erase(found);
+    else
+        return;
+    publishHighlight();
+}
+
+void CommandRunner::publishHighlight()
+{
+    std::vector<KxDbObjectPtr<KxDbEntity>> opened;
+    std::vector<const KxDbEntity*> entities;
+    for (const KxDbObjectId& id : highlighted_) {
+        opened.emplace_back(id, KxDb::kForRead);
+        if (opened.back())
+            entities.push_back(opened.back().get());
+    }
+    auto scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), entities));
+    emitOnGui([this, scene] { emit highlightChanged(scene); });
+}
+
+void CommandRunner::dragged(const KxDbEntity* entity)
+{
+    if (!entity)
+        return;
+    dragShown_ = true;
+    auto scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), {entity}));
+    emitOnGui([this, scene] { emit dragSceneChanged(scene); });
+}
+
+}  // namespace kaldo::ui

@@ -1,0 +1,336 @@
+#include "kaldo/ui/MainWindow.h"
+
+#include "kaldo/app/Session.h"
+#include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/ed/Units.h"
+#include "kaldo/ui/Canvas.h"
+#include "kaldo/ui/CommandLine.h"
+#include "kaldo/util/Profile.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QTimer>
+#include <QToolButton>
+
+namespace kaldo::ui {
+
+namespace {
+
+constexpr const wchar_t* kSection = L"Window";
+constexpr int kRecentFiles = 6;
+const QString kDxfFilter = QStringLiteral("Drawings (*.dxf);;All files (*)");
+
+QByteArray toBytes(const std::optional<std::vector<unsigned char>>& value)
+{
+    return value ? QByteArray(reinterpret_cast<const char*>(value->data()), qsizetype(value->size())) : QByteArray();
+}
+
+std::vector<unsigned char> fromBytes(const QByteArray& bytes)
+{
+    return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace
+
+MainWindow::MainWindow(CommandRunner& runner)
+    : runner_(runner), canvas_(new Canvas(this)), commandLine_(new CommandLine(this)), coordinates_(new QLabel(this))
+{
+    setObjectName("kaldoWindow");
+    setCentralWidget(canvas_);
+    auto* dock = new QDockWidget(tr("Command Line"), this);
+    dock->setObjectName("commandLineDock");
+    dock->setWidget(commandLine_);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    canvas_->setFocusProxy(commandLine_->input());
+    coordinates_->setMinimumWidth(260);
+    statusBar()->addWidget(coordinates_);
+    buildActions(dock);
+    connectRunner();
+    restoreSettings();
+    setWindowTitle(QStringLiteral("Drawing1.dxf[*] - kaldo"));
+    resize(1200, 800);
+    runner_.start();
+    commandLine_->input()->setFocus();
+}
+
+void MainWindow::buildActions(QDockWidget* dock)
+{
+    const auto command = [this](QMenu* menu, QToolBar* bar, const QString& text, const QString& name,
+                                const QKeySequence& key = {}) {
+        QAction* action = menu->addAction(text, this, [this, name] { runCommand(name); });
+        action->setShortcut(key);
+        if (bar)
+            bar->addAction(action);
+        return action;
+    };
+    QToolBar* bar = addToolBar(tr("Commands"));
+    bar->setObjectName("commandsToolBar");
+
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    QAction* open = file->addAction(tr("&Open..."), this, &MainWindow::chooseAndOpen);
+    open->setShortcut(QKeySequence::Open);
+    bar->addAction(open);
+    QAction* saveAction = file->addAction(tr("&Save"), this, [this] { save(false); });
+    saveAction->setShortcut(QKeySequence::Save);
+    bar->addAction(saveAction);
+    file->addAction(tr("Save &As..."), this, [this] { save(true); })->setShortcut(QKeySequence::SaveAs);
+    recentMenu_ = file->addMenu(tr("Recent Files"));
+    file->addSeparator();
+    file->addAction(tr("E&xit"), this, &QWidget::close)->setShortcut(QKeySequence::Quit);
+    bar->addSeparator();
+
+    QMenu* draw = menuBar()->addMenu(tr("&Draw"));
+    command(draw, bar, tr("&Line"), QStringLiteral("_LINE"));
+    command(draw, bar, tr("&Multiline"), QStringLiteral("_MLINE"));
+    QMenu* modify = menuBar()->addMenu(tr("&Modify"));
+    command(modify, bar, tr("&Erase"), QStringLiteral("_ERASE"));
+    command(modify, bar, tr("Multiline &Edit..."), QStringLiteral("_MLEDIT"));
+    command(modify, nullptr, tr("Multiline Edit (&Command Line)"), QStringLiteral("_-MLEDIT"));
+    command(modify, nullptr, tr("L&ist"), QStringLiteral("_LIST"));
+    QMenu* format = menuBar()->addMenu(tr("F&ormat"));
+    command(format, bar, tr("Multiline &Style..."), QStringLiteral("_MLSTYLE"));
+    command(format, nullptr, tr("&UCS"), QStringLiteral("_UCS"));
+    bar->addSeparator();
+
+    QMenu* view = menuBar()->addMenu(tr("&View"));
+    view->addAction(tr("Zoom &Extents"), canvas_, &Canvas::zoomExtents);
+    command(view, nullptr, tr("Zoom &Window"), QStringLiteral("_ZOOM _W"));
+    command(view, nullptr, tr("Zoom &Previous"), QStringLiteral("_ZOOM _P"));
+    bar->addAction(view->actions().front());
+    view->addAction(dock->toggleViewAction());
+    // F2: the command line floats as a larger text window, and docks again.
+    QAction* textWindow = view->addAction(tr("&Text Window"), this, [dock] {
+        dock->setFloating(!dock->isFloating());
+        if (dock->isFloating())
+            dock->resize(900, 500);
+    });
+    textWindow->setShortcut(Qt::Key_F2);
+    textWindow->setShortcutContext(Qt::ApplicationShortcut);
+    view->addSeparator();
+    snapAction_ = view->addAction(tr("Object &Snap"));
+    snapAction_->setCheckable(true);
+    snapAction_->setChecked(canvas_->snapsOn());
+    snapAction_->setShortcut(Qt::Key_F3);
+    connect(snapAction_, &QAction::toggled, canvas_, &Canvas::setSnapsOn);
+    orthoAction_ = view->addAction(tr("&Ortho"));
+    orthoAction_->setCheckable(true);
+    orthoAction_->setShortcut(Qt::Key_F8);
+    connect(orthoAction_, &QAction::toggled, canvas_, &Canvas::setOrthoOn);
+    for (QAction* action : {snapAction_, orthoAction_}) {
+        action->setShortcutContext(Qt::ApplicationShortcut);
+        auto* toggle = new QToolButton(this);
+        toggle->setDefaultAction(action);
+        toggle->setText(action == snapAction_ ? QStringLiteral("SNAP") : QStringLiteral("ORTHO"));
+        toggle->setAutoRaise(true);
+        statusBar()->addPermanentWidget(toggle);
+    }
+}
+
+void MainWindow::connectRunner()
+{
+    connect(&runner_, &CommandRunner::transcriptWritten, commandLine_, &CommandLine::appendTranscript);
+    connect(&runner_, &CommandRunner::drawingPublished, this, &MainWindow::drawingPublished);
+    connect(&runner_, &CommandRunner::dragSceneChanged, canvas_, &Canvas::showDragScene);
+    connect(&runner_, &CommandRunner::highlightChanged, canvas_, &Canvas::showHighlight);
+    connect(&runner_, &CommandRunner::viewPlaced, canvas_, &Canvas::setPlacement);
+    connect(&runner_, &CommandRunner::inputRequested, this, [this](const InputState& state) {
+        input_ = state;
+        canvas_->setInputState(state);
+        commandLine_->setPrompt(state.keywords, state.acceptBlanks);
+    });
+    connect(&runner_, &CommandRunner::loopEnded, this, [this] {
+        loopEnded_ = true;
+        close();
+    });
+    connect(canvas_, &Canvas::placementChanged, this, [this](const ViewPlacement& placement) {
+        runner_.post([this, placement] { runner_.session().editor().view().place(placement); });
+    });
+    connect(canvas_, &Canvas::pointPicked, this,
+            [this](const view::Point2& p) { runner_.push(InputEvent::picked({p.x, p.y, 0})); });
+    connect(canvas_, &Canvas::cursorMoved, this,
+            [this](const view::Point2& p) { runner_.push(InputEvent::moved({p.x, p.y, 0})); });
+    connect(canvas_, &Canvas::cursorAt, this, &MainWindow::showCoordinates);
+    connect(commandLine_, &CommandLine::answered, this, [this](const QString& text) {
+        runner_.push(text.isEmpty() ? InputEvent::enter() : InputEvent::typed(text.toStdWString()));
+    });
+    connect(commandLine_, &CommandLine::cancelled, this, [this] { runner_.push(InputEvent::cancel()); });
+}
+
+void MainWindow::restoreSettings()
+{
+    const Profile& profile = runner_.session().profile();
+    restoreGeometry(toBytes(profile.getBinary(kSection, L"Geometry")));
+    restoreState(toBytes(profile.getBinary(kSection, L"DockLayout")));
+    for (int i = 1; i <= kRecentFiles; ++i)
+        if (const auto path = profile.getString(kSection, L"Recent" + std::to_wstring(i)); path && !path->empty())
+            recent_ << QString::fromStdWString(*path);
+    rebuildRecentMenu();
+}
+
+void MainWindow::storeSettings()
+{
+    Profile& profile = runner_.session().profile();
+    profile.setBinary(kSection, L"Geometry", fromBytes(saveGeometry()));
+    profile.setBinary(kSection, L"DockLayout", fromBytes(saveState()));
+    for (int i = 1; i <= kRecentFiles; ++i)
+        profile.setString(kSection, L"Recent" + std::to_wstring(i),
+                          i <= recent_.size() ? recent_[i - 1].toStdWString() : std::wstring());
+}
+
+void MainWindow::drawingPublished(const PublishedDrawing& drawing)
+{
+    if (!drawing.path.isEmpty() && drawing.path != drawing_.path)
+        rememberRecent(drawing.path);
+    drawing_ = drawing;
+    canvas_->showDrawing(drawing);
+    const QString name = drawing.path.isEmpty() ? QStringLiteral("Drawing1.dxf") : QFileInfo(drawing.path).fileName();
+    setWindowTitle(name + QStringLiteral("[*] - kaldo"));
+    setWindowModified(drawing.modified);
+}
+
+void MainWindow::showCoordinates(const view::Point2& world)
+{
+    const double dx = world.x - input_.ucsOrigin.x;
+    const double dy = world.y - input_.ucsOrigin.y;
+    const double x = dx * input_.ucsX.x + dy * input_.ucsX.y;
+    const double y = dx * input_.ucsY.x + dy * input_.ucsY.y;
+    const auto format = [this](double value) {
+        return QString::fromStdWString(formatDistance(value, input_.linearUnits, input_.linearPrecision, 0));
+    };
+    coordinates_->setText(format(x) + QStringLiteral(", ") + format(y));
+}
+
+void MainWindow::rememberRecent(const QString& path)
+{
+    recent_.removeAll(path);
+    recent_.prepend(path);
+    while (recent_.size() > kRecentFiles)
+        recent_.removeLast();
+    rebuildRecentMenu();
+}
+
+void MainWindow::rebuildRecentMenu()
+{
+    recentMenu_->clear();
+    for (const QString& path : recent_)
+        recentMenu_->addAction(QFileInfo(path).fileName(), this, [this, path] { openFile(path); })->setToolTip(path);
+    recentMenu_->setEnabled(!recent_.isEmpty());
+}
+
+void MainWindow::runCommand(const QString& name)
+{
+    if (input_.kind != Editor::InputRequest::Kind::Command)
+        runner_.push(InputEvent::cancel());
+    runner_.push(InputEvent::typed(name.toStdWString()));
+}
+
+MainWindow::SaveFirst MainWindow::askToSave()
+{
+    if (!drawing_.modified)
+        return SaveFirst::No;
+    const QString name = drawing_.path.isEmpty() ? QStringLiteral("Drawing1.dxf") : QFileInfo(drawing_.path).fileName();
+    const auto answer = QMessageBox::question(this, QStringLiteral("kaldo"), tr("Save changes to %1?").arg(name),
+                                              QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    return answer == QMessageBox::Yes ? SaveFirst::Yes : answer == QMessageBox::No ? SaveFirst::No : SaveFirst::Cancel;
+}
+
+QString MainWindow::savePath(bool askAlways)
+{
+    if (!askAlways && !drawing_.path.isEmpty())
+        return drawing_.path;
+    const QString start = drawing_.path.isEmpty() ? QStringLiteral("Drawing1.dxf") : drawing_.path;
+    return QFileDialog::getSaveFileName(this, tr("Save Drawing As"), start, kDxfFilter);
+}
+
+void MainWindow::saveThen(const QString& path, std::function<void()> next, const QString& busyText)
+{
+    if (input_.kind != Editor::InputRequest::Kind::Command)
+        runner_.push(InputEvent::cancel());
+    // A progress window shows when the work takes longer than half a
+    // second; it has no Cancel, as reading and writing cannot stop halfway.
+    const int run = ++busyRuns_;
+    QTimer::singleShot(500, this, [this, run, busyText] {
+        if (finishedRuns_ >= run || busy_)
+            return;
+        busy_ = new QProgressDialog(busyText, QString(), 0, 0, this);
+        busy_->setWindowModality(Qt::WindowModal);
+        busy_->setMinimumDuration(0);
+        busy_->show();
+    });
+    runner_.postAtCommandPrompt([this, run, path, next = std::move(next)] {
+        Session& session = runner_.session();
+        if (!path.isEmpty())
+            saveDrawingReporting(session, path.toStdWString());
+        if (next && (path.isEmpty() || !session.modified()))
+            next();
+        QMetaObject::invokeMethod(this, [this, run] {
+            finishedRuns_ = run;
+            if (busy_ && finishedRuns_ == busyRuns_)
+                busy_->deleteLater();
+        });
+    });
+}
+
+void MainWindow::save(bool askAlways)
+{
+    const QString path = savePath(askAlways);
+    if (!path.isEmpty())
+        saveThen(path, {}, tr("Saving %1...").arg(QFileInfo(path).fileName()));
+}
+
+void MainWindow::chooseAndOpen()
+{
+    const QString start = drawing_.path.isEmpty() ? QString() : QFileInfo(drawing_.path).absolutePath();
+    const QString path = QFileDialog::getOpenFileName(this, tr("Open Drawing"), start, kDxfFilter);
+    if (!path.isEmpty())
+        openFile(path);
+}
+
+void MainWindow::openFile(const QString& path)
+{
+    const SaveFirst first = askToSave();
+    if (first == SaveFirst::Cancel)
+        return;
+    const QString saveTo = first == SaveFirst::Yes ? savePath(false) : QString();
+    if (first == SaveFirst::Yes && saveTo.isEmpty())
+        return;
+    saveThen(saveTo, [this, path] { openDrawingReporting(runner_.session(), path.toStdWString()); },
+             tr("Opening %1...").arg(QFileInfo(path).fileName()));
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (loopEnded_) {
+        storeSettings();
+        event->accept();
+        return;
+    }
+    // The window closes once the command loop has ended (loopEnded).
+    event->ignore();
+    if (closing_)
+        return;
+    const SaveFirst first = askToSave();
+    if (first == SaveFirst::Cancel)
+        return;
+    const QString saveTo = first == SaveFirst::Yes ? savePath(false) : QString();
+    if (first == SaveFirst::Yes && saveTo.isEmpty())
+        return;
+    closing_ = first == SaveFirst::No;
+    if (first == SaveFirst::No) {
+        runner_.stop();
+        return;
+    }
+    saveThen(saveTo, [this] { runner_.stop(); }, tr("Saving %1...").arg(QFileInfo(saveTo).fileName()));
+}
+
+}  // namespace kaldo::ui

@@ -1,0 +1,91 @@
+// The main window of a kaldo session with a display: the canvas in the
+// middle, the command line docked at the bottom, menus and a toolbar for
+// the commands, the cursor's coordinates and the snap and ortho switches
+// in the status bar. The window keeps its geometry, dock layout and recent
+// files in the profile (section "Window"), read when it opens and written
+// when it closes, while no command runs.
+#pragma once
+
+#include "kaldo/ui/CommandRunner.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QProgressDialog>
+
+#include <functional>
+#include <optional>
+
+class QAction;
+class QDockWidget;
+class QLabel;
+class QMenu;
+
+namespace kaldo::ui {
+
+class Canvas;
+class CommandLine;
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    // The runner must not have started; the window starts it.
+    explicit MainWindow(CommandRunner& runner);
+
+    Canvas* canvas() const { return canvas_; }
+    CommandLine* commandLine() const { return commandLine_; }
+    const InputState& inputState() const { return input_; }
+    const PublishedDrawing& drawing() const { return drawing_; }
+    QStringList recentFiles() const { return recent_; }
+
+    // Runs a command as a menu does: whatever runs is cancelled first.
+    void runCommand(const QString& name);
+    // Opens path (after the unsaved-changes question), as File > Open does
+    // once a file is chosen.
+    void openFile(const QString& path);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    enum class SaveFirst { Yes, No, Cancel };
+
+    void buildActions(QDockWidget* dock);
+    void connectRunner();
+    void restoreSettings();
+    void storeSettings();
+    void drawingPublished(const PublishedDrawing& drawing);
+    void showCoordinates(const view::Point2& world);
+    void rememberRecent(const QString& path);
+    void rebuildRecentMenu();
+
+    // The unsaved-changes question; No when nothing is unsaved.
+    SaveFirst askToSave();
+    // The file to save the drawing in: its own, else one chosen in a dialog
+    // (empty when none was chosen).
+    QString savePath(bool askAlways);
+    // Cancels what runs and, at the command prompt, saves into path when
+    // it is not empty; then runs next (on the command thread) unless the
+    // drawing still holds unsaved changes after a save. busyText names the
+    // work in the progress window.
+    void saveThen(const QString& path, std::function<void()> next, const QString& busyText);
+    void save(bool askAlways);
+    void chooseAndOpen();
+
+    CommandRunner& runner_;
+    Canvas* canvas_;
+    CommandLine* commandLine_;
+    QLabel* coordinates_;
+    QAction* snapAction_ = nullptr;
+    QAction* orthoAction_ = nullptr;
+    QMenu* recentMenu_ = nullptr;
+    InputState input_;
+    PublishedDrawing drawing_;
+    QStringList recent_;
+    QPointer<QProgressDialog> busy_;
+    int busyRuns_ = 0;
+    int finishedRuns_ = 0;
+    bool closing_ = false;
+    bool loopEnded_ = false;
+};
+
+}  // namespace kaldo::ui

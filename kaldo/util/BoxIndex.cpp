@@ -1,0 +1,76 @@
+#include "kaldo/util/BoxIndex.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace kaldo {
+
+namespace {
+
+double centreX(const Box& b)
+{
+    return b.minX + (b.maxX - b.minX) / 2;
+}
+
+double centreY(const Box& b)
+{
+    return b.minY + (b.maxY - b.minY) / 2;
+}
+
+// Orders entries (indices into boxes) in slices: sorted by x, cut into
+// about sqrt(n / fanout) slices, each sorted by y, so that runs of fanout
+// consecutive entries lie close together.
+void sortTiles(std::vector<std::uint32_t>& order, const std::vector<Box>& boxes, std::uint32_t fanout)
+{
+    const auto byX = [&](std::uint32_t a, std::uint32_t b) { return centreX(boxes[a]) < centreX(boxes[b]); };
+    const auto byY = [&](std::uint32_t a, std::uint32_t b) { return centreY(boxes[a]) < centreY(boxes[b]); };
+    std::sort(order.begin(), order.end(), byX);
+    const std::size_t nodes = (order.size() + fanout - 1) / fanout;
+    const std::size_t slices = std::max<std::size_t>(1, std::size_t(std::ceil(std::sqrt(double(nodes)))));
+    const std::size_t perSlice = ((nodes + slices - 1) / slices) * fanout;
+    for (std::size_t first = 0; first < order.size(); first += perSlice) {
+        const auto end = order.begin() + std::ptrdiff_t(std::min(order.size(), first + perSlice));
+        std::sort(order.begin() + std::ptrdiff_t(first), end, byY);
+    }
+}
+
+// The boxes around each run of fanout consecutive boxes.
+std::vector<Box> parents(const std::vector<Box>& level, std::uint32_t fanout)
+{
+    std::vector<Box> result;
+    result.reserve((level.size() + fanout - 1) / fanout);
+    for (std::size_t first = 0; first < level.size(); first += fanout) {
+        Box box = level[first];
+        for (std::size_t i = first + 1; i < std::min(level.size(), first + fanout); ++i) {
+            box.minX = std::min(box.minX, level[i].minX);
+            box.minY = std::min(box.minY, level[i].minY);
+            box.maxX = std::max(box.maxX, level[i].maxX);
+            box.maxY = std::max(box.maxY, level[i].maxY);
+        }
+        result.push_back(box);
+    }
+    return result;
+}
+
+}  // namespace
+
+BoxIndex::BoxIndex(const std::vector<Box>& boxes) : m_count(boxes.size())
+{
+    if (boxes.empty())
+        return;
+    m_items.resize(boxes.size());
+    std::iota(m_items.begin(), m_items.end(), 0u);
+    sortTiles(m_items, boxes, kFanout);
+    std::vector<Box> leaves;
+    leaves.reserve(boxes.size());
+    for (const std::uint32_t item : m_items)
+        leaves.push_back(boxes[item]);
+    m_levels.push_back(std::move(leaves));
+    // Each level above groups fanout nodes of the one below, in order, so
+    // the children of node n are nodes n * fanout onwards.
+    while (m_levels.back().size() > kFanout)
+        m_levels.push_back(parents(m_levels.back(), kFanout));
+}
+
+}  // namespace kaldo

@@ -1,0 +1,212 @@
+#include "kaldo/view/RecordShapes.h"
+
+#include <QCoreApplication>
+#include <QFont>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QPainterPath>
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace kaldo::view {
+
+namespace {
+
+// Letters are laid out at this size and then scaled, so that their
+// outlines keep their detail.
+constexpr int kLayoutPixels = 200;
+// Distance between MTEXT lines, in text heights.
+constexpr double kLineSpacing = 5.0 / 3.0;
+constexpr int kEllipseSegments = 96;
+
+double degrees(double value)
+{
+    return value * std::numbers::pi / 180;
+}
+
+// Where lines of text go: anchor point, direction, height, and how the
+// block of lines sits on the anchor (0, 0.5 or 1 of its width to the left;
+// the anchor on the first line's top, the middle, the last baseline or the
+// last line's bottom).
+struct TextPlacement {
+    Point2 anchor;
+    double angle = 0;
+    double height = 1;
+    double widthFactor = 1;
+    double horizontal = 0;
+    enum class Vertical { Baseline, Bottom, Middle, Top } vertical = Vertical::Baseline;
+};
+
+void drawLines(const QStringList& lines, const TextPlacement& place, int pen, Scene& scene)
+{
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(kLayoutPixels);
+    const QFontMetricsF metrics(font);
+    const double cap = metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent();
+    const double scale = place.height / cap;
+    const double spacing = kLineSpacing * cap;
+    const double blockHeight = cap + spacing * double(lines.size() - 1);
+    // Vertical shift of the first baseline above the anchor, in layout units.
+    double firstBaseline = 0;
+    switch (place.vertical) {
+    case TextPlacement::Vertical::Baseline: firstBaseline = spacing * double(lines.size() - 1); break;
+    case TextPlacement::Vertical::Bottom: firstBaseline = spacing * double(lines.size() - 1) + metrics.descent(); break;
+    case TextPlacement::Vertical::Middle: firstBaseline = blockHeight / 2 - cap; break;
+    case TextPlacement::Vertical::Top: firstBaseline = -cap; break;
+    }
+    const double c = std::cos(place.angle), s = std::sin(place.angle);
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        QPainterPath path;
+        const double width = metrics.horizontalAdvance(lines[i]);
+        path.addText(-place.horizontal * width, 0, font, lines[i]);
+        const double up = firstBaseline - spacing * double(i);
+        for (const QPolygonF& outline : path.toSubpathPolygons()) {
+            scene.beginPolyline(pen);
+            for (const QPointF& p : outline) {
+                const double x = p.x() * scale * place.widthFactor;
+                const double y = (up - p.y()) * scale;
+                scene.addPoint({place.anchor.x + x * c - y * s, place.anchor.y + x * s + y * c});
+            }
+            scene.endPolyline(true);
+        }
+    }
+}
+
+bool haveFonts()
+{
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+// The text of MTEXT without its formatting: "\\P" breaks the line, "\\~"
+// is a space, "\\\\", "\\{" and "\\}" stand for themselves, codes with an
+// argument (font, height, colour, ...) run to their ';', other codes and
+// the braces that group formatting are left out.
+QString stripMtextCodes(const QString& text)
+{
+    const QString withArgument = QStringLiteral("ACFfHQTWp");
+    QString plain;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar ch = text[i];
+        if (ch == '{' || ch == '}')
+            continue;
+        if (ch != '\\' || i + 1 == text.size()) {
+            plain += ch;
+            continue;
+        }
+        const QChar code = text[++i];
+        if (code == 'P') {
+            plain += '\n';
+        } else if (code == '~') {
+            plain += ' ';
+        } else if (code == '\\' || code == '{' || code == '}') {
+            plain += code;
+        } else if (withArgument.contains(code)) {
+            const qsizetype end = text.indexOf(';', i);
+            i = end < 0 ? text.size() : end;
+        }
+    }
+    return plain;
+}
+
+}  // namespace
+
+const KxDbFileGroup* findGroup(const std::vector<KxDbFileGroup>& groups, int code)
+{
+    for (const KxDbFileGroup& g : groups)
+        if (g.code == code)
+            return &g;
+    return nullptr;
+}
+
+double groupNumber(const std::vector<KxDbFileGroup>& groups, int code, double fallback)
+{
+    const KxDbFileGroup* g = findGroup(groups, code);
+    if (!g)
+        return fallback;
+    bool ok = false;
+    const double value = QString::fromStdString(g->value).trimmed().toDouble(&ok);
+    return ok && std::isfinite(value) ? value : fallback;
+}
+
+bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    const KxDbFileGroup* value = findGroup(groups, 1);
+    if (!value || !haveFonts())
+        return false;
+    TextPlacement place;
+    place.height = groupNumber(groups, 40, 1);
+    place.angle = degrees(groupNumber(groups, 50, 0));
+    place.widthFactor = groupNumber(groups, 41, 1);
+    const int horizontal = int(groupNumber(groups, 72, 0));
+    const int vertical = int(groupNumber(groups, 73, 0));
+    const bool aligned = horizontal != 0 || vertical != 0;
+    place.anchor = aligned && findGroup(groups, 11) ? Point2{groupNumber(groups, 11, 0), groupNumber(groups, 21, 0)}
+                                                    : Point2{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
+    place.horizontal = horizontal == 1 || horizontal == 4 ? 0.5 : horizontal == 2 ? 1.0 : 0.0;
+    place.vertical = horizontal == 4 ? TextPlacement::Vertical::Middle
+                                     : static_cast<TextPlacement::Vertical>(std::clamp(vertical, 0, 3));
+    drawLines({QString::fromLocal8Bit(value->value.c_str())}, place, pen, scene);
+    return true;
+}
+
+bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    if (!haveFonts())
+        return false;
+    QString text;
+    for (const KxDbFileGroup& g : groups)
+        if (g.code == 3 || g.code == 1)
+            text += QString::fromLocal8Bit(g.value.c_str());
+    TextPlacement place;
+    place.anchor = {groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
+    place.height = groupNumber(groups, 40, 1);
+    place.angle = findGroup(groups, 11) ? std::atan2(groupNumber(groups, 21, 0), groupNumber(groups, 11, 1))
+                                        : degrees(groupNumber(groups, 50, 0));
+    // Attachment 1..9: top, middle, bottom rows of left, centre, right.
+    const int attachment = std::clamp(int(groupNumber(groups, 71, 1)), 1, 9) - 1;
+    place.horizontal = (attachment % 3) / 2.0;
+    constexpr TextPlacement::Vertical rows[] = {TextPlacement::Vertical::Top, TextPlacement::Vertical::Middle,
+                                                TextPlacement::Vertical::Bottom};
+    place.vertical = rows[attachment / 3];
+    drawLines(stripMtextCodes(text).split('\n'), place, pen, scene);
+    return true;
+}
+
+bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene)
+{
+    // Corners in the order 1, 2, 4, 3 go round the outline; a triangle
+    // repeats its third corner as the fourth.
+    scene.beginPolygon();
+    for (const int corner : {0, 1, 3, 2})
+        scene.addPoint({groupNumber(groups, 10 + corner, 0), groupNumber(groups, 20 + corner, 0)});
+    scene.endPolygon(color);
+    return true;
+}
+
+bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    const Point2 centre{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
+    const Point2 major{groupNumber(groups, 11, 1), groupNumber(groups, 21, 0)};
+    const double ratio = groupNumber(groups, 40, 1);
+    const double minorX = -major.y * ratio, minorY = major.x * ratio;
+    const double start = groupNumber(groups, 41, 0);
+    double end = groupNumber(groups, 42, 2 * std::numbers::pi);
+    if (end <= start)
+        end += 2 * std::numbers::pi;
+    const bool full = end - start >= 2 * std::numbers::pi - 1e-12;
+    const int steps = std::max(2, int(std::ceil(kEllipseSegments * (end - start) / (2 * std::numbers::pi))));
+    scene.beginPolyline(pen);
+    for (int i = 0; i <= (full ? steps - 1 : steps); ++i) {
+        const double t = start + (end - start) * i / steps;
+        scene.addPoint({centre.x + major.x * std::cos(t) + minorX * std::sin(t),
+                        centre.y + major.y * std::cos(t) + minorY * std::sin(t)});
+    }
+    scene.endPolyline(full);
+    return true;
+}
+
+}  // namespace kaldo::view

@@ -1,0 +1,133 @@
+#include "WindowFixture.h"
+
+#include "kaldo/ui/ViewGeometry.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+constexpr int kWaitMs = 10000;
+
+QApplication& application()
+{
+    static int argc = 1;
+    static char name[] = "test_ui";
+    static char* argv[] = {name, nullptr};
+    static QApplication app(argc, argv);
+    return app;
+}
+
+}  // namespace
+
+WindowFixture::WindowFixture()
+{
+    application();
+    kaldo::SessionPaths paths;
+    paths.profile = temp_.filePath("kaldo.ini").toStdString();
+    paths.supportDir = KALDO_STAGE_DIR "/share/kaldo/Support";
+    paths.modulesDir = KALDO_STAGE_DIR "/modules";
+    paths.crashDir = temp_.filePath("crash").toStdString();
+    session_ = std::make_unique<kaldo::Session>(paths);
+    for (const std::wstring& failure : session_->loadModulesFolder())
+        ADD_FAILURE() << "module not loaded: " << std::string(failure.begin(), failure.end());
+    runner_ = std::make_unique<kaldo::ui::CommandRunner>(*session_);
+    window_ = std::make_unique<kaldo::ui::MainWindow>(*runner_);
+    window_->resize(1000, 700);
+    window_->show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(window_.get()));
+    EXPECT_TRUE(waitForPrompt("Command: ", Kind::Command));
+}
+
+WindowFixture::~WindowFixture()
+{
+    if (runner_->running()) {
+        EXPECT_TRUE(closeWindow());
+    }
+    window_.reset();
+    runner_.reset();
+    session_.reset();
+}
+
+void WindowFixture::type(const QString& text)
+{
+    QLineEdit* input = window_->commandLine()->input();
+    QTest::keyClicks(input, text);
+    QTest::keyClick(input, Qt::Key_Return);
+}
+
+void WindowFixture::press(Qt::Key key)
+{
+    QTest::keyClick(window_->commandLine()->input(), key);
+}
+
+bool WindowFixture::waitForPrompt(const QString& prompt, Kind kind)
+{
+    return QTest::qWaitFor(
+        [&] { return transcript().endsWith(prompt) && window_->inputState().kind == kind; }, kWaitMs);
+}
+
+bool WindowFixture::runTyped(const QStringList& lines)
+{
+    for (const QString& line : lines) {
+        const QString before = transcript();
+        type(line);
+        // Each answer is echoed; the next prompt follows it.
+        if (!QTest::qWaitFor([&] { return transcript().size() > before.size() + line.size() + 1; }, kWaitMs))
+            return false;
+    }
+    return waitForPrompt("Command: ", Kind::Command);
+}
+
+bool WindowFixture::saveAs(const std::string& path)
+{
+    return runTyped({"FILEDIA", "0", "SAVEAS", QString::fromStdString(path)})
+        && transcript().contains("Saved \"" + QString::fromStdString(path) + "\"");
+}
+
+QString WindowFixture::transcript() const
+{
+    return window_->commandLine()->transcript();
+}
+
+QPoint WindowFixture::pixelOf(double x, double y)
+{
+    return kaldo::ui::pixelAt(canvas().placement(), {x, y}).toPoint();
+}
+
+void WindowFixture::clickAt(const QPoint& pixel)
+{
+    QTest::mouseMove(&canvas(), pixel);
+    QTest::mouseClick(&canvas(), Qt::LeftButton, {}, pixel);
+}
+
+void WindowFixture::moveTo(const QPoint& pixel)
+{
+    QTest::mouseMove(&canvas(), pixel);
+}
+
+bool WindowFixture::closeWindow()
+{
+    if (window_->drawing().modified)
+        answerMessageBoxSoon(QMessageBox::No);
+    window_->close();
+    return QTest::qWaitFor([&] { return !runner_->running() && !window_->isVisible(); }, kWaitMs);
+}
+
+void answerMessageBoxSoon(int button)
+{
+    QTimer::singleShot(0, [button] {
+        const auto tryAnswer = [button] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box)
+                return false;
+            box->button(QMessageBox::StandardButton(button))->click();
+            return true;
+        };
+        static_cast<void>(QTest::qWaitFor(tryAnswer, 2000));
+    });
+}

@@ -1,0 +1,61 @@
+// The real main window on a real session (modules loaded from the staged
+// build), offscreen, driven by QTest's mouse and key events. Helpers wait
+// until the command thread has answered.
+#pragma once
+
+#include "kaldo/app/Session.h"
+#include "kaldo/ui/Canvas.h"
+#include "kaldo/ui/CommandLine.h"
+#include "kaldo/ui/CommandRunner.h"
+#include "kaldo/ui/MainWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <memory>
+#include <string>
+
+class WindowFixture : public ::testing::Test {
+protected:
+    using Kind = kaldo::Editor::InputRequest::Kind;
+
+    WindowFixture();
+    ~WindowFixture() override;
+
+    kaldo::ui::MainWindow& window() { return *window_; }
+    kaldo::ui::Canvas& canvas() { return *window_->canvas(); }
+    std::string dir() const { return temp_.path().toStdString(); }
+    bool loopRunning() const { return runner_->running(); }
+
+    // Types a line into the command line and presses Enter (an empty line
+    // is Enter alone).
+    void type(const QString& text);
+    void press(Qt::Key key);
+    // Waits until the transcript ends with prompt and the window knows the
+    // command line waits for kind; false after ten seconds.
+    [[nodiscard]] bool waitForPrompt(const QString& prompt, Kind kind);
+    QString transcript() const;
+    // The canvas pixel of a drawing point.
+    QPoint pixelOf(double x, double y);
+    void clickAt(const QPoint& pixel);
+    void moveTo(const QPoint& pixel);
+    // Types a command and its answers, each waited for (prompt ends, any
+    // kind), then waits for the command prompt.
+    [[nodiscard]] bool runTyped(const QStringList& lines);
+    // Saves the drawing as path through SAVEAS on the command line.
+    [[nodiscard]] bool saveAs(const std::string& path);
+    // Ends the command loop (answering the unsaved-changes question with
+    // No when it comes) and waits for the window to close.
+    [[nodiscard]] bool closeWindow();
+
+private:
+    QTemporaryDir temp_;
+    std::unique_ptr<kaldo::Session> session_;
+    std::unique_ptr<kaldo::ui::CommandRunner> runner_;
+    std::unique_ptr<kaldo::ui::MainWindow> window_;
+};
+
+// Clicks the button of a message box that is about to open (or is open)
+// once it shows.
+void answerMessageBoxSoon(int button);

@@ -1,0 +1,252 @@
+// The main window driven by mouse and keys as a user would: points by
+// clicks with snaps, picks for the editing tools, the command line's keys,
+// zoom and pan, and the unsaved-changes question.
+#include "WindowFixture.h"
+
+#include "../e2e/EzdxfReport.h"
+#include "kaldo/ui/ViewGeometry.h"
+#include "kaldo/util/Profile.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+#include <QToolButton>
+
+#include <cmath>
+
+namespace {
+
+constexpr double kTol = 1e-10;
+const QRgb kBackground = qRgb(0x1E, 0x23, 0x29);
+
+QJsonArray location(const QJsonObject& mline, int vertex)
+{
+    return mline["vertices"].toArray()[vertex].toObject()["location"].toArray();
+}
+
+// Whether any pixel within radius of at differs from the background.
+bool drawnNear(const QImage& image, const QPoint& at, int radius)
+{
+    for (int y = at.y() - radius; y <= at.y() + radius; ++y)
+        for (int x = at.x() - radius; x <= at.x() + radius; ++x)
+            if (image.valid(x, y) && image.pixel(x, y) != kBackground)
+                return true;
+    return false;
+}
+
+}  // namespace
+
+class Window : public WindowFixture {};
+
+TEST_F(Window, MlineByClicksSnapsToAnEndpointDrawsItsRubberBandAndIsSaved)
+{
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "100,0", ""}));
+    ASSERT_TRUE(runTyped({"ZOOM", "E"}));
+    ASSERT_TRUE(runTyped({"ZOOM", "0.4x"}));
+    const double unitsPerPixel = canvas().placement().unitsPerPixel;
+
+    type("MLINE");
+    ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
+    // A few pixels off the line's end: the endpoint snap takes its exact point.
+    clickAt(pixelOf(100, 0) + QPoint(4, -3));
+    ASSERT_TRUE(waitForPrompt("Next point :", Kind::Drag));
+    clickAt(pixelOf(100, 30));
+    ASSERT_TRUE(waitForPrompt("Specify next point or [Undo]:", Kind::Drag));
+
+    // The rubber band follows the cursor from the last point.
+    const QPoint halfway = pixelOf(80, 20);
+    EXPECT_FALSE(drawnNear(canvas().grab().toImage(), halfway, 3));
+    moveTo(pixelOf(60, 10));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return drawnNear(canvas().grab().toImage(), halfway, 3); }, 5000));
+
+    clickAt(pixelOf(60, 10));
+    ASSERT_TRUE(waitForPrompt("Specify next point or [Close/Undo]: ", Kind::Drag));
+    type("");
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+
+    const std::string path = dir() + "/clicked.dxf";
+    ASSERT_TRUE(saveAs(path));
+    const EzdxfReport report = readWithEzdxf(path);
+    ASSERT_TRUE(report.ran) << report.problem;
+    EXPECT_TRUE(report.file["errors"].toArray().isEmpty());
+    EXPECT_TRUE(report.file["fixes"].toArray().isEmpty());
+    const QJsonArray mlines = report.file["mlines"].toArray();
+    ASSERT_EQ(mlines.size(), 1);
+    const QJsonObject mline = mlines[0].toObject();
+    ASSERT_EQ(mline["vertices"].toArray().size(), 3);
+    EXPECT_NEAR(location(mline, 0)[0].toDouble(), 100, kTol);
+    EXPECT_NEAR(location(mline, 0)[1].toDouble(), 0, kTol);
+    // Clicked points land within a pixel of where they were aimed.
+    EXPECT_NEAR(location(mline, 1)[0].toDouble(), 100, unitsPerPixel);
+    EXPECT_NEAR(location(mline, 1)[1].toDouble(), 30, unitsPerPixel);
+    EXPECT_NEAR(location(mline, 2)[0].toDouble(), 60, unitsPerPixel);
+    EXPECT_NEAR(location(mline, 2)[1].toDouble(), 10, unitsPerPixel);
+}
+
+TEST_F(Window, MultilinesPickedByClicksForTheClosedCrossAreHighlighted)
+{
+    ASSERT_TRUE(runTyped({"MLINE", "J", "Z", "S", "10", "0,0", "100,0", ""}));
+    ASSERT_TRUE(runTyped({"MLINE", "50,-50", "50,50", ""}));
+    ASSERT_TRUE(runTyped({"ZOOM", "E"}));
+
+    type("-MLEDIT");
+    type("CC");
+    ASSERT_TRUE(waitForPrompt("Select first mline: ", Kind::Entity));
+    clickAt(pixelOf(20, 5));
+    ASSERT_TRUE(waitForPrompt("Select second mline: ", Kind::Entity));
+    // The picked multiline is highlighted along its element line.
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            const QImage image = canvas().grab().toImage();
+            const QPoint from = pixelOf(25, 5);
+            for (int x = from.x(); x < from.x() + 30; ++x)
+                for (int dy = -2; dy <= 2; ++dy)
+                    if (QColor(image.pixel(x, from.y() + dy)).blue() > 200
+                        && QColor(image.pixel(x, from.y() + dy)).red() < 150)
+                        return true;
+            return false;
+        },
+        5000));
+    clickAt(pixelOf(45, 30));
+    ASSERT_TRUE(waitForPrompt("Select first mline or [Undo]: ", Kind::Entity));
+    type("");
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_FALSE(transcript().contains("No object found"));
+
+    const std::string path = dir() + "/crossed.dxf";
+    ASSERT_TRUE(saveAs(path));
+    const EzdxfReport report = readWithEzdxf(path);
+    ASSERT_TRUE(report.ran) << report.problem;
+    const QJsonArray mlines = report.file["mlines"].toArray();
+    ASSERT_EQ(mlines.size(), 2);
+    // The first multiline opens between the second's element lines.
+    const QJsonArray runs =
+        mlines[0].toObject()["vertices"].toArray()[0].toObject()["element"].toArray()[0].toArray();
+    ASSERT_EQ(runs.size(), 4);
+    EXPECT_NEAR(runs[2].toDouble(), 45, 1e-9);
+    EXPECT_NEAR(runs[3].toDouble(), 55, 1e-9);
+}
+
+TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
+{
+    QLineEdit* input = window().commandLine()->input();
+    type("LINE");
+    ASSERT_TRUE(waitForPrompt("Specify first point: ", Kind::Point));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_TRUE(transcript().contains("Specify first point: *Cancel*\n"));
+
+    // Up recalls the line typed before; Down goes past it to an empty line.
+    press(Qt::Key_Up);
+    EXPECT_EQ(input->text(), "LINE");
+    press(Qt::Key_Down);
+    EXPECT_EQ(input->text(), "");
+    press(Qt::Key_Up);
+    press(Qt::Key_Return);
+    ASSERT_TRUE(waitForPrompt("Specify first point: ", Kind::Point));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+
+    // Enter at the command prompt repeats the last command; Space answers
+    // like Enter.
+    type("");
+    ASSERT_TRUE(waitForPrompt("Specify first point: ", Kind::Point));
+    QTest::keyClicks(input, "1,2 ");
+    ASSERT_TRUE(waitForPrompt("Specify next point or [Undo]: ", Kind::Point));
+    EXPECT_TRUE(transcript().endsWith("Specify first point: 1,2\nSpecify next point or [Undo]: "));
+    // The prompt's keywords are buttons that answer with their word.
+    QToolButton* undo = nullptr;
+    for (QToolButton* button : window().commandLine()->findChildren<QToolButton*>())
+        if (button->text() == "Undo")
+            undo = button;
+    ASSERT_NE(undo, nullptr);
+    const QString before = transcript();
+    undo->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().startsWith(before + "Undo\n"); }, 5000));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+}
+
+TEST_F(Window, ZoomAtTheCursorKeepsItsPointPanFollowsTheMouseAndZoomPreviousGoesBack)
+{
+    const kaldo::ViewPlacement start = canvas().placement();
+    const QPointF cursor(200, 150);
+    const kaldo::view::Point2 under = kaldo::ui::worldAt(start, cursor);
+    QWheelEvent wheel(cursor, canvas().mapToGlobal(cursor), {}, {0, 240}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&canvas(), &wheel);
+    const kaldo::ViewPlacement zoomed = canvas().placement();
+    EXPECT_NEAR(zoomed.unitsPerPixel, start.unitsPerPixel / (1.25 * 1.25), kTol);
+    const kaldo::view::Point2 after = kaldo::ui::worldAt(zoomed, cursor);
+    EXPECT_NEAR(after.x, under.x, kTol);
+    EXPECT_NEAR(after.y, under.y, kTol);
+
+    // A middle drag carries the point under the cursor along.
+    const QPointF to = cursor + QPointF(30, -20);
+    const kaldo::view::Point2 grabbed = kaldo::ui::worldAt(zoomed, cursor);
+    QMouseEvent press(QEvent::MouseButtonPress, cursor, canvas().mapToGlobal(cursor), Qt::MiddleButton,
+                      Qt::MiddleButton, Qt::NoModifier);
+    QApplication::sendEvent(&canvas(), &press);
+    QMouseEvent move(QEvent::MouseMove, to, canvas().mapToGlobal(to), Qt::NoButton, Qt::MiddleButton, Qt::NoModifier);
+    QApplication::sendEvent(&canvas(), &move);
+    QMouseEvent release(QEvent::MouseButtonRelease, to, canvas().mapToGlobal(to), Qt::MiddleButton, Qt::NoButton,
+                        Qt::NoModifier);
+    QApplication::sendEvent(&canvas(), &release);
+    const kaldo::view::Point2 carried = kaldo::ui::worldAt(canvas().placement(), to);
+    EXPECT_NEAR(carried.x, grabbed.x, kTol);
+    EXPECT_NEAR(carried.y, grabbed.y, kTol);
+
+    // The command thread saw both views: ZOOM Previous goes back twice.
+    ASSERT_TRUE(runTyped({"ZOOM", "P"}));
+    EXPECT_NEAR(canvas().placement().centre.x, zoomed.centre.x, kTol);
+    ASSERT_TRUE(runTyped({"ZOOM", "P"}));
+    EXPECT_NEAR(canvas().placement().unitsPerPixel, start.unitsPerPixel, kTol);
+    EXPECT_NEAR(canvas().placement().centre.x, start.centre.x, kTol);
+    EXPECT_NEAR(canvas().placement().centre.y, start.centre.y, kTol);
+}
+
+TEST_F(Window, UnsavedChangesAreAskedForOnClose)
+{
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, 5000));
+    EXPECT_TRUE(window().isWindowModified());
+
+    // Cancel keeps the window and the session.
+    answerMessageBoxSoon(QMessageBox::Cancel);
+    window().close();
+    QTest::qWait(200);
+    EXPECT_TRUE(loopRunning());
+    EXPECT_TRUE(window().isVisible());
+
+    const std::string path = dir() + "/kept.dxf";
+    ASSERT_TRUE(saveAs(path));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().modified; }, 5000));
+    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, 5000));
+
+    // Opening a drawing asks too; No drops the new line.
+    const unsigned serial = window().drawing().serial;
+    answerMessageBoxSoon(QMessageBox::No);
+    window().openFile(QString::fromStdString(path));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, 5000));
+    EXPECT_FALSE(window().drawing().modified);
+    EXPECT_TRUE(transcript().contains("Opened"));
+    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, 5000));
+
+    // Yes saves into the drawing's own file, then the window closes.
+    answerMessageBoxSoon(QMessageBox::Yes);
+    window().close();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !loopRunning() && !window().isVisible(); }, 10000));
+    QFile saved(QString::fromStdString(path));
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll().count("\nLINE\n"), 2);
+
+    // The profile keeps the file among the recent ones, and the layout.
+    const kaldo::Profile profile(dir() + "/kaldo.ini");
+    EXPECT_EQ(profile.getString(L"Window", L"Recent1"), std::optional(std::filesystem::path(path).wstring()));
+    EXPECT_TRUE(profile.getBinary(L"Window", L"Geometry").has_value());
+}
