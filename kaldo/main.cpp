@@ -79,9 +79,18 @@ std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths&
     return {};
 }
 
+// Control characters other than line ends and tabs (a script or file may
+// hold any) are shown as ^X, so that none reaches the terminal.
 void printTranscript(std::wstring_view text)
 {
-    std::cout << kxutToMultiByte(std::wstring(text)) << std::flush;
+    std::wstring shown;
+    for (const wchar_t c : text) {
+        if ((c < 0x20 && c != L'\n' && c != L'\t') || c == 0x7F)
+            shown += {L'^', static_cast<wchar_t>(c ^ 0x40)};
+        else
+            shown += c;
+    }
+    std::cout << kxutToMultiByte(shown) << std::flush;
 }
 
 }  // namespace
