@@ -3,10 +3,12 @@
 // kaldo/app/Options.h.
 #include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Options.h"
+#include "kaldo/app/RuntimeFolder.h"
 #include "kaldo/app/Session.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
+#include "kaldo/ed/Text.h"
 #include "kaldo/view/PictureExport.h"
 #include "kxstring.h"
 
@@ -17,7 +19,6 @@
 #include <iostream>
 #include <memory>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -27,24 +28,6 @@ void chooseOffscreenWithoutDisplay()
 {
     if (!std::getenv("QT_QPA_PLATFORM") && !std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
-}
-
-// Qt warns on standard error when the session names no runtime folder: give
-// it the private folder it would fall back to, made when missing.
-void provideRuntimeFolder()
-{
-    if (std::getenv("XDG_RUNTIME_DIR"))
-        return;
-    std::error_code ec;
-    const std::filesystem::path temp = std::filesystem::temp_directory_path(ec);
-    if (ec)
-        return;
-    const std::string dir = (temp / ("runtime-" + std::to_string(getuid()))).string();
-    mkdir(dir.c_str(), 0700);
-    struct stat info {};
-    if (lstat(dir.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == getuid()
-        && (info.st_mode & 0777) == 0700)
-        setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
 }
 
 int fail(const std::string& message, int code)
@@ -79,18 +62,9 @@ std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths&
     return {};
 }
 
-// Control characters other than line ends and tabs (a script or file may
-// hold any) are shown as ^X, so that none reaches the terminal.
 void printTranscript(std::wstring_view text)
 {
-    std::wstring shown;
-    for (const wchar_t c : text) {
-        if ((c < 0x20 && c != L'\n' && c != L'\t') || c == 0x7F)
-            shown += {L'^', static_cast<wchar_t>(c ^ 0x40)};
-        else
-            shown += c;
-    }
-    std::cout << kxutToMultiByte(shown) << std::flush;
+    std::cout << kxutToMultiByte(kaldo::withControlsShown(text)) << std::flush;
 }
 
 }  // namespace
@@ -98,7 +72,7 @@ void printTranscript(std::wstring_view text)
 int main(int argc, char** argv)
 {
     chooseOffscreenWithoutDisplay();
-    provideRuntimeFolder();
+    kaldo::provideRuntimeFolder();
     QApplication app(argc, argv);
     const kaldo::ParsedOptions parsed = kaldo::parseOptions(app.arguments());
     if (!parsed.error.empty()) {
