@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/db/MlineGeometry.h"
@@ -10,6 +11,37 @@
 #include "kxdbmlstyle.h"
 
 KX_RX_DEFINE_MEMBERS(KxDbMline, KxDbEntity)
+
+namespace {
+
+bool isFinite(const KxGePoint3d& p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+bool isFinite(const KxGeVector3d& v)
+{
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
+
+// Whether every value rebuilt for the vertices is a number: a point or a
+// scale so large that a miter or a list overflows is refused.
+template <class Vertices>
+bool finiteGeometry(const Vertices& vertices)
+{
+    for (const auto& v : vertices) {
+        if (!isFinite(v.position) || !isFinite(v.axis) || !isFinite(v.miter))
+            return false;
+        for (const KxDbMlineElementParams& lists : v.params->elements)
+            for (const std::vector<double>* list : {&lists.element, &lists.areaFill})
+                for (const double value : *list)
+                    if (!std::isfinite(value))
+                        return false;
+    }
+    return true;
+}
+
+}  // namespace
 
 KxDbMlineVertexParams* KxDbMlineVertexParams::create()
 {
@@ -149,8 +181,13 @@ Kald::ErrorStatus KxDbMline::setScale(double scale)
 {
     if (!std::isfinite(scale))
         return Kald::eInvalidInput;
-    m_scale = scale;
+    const double old = std::exchange(m_scale, scale);
     rebuildAll();
+    if (!finiteGeometry(m_vertices)) {
+        m_scale = old;
+        rebuildAll();
+        return Kald::eInvalidInput;
+    }
     return Kald::eOk;
 }
 
@@ -211,6 +248,11 @@ Kald::ErrorStatus KxDbMline::appendSeg(const KxGePoint3d& point)
     if (n > 1)
         fresh[n - 2] = true;
     rebuild(fresh);
+    if (!finiteGeometry(m_vertices)) {
+        KxGePoint3d dropped;
+        removeLastSeg(dropped);
+        return Kald::eInvalidInput;
+    }
     return Kald::eOk;
 }
 
@@ -234,7 +276,7 @@ Kald::ErrorStatus KxDbMline::moveVertexAt(int index, const KxGePoint3d& point)
     const int n = numVertices();
     if (index < 0 || index >= n)
         return Kald::eInvalidIndex;
-    m_vertices[std::size_t(index)].position = point;
+    const KxGePoint3d old = std::exchange(m_vertices[std::size_t(index)].position, point);
     std::vector<bool> fresh(std::size_t(n), false);
     fresh[std::size_t(index)] = true;
     if (index > 0)
@@ -242,6 +284,11 @@ Kald::ErrorStatus KxDbMline::moveVertexAt(int index, const KxGePoint3d& point)
     else if (m_closed)
         fresh.back() = true;
     rebuild(fresh);
+    if (!finiteGeometry(m_vertices)) {
+        m_vertices[std::size_t(index)].position = old;
+        rebuild(fresh);
+        return Kald::eInvalidInput;
+    }
     return Kald::eOk;
 }
 
