@@ -4,10 +4,12 @@
 // thread of their own. Exit codes: see kaldo/app/Options.h.
 #include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Options.h"
+#include "kaldo/app/RuntimeFolder.h"
 #include "kaldo/app/Session.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
+#include "kaldo/ed/Text.h"
 #include "kaldo/ui/WindowSession.h"
 #include "kaldo/view/PictureExport.h"
 #include "kxstring.h"
@@ -19,7 +21,6 @@
 #include <iostream>
 #include <memory>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -29,24 +30,6 @@ void chooseOffscreenWithoutDisplay()
 {
     if (!std::getenv("QT_QPA_PLATFORM") && !std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
-}
-
-// Qt warns on standard error when the session names no runtime folder: give
-// it the private folder it would fall back to, made when missing.
-void provideRuntimeFolder()
-{
-    if (std::getenv("XDG_RUNTIME_DIR"))
-        return;
-    std::error_code ec;
-    const std::filesystem::path temp = std::filesystem::temp_directory_path(ec);
-    if (ec)
-        return;
-    const std::string dir = (temp / ("runtime-" + std::to_string(getuid()))).string();
-    mkdir(dir.c_str(), 0700);
-    struct stat info {};
-    if (lstat(dir.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == getuid()
-        && (info.st_mode & 0777) == 0700)
-        setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
 }
 
 int fail(const std::string& message, int code)
@@ -83,7 +66,7 @@ std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths&
 
 void printTranscript(std::wstring_view text)
 {
-    std::cout << kxutToMultiByte(std::wstring(text)) << std::flush;
+    std::cout << kxutToMultiByte(kaldo::withControlsShown(text)) << std::flush;
 }
 
 }  // namespace
@@ -91,7 +74,7 @@ void printTranscript(std::wstring_view text)
 int main(int argc, char** argv)
 {
     chooseOffscreenWithoutDisplay();
-    provideRuntimeFolder();
+    kaldo::provideRuntimeFolder();
     QApplication app(argc, argv);
     const kaldo::ParsedOptions parsed = kaldo::parseOptions(app.arguments());
     if (!parsed.error.empty()) {

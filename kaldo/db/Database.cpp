@@ -6,6 +6,7 @@
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kxdbdict.h"
+#include "kxdbmline.h"
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 
@@ -244,6 +245,13 @@ Kald::ErrorStatus KxDbDatabase::setCmlscale(double scale)
 {
     if (!std::isfinite(scale))
         return Kald::eInvalidInput;
+    // A scale that puts the current style's elements beyond the largest
+    // number is refused.
+    if (const auto* style = KxDbMlineStyle::cast(peekObject(m_cmlstyle))) {
+        const std::vector<double> offsets = kxdbMlineElementOffsets(*style, scale, m_cmljust);
+        if (!std::all_of(offsets.begin(), offsets.end(), [](double offset) { return std::isfinite(offset); }))
+            return Kald::eOutOfRange;
+    }
     m_cmlscale = scale;
     noteChange();
     return Kald::eOk;

@@ -6,6 +6,7 @@
 #include <numbers>
 #include <numeric>
 #include <span>
+#include <utility>
 
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/db/MlineGeometry.h"
@@ -14,6 +15,48 @@
 #include "kxdbmlstyle.h"
 
 KX_RX_DEFINE_MEMBERS(KxDbMline, KxDbEntity)
+
+namespace {
+
+bool isFinite(const KxGePoint3d& p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+bool isFinite(const KxGeVector3d& v)
+{
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
+
+// Whether every value rebuilt for a vertex is a number: a point or a scale
+// so large that a miter or a list overflows is refused.
+template <class Vertex>
+bool finiteVertex(const Vertex& v)
+{
+    if (!isFinite(v.position) || !isFinite(v.axis) || !isFinite(v.miter))
+        return false;
+    for (const KxDbMlineElementParams& lists : v.params->elements)
+        for (const std::vector<double>* list : {&lists.element, &lists.areaFill})
+            for (const double value : *list)
+                if (!std::isfinite(value))
+                    return false;
+    return true;
+}
+
+template <class Vertices>
+bool finiteGeometry(const Vertices& vertices)
+{
+    return std::ranges::all_of(vertices, [](const auto& v) { return finiteVertex(v); });
+}
+
+// The same for the vertices an edit rebuilt; the others did not change.
+template <class Vertices>
+bool finiteGeometry(const Vertices& vertices, std::span<const std::size_t> touched)
+{
+    return std::ranges::all_of(touched, [&](std::size_t i) { return i >= vertices.size() || finiteVertex(vertices[i]); });
+}
+
+}  // namespace
 
 KxDbMlineVertexParams* KxDbMlineVertexParams::create()
 {
@@ -153,8 +196,13 @@ Kald::ErrorStatus KxDbMline::setScale(double scale)
 {
     if (!std::isfinite(scale))
         return Kald::eInvalidInput;
-    m_scale = scale;
+    const double old = std::exchange(m_scale, scale);
     rebuildAll();
+    if (!finiteGeometry(m_vertices)) {
+        m_scale = old;
+        rebuildAll();
+        return Kald::eInvalidInput;
+    }
     return Kald::eOk;
 }
 
@@ -215,7 +263,13 @@ Kald::ErrorStatus KxDbMline::appendSeg(const KxGePoint3d& point)
     // closed, the first (its miter looks back at the new last vertex).
     const std::size_t last = m_vertices.size() - 1;
     const std::size_t before = last > 0 ? last - 1 : last;
-    rebuild(std::array{before, last, std::size_t{0}}, std::array{before, last});
+    const std::array touched{before, last, std::size_t{0}};
+    rebuild(touched, std::array{before, last});
+    if (!finiteGeometry(m_vertices, touched)) {
+        KxGePoint3d dropped;
+        removeLastSeg(dropped);
+        return Kald::eInvalidInput;
+    }
     return Kald::eOk;
 }
 
@@ -239,14 +293,21 @@ Kald::ErrorStatus KxDbMline::moveVertexAt(int index, const KxGePoint3d& point)
     const int n = numVertices();
     if (index < 0 || index >= n)
         return Kald::eInvalidIndex;
-    m_vertices[std::size_t(index)].position = point;
+    const KxGePoint3d old = std::exchange(m_vertices[std::size_t(index)].position, point);
     // The vertex and its neighbours see the move; the segments on both
     // sides of it start their runs afresh.
     const auto at = std::size_t(index);
     const auto count = std::size_t(n);
     const std::size_t previous = at > 0 ? at - 1 : m_closed ? count - 1 : at;
     const std::size_t next = at + 1 < count ? at + 1 : m_closed ? 0 : at;
-    rebuild(std::array{previous, at, next}, std::array{at, previous});
+    const std::array touched{previous, at, next};
+    const std::array fresh{at, previous};
+    rebuild(touched, fresh);
+    if (!finiteGeometry(m_vertices, touched)) {
+        m_vertices[at].position = old;
+        rebuild(touched, fresh);
+        return Kald::eInvalidInput;
+    }
     return Kald::eOk;
 }
 

@@ -26,6 +26,10 @@
 #include <cstring>
 #include <memory>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace kaldo::dxf {
 
 DxfDrawing::DxfDrawing() = default;
@@ -274,9 +278,23 @@ DxfDrawing readDxf(GroupReader& reader)
 
 DxfDrawing readDxfFile(const std::filesystem::path& path)
 {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (!file)
+    // Opened without waiting, so that a FIFO cannot block the reader before
+    // it is refused.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0)
         throw DxfError(0, "cannot open '" + path.string() + "': " + std::strerror(errno) + ".");
+    struct stat info {};
+    const char* refusal = ::fstat(fd, &info) != 0 ? "its kind cannot be told"
+                          : S_ISDIR(info.st_mode) ? "it is a folder"
+                          : !S_ISREG(info.st_mode) ? "it is a device, FIFO or socket, not a drawing file"
+                                                   : nullptr;
+    std::FILE* file = refusal ? nullptr : ::fdopen(fd, "rb");
+    if (!file) {
+        const std::string why = refusal ? refusal : std::strerror(errno);
+        ::close(fd);
+        throw DxfError(0, "cannot open '" + path.string() + "': " + why + ".");
+    }
+    ::fcntl(fd, F_SETFL, O_RDONLY);
     struct Closer {
         std::FILE* f;
         ~Closer() { std::fclose(f); }

@@ -42,15 +42,25 @@ bool GroupReader::readLine(std::string_view& line)
 {
     for (;;) {
         const auto* newline = static_cast<const char*>(std::memchr(begin_, '\n', std::size_t(end_ - begin_)));
-        if (newline || (eof_ && begin_ < end_) || (!file_ && begin_ < end_)) {
-            const char* stop = newline ? newline : end_;
+        const char* const limit = newline ? newline : end_;
+        const auto* cr = static_cast<const char*>(std::memchr(begin_, '\r', std::size_t(limit - begin_)));
+        const bool more = file_ && !eof_;
+        // A carriage return ends a line, alone or with the line feed after
+        // it; one at the end of what is read so far waits for the next byte.
+        const bool crEnds = cr && (cr + 1 < end_ || !more);
+        if (newline || crEnds || (!more && begin_ < end_)) {
+            const char* stop = crEnds ? cr : limit;
             if (std::size_t(stop - begin_) > kMaxLineLength)
                 throw DxfError(lineNumber_ + 1, "the line is longer than " + std::to_string(kMaxLineLength)
                                                     + " characters.");
             line = std::string_view(begin_, std::size_t(stop - begin_));
-            begin_ = newline ? newline + 1 : end_;
-            if (!line.empty() && line.back() == '\r')
-                line.remove_suffix(1);
+            if (crEnds)
+                begin_ = cr + 1 < end_ && cr[1] == '\n' ? cr + 2 : cr + 1;
+            else
+                begin_ = newline ? newline + 1 : end_;
+            // A UTF-8 byte order mark before the first line is no text.
+            if (lineNumber_ == 0 && line.starts_with("\xEF\xBB\xBF"))
+                line.remove_prefix(3);
             ++lineNumber_;
             return true;
         }

@@ -78,6 +78,8 @@ InputEvent Editor::next(bool wantMotion)
             return event;
         case InputEvent::Kind::Cancel:
             pending_.clear();
+            if (!event.text.empty())
+                write(L"\n" + event.text + L"\n");
             write(L"*Cancel*\n");
             return event;
         default:

@@ -14,11 +14,28 @@ ScriptInputSource::ScriptInputSource(std::unique_ptr<std::istream> owned)
 InputEvent ScriptInputSource::next()
 {
     std::string line;
-    if (ended_ || !std::getline(in_, line)) {
+    bool read = false;
+    bool tooLong = false;
+    if (!ended_) {
+        std::streambuf& bytes = *in_.rdbuf();
+        for (int c = bytes.sbumpc(); c != std::char_traits<char>::eof(); c = bytes.sbumpc()) {
+            read = true;
+            if (c == '\n')
+                break;
+            if (line.size() < kLongestLine)
+                line.push_back(static_cast<char>(c));
+            else
+                tooLong = true;
+        }
+    }
+    if (!read) {
         ended_ = true;
         return InputEvent::end();
     }
     ++lineNumber_;
+    if (tooLong)
+        return InputEvent::cancel(L"Line " + std::to_wstring(lineNumber_) + L" of the input is longer than "
+                                  + std::to_wstring(kLongestLine) + L" characters; it is left out.");
     if (!line.empty() && line.back() == '\r')
         line.pop_back();
     if (line.empty())

@@ -23,7 +23,7 @@ struct InputEvent {
         Point,       // a point picked in the window (point, world coordinates)
         Motion,      // the cursor moved (point, world coordinates); only drags use it
         Enter,       // an empty response
-        Cancel,      // the user cancelled (^C, Escape)
+        Cancel,      // the user cancelled (^C, Escape); text may say why
         EndOfInput,  // the source has nothing more to give
     };
     Kind kind = Kind::EndOfInput;
@@ -34,7 +34,7 @@ struct InputEvent {
     static InputEvent picked(const KxGePoint3d& p) { return {Kind::Point, {}, p}; }
     static InputEvent moved(const KxGePoint3d& p) { return {Kind::Motion, {}, p}; }
     static InputEvent enter() { return {Kind::Enter, {}, {}}; }
-    static InputEvent cancel() { return {Kind::Cancel, {}, {}}; }
+    static InputEvent cancel(std::wstring why = {}) { return {Kind::Cancel, std::move(why), {}}; }
     static InputEvent end() { return {Kind::EndOfInput, {}, {}}; }
 };
 
@@ -54,11 +54,14 @@ public:
 // is the end of input. A trailing carriage return is dropped. The line is
 // passed on whole; the editor alone decides where a word ends (at the
 // command prompt a blank also ends the command word). The same lines typed
-// by a person at a terminal come with script false.
+// by a person at a terminal come with script false. A line longer than
+// kLongestLine bytes is not kept: it reads as a cancel that says so.
 class ScriptInputSource : public InputSource {
 public:
     explicit ScriptInputSource(std::istream& in, bool script = true);
     explicit ScriptInputSource(std::unique_ptr<std::istream> owned);
+
+    static constexpr std::size_t kLongestLine = 65536;
 
     InputEvent next() override;
     bool isScript() const override { return script_; }

@@ -193,6 +193,30 @@ TEST(MlineGeometry, ScaleAndJustificationPlaceElements)
     expectElementsOnOffsetLines(m, {2.0, 0.0});
 }
 
+TEST(MlineGeometry, PointsAndScalesThatOverflowAreRefused)
+{
+    Drawing d;
+    const KxDbObjectId wide = d.addStyle(L"WIDE", {4.0, -4.0});
+    const auto mOwner = d.make({{0, 0, 0}, {10, 0, 0}}, Mline::kZero, 1.0, wide);
+    KxDbMline& m = *mOwner;
+    // Lists of 4e308 keep the scale there was.
+    EXPECT_EQ(m.setScale(1e308), Kald::eInvalidInput);
+    EXPECT_EQ(m.scale(), 1.0);
+    ASSERT_EQ(m.setScale(1e307), Kald::eOk);
+    // A turn back so sharp that the miter of 4e307 overflows.
+    EXPECT_EQ(m.appendSeg({0, 1e-3, 0}), Kald::eInvalidInput);
+    ASSERT_EQ(m.appendSeg({10, 10, 0}), Kald::eOk);
+    EXPECT_EQ(m.moveVertexAt(2, {0, 1e-3, 0}), Kald::eInvalidInput);
+    ASSERT_EQ(m.numVertices(), 3);
+    EXPECT_EQ(m.vertexAt(2).y, 10.0);
+    ASSERT_EQ(d.db.setCmlstyleID(wide), Kald::eOk);
+    EXPECT_EQ(d.db.setCmlscale(1e308), Kald::eOutOfRange);
+    EXPECT_EQ(d.db.setCmlscale(1e307), Kald::eOk);
+    for (int v = 0; v < m.numVertices(); ++v)
+        for (const KxDbMlineElementParams& lists : paramsAt(m, v))
+            EXPECT_TRUE(std::isfinite(lists.element[0])) << "vertex " << v;
+}
+
 TEST(MlineGeometry, OpenEndsFollowCapAngles)
 {
     Drawing d;

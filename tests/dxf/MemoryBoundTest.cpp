@@ -1,6 +1,7 @@
 // Reading a drawing takes memory in proportion to what the file holds, never
 // to the counts it claims: files whose counts promise far more than follows
-// are refused without making room for the promise.
+// are refused without making room for the promise, and every input of the
+// fuzz corpus is read within the same bound per byte.
 #include "AllocationMeter.h"
 #include "DxfText.h"
 #include "GroupText.h"
@@ -8,6 +9,10 @@
 #include "kaldo/dxf/DxfError.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -58,5 +63,17 @@ TEST(DxfMemoryBound, CountsThatPromiseMoreThanFollowsAreRefused)
         const auto [peak, error] = readMeasured(text);
         EXPECT_NE(error.find(c.error), std::string::npos) << c.what << ": " << error;
         EXPECT_LT(peak, kBase + kPerByte * text.size()) << c.what << ": " << text.size() << " bytes";
+    }
+}
+
+TEST(DxfMemoryBound, EveryCorpusInputStaysWithinTheBound)
+{
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {
+        std::ifstream in(entry.path(), std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        const auto [peak, error] = readMeasured(text);
+        EXPECT_LT(peak, kBase + kPerByte * text.size())
+            << entry.path().filename() << ": " << text.size() << " bytes, " << error;
     }
 }

@@ -1,6 +1,7 @@
 // Input meant to break the host, typed or read: numbers that overflow,
-// files that claim more than they hold. Each gets a message; the session
-// goes on and nothing broken reaches a saved file.
+// overlong lines, control characters, files that are no files, odd line
+// ends. Each gets a message; the session goes on and nothing broken
+// reaches a saved file or the terminal.
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
@@ -9,6 +10,8 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+
+#include <sys/stat.h>
 
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -31,4 +34,40 @@ TEST(HostileInputSession, NumbersThatOverflowAreRefused)
     const std::string text{std::istreambuf_iterator<char>(in), {}};
     EXPECT_THAT(text, HasSubstr("\n 11\n1e+308\n"));
     EXPECT_THAT(text, Not(HasSubstr("inf")));
+}
+
+TEST(HostileInputSession, LongAndOddInput)
+{
+    KaldoProcess kaldo;
+    const std::string support = KALDO_STAGE_DIR "/share/kaldo/Support";
+    // A script line beyond 64 KiB is left out with a message, once; a
+    // control character is shown, never sent to the terminal.
+    const std::string control = "\x1b[31m";
+    const std::string bad = kaldo.writeFile("bad.dxf", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n" + control
+                                                           + "\n  0\nENDSEC\n  0\nEOF\n").string();
+    KaldoRun run = kaldo.runScript("LINE\n" + std::string(100000, '7') + "\n" + control + "\nOPEN\n" + bad + "\n");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Specify first point: \nLine 2 of the input is longer than 65536 characters; "
+                                   "it is left out.\n*Cancel*\n"));
+    EXPECT_THAT(run.out, Not(HasSubstr("7777")));
+    EXPECT_THAT(run.out, HasSubstr("Command: ^[[31m\n"));
+    EXPECT_THAT(run.out, HasSubstr("group 10 needs a number, not \"\\x1B[31m\"."));
+    EXPECT_THAT(run.out, Not(HasSubstr("\x1b")));
+
+    // A FIFO or a folder named as the drawing is refused at once.
+    ASSERT_EQ(mkfifo((kaldo.dir() / "pipe.dxf").c_str(), 0644), 0);
+    run = kaldo.runScript("", {QString::fromStdString((kaldo.dir() / "pipe.dxf").string())});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.err, HasSubstr("pipe.dxf': it is a device, FIFO or socket, not a drawing file."));
+    run = kaldo.runScript("", {QString::fromStdString(kaldo.dir().string())});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.err, HasSubstr("': it is a folder."));
+
+    // A byte order mark and lines ended by carriage returns alone.
+    const std::string text = "\xEF\xBB\xBF  0\rSECTION\r  2\rENTITIES\r  0\rLINE\r  8\r0\r 10\r1\r 20\r2\r 30\r0\r"
+                             " 11\r3\r 21\r4\r 31\r0\r  0\rENDSEC\r  0\rEOF\r";
+    const std::string old = kaldo.writeFile("old-mac.dxf", text).string();
+    run = kaldo.runScript("LIST\n2,3\n", {QString::fromStdString(old)});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("to point: X=3.0000  Y=4.0000"));
 }
