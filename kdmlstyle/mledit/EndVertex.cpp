@@ -71,22 +71,49 @@ void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point)
         shape.followElementPoints(next, atNext);
 }
 
+namespace {
+
+// The vertices of a shape cut to a range of a longer multiline: the new
+// ends get end directions; the runs of a new first segment keep their
+// places, a new last vertex draws nothing on.
+void settleCutEnds(MlineShape& shape, bool frontCut, bool backCut)
+{
+    if (frontCut) {
+        const std::vector<KxGePoint3d> before = shape.elementPoints(0);
+        shape.refreshDirections(0);
+        shape.followElementPoints(0, before);
+    }
+    if (backCut) {
+        shape.refreshDirections(shape.size() - 1);
+        shape.drawWholeSegment(shape.size() - 1);
+    }
+}
+
+}  // namespace
+
 void keepVertices(MlineShape& shape, int first, int count)
 {
     const int n = shape.size();
     if (shape.closed || first < 0 || count < 2 || first + count > n)
         return;
-    const std::vector<KxGePoint3d> atFirst = shape.elementPoints(first);
     shape.vertices.erase(shape.vertices.begin() + first + count, shape.vertices.end());
     shape.vertices.erase(shape.vertices.begin(), shape.vertices.begin() + first);
-    if (first > 0) {
-        shape.refreshDirections(0);
-        shape.followElementPoints(0, atFirst);
-    }
-    if (first + count < n) {
-        shape.refreshDirections(count - 1);
-        shape.drawWholeSegment(count - 1);
-    }
+    settleCutEnds(shape, first > 0, first + count < n);
+}
+
+std::optional<MlineShape> cutBackTo(const KxDbMline* mline, int s, bool keepStart, const KxGePoint3d& point)
+{
+    const int n = mline ? mline->numVertices() : 0;
+    if (s < 0 || s + 1 >= n)
+        return std::nullopt;
+    const int first = keepStart ? 0 : s;
+    const int count = keepStart ? s + 2 : n - s;
+    std::optional<MlineShape> shape = readMlineShape(mline, first, count);
+    if (!shape || shape->closed)
+        return std::nullopt;
+    settleCutEnds(*shape, first > 0, first + count < n);
+    moveVertex(*shape, keepStart ? shape->size() - 1 : 0, point);
+    return shape;
 }
 
 void trimRuns(std::vector<double>& list, double d, bool atEnd)

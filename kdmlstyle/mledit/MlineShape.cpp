@@ -134,13 +134,13 @@ void MlineShape::refreshDirections(int v)
     }
 }
 
-std::optional<MlineShape> readMlineShape(const KxDbMline* mline)
+std::optional<MlineShape> readMlineShape(const KxDbMline* mline, int first, int count)
 {
     KxDbObjectPtr<KxDbMlineStyle> style;
     if (!openMlineStyle(mline, style))
         return std::nullopt;
     MlineShape shape;
-    shape.vertices = readMlineSnapshot(mline);
+    shape.vertices = readMlineSnapshot(mline, first, count);
     shape.closed = mline->closedMline();
     shape.offsets = kxdbMlineElementOffsets(*style, mline->scale(), mline->justification());
     int elements = 0;

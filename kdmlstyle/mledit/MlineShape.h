@@ -56,8 +56,9 @@ struct MlineShape {
     void refreshDirections(int vertex);
 };
 
-// The shape of a multiline; none when its style cannot be opened.
-std::optional<MlineShape> readMlineShape(const KxDbMline* mline);
+// The shape of a multiline, or of count of its vertices from first (all
+// from first when count is negative); none when its style cannot be opened.
+std::optional<MlineShape> readMlineShape(const KxDbMline* mline, int first = 0, int count = -1);
 // Replaces the multiline's vertices by the shape's (open for write); the
 // shape's lists move into the multiline.
 bool writeMlineShape(KxDbMline* mline, MlineShape&& shape);
