@@ -129,6 +129,22 @@ TEST(MleditJoinSession, TeesFromBothSidesOfTheBar)
     EXPECT_THAT(runs(listed, 1, 0, 1), listIs(0.0, 0.0));
     EXPECT_THAT(runs(listed, 1, 0, 2), listIs(-5.0, 0.0));
 
+    // Stem and bar on one multiline: the stem keeps its end below the bar,
+    // the vertex before it goes and the bar, renumbered, opens at the stem;
+    // picked above the bar the stem would cut the bar off and is refused.
+    const std::string hook = kSetup + mline({"0,60", "50,30", "50,-50", "150,-50", "150,0", "0,0"});
+    const KaldoRun wrong = kaldo.runScript(hook + "-MLEDIT\nOT\n55,20\n20,-5\n\n" + list({"55,-20"}));
+    EXPECT_THAT(wrong.out, HasSubstr("Select second mline: 20,-5\nPick the stem on the side that keeps the bar.\n"));
+    EXPECT_THAT(positions(listedMlines(wrong.out), 0), SizeIs(6));
+    const KaldoRun same = kaldo.runScript(hook + "-MLEDIT\nOT\n55,-20\n20,-5\n\n" + list({"55,-20"}));
+    listed = listedMlines(same.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(positions(listed, 0), SizeIs(5));
+    EXPECT_THAT(positions(listed, 0).front(), "50.0000,0.0000");
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 5.0));
+    EXPECT_THAT(runs(listed, 0, 3, 0), listIs(7.071068, 0.0, 90.0, 100.0));
+    EXPECT_THAT(runs(listed, 0, 3, 1), listIs(-7.071068, 0.0));
+
     // A closed stem is refused and asked for again; a stem that does not
     // meet the bar within the bar gets the message and stays.
     const KaldoRun refused = kaldo.runScript(kBar + mline({"20,20", "80,20", "80,60"}, true)
