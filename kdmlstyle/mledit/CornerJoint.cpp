@@ -103,7 +103,8 @@ bool editCornerJoint(MlineEditContext& context)
     int s2 = second.hitSegment;
     const bool same = sameEntity(first, second);
     if (same) {
-        if (std::abs(s1 - s2) == 1)
+        // The first and last segments must not be neighbours either.
+        if (std::abs(s1 - s2) == 1 || first.numVertices < 4)
             return false;
         const int last = first.numVertices - 2;
         std::tie(s1, s2) = s1 <= s2 ? std::pair(0, last) : std::pair(last, 0);
