@@ -56,13 +56,14 @@ void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point)
     else
         shape.drawWholeSegment(k);
     if (hasPrev) {
-        MlineVertexData& before = shape.vertices[std::size_t(prev)];
         for (int e = 0; e < shape.elementCount(); ++e) {
-            std::vector<double>& runs = before.elements[std::size_t(e)].elementParams;
-            if (ontoPrev)
-                runs.resize(1);
-            else if (sameIncoming && !fromPrev)
-                runs = runsBefore(runs, dot(point - shape.elementPoint(prev, e), shape.segmentDirection(prev, e)));
+            if (ontoPrev) {
+                shape.vertices[std::size_t(prev)].editRuns(e).resize(1);
+            } else if (sameIncoming && !fromPrev) {
+                const double end = dot(point - shape.elementPoint(prev, e), shape.segmentDirection(prev, e));
+                std::vector<double>& runs = shape.vertices[std::size_t(prev)].editRuns(e);
+                runs = runsBefore(runs, end);
+            }
         }
         if (!ontoPrev && (!sameIncoming || fromPrev))
             shape.drawWholeSegment(prev);
@@ -144,7 +145,7 @@ void trimElementTo(MlineShape& shape, int e, int s, const KxGePoint3d& target, b
     if (s < 0 || s >= shape.size() || e < 0 || e >= shape.elementCount())
         return;
     const double d = dot(target - shape.elementPoint(s, e), shape.segmentDirection(s, e));
-    trimRuns(shape.vertices[std::size_t(s)].elements[std::size_t(e)].elementParams, d, atEnd);
+    trimRuns(shape.vertices[std::size_t(s)].editRuns(e), d, atEnd);
 }
 
 void suppressCaps(KxDbMline* mline, bool atEnd, bool atStart)

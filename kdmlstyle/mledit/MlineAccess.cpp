@@ -272,16 +272,13 @@ bool openMlineStyle(const KxDbMline* mline, KxDbObjectPtr<KxDbMlineStyle>& style
     return style.open(mline->style(), KxDb::kForRead) == Kald::eOk;
 }
 
-std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline, int first, int count)
+std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline)
 {
     std::vector<MlineVertexData> snapshot;
     if (!mline)
         return snapshot;
-    const int n = mline->numVertices();
-    const int from = std::clamp(first, 0, n);
-    const int to = count < 0 ? n : std::clamp(from + count, from, n);
-    snapshot.reserve(std::size_t(to - from));
-    for (int v = from; v < to; ++v) {
+    snapshot.reserve(std::size_t(mline->numVertices()));
+    for (int v = 0; v < mline->numVertices(); ++v) {
         MlineVertexData data{mline->vertexAt(v), mline->axisAt(v), mline->miterAt(v), {}};
         if (const KxDbMlineVertexParams* record = mline->parametersAt(v)) {
             data.elements.reserve(record->elements.size());

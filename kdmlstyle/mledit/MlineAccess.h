@@ -69,9 +69,8 @@ struct MlineVertexData {
     std::vector<MlineElementParams> elements;
 };
 
-// Every vertex (or count vertices from first; all from first when count
-// is negative) with its directions and both lists of every element.
-std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline, int first = 0, int count = -1);
+// Every vertex with its directions and both lists of every element.
+std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline);
 
 // The element lines of every element (see ElementLine).
 std::vector<ElementLine> buildElementLines(const KxDbMline* mline);
