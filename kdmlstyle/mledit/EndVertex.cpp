@@ -18,6 +18,22 @@ bool sameAngle(double a, double b)
     return std::min(d, 2 * std::numbers::pi - d) <= kEditTolerance;
 }
 
+// The vertices of a shape cut to a range of a longer multiline: the new
+// ends get end directions; the runs of a new first segment keep their
+// places, a new last vertex gets the lists of an end.
+void settleCutEnds(MlineShape& shape, bool frontCut, bool backCut)
+{
+    if (frontCut) {
+        const std::vector<KxGePoint3d> before = shape.elementPoints(0);
+        shape.refreshDirections(0);
+        shape.followElementPoints(0, before);
+    }
+    if (backCut) {
+        shape.refreshDirections(shape.size() - 1);
+        shape.drawWholeSegment(shape.size() - 1);
+    }
+}
+
 }  // namespace
 
 void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point)
@@ -49,9 +65,7 @@ void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point)
     if (hasNext)
         shape.refreshDirections(next);
 
-    if (!hasNext)
-        shape.drawWholeSegment(k);
-    else if (sameOutgoing)
+    if (hasNext && sameOutgoing)
         shape.followElementPoints(k, atK);
     else
         shape.drawWholeSegment(k);
@@ -71,26 +85,6 @@ void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point)
     if (hasNext && !nextIsLast)
         shape.followElementPoints(next, atNext);
 }
-
-namespace {
-
-// The vertices of a shape cut to a range of a longer multiline: the new
-// ends get end directions; the runs of a new first segment keep their
-// places, a new last vertex draws nothing on.
-void settleCutEnds(MlineShape& shape, bool frontCut, bool backCut)
-{
-    if (frontCut) {
-        const std::vector<KxGePoint3d> before = shape.elementPoints(0);
-        shape.refreshDirections(0);
-        shape.followElementPoints(0, before);
-    }
-    if (backCut) {
-        shape.refreshDirections(shape.size() - 1);
-        shape.drawWholeSegment(shape.size() - 1);
-    }
-}
-
-}  // namespace
 
 void keepVertices(MlineShape& shape, int first, int count)
 {
