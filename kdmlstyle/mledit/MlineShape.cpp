@@ -38,7 +38,7 @@ KxGeVector3d planeVectorInWorld(const KxGeVector3d& normal, const KxGeVector3d& 
 double miterDistance(double offset, double miterAngle, double axisAngle)
 {
     const double turn = miterAngle - axisAngle;
-    return offset / std::sin(turn + (turn == 0 ? 0.005 : 0.0));
+    return offset / std::sin(turn + (std::abs(turn) <= kEditTolerance ? 0.005 : 0.0));
 }
 
 }  // namespace
