@@ -88,6 +88,16 @@ TEST(MleditJoinSession, TeesFromBothSidesOfTheBar)
     EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0));
     EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0)) << "the closed tee leaves the bar whole";
 
+    // A stem at 45 degrees: each element ends where it meets the bar's
+    // lower element line, at its own distance.
+    const KaldoRun slanted = kaldo.runScript(kBar + mline({"20,-30", "80,30"}) + "-MLEDIT\nCT\n26.4645,-16.4645\n10,5\n\n"
+                                             + list({"26.4645,-16.4645"}));
+    listed = listedMlines(slanted.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("20.0000,-30.0000", "50.0000,0.0000"));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 30.355339));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 40.355339));
+
     // A stem above that runs across the bar, picked above it, keeps its
     // start and is cut back; the open tee opens the bar's upper element
     // between the stem's elements.
