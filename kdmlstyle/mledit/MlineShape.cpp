@@ -7,6 +7,7 @@
 #include "kxdbmlstyle.h"
 #include "kxed.h"
 #include "mledit/EditGeometry.h"
+#include "mledit/MlineAccess.h"
 
 namespace kdml {
 

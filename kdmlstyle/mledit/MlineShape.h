@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "kxdbmline.h"
-#include "mledit/MlineAccess.h"
 
 namespace kdml {
 

@@ -3,6 +3,7 @@
 // host builds from the same vertices.
 #pragma once
 
+#include "mledit/MlineAccess.h"
 #include "mledit/MlineShape.h"
 
 #include "kxdb.h"
