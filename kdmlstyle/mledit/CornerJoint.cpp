@@ -19,20 +19,6 @@ namespace {
 
 constexpr unsigned kNoCrossingMessage = 4007;
 
-// Cuts a multiline back or lengthens it to point: keeping its start, the
-// vertices after segment s go and the end vertex moves there; keeping its
-// end, the vertices before segment s go and the start vertex moves there.
-void cutBackTo(MlineShape& shape, int s, bool keepStart, const KxGePoint3d& point)
-{
-    if (keepStart) {
-        keepVertices(shape, 0, s + 2);
-        moveVertex(shape, s + 1, point);
-    } else {
-        keepVertices(shape, s, shape.size() - s);
-        moveVertex(shape, 0, point);
-    }
-}
-
 // Whether a multiline keeps its start: the mark lies between the start of
 // segment s on element line 0 and the crossing of the element lines 0.
 bool keepsStart(const MlinePick& pick, int s, const KxGePoint3d& mark, const KxGePoint3d& crossing)
@@ -117,7 +103,8 @@ bool editCornerJoint(MlineEditContext& context)
     int s2 = second.hitSegment;
     const bool same = sameEntity(first, second);
     if (same) {
-        if (std::abs(s1 - s2) == 1)
+        // The first and last segments must not be neighbours either.
+        if (std::abs(s1 - s2) == 1 || first.numVertices < 4)
             return false;
         const int last = first.numVertices - 2;
         std::tie(s1, s2) = s1 <= s2 ? std::pair(0, last) : std::pair(last, 0);
@@ -135,12 +122,10 @@ bool editCornerJoint(MlineEditContext& context)
     const CrossingTable& table = context.crossings;
     const bool startA = keepsStart(first, s1, first.markPoint, table.points[0][0]);
     const bool startB = keepsStart(second, s2, second.markPoint, table.points[0][0]);
-    std::optional<MlineShape> a = readMlineShape(first.mline);
-    std::optional<MlineShape> b = readMlineShape(second.mline);
+    std::optional<MlineShape> a = cutBackTo(first.mline, s1, startA, x);
+    std::optional<MlineShape> b = cutBackTo(second.mline, s2, startB, x);
     if (!a || !b)
         return true;
-    cutBackTo(*a, s1, startA, x);
-    cutBackTo(*b, s2, startB, x);
     const bool negScale = (first.mline->scale() < 0) != (second.mline->scale() < 0);
     const bool sameOrder = startA == startB ? negScale : !negScale;
     const int nA = table.rows();

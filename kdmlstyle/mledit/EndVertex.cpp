@@ -18,6 +18,22 @@ bool sameAngle(double a, double b)
     return std::min(d, 2 * std::numbers::pi - d) <= kEditTolerance;
 }
 
+// The vertices of a shape cut to a range of a longer multiline: the new
+// ends get end directions; the runs of a new first segment keep their
+// places, a new last vertex gets the lists of an end.
+void settleCutEnds(MlineShape& shape, bool frontCut, bool backCut)
+{
+    if (frontCut) {
+        const std::vector<KxGePoint3d> before = shape.elementPoints(0);
+        shape.refreshDirections(0);
+        shape.followElementPoints(0, before);
+    }
+    if (backCut) {
+        shape.refreshDirections(shape.size() - 1);
+        shape.drawWholeSegment(shape.size() - 1);
+    }
+}
+
 }  // namespace
 
 void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point)
@@ -49,20 +65,19 @@ void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point)
     if (hasNext)
         shape.refreshDirections(next);
 
-    if (!hasNext)
-        shape.drawWholeSegment(k);
-    else if (sameOutgoing)
+    if (hasNext && sameOutgoing)
         shape.followElementPoints(k, atK);
     else
         shape.drawWholeSegment(k);
     if (hasPrev) {
-        MlineVertexData& before = shape.vertices[std::size_t(prev)];
         for (int e = 0; e < shape.elementCount(); ++e) {
-            std::vector<double>& runs = before.elements[std::size_t(e)].elementParams;
-            if (ontoPrev)
-                runs.resize(1);
-            else if (sameIncoming && !fromPrev)
-                runs = runsBefore(runs, dot(point - shape.elementPoint(prev, e), shape.segmentDirection(prev, e)));
+            if (ontoPrev) {
+                shape.vertices[std::size_t(prev)].editRuns(e).resize(1);
+            } else if (sameIncoming && !fromPrev) {
+                const double end = dot(point - shape.elementPoint(prev, e), shape.segmentDirection(prev, e));
+                std::vector<double>& runs = shape.vertices[std::size_t(prev)].editRuns(e);
+                runs = runsBefore(runs, end);
+            }
         }
         if (!ontoPrev && (!sameIncoming || fromPrev))
             shape.drawWholeSegment(prev);
@@ -76,17 +91,24 @@ void keepVertices(MlineShape& shape, int first, int count)
     const int n = shape.size();
     if (shape.closed || first < 0 || count < 2 || first + count > n)
         return;
-    const std::vector<KxGePoint3d> atFirst = shape.elementPoints(first);
     shape.vertices.erase(shape.vertices.begin() + first + count, shape.vertices.end());
     shape.vertices.erase(shape.vertices.begin(), shape.vertices.begin() + first);
-    if (first > 0) {
-        shape.refreshDirections(0);
-        shape.followElementPoints(0, atFirst);
-    }
-    if (first + count < n) {
-        shape.refreshDirections(count - 1);
-        shape.drawWholeSegment(count - 1);
-    }
+    settleCutEnds(shape, first > 0, first + count < n);
+}
+
+std::optional<MlineShape> cutBackTo(const KxDbMline* mline, int s, bool keepStart, const KxGePoint3d& point)
+{
+    const int n = mline ? mline->numVertices() : 0;
+    if (s < 0 || s + 1 >= n)
+        return std::nullopt;
+    const int first = keepStart ? 0 : s;
+    const int count = keepStart ? s + 2 : n - s;
+    std::optional<MlineShape> shape = readMlineShape(mline, first, count);
+    if (!shape || shape->closed)
+        return std::nullopt;
+    settleCutEnds(*shape, first > 0, first + count < n);
+    moveVertex(*shape, keepStart ? shape->size() - 1 : 0, point);
+    return shape;
 }
 
 void trimRuns(std::vector<double>& list, double d, bool atEnd)
@@ -117,7 +139,7 @@ void trimElementTo(MlineShape& shape, int e, int s, const KxGePoint3d& target, b
     if (s < 0 || s >= shape.size() || e < 0 || e >= shape.elementCount())
         return;
     const double d = dot(target - shape.elementPoint(s, e), shape.segmentDirection(s, e));
-    trimRuns(shape.vertices[std::size_t(s)].elements[std::size_t(e)].elementParams, d, atEnd);
+    trimRuns(shape.vertices[std::size_t(s)].editRuns(e), d, atEnd);
 }
 
 void suppressCaps(KxDbMline* mline, bool atEnd, bool atStart)

@@ -3,6 +3,7 @@
 // and the caps of that end go.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "kxdbmline.h"
@@ -21,6 +22,13 @@ void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point);
 // drops the others; the new ends get end directions, and the runs of the
 // new first segment keep their places.
 void keepVertices(MlineShape& shape, int first, int count);
+
+// A stem or corner multiline cut back or lengthened to point, read from
+// mline: keeping its start, the vertices after segment s go and the end
+// vertex moves to point; keeping its end, the vertices before segment s go
+// and the start vertex moves there. Only the vertices kept are read. None
+// when the style cannot be opened.
+std::optional<MlineShape> cutBackTo(const KxDbMline* mline, int s, bool keepStart, const KxGePoint3d& point);
 
 // An element list rewritten so that the element stops at distance d along
 // its segment (atEnd) or starts there: runs beyond (before) d go, a run

@@ -277,9 +277,11 @@ std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline)
     std::vector<MlineVertexData> snapshot;
     if (!mline)
         return snapshot;
+    snapshot.reserve(std::size_t(mline->numVertices()));
     for (int v = 0; v < mline->numVertices(); ++v) {
         MlineVertexData data{mline->vertexAt(v), mline->axisAt(v), mline->miterAt(v), {}};
-        if (const KxDbMlineParamsPtr record = vertexRecord(mline, v)) {
+        if (const KxDbMlineVertexParams* record = mline->parametersAt(v)) {
+            data.elements.reserve(record->elements.size());
             for (const KxDbMlineElementParams& lists : record->elements)
                 data.elements.push_back(MlineElementParams{lists.element, lists.areaFill});
         }
@@ -290,14 +292,17 @@ std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline)
 
 std::vector<ElementLine> buildElementLines(const KxDbMline* mline)
 {
-    const std::vector<MlineVertexData> snapshot = readMlineSnapshot(mline);
-    const std::size_t elements = snapshot.empty() ? 0 : snapshot.front().elements.size();
-    std::vector<ElementLine> lines(elements, ElementLine(snapshot.size()));
-    for (std::size_t v = 0; v < snapshot.size(); ++v) {
-        const MlineVertexData& vertex = snapshot[v];
-        for (std::size_t e = 0; e < elements && e < vertex.elements.size(); ++e) {
-            const std::vector<double>& params = vertex.elements[e].elementParams;
-            lines[e][v] = vertex.position + vertex.miter * (params.empty() ? 0.0 : params.front());
+    const int n = mline ? mline->numVertices() : 0;
+    const KxDbMlineVertexParams* first = n > 0 ? mline->parametersAt(0) : nullptr;
+    const std::size_t elements = first ? first->elements.size() : 0;
+    std::vector<ElementLine> lines(elements, ElementLine(std::size_t(n)));
+    for (int v = 0; v < n; ++v) {
+        const KxDbMlineVertexParams* record = mline->parametersAt(v);
+        const KxGePoint3d position = mline->vertexAt(v);
+        const KxGeVector3d miter = mline->miterAt(v);
+        for (std::size_t e = 0; e < elements; ++e) {
+            const bool listed = record && e < record->elements.size() && !record->elements[e].element.empty();
+            lines[e][std::size_t(v)] = position + miter * (listed ? record->elements[e].element.front() : 0.0);
         }
     }
     return lines;

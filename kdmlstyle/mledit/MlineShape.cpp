@@ -7,6 +7,7 @@
 #include "kxdbmlstyle.h"
 #include "kxed.h"
 #include "mledit/EditGeometry.h"
+#include "mledit/MlineAccess.h"
 
 namespace kdml {
 
@@ -38,10 +39,27 @@ KxGeVector3d planeVectorInWorld(const KxGeVector3d& normal, const KxGeVector3d& 
 double miterDistance(double offset, double miterAngle, double axisAngle)
 {
     const double turn = miterAngle - axisAngle;
-    return offset / std::sin(turn + (turn == 0 ? 0.005 : 0.0));
+    return offset / std::sin(turn + (std::abs(turn) <= kEditTolerance ? 0.005 : 0.0));
 }
 
 }  // namespace
+
+const std::vector<KxDbMlineElementParams>& ShapeVertex::lists() const
+{
+    static const std::vector<KxDbMlineElementParams> none;
+    return record ? record->elements : none;
+}
+
+std::vector<KxDbMlineElementParams>& ShapeVertex::editLists()
+{
+    if (!record || record->refCount() > 1) {
+        KxDbMlineParamsPtr copy = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+        if (record)
+            copy->elements = record->elements;
+        record = std::move(copy);
+    }
+    return record->elements;
+}
 
 int MlineShape::segmentEnd(int segment) const
 {
@@ -50,8 +68,8 @@ int MlineShape::segmentEnd(int segment) const
 
 KxGePoint3d MlineShape::elementPoint(int vertex, int element) const
 {
-    const MlineVertexData& v = vertices[std::size_t(vertex)];
-    const std::vector<double>& list = v.elements[std::size_t(element)].elementParams;
+    const ShapeVertex& v = vertices[std::size_t(vertex)];
+    const std::vector<double>& list = v.runs(element);
     return v.position + v.miter * (list.empty() ? 0.0 : list.front());
 }
 
@@ -74,16 +92,16 @@ KxGeVector3d MlineShape::segmentDirection(int segment, int element) const
 
 void MlineShape::followElementPoints(int vertex, const std::vector<KxGePoint3d>& before)
 {
-    MlineVertexData& v = vertices[std::size_t(vertex)];
-    for (int e = 0; e < elementCount() && std::size_t(e) < before.size(); ++e)
-        shiftRuns(v.elements[std::size_t(e)].elementParams,
-                  dot(elementPoint(vertex, e) - before[std::size_t(e)], v.axis));
+    for (int e = 0; e < elementCount() && std::size_t(e) < before.size(); ++e) {
+        const double delta = dot(elementPoint(vertex, e) - before[std::size_t(e)], vertices[std::size_t(vertex)].axis);
+        shiftRuns(vertices[std::size_t(vertex)].editRuns(e), delta);
+    }
 }
 
 void MlineShape::drawWholeSegment(int vertex)
 {
-    for (MlineElementParams& lists : vertices[std::size_t(vertex)].elements)
-        lists.elementParams = {lists.elementParams.empty() ? 0.0 : lists.elementParams.front(), 0.0};
+    for (KxDbMlineElementParams& lists : vertices[std::size_t(vertex)].editLists())
+        lists.element = {lists.element.empty() ? 0.0 : lists.element.front(), 0.0};
 }
 
 double MlineShape::planeAngle(const KxGePoint3d& from, const KxGePoint3d& to) const
@@ -110,7 +128,7 @@ void MlineShape::refreshDirections(int v)
     const bool hasNext = v + 1 < n || closed;
     const int next = (v + 1) % n;
     const int prev = (v + n - 1) % n;
-    MlineVertexData& vertex = vertices[std::size_t(v)];
+    ShapeVertex& vertex = vertices[std::size_t(v)];
     const KxGePoint3d& before = vertices[std::size_t(prev)].position;
     const double axis = hasNext ? planeAngle(vertex.position, vertices[std::size_t(next)].position)
                                 : planeAngle(before, vertex.position);
@@ -123,9 +141,10 @@ void MlineShape::refreshDirections(int v)
         miter = bisectorAngle(axis, planeAngle(vertex.position, before));
     vertex.axis = planeDirection(axis);
     vertex.miter = planeDirection(miter);
-    for (std::size_t e = 0; e < vertex.elements.size() && e < offsets.size(); ++e) {
+    std::vector<KxDbMlineElementParams>& lists = vertex.editLists();
+    for (std::size_t e = 0; e < lists.size() && e < offsets.size(); ++e) {
         const double entry0 = miterDistance(offsets[e], miter, axis);
-        for (std::vector<double>* list : {&vertex.elements[e].elementParams, &vertex.elements[e].fillParams}) {
+        for (std::vector<double>* list : {&lists[e].element, &lists[e].areaFill}) {
             if (list->empty())
                 *list = {entry0, 0.0};
             else
@@ -134,13 +153,22 @@ void MlineShape::refreshDirections(int v)
     }
 }
 
-std::optional<MlineShape> readMlineShape(const KxDbMline* mline)
+std::optional<MlineShape> readMlineShape(const KxDbMline* mline, int first, int count)
 {
     KxDbObjectPtr<KxDbMlineStyle> style;
     if (!openMlineStyle(mline, style))
         return std::nullopt;
     MlineShape shape;
-    shape.vertices = readMlineSnapshot(mline);
+    const int n = mline->numVertices();
+    const int from = std::clamp(first, 0, n);
+    const int to = count < 0 ? n : std::clamp(from + count, from, n);
+    shape.vertices.reserve(std::size_t(to - from));
+    for (int v = from; v < to; ++v) {
+        KxArray params;
+        mline->getParametersAt(v, params);
+        shape.vertices.push_back(ShapeVertex{mline->vertexAt(v), mline->axisAt(v), mline->miterAt(v),
+                                             KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params))});
+    }
     shape.closed = mline->closedMline();
     shape.offsets = kxdbMlineElementOffsets(*style, mline->scale(), mline->justification());
     int elements = 0;
@@ -161,15 +189,20 @@ bool writeMlineShape(KxDbMline* mline, MlineShape&& shape)
         return false;
     std::vector<KxDbMlineStoredVertex> stored;
     stored.reserve(shape.vertices.size());
-    for (MlineVertexData& v : shape.vertices) {
-        KxDbMlineStoredVertex s{v.position, v.axis, v.miter, {}};
-        s.elements.reserve(v.elements.size());
-        for (MlineElementParams& lists : v.elements)
-            s.elements.push_back(KxDbMlineElementParams{std::move(lists.fillParams), std::move(lists.elementParams)});
-        stored.push_back(std::move(s));
+    for (const ShapeVertex& v : shape.vertices)
+        stored.push_back(KxDbMlineStoredVertex{v.position, v.axis, v.miter, {}});
+    imp->setStoredVertices(std::move(stored));
+    // The records go to the multiline as they are: unchanged ones are shared
+    // back, changed ones handed over.
+    for (std::size_t v = 0; v < shape.vertices.size(); ++v) {
+        ShapeVertex& vertex = shape.vertices[v];
+        if (!vertex.record)
+            vertex.editLists();
+        KxArray params;
+        params.append(vertex.record.get());
+        mline->setParametersAt(int(v), params);
     }
     shape.vertices.clear();
-    imp->setStoredVertices(std::move(stored));
     return true;
 }
 

@@ -9,12 +9,28 @@
 #include <vector>
 
 #include "kxdbmline.h"
-#include "mledit/MlineAccess.h"
 
 namespace kdml {
 
+// One vertex of a shape. Its lists stay the multiline's own record, shared,
+// until an edit changes them; the vertex then gets a copy of its own, so
+// that writing a shape back copies no list that did not change.
+struct ShapeVertex {
+    KxGePoint3d position;
+    KxGeVector3d axis;
+    KxGeVector3d miter;
+    KxDbMlineParamsPtr record;
+
+    // Both lists of every element.
+    const std::vector<KxDbMlineElementParams>& lists() const;
+    std::vector<KxDbMlineElementParams>& editLists();
+    // The element list of one element.
+    const std::vector<double>& runs(int element) const { return lists()[std::size_t(element)].element; }
+    std::vector<double>& editRuns(int element) { return editLists()[std::size_t(element)].element; }
+};
+
 struct MlineShape {
-    std::vector<MlineVertexData> vertices;
+    std::vector<ShapeVertex> vertices;
     bool closed = false;
     // Each element's distance from the axis, positive on the left.
     std::vector<double> offsets;
@@ -56,8 +72,9 @@ struct MlineShape {
     void refreshDirections(int vertex);
 };
 
-// The shape of a multiline; none when its style cannot be opened.
-std::optional<MlineShape> readMlineShape(const KxDbMline* mline);
+// The shape of a multiline, or of count of its vertices from first (all
+// from first when count is negative); none when its style cannot be opened.
+std::optional<MlineShape> readMlineShape(const KxDbMline* mline, int first = 0, int count = -1);
 // Replaces the multiline's vertices by the shape's (open for write); the
 // shape's lists move into the multiline.
 bool writeMlineShape(KxDbMline* mline, MlineShape&& shape);

@@ -67,17 +67,9 @@ bool editTee(MlineEditContext& context, TeeKind kind)
         kxutPrintf(L"%ls", loadText(context, kBarCutOffMessage));
         return false;
     }
-    std::optional<MlineShape> shape = readMlineShape(stem.mline);
+    std::optional<MlineShape> shape = cutBackTo(stem.mline, s, keepStart, crossing->point);
     if (!shape)
         return true;
-
-    if (keepStart) {
-        keepVertices(*shape, 0, s + 2);
-        moveVertex(*shape, s + 1, crossing->point);
-    } else {
-        keepVertices(*shape, s, shape->size() - s);
-        moveVertex(*shape, 0, crossing->point);
-    }
     const int nA = table.rows();
     const int nB = nA > 0 ? int(table.points.front().size()) : 0;
     const int segment = keepStart ? s : 0;

@@ -35,17 +35,18 @@ bool insertVertex(MlineShape& shape, int s, const KxGePoint3d& near)
     KxGePoint3d p;
     signedDistanceToLine(near, a, b, shape.normal, &p);
     if (std::any_of(shape.vertices.begin(), shape.vertices.end(),
-                    [&p](const MlineVertexData& v) { return pointsEqual(v.position, p); }))
+                    [&p](const ShapeVertex& v) { return pointsEqual(v.position, p); }))
         return false;
 
-    MlineVertexData& start = shape.vertices[std::size_t(s)];
-    MlineVertexData added{p, start.axis, start.miter, start.elements};
+    const ShapeVertex added{p, shape.vertices[std::size_t(s)].axis, shape.vertices[std::size_t(s)].miter,
+                            shape.vertices[std::size_t(s)].record};
     for (int e = 0; e < shape.elementCount(); ++e) {
-        std::vector<double>& runs = start.elements[std::size_t(e)].elementParams;
-        runs = runsBefore(runs, dot(p - shape.elementPoint(s, e), shape.segmentDirection(s, e)));
-        added.elements[std::size_t(e)].elementParams = {0.0, 0.0};
+        const double cut = dot(p - shape.elementPoint(s, e), shape.segmentDirection(s, e));
+        std::vector<double>& runs = shape.vertices[std::size_t(s)].editRuns(e);
+        runs = runsBefore(runs, cut);
     }
-    shape.vertices.insert(shape.vertices.begin() + s + 1, std::move(added));
+    shape.vertices.insert(shape.vertices.begin() + s + 1, added);
+    shape.drawWholeSegment(s + 1);
     shape.refreshDirections(s + 1);
     return true;
 }

@@ -88,6 +88,16 @@ TEST(MleditJoinSession, TeesFromBothSidesOfTheBar)
     EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0));
     EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0)) << "the closed tee leaves the bar whole";
 
+    // A stem at 45 degrees: each element ends where it meets the bar's
+    // lower element line, at its own distance.
+    const KaldoRun slanted = kaldo.runScript(kBar + mline({"20,-30", "80,30"}) + "-MLEDIT\nCT\n26.4645,-16.4645\n10,5\n\n"
+                                             + list({"26.4645,-16.4645"}));
+    listed = listedMlines(slanted.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("20.0000,-30.0000", "50.0000,0.0000"));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 30.355339));
+    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 40.355339));
+
     // A stem above that runs across the bar, picked above it, keeps its
     // start and is cut back; the open tee opens the bar's upper element
     // between the stem's elements.
@@ -128,6 +138,22 @@ TEST(MleditJoinSession, TeesFromBothSidesOfTheBar)
     EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
     EXPECT_THAT(runs(listed, 1, 0, 1), listIs(0.0, 0.0));
     EXPECT_THAT(runs(listed, 1, 0, 2), listIs(-5.0, 0.0));
+
+    // Stem and bar on one multiline: the stem keeps its end below the bar,
+    // the vertex before it goes and the bar, renumbered, opens at the stem;
+    // picked above the bar the stem would cut the bar off and is refused.
+    const std::string hook = kSetup + mline({"0,60", "50,30", "50,-50", "150,-50", "150,0", "0,0"});
+    const KaldoRun wrong = kaldo.runScript(hook + "-MLEDIT\nOT\n55,20\n20,-5\n\n" + list({"55,-20"}));
+    EXPECT_THAT(wrong.out, HasSubstr("Select second mline: 20,-5\nPick the stem on the side that keeps the bar.\n"));
+    EXPECT_THAT(positions(listedMlines(wrong.out), 0), SizeIs(6));
+    const KaldoRun same = kaldo.runScript(hook + "-MLEDIT\nOT\n55,-20\n20,-5\n\n" + list({"55,-20"}));
+    listed = listedMlines(same.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(positions(listed, 0), SizeIs(5));
+    EXPECT_THAT(positions(listed, 0).front(), "50.0000,0.0000");
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 5.0));
+    EXPECT_THAT(runs(listed, 0, 3, 0), listIs(7.071068, 0.0, 90.0, 100.0));
+    EXPECT_THAT(runs(listed, 0, 3, 1), listIs(-7.071068, 0.0));
 
     // A closed stem is refused and asked for again; a stem that does not
     // meet the bar within the bar gets the message and stays.

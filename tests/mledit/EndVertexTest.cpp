@@ -19,7 +19,7 @@ std::vector<double> trimmed(std::vector<double> list, double d, bool atEnd)
 
 std::vector<double> runsOf(const MlineShape& shape, int v, int e)
 {
-    return shape.vertices[std::size_t(v)].elements[std::size_t(e)].elementParams;
+    return shape.vertices[std::size_t(v)].runs(e);
 }
 
 }  // namespace
@@ -108,9 +108,9 @@ TEST(EndVertex, MovingTheEndVertexKeepsTheShapeAsDrawnAndTheRunsBeforeIt)
             MlineShape shape = original;
             // Runs on the segments at both ends.
             for (int e = 0; e < shape.elementCount(); ++e) {
-                shape.vertices[std::size_t(last - 1)].elements[std::size_t(e)].elementParams.resize(1);
-                for (double v : {0.0, 10.0, 15.0})
-                    shape.vertices[std::size_t(last - 1)].elements[std::size_t(e)].elementParams.push_back(v);
+                std::vector<double>& runs = shape.vertices[std::size_t(last - 1)].editRuns(e);
+                runs.resize(1);
+                runs.insert(runs.end(), {0.0, 10.0, 15.0});
             }
             const MlineShape before = shape;
             moveVertex(shape, move.k, move.point);

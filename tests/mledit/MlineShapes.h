@@ -3,6 +3,7 @@
 // host builds from the same vertices.
 #pragma once
 
+#include "mledit/MlineAccess.h"
 #include "mledit/MlineShape.h"
 
 #include "kxdb.h"
@@ -91,7 +92,7 @@ inline void expectDrawnAlike(ShapeDrawing& drawing, const MlineCase& c, const Ml
                              const std::string& label)
 {
     std::vector<KxGePoint3d> points;
-    for (const MlineVertexData& v : shape.vertices)
+    for (const ShapeVertex& v : shape.vertices)
         points.push_back(v.position);
     MlineCase same = c;
     same.closed = shape.closed;
@@ -102,10 +103,9 @@ inline void expectDrawnAlike(ShapeDrawing& drawing, const MlineCase& c, const Ml
         const std::string at = label + " vertex " + std::to_string(v);
         expectNear(shape.vertices[v].axis, expected[v].axis, at + " axis");
         expectNear(shape.vertices[v].miter, expected[v].miter, at + " miter");
-        ASSERT_EQ(shape.vertices[v].elements.size(), expected[v].elements.size()) << at;
+        ASSERT_EQ(shape.vertices[v].lists().size(), expected[v].elements.size()) << at;
         for (std::size_t e = 0; e < expected[v].elements.size(); ++e)
-            EXPECT_NEAR(shape.vertices[v].elements[e].elementParams.at(0),
-                        expected[v].elements[e].elementParams.at(0), kAgree)
+            EXPECT_NEAR(shape.vertices[v].runs(int(e)).at(0), expected[v].elements[e].elementParams.at(0), kAgree)
                 << at << " element " << e;
     }
 }
@@ -115,7 +115,7 @@ inline void expectDrawnAlike(ShapeDrawing& drawing, const MlineCase& c, const Ml
 inline std::vector<KxGePoint3d> runBounds(const MlineShape& shape, int v, int e)
 {
     std::vector<KxGePoint3d> bounds;
-    const std::vector<double>& list = shape.vertices[std::size_t(v)].elements[std::size_t(e)].elementParams;
+    const std::vector<double>& list = shape.vertices[std::size_t(v)].runs(e);
     const KxGePoint3d start = shape.elementPoint(v, e);
     const KxGeVector3d along = shape.vertices[std::size_t(v)].axis;
     for (std::size_t i = 1; i < list.size(); ++i)

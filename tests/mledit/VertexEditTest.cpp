@@ -34,16 +34,16 @@ std::vector<MlineCase> cases()
 
 void setRuns(MlineShape& shape, int v, const std::vector<double>& runs)
 {
-    for (MlineElementParams& lists : shape.vertices[std::size_t(v)].elements) {
-        const double entry0 = lists.elementParams.front();
-        lists.elementParams = {entry0};
-        lists.elementParams.insert(lists.elementParams.end(), runs.begin(), runs.end());
+    for (KxDbMlineElementParams& lists : shape.vertices[std::size_t(v)].editLists()) {
+        const double entry0 = lists.element.front();
+        lists.element = {entry0};
+        lists.element.insert(lists.element.end(), runs.begin(), runs.end());
     }
 }
 
 std::vector<double> runsOf(const MlineShape& shape, int v, int e)
 {
-    const std::vector<double>& list = shape.vertices[std::size_t(v)].elements[std::size_t(e)].elementParams;
+    const std::vector<double>& list = shape.vertices[std::size_t(v)].runs(e);
     return std::vector<double>(list.begin() + 1, list.end());
 }
 
@@ -64,7 +64,7 @@ TEST(VertexEdit, InsertingOnEverySegmentKeepsDirectionsMitersAndOffsets)
             const KxGePoint3d near = foot + normalized(cross(KxGeVector3d(0, 0, 1), b - a)) * 0.3;
             ASSERT_TRUE(insertVertex(shape, s, near)) << label;
             ASSERT_EQ(shape.size(), original.size() + 1) << label;
-            const MlineVertexData& added = shape.vertices[std::size_t(s + 1)];
+            const ShapeVertex& added = shape.vertices[std::size_t(s + 1)];
             EXPECT_NEAR(distance(added.position, foot), 0.0, kAgree) << label;
             expectDrawnAlike(drawing, c, shape, label);
             for (int e = 0; e < shape.elementCount(); ++e) {
