@@ -18,8 +18,10 @@ QApplication& application()
     static int argc = 1;
     static char name[] = "test_ui";
     static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-    return app;
+    // Never destroyed: input devices the tests' events created would
+    // otherwise be torn down after the platform plugin is gone.
+    static QApplication* app = new QApplication(argc, argv);
+    return *app;
 }
 
 }  // namespace
