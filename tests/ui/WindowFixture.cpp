@@ -13,13 +13,15 @@ namespace {
 
 constexpr int kWaitMs = 10000;
 
+// Lives until the process ends and is never destroyed: QTest's input
+// devices would otherwise be torn down after the application they belong to.
 QApplication& application()
 {
     static int argc = 1;
     static char name[] = "test_ui";
     static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-    return app;
+    static QApplication* app = new QApplication(argc, argv);
+    return *app;
 }
 
 }  // namespace
