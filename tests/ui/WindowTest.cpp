@@ -126,8 +126,8 @@ TEST_F(Window, MultilinesPickedByClicksForTheClosedCrossAreHighlighted)
     const QJsonArray runs =
         mlines[0].toObject()["vertices"].toArray()[0].toObject()["element"].toArray()[0].toArray();
     ASSERT_EQ(runs.size(), 4);
-    EXPECT_NEAR(runs[2].toDouble(), 45, 1e-9);
-    EXPECT_NEAR(runs[3].toDouble(), 55, 1e-9);
+    EXPECT_NEAR(runs[2].toDouble(), 45, kTol);
+    EXPECT_NEAR(runs[3].toDouble(), 55, kTol);
 }
 
 TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)

@@ -128,7 +128,7 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     const Bounds ellipse = polylineBounds(scene, 2);
     EXPECT_NEAR(ellipse.minX, 47, kTol);
     EXPECT_NEAR(ellipse.maxX, 53, kTol);
-    EXPECT_NEAR(ellipse.maxY, 1.5, 1e-3);
+    EXPECT_NEAR(ellipse.maxY, 1.5, kTol);
 
     // A text 2 high, centred (72 = 1) on (100, 0): its capitals stand on
     // the baseline, about 2 high, on both sides of the point.
