@@ -63,16 +63,6 @@ KxDbObjectId addBlock(KxDbDatabase& db, const wchar_t* name)
     return id;
 }
 
-// The bounds of the scene's polylines from first on.
-Bounds polylineBounds(const Scene& scene, std::size_t first)
-{
-    Bounds b;
-    for (std::size_t i = first; i < scene.polylines().size(); ++i)
-        for (std::uint32_t p = 0; p < scene.polylines()[i].count; ++p)
-            b.add(scene.points()[scene.polylines()[i].first + p]);
-    return b;
-}
-
 }  // namespace
 
 TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
@@ -104,6 +94,7 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
                                      {13, "4"}, {23, "4"}}));
     addRecord(d.db, "ELLIPSE", groups({{10, "50"}, {20, "0"}, {11, "3"}, {21, "0"}, {40, "0.5"}}));
     addRecord(d.db, "HATCH", groups({{2, "SOLID"}}));
+    addRecord(d.db, "POINT", groups({{10, "-7"}, {20, "8"}}));
     std::set<std::string> undrawn;
     const Scene scene = renderDrawing(d.db, &undrawn);
     EXPECT_EQ(undrawn, (std::set<std::string>{"HATCH"}));
@@ -124,8 +115,13 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     ASSERT_EQ(scene.polygons().size(), 1u);
     EXPECT_NEAR(scene.points()[scene.polygons()[0].first + 2].x, 4, kTol);
     EXPECT_NEAR(scene.points()[scene.polygons()[0].first + 2].y, 4, kTol);
-    // The ellipse spans 3 and 1.5 about its centre.
-    const Bounds ellipse = polylineBounds(scene, 2);
+    // The ellipse spans 3 and 1.5 about its centre; the point is a dot.
+    ASSERT_EQ(scene.polylines().size(), 4u);
+    EXPECT_NEAR(segment(3, 0).x, -7, kTol);
+    EXPECT_NEAR(segment(3, 1).y, 8, kTol);
+    Bounds ellipse;
+    for (std::uint32_t p = 0; p < scene.polylines()[2].count; ++p)
+        ellipse.add(scene.points()[scene.polylines()[2].first + p]);
     EXPECT_NEAR(ellipse.minX, 47, kTol);
     EXPECT_NEAR(ellipse.maxX, 53, kTol);
     EXPECT_NEAR(ellipse.maxY, 1.5, kTol);
