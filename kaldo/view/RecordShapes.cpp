@@ -187,6 +187,59 @@ bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
     return true;
 }
 
+bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene)
+{
+    if (groupNumber(groups, 70, 0) != 1)
+        return false;  // patterns are not drawn, solid fills are
+    // The boundary paths follow group 91; each starts with its flags (92).
+    auto g = std::find_if(groups.begin(), groups.end(), [](const KxDbFileGroup& x) { return x.code == 91; });
+    if (g == groups.end())
+        return false;
+    const auto number = [](const KxDbFileGroup& x) { return QString::fromStdString(x.value).trimmed().toDouble(); };
+    const auto next = [&](int code) {
+        g = std::find_if(g, groups.end(), [code](const KxDbFileGroup& x) { return x.code == code; });
+        return g == groups.end() ? 0.0 : number(*g++);
+    };
+    const int paths = int(number(*g++));
+    for (int path = 0; path < paths; ++path) {
+        const int flags = int(next(92));
+        scene.beginPolygon();
+        if (flags & 2) {
+            // A polyline path: its vertices (bulges are drawn as chords).
+            const int vertices = int(next(93));
+            for (int v = 0; v < vertices; ++v) {
+                const double x = next(10);
+                scene.addPoint({x, next(20)});
+            }
+        } else {
+            // Edges: lines and arcs (other edges by their end points).
+            const int edges = int(next(93));
+            for (int e = 0; e < edges; ++e) {
+                const int type = int(next(72));
+                const double x = next(10), y = next(20);
+                if (type == 2) {
+                    // Arcs run counter-clockwise from start to end; a
+                    // clockwise one (73 = 0) gives its angles negated.
+                    const double radius = next(40), start = degrees(next(50)), end = degrees(next(51));
+                    const double turn = next(73) != 0 ? 1.0 : -1.0;
+                    double sweep = std::fmod(end - start, 2 * std::numbers::pi);
+                    if (sweep <= 0)
+                        sweep += 2 * std::numbers::pi;
+                    constexpr int kSteps = 32;
+                    for (int i = 0; i <= kSteps; ++i) {
+                        const double a = turn * (start + sweep * i / kSteps);
+                        scene.addPoint({x + radius * std::cos(a), y + radius * std::sin(a)});
+                    }
+                } else {
+                    scene.addPoint({x, y});
+                }
+            }
+        }
+        scene.endPolygon(color);
+    }
+    return true;
+}
+
 bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
 {
     const Point2 centre{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
