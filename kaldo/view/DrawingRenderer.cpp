@@ -137,6 +137,8 @@ private:
             return drawSolidRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
         if (kind == "ELLIPSE")
             return drawEllipseRecord(groups, pen, m_scene);
+        if (kind == "SPLINE")
+            return drawSplineRecord(groups, pen, m_scene);
         if (kind == "HATCH")
             return drawHatchRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
         if (kind == "POINT") {

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -237,6 +238,66 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
         }
         scene.endPolygon(color);
     }
+    return true;
+}
+
+bool drawSplineRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    const auto number = [](const KxDbFileGroup& x) { return QString::fromStdString(x.value).trimmed().toDouble(); };
+    std::vector<double> knots, weights;
+    std::vector<Point2> control, fit;
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        const int code = groups[i].code;
+        const bool pair = i + 1 < groups.size() && groups[i + 1].code == code + 10;
+        if (code == 40)
+            knots.push_back(number(groups[i]));
+        else if (code == 41)
+            weights.push_back(number(groups[i]));
+        else if ((code == 10 || code == 11) && pair)
+            (code == 10 ? control : fit).push_back({number(groups[i]), number(groups[i + 1])});
+    }
+    const int degree = int(groupNumber(groups, 71, 3));
+    const std::size_t n = control.size();
+    const bool valid = degree >= 1 && n > std::size_t(degree) && knots.size() == n + std::size_t(degree) + 1
+        && (weights.empty() || weights.size() == n);
+    if (!valid) {
+        // Without a usable control net the fit points are joined.
+        if (fit.size() < 2)
+            return false;
+        scene.beginPolyline(pen);
+        for (const Point2& p : fit)
+            scene.addPoint(p);
+        scene.endPolyline();
+        return true;
+    }
+    // De Boor's algorithm on homogeneous points (x w, y w, w).
+    const auto at = [&](double t) {
+        std::size_t span = std::size_t(degree);
+        while (span + 1 < n && t >= knots[span + 1])
+            ++span;
+        std::vector<std::array<double, 3>> d;
+        for (std::size_t j = span - std::size_t(degree); j <= span; ++j) {
+            const double w = weights.empty() ? 1.0 : weights[j];
+            d.push_back({control[j].x * w, control[j].y * w, w});
+        }
+        for (int r = 1; r <= degree; ++r)
+            for (int j = degree; j >= r; --j) {
+                const std::size_t k = span - std::size_t(degree) + std::size_t(j);
+                const double span_ = knots[k + std::size_t(degree) + 1 - std::size_t(r)] - knots[k];
+                const double a = span_ > 0 ? (t - knots[k]) / span_ : 0.0;
+                for (int c = 0; c < 3; ++c)
+                    d[std::size_t(j)][std::size_t(c)] =
+                        (1 - a) * d[std::size_t(j) - 1][std::size_t(c)] + a * d[std::size_t(j)][std::size_t(c)];
+            }
+        const auto& h = d[std::size_t(degree)];
+        return h[2] != 0 ? Point2{h[0] / h[2], h[1] / h[2]} : Point2{h[0], h[1]};
+    };
+    const double first = knots[std::size_t(degree)], last = knots[n];
+    const int steps = int(16 * n);
+    scene.beginPolyline(pen);
+    for (int i = 0; i <= steps; ++i)
+        scene.addPoint(at(first + (last - first) * i / steps));
+    scene.endPolyline();
     return true;
 }
 

@@ -1,6 +1,6 @@
 // Records kept as read that the renderer draws: a block inserted scaled and
 // rotated (with a block inside it), a solid, solid hatches, an ellipse, a
-// point, texts placed by their justification; what it cannot draw (hatch
+// point, a spline, texts placed by their justification; what it cannot draw (hatch
 // patterns) is named.
 #include "ViewDrawing.h"
 
@@ -103,6 +103,9 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
                                      {21, "0"}, {72, "2"}, {10, "30"}, {20, "0"}, {40, "1"}, {50, "0"}, {51, "180"},
                                      {73, "1"}, {97, "0"}}));
     addRecord(d.db, "POINT", groups({{10, "-7"}, {20, "8"}}));
+    // A quadratic spline over (60, 0), (61, 2), (62, 0), weighted 1.
+    addRecord(d.db, "SPLINE", groups({{71, "2"}, {40, "0"}, {40, "0"}, {40, "0"}, {40, "1"}, {40, "1"}, {40, "1"},
+                                      {10, "60"}, {20, "0"}, {10, "61"}, {20, "2"}, {10, "62"}, {20, "0"}}));
     std::set<std::string> undrawn;
     const Scene scene = renderDrawing(d.db, &undrawn);
     EXPECT_EQ(undrawn, (std::set<std::string>{"HATCH"}));
@@ -134,8 +137,16 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     EXPECT_NEAR(halfDisc.maxX, 31, kTol);
     EXPECT_NEAR(halfDisc.minY, 0, kTol);
     EXPECT_NEAR(halfDisc.maxY, 1, kTol);
-    // The ellipse spans 3 and 1.5 about its centre; the point is a dot.
-    ASSERT_EQ(scene.polylines().size(), 4u);
+    // The ellipse spans 3 and 1.5 about its centre; the point is a dot;
+    // the spline runs from its first control point to its last through
+    // (61, 1) halfway.
+    ASSERT_EQ(scene.polylines().size(), 5u);
+    const Polyline& spline = scene.polylines()[4];
+    ASSERT_EQ(spline.count % 2, 1u);
+    EXPECT_NEAR(scene.points()[spline.first].x, 60, kTol);
+    EXPECT_NEAR(scene.points()[spline.first + spline.count / 2].x, 61, kTol);
+    EXPECT_NEAR(scene.points()[spline.first + spline.count / 2].y, 1, kTol);
+    EXPECT_NEAR(scene.points()[spline.first + spline.count - 1].x, 62, kTol);
     EXPECT_NEAR(segment(3, 0).x, -7, kTol);
     EXPECT_NEAR(segment(3, 1).y, 8, kTol);
     Bounds ellipse;
