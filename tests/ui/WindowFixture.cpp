@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
@@ -122,14 +123,20 @@ bool WindowFixture::closeWindow()
 
 void answerMessageBoxSoon(int button)
 {
-    QTimer::singleShot(0, [button] {
-        const auto tryAnswer = [button] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box)
-                return false;
+    // A timer that looks every few milliseconds works inside whatever
+    // event loop runs then, the message box's own included.
+    auto* timer = new QTimer;
+    timer->setInterval(10);
+    auto* deadline = new QDeadlineTimer(kWaitMs);
+    QObject::connect(timer, &QTimer::timeout, [timer, deadline, button] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box && !deadline->hasExpired())
+            return;
+        timer->stop();
+        timer->deleteLater();
+        delete deadline;
+        if (box)
             box->button(QMessageBox::StandardButton(button))->click();
-            return true;
-        };
-        static_cast<void>(QTest::qWaitFor(tryAnswer, 2000));
     });
+    timer->start();
 }

@@ -278,3 +278,17 @@ TEST_F(Window, UnsavedChangesAreAskedForOnClose)
     EXPECT_EQ(profile.getString(L"Window", L"Recent1"), std::optional(std::filesystem::path(path).wstring()));
     EXPECT_TRUE(profile.getBinary(L"Window", L"Geometry").has_value());
 }
+
+TEST_F(Window, QuitTypedWithUnsavedChangesAsksAndSaves)
+{
+    const std::string path = dir() + "/quit.dxf";
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
+    ASSERT_TRUE(saveAs(path));
+    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
+    answerMessageBoxSoon(QMessageBox::Yes);
+    type("QUIT");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !loopRunning() && !window().isVisible(); }, 10000));
+    QFile saved(QString::fromStdString(path));
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll().count("\nLINE\n"), 2);
+}
