@@ -56,9 +56,9 @@ MainWindow::MainWindow(CommandRunner& runner)
     statusBar()->addWidget(coordinates_);
     buildActions(dock);
     connectRunner();
+    resize(1200, 800);
     restoreSettings();
     setWindowTitle(QStringLiteral("Drawing1.dxf[*] - kaldo"));
-    resize(1200, 800);
     runner_.start();
     commandLine_->input()->setFocus();
 }
