@@ -1,10 +1,11 @@
 // The window's costs on a drawing of 100 000 multilines: a frame while the
 // rubber band moves (the drawing's picture copied, the drag's multiline, the
 // crosshair and the snap search drawn on top), a redraw after a pan (the
-// drawing painted again), and an object snap search among 1 000 000 line
-// segments. Frames are timed by the clock on the wall, as painting uses
+// drawing painted again); an object snap search among 1 000 000 line
+// segments, and an entity pick among 1 000 000 lines. Frames are timed by the clock on the wall, as painting uses
 // more than one thread.
 #include "ZigzagMultilines.h"
+#include "kaldo/ed/PickIndex.h"
 #include "kaldo/ui/Canvas.h"
 #include "kaldo/ui/ViewGeometry.h"
 #include "kaldo/view/DrawingRenderer.h"
@@ -107,6 +108,25 @@ void BM_SnapAmongAMillionSegments(benchmark::State& state)
     }
 }
 BENCHMARK(BM_SnapAmongAMillionSegments)->Unit(benchmark::kMicrosecond);
+
+void BM_PickAmongAMillionLines(benchmark::State& state)
+{
+    KxDbDatabase db;
+    for (int i = 0; i < kSegments; ++i) {
+        const double x = (i % 1000) * 10.0, y = (i / 1000) * 10.0;
+        auto* line = new KxDbLine({x, y, 0}, {x + 7, y + 3, 0});
+        line->setDatabaseDefaults(&db);
+        db.addToCurrentSpace(line);
+        line->close();
+    }
+    kaldo::PickIndex picks;
+    picks.nearest(db, {0, 0, 0}, 1.0);  // builds the index
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> place(0, 10000);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(picks.nearest(db, {place(random), place(random), 0}, 1.0));
+}
+BENCHMARK(BM_PickAmongAMillionLines)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

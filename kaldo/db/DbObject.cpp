@@ -42,9 +42,11 @@ Kald::ErrorStatus KxDbObject::close()
 {
     if (!m_database)
         return Kald::eOk;
-    if (m_openForWrite)
+    if (m_openForWrite) {
         m_openForWrite = false;
-    else if (m_readers > 0)
+        // Changes made while open count once more when they are done.
+        m_database->noteChange();
+    } else if (m_readers > 0)
         --m_readers;
     else
         return Kald::eNotApplicable;

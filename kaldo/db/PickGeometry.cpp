@@ -60,11 +60,13 @@ double arcDistance(const KxDbArc& arc, const KxGePoint3d& p)
     return best;
 }
 
-double mlineDistance(const KxDbMline& mline, const KxGePoint3d& p)
+// Calls visit(from, to) for every drawn run of every element line, as the
+// parameter lists place it.
+template <class Visit>
+void forEachRun(const KxDbMline& mline, Visit&& visit)
 {
     const int n = mline.numVertices();
     const int segments = mline.closedMline() ? n : n - 1;
-    double best = kNothing;
     KxArray here;
     KxArray there;
     for (int v = 0; v < segments; ++v) {
@@ -86,11 +88,30 @@ double mlineDistance(const KxDbMline& mline, const KxGePoint3d& p)
             for (std::size_t i = 1; i < list.size(); i += 2) {
                 const double from = list[i];
                 const double to = i + 1 < list.size() ? list[i + 1] : length;
-                best = std::min(best, segmentDistanceXY(p, a + axis * from, a + axis * to));
+                visit(a + axis * from, a + axis * to);
             }
         }
     }
+}
+
+double mlineDistance(const KxDbMline& mline, const KxGePoint3d& p)
+{
+    double best = kNothing;
+    forEachRun(mline, [&](const KxGePoint3d& a, const KxGePoint3d& b) { best = std::min(best, segmentDistanceXY(p, a, b)); });
     return best;
+}
+
+void addToBox(Box& box, bool& empty, const KxGePoint3d& p)
+{
+    if (empty) {
+        box = {p.x, p.y, p.x, p.y};
+        empty = false;
+        return;
+    }
+    box.minX = std::min(box.minX, p.x);
+    box.minY = std::min(box.minY, p.y);
+    box.maxX = std::max(box.maxX, p.x);
+    box.maxY = std::max(box.maxY, p.y);
 }
 
 }  // namespace
@@ -104,6 +125,26 @@ double pickDistance(const KxDbEntity& entity, const KxGePoint3d& worldPoint)
     if (const auto* mline = KxDbMline::cast(&entity))
         return mlineDistance(*mline, worldPoint);
     return kNothing;
+}
+
+bool pickExtents(const KxDbEntity& entity, Box& box)
+{
+    bool empty = true;
+    if (const auto* line = KxDbLine::cast(&entity)) {
+        addToBox(box, empty, line->startPoint());
+        addToBox(box, empty, line->endPoint());
+    } else if (const auto* arc = KxDbArc::cast(&entity)) {
+        // The sphere round the arc's circle holds it in any plane.
+        const KxGeVector3d reach(arc->radius(), arc->radius(), 0);
+        addToBox(box, empty, arc->center() - reach);
+        addToBox(box, empty, arc->center() + reach);
+    } else if (const auto* mline = KxDbMline::cast(&entity)) {
+        forEachRun(*mline, [&](const KxGePoint3d& a, const KxGePoint3d& b) {
+            addToBox(box, empty, a);
+            addToBox(box, empty, b);
+        });
+    }
+    return !empty;
 }
 
 }  // namespace kaldo

@@ -11,6 +11,7 @@
 
 #include "kaldo/ed/InputSource.h"
 #include "kaldo/ed/Keywords.h"
+#include "kaldo/ed/PickIndex.h"
 #include "kaldo/ed/PointInput.h"
 #include "kaldo/ed/SystemVariables.h"
 #include "kaldo/ed/View.h"
@@ -140,6 +141,7 @@ private:
     std::optional<std::wstring> keyword_;
     SystemVariables variables_;
     View view_;
+    PickIndex pickIndex_;
 };
 
 // The host's editor, or null outside a session.

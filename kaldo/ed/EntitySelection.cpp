@@ -1,45 +1,14 @@
 // Selecting an entity with a point: the nearest entity of the current space
-// within the pick box (PICKBOX pixels of the current view).
+// within the pick box (PICKBOX pixels of the current view), found through
+// the editor's pick index.
 #include "kaldo/core/Host.h"
-#include "kaldo/db/PickGeometry.h"
 #include "kaldo/ed/Coordinates.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/Text.h"
 #include "kxdb.h"
 #include "kxed.h"
 
-#include <limits>
-
 namespace kaldo {
-
-namespace {
-
-// The entity of the current space nearest to world within tolerance.
-KxDbObjectId nearestEntity(const KxGePoint3d& world, double tolerance)
-{
-    const KxDbDatabase* db = host().database;
-    if (!db)
-        return {};
-    KxDbObjectPtr<KxDbBlockTableRecord> space(db->currentSpaceId(), KxDb::kForRead);
-    if (!space)
-        return {};
-    KxDbObjectId best;
-    double bestDistance = std::numeric_limits<double>::infinity();
-    const auto it = space->newIterator();
-    for (it->start(); !it->done(); it->step()) {
-        KxDbObjectPtr<KxDbEntity> entity(it->getEntityId(), KxDb::kForRead);
-        if (!entity)
-            continue;
-        const double d = pickDistance(*entity, world);
-        if (d <= tolerance && d < bestDistance) {
-            bestDistance = d;
-            best = entity->objectId();
-        }
-    }
-    return best;
-}
-
-}  // namespace
 
 int Editor::entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& point)
 {
@@ -59,7 +28,9 @@ int Editor::entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& 
             return std::nullopt;
         }
         const double tolerance = variables_.shortValue(L"PICKBOX", 3) * view_.unitSquarePerPixel();
-        const KxDbObjectId id = nearestEntity(ucsToWorld(currentUcs(), point), tolerance);
+        const KxDbDatabase* db = host().database;
+        const KxDbObjectId id =
+            db ? pickIndex_.nearest(*db, ucsToWorld(currentUcs(), point), tolerance) : KxDbObjectId();
         if (id.isNull()) {
             variables_.set(L"ERRNO", short(OL_ENTSELPICK));
             return RTERROR;

@@ -5,6 +5,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QRegion>
 #include <QWheelEvent>
 
 #include <cmath>
@@ -182,19 +183,46 @@ const QImage& Canvas::drawingPicture()
     const QSize pixels(int(width() * ratio), int(height() * ratio));
     if (pictureValid_ && picture_.size() == pixels)
         return picture_;
-    if (picture_.size() != pixels)
-        picture_ = QImage(pixels, QImage::Format_RGB32);
-    picture_.fill(QColor::fromRgb(QRgb(0xFF000000u | view::backgroundRgb(kBackground))));
-    if (drawing_.scene) {
-        ViewPlacement scaled = placement_;
-        scaled.unitsPerPixel /= ratio;
-        scaled.widthPixels = pixels.width();
-        scaled.heightPixels = pixels.height();
+    const QColor background = QColor::fromRgb(QRgb(0xFF000000u | view::backgroundRgb(kBackground)));
+    ViewPlacement scaled = placement_;
+    scaled.unitsPerPixel /= ratio;
+    scaled.widthPixels = pixels.width();
+    scaled.heightPixels = pixels.height();
+    const view::PictureFrame frame = frameOf(scaled);
+    // A pan by whole pixels moves the picture and paints the strips it
+    // uncovers only.
+    const double shiftX = (pictureFor_.centre.x - placement_.centre.x) / scaled.unitsPerPixel;
+    const double shiftY = (placement_.centre.y - pictureFor_.centre.y) / scaled.unitsPerPixel;
+    const bool scroll = picture_.size() == pixels && pictureScene_ == drawing_.scene.get() && drawing_.scene
+        && pictureFor_.unitsPerPixel == placement_.unitsPerPixel && std::abs(shiftX - std::round(shiftX)) < 1e-6
+        && std::abs(shiftY - std::round(shiftY)) < 1e-6 && std::abs(shiftX) < pixels.width()
+        && std::abs(shiftY) < pixels.height();
+    if (scroll) {
+        const int dx = int(std::lround(shiftX));
+        const int dy = int(std::lround(shiftY));
+        QImage moved(pixels, QImage::Format_RGB32);
+        moved.fill(background);
+        QPainter painter(&moved);
+        painter.drawImage(dx, dy, picture_);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QRegion uncovered(QRect(QPoint(0, 0), pixels));
+        uncovered -= QRect(QPoint(dx, dy), pixels);
+        painter.setClipRegion(uncovered);
+        view::paintScene(painter, *drawing_.scene, frame, kBackground, uncovered);
+        painter.end();
+        picture_ = std::move(moved);
+    } else {
+        if (picture_.size() != pixels)
+            picture_ = QImage(pixels, QImage::Format_RGB32);
+        picture_.fill(background);
         constexpr int kMostBands = 4;
-        view::paintScene(picture_, *drawing_.scene, frameOf(scaled), kBackground,
-                         std::clamp(int(std::thread::hardware_concurrency()), 1, kMostBands));
+        if (drawing_.scene)
+            view::paintScene(picture_, *drawing_.scene, frame, kBackground,
+                             std::clamp(int(std::thread::hardware_concurrency()), 1, kMostBands));
     }
     picture_.setDevicePixelRatio(ratio);
+    pictureFor_ = placement_;
+    pictureScene_ = drawing_.scene.get();
     pictureValid_ = true;
     return picture_;
 }

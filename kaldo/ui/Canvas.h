@@ -2,7 +2,7 @@
 // it, with the drag's entity, highlights, the crosshair, the pick box and
 // the snap marker on top. The drawing is painted once per view into a
 // picture that each frame only copies, so that a frame costs the same for
-// any drawing. Middle drag pans, the wheel zooms at the cursor, a middle
+// any drawing; a pan moves the picture and paints what it uncovers. Middle drag pans, the wheel zooms at the cursor, a middle
 // double click shows everything. Left clicks give points: snapped and
 // ortho-constrained where the command line asks for a point.
 #pragma once
@@ -73,6 +73,8 @@ private:
     bool fittedOnce_ = false;
     QImage picture_;
     bool pictureValid_ = false;
+    ViewPlacement pictureFor_;                  // what picture_ shows
+    const view::Scene* pictureScene_ = nullptr;
     std::shared_ptr<const view::Scene> dragScene_;
     std::shared_ptr<const view::Scene> highlight_;
     InputState input_;

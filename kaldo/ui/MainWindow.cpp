@@ -56,9 +56,9 @@ MainWindow::MainWindow(CommandRunner& runner)
     statusBar()->addWidget(coordinates_);
     buildActions(dock);
     connectRunner();
+    resize(1200, 800);
     restoreSettings();
     setWindowTitle(QStringLiteral("Drawing1.dxf[*] - kaldo"));
-    resize(1200, 800);
     runner_.start();
     commandLine_->input()->setFocus();
 }
@@ -148,10 +148,7 @@ void MainWindow::connectRunner()
         canvas_->setInputState(state);
         commandLine_->setPrompt(state.keywords, state.acceptBlanks);
     });
-    connect(&runner_, &CommandRunner::loopEnded, this, [this] {
-        loopEnded_ = true;
-        close();
-    });
+    connect(&runner_, &CommandRunner::loopEnded, this, [this] { commandLoopEnded(); });
     connect(canvas_, &Canvas::placementChanged, this, [this](const ViewPlacement& placement) {
         runner_.post([this, placement] { runner_.session().editor().view().place(placement); });
     });
@@ -306,6 +303,23 @@ void MainWindow::openFile(const QString& path)
         return;
     saveThen(saveTo, [this, path] { openDrawingReporting(runner_.session(), path.toStdWString()); },
              tr("Opening %1...").arg(QFileInfo(path).fileName()));
+}
+
+void MainWindow::commandLoopEnded()
+{
+    loopEnded_ = true;
+    // QUIT typed: the question comes now. No command runs any more, so the
+    // drawing is saved from here; Cancel cannot bring the session back.
+    Session& session = runner_.session();
+    if (!closing_ && session.modified()) {
+        drawing_.modified = true;
+        if (askToSave() == SaveFirst::Yes) {
+            const QString path = savePath(false);
+            if (!path.isEmpty())
+                saveDrawingReporting(session, path.toStdWString());
+        }
+    }
+    close();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

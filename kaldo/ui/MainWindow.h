@@ -70,6 +70,7 @@ private:
     void saveThen(const QString& path, std::function<void()> next, const QString& busyText);
     void save(bool askAlways);
     void chooseAndOpen();
+    void commandLoopEnded();
 
     CommandRunner& runner_;
     Canvas* canvas_;

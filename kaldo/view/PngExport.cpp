@@ -23,19 +23,21 @@ QColor qtColor(std::uint32_t rgb)
     return QColor::fromRgb(QRgb(0xFF000000u | rgb));
 }
 
-// Rows top .. bottom - 1 of the picture.
+// A part of the picture to paint, in pixels.
 struct Band {
-    int top = 0;
-    int bottom = 0;
+    double top = 0;
+    double bottom = 0;
+    double left = -std::numeric_limits<double>::infinity();
+    double right = std::numeric_limits<double>::infinity();
 };
 
-// Paints the part of a scene that falls in one band of rows; only items
-// reaching the band are drawn, in scene order.
+// Paints the part of a scene that falls in some areas of the picture;
+// only items reaching one of them are drawn, in scene order.
 class ScenePainter {
 public:
     ScenePainter(const Scene& scene, Background background, QPainter& painter, const PictureFrame& frame,
-                 const Band& band)
-        : m_scene(scene), m_background(background), m_frame(frame), m_band(band), m_painter(painter)
+                 std::vector<Band> bands)
+        : m_scene(scene), m_background(background), m_frame(frame), m_bands(std::move(bands)), m_painter(painter)
     {
         m_lines.reserve(kBatch);
     }
@@ -67,9 +69,12 @@ private:
 
     QPointF pixel(const Point2& p) const { return {m_frame.x(p.x), m_frame.y(p.y)}; }
 
-    bool reachesBand(double top, double bottom) const
+    bool reachesBand(double top, double bottom, double left, double right) const
     {
-        return bottom >= m_band.top - kReach && top < m_band.bottom + kReach;
+        return std::any_of(m_bands.begin(), m_bands.end(), [&](const Band& band) {
+            return bottom >= band.top - kReach && top < band.bottom + kReach && right >= band.left - kReach
+                && left < band.right + kReach;
+        });
     }
 
     // Points that are not numbers leave the rows they span alone: the
@@ -78,19 +83,25 @@ private:
     {
         double top = std::numeric_limits<double>::infinity();
         double bottom = -top;
+        double left = top;
+        double right = -top;
         for (const Point2* p = m_scene.points().data() + first; p != m_scene.points().data() + first + count; ++p) {
             const double y = m_frame.y(p->y);
             top = std::min(top, y);
             bottom = std::max(bottom, y);
+            const double x = m_frame.x(p->x);
+            left = std::min(left, x);
+            right = std::max(right, x);
         }
-        return reachesBand(top, bottom);
+        return reachesBand(top, bottom, left, right);
     }
 
     bool reachesBand(const Arc& arc) const
     {
+        const double x = m_frame.x(arc.centre.x);
         const double y = m_frame.y(arc.centre.y);
         const double radius = std::abs(arc.radius * m_frame.scale());
-        return reachesBand(y - radius, y + radius);
+        return reachesBand(y - radius, y + radius, x - radius, x + radius);
     }
 
     void paintFills()
@@ -178,7 +189,7 @@ private:
     const Scene& m_scene;
     Background m_background;
     const PictureFrame& m_frame;
-    Band m_band;
+    std::vector<Band> m_bands;
     QPainter& m_painter;
     std::vector<QLineF> m_lines;
     std::vector<QPointF> m_points;
@@ -189,7 +200,16 @@ private:
 void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background, int top,
                 int bottom)
 {
-    ScenePainter(scene, background, painter, frame, {top, bottom}).paint();
+    ScenePainter(scene, background, painter, frame, {Band{double(top), double(bottom)}}).paint();
+}
+
+void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background,
+                const QRegion& area)
+{
+    std::vector<Band> bands;
+    for (const QRect& rect : area)
+        bands.push_back({double(rect.top()), double(rect.bottom() + 1), double(rect.left()), double(rect.right() + 1)});
+    ScenePainter(scene, background, painter, frame, std::move(bands)).paint();
 }
 
 void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands)

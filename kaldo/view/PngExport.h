@@ -4,6 +4,7 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QRegion>
 
 #include <filesystem>
 #include <string>
@@ -17,6 +18,9 @@ namespace kaldo::view {
 // the caller's; pens and brushes are changed.
 void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background, int top,
                 int bottom);
+// The same for the items that reach area (pixels).
+void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background,
+                const QRegion& area);
 
 // Paints a scene over image, as frame places it, in horizontal bands of
 // rows, each by a thread of its own; it comes out the same for any number

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -184,6 +185,119 @@ bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
     for (const int corner : {0, 1, 3, 2})
         scene.addPoint({groupNumber(groups, 10 + corner, 0), groupNumber(groups, 20 + corner, 0)});
     scene.endPolygon(color);
+    return true;
+}
+
+bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene)
+{
+    if (groupNumber(groups, 70, 0) != 1)
+        return false;  // patterns are not drawn, solid fills are
+    // The boundary paths follow group 91; each starts with its flags (92).
+    auto g = std::find_if(groups.begin(), groups.end(), [](const KxDbFileGroup& x) { return x.code == 91; });
+    if (g == groups.end())
+        return false;
+    const auto number = [](const KxDbFileGroup& x) { return QString::fromStdString(x.value).trimmed().toDouble(); };
+    const auto next = [&](int code) {
+        g = std::find_if(g, groups.end(), [code](const KxDbFileGroup& x) { return x.code == code; });
+        return g == groups.end() ? 0.0 : number(*g++);
+    };
+    const int paths = int(number(*g++));
+    for (int path = 0; path < paths; ++path) {
+        const int flags = int(next(92));
+        scene.beginPolygon();
+        if (flags & 2) {
+            // A polyline path: its vertices (bulges are drawn as chords).
+            const int vertices = int(next(93));
+            for (int v = 0; v < vertices; ++v) {
+                const double x = next(10);
+                scene.addPoint({x, next(20)});
+            }
+        } else {
+            // Edges: lines and arcs (other edges by their end points).
+            const int edges = int(next(93));
+            for (int e = 0; e < edges; ++e) {
+                const int type = int(next(72));
+                const double x = next(10), y = next(20);
+                if (type == 2) {
+                    // Arcs run counter-clockwise from start to end; a
+                    // clockwise one (73 = 0) gives its angles negated.
+                    const double radius = next(40), start = degrees(next(50)), end = degrees(next(51));
+                    const double turn = next(73) != 0 ? 1.0 : -1.0;
+                    double sweep = std::fmod(end - start, 2 * std::numbers::pi);
+                    if (sweep <= 0)
+                        sweep += 2 * std::numbers::pi;
+                    constexpr int kSteps = 32;
+                    for (int i = 0; i <= kSteps; ++i) {
+                        const double a = turn * (start + sweep * i / kSteps);
+                        scene.addPoint({x + radius * std::cos(a), y + radius * std::sin(a)});
+                    }
+                } else {
+                    scene.addPoint({x, y});
+                }
+            }
+        }
+        scene.endPolygon(color);
+    }
+    return true;
+}
+
+bool drawSplineRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    const auto number = [](const KxDbFileGroup& x) { return QString::fromStdString(x.value).trimmed().toDouble(); };
+    std::vector<double> knots, weights;
+    std::vector<Point2> control, fit;
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        const int code = groups[i].code;
+        const bool pair = i + 1 < groups.size() && groups[i + 1].code == code + 10;
+        if (code == 40)
+            knots.push_back(number(groups[i]));
+        else if (code == 41)
+            weights.push_back(number(groups[i]));
+        else if ((code == 10 || code == 11) && pair)
+            (code == 10 ? control : fit).push_back({number(groups[i]), number(groups[i + 1])});
+    }
+    const int degree = int(groupNumber(groups, 71, 3));
+    const std::size_t n = control.size();
+    const bool valid = degree >= 1 && n > std::size_t(degree) && knots.size() == n + std::size_t(degree) + 1
+        && (weights.empty() || weights.size() == n);
+    if (!valid) {
+        // Without a usable control net the fit points are joined.
+        if (fit.size() < 2)
+            return false;
+        scene.beginPolyline(pen);
+        for (const Point2& p : fit)
+            scene.addPoint(p);
+        scene.endPolyline();
+        return true;
+    }
+    // De Boor's algorithm on homogeneous points (x w, y w, w).
+    const auto at = [&](double t) {
+        std::size_t span = std::size_t(degree);
+        while (span + 1 < n && t >= knots[span + 1])
+            ++span;
+        std::vector<std::array<double, 3>> d;
+        for (std::size_t j = span - std::size_t(degree); j <= span; ++j) {
+            const double w = weights.empty() ? 1.0 : weights[j];
+            d.push_back({control[j].x * w, control[j].y * w, w});
+        }
+        for (int r = 1; r <= degree; ++r)
+            for (int j = degree; j >= r; --j) {
+                const std::size_t k = span - std::size_t(degree) + std::size_t(j);
+                const double span_ = knots[k + std::size_t(degree) + 1 - std::size_t(r)] - knots[k];
+                const double a = span_ > 0 ? (t - knots[k]) / span_ : 0.0;
+                for (int c = 0; c < 3; ++c)
+                    d[std::size_t(j)][std::size_t(c)] =
+                        (1 - a) * d[std::size_t(j) - 1][std::size_t(c)] + a * d[std::size_t(j)][std::size_t(c)];
+            }
+        const auto& h = d[std::size_t(degree)];
+        return h[2] != 0 ? Point2{h[0] / h[2], h[1] / h[2]} : Point2{h[0], h[1]};
+    };
+    const double first = knots[std::size_t(degree)], last = knots[n];
+    const int steps = int(16 * n);
+    scene.beginPolyline(pen);
+    for (int i = 0; i <= steps; ++i)
+        scene.addPoint(at(first + (last - first) * i / steps));
+    scene.endPolyline();
     return true;
 }
 

@@ -1,5 +1,5 @@
 // Shapes of entities that the host keeps as records as read (TEXT, ATTRIB,
-// MTEXT, SOLID, ELLIPSE), drawn from their groups into a scene. Texts are
+// MTEXT, SOLID, solid HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts are
 // the outlines of their letters in Qt's sans-serif font, scaled so that a
 // capital is as tall as the text height; MTEXT's paragraph breaks start new
 // lines and its other formatting codes are left out. Texts need a
@@ -17,7 +17,13 @@ namespace kaldo::view {
 bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
 bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
 bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
+// Solid fills only; polyline paths with bulges and edges other than lines
+// and arcs are drawn by their corners.
+bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
 bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
+// The curve of the control points, knots and weights, as a polyline; the
+// fit points joined when the control net is unusable.
+bool drawSplineRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
 
 // The value of the first group of code, as a number; fallback when there is
 // none or it is no number.

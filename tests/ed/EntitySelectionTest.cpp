@@ -66,6 +66,27 @@ TEST_F(EntitySelection, PickBoxFollowsTheViewScale)
     EXPECT_EQ(picked(name), line);
 }
 
+// Picks go through an index of the drawing: they must see every change.
+TEST_F(EntitySelection, PicksFollowChangesToTheDrawing)
+{
+    const KxDbObjectId line = addLine({0, 0, 0}, {10, 0, 0});
+    script("5,0\n5,0\n5,50\n105,0\n");
+    kxds_name name;
+    double point[3];
+    ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
+    {
+        KxDbObjectPtr<KxDbLine> moved(line, KxDb::kForWrite);
+        moved->setStartPoint({0, 50, 0});
+        moved->setEndPoint({10, 50, 0});
+    }
+    EXPECT_EQ(kxedEntSel(L"", name, point), RTERROR);
+    ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
+    EXPECT_EQ(picked(name), line);
+    const KxDbObjectId added = addLine({100, 0, 0}, {110, 0, 0});
+    ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
+    EXPECT_EQ(picked(name), added);
+}
+
 TEST_F(EntitySelection, ErasedEntitiesKeywordsAndUserCoordinates)
 {
     const KxDbObjectId line = addLine({0, 0, 0}, {10, 0, 0});

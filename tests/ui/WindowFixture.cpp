@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
@@ -13,13 +14,13 @@ namespace {
 
 constexpr int kWaitMs = 10000;
 
+// Lives until the process ends and is never destroyed: QTest's input
+// devices would otherwise be torn down after the application they belong to.
 QApplication& application()
 {
     static int argc = 1;
     static char name[] = "test_ui";
     static char* argv[] = {name, nullptr};
-    // Never destroyed: input devices the tests' events created would
-    // otherwise be torn down after the platform plugin is gone.
     static QApplication* app = new QApplication(argc, argv);
     return *app;
 }
@@ -122,14 +123,20 @@ bool WindowFixture::closeWindow()
 
 void answerMessageBoxSoon(int button)
 {
-    QTimer::singleShot(0, [button] {
-        const auto tryAnswer = [button] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box)
-                return false;
+    // A timer that looks every few milliseconds works inside whatever
+    // event loop runs then, the message box's own included.
+    auto* timer = new QTimer;
+    timer->setInterval(10);
+    auto* deadline = new QDeadlineTimer(kWaitMs);
+    QObject::connect(timer, &QTimer::timeout, [timer, deadline, button] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box && !deadline->hasExpired())
+            return;
+        timer->stop();
+        timer->deleteLater();
+        delete deadline;
+        if (box)
             box->button(QMessageBox::StandardButton(button))->click();
-            return true;
-        };
-        static_cast<void>(QTest::qWaitFor(tryAnswer, 2000));
     });
+    timer->start();
 }

@@ -1,6 +1,7 @@
 // Records kept as read that the renderer draws: a block inserted scaled and
-// rotated (with a block inside it), a solid, an ellipse, texts placed by
-// their justification; kinds it cannot draw are named.
+// rotated (with a block inside it), a solid, solid hatches, an ellipse, a
+// point, a spline, texts placed by their justification; what it cannot draw (hatch
+// patterns) is named.
 #include "ViewDrawing.h"
 
 #include "kxdbunmodelled.h"
@@ -63,16 +64,6 @@ KxDbObjectId addBlock(KxDbDatabase& db, const wchar_t* name)
     return id;
 }
 
-// The bounds of the scene's polylines from first on.
-Bounds polylineBounds(const Scene& scene, std::size_t first)
-{
-    Bounds b;
-    for (std::size_t i = first; i < scene.polylines().size(); ++i)
-        for (std::uint32_t p = 0; p < scene.polylines()[i].count; ++p)
-            b.add(scene.points()[scene.polylines()[i].first + p]);
-    return b;
-}
-
 }  // namespace
 
 TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
@@ -103,7 +94,18 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     addRecord(d.db, "SOLID", groups({{10, "0"}, {20, "0"}, {11, "4"}, {21, "0"}, {12, "0"}, {22, "4"},
                                      {13, "4"}, {23, "4"}}));
     addRecord(d.db, "ELLIPSE", groups({{10, "50"}, {20, "0"}, {11, "3"}, {21, "0"}, {40, "0.5"}}));
-    addRecord(d.db, "HATCH", groups({{2, "SOLID"}}));
+    addRecord(d.db, "HATCH", groups({{2, "ANSI31"}, {70, "0"}, {91, "0"}}));
+    // A solid hatch: a triangle by its polyline path, and a half disc of
+    // radius 1 at (30, 0) by a line edge and an arc edge.
+    addRecord(d.db, "HATCH", groups({{10, "0"}, {20, "0"}, {2, "SOLID"}, {70, "1"}, {91, "2"}, {92, "2"}, {72, "0"},
+                                     {73, "1"}, {93, "3"}, {10, "20"}, {20, "0"}, {10, "24"}, {20, "0"}, {10, "20"},
+                                     {20, "3"}, {92, "1"}, {93, "2"}, {72, "1"}, {10, "29"}, {20, "0"}, {11, "31"},
+                                     {21, "0"}, {72, "2"}, {10, "30"}, {20, "0"}, {40, "1"}, {50, "0"}, {51, "180"},
+                                     {73, "1"}, {97, "0"}}));
+    addRecord(d.db, "POINT", groups({{10, "-7"}, {20, "8"}}));
+    // A quadratic spline over (60, 0), (61, 2), (62, 0), weighted 1.
+    addRecord(d.db, "SPLINE", groups({{71, "2"}, {40, "0"}, {40, "0"}, {40, "0"}, {40, "1"}, {40, "1"}, {40, "1"},
+                                      {10, "60"}, {20, "0"}, {10, "61"}, {20, "2"}, {10, "62"}, {20, "0"}}));
     std::set<std::string> undrawn;
     const Scene scene = renderDrawing(d.db, &undrawn);
     EXPECT_EQ(undrawn, (std::set<std::string>{"HATCH"}));
@@ -121,14 +123,38 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     EXPECT_NEAR(segment(1, 1).x, 1, kTol);
     EXPECT_NEAR(segment(1, 1).y, 20, kTol);
     // The solid's corners go round: 1, 2, 4, 3.
-    ASSERT_EQ(scene.polygons().size(), 1u);
+    ASSERT_EQ(scene.polygons().size(), 3u);
     EXPECT_NEAR(scene.points()[scene.polygons()[0].first + 2].x, 4, kTol);
     EXPECT_NEAR(scene.points()[scene.polygons()[0].first + 2].y, 4, kTol);
-    // The ellipse spans 3 and 1.5 about its centre.
-    const Bounds ellipse = polylineBounds(scene, 2);
+    const Polygon& triangle = scene.polygons()[1];
+    ASSERT_EQ(triangle.count, 3u);
+    EXPECT_NEAR(scene.points()[triangle.first + 1].x, 24, kTol);
+    EXPECT_NEAR(scene.points()[triangle.first + 2].y, 3, kTol);
+    Bounds halfDisc;
+    for (std::uint32_t p = 0; p < scene.polygons()[2].count; ++p)
+        halfDisc.add(scene.points()[scene.polygons()[2].first + p]);
+    EXPECT_NEAR(halfDisc.minX, 29, kTol);
+    EXPECT_NEAR(halfDisc.maxX, 31, kTol);
+    EXPECT_NEAR(halfDisc.minY, 0, kTol);
+    EXPECT_NEAR(halfDisc.maxY, 1, kTol);
+    // The ellipse spans 3 and 1.5 about its centre; the point is a dot;
+    // the spline runs from its first control point to its last through
+    // (61, 1) halfway.
+    ASSERT_EQ(scene.polylines().size(), 5u);
+    const Polyline& spline = scene.polylines()[4];
+    ASSERT_EQ(spline.count % 2, 1u);
+    EXPECT_NEAR(scene.points()[spline.first].x, 60, kTol);
+    EXPECT_NEAR(scene.points()[spline.first + spline.count / 2].x, 61, kTol);
+    EXPECT_NEAR(scene.points()[spline.first + spline.count / 2].y, 1, kTol);
+    EXPECT_NEAR(scene.points()[spline.first + spline.count - 1].x, 62, kTol);
+    EXPECT_NEAR(segment(3, 0).x, -7, kTol);
+    EXPECT_NEAR(segment(3, 1).y, 8, kTol);
+    Bounds ellipse;
+    for (std::uint32_t p = 0; p < scene.polylines()[2].count; ++p)
+        ellipse.add(scene.points()[scene.polylines()[2].first + p]);
     EXPECT_NEAR(ellipse.minX, 47, kTol);
     EXPECT_NEAR(ellipse.maxX, 53, kTol);
-    EXPECT_NEAR(ellipse.maxY, 1.5, 1e-3);
+    EXPECT_NEAR(ellipse.maxY, 1.5, kTol);
 
     // A text 2 high, centred (72 = 1) on (100, 0): its capitals stand on
     // the baseline, about 2 high, on both sides of the point.
