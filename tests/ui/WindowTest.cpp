@@ -7,16 +7,20 @@
 #include "kaldo/ui/ViewGeometry.h"
 #include "kaldo/util/Profile.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
 #include <QFile>
 #include <QJsonArray>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -291,4 +295,41 @@ TEST_F(Window, QuitTypedWithUnsavedChangesAsksAndSaves)
     QFile saved(QString::fromStdString(path));
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll().count("\nLINE\n"), 2);
+}
+
+// A module dialog opened by a command on the command thread shows over the
+// window, modal, on the window's thread; its choice reaches the waiting
+// command, and Escape leaves it without a tool. The dialog's own event loop
+// runs inside the test's waiting, so the test acts on it from a timer.
+TEST_F(Window, ModuleDialogOpensOverTheWindowAndItsChoiceReachesTheCommand)
+{
+    const auto actOnToolDialog = [this](const std::function<void(QDialog&)>& act) {
+        auto* timer = new QTimer;
+        timer->setInterval(10);
+        QObject::connect(timer, &QTimer::timeout, [this, timer, act] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (!dialog)
+                return;
+            timer->stop();
+            timer->deleteLater();
+            EXPECT_EQ(dialog->thread(), window().thread());
+            act(*dialog);
+        });
+        timer->start();
+    };
+
+    actOnToolDialog([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    type("MLEDIT");
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_FALSE(transcript().contains("Select mline"));
+
+    actOnToolDialog([](QDialog& dialog) {
+        for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
+            if (button->property("itemId").toInt() == 5767)
+                button->click();
+    });
+    type("MLEDIT");
+    ASSERT_TRUE(waitForPrompt("Select mline: ", Kind::Entity));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
 }
