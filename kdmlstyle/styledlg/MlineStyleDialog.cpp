@@ -310,11 +310,7 @@ void CKaldMlineStyleDialog::deleteStyle()
                                   + L"\"" + name + L"\"?";
     if (AfxMessageBox(question.c_str(), MB_YESNO | MB_ICONQUESTION) != IDYES)
         return;
-    {
-        const KxDbObjectPtr<KxDbDictionary> dictionary(m_dictionary.id, KxDb::kForWrite);
-        if (dictionary)
-            dictionary->remove(name.c_str());
-    }
+    removeStyle(m_dictionary.id, name);
     m_list.DeleteString(row);
     m_list.SetCurSel(row > 0 ? row - 1 : 0);
     m_list.SetFocus();

@@ -5,6 +5,7 @@
 #include "mlnfile/MlnElementTable.h"
 #include "mlnfile/StyleElementSetters.h"
 #include "styledlg/MlineStyleDialog.h"
+#include "styledlg/StyleDictionary.h"
 #include "ui/DialogPlacement.h"
 
 #include "kxdb.h"
@@ -528,12 +529,8 @@ void CKaldMlineStyleNewModifyDialog::OnOK()
 
 void CKaldMlineStyleNewModifyDialog::OnCancel()
 {
-    if (!m_modify) {
-        const KxDbObjectPtr<KxDbDictionary> dictionary(m_dictionaryId, KxDb::kForWrite);
-        if (!dictionary)
-            return;
-        dictionary->remove(m_newName.c_str());
-    }
+    if (!m_modify && !removeStyle(m_dictionaryId, m_newName))
+        return;
     EndDialog(IDCANCEL);
 }
 

@@ -28,4 +28,20 @@ bool findStyleDictionary(StyleDictionary& found)
     return !found.id.isNull() && kxdbGetEntityName(found.name, found.id) == Kald::eOk;
 }
 
+bool removeStyle(KxDbObjectId dictionaryId, const std::wstring& name)
+{
+    KxDbObjectId styleId;
+    {
+        const KxDbObjectPtr<KxDbDictionary> dictionary(dictionaryId, KxDb::kForWrite);
+        if (!dictionary)
+            return false;
+        if (dictionary->remove(name.c_str(), styleId) != Kald::eOk)
+            return true;
+    }
+    const KxDbObjectPtr<KxDbObject> style(styleId, KxDb::kForWrite);
+    if (style)
+        style->erase();
+    return true;
+}
+
 }  // namespace kdml

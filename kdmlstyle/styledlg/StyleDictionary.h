@@ -23,4 +23,9 @@ bool findStyleDictionary(StyleDictionary& found);
 // when there is none), found with the host's dictionary search.
 KxDbObjectId searchDictionary(const kxds_name dictionary, const std::wstring& key);
 
+// Removes the entry name from the dictionary and erases its object, so that
+// nothing of it is left in the drawing. False when the dictionary does not
+// open for write.
+bool removeStyle(KxDbObjectId dictionaryId, const std::wstring& name);
+
 }  // namespace kdml
