@@ -48,7 +48,8 @@ enum Item : int {
 
 enum Column : int { kOffsetColumn = 0, kColorColumn = 1, kLinetypeColumn = 2 };
 
-// Check box and flag bit, in the order the flag word is rebuilt.
+// Check box and flag bit, in the order the flag word is rebuilt; fill
+// comes first.
 constexpr std::array<std::pair<int, int>, 8> kFlagBoxes{{
     {kFill, kMlnFill},
     {kJoints, kMlnShowJoints},
@@ -155,6 +156,8 @@ void CKaldMlineStyleNewModifyDialog::DoDataExchange(CDataExchange* dx)
     DDX_Control(dx, kElementColor, m_elementColor);
     DDX_Control(dx, kLinetype, m_linetype);
     DDX_Control(dx, kOffset, m_offset);
+    for (std::size_t i = 0; i < kFlagBoxes.size(); ++i)
+        DDX_Control(dx, kFlagBoxes[i].first, m_flagBoxes[i]);
     DDX_Text(dx, kDescription, m_description);
     DDX_Text(dx, kStartAngle, m_startAngleText);
     DDX_Text(dx, kEndAngle, m_endAngleText);
@@ -225,8 +228,8 @@ void CKaldMlineStyleNewModifyDialog::fillControls(KxDbObjectId styleId)
         return;
     m_description = style->description();
     const int flags = styleFlags(*style);
-    for (const auto& [id, bit] : kFlagBoxes)
-        static_cast<CButton*>(GetDlgItem(id))->SetCheck(flags & bit ? BST_CHECKED : BST_UNCHECKED);
+    for (std::size_t i = 0; i < kFlagBoxes.size(); ++i)
+        m_flagBoxes[i].SetCheck(flags & kFlagBoxes[i].second ? BST_CHECKED : BST_UNCHECKED);
     m_fillColor.EnableWindow(style->filled());
     int fillRow = m_fillColor.FindItemByColor(style->fillColor());
     if (fillRow < 0) {
@@ -331,7 +334,7 @@ bool CKaldMlineStyleNewModifyDialog::OnCommand(int id, int code)
     }
     if (std::any_of(kFlagBoxes.begin(), kFlagBoxes.end(), [id](const auto& box) { return box.first == id; })) {
         if (id == kFill)
-            m_fillColor.EnableWindow(static_cast<CButton*>(GetDlgItem(kFill))->GetCheck() == BST_CHECKED);
+            m_fillColor.EnableWindow(m_flagBoxes[0].GetCheck() == BST_CHECKED);
         onFlagsClicked();
         return true;
     }
@@ -383,10 +386,9 @@ void CKaldMlineStyleNewModifyDialog::showRow()
 int CKaldMlineStyleNewModifyDialog::checkedFlags() const
 {
     int flags = 0;
-    for (const auto& [id, bit] : kFlagBoxes) {
-        if (static_cast<CButton*>(const_cast<CKaldMlineStyleNewModifyDialog*>(this)->GetDlgItem(id))->GetCheck()
-            == BST_CHECKED)
-            flags |= bit;
+    for (std::size_t i = 0; i < kFlagBoxes.size(); ++i) {
+        if (m_flagBoxes[i].GetCheck() == BST_CHECKED)
+            flags |= kFlagBoxes[i].second;
     }
     return flags;
 }

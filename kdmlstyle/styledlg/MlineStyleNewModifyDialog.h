@@ -14,6 +14,7 @@
 #include "kxuictrl.h"
 #include "kxuidialog.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -85,6 +86,7 @@ private:
     CKxUiTrueColorComboBox m_elementColor;
     CKxUiLineTypeComboBox m_linetype;
     CEdit m_offset;
+    std::array<CButton, 8> m_flagBoxes;  // fill, joints, then the caps
     std::vector<std::unique_ptr<KxCmColor>> m_rowColors;  // the rows' user pointers
 };
 
