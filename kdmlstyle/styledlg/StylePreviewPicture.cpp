@@ -54,6 +54,12 @@ void CMlStylePreviewPictureDrawer::paint(CWnd& control)
     m_dirty = false;
 }
 
+void CMlStylePreviewPictureDrawer::releaseWindow()
+{
+    m_previewer.reset();
+    m_dirty = true;
+}
+
 void CMlStylePreviewPictureDrawer::onSize(int cx, int cy)
 {
     if (!m_previewer)
@@ -124,11 +130,9 @@ void CMlStylePreviewPicture::OnSize(int, int cx, int cy)
     m_drawer->onSize(cx, cy);
 }
 
-// The previewer's canvas is a child of the control's widget and goes with
-// the dialog's window: a window opened later starts from a fresh build.
 void CMlStylePreviewPicture::OnDetaching()
 {
-    m_drawer->invalidate();
+    m_drawer->releaseWindow();
     CStatic::OnDetaching();
 }
 

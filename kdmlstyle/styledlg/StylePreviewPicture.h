@@ -27,6 +27,9 @@ public:
     void paint(CWnd& control);
     void onSize(int cx, int cy);
     void invalidate() { m_dirty = true; }
+    // The control's window is going: its previewer goes with it (on the
+    // thread that owns the window), and the next window builds anew.
+    void releaseWindow();
     // The entities shown now.
     const KdVector<KxGiDrawable*>& drawables() const { return m_drawables; }
 
