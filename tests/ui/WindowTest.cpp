@@ -301,7 +301,7 @@ TEST_F(Window, QuitTypedWithUnsavedChangesAsksAndSaves)
 // window, modal, on the window's thread; its choice reaches the waiting
 // command, and Escape leaves it without a tool. The dialog's own event loop
 // runs inside the test's waiting, so the test acts on it from a timer.
-TEST_F(Window, ModuleDialogOpensOverTheWindowAndItsChoiceReachesTheCommand)
+TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
 {
     const auto actOnToolDialog = [this](const std::function<void(QDialog&)>& act) {
         auto* timer = new QTimer;
@@ -331,5 +331,15 @@ TEST_F(Window, ModuleDialogOpensOverTheWindowAndItsChoiceReachesTheCommand)
     type("MLEDIT");
     ASSERT_TRUE(waitForPrompt("Select mline: ", Kind::Entity));
     press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+
+    // The style manager draws its preview on the window's thread too.
+    bool managerShown = false;
+    actOnToolDialog([&managerShown](QDialog& dialog) {
+        managerShown = !dialog.grab().isNull();
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    type("MLSTYLE");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return managerShown; }, 10000));
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
 }
