@@ -137,6 +137,8 @@ private:
             return drawSolidRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
         if (kind == "ELLIPSE")
             return drawEllipseRecord(groups, pen, m_scene);
+        if (kind == "HATCH")
+            return drawHatchRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
         if (kind == "INSERT")
             return drawBlock(groups, {{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)},
                                       groupNumber(groups, 41, 1), groupNumber(groups, 42, 1),

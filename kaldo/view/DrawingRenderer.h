@@ -1,7 +1,7 @@
 // The renderer: turns a drawing's model space into a scene. Entities on
 // layers that are off or frozen are left out. Besides the modelled
 // entities it draws records kept as read: TEXT, ATTRIB, MTEXT, SOLID,
-// ELLIPSE, and INSERT and DIMENSION through their blocks (nested, scaled,
+// ELLIPSE, solid HATCH, and INSERT and DIMENSION through their blocks (nested, scaled,
 // rotated; the block's base point taken as its origin).
 #pragma once
 
