@@ -1,0 +1,130 @@
+// EXPLODE through the real binary: the gallery's multilines (line, outer
+// and inner arc caps, joints, fills, a dashed element across bends) and
+// multilines after -MLEDIT's crosses, cuts and weld become lines, arcs and
+// hatches that ezdxf reads without any multiline, audits clean and finds
+// within the same extents, and that draw the same picture within a pixel.
+#include "EzdxfReport.h"
+#include "KaldoProcess.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QImage>
+#include <QJsonArray>
+
+#include <cmath>
+#include <sstream>
+
+using ::testing::HasSubstr;
+
+namespace {
+
+std::string galleryScript(const char* name)
+{
+    QFile file(QStringLiteral(KALDO_SOURCE_DIR "/docs/gallery/") + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+}
+
+bool near(QRgb a, QRgb b)
+{
+    constexpr int kChannel = 40;
+    return std::abs(qRed(a) - qRed(b)) <= kChannel && std::abs(qGreen(a) - qGreen(b)) <= kChannel &&
+           std::abs(qBlue(a) - qBlue(b)) <= kChannel;
+}
+
+// Pixels of a whose colour appears nowhere within one pixel of the same
+// place in b.
+int pixelsAloneIn(const QImage& a, const QImage& b)
+{
+    int alone = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            bool found = false;
+            for (int dy = -1; dy <= 1 && !found; ++dy)
+                for (int dx = -1; dx <= 1 && !found; ++dx)
+                    found = b.valid(x + dx, y + dy) && near(a.pixel(x, y), b.pixel(x + dx, y + dy));
+            alone += found ? 0 : 1;
+        }
+    }
+    return alone;
+}
+
+struct Drawn {
+    EzdxfReport report;
+    QImage picture;
+    std::string transcript;
+};
+
+Drawn runAndRead(const KaldoProcess& kaldo, const std::string& script, const std::string& name)
+{
+    const std::string dxf = (kaldo.dir() / (name + ".dxf")).string();
+    const std::string png = (kaldo.dir() / (name + ".png")).string();
+    const KaldoRun run = kaldo.runScript(
+        script, {"--save", QString::fromStdString(dxf), "--export", QString::fromStdString(png), "--size", "1200"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    return {readWithEzdxf(dxf, "ezdxf_explode.py"), QImage(QString::fromStdString(png)), run.out};
+}
+
+// Explodes a gallery script's multilines, picked at the given points, and
+// compares the drawing before and after.
+void expectSameDrawing(const char* gallery, const std::vector<std::string>& picks, int filled)
+{
+    KaldoProcess kaldo;
+    kaldo.writeFile("gallery.mln", [] {
+        QFile file(QStringLiteral(KALDO_SOURCE_DIR "/docs/gallery/gallery.mln"));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+    }());
+    const std::string drawing = galleryScript(gallery);
+    ASSERT_FALSE(drawing.empty());
+    std::ostringstream explode;
+    explode << "EXPLODE\n";
+    for (const std::string& pick : picks)
+        explode << pick << "\n";
+    // The first pick again finds a line now.
+    explode << picks.front() << "\n\n";
+
+    const Drawn before = runAndRead(kaldo, drawing, "before");
+    const Drawn after = runAndRead(kaldo, drawing + explode.str(), "after");
+    EXPECT_THAT(after.transcript, HasSubstr("Not a multiline."));
+    EXPECT_THAT(after.transcript, HasSubstr("\n" + std::to_string(picks.size()) + " exploded."));
+
+    ASSERT_TRUE(before.report.ran) << before.report.problem;
+    ASSERT_TRUE(after.report.ran) << after.report.problem;
+    EXPECT_TRUE(after.report.file["errors"].toArray().isEmpty()) << gallery;
+    EXPECT_TRUE(after.report.file["fixes"].toArray().isEmpty()) << gallery;
+    const QJsonObject kinds = after.report.file["kinds"].toObject();
+    EXPECT_EQ(before.report.file["kinds"].toObject()["MLINE"].toInt(), int(picks.size()));
+    EXPECT_FALSE(kinds.contains("MLINE"));
+    EXPECT_GT(kinds["LINE"].toInt(), 0);
+    EXPECT_EQ(kinds["HATCH"].toInt(), filled);
+    const QJsonArray from = before.report.file["extents"].toArray();
+    const QJsonArray to = after.report.file["extents"].toArray();
+    ASSERT_EQ(from.size(), 4);
+    ASSERT_EQ(to.size(), 4);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_NEAR(from[i].toDouble(), to[i].toDouble(), 1e-9) << gallery << " extent " << i;
+
+    ASSERT_FALSE(before.picture.isNull());
+    ASSERT_EQ(before.picture.size(), after.picture.size());
+    EXPECT_EQ(pixelsAloneIn(before.picture, after.picture), 0) << gallery;
+    EXPECT_EQ(pixelsAloneIn(after.picture, before.picture), 0) << gallery;
+}
+
+}  // namespace
+
+TEST(ExplodeSession, GalleryCapsJointsFillsAndEditedMultilinesDrawTheSameExploded)
+{
+    // Four rows of eight styles: caps alone, filled, with joints, both.
+    std::vector<std::string> caps;
+    for (int row = 0; row < 4; ++row)
+        for (int column = 0; column < 8; ++column)
+            caps.push_back(std::to_string(13 * column + 2.5) + "," + std::to_string(-9 * row + 0.75));
+    expectSameDrawing("caps.scr", caps, 16);
+
+    // Crosses, a single cut, cuts all and a weld.
+    expectSameDrawing("gaps.scr",
+                      {"2,0.75", "10.75,-5", "28,0.75", "36.75,-5", "54,0.75", "62.75,-5", "2,-13.25", "28,-13.25",
+                       "54,-13.25"},
+                      0);
+}
