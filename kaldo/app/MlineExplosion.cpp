@@ -196,4 +196,37 @@ Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id)
     return made;
 }
 
+int explodeAllMlines(KxDbDatabase& db)
+{
+    std::vector<KxDbObjectId> mlines;
+    {
+        KxDbBlockTable* opened = nullptr;
+        if (db.getBlockTable(opened, KxDb::kForRead) != Kald::eOk)
+            return 0;
+        const KxDbObjectPtr<KxDbBlockTable> table(opened);
+        const auto blocks = table->newIterator();
+        for (blocks->start(); !blocks->done(); blocks->step()) {
+            KxDbObjectId blockId;
+            if (blocks->getRecordId(blockId) != Kald::eOk)
+                continue;
+            const KxDbObjectPtr<KxDbBlockTableRecord> block(blockId, KxDb::kForRead);
+            if (!block)
+                continue;
+            const auto entities = block->newIterator();
+            for (entities->start(); !entities->done(); entities->step()) {
+                KxDbEntity* entity = nullptr;
+                if (entities->getEntity(entity, KxDb::kForRead) != Kald::eOk)
+                    continue;
+                const KxDbObjectPtr<KxDbEntity> open(entity);
+                if (KxDbMline::cast(entity))
+                    mlines.push_back(entity->objectId());
+            }
+        }
+    }
+    int exploded = 0;
+    for (const KxDbObjectId& id : mlines)
+        exploded += explodeMline(db, id).exploded ? 1 : 0;
+    return exploded;
+}
+
 }  // namespace kaldo

@@ -25,4 +25,8 @@ struct Explosion {
 // was and nothing is added.
 Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id);
 
+// Explodes every multiline of every block of db (model and paper space
+// included); returns how many were exploded.
+int explodeAllMlines(KxDbDatabase& db);
+
 }  // namespace kaldo

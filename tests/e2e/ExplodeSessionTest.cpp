@@ -2,7 +2,8 @@
 // and inner arc caps, joints, fills, a dashed element across bends) and
 // multilines after -MLEDIT's crosses, cuts and weld become lines, arcs and
 // hatches that ezdxf reads without any multiline, audits clean and finds
-// within the same extents, and that draw the same picture within a pixel.
+// within the same extents, and that draw the same picture within a pixel;
+// exploded copies saved by SAVEAS and --save-exploded hold the same.
 #include "EzdxfReport.h"
 #include "KaldoProcess.h"
 
@@ -56,12 +57,14 @@ struct Drawn {
     std::string transcript;
 };
 
-Drawn runAndRead(const KaldoProcess& kaldo, const std::string& script, const std::string& name)
+Drawn runAndRead(const KaldoProcess& kaldo, const std::string& script, const std::string& name,
+                 const QStringList& extraArgs = {})
 {
     const std::string dxf = (kaldo.dir() / (name + ".dxf")).string();
     const std::string png = (kaldo.dir() / (name + ".png")).string();
-    const KaldoRun run = kaldo.runScript(
-        script, {"--save", QString::fromStdString(dxf), "--export", QString::fromStdString(png), "--size", "1200"});
+    const KaldoRun run = kaldo.runScript(script, QStringList{"--save", QString::fromStdString(dxf), "--export",
+                                                             QString::fromStdString(png), "--size", "1200"} +
+                                                     extraArgs);
     EXPECT_EQ(run.exitCode, 0) << run.err;
     return {readWithEzdxf(dxf, "ezdxf_explode.py"), QImage(QString::fromStdString(png)), run.out};
 }
@@ -84,8 +87,23 @@ void expectSameDrawing(const char* gallery, const std::vector<std::string>& pick
     // The first pick again finds a line now.
     explode << picks.front() << "\n\n";
 
-    const Drawn before = runAndRead(kaldo, drawing, "before");
+    // Exploded copies by SAVEAS and --save-exploded leave the drawing its
+    // multilines.
+    const std::string copy = (kaldo.dir() / "copy.dxf").string();
+    const std::string option = (kaldo.dir() / "option.dxf").string();
+    const Drawn before = runAndRead(kaldo, drawing + "SAVEAS\nExploded\n" + copy + "\n", "before",
+                                    {"--save-exploded", QString::fromStdString(option)});
     const Drawn after = runAndRead(kaldo, drawing + explode.str(), "after");
+    EXPECT_THAT(before.transcript, HasSubstr("with " + std::to_string(picks.size()) + " multilines exploded."));
+    for (const std::string& file : {copy, option}) {
+        const EzdxfReport report = readWithEzdxf(file, "ezdxf_explode.py");
+        ASSERT_TRUE(report.ran) << report.problem;
+        EXPECT_TRUE(report.file["errors"].toArray().isEmpty()) << file;
+        EXPECT_TRUE(report.file["fixes"].toArray().isEmpty()) << file;
+        EXPECT_EQ(report.file["kinds"], after.report.file["kinds"]) << file;
+        EXPECT_EQ(report.file["looks"], after.report.file["looks"]) << file;
+        EXPECT_EQ(report.file["extents"], after.report.file["extents"]) << file;
+    }
     EXPECT_THAT(after.transcript, HasSubstr("Not a multiline."));
     EXPECT_THAT(after.transcript, HasSubstr("\n" + std::to_string(picks.size()) + " exploded."));
 
