@@ -1,5 +1,6 @@
 #include "kaldo/app/MlineExplosion.h"
 
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <memory>
@@ -123,25 +124,36 @@ private:
     {
         if (distance(from, to) <= kShortest)
             return;
-        auto line = std::make_unique<KxDbLine>(from, to);
-        line->setNormal(m_mline.normal());
-        place(std::move(line), element, continuous);
+        place(std::make_unique<KxDbLine>(from, to), element, continuous);
     }
 
     void fill(const view::MlineFill& fill) override { m_fills.push_back(fill.corners); }
     void run(const view::MlineRun& run) override { addLine(run.from, run.to, run.element, false); }
     void capLine(const view::MlineCapLine& line) override { addLine(line.from, line.to, line.element, true); }
 
+    // An arc in a plane seen from below (normal -Z) is written as the same
+    // arc about +Z, whose centre needs no turning into the plane's
+    // coordinates.
     void capArc(const view::MlineCapArc& arc) override
     {
-        const double start = arc.sweep < 0 ? arc.start + arc.sweep : arc.start;
-        const double end = start + std::abs(arc.sweep);
+        const EntityPlane plane(m_mline.normal());
+        double from = arc.start;
+        double sweep = arc.sweep;
+        KxGeVector3d normal = m_mline.normal();
+        if (std::abs(normal.x) < kShortest && std::abs(normal.y) < kShortest && normal.z < 0) {
+            const KxGeVector3d startDirection = plane.toWorld(KxGeVector3d(std::cos(from), std::sin(from), 0));
+            from = std::atan2(startDirection.y, startDirection.x);
+            sweep = -sweep;
+            normal = KxGeVector3d(0, 0, 1);
+        }
+        const double start = sweep < 0 ? from + sweep : from;
+        const double end = start + std::abs(sweep);
         const auto wrapped = [](double angle) {
             const double turn = 2 * std::numbers::pi;
             const double a = std::fmod(angle, turn);
             return a < 0 ? a + turn : a;
         };
-        place(std::make_unique<KxDbArc>(arc.centre, m_mline.normal(), arc.radius, wrapped(start), wrapped(end)),
+        place(std::make_unique<KxDbArc>(arc.centre, normal, arc.radius, wrapped(start), wrapped(end)),
               arc.element, true);
     }
 

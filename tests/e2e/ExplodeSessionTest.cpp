@@ -129,6 +129,14 @@ void expectSameDrawing(const char* gallery, const std::vector<std::string>& pick
     EXPECT_EQ(pixelsAloneIn(after.picture, before.picture), 0) << gallery;
 }
 
+// Replaces every occurrence of what in text.
+std::string replacedAll(std::string text, const std::string& what, const std::string& with)
+{
+    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size()))
+        text.replace(at, what.size(), with);
+    return text;
+}
+
 }  // namespace
 
 TEST(ExplodeSession, GalleryCapsJointsFillsAndEditedMultilinesDrawTheSameExploded)
@@ -145,4 +153,52 @@ TEST(ExplodeSession, GalleryCapsJointsFillsAndEditedMultilinesDrawTheSameExplode
                       {"2,0.75", "10.75,-5", "28,0.75", "36.75,-5", "54,0.75", "62.75,-5", "2,-13.25", "28,-13.25",
                        "54,-13.25"},
                       0);
+}
+
+TEST(ExplodeSession, MultilinesSeenFromBelowExplodeIntoTheSameArcs)
+{
+    // The gallery's caps with every multiline's normal turned to -Z: arc
+    // caps are measured in the plane seen from below.
+    KaldoProcess kaldo;
+    const std::string drawn = (kaldo.dir() / "drawn.dxf").string();
+    kaldo.writeFile("gallery.mln", [] {
+        QFile file(QStringLiteral(KALDO_SOURCE_DIR "/docs/gallery/gallery.mln"));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+    }());
+    ASSERT_EQ(kaldo.runScript(galleryScript("caps.scr"), {"--save", QString::fromStdString(drawn)}).exitCode, 0);
+    QFile file(QString::fromStdString(drawn));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const std::string text = file.readAll().toStdString();
+    const std::string below = replacedAll(text, "210\n0\n220\n0\n230\n1\n", "210\n0\n220\n0\n230\n-1\n");
+    ASSERT_NE(below, text);
+    const std::string flipped = kaldo.writeFile("below.dxf", below).string();
+    const std::string exploded = (kaldo.dir() / "exploded.dxf").string();
+    const std::string before = (kaldo.dir() / "below.png").string();
+    const std::string after = (kaldo.dir() / "exploded.png").string();
+    ASSERT_EQ(kaldo.runScript("", {QString::fromStdString(flipped), "--save-exploded", QString::fromStdString(exploded),
+                                   "--export", QString::fromStdString(before), "--size", "1200"})
+                  .exitCode,
+              0);
+    ASSERT_EQ(kaldo.runScript("", {QString::fromStdString(exploded), "--export", QString::fromStdString(after),
+                                   "--size", "1200"})
+                  .exitCode,
+              0);
+    // ezdxf places the vertices of a multiline seen from below otherwise
+    // (as plane coordinates): the extents come from the drawing as drawn.
+    const EzdxfReport from = readWithEzdxf(drawn, "ezdxf_explode.py");
+    const EzdxfReport to = readWithEzdxf(exploded, "ezdxf_explode.py");
+    ASSERT_TRUE(from.ran && to.ran) << from.problem << to.problem;
+    EXPECT_TRUE(to.file["errors"].toArray().isEmpty());
+    EXPECT_TRUE(to.file["fixes"].toArray().isEmpty());
+    EXPECT_EQ(to.file["kinds"].toObject()["ARC"].toInt(), 128);
+    const QJsonArray a = from.file["extents"].toArray(), b = to.file["extents"].toArray();
+    ASSERT_EQ(a.size(), 4);
+    ASSERT_EQ(b.size(), 4);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_NEAR(a[i].toDouble(), b[i].toDouble(), 1e-9) << "extent " << i;
+    const QImage first(QString::fromStdString(before)), second(QString::fromStdString(after));
+    ASSERT_FALSE(first.isNull());
+    ASSERT_EQ(first.size(), second.size());
+    EXPECT_EQ(pixelsAloneIn(first, second), 0);
+    EXPECT_EQ(pixelsAloneIn(second, first), 0);
 }
