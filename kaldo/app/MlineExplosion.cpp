@@ -1,6 +1,5 @@
 #include "kaldo/app/MlineExplosion.h"
 
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <memory>
@@ -40,14 +39,11 @@ struct ElementLook {
 // The groups of a solid HATCH record in the plane of normal: each loop a
 // closed polyline boundary path in plane coordinates.
 std::vector<KxDbFileGroup> hatchGroups(const std::vector<std::array<KxGePoint3d, 4>>& loops, const EntityPlane& plane,
-                                       std::uint64_t owner, const std::string& layer, const KxCmColor& color)
+                                       const std::string& owner, const std::string& layer, const KxCmColor& color)
 {
     std::vector<KxDbFileGroup> groups;
     const auto add = [&](int code, std::string value) { groups.push_back({std::int16_t(code), 0, std::move(value)}); };
-    char ownerText[24];
-    add(330, {ownerText, std::to_chars(ownerText, ownerText + sizeof ownerText, owner, 16).ptr});
-    for (char& c : groups.back().value)
-        c = char(std::toupper(static_cast<unsigned char>(c)));
+    add(330, owner);
     add(100, "AcDbEntity");
     add(8, layer);
     if (color.isByBlock() || color.isByACI() || color.isByColor())
@@ -194,7 +190,7 @@ Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id)
     }
     if (!exploder.fills().empty() && style) {
         auto hatch = std::make_unique<KxDbUnmodelledEntity>(
-            "HATCH", hatchGroups(exploder.fills(), EntityPlane(mline->normal()), block->handle(),
+            "HATCH", hatchGroups(exploder.fills(), EntityPlane(mline->normal()), kxutToMultiByte(block->handleText()),
                                  layerName(mline->layerId()), style->fillColor()));
         hatch->setLayer(mline->layerId());
         hatch->setColor(style->fillColor());
