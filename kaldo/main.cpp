@@ -147,6 +147,13 @@ int main(int argc, char** argv)
             return fail(std::string("the drawing was not saved: ") + e.what(), kaldo::kExitBadFile);
         }
     }
+    if (options.saveExploded) {
+        try {
+            session->saveExplodedCopy(*options.saveExploded);
+        } catch (const kaldo::dxf::DxfError& e) {
+            return fail(std::string("the exploded copy was not saved: ") + e.what(), kaldo::kExitBadFile);
+        }
+    }
     if (options.exportTo) {
         const kaldo::view::Background background = options.exportBackground == kaldo::ExportBackground::Dark
                                                        ? kaldo::view::Background::Dark

@@ -13,6 +13,10 @@ const QCommandLineOption crashOption("crash-dir", "Write crash reports into DIR.
 const QCommandLineOption loadOption("load", "Load the module FILE at start (repeatable).", "FILE");
 const QCommandLineOption noModulesOption("no-modules", "Do not load the modules of the modules folder.");
 const QCommandLineOption saveOption("save", "Save the drawing as FILE.dxf when the script ends.", "FILE");
+const QCommandLineOption saveExplodedOption("save-exploded",
+                                            "Save a copy of the drawing with every multiline exploded as FILE.dxf "
+                                            "when the script ends.",
+                                            "FILE");
 const QCommandLineOption exportOption("export", "Write the drawing as a picture FILE.svg or FILE.png when the script ends.", "FILE");
 const QCommandLineOption sizeOption("size", "Longer side of the exported picture in pixels (default 1600).", "PIXELS");
 const QCommandLineOption backgroundOption("background", "Background of the exported picture: white (default) or dark.", "COLOUR");
@@ -28,7 +32,7 @@ void describe(QCommandLineParser& parser)
         "Exit codes: 0 normal end, 2 a named file or folder cannot be used, 64 bad usage.");
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption,
-                       noModulesOption, saveOption, exportOption, sizeOption, backgroundOption,
+                       noModulesOption, saveOption, saveExplodedOption, exportOption, sizeOption, backgroundOption,
                        helpOption, versionOption});
     parser.addPositionalArgument("DRAWING", "The drawing (.dxf) to open; a new drawing without it.", "[DRAWING]");
 }
@@ -59,6 +63,8 @@ ParsedOptions parseOptions(const QStringList& args)
         o.drawing = toPath(positional.first());
     if (parser.isSet(saveOption))
         o.saveAs = toPath(parser.value(saveOption));
+    if (parser.isSet(saveExplodedOption))
+        o.saveExploded = toPath(parser.value(saveExplodedOption));
     if (parser.isSet(exportOption)) {
         o.exportTo = toPath(parser.value(exportOption));
         const std::string ext = o.exportTo->extension().string();

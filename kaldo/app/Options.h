@@ -27,6 +27,7 @@ struct Options {
     // "-" reads the script from standard input.
     std::optional<std::filesystem::path> script;
     std::optional<std::filesystem::path> saveAs;   // --save, after the script
+    std::optional<std::filesystem::path> saveExploded;  // --save-exploded, after --save
     std::optional<std::filesystem::path> exportTo; // --export FILE.svg|FILE.png, after --save
     int exportSize = 1600;                          // longer side of the picture, in pixels
     ExportBackground exportBackground = ExportBackground::White;

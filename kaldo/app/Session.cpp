@@ -1,6 +1,10 @@
 #include "kaldo/app/Session.h"
 
+#include "kaldo/app/MlineExplosion.h"
 #include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/DxfFile.h"
+#include "kaldo/dxf/GroupReader.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/rx/Runtime.h"
@@ -8,7 +12,14 @@
 #include "kaldo/util/Profile.h"
 #include "kxdbdatabase.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <string>
 
 namespace kaldo {
 
@@ -75,6 +86,34 @@ void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnl
     drawingPath_ = std::filesystem::absolute(path);
     host().drawingDir = drawingPath_.parent_path();
     savedChanges_ = database_->changeCount();
+}
+
+// The copy is the drawing written and read back, so that it shares nothing
+// with the working drawing; it is written into memory, not beside the file.
+int Session::saveExplodedCopy(const std::filesystem::path& path, bool replaceReadOnly)
+{
+    const auto failed = [] { return dxf::DxfError(0, std::string("cannot make the copy: ") + std::strerror(errno)); };
+    const int fd = memfd_create("kaldo-exploded-copy", MFD_CLOEXEC);
+    if (fd < 0)
+        throw failed();
+    const std::unique_ptr<const int, void (*)(const int*)> closer(&fd, [](const int* open) { ::close(*open); });
+    dxf::writeDxf(fd, *database_, keptSections_);
+    std::string text;
+    char buffer[1 << 16];
+    for (off_t at = 0;;) {
+        const ssize_t got = ::pread(fd, buffer, sizeof buffer, at);
+        if (got < 0)
+            throw failed();
+        if (got == 0)
+            break;
+        text.append(buffer, std::size_t(got));
+        at += got;
+    }
+    dxf::GroupReader reader(text);
+    dxf::DxfDrawing copy = dxf::readDxf(reader);
+    const int exploded = explodeAllMlines(*copy.database);
+    dxf::saveDxfFile(path, *copy.database, copy.kept, replaceReadOnly);
+    return exploded;
 }
 
 bool Session::modified() const

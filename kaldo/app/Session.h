@@ -51,6 +51,10 @@ public:
     // its file. Throws dxf::DxfError; the old file then stays as it was. A
     // read-only file is replaced only when replaceReadOnly is true.
     void saveDrawing(const std::filesystem::path& path, bool replaceReadOnly = false);
+    // Saves a copy of the working drawing with every multiline exploded as
+    // path; the working drawing, its file and its modified state stay as
+    // they were. Throws dxf::DxfError. Returns how many were exploded.
+    int saveExplodedCopy(const std::filesystem::path& path, bool replaceReadOnly = false);
     // Whether the working drawing changed since it was opened, saved or
     // started.
     bool modified() const;

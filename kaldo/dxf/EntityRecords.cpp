@@ -235,6 +235,16 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
     if (!entity) {
         basics = rawRecordBasics(record);
         auto* unmodelled = new KxDbUnmodelledEntity(kind, record.allGroups());
+        // Its layer, linetype and colour, so that it is drawn in them; the
+        // groups are written back as read.
+        for (std::size_t i = 0; i < record.size(); ++i) {
+            const Group g = record.at(i);
+            if (g.code == 100 && g.value != "AcDbEntity")
+                break;
+            look.take(g);
+        }
+        RecordBasics lookKept;
+        look.applyTo(*unmodelled, context, lookKept);
         append(context, unmodelled, basics, block, record.line());
         return;
     }

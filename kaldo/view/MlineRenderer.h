@@ -1,21 +1,23 @@
-// Draws multilines from what they store alone: vertices, segment
-// directions, miters and per vertex and element the parameter lists, with
-// the look of their style (element colours and linetypes, caps, joints,
-// fill). The parameter records are read where the multiline keeps them,
-// without taking references. Scratch arrays are kept between multilines so that drawing many of
-// them allocates only in the scene.
+// Draws multilines into a scene from their pieces (see MlinePieces) with
+// the look of their style: element colours and linetypes; caps and joints
+// in the element colours, continuous. A run that goes on across a vertex
+// continues the polyline of the run before it when its pen is continuous;
+// dashed runs are polylines of their own, so that the pattern starts anew
+// on each segment, as on the lines EXPLODE makes of them. Scratch arrays
+// are kept between multilines so that drawing many of them allocates only
+// in the scene.
 #pragma once
 
 #include <vector>
 
+#include "kaldo/view/MlinePieces.h"
 #include "kaldo/view/PenResolver.h"
-#include "kxdbmline.h"
 
 class KxDbMlineStyle;
 
 namespace kaldo::view {
 
-class MlineRenderer {
+class MlineRenderer : private MlinePieceSink {
 public:
     explicit MlineRenderer(PenResolver& pens) : m_pens(pens) {}
 
@@ -27,6 +29,7 @@ private:
     struct ElementPens {
         int line = 0;        // colour and linetype of the element
         int continuous = 0;  // colour only: caps and joints
+        bool dashed = false;
     };
     // What the element pens were worked out from: the next multiline of
     // the same look takes them as they are.
@@ -39,23 +42,18 @@ private:
         friend bool operator==(const Look&, const Look&) = default;
     };
 
-    // Where an element crosses a vertex's miter.
-    const KxGePoint3d& elementPoint(int vertex, int element) const;
-    void drawElement(int element, bool closed);
-    void drawFill(const DrawColor& color, bool closed);
-    void drawJoints(bool closed);
-    void drawLineCap(int vertex);
-    void drawArcCaps(int vertex, const KxGeVector3d& outward, bool outer, bool inner);
-    void drawArcPair(int vertex, int first, int second, const KxGeVector3d& outward);
+    void fill(const MlineFill& fill) override;
+    void run(const MlineRun& run) override;
+    void capLine(const MlineCapLine& line) override;
+    void capArc(const MlineCapArc& arc) override;
+    void endOpenPolyline(bool closed);
+    void choosePens(const KxDbMline& mline, const KxDbMlineStyle* style, const LayerLook& layer);
 
     PenResolver& m_pens;
+    MlinePieces m_pieces;
     const KxDbMline* m_mline = nullptr;
-    int m_elements = 0;
-    std::vector<const KxDbMlineVertexParams*> m_params;  // read in place, not shared
-    std::vector<KxGePoint3d> m_positions;
-    std::vector<KxGeVector3d> m_axes;
-    std::vector<KxGeVector3d> m_miters;
-    std::vector<KxGePoint3d> m_elementPoints;  // per vertex, per element
+    DrawColor m_fillColor;
+    bool m_polylineOpen = false;
     std::vector<ElementPens> m_elementPens;
     Look m_penLook;
 };

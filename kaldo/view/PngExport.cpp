@@ -8,6 +8,8 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <numeric>
+#include <tuple>
 #include <thread>
 #include <vector>
 
@@ -47,7 +49,7 @@ public:
         paintFills();
         const PenGroups polylines = groupByPen(m_scene.polylines(), m_scene.pens().size());
         const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size());
-        for (std::size_t p = 0; p < m_scene.pens().size(); ++p) {
+        for (const std::size_t p : penOrder()) {
             const bool dashed = choosePen(m_scene.pens()[p]);
             for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i) {
                 const Polyline& polyline = m_scene.polylines()[polylines.order[i]];
@@ -120,6 +122,21 @@ private:
             if (!path.isEmpty())
                 m_painter.fillPath(path, qtColor(pictureRgb(color, m_background)));
         }
+    }
+
+    // Pens are painted in the order of their colours and patterns, so that
+    // where lines of two pens cross, the picture does not depend on which
+    // pen the scene met first.
+    std::vector<std::size_t> penOrder() const
+    {
+        const std::vector<Pen>& pens = m_scene.pens();
+        std::vector<std::size_t> order(pens.size());
+        std::iota(order.begin(), order.end(), std::size_t(0));
+        const auto key = [&](std::size_t p) {
+            return std::tie(pens[p].color.foreground, pens[p].color.rgb, m_scene.patterns()[std::size_t(pens[p].pattern)]);
+        };
+        std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return key(a) < key(b); });
+        return order;
     }
 
     // Sets the painter's pen; true when it has a dash pattern.

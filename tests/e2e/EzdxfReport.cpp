@@ -3,12 +3,13 @@
 #include <QJsonDocument>
 #include <QProcess>
 
-EzdxfReport readWithEzdxf(const std::string& dxfPath)
+EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script)
 {
     EzdxfReport report;
     QProcess python;
     // Debian's interpreter: the one on PATH may lack ezdxf.
-    python.start("/usr/bin/python3", {KALDO_SOURCE_DIR "/tests/dxf/ezdxf_mlines.py", QString::fromStdString(dxfPath)});
+    python.start("/usr/bin/python3",
+                 {QStringLiteral(KALDO_SOURCE_DIR "/tests/dxf/") + script, QString::fromStdString(dxfPath)});
     if (!python.waitForFinished(120000)) {
         report.problem = "ezdxf did not finish";
         return report;

@@ -13,4 +13,5 @@ struct EzdxfReport {
     QJsonObject file;
 };
 
-EzdxfReport readWithEzdxf(const std::string& dxfPath);
+// script: the reading script in tests/dxf that prints the report.
+EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script = "ezdxf_mlines.py");

@@ -18,6 +18,7 @@ void registerHostCommands(KxEdCommandStack& stack)
         {L"COMMANDS", commandsCommand},   {L"LIST", listCommand},
         {L"OPEN", openCommand},           {L"SAVE", saveCommand},
         {L"SAVEAS", saveasCommand},       {L"ZOOM", zoomCommand},
+        {L"EXPLODE", explodeCommand},
     };
     for (const Entry& entry : commands)
         stack.addCommand(kHostCommandGroup, entry.name, entry.name, KxCmdFlags::kModal, entry.handler);

@@ -27,6 +27,7 @@ void openCommand();
 void saveCommand();
 void saveasCommand();
 void zoomCommand();
+void explodeCommand();
 
 class Session;
 

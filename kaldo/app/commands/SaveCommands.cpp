@@ -1,7 +1,10 @@
 // SAVE and SAVEAS: write the working drawing as a DXF file. SAVE writes to
 // the drawing's own file and asks for a name only for a new drawing; SAVEAS
 // always asks. A failed save leaves the old file whole and says why; a
-// read-only file is replaced only when the user answers Yes.
+// read-only file is replaced only when the user answers Yes. The keyword
+// Exploded typed at SAVEAS's file prompt asks for the file of a copy with
+// every multiline exploded; the working drawing keeps its multilines and
+// its own file.
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/dxf/AtomicFile.h"
@@ -9,6 +12,8 @@
 #include "kxed.h"
 #include "kxstring.h"
 
+#include <algorithm>
+#include <cwctype>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -45,14 +50,58 @@ void saveDrawingReporting(Session& session, const std::filesystem::path& path)
 
 namespace {
 
-void askAndSave(Session& session)
+// The file name chosen in a file dialog or on the command line; empty when
+// none was.
+std::filesystem::path chooseFile(const wchar_t* title, const std::wstring& current)
 {
     wchar_t* name = nullptr;
-    const std::wstring current = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().wstring();
-    if (getFileNameByFileDialog(L"Save Drawing As", current.c_str(), L"dxf", 1, name) != 0 || !name)
-        return;
+    if (getFileNameByFileDialog(title, current.c_str(), L"dxf", 1, name) != 0 || !name)
+        return {};
     const std::unique_ptr<wchar_t, decltype(&kald_free)> owned(name, kald_free);
-    saveDrawingReporting(session, name);
+    return name;
+}
+
+// The keyword typed at the file prompt, which came back as a file name
+// without a folder.
+bool isExplodedKeyword(const std::filesystem::path& chosen)
+{
+    if (chosen.has_parent_path())
+        return false;
+    std::wstring stem = chosen.stem().wstring();
+    std::transform(stem.begin(), stem.end(), stem.begin(), [](wchar_t c) { return std::towlower(c); });
+    return stem == L"exploded" || stem == L"_exploded";
+}
+
+void saveExplodedReporting(Session& session, const std::filesystem::path& path)
+{
+    const bool readOnly = dxf::isReadOnlyFile(path);
+    if (readOnly && !userAllowsReplacing(path)) {
+        kxutPrintf(L"\nThe copy was not saved: \"%ls\" stays as it was.\n", path.wstring().c_str());
+        return;
+    }
+    try {
+        const int exploded = session.saveExplodedCopy(path, readOnly);
+        kxutPrintf(L"\nSaved \"%ls\" with %d multilines exploded.\n", path.wstring().c_str(), exploded);
+    } catch (const dxf::DxfError& e) {
+        kxutPrintf(L"\nThe copy was not saved: %ls\n", kxutFromMultiByte(e.what()).c_str());
+    }
+}
+
+void askAndSave(Session& session, bool offerExploded)
+{
+    const std::wstring current = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().wstring();
+    const std::filesystem::path chosen = chooseFile(L"Save Drawing As", current);
+    if (chosen.empty())
+        return;
+    if (!offerExploded || !isExplodedKeyword(chosen)) {
+        saveDrawingReporting(session, chosen);
+        return;
+    }
+    std::filesystem::path copy = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath();
+    copy.replace_filename(copy.stem().wstring() + L"-exploded.dxf");
+    const std::filesystem::path target = chooseFile(L"Save Exploded Copy As", copy.wstring());
+    if (!target.empty())
+        saveExplodedReporting(session, target);
 }
 
 }  // namespace
@@ -63,7 +112,7 @@ void saveCommand()
     if (!session)
         return;
     if (session->drawingPath().empty())
-        askAndSave(*session);
+        askAndSave(*session, false);
     else
         saveDrawingReporting(*session, session->drawingPath());
 }
@@ -71,7 +120,7 @@ void saveCommand()
 void saveasCommand()
 {
     if (Session* session = Session::current())
-        askAndSave(*session);
+        askAndSave(*session, true);
 }
 
 }  // namespace kaldo
