@@ -41,23 +41,25 @@ bool GroupReader::refill()
 bool GroupReader::readLine(std::string_view& line)
 {
     for (;;) {
-        const auto* newline = static_cast<const char*>(std::memchr(begin_, '\n', std::size_t(end_ - begin_)));
-        const char* const limit = newline ? newline : end_;
-        const auto* cr = static_cast<const char*>(std::memchr(begin_, '\r', std::size_t(limit - begin_)));
+        // One pass to the first line feed or carriage return: lines are short.
+        const char* stop = begin_;
+        while (stop < end_ && *stop != '\n' && *stop != '\r')
+            ++stop;
         const bool more = file_ && !eof_;
         // A carriage return ends a line, alone or with the line feed after
         // it; one at the end of what is read so far waits for the next byte.
-        const bool crEnds = cr && (cr + 1 < end_ || !more);
-        if (newline || crEnds || (!more && begin_ < end_)) {
-            const char* stop = crEnds ? cr : limit;
+        const bool ends = stop < end_ ? *stop == '\n' || stop + 1 < end_ || !more : !more && begin_ < end_;
+        if (ends) {
             if (std::size_t(stop - begin_) > kMaxLineLength)
                 throw DxfError(lineNumber_ + 1, "the line is longer than " + std::to_string(kMaxLineLength)
                                                     + " characters.");
             line = std::string_view(begin_, std::size_t(stop - begin_));
-            if (crEnds)
-                begin_ = cr + 1 < end_ && cr[1] == '\n' ? cr + 2 : cr + 1;
+            if (stop == end_)
+                begin_ = end_;
+            else if (*stop == '\r' && stop + 1 < end_ && stop[1] == '\n')
+                begin_ = stop + 2;
             else
-                begin_ = newline ? newline + 1 : end_;
+                begin_ = stop + 1;
             // A UTF-8 byte order mark before the first line is no text.
             if (lineNumber_ == 0 && line.starts_with("\xEF\xBB\xBF"))
                 line.remove_prefix(3);
