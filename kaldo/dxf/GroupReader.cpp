@@ -119,8 +119,11 @@ bool GroupReader::next(Group& group)
     if (!readLine(valueLine))
         throw DxfError(codeLineNumber, "the file ends after group code " + std::to_string(code)
                                            + " without its value.");
-    current_ = Group{code, valueLine, codeLineNumber};
-    group = current_;
+    // Both copies are made from the values in hand: reading current_ back
+    // right after storing it would stall on the fresh stores.
+    const Group read{code, valueLine, codeLineNumber};
+    current_ = read;
+    group = read;
     return true;
 }
 
