@@ -100,6 +100,31 @@ bool parseCode(std::string_view text, int& code)
 
 }  // namespace
 
+bool GroupReader::nextPlain(Group& group)
+{
+    const char* p = begin_;
+    while (p < end_ && *p == ' ')
+        ++p;
+    const char* const digits = p;
+    int code = 0;
+    while (p < end_ && p - digits < 5 && *p >= '0' && *p <= '9')
+        code = code * 10 + (*p++ - '0');
+    if (p == digits || p == end_ || *p != '\n' || code > 32767 || std::size_t(p - begin_) > kMaxLineLength)
+        return false;
+    const char* const value = p + 1;
+    const char* stop = value;
+    while (stop < end_ && *stop != '\n' && *stop != '\r')
+        ++stop;
+    if (stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
+        return false;
+    const Group read{code, std::string_view(value, std::size_t(stop - value)), lineNumber_ + 1};
+    begin_ = stop + 1;
+    lineNumber_ += 2;
+    current_ = read;
+    group = read;
+    return true;
+}
+
 bool GroupReader::next(Group& group)
 {
     if (pushedBack_) {
@@ -107,6 +132,8 @@ bool GroupReader::next(Group& group)
         group = current_;
         return true;
     }
+    if (lineNumber_ > 0 && nextPlain(group))
+        return true;
     std::string_view codeLine;
     if (!readLine(codeLine))
         return false;
