@@ -35,8 +35,9 @@ TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
 
 TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
 {
-    const double values[] = {0.0, -0.0, 1.0, -7.0, 12345.0, 99999.0, -99999.0, 100000.0, -100000.0, 1e15,
-                             99999.5, 0.1, 6.123233995736766e-17, 4503599627370497.0};
+    std::vector<double> values = {-0.0, 1e15, 99999.5, 0.1, 6.123233995736766e-17, 4503599627370497.0};
+    for (int whole = -100000; whole <= 100000; ++whole)
+        values.push_back(whole);
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
     ASSERT_TRUE(file);
     {
@@ -45,13 +46,16 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
             writer.real(40, value);
         writer.flush();
     }
-    std::string written(4096, '\0');
+    std::string written(std::size_t(std::ftell(file.get())), '\0');
     std::rewind(file.get());
     written.resize(std::fread(written.data(), 1, written.size(), file.get()));
-    std::string shortest;
+    std::size_t at = 0;
     for (const double value : values) {
         char text[64];
-        shortest += " 40\n" + std::string(text, std::to_chars(text, text + sizeof text, value).ptr) + "\n";
+        char* const end = std::to_chars(text, text + sizeof text, value).ptr;
+        const std::string expected = " 40\n" + std::string(text, end) + "\n";
+        ASSERT_EQ(written.substr(at, expected.size()), expected) << value;
+        at += expected.size();
     }
-    EXPECT_EQ(written, shortest);
+    EXPECT_EQ(at, written.size());
 }
