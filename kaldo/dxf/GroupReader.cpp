@@ -41,23 +41,25 @@ bool GroupReader::refill()
 bool GroupReader::readLine(std::string_view& line)
 {
     for (;;) {
-        const auto* newline = static_cast<const char*>(std::memchr(begin_, '\n', std::size_t(end_ - begin_)));
-        const char* const limit = newline ? newline : end_;
-        const auto* cr = static_cast<const char*>(std::memchr(begin_, '\r', std::size_t(limit - begin_)));
+        // One pass to the first line feed or carriage return: lines are short.
+        const char* stop = begin_;
+        while (stop < end_ && *stop != '\n' && *stop != '\r')
+            ++stop;
         const bool more = file_ && !eof_;
         // A carriage return ends a line, alone or with the line feed after
         // it; one at the end of what is read so far waits for the next byte.
-        const bool crEnds = cr && (cr + 1 < end_ || !more);
-        if (newline || crEnds || (!more && begin_ < end_)) {
-            const char* stop = crEnds ? cr : limit;
+        const bool ends = stop < end_ ? *stop == '\n' || stop + 1 < end_ || !more : !more && begin_ < end_;
+        if (ends) {
             if (std::size_t(stop - begin_) > kMaxLineLength)
                 throw DxfError(lineNumber_ + 1, "the line is longer than " + std::to_string(kMaxLineLength)
                                                     + " characters.");
             line = std::string_view(begin_, std::size_t(stop - begin_));
-            if (crEnds)
-                begin_ = cr + 1 < end_ && cr[1] == '\n' ? cr + 2 : cr + 1;
+            if (stop == end_)
+                begin_ = end_;
+            else if (*stop == '\r' && stop + 1 < end_ && stop[1] == '\n')
+                begin_ = stop + 2;
             else
-                begin_ = newline ? newline + 1 : end_;
+                begin_ = stop + 1;
             // A UTF-8 byte order mark before the first line is no text.
             if (lineNumber_ == 0 && line.starts_with("\xEF\xBB\xBF"))
                 line.remove_prefix(3);
@@ -98,6 +100,31 @@ bool parseCode(std::string_view text, int& code)
 
 }  // namespace
 
+bool GroupReader::nextPlain(Group& group)
+{
+    const char* p = begin_;
+    while (p < end_ && *p == ' ')
+        ++p;
+    const char* const digits = p;
+    int code = 0;
+    while (p < end_ && p - digits < 5 && *p >= '0' && *p <= '9')
+        code = code * 10 + (*p++ - '0');
+    if (p == digits || p == end_ || *p != '\n' || code > 32767 || std::size_t(p - begin_) > kMaxLineLength)
+        return false;
+    const char* const value = p + 1;
+    const char* stop = value;
+    while (stop < end_ && *stop != '\n' && *stop != '\r')
+        ++stop;
+    if (stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
+        return false;
+    const Group read{code, std::string_view(value, std::size_t(stop - value)), lineNumber_ + 1};
+    begin_ = stop + 1;
+    lineNumber_ += 2;
+    current_ = read;
+    group = read;
+    return true;
+}
+
 bool GroupReader::next(Group& group)
 {
     if (pushedBack_) {
@@ -105,6 +132,8 @@ bool GroupReader::next(Group& group)
         group = current_;
         return true;
     }
+    if (lineNumber_ > 0 && nextPlain(group))
+        return true;
     std::string_view codeLine;
     if (!readLine(codeLine))
         return false;
@@ -117,8 +146,11 @@ bool GroupReader::next(Group& group)
     if (!readLine(valueLine))
         throw DxfError(codeLineNumber, "the file ends after group code " + std::to_string(code)
                                            + " without its value.");
-    current_ = Group{code, valueLine, codeLineNumber};
-    group = current_;
+    // Both copies are made from the values in hand: reading current_ back
+    // right after storing it would stall on the fresh stores.
+    const Group read{code, valueLine, codeLineNumber};
+    current_ = read;
+    group = read;
     return true;
 }
 

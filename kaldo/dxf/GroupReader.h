@@ -36,6 +36,10 @@ public:
     void pushBack() { pushedBack_ = true; }
 
 private:
+    // The usual group, read straight from the buffer: a code of blanks and
+    // digits and a value, both lines ended by a line feed within what is
+    // read. False, with nothing consumed, for anything else.
+    bool nextPlain(Group& group);
     bool readLine(std::string_view& line);
     bool refill();
 

@@ -77,7 +77,11 @@ void GroupWriter::real(int groupCode, double value)
     code(groupCode);
     ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
-    char* out = std::to_chars(start, start + kNumberRoom, value).ptr;
+    // Whole numbers below 100000 are written as integers, far quicker and the
+    // same text the shortest form gives them (not so for -0, kept as "-0").
+    char* out = std::abs(value) < 1e5 && value == std::trunc(value) && !(value == 0 && std::signbit(value))
+                    ? std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr
+                    : std::to_chars(start, start + kNumberRoom, value).ptr;
     *out++ = '\n';
     used_ += std::size_t(out - start);
 }

@@ -17,6 +17,9 @@ namespace {
 
 enum MlineFlags : int { kHasVertices = 1, kClosed = 2, kSuppressStart = 4, kSuppressEnd = 8 };
 
+// The longest list that gets its room before its values are read.
+constexpr std::size_t kListRoom = 4;
+
 // Collects the vertices group by group, checking each list against its count.
 // Room is made for what the record holds, never for what its counts claim:
 // a vertex takes as many element lists as the one before it had.
@@ -55,6 +58,9 @@ public:
             else if (v.elements.empty())
                 throw DxfError(g.line, "area-fill parameters (75) before the element's parameters (74).");
             list_ = g.code == 74 ? &v.elements.back().element : &v.elements.back().areaFill;
+            // Room at once for a short list, the usual kind; a longer one
+            // grows with what follows, so that a count alone takes little.
+            list_->reserve(std::min(std::size_t(count), kListRoom));
             listCode_ = g.code == 74 ? 41 : 42;
             remaining_ = long(count);
             listLine_ = g.line;

@@ -1,0 +1,114 @@
+#!/usr/bin/env bash
+# Prints, from one run, the table of kaldo's speed figures: a multiline of N
+# points drawn by a script, the rubber-band step, a closed cross pass, DXF
+# open and save beside ezdxf, peak memory, and SVG export. Whole runs of the
+# host are timed here (median of three); the rest comes from the benchmarks.
+#   KALDO_STAGE              the staged build (default build/default/stage)
+#   KALDO_BENCH_MULTILINES   multilines in the DXF drawing (default 100000)
+#   KALDO_EZDXF_MULTILINES   multilines in the drawing ezdxf reads (default 5000)
+set -euo pipefail
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+stage=${KALDO_STAGE:-$root/build/default/stage}
+kaldo=$stage/bin/kaldo
+multilines=${KALDO_BENCH_MULTILINES:-100000}
+ezdxfMultilines=${KALDO_EZDXF_MULTILINES:-5000}
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# Runs a command three times; prints its median wall seconds and its
+# largest resident memory in MB.
+measure() {
+    /usr/bin/python3 - "$@" <<'EOF'
+import resource, statistics, subprocess, sys, time
+times = []
+for _ in range(3):
+    start = time.perf_counter()
+    subprocess.run(sys.argv[1:], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL, check=True)
+    times.append(time.perf_counter() - start)
+print(f"{statistics.median(times):.3f} {resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss / 1024:.0f}")
+EOF
+}
+
+# Prints the named counter (or real_time in the benchmark's unit) of each
+# benchmark of a JSON report whose name matches a pattern.
+counter() {
+    /usr/bin/python3 - "$1" "$2" "$3" <<'EOF'
+import json, re, sys
+report = json.load(open(sys.argv[1]))
+for b in report["benchmarks"]:
+    if re.search(sys.argv[2], b["name"]) and sys.argv[3] in b:
+        print(b["name"], b[sys.argv[3]])
+EOF
+}
+
+# A script drawing one multiline of N points in a zigzag.
+mlineScript() {
+    {
+        echo MLINE
+        for ((i = 0; i < $1; ++i)); do echo "$((i * 10)),$(((i % 2) * 7))"; done
+        echo
+    } >"$work/mline$1.scr"
+}
+
+: >"$work/empty.scr"
+read -r startSeconds _ < <(measure "$kaldo" --script "$work/empty.scr")
+echo "| Work | Figure |"
+echo "|---|---|"
+echo "| Start and end of kaldo with an empty script | ${startSeconds} s |"
+row="| One MLINE of N points from a script (whole run) |"
+for n in 1000 2000 4000 8000; do
+    mlineScript "$n"
+    read -r seconds _ < <(measure "$kaldo" --script "$work/mline$n.scr")
+    row+=" N=$n: ${seconds} s;"
+done
+echo "$row |"
+
+"$stage/bin/bench_mline_geometry" --benchmark_filter=BM_RubberBandStep/ --benchmark_format=json \
+    >"$work/rubber.json" 2>/dev/null
+row="| Rubber-band step (bench_mline_geometry) |"
+while read -r name ns; do row+=" ${name#BM_RubberBandStep/} vertices: $(printf '%.2f' "$(echo "$ns / 1000" | bc -l)") µs;"; done \
+    < <(counter "$work/rubber.json" '^BM_RubberBandStep/[0-9]+$' real_time)
+echo "$row |"
+
+"$stage/bin/bench_mledit_cross" --benchmark_filter=BM_ClosedCrossPass --benchmark_format=json \
+    >"$work/cross.json" 2>/dev/null
+read -r _ ms < <(counter "$work/cross.json" BM_ClosedCrossPass real_time)
+echo "| Closed cross pass, two 10 000-vertex multilines (bench_mledit_cross) | $(printf '%.2f' "$ms") ms |"
+
+big=$work/big.dxf
+KALDO_BENCH_DXF=$big KALDO_BENCH_MULTILINES=$multilines "$stage/bin/bench_dxf_io" \
+    --benchmark_filter='BM_SaveDrawing|BM_OpenDrawing' --benchmark_format=json >"$work/dxf.json" 2>/dev/null
+megabytes=$(counter "$work/dxf.json" BM_OpenDrawing MB | awk '{printf "%.0f", $2}')
+openRate=$(counter "$work/dxf.json" BM_OpenDrawing MB/s | awk '{printf "%.0f", $2}')
+saveRate=$(counter "$work/dxf.json" BM_SaveDrawing MB/s | awk '{printf "%.0f", $2}')
+openPeak=$(counter "$work/dxf.json" BM_OpenDrawing peak_MB | awk '{printf "%.0f", $2}')
+read -r catSeconds _ < <(measure cat "$big")
+read -r openSeconds openMemory < <(measure "$kaldo" --script "$work/empty.scr" "$big")
+read -r saveSeconds _ < <(measure "$kaldo" --script "$work/empty.scr" "$big" --save "$work/saved.dxf")
+read -r svgSeconds svgMemory < <(measure "$kaldo" --script "$work/empty.scr" "$big" --export "$work/big.svg")
+
+KALDO_BENCH_MULTILINES=$ezdxfMultilines "$stage/bin/bench_dxf_io" --benchmark_format=json \
+    >"$work/small.json" 2>/dev/null
+smallOpen=$(counter "$work/small.json" BM_OpenDrawing MB/s | awk '{print $2}')
+smallSave=$(counter "$work/small.json" BM_SaveDrawing MB/s | awk '{print $2}')
+ezdxfOpen=$(counter "$work/small.json" BM_Ezdxf MB/s | awk '{print $2}')
+ezdxfSave=$(counter "$work/small.json" BM_Ezdxf write_MB/s | awk '{print $2}')
+ezdxfPeak=$(counter "$work/small.json" BM_Ezdxf peak_MB | awk '{printf "%.0f", $2}')
+smallPeak=$(counter "$work/small.json" BM_OpenDrawing peak_MB | awk '{printf "%.0f", $2}')
+smallMegabytes=$(counter "$work/small.json" BM_OpenDrawing MB | awk '{printf "%.1f", $2}')
+ratio() { echo "$1 / $2" | bc -l | xargs printf '%.0f'; }
+
+echo "| DXF open, ${megabytes} MB of ${multilines} multilines | ${openRate} MB/s in-process;" \
+    "whole run ${openSeconds} s ($(ratio "$megabytes" "$openSeconds") MB/s); cat ${catSeconds} s;" \
+    "on ${smallMegabytes} MB ${ezdxfMultilines} multilines $(printf '%.0f' "$smallOpen") MB/s," \
+    "ezdxf $(printf '%.1f' "$ezdxfOpen") MB/s: $(ratio "$smallOpen" "$ezdxfOpen")× ezdxf |"
+echo "| DXF save, same drawing | ${saveRate} MB/s in-process; whole run with open ${saveSeconds} s;" \
+    "on ${smallMegabytes} MB $(printf '%.0f' "$smallSave") MB/s, ezdxf $(printf '%.1f' "$ezdxfSave") MB/s:" \
+    "$(ratio "$smallSave" "$ezdxfSave")× ezdxf |"
+echo "| Peak memory opening it | ${openPeak} MB in-process; whole run ${openMemory} MB;" \
+    "on ${smallMegabytes} MB ${smallPeak} MB, ezdxf ${ezdxfPeak} MB |"
+echo "| SVG export of that drawing | whole run ${svgSeconds} s, ${svgMemory} MB" \
+    "(+$(printf '%.2f' "$(echo "$svgSeconds - $openSeconds" | bc -l)") s," \
+    "+$((svgMemory - openMemory)) MB over opening alone) |"
