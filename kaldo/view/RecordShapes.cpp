@@ -1,5 +1,7 @@
 #include "kaldo/view/RecordShapes.h"
 
+#include "kaldo/db/EntityPlane.h"
+
 #include <QCoreApplication>
 #include <QFont>
 #include <QFontMetricsF>
@@ -201,6 +203,13 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
         g = std::find_if(g, groups.end(), [code](const KxDbFileGroup& x) { return x.code == code; });
         return g == groups.end() ? 0.0 : number(*g++);
     };
+    // Boundaries are in the hatch's own plane (extrusion 210-230, elevation 30).
+    const EntityPlane plane({groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
+    const double elevation = groupNumber(groups, 30, 0);
+    const auto add = [&](double x, double y) {
+        const KxGePoint3d p = plane.toWorld(KxGePoint3d(x, y, elevation));
+        scene.addPoint({p.x, p.y});
+    };
     const int paths = int(number(*g++));
     for (int path = 0; path < paths; ++path) {
         const int flags = int(next(92));
@@ -210,7 +219,7 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
             const int vertices = int(next(93));
             for (int v = 0; v < vertices; ++v) {
                 const double x = next(10);
-                scene.addPoint({x, next(20)});
+                add(x, next(20));
             }
         } else {
             // Edges: lines and arcs (other edges by their end points).
@@ -229,10 +238,10 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
                     constexpr int kSteps = 32;
                     for (int i = 0; i <= kSteps; ++i) {
                         const double a = turn * (start + sweep * i / kSteps);
-                        scene.addPoint({x + radius * std::cos(a), y + radius * std::sin(a)});
+                        add(x + radius * std::cos(a), y + radius * std::sin(a));
                     }
                 } else {
-                    scene.addPoint({x, y});
+                    add(x, y);
                 }
             }
         }
