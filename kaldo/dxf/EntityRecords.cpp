@@ -202,17 +202,19 @@ KxDbObjectId blockOf(const RecordBasics& basics, ReadContext& context)
     return context.roots.modelSpace;
 }
 
-void append(ReadContext& context, KxDbEntity* entity, RecordBasics& basics, KxDbObjectId block, long line)
+// Hands the entity to its block; returns it, now the drawing's.
+KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, RecordBasics& basics,
+                   KxDbObjectId block, long line)
 {
     const KxDbObjectId target = block.isNull() ? blockOf(basics, context) : block;
     auto* space = KxDbBlockTableRecord::cast(context.db.peekObject(target));
-    if (!space) {
-        delete entity;
+    if (!space)
         throw DxfError(line, "the entity belongs to no block.");
-    }
     basics.owner = 0;
-    context.add(entity, std::move(basics));
-    space->appendKxDbEntity(entity);
+    KxDbEntity* owned = entity.release();
+    context.add(owned, std::move(basics));
+    space->appendKxDbEntity(owned);
+    return owned;
 }
 
 }  // namespace
@@ -222,19 +224,21 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
     RecordBasics basics;
     EntityLook look;
     const std::string& kind = record.kind();
-    KxDbEntity* entity = nullptr;
+    // Owned here until its block takes it, so that a group refused on the
+    // way leaves nothing behind.
+    std::unique_ptr<KxDbEntity> entity;
     MlineStyleLink styleLink;
     if (kind == "LINE")
-        entity = readLine(record, basics, look);
+        entity.reset(readLine(record, basics, look));
     else if (kind == "ARC" || kind == "CIRCLE")
-        entity = readCircleOrArc(record, basics, look, kind == "ARC");
+        entity.reset(readCircleOrArc(record, basics, look, kind == "ARC"));
     else if (kind == "LWPOLYLINE")
-        entity = readPolyline(record, basics, look);
+        entity.reset(readPolyline(record, basics, look));
     else if (kind == "MLINE")
-        entity = readMline(record, basics, [&look](const Group& g) { return look.take(g); }, styleLink);
+        entity.reset(readMline(record, basics, [&look](const Group& g) { return look.take(g); }, styleLink));
     if (!entity) {
         basics = rawRecordBasics(record);
-        auto* unmodelled = new KxDbUnmodelledEntity(kind, record.allGroups());
+        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.allGroups());
         // Its layer, linetype and colour, so that it is drawn in them; the
         // groups are written back as read.
         for (std::size_t i = 0; i < record.size(); ++i) {
@@ -245,13 +249,13 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
         }
         RecordBasics lookKept;
         look.applyTo(*unmodelled, context, lookKept);
-        append(context, unmodelled, basics, block, record.line());
+        append(context, std::move(unmodelled), basics, block, record.line());
         return;
     }
     look.applyTo(*entity, context, basics);
-    append(context, entity, basics, block, record.line());
+    const KxDbEntity* added = append(context, std::move(entity), basics, block, record.line());
     if (kind == "MLINE")
-        context.styleReferences.push_back({entity->objectId(), styleLink.handle, styleLink.name, styleLink.line});
+        context.styleReferences.push_back({added->objectId(), styleLink.handle, styleLink.name, styleLink.line});
 }
 
 const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)
