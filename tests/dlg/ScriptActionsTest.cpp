@@ -4,6 +4,7 @@
 #include "DialogFixture.h"
 
 #include "kaldo/dlg/DialogRun.h"
+#include "kxuictrl.h"
 #include "kxuidialog.h"
 
 #include <gmock/gmock.h>
@@ -111,4 +112,48 @@ TEST_F(ScriptActionsTest, EveryItemKindAndItsNotifications)
                                 "  1006 button enabled hidden \"\"\n"
                                 "  1007 button disabled \"\"\n"));
     EXPECT_THAT(text, HasSubstr("Dialog 0 closed: OK\n"));
+}
+
+TEST_F(ScriptActionsTest, SettersChangeItemsWithoutNotifications)
+{
+    QDialog window;
+    auto* listWidget = item<QListWidget>(window, 1003);
+    auto* editWidget = item<QLineEdit>(window, 1001);
+    RecordingDialog dialog;
+    dialog.Attach(&window);
+    CListBox list;
+    CEdit edit;
+    ASSERT_TRUE(list.SubclassDlgItem(1003, &dialog));
+    ASSERT_TRUE(edit.SubclassDlgItem(1001, &dialog));
+    EXPECT_FALSE(list.SubclassDlgItem(1003, &dialog)) << "bound already";
+    int notified = 0;
+    QObject::connect(listWidget, &QListWidget::currentRowChanged, [&] { ++notified; });
+    QObject::connect(editWidget, &QLineEdit::textChanged, [&] { ++notified; });
+
+    EXPECT_EQ(list.AddString(L"STANDARD"), 0);
+    EXPECT_EQ(list.AddString(L"WALL"), 1);
+    EXPECT_EQ(list.InsertString(1, L"PIPE"), 1);
+    EXPECT_EQ(list.FindStringExact(-1, L"wall"), 2) << "without regard to case";
+    EXPECT_EQ(list.FindStringExact(2, L"WALL"), -1) << "only after the start row";
+    EXPECT_TRUE(list.SetItemData(2, 77));
+    EXPECT_EQ(list.GetCurSel(), -1);
+    EXPECT_EQ(list.SetCurSel(2), 2);
+    EXPECT_EQ(list.GetCurSel(), 2);
+    EXPECT_EQ(list.GetItemData(list.GetCurSel()), 77u);
+    EXPECT_EQ(list.DeleteString(0), 2);
+    EXPECT_EQ(list.GetText(1), L"WALL");
+    EXPECT_EQ(list.GetItemData(1), 77u) << "data stays with its row";
+    edit.SetWindowText(L"DUCT");
+    edit.SetLimitText(4);
+    edit.SetSel(0, -1);
+    edit.ReplaceSel(L"PIPES");
+    EXPECT_EQ(edit.GetWindowText(), L"PIPE") << "the limit holds for replaced text";
+    list.ResetContent();
+    EXPECT_EQ(list.GetCount(), 0);
+    EXPECT_EQ(notified, 0);
+    EXPECT_TRUE(dialog.events.empty());
+
+    dialog.Detach();
+    EXPECT_EQ(list.GetSafeHwnd(), nullptr) << "items go with their dialog's window";
+    EXPECT_EQ(list.GetCount(), 0);
 }
