@@ -71,17 +71,22 @@ bool CBitmapButton::LoadBitmaps(const wchar_t* normal, const wchar_t* pressed, c
     return !m_bitmap.isNull();
 }
 
+const QImage& CBitmapButton::imageForState(unsigned itemState) const
+{
+    if ((itemState & ODS_SELECTED) && !m_bitmapSel.isNull())
+        return m_bitmapSel;
+    if ((itemState & ODS_FOCUS) && !m_bitmapFocus.isNull())
+        return m_bitmapFocus;
+    if ((itemState & ODS_DISABLED) && !m_bitmapDisabled.isNull())
+        return m_bitmapDisabled;
+    return m_bitmap;
+}
+
 void CBitmapButton::DrawItem(DRAWITEMSTRUCT* item)
 {
-    const QImage* image = &m_bitmap;
-    if ((item->itemState & ODS_SELECTED) && !m_bitmapSel.isNull())
-        image = &m_bitmapSel;
-    else if ((item->itemState & ODS_FOCUS) && !m_bitmapFocus.isNull())
-        image = &m_bitmapFocus;
-    else if ((item->itemState & ODS_DISABLED) && !m_bitmapDisabled.isNull())
-        image = &m_bitmapDisabled;
-    if (!image->isNull())
-        item->hDC->drawImage(QPoint(item->rcItem.left, item->rcItem.top), *image);
+    const QImage& image = imageForState(item->itemState);
+    if (!image.isNull() && item->hDC)
+        item->hDC->drawImage(QPoint(item->rcItem.left, item->rcItem.top), image);
 }
 
 void CBitmapButton::OnAttached()

@@ -31,6 +31,9 @@ QWidget* ownerWidget(const CWnd* parent)
 int CDialog::DoModal()
 {
     int result = -1;
+    // Widgets need the application of a program with a user interface.
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+        return result;
     kaldo::runOnGuiThread([&] {
         std::unique_ptr<QDialog> window = kaldo::dlg::loadDialogTemplate(m_templateId, ownerWidget(m_parentWnd));
         if (!window)

@@ -61,14 +61,18 @@ void DialogRun::guard(const std::function<void()>& handler)
     }
 }
 
+// Notifications come only while the window is shown: hiding it when the
+// dialog ends moves the focus, which the dialog no longer hears of.
 void DialogRun::command(int id, int code)
 {
-    guard([&] { dialog_.OnCommand(id, code); });
+    if (window_.isVisible())
+        guard([&] { dialog_.OnCommand(id, code); });
 }
 
 void DialogRun::notify(int id, int code, int index)
 {
-    guard([&] { dialog_.OnNotify(id, code, index); });
+    if (window_.isVisible())
+        guard([&] { dialog_.OnNotify(id, code, index); });
 }
 
 void DialogRun::connectItems()
@@ -103,7 +107,10 @@ void DialogRun::connectItems()
 bool DialogRun::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched != &window_) {
-        if (event->type() == QEvent::FocusOut)
+        // The focus leaving an edit for another place; a window that is
+        // deactivated (or closes) keeps its focus widget.
+        if (event->type() == QEvent::FocusOut
+            && static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason)
             command(itemId(static_cast<QWidget*>(watched)), EN_KILLFOCUS);
         return false;
     }

@@ -85,7 +85,11 @@ int runMessageBox(const std::wstring& text, unsigned type)
 
 int AfxMessageBox(const wchar_t* text, unsigned type)
 {
-    int result = IDCANCEL;
-    kaldo::runOnGuiThread([&] { result = runMessageBox(text ? text : L"", type); });
+    const std::vector<BoxButton> buttons = buttonsOf(type);
+    int result = escapeId(buttons);
+    // Without the application of a program with a user interface the box
+    // cannot show: it answers as Escape would.
+    if (qobject_cast<QApplication*>(QCoreApplication::instance()))
+        kaldo::runOnGuiThread([&] { result = runMessageBox(text ? text : L"", type); });
     return result;
 }

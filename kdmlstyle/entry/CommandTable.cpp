@@ -2,6 +2,9 @@
 
 #include "entry/CommandBodies.h"
 #include "host/ResourceLibraryScope.h"
+#include "mleditdlg/MlineEditDialog.h"
+
+#include <memory>
 
 namespace kdml {
 
@@ -17,9 +20,21 @@ void handler()
         body();
 }
 
+// MLEDIT: the dialog is made while the library is the resource source (it
+// loads its images then) and destroyed after the library is freed.
+void mleditHandler()
+{
+    std::unique_ptr<CKaldMlineEditDialog> dialog;
+    const ResourceLibraryScope scope;
+    if (!scope.isLoaded())
+        return;
+    dialog = std::make_unique<CKaldMlineEditDialog>();
+    runMledit(*dialog);
+}
+
 constexpr CommandRow kRows[] = {
     {L"MLSTYLE", 4013, 2, &handler<runMlstyle>},
-    {L"MLEDIT", 4014, 2, &handler<runMledit>},
+    {L"MLEDIT", 4014, 2, &mleditHandler},
     {L"-MLEDIT", 4015, 2, &handler<runMleditKeywords>},
     {L"MLINE", 5000, 0, &handler<runMline>},
 };

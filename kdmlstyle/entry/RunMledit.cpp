@@ -10,9 +10,8 @@ namespace kdml {
 // MLEDIT: the tool dialog runs through the host's crash recorder; the tool
 // of the button clicked runs after it. Without a recorder nothing is shown;
 // a dialog the recorder would not run goes to its fallback and no tool runs.
-void runMledit()
+void runMledit(CKaldMlineEditDialog& dialog)
 {
-    CKaldMlineEditDialog dialog;
     KxCrashRecorder* recorder = kaldGetCrashRecorder();
     if (!recorder)
         return;

@@ -50,6 +50,10 @@ public:
     virtual void DrawItem(DRAWITEMSTRUCT* item);
 
 protected:
+    // The image for an item state: pressed, else focus, else disabled when
+    // the state has it and that image is loaded; else the normal image.
+    const QImage& imageForState(unsigned itemState) const;
+
     void OnAttached() override;
     void OnDetaching() override;
 

@@ -32,6 +32,9 @@ private:
     std::unique_ptr<Events> m_events;
 };
 
+// An edit. What a person types and a script's TEXT pass through the
+// validator of the bound line edit (a filter of refused characters sets one
+// on GetSafeHwnd()); ReplaceSel does too.
 class CEdit : public CWnd {
 public:
     // The most characters a person can type (0: no limit).

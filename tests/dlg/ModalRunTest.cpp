@@ -51,6 +51,20 @@ protected:
     }
 };
 
+// Ends itself while it initialises, as a dialog with nothing to show does.
+class EndingDialog : public CDialog {
+public:
+    EndingDialog() : CDialog(5758) {}
+
+protected:
+    bool OnInitDialog() override
+    {
+        CDialog::OnInitDialog();
+        EndDialog(7);
+        return true;
+    }
+};
+
 std::string readReport(const std::filesystem::path& folder)
 {
     std::ifstream in(folder / "report.txt");
@@ -78,6 +92,16 @@ TEST_F(ModalRunTest, ErrorInsideADialogReachesTheRecorderAndTheHostGoesOn)
     ProbeDialog next;
     EXPECT_TRUE(recorder.runModal(&next, &result));
     EXPECT_EQ(result, IDOK);
+
+    // A dialog that ends while it initialises reads no line.
+    script("CLICK 1\n");
+    EndingDialog ending;
+    EXPECT_EQ(ending.DoModal(), 7);
+    EXPECT_EQ(editor.nextDialogInput().text, L"CLICK 1");
+
+    // A template the resource library does not hold: nothing runs.
+    CDialog missing(9999);
+    EXPECT_EQ(missing.DoModal(), -1);
 
     // Without the recorder's guard the error reaches the caller.
     script("CLICK 5759\n");

@@ -87,7 +87,7 @@ TEST_F(PlacementTest, StoredOnOkOnlyAndRestoredByTheRules)
 
     const CRect larger{100, 120, 700, 620};
     store(keys, larger);
-    EXPECT_EQ(open(keys, true).opened, larger);
+    EXPECT_EQ(open(keys, true).confirmed, larger) << "the shown window keeps the stored place";
 
     // Three of four keys: the stored values are not used.
     profile.setInt(L"Settings", keys.bottom, kdml::kPlacementNotStored);
@@ -101,7 +101,7 @@ TEST_F(PlacementTest, StoredOnOkOnlyAndRestoredByTheRules)
     store(keys, smaller);
     EXPECT_EQ(open(keys, true).opened.Height(), designedHeight);
     store(kdml::kLoadDialogPlacement, smaller);
-    EXPECT_EQ(open(kdml::kLoadDialogPlacement, false).opened, smaller);
+    EXPECT_EQ(open(kdml::kLoadDialogPlacement, false).confirmed, smaller);
 
     // Two keys: the position only.
     const kdml::PlacementKeys& corner = kdml::kNewStylePlacement;
@@ -109,7 +109,7 @@ TEST_F(PlacementTest, StoredOnOkOnlyAndRestoredByTheRules)
     EXPECT_TRUE(profile.getInt(L"Settings", corner.left));
     profile.setInt(L"Settings", corner.left, 40);
     profile.setInt(L"Settings", corner.top, 50);
-    EXPECT_EQ(open(corner, false).opened, (CRect{40, 50, 40 + designedWidth, 50 + designedHeight}));
+    EXPECT_EQ(open(corner, false).confirmed, (CRect{40, 50, 40 + designedWidth, 50 + designedHeight}));
 }
 
 namespace {
