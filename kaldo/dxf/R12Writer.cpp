@@ -5,7 +5,6 @@
 #include "kaldo/dxf/DrawingExtents.h"
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
-#include "kaldo/dxf/RecordWriting.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
@@ -21,8 +20,6 @@
 namespace kaldo::dxf {
 
 namespace {
-
-constexpr double kTolerance = 1e-10;
 
 // The groups of a kept record that R12 gives the same meaning, by kind;
 // the common part (layer, linetype, colour) is written from the entity.
@@ -51,7 +48,7 @@ bool inStandardStyle(const std::vector<KxDbFileGroup>& groups)
 
 bool isWorldNormal(const KxGeVector3d& n)
 {
-    return std::abs(n.x) < kTolerance && std::abs(n.y) < kTolerance && std::abs(n.z - 1) < kTolerance;
+    return std::abs(n.x) < kxGeTolerance && std::abs(n.y) < kxGeTolerance && std::abs(n.z - 1) < kxGeTolerance;
 }
 
 class R12Writer {
