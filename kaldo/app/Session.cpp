@@ -121,7 +121,7 @@ int Session::saveExplodedCopy(const std::filesystem::path& path, bool replaceRea
     }
     const int exploded = explodeAllMlines(*copy.database, FillForm::Solids);
     const dxf::LeftOutKinds leftOut =
-        dxf::saveDxfFileR12(path, *copy.database, view::nearestColorIndex, replaceReadOnly);
+        dxf::saveDxfFileR12(path, *copy.database, copy.kept, view::nearestColorIndex, replaceReadOnly);
     if (!leftOut.empty()) {
         std::wstring kinds;
         for (const auto& [kind, count] : leftOut)

@@ -28,13 +28,15 @@ const std::set<int>* keptGeometryCodes(const std::string& kind)
     static const std::set<int> solid = {10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33, 39, 210, 220, 230};
     static const std::set<int> point = {10, 20, 30, 39, 210, 220, 230};
     static const std::set<int> text = {1, 7, 10, 20, 30, 11, 21, 31, 39, 40, 41, 50, 51, 71, 72, 73, 210, 220, 230};
-    if (kind == "SOLID")
-        return &solid;
-    if (kind == "POINT")
-        return &point;
-    if (kind == "TEXT")
-        return &text;
-    return nullptr;
+    static const std::set<int> insert = {2, 10, 20, 30, 41, 42, 43, 44, 45, 50, 70, 71, 210, 220, 230};
+    static const std::set<int> polyline = {66, 10, 20, 30, 39, 40, 41, 70, 71, 72, 73, 74, 75, 210, 220, 230};
+    static const std::set<int> vertex = {10, 20, 30, 40, 41, 42, 50, 70, 71, 72, 73, 74};
+    static const std::set<int> seqend = {};
+    static const std::map<std::string, const std::set<int>*, std::less<>> byKind = {
+        {"SOLID", &solid}, {"POINT", &point},       {"TEXT", &text},    {"INSERT", &insert},
+        {"POLYLINE", &polyline}, {"VERTEX", &vertex}, {"SEQEND", &seqend}};
+    const auto found = byKind.find(kind);
+    return found == byKind.end() ? nullptr : found->second;
 }
 
 // Text in another style than STANDARD would need that style's record,
@@ -46,6 +48,12 @@ bool inStandardStyle(const std::vector<KxDbFileGroup>& groups)
     });
 }
 
+bool hasAttributes(const std::vector<KxDbFileGroup>& groups)
+{
+    return std::any_of(groups.begin(), groups.end(),
+                       [](const KxDbFileGroup& g) { return g.code == 66 && trimmed(g.value) == "1"; });
+}
+
 bool isWorldNormal(const KxGeVector3d& n)
 {
     return std::abs(n.x) < kxGeTolerance && std::abs(n.y) < kxGeTolerance && std::abs(n.z - 1) < kxGeTolerance;
@@ -53,8 +61,8 @@ bool isWorldNormal(const KxGeVector3d& n)
 
 class R12Writer {
 public:
-    R12Writer(int fd, const KxDbDatabase& db, NearestColorIndex nearestIndex)
-        : w_(fd), db_(db), nearestIndex_(nearestIndex)
+    R12Writer(int fd, const KxDbDatabase& db, const KeptSections& kept, NearestColorIndex nearestIndex)
+        : w_(fd), db_(db), kept_(kept), nearestIndex_(nearestIndex)
     {
     }
 
@@ -238,11 +246,51 @@ private:
         w_.text(0, "ENDTAB");
     }
 
-    // The layout blocks, empty: their entities are in the ENTITIES section.
+    // The layout blocks, empty: their entities are in the ENTITIES section;
+    // then every other block but further layouts, with its base point and
+    // flags as read.
     void writeBlocks()
     {
         w_.text(0, "SECTION");
         w_.text(2, "BLOCKS");
+        writeLayoutBlocks();
+        for (const KxDbObjectId id : recordsOf<KxDbBlockTable>(db_.blockTableId())) {
+            const auto* block = KxDbBlockTableRecord::cast(db_.peekObject(id));
+            if (!block || id == db_.modelSpaceId() || id == db_.paperSpaceId() || isLayoutName(block->name()))
+                continue;
+            const auto ends = kept_.blockEnds.find(id);
+            const auto* begin = ends == kept_.blockEnds.end()
+                                    ? nullptr
+                                    : KxDbUnmodelledObject::cast(db_.peekObject(ends->second.begin));
+            const auto number = [begin](int code) {
+                if (begin)
+                    for (const KxDbFileGroup& g : begin->groups())
+                        if (g.code == code)
+                            return std::string(trimmed(g.value));
+                return std::string("0");
+            };
+            w_.text(0, "BLOCK");
+            w_.text(8, "0");
+            w_.wide(2, block->name());
+            w_.text(70, number(70));
+            w_.text(10, number(10));
+            w_.text(20, number(20));
+            w_.text(30, number(30));
+            w_.wide(3, block->name());
+            writeEntitiesOf(id, false);
+            w_.text(0, "ENDBLK");
+            w_.text(8, "0");
+        }
+        w_.text(0, "ENDSEC");
+    }
+
+    static bool isLayoutName(const std::wstring& name)
+    {
+        return kaldo::sameName(name.substr(0, 12), L"*Paper_Space") || kaldo::sameName(name.substr(0, 12), L"*Model_Space");
+    }
+
+    void writeLayoutBlocks()
+    {
         for (const auto& [name, paper] : {std::pair{"$MODEL_SPACE", false}, {"$PAPER_SPACE", true}}) {
             w_.text(0, "BLOCK");
             if (paper)
@@ -258,7 +306,6 @@ private:
                 w_.integer(67, 1);
             w_.text(8, "0");
         }
-        w_.text(0, "ENDSEC");
     }
 
     void writeEntitiesOf(KxDbObjectId blockId, bool paper)
@@ -347,12 +394,21 @@ private:
         head("SEQEND", pline, paper);
     }
 
+    // An INSERT with attributes is left out with them: its ATTRIB records
+    // and their SEQEND go unwritten and uncounted.
     void writeKept(const KxDbUnmodelledEntity& kept, bool paper)
     {
         const std::string& kind = kept.dxfName();
+        if (skippingAttributes_) {
+            skippingAttributes_ = kind == "ATTRIB";
+            if (kind == "ATTRIB" || kind == "SEQEND")
+                return;
+        }
         const std::set<int>* codes = keptGeometryCodes(kind);
-        if (!codes || (kind == "TEXT" && !inStandardStyle(kept.groups()))) {
+        const bool attributed = kind == "INSERT" && hasAttributes(kept.groups());
+        if (!codes || attributed || (kind == "TEXT" && !inStandardStyle(kept.groups()))) {
             ++leftOut_[kind];
+            skippingAttributes_ = attributed;
             return;
         }
         head(kind.c_str(), kept, paper);
@@ -363,22 +419,24 @@ private:
 
     GroupWriter w_;
     const KxDbDatabase& db_;
+    const KeptSections& kept_;
     NearestColorIndex nearestIndex_;
     LeftOutKinds leftOut_;
+    bool skippingAttributes_ = false;
 };
 
 }  // namespace
 
-LeftOutKinds writeDxfR12(int fd, const KxDbDatabase& db, NearestColorIndex nearestIndex)
+LeftOutKinds writeDxfR12(int fd, const KxDbDatabase& db, const KeptSections& kept, NearestColorIndex nearestIndex)
 {
-    return R12Writer(fd, db, nearestIndex).write();
+    return R12Writer(fd, db, kept, nearestIndex).write();
 }
 
-LeftOutKinds saveDxfFileR12(const std::filesystem::path& path, const KxDbDatabase& db, NearestColorIndex nearestIndex,
-                            bool replaceReadOnly)
+LeftOutKinds saveDxfFileR12(const std::filesystem::path& path, const KxDbDatabase& db, const KeptSections& kept,
+                            NearestColorIndex nearestIndex, bool replaceReadOnly)
 {
     LeftOutKinds leftOut;
-    writeFileAtomically(path, [&](int fd) { leftOut = writeDxfR12(fd, db, nearestIndex); }, replaceReadOnly);
+    writeFileAtomically(path, [&](int fd) { leftOut = writeDxfR12(fd, db, kept, nearestIndex); }, replaceReadOnly);
     return leftOut;
 }
 

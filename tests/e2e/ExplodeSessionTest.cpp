@@ -247,8 +247,9 @@ TEST(ExplodeSession, MultilinesSeenFromBelowExplodeIntoTheSameArcs)
 TEST(ExplodeSession, R12CopiesKeepWhatR12HoldsAndSayWhatTheyLeaveOut)
 {
     // The gallery's caps with a bulged polyline, a line in a true colour,
-    // a text and a circle, which R12 holds; then with two MTEXTs and an
-    // ELLIPSE, which it does not.
+    // a text, a circle and a block reference, which R12 holds; then with
+    // two MTEXTs, an ELLIPSE and a block reference with an attribute,
+    // which it does not.
     KaldoProcess kaldo;
     kaldo.writeFile("gallery.mln", [] {
         QFile file(QStringLiteral(KALDO_SOURCE_DIR "/docs/gallery/gallery.mln"));
@@ -260,21 +261,39 @@ TEST(ExplodeSession, R12CopiesKeepWhatR12HoldsAndSayWhatTheyLeaveOut)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const std::string text = file.readAll().toStdString();
     const std::string entities = "\nENTITIES\n";
+    const std::string blockRecords = "AcDbBlockTableRecord\n  2\n*Paper_Space\n";
+    const std::string blocks = "\nBLOCKS\n";
     ASSERT_NE(text.find(entities), std::string::npos);
+    ASSERT_NE(text.find(blockRecords), std::string::npos);
+    ASSERT_NE(text.find(blocks), std::string::npos);
+    const std::string markRecord =
+        "0\nBLOCK_RECORD\n5\nF00\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n2\nMARK\n";
+    const std::string markBlock =
+        "0\nBLOCK\n5\nF01\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockBegin\n2\nMARK\n70\n0\n10\n1\n20\n1\n"
+        "30\n0\n3\nMARK\n1\n\n0\nCIRCLE\n5\nF02\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n1\n20\n1\n40\n1\n"
+        "0\nLINE\n5\nF03\n330\nF00\n100\nAcDbEntity\n8\n0\n62\n1\n100\nAcDbLine\n10\n0\n20\n1\n11\n2\n21\n1\n"
+        "0\nENDBLK\n5\nF04\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockEnd\n";
     const std::string held =
         "0\nLWPOLYLINE\n100\nAcDbEntity\n8\n0\n62\n3\n100\nAcDbPolyline\n90\n3\n70\n1\n10\n0\n20\n10\n10\n10\n20\n10\n"
         "42\n0.5\n10\n10\n20\n16\n"
         "0\nLINE\n100\nAcDbEntity\n8\n0\n62\n5\n420\n33023\n100\nAcDbLine\n10\n20\n20\n10\n11\n30\n21\n18\n"
         "0\nTEXT\n100\nAcDbEntity\n8\n0\n62\n1\n100\nAcDbText\n10\n40\n20\n12\n40\n2\n1\nR12\n100\nAcDbText\n"
-        "0\nCIRCLE\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n60\n20\n15\n40\n3\n";
+        "0\nCIRCLE\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n60\n20\n15\n40\n3\n"
+        "0\nINSERT\n5\nF05\n330\n9\n100\nAcDbEntity\n8\n0\n62\n2\n100\nAcDbBlockReference\n2\nMARK\n10\n80\n20\n15\n"
+        "41\n2\n42\n2\n50\n30\n";
     const std::string unheld =
         "0\nMTEXT\n100\nAcDbEntity\n8\n0\n100\nAcDbMText\n10\n70\n20\n12\n40\n2\n1\nkept\n"
         "0\nMTEXT\n100\nAcDbEntity\n8\n0\n100\nAcDbMText\n10\n70\n20\n16\n40\n2\n1\nout\n"
         "0\nELLIPSE\n100\nAcDbEntity\n8\n0\n100\nAcDbEllipse\n10\n85\n20\n15\n30\n0\n11\n3\n21\n0\n31\n0\n40\n0.5\n"
-        "41\n0\n42\n6.283185307179586\n";
+        "41\n0\n42\n6.283185307179586\n"
+        "0\nINSERT\n5\nF06\n330\n9\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockReference\n66\n1\n2\nMARK\n10\n90\n20\n15\n"
+        "0\nATTRIB\n5\nF07\n330\nF06\n100\nAcDbEntity\n8\n0\n100\nAcDbText\n10\n90\n20\n15\n40\n1\n1\nA\n"
+        "100\nAcDbAttribute\n2\nTAG\n70\n0\n0\nSEQEND\n5\nF08\n330\nF06\n100\nAcDbEntity\n8\n0\n";
     const auto withExtras = [&](const std::string& extras) {
         std::string changed = text;
         changed.insert(changed.find(entities) + entities.size(), extras);
+        changed.insert(changed.find(blocks) + blocks.size(), markBlock);
+        changed.insert(changed.find(blockRecords) + blockRecords.size(), markRecord);
         return changed;
     };
     const std::string holdable = kaldo.writeFile("holdable.dxf", withExtras(held)).string();
@@ -302,6 +321,7 @@ TEST(ExplodeSession, R12CopiesKeepWhatR12HoldsAndSayWhatTheyLeaveOut)
     EXPECT_EQ(kinds["POLYLINE"].toInt(), 1);
     EXPECT_EQ(kinds["TEXT"].toInt(), 1);
     EXPECT_EQ(kinds["CIRCLE"].toInt(), 1);
+    EXPECT_EQ(kinds["INSERT"].toInt(), 1);
     EXPECT_EQ(kinds["SOLID"].toInt(), 32);
     // 0x0080FF is the colour of index 150 to within a step.
     EXPECT_TRUE(to.file["looks"].toArray().contains("LINE 0 150 BYLAYER")) << to.file["looks"].toArray().size();
@@ -324,7 +344,7 @@ TEST(ExplodeSession, R12CopiesKeepWhatR12HoldsAndSayWhatTheyLeaveOut)
                                               {QString::fromStdString(mixed), "--save-exploded-r12",
                                                QString::fromStdString(option)});
     ASSERT_EQ(mixedRun.exitCode, 0) << mixedRun.err;
-    const std::string leftOut = "Left out of the R12 copy, which cannot hold them: 1 ELLIPSE, 2 MTEXT.";
+    const std::string leftOut = "Left out of the R12 copy, which cannot hold them: 1 ELLIPSE, 1 INSERT, 2 MTEXT.";
     const std::size_t first_ = mixedRun.out.find(leftOut);
     ASSERT_NE(first_, std::string::npos) << mixedRun.out;
     const std::size_t second_ = mixedRun.out.find(leftOut, first_ + 1);
