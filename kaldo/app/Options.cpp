@@ -35,9 +35,9 @@ void describe(QCommandLineParser& parser)
         "The session ends with QUIT or after the script's last line.\n"
         "Exit codes: 0 normal end, 2 a named file or folder cannot be used, 64 bad usage.");
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption,
-                       noModulesOption, saveOption, saveExplodedOption, saveExplodedR12Option, exportOption, sizeOption, backgroundOption,
-                       helpOption, versionOption});
+    parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption, noModulesOption,
+                       saveOption, saveExplodedOption, saveExplodedR12Option, exportOption, sizeOption,
+                       backgroundOption, helpOption, versionOption});
     parser.addPositionalArgument("DRAWING", "The drawing (.dxf) to open; a new drawing without it.", "[DRAWING]");
 }
 

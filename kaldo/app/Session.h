@@ -23,11 +23,11 @@ class Editor;
 class Profile;
 class Runtime;
 
-// A session could not start (the profile cannot be read).
 // The file version of an exploded copy: the usual one, or R12 (AC1009)
 // for the oldest readers.
 enum class CopyVersion { Current, R12 };
 
+// A session could not start (the profile cannot be read).
 class SessionError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

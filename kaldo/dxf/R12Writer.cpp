@@ -33,7 +33,7 @@ const std::set<int>* keptGeometryCodes(const std::string& kind)
     static const std::set<int> vertex = {10, 20, 30, 40, 41, 42, 50, 70, 71, 72, 73, 74};
     static const std::set<int> seqend = {};
     static const std::map<std::string, const std::set<int>*, std::less<>> byKind = {
-        {"SOLID", &solid}, {"POINT", &point},       {"TEXT", &text},    {"INSERT", &insert},
+        {"SOLID", &solid},       {"POINT", &point},   {"TEXT", &text},    {"INSERT", &insert},
         {"POLYLINE", &polyline}, {"VERTEX", &vertex}, {"SEQEND", &seqend}};
     const auto found = byKind.find(kind);
     return found == byKind.end() ? nullptr : found->second;
@@ -286,7 +286,8 @@ private:
 
     static bool isLayoutName(const std::wstring& name)
     {
-        return kaldo::sameName(name.substr(0, 12), L"*Paper_Space") || kaldo::sameName(name.substr(0, 12), L"*Model_Space");
+        const std::wstring start = name.substr(0, 12);
+        return kaldo::sameName(start, L"*Paper_Space") || kaldo::sameName(start, L"*Model_Space");
     }
 
     void writeLayoutBlocks()

@@ -187,7 +187,8 @@ private:
         m_oldPolyline->setClosed(flags & 1);
         m_oldPolyline->setElevation(groupNumber(groups, 30, 0));
         m_oldPolyline->setConstantWidth(groupNumber(groups, 40, 0));
-        m_oldPolyline->setNormal({groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
+        m_oldPolyline->setNormal(
+            {groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
         m_oldPolylinePen = pen;
         return true;
     }

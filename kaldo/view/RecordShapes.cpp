@@ -188,8 +188,8 @@ bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
     const double elevation = groupNumber(groups, 30, 0);
     scene.beginPolygon();
     for (const int corner : {0, 1, 3, 2}) {
-        const KxGePoint3d p =
-            plane.toWorld(KxGePoint3d(groupNumber(groups, 10 + corner, 0), groupNumber(groups, 20 + corner, 0), elevation));
+        const KxGePoint3d p = plane.toWorld(
+            KxGePoint3d(groupNumber(groups, 10 + corner, 0), groupNumber(groups, 20 + corner, 0), elevation));
         scene.addPoint({p.x, p.y});
     }
     scene.endPolygon(color);

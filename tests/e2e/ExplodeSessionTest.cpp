@@ -270,7 +270,8 @@ TEST(ExplodeSession, R12CopiesKeepWhatR12HoldsAndSayWhatTheyLeaveOut)
         "0\nBLOCK_RECORD\n5\nF00\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n2\nMARK\n";
     const std::string markBlock =
         "0\nBLOCK\n5\nF01\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockBegin\n2\nMARK\n70\n0\n10\n1\n20\n1\n"
-        "30\n0\n3\nMARK\n1\n\n0\nCIRCLE\n5\nF02\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n1\n20\n1\n40\n1\n"
+        "30\n0\n3\nMARK\n1\n\n"
+        "0\nCIRCLE\n5\nF02\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n1\n20\n1\n40\n1\n"
         "0\nLINE\n5\nF03\n330\nF00\n100\nAcDbEntity\n8\n0\n62\n1\n100\nAcDbLine\n10\n0\n20\n1\n11\n2\n21\n1\n"
         "0\nENDBLK\n5\nF04\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockEnd\n";
     const std::string held =

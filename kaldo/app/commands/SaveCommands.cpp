@@ -118,7 +118,8 @@ void askAndSave(Session& session, bool offerExploded)
     if (!version)
         return;
     std::filesystem::path copy = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath();
-    copy.replace_filename(copy.stem().wstring() + (*version == CopyVersion::R12 ? L"-exploded-r12.dxf" : L"-exploded.dxf"));
+    const wchar_t* suffix = *version == CopyVersion::R12 ? L"-exploded-r12.dxf" : L"-exploded.dxf";
+    copy.replace_filename(copy.stem().wstring() + suffix);
     const std::filesystem::path target = chooseFile(L"Save Exploded Copy As", copy.wstring());
     if (!target.empty())
         saveExplodedReporting(session, target, *version);
