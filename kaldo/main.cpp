@@ -154,6 +154,13 @@ int main(int argc, char** argv)
             return fail(std::string("the exploded copy was not saved: ") + e.what(), kaldo::kExitBadFile);
         }
     }
+    if (options.saveExplodedR12) {
+        try {
+            session->saveExplodedCopy(*options.saveExplodedR12, false, kaldo::CopyVersion::R12);
+        } catch (const kaldo::dxf::DxfError& e) {
+            return fail(std::string("the R12 exploded copy was not saved: ") + e.what(), kaldo::kExitBadFile);
+        }
+    }
     if (options.exportTo) {
         const kaldo::view::Background background = options.exportBackground == kaldo::ExportBackground::Dark
                                                        ? kaldo::view::Background::Dark

@@ -36,10 +36,8 @@ struct ElementLook {
     KxDbObjectId linetype;
 };
 
-// The groups of a solid HATCH record in the plane of normal: each loop a
-// closed polyline boundary path in plane coordinates.
-std::vector<KxDbFileGroup> hatchGroups(const std::vector<std::array<KxGePoint3d, 4>>& loops, const EntityPlane& plane,
-                                       const std::string& owner, const std::string& layer, const KxCmColor& color)
+// The common part of a record made here: owner, layer and colour.
+std::vector<KxDbFileGroup> entityHead(const std::string& owner, const std::string& layer, const KxCmColor& color)
 {
     std::vector<KxDbFileGroup> groups;
     const auto add = [&](int code, std::string value) { groups.push_back({std::int16_t(code), 0, std::move(value)}); };
@@ -50,6 +48,47 @@ std::vector<KxDbFileGroup> hatchGroups(const std::vector<std::array<KxGePoint3d,
         add(62, std::to_string(color.isByBlock() ? 0 : color.colorIndex()));
     if (color.isByColor())
         add(420, std::to_string(color.color() & 0xFFFFFFu));
+    return groups;
+}
+
+bool isSeenFromBelow(const KxGeVector3d& normal)
+{
+    return std::abs(normal.x) < kShortest && std::abs(normal.y) < kShortest && normal.z < 0;
+}
+
+// The groups of a SOLID record filling one quadrilateral, its corners in
+// the order 1, 2, 4, 3 that SOLID takes. In a plane seen from below the
+// corners are world points about +Z, as for arc caps.
+std::vector<KxDbFileGroup> solidGroups(const std::array<KxGePoint3d, 4>& quad, const KxGeVector3d& normal,
+                                       const std::string& owner, const std::string& layer, const KxCmColor& color)
+{
+    const KxGeVector3d about = isSeenFromBelow(normal) ? KxGeVector3d(0, 0, 1) : normal;
+    const EntityPlane plane(about);
+    std::vector<KxDbFileGroup> groups = entityHead(owner, layer, color);
+    const auto add = [&](int code, std::string value) { groups.push_back({std::int16_t(code), 0, std::move(value)}); };
+    add(100, "AcDbTrace");
+    const double elevation = plane.toPlane(quad[0]).z;
+    int code = 10;
+    for (const std::size_t corner : {0, 1, 3, 2}) {
+        const KxGePoint3d p = plane.toPlane(quad[corner]);
+        add(code, numberText(p.x));
+        add(code + 10, numberText(p.y));
+        add(code + 20, numberText(elevation));
+        ++code;
+    }
+    add(210, numberText(about.x));
+    add(220, numberText(about.y));
+    add(230, numberText(about.z));
+    return groups;
+}
+
+// The groups of a solid HATCH record in the plane of normal: each loop a
+// closed polyline boundary path in plane coordinates.
+std::vector<KxDbFileGroup> hatchGroups(const std::vector<std::array<KxGePoint3d, 4>>& loops, const EntityPlane& plane,
+                                       const std::string& owner, const std::string& layer, const KxCmColor& color)
+{
+    std::vector<KxDbFileGroup> groups = entityHead(owner, layer, color);
+    const auto add = [&](int code, std::string value) { groups.push_back({std::int16_t(code), 0, std::move(value)}); };
     add(100, "AcDbHatch");
     const double elevation = plane.toPlane(loops.front()[0]).z;
     add(10, "0");
@@ -136,7 +175,7 @@ private:
         double from = arc.start;
         double sweep = arc.sweep;
         KxGeVector3d normal = m_mline.normal();
-        if (std::abs(normal.x) < kShortest && std::abs(normal.y) < kShortest && normal.z < 0) {
+        if (isSeenFromBelow(normal)) {
             const KxGeVector3d startDirection = plane.toWorld(KxGeVector3d(std::cos(from), std::sin(from), 0));
             from = std::atan2(startDirection.y, startDirection.x);
             sweep = -sweep;
@@ -168,7 +207,7 @@ std::string layerName(KxDbObjectId layer)
 
 }  // namespace
 
-Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id)
+Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id, FillForm fillForm)
 {
     Explosion made;
     KxDbObjectPtr<KxDbMline> mline(id, KxDb::kForWrite);
@@ -188,23 +227,31 @@ Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id)
         KxDbObjectPtr<KxDbEntity> added(entity.release());
         ++(arc ? made.arcs : made.lines);
     }
+    const auto addFill = [&](const char* kind, std::vector<KxDbFileGroup> groups) {
+        auto fill = std::make_unique<KxDbUnmodelledEntity>(kind, std::move(groups));
+        fill->setLayer(mline->layerId());
+        fill->setColor(style->fillColor());
+        fill->setLinetype(db.byLayerLinetype());
+        if (block->appendKxDbEntity(fill.get()) != Kald::eOk)
+            return false;
+        KxDbObjectPtr<KxDbEntity> added(fill.release());
+        return true;
+    };
     if (!exploder.fills().empty() && style) {
-        auto hatch = std::make_unique<KxDbUnmodelledEntity>(
-            "HATCH", hatchGroups(exploder.fills(), EntityPlane(mline->normal()), kxutToMultiByte(block->handleText()),
-                                 layerName(mline->layerId()), style->fillColor()));
-        hatch->setLayer(mline->layerId());
-        hatch->setColor(style->fillColor());
-        hatch->setLinetype(db.byLayerLinetype());
-        if (block->appendKxDbEntity(hatch.get()) == Kald::eOk) {
-            KxDbObjectPtr<KxDbEntity> added(hatch.release());
-            ++made.hatches;
-        }
+        const std::string owner = kxutToMultiByte(block->handleText());
+        const std::string layer = layerName(mline->layerId());
+        if (fillForm == FillForm::Hatch)
+            made.hatches += addFill("HATCH", hatchGroups(exploder.fills(), EntityPlane(mline->normal()), owner, layer,
+                                                         style->fillColor()));
+        else
+            for (const auto& quad : exploder.fills())
+                made.solids += addFill("SOLID", solidGroups(quad, mline->normal(), owner, layer, style->fillColor()));
     }
     made.exploded = mline->erase() == Kald::eOk;
     return made;
 }
 
-int explodeAllMlines(KxDbDatabase& db)
+int explodeAllMlines(KxDbDatabase& db, FillForm fillForm)
 {
     std::vector<KxDbObjectId> mlines;
     {
@@ -233,7 +280,7 @@ int explodeAllMlines(KxDbDatabase& db)
     }
     int exploded = 0;
     for (const KxDbObjectId& id : mlines)
-        exploded += explodeMline(db, id).exploded ? 1 : 0;
+        exploded += explodeMline(db, id, fillForm).exploded ? 1 : 0;
     return exploded;
 }
 

@@ -17,6 +17,10 @@ const QCommandLineOption saveExplodedOption("save-exploded",
                                             "Save a copy of the drawing with every multiline exploded as FILE.dxf "
                                             "when the script ends.",
                                             "FILE");
+const QCommandLineOption saveExplodedR12Option("save-exploded-r12",
+                                               "Save such a copy in the R12 form (AC1009) for the oldest readers as "
+                                               "FILE.dxf when the script ends.",
+                                               "FILE");
 const QCommandLineOption exportOption("export", "Write the drawing as a picture FILE.svg or FILE.png when the script ends.", "FILE");
 const QCommandLineOption sizeOption("size", "Longer side of the exported picture in pixels (default 1600).", "PIXELS");
 const QCommandLineOption backgroundOption("background", "Background of the exported picture: white (default) or dark.", "COLOUR");
@@ -31,9 +35,9 @@ void describe(QCommandLineParser& parser)
         "The session ends with QUIT or after the script's last line.\n"
         "Exit codes: 0 normal end, 2 a named file or folder cannot be used, 64 bad usage.");
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption,
-                       noModulesOption, saveOption, saveExplodedOption, exportOption, sizeOption, backgroundOption,
-                       helpOption, versionOption});
+    parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption, noModulesOption,
+                       saveOption, saveExplodedOption, saveExplodedR12Option, exportOption, sizeOption,
+                       backgroundOption, helpOption, versionOption});
     parser.addPositionalArgument("DRAWING", "The drawing (.dxf) to open; a new drawing without it.", "[DRAWING]");
 }
 
@@ -65,6 +69,8 @@ ParsedOptions parseOptions(const QStringList& args)
         o.saveAs = toPath(parser.value(saveOption));
     if (parser.isSet(saveExplodedOption))
         o.saveExploded = toPath(parser.value(saveExplodedOption));
+    if (parser.isSet(saveExplodedR12Option))
+        o.saveExplodedR12 = toPath(parser.value(saveExplodedR12Option));
     if (parser.isSet(exportOption)) {
         o.exportTo = toPath(parser.value(exportOption));
         const std::string ext = o.exportTo->extension().string();

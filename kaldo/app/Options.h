@@ -28,6 +28,7 @@ struct Options {
     std::optional<std::filesystem::path> script;
     std::optional<std::filesystem::path> saveAs;   // --save, after the script
     std::optional<std::filesystem::path> saveExploded;  // --save-exploded, after --save
+    std::optional<std::filesystem::path> saveExplodedR12;  // --save-exploded-r12, after --save-exploded
     std::optional<std::filesystem::path> exportTo; // --export FILE.svg|FILE.png, after --save
     int exportSize = 1600;                          // longer side of the picture, in pixels
     ExportBackground exportBackground = ExportBackground::White;

@@ -5,12 +5,15 @@
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/DxfFile.h"
 #include "kaldo/dxf/GroupReader.h"
+#include "kaldo/dxf/R12Writer.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/rx/Runtime.h"
 #include "kaldo/util/CrashRecorder.h"
 #include "kaldo/util/Profile.h"
+#include "kaldo/view/ColorPalette.h"
 #include "kxdbdatabase.h"
+#include "kxstring.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -90,7 +93,7 @@ void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnl
 
 // The copy is the drawing written and read back, so that it shares nothing
 // with the working drawing; it is written into memory, not beside the file.
-int Session::saveExplodedCopy(const std::filesystem::path& path, bool replaceReadOnly)
+int Session::saveExplodedCopy(const std::filesystem::path& path, bool replaceReadOnly, CopyVersion version)
 {
     const auto failed = [] { return dxf::DxfError(0, std::string("cannot make the copy: ") + std::strerror(errno)); };
     const int fd = memfd_create("kaldo-exploded-copy", MFD_CLOEXEC);
@@ -111,8 +114,20 @@ int Session::saveExplodedCopy(const std::filesystem::path& path, bool replaceRea
     }
     dxf::GroupReader reader(text);
     dxf::DxfDrawing copy = dxf::readDxf(reader);
-    const int exploded = explodeAllMlines(*copy.database);
-    dxf::saveDxfFile(path, *copy.database, copy.kept, replaceReadOnly);
+    if (version == CopyVersion::Current) {
+        const int exploded = explodeAllMlines(*copy.database);
+        dxf::saveDxfFile(path, *copy.database, copy.kept, replaceReadOnly);
+        return exploded;
+    }
+    const int exploded = explodeAllMlines(*copy.database, FillForm::Solids);
+    const dxf::LeftOutKinds leftOut =
+        dxf::saveDxfFileR12(path, *copy.database, copy.kept, view::nearestColorIndex, replaceReadOnly);
+    if (!leftOut.empty()) {
+        std::wstring kinds;
+        for (const auto& [kind, count] : leftOut)
+            kinds += (kinds.empty() ? L"" : L", ") + std::to_wstring(count) + L" " + kxutFromMultiByte(kind);
+        editor_->write(L"\nLeft out of the R12 copy, which cannot hold them: " + kinds + L".\n");
+    }
     return exploded;
 }
 

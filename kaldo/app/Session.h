@@ -23,6 +23,10 @@ class Editor;
 class Profile;
 class Runtime;
 
+// The file version of an exploded copy: the usual one, or R12 (AC1009)
+// for the oldest readers.
+enum class CopyVersion { Current, R12 };
+
 // A session could not start (the profile cannot be read).
 class SessionError : public std::runtime_error {
 public:
@@ -53,8 +57,11 @@ public:
     void saveDrawing(const std::filesystem::path& path, bool replaceReadOnly = false);
     // Saves a copy of the working drawing with every multiline exploded as
     // path; the working drawing, its file and its modified state stay as
-    // they were. Throws dxf::DxfError. Returns how many were exploded.
-    int saveExplodedCopy(const std::filesystem::path& path, bool replaceReadOnly = false);
+    // they were. An R12 copy fills with SOLIDs and leaves out what R12
+    // cannot hold, saying in the transcript which kinds and how many.
+    // Throws dxf::DxfError. Returns how many were exploded.
+    int saveExplodedCopy(const std::filesystem::path& path, bool replaceReadOnly = false,
+                         CopyVersion version = CopyVersion::Current);
     // Whether the working drawing changed since it was opened, saved or
     // started.
     bool modified() const;

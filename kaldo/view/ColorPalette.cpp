@@ -38,6 +38,28 @@ std::uint32_t colorIndexRgb(int index)
     return 0xFFFFFF;
 }
 
+int nearestColorIndex(std::uint32_t rgb)
+{
+    const auto part = [](std::uint32_t value, int shift) { return int(value >> shift & 0xFFu); };
+    int nearest = 1;
+    long least = -1;
+    for (int index = 1; index <= 255; ++index) {
+        if (index == 7)
+            continue;
+        const std::uint32_t candidate = colorIndexRgb(index);
+        long distance = 0;
+        for (const int shift : {16, 8, 0}) {
+            const long d = part(rgb, shift) - part(candidate, shift);
+            distance += d * d;
+        }
+        if (least < 0 || distance < least) {
+            least = distance;
+            nearest = index;
+        }
+    }
+    return nearest;
+}
+
 DrawColor drawColor(const KxCmColor& color, const DrawColor& layerColor)
 {
     if (color.isByLayer())

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <numbers>
 #include <unordered_map>
 
@@ -153,8 +154,43 @@ private:
                                       groupNumber(groups, 50, 0) * std::numbers::pi / 180});
         if (kind == "DIMENSION")
             return drawBlock(groups, {});
+        if (kind == "POLYLINE" || kind == "VERTEX")
+            return collectOldPolyline(kind, groups, pen);
+        if (kind == "SEQEND" && m_oldPolyline) {
+            m_oldPolyline->setVertices(std::move(m_oldVertices));
+            drawPolyline(*m_oldPolyline, m_oldPolylinePen, m_scene);
+            m_oldPolyline.reset();
+            m_oldVertices.clear();
+        }
         // What the file keeps beside its entities draws nothing by itself.
         return kind == "SEQEND" || kind == "ATTDEF";
+    }
+
+    // A polyline of the old form is its POLYLINE record, a VERTEX record
+    // per vertex and SEQEND, which draws it. Only plane polylines are
+    // drawn (not 3D polylines or meshes, flags 8, 16 and 64).
+    bool collectOldPolyline(const std::string& kind, const std::vector<KxDbFileGroup>& groups, int pen)
+    {
+        if (kind == "VERTEX") {
+            if (!m_oldPolyline)
+                return false;
+            m_oldVertices.push_back({groupNumber(groups, 10, 0), groupNumber(groups, 20, 0), groupNumber(groups, 40, 0),
+                                     groupNumber(groups, 41, 0), groupNumber(groups, 42, 0)});
+            return true;
+        }
+        const auto flags = static_cast<long>(groupNumber(groups, 70, 0));
+        m_oldVertices.clear();
+        m_oldPolyline.reset();
+        if (flags & (8 | 16 | 64))
+            return false;
+        m_oldPolyline = std::make_unique<KxDbPolyline>();
+        m_oldPolyline->setClosed(flags & 1);
+        m_oldPolyline->setElevation(groupNumber(groups, 30, 0));
+        m_oldPolyline->setConstantWidth(groupNumber(groups, 40, 0));
+        m_oldPolyline->setNormal(
+            {groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
+        m_oldPolylinePen = pen;
+        return true;
     }
 
     // The block named by group 2, placed.
@@ -207,6 +243,10 @@ private:
     OpenStyles m_styles;
     std::set<std::string>* m_undrawn;
     int m_depth;
+    // The old-form polyline whose vertices are being read.
+    std::unique_ptr<KxDbPolyline> m_oldPolyline;
+    std::vector<KxDbPolyline::Vertex> m_oldVertices;
+    int m_oldPolylinePen = 0;
 };
 
 }  // namespace

@@ -182,10 +182,16 @@ bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& s
 bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene)
 {
     // Corners in the order 1, 2, 4, 3 go round the outline; a triangle
-    // repeats its third corner as the fourth.
+    // repeats its third corner as the fourth. They lie in the solid's own
+    // plane (extrusion 210-230), at the first corner's elevation.
+    const EntityPlane plane({groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
+    const double elevation = groupNumber(groups, 30, 0);
     scene.beginPolygon();
-    for (const int corner : {0, 1, 3, 2})
-        scene.addPoint({groupNumber(groups, 10 + corner, 0), groupNumber(groups, 20 + corner, 0)});
+    for (const int corner : {0, 1, 3, 2}) {
+        const KxGePoint3d p = plane.toWorld(
+            KxGePoint3d(groupNumber(groups, 10 + corner, 0), groupNumber(groups, 20 + corner, 0), elevation));
+        scene.addPoint({p.x, p.y});
+    }
     scene.endPolygon(color);
     return true;
 }

@@ -3,7 +3,9 @@
 // multilines after -MLEDIT's crosses, cuts and weld become lines, arcs and
 // hatches that ezdxf reads without any multiline, audits clean and finds
 // within the same extents, and that draw the same picture within a pixel;
-// exploded copies saved by SAVEAS and --save-exploded hold the same.
+// exploded copies saved by SAVEAS and --save-exploded hold the same, in
+// 2000 and in R12 (fills as SOLIDs), whose copy read back draws the same
+// picture; R12 copies keep what R12 holds and name what they leave out.
 #include "EzdxfReport.h"
 #include "KaldoProcess.h"
 
@@ -13,11 +15,13 @@
 #include <QFile>
 #include <QImage>
 #include <QJsonArray>
+#include <QStringList>
 
 #include <cmath>
 #include <sstream>
 
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 namespace {
 
@@ -87,23 +91,57 @@ void expectSameDrawing(const char* gallery, const std::vector<std::string>& pick
     // The first pick again finds a line now.
     explode << picks.front() << "\n\n";
 
-    // Exploded copies by SAVEAS and --save-exploded leave the drawing its
-    // multilines.
+    // Exploded copies by SAVEAS and --save-exploded, in 2000 (Enter) and
+    // R12, leave the drawing its multilines.
     const std::string copy = (kaldo.dir() / "copy.dxf").string();
     const std::string option = (kaldo.dir() / "option.dxf").string();
-    const Drawn before = runAndRead(kaldo, drawing + "SAVEAS\nExploded\n" + copy + "\n", "before",
-                                    {"--save-exploded", QString::fromStdString(option)});
+    const std::string copyR12 = (kaldo.dir() / "copy-r12.dxf").string();
+    const std::string optionR12 = (kaldo.dir() / "option-r12.dxf").string();
+    const Drawn before =
+        runAndRead(kaldo, drawing + "SAVEAS\nExploded\n\n" + copy + "\nSAVEAS\nExploded\nr12\n" + copyR12 + "\n",
+                   "before",
+                   {"--save-exploded", QString::fromStdString(option), "--save-exploded-r12",
+                    QString::fromStdString(optionR12)});
     const Drawn after = runAndRead(kaldo, drawing + explode.str(), "after");
     EXPECT_THAT(before.transcript, HasSubstr("with " + std::to_string(picks.size()) + " multilines exploded."));
-    for (const std::string& file : {copy, option}) {
+    EXPECT_THAT(before.transcript, Not(HasSubstr("Left out")));
+    for (const std::string& file : {copy, option, copyR12, optionR12}) {
         const EzdxfReport report = readWithEzdxf(file, "ezdxf_explode.py");
         ASSERT_TRUE(report.ran) << report.problem;
+        const bool r12 = file == copyR12 || file == optionR12;
+        EXPECT_EQ(report.file["version"].toString(), r12 ? "AC1009" : "AC1015") << file;
         EXPECT_TRUE(report.file["errors"].toArray().isEmpty()) << file;
         EXPECT_TRUE(report.file["fixes"].toArray().isEmpty()) << file;
-        EXPECT_EQ(report.file["kinds"], after.report.file["kinds"]) << file;
-        EXPECT_EQ(report.file["looks"], after.report.file["looks"]) << file;
         EXPECT_EQ(report.file["extents"], after.report.file["extents"]) << file;
+        if (!r12) {
+            EXPECT_EQ(report.file["kinds"], after.report.file["kinds"]) << file;
+            EXPECT_EQ(report.file["looks"], after.report.file["looks"]) << file;
+            continue;
+        }
+        // R12 has no HATCH: the fill is a SOLID per quadrilateral, in the
+        // hatch's look.
+        QJsonObject kinds = report.file["kinds"].toObject();
+        EXPECT_EQ(kinds.contains("SOLID"), filled > 0) << file;
+        EXPECT_GE(kinds["SOLID"].toInt(), filled) << file;
+        kinds.remove("SOLID");
+        QJsonObject expectedKinds = after.report.file["kinds"].toObject();
+        expectedKinds.remove("HATCH");
+        EXPECT_EQ(kinds, expectedKinds) << file;
+        QStringList looks;
+        for (const QJsonValue look : report.file["looks"].toArray())
+            looks << look.toString().replace("SOLID ", "HATCH ");
+        QStringList expectedLooks;
+        for (const QJsonValue look : after.report.file["looks"].toArray())
+            expectedLooks << look.toString();
+        looks.sort();
+        EXPECT_EQ(looks, expectedLooks) << file;
     }
+    const std::string backPicture = (kaldo.dir() / "r12.png").string();
+    ASSERT_EQ(kaldo.runScript("", {QString::fromStdString(optionR12), "--export", QString::fromStdString(backPicture),
+                                   "--size", "1200"})
+                  .exitCode,
+              0);
+    const QImage r12Picture(QString::fromStdString(backPicture));
     EXPECT_THAT(after.transcript, HasSubstr("Not a multiline."));
     EXPECT_THAT(after.transcript, HasSubstr("\n" + std::to_string(picks.size()) + " exploded."));
 
@@ -127,6 +165,9 @@ void expectSameDrawing(const char* gallery, const std::vector<std::string>& pick
     ASSERT_EQ(before.picture.size(), after.picture.size());
     EXPECT_EQ(pixelsAloneIn(before.picture, after.picture), 0) << gallery;
     EXPECT_EQ(pixelsAloneIn(after.picture, before.picture), 0) << gallery;
+    ASSERT_EQ(before.picture.size(), r12Picture.size());
+    EXPECT_EQ(pixelsAloneIn(before.picture, r12Picture), 0) << gallery << " in R12";
+    EXPECT_EQ(pixelsAloneIn(r12Picture, before.picture), 0) << gallery << " in R12";
 }
 
 // Replaces every occurrence of what in text.
@@ -158,7 +199,8 @@ TEST(ExplodeSession, GalleryCapsJointsFillsAndEditedMultilinesDrawTheSameExplode
 TEST(ExplodeSession, MultilinesSeenFromBelowExplodeIntoTheSameArcs)
 {
     // The gallery's caps with every multiline's normal turned to -Z: arc
-    // caps are measured in the plane seen from below.
+    // caps are measured in the plane seen from below; the R12 copy's
+    // solids fill the same quadrilaterals.
     KaldoProcess kaldo;
     const std::string drawn = (kaldo.dir() / "drawn.dxf").string();
     kaldo.writeFile("gallery.mln", [] {
@@ -173,16 +215,20 @@ TEST(ExplodeSession, MultilinesSeenFromBelowExplodeIntoTheSameArcs)
     ASSERT_NE(below, text);
     const std::string flipped = kaldo.writeFile("below.dxf", below).string();
     const std::string exploded = (kaldo.dir() / "exploded.dxf").string();
+    const std::string explodedR12 = (kaldo.dir() / "exploded-r12.dxf").string();
     const std::string before = (kaldo.dir() / "below.png").string();
     const std::string after = (kaldo.dir() / "exploded.png").string();
+    const std::string afterR12 = (kaldo.dir() / "exploded-r12.png").string();
     ASSERT_EQ(kaldo.runScript("", {QString::fromStdString(flipped), "--save-exploded", QString::fromStdString(exploded),
-                                   "--export", QString::fromStdString(before), "--size", "1200"})
+                                   "--save-exploded-r12", QString::fromStdString(explodedR12), "--export",
+                                   QString::fromStdString(before), "--size", "1200"})
                   .exitCode,
               0);
-    ASSERT_EQ(kaldo.runScript("", {QString::fromStdString(exploded), "--export", QString::fromStdString(after),
-                                   "--size", "1200"})
-                  .exitCode,
-              0);
+    for (const auto& [file, picture] : {std::pair{exploded, after}, {explodedR12, afterR12}})
+        ASSERT_EQ(kaldo.runScript("", {QString::fromStdString(file), "--export", QString::fromStdString(picture),
+                                       "--size", "1200"})
+                      .exitCode,
+                  0);
     // ezdxf places the vertices of a multiline seen from below otherwise
     // (as plane coordinates): the extents come from the drawing as drawn.
     const EzdxfReport from = readWithEzdxf(drawn, "ezdxf_explode.py");
@@ -196,9 +242,128 @@ TEST(ExplodeSession, MultilinesSeenFromBelowExplodeIntoTheSameArcs)
     ASSERT_EQ(b.size(), 4);
     for (int i = 0; i < 4; ++i)
         EXPECT_NEAR(a[i].toDouble(), b[i].toDouble(), 1e-9) << "extent " << i;
-    const QImage first(QString::fromStdString(before)), second(QString::fromStdString(after));
+    const QImage first(QString::fromStdString(before));
+    ASSERT_FALSE(first.isNull());
+    for (const std::string& picture : {after, afterR12}) {
+        const QImage second(QString::fromStdString(picture));
+        ASSERT_EQ(first.size(), second.size()) << picture;
+        EXPECT_EQ(pixelsAloneIn(first, second), 0) << picture;
+        EXPECT_EQ(pixelsAloneIn(second, first), 0) << picture;
+    }
+}
+
+TEST(ExplodeSession, R12CopiesKeepWhatR12HoldsAndSayWhatTheyLeaveOut)
+{
+    // The gallery's caps with a bulged polyline, a line in a true colour,
+    // a text, a circle and a block reference, which R12 holds; then with
+    // two MTEXTs, an ELLIPSE and a block reference with an attribute,
+    // which it does not.
+    KaldoProcess kaldo;
+    kaldo.writeFile("gallery.mln", [] {
+        QFile file(QStringLiteral(KALDO_SOURCE_DIR "/docs/gallery/gallery.mln"));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+    }());
+    const std::string drawn = (kaldo.dir() / "drawn.dxf").string();
+    ASSERT_EQ(kaldo.runScript(galleryScript("caps.scr"), {"--save", QString::fromStdString(drawn)}).exitCode, 0);
+    QFile file(QString::fromStdString(drawn));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const std::string text = file.readAll().toStdString();
+    const std::string entities = "\nENTITIES\n";
+    const std::string blockRecords = "AcDbBlockTableRecord\n  2\n*Paper_Space\n";
+    const std::string blocks = "\nBLOCKS\n";
+    ASSERT_NE(text.find(entities), std::string::npos);
+    ASSERT_NE(text.find(blockRecords), std::string::npos);
+    ASSERT_NE(text.find(blocks), std::string::npos);
+    const std::string markRecord =
+        "0\nBLOCK_RECORD\n5\nF00\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n2\nMARK\n";
+    const std::string markBlock =
+        "0\nBLOCK\n5\nF01\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockBegin\n2\nMARK\n70\n0\n10\n1\n20\n1\n"
+        "30\n0\n3\nMARK\n1\n\n"
+        "0\nCIRCLE\n5\nF02\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n1\n20\n1\n40\n1\n"
+        "0\nLINE\n5\nF03\n330\nF00\n100\nAcDbEntity\n8\n0\n62\n1\n100\nAcDbLine\n10\n0\n20\n1\n11\n2\n21\n1\n"
+        "0\nENDBLK\n5\nF04\n330\nF00\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockEnd\n";
+    const std::string held =
+        "0\nLWPOLYLINE\n100\nAcDbEntity\n8\n0\n62\n3\n100\nAcDbPolyline\n90\n3\n70\n1\n10\n0\n20\n10\n10\n10\n20\n10\n"
+        "42\n0.5\n10\n10\n20\n16\n"
+        "0\nLINE\n100\nAcDbEntity\n8\n0\n62\n5\n420\n33023\n100\nAcDbLine\n10\n20\n20\n10\n11\n30\n21\n18\n"
+        "0\nTEXT\n100\nAcDbEntity\n8\n0\n62\n1\n100\nAcDbText\n10\n40\n20\n12\n40\n2\n1\nR12\n100\nAcDbText\n"
+        "0\nCIRCLE\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n60\n20\n15\n40\n3\n"
+        "0\nINSERT\n5\nF05\n330\n9\n100\nAcDbEntity\n8\n0\n62\n2\n100\nAcDbBlockReference\n2\nMARK\n10\n80\n20\n15\n"
+        "41\n2\n42\n2\n50\n30\n";
+    const std::string unheld =
+        "0\nMTEXT\n100\nAcDbEntity\n8\n0\n100\nAcDbMText\n10\n70\n20\n12\n40\n2\n1\nkept\n"
+        "0\nMTEXT\n100\nAcDbEntity\n8\n0\n100\nAcDbMText\n10\n70\n20\n16\n40\n2\n1\nout\n"
+        "0\nELLIPSE\n100\nAcDbEntity\n8\n0\n100\nAcDbEllipse\n10\n85\n20\n15\n30\n0\n11\n3\n21\n0\n31\n0\n40\n0.5\n"
+        "41\n0\n42\n6.283185307179586\n"
+        "0\nINSERT\n5\nF06\n330\n9\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockReference\n66\n1\n2\nMARK\n10\n90\n20\n15\n"
+        "0\nATTRIB\n5\nF07\n330\nF06\n100\nAcDbEntity\n8\n0\n100\nAcDbText\n10\n90\n20\n15\n40\n1\n1\nA\n"
+        "100\nAcDbAttribute\n2\nTAG\n70\n0\n0\nSEQEND\n5\nF08\n330\nF06\n100\nAcDbEntity\n8\n0\n";
+    const auto withExtras = [&](const std::string& extras) {
+        std::string changed = text;
+        changed.insert(changed.find(entities) + entities.size(), extras);
+        changed.insert(changed.find(blocks) + blocks.size(), markBlock);
+        changed.insert(changed.find(blockRecords) + blockRecords.size(), markRecord);
+        return changed;
+    };
+    const std::string holdable = kaldo.writeFile("holdable.dxf", withExtras(held)).string();
+    const std::string mixed = kaldo.writeFile("mixed.dxf", withExtras(held + unheld)).string();
+
+    const std::string r12 = (kaldo.dir() / "holdable-r12.dxf").string();
+    const std::string original = (kaldo.dir() / "holdable.png").string();
+    const std::string readBack = (kaldo.dir() / "holdable-r12.png").string();
+    const KaldoRun saved = kaldo.runScript("", {QString::fromStdString(holdable), "--save-exploded-r12",
+                                                QString::fromStdString(r12), "--export",
+                                                QString::fromStdString(original), "--size", "1200"});
+    ASSERT_EQ(saved.exitCode, 0) << saved.err;
+    EXPECT_THAT(saved.out, Not(HasSubstr("Left out")));
+    ASSERT_EQ(kaldo.runScript("", {QString::fromStdString(r12), "--export", QString::fromStdString(readBack), "--size",
+                                   "1200"})
+                  .exitCode,
+              0);
+    const EzdxfReport from = readWithEzdxf(holdable, "ezdxf_explode.py");
+    const EzdxfReport to = readWithEzdxf(r12, "ezdxf_explode.py");
+    ASSERT_TRUE(from.ran && to.ran) << from.problem << to.problem;
+    EXPECT_EQ(to.file["version"].toString(), "AC1009");
+    EXPECT_TRUE(to.file["errors"].toArray().isEmpty());
+    EXPECT_TRUE(to.file["fixes"].toArray().isEmpty());
+    const QJsonObject kinds = to.file["kinds"].toObject();
+    EXPECT_EQ(kinds["POLYLINE"].toInt(), 1);
+    EXPECT_EQ(kinds["TEXT"].toInt(), 1);
+    EXPECT_EQ(kinds["CIRCLE"].toInt(), 1);
+    EXPECT_EQ(kinds["INSERT"].toInt(), 1);
+    EXPECT_EQ(kinds["SOLID"].toInt(), 32);
+    // 0x0080FF is the colour of index 150 to within a step.
+    EXPECT_TRUE(to.file["looks"].toArray().contains("LINE 0 150 BYLAYER")) << to.file["looks"].toArray().size();
+    const QJsonArray a = from.file["extents"].toArray(), b = to.file["extents"].toArray();
+    ASSERT_EQ(a.size(), 4);
+    ASSERT_EQ(b.size(), 4);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_NEAR(a[i].toDouble(), b[i].toDouble(), 1e-9) << "extent " << i;
+    const QImage first(QString::fromStdString(original)), second(QString::fromStdString(readBack));
     ASSERT_FALSE(first.isNull());
     ASSERT_EQ(first.size(), second.size());
     EXPECT_EQ(pixelsAloneIn(first, second), 0);
     EXPECT_EQ(pixelsAloneIn(second, first), 0);
+
+    // What R12 cannot hold is left out and named once, by SAVEAS as by the
+    // option.
+    const std::string copy = (kaldo.dir() / "mixed-r12.dxf").string();
+    const std::string option = (kaldo.dir() / "mixed-option-r12.dxf").string();
+    const KaldoRun mixedRun = kaldo.runScript("SAVEAS\nEXPLODED\nR12\n" + copy + "\n",
+                                              {QString::fromStdString(mixed), "--save-exploded-r12",
+                                               QString::fromStdString(option)});
+    ASSERT_EQ(mixedRun.exitCode, 0) << mixedRun.err;
+    const std::string leftOut = "Left out of the R12 copy, which cannot hold them: 1 ELLIPSE, 1 INSERT, 2 MTEXT.";
+    const std::size_t first_ = mixedRun.out.find(leftOut);
+    ASSERT_NE(first_, std::string::npos) << mixedRun.out;
+    const std::size_t second_ = mixedRun.out.find(leftOut, first_ + 1);
+    ASSERT_NE(second_, std::string::npos) << mixedRun.out;
+    EXPECT_EQ(mixedRun.out.find(leftOut, second_ + 1), std::string::npos) << mixedRun.out;
+    for (const std::string& path : {copy, option}) {
+        const EzdxfReport report = readWithEzdxf(path, "ezdxf_explode.py");
+        ASSERT_TRUE(report.ran) << report.problem;
+        EXPECT_TRUE(report.file["errors"].toArray().isEmpty()) << path;
+        EXPECT_TRUE(report.file["fixes"].toArray().isEmpty()) << path;
+        EXPECT_EQ(report.file["kinds"], to.file["kinds"]) << path;
+    }
 }

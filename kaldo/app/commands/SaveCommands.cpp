@@ -2,9 +2,10 @@
 // the drawing's own file and asks for a name only for a new drawing; SAVEAS
 // always asks. A failed save leaves the old file whole and says why; a
 // read-only file is replaced only when the user answers Yes. The keyword
-// Exploded typed at SAVEAS's file prompt asks for the file of a copy with
-// every multiline exploded; the working drawing keeps its multilines and
-// its own file.
+// Exploded typed at SAVEAS's file prompt asks for the file version (2000,
+// or R12 for the oldest readers) and the file of a copy with every
+// multiline exploded; the working drawing keeps its multilines and its own
+// file.
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/dxf/AtomicFile.h"
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <cwctype>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -72,7 +74,22 @@ bool isExplodedKeyword(const std::filesystem::path& chosen)
     return stem == L"exploded" || stem == L"_exploded";
 }
 
-void saveExplodedReporting(Session& session, const std::filesystem::path& path)
+// Asks for the file version of an exploded copy; Enter keeps the usual one.
+std::optional<CopyVersion> askCopyVersion()
+{
+    wchar_t answer[KXED_TEXT_SIZE] = {};
+    kxedInitGet(0, L"2000 R12 _2000 R12");
+    switch (kxedGetKword(L"\nDXF version of the copy [2000/R12] <2000>: ", answer)) {
+    case RTNONE:
+        return CopyVersion::Current;
+    case RTNORM:
+        return std::wstring_view(answer) == L"R12" ? CopyVersion::R12 : CopyVersion::Current;
+    default:
+        return std::nullopt;
+    }
+}
+
+void saveExplodedReporting(Session& session, const std::filesystem::path& path, CopyVersion version)
 {
     const bool readOnly = dxf::isReadOnlyFile(path);
     if (readOnly && !userAllowsReplacing(path)) {
@@ -80,7 +97,7 @@ void saveExplodedReporting(Session& session, const std::filesystem::path& path)
         return;
     }
     try {
-        const int exploded = session.saveExplodedCopy(path, readOnly);
+        const int exploded = session.saveExplodedCopy(path, readOnly, version);
         kxutPrintf(L"\nSaved \"%ls\" with %d multilines exploded.\n", path.wstring().c_str(), exploded);
     } catch (const dxf::DxfError& e) {
         kxutPrintf(L"\nThe copy was not saved: %ls\n", kxutFromMultiByte(e.what()).c_str());
@@ -97,11 +114,15 @@ void askAndSave(Session& session, bool offerExploded)
         saveDrawingReporting(session, chosen);
         return;
     }
+    const std::optional<CopyVersion> version = askCopyVersion();
+    if (!version)
+        return;
     std::filesystem::path copy = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath();
-    copy.replace_filename(copy.stem().wstring() + L"-exploded.dxf");
+    const wchar_t* suffix = *version == CopyVersion::R12 ? L"-exploded-r12.dxf" : L"-exploded.dxf";
+    copy.replace_filename(copy.stem().wstring() + suffix);
     const std::filesystem::path target = chooseFile(L"Save Exploded Copy As", copy.wstring());
     if (!target.empty())
-        saveExplodedReporting(session, target);
+        saveExplodedReporting(session, target, *version);
 }
 
 }  // namespace
