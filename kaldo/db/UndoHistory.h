@@ -21,6 +21,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -119,7 +120,7 @@ private:
     std::uint64_t m_handleFloor = 0;
     Step m_open;
     std::unordered_set<std::uint64_t> m_recorded;  // ids recorded in the open step
-    std::vector<Step> m_undo;                       // oldest first
+    std::deque<Step> m_undo;                        // oldest first
     std::vector<std::vector<Step>> m_redo;          // per take-back, in the order taken back
     std::size_t m_bytes = 0;
 };

@@ -57,8 +57,10 @@ TEST(UndoSession, EveryCommandTakenBackAndRestoredByteForByte)
     const std::vector<Case> cases = {
         {"LINE", "", "LINE\n0,0\n100,0\n100,50\n\n"},
         {"ERASE", "LINE\n0,0\n100,0\n\nLINE\n0,20\n100,20\n\n", "ERASE\n50,0\n50,20\n\n"},
-        {"MLINE", "", "MLINE\nJ\nB\nS\n2\n0,0\n100,0\n100,50\nC\n"},
+        {"MLINE", kMakeWall, "MLINE\nST\nWALL\nJ\nB\nS\n2\n0,0\n100,0\n100,50\nC\n"},
         {"-MLEDIT", crossing, "-MLEDIT\nCC\n20,5\n45,30\n\n"},
+        // Two edits, the first taken back by the tool's own Undo: one step.
+        {"-MLEDIT", crossing, "-MLEDIT\nOC\n20,5\n45,30\nU\n20,-5\n55,-30\n\n"},
         {"-MLEDIT", bar + mline({"50,-50", "50,-10"}), "-MLEDIT\nCT\n55,-30\n20,5\n\n"},
         {"-MLEDIT", bar, "-MLEDIT\nAV\n40,5\n\n"},
         {"-MLEDIT", bar, "-MLEDIT\nCS\n20,5\n30,-5\n\n"},
@@ -87,6 +89,8 @@ TEST(UndoSession, EveryCommandTakenBackAndRestoredByteForByte)
         EXPECT_EQ(fileBytes(file("redone")), after) << c.command;
         EXPECT_THAT(run.out, HasSubstr(std::string("\n") + c.name + " undone.\n")) << c.command;
         EXPECT_THAT(run.out, HasSubstr(std::string("\n") + c.name + " redone.\n")) << c.command;
+        EXPECT_EQ(c.command.find("\nU\n") == std::string::npos,
+                  run.out.find("The last edit was undone.") == std::string::npos) << c.command;
     }
 }
 
