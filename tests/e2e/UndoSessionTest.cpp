@@ -56,6 +56,8 @@ TEST(UndoSession, EveryCommandTakenBackAndRestoredByteForByte)
     const std::string bar = kSetup + mline({"0,0", "100,0"});
     const std::vector<Case> cases = {
         {"LINE", "", "LINE\n0,0\n100,0\n100,50\n\n"},
+        // Cancelled after two lines: they stay, and are one step.
+        {"LINE", "", "LINE\n0,0\n100,0\n100,50\n^C\n"},
         {"ERASE", "LINE\n0,0\n100,0\n\nLINE\n0,20\n100,20\n\n", "ERASE\n50,0\n50,20\n\n"},
         {"MLINE", kMakeWall, "MLINE\nST\nWALL\nJ\nB\nS\n2\n0,0\n100,0\n100,50\nC\n"},
         {"-MLEDIT", crossing, "-MLEDIT\nCC\n20,5\n45,30\n\n"},
