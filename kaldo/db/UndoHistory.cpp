@@ -91,8 +91,11 @@ void UndoHistory::dropOverBudget()
 {
     std::size_t drop = 0;
     std::size_t bytes = m_bytes;
-    // The newest step stays, whatever it holds.
-    while (bytes > m_budget && drop + 1 < m_undo.size())
+    // The newest step (marks after it aside) stays, whatever it holds.
+    std::size_t newest = m_undo.size();
+    while (newest > 0 && m_undo[newest - 1].mark)
+        --newest;
+    while (bytes > m_budget && drop + 1 < newest)
         bytes -= m_undo[drop++].bytes;
     m_undo.erase(m_undo.begin(), m_undo.begin() + std::ptrdiff_t(drop));
     m_bytes = bytes;
@@ -121,7 +124,8 @@ void UndoHistory::exchange(ObjectRecord& record)
     switch (record.kind) {
     case Kind::Absent:
         record.object = m_db.detachObject(record.id);
-        record.kind = Kind::Detached;
+        if (record.object)
+            record.kind = Kind::Detached;
         break;
     case Kind::Detached:
         m_db.reattachObject(std::move(record.object));
@@ -129,6 +133,10 @@ void UndoHistory::exchange(ObjectRecord& record)
         break;
     case Kind::Copy: {
         KxDbObject* live = lookupObject(record.id);
+        // Steps are exchanged in order, so a recorded object is always in
+        // the database here; should it not be, its record is left alone.
+        if (!live)
+            return;
         std::unique_ptr<KxDbObject> current = live->clone();
         live->copyFrom(record.object.get());
         std::swap(live->m_owner, record.owner);

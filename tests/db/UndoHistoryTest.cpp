@@ -63,8 +63,10 @@ TEST(UndoHistory, OldestStepsDroppedPastTheBudget)
     EXPECT_EQ(history.undo(kSteps).size(), kept);
     EXPECT_NEAR(firstY(id), double(kSteps - kept), 1e-10) << "the oldest kept step is the last taken back";
 
-    // A budget below one step keeps only the newest.
+    // A budget below one step keeps only the newest, also when a mark
+    // follows it.
     history.redo();
+    history.mark();
     history.setByteBudget(1);
     EXPECT_EQ(history.undoableSteps(), 1u);
     history.undo(1);
