@@ -2,6 +2,7 @@
 
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/Text.h"
 #include "kaldo/rx/Runtime.h"
@@ -39,15 +40,34 @@ void runGuarded(Session& session, const std::wstring& name, KxRxFunctionPtr hand
     }
 }
 
+// One command is one step of the drawing's undo history. The step ends on
+// the working drawing of the command's end: when the command opened
+// another drawing, that one has no step open and the old history is gone.
+class UndoStep {
+public:
+    UndoStep(Session& session, const std::wstring& name) : m_session(session)
+    {
+        m_session.database().undoHistory().beginStep(name);
+    }
+    ~UndoStep() { m_session.database().undoHistory().endStep(); }
+    UndoStep(const UndoStep&) = delete;
+    UndoStep& operator=(const UndoStep&) = delete;
+
+private:
+    Session& m_session;
+};
+
 }  // namespace
 
 bool runCommand(Session& session, const std::wstring& name)
 {
     if (const KxEdCommand* command = session.runtime().commands().lookupCmd(name.c_str())) {
+        const UndoStep step(session, command->globalName);
         runGuarded(session, command->globalName, command->handler);
         return true;
     }
     if (session.editor().variables().exists(name)) {
+        const UndoStep step(session, toUpper(name));
         promptForVariable(name);
         return true;
     }

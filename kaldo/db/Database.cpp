@@ -5,12 +5,13 @@
 
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kxdbdict.h"
 #include "kxdbmline.h"
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 
-KxDbDatabase::KxDbDatabase(bool buildDefault)
+KxDbDatabase::KxDbDatabase(bool buildDefault) : m_undo(std::make_unique<kaldo::UndoHistory>(*this))
 {
     if (buildDefault)
         buildDefaultDrawing();
@@ -67,7 +68,7 @@ void KxDbDatabase::buildDefaultDrawing()
     white.setColorIndex(7);
     layer0->setColor(white);
     layer0->setLinetypeObjectId(m_continuous);
-    m_clayer = addRecord(*layers, layer0, L"0");
+    m_header.clayer = addRecord(*layers, layer0, L"0");
 
     m_modelSpace = addRecord(*blocks, new KxDbBlockTableRecord, kxdbModelSpaceName);
     m_paperSpace = addRecord(*blocks, new KxDbBlockTableRecord, kxdbPaperSpaceName);
@@ -82,10 +83,10 @@ void KxDbDatabase::buildDefaultDrawing()
     int index = 0;
     standard->addElement(index, 0.5, KxCmColor(), m_byLayer, false);
     standard->addElement(index, -0.5, KxCmColor(), m_byLayer, false);
-    styles->setAt(kxdbStandardStyleName, standard, m_cmlstyle);
+    styles->setAt(kxdbStandardStyleName, standard, m_header.cmlstyle);
     standard->close();
 
-    m_celtype = m_byLayer;
+    m_header.celtype = m_byLayer;
 }
 
 Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
@@ -93,8 +94,9 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     if (!obj || obj->m_database)
         return Kald::eInvalidInput;
     if (handle == 0 || !objectIdFromHandle(handle).isNull())
-        handle = m_handseed;
-    m_handseed = std::max(m_handseed, handle + 1);
+        handle = m_header.handseed;
+    m_undo->recordHeader();
+    m_header.handseed = std::max(m_header.handseed, handle + 1);
     obj->m_database = this;
     obj->m_handle = handle;
     obj->m_openForWrite = true;
@@ -102,6 +104,7 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     obj->m_id = kaldo::registerObject(obj);
     m_objects.emplace_back(obj);
     m_handles.emplace(handle, obj->m_id);
+    m_undo->recordAdded(*obj);
     noteChange();
     return Kald::eOk;
 }
@@ -119,6 +122,26 @@ Kald::ErrorStatus KxDbDatabase::addToCurrentSpace(KxDbEntity* entity, KxDbObject
     if (!space)
         return Kald::eNotApplicable;
     return space->appendKxDbEntity(id, entity);
+}
+
+std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id)
+{
+    const auto it = std::find_if(m_objects.rbegin(), m_objects.rend(),
+                                 [id](const std::unique_ptr<KxDbObject>& obj) { return obj->objectId() == id; });
+    if (it == m_objects.rend())
+        return nullptr;
+    std::unique_ptr<KxDbObject> obj = std::move(*it);
+    m_objects.erase(std::next(it).base());
+    m_handles.erase(obj->handle());
+    kaldo::unregisterObject(id);
+    return obj;
+}
+
+void KxDbDatabase::reattachObject(std::unique_ptr<KxDbObject> obj)
+{
+    kaldo::registerObjectAs(obj->objectId(), obj.get());
+    m_handles.emplace(obj->handle(), obj->objectId());
+    m_objects.push_back(std::move(obj));
 }
 
 KxDbObjectId KxDbDatabase::objectIdFromHandle(std::uint64_t handle) const
@@ -215,20 +238,21 @@ Kald::ErrorStatus KxDbDatabase::setCmlstyleID(KxDbObjectId style, const wchar_t*
     const KxDbObject* obj = peekObject(style);
     if (!obj || obj->isErased() || !KxDbMlineStyle::cast(obj))
         return Kald::eInvalidInput;
-    m_cmlstyle = style;
-    m_cmlstyleSpelling = spelling ? spelling : L"";
+    m_undo->recordHeader();
+    m_header.cmlstyle = style;
+    m_header.cmlstyleSpelling = spelling ? spelling : L"";
     noteChange();
     return Kald::eOk;
 }
 
 std::wstring KxDbDatabase::cmlstyleName() const
 {
-    const auto* style = KxDbMlineStyle::cast(peekObject(m_cmlstyle));
+    const auto* style = KxDbMlineStyle::cast(peekObject(m_header.cmlstyle));
     if (!style || style->isErased())
         return {};
     // A rename since the name was written leaves the style's own spelling.
-    if (kaldo::sameName(m_cmlstyleSpelling, style->name()))
-        return m_cmlstyleSpelling;
+    if (kaldo::sameName(m_header.cmlstyleSpelling, style->name()))
+        return m_header.cmlstyleSpelling;
     return style->name();
 }
 
@@ -236,7 +260,8 @@ Kald::ErrorStatus KxDbDatabase::setCmljust(int justification)
 {
     if (justification < 0 || justification > 2)
         return Kald::eOutOfRange;
-    m_cmljust = justification;
+    m_undo->recordHeader();
+    m_header.cmljust = justification;
     noteChange();
     return Kald::eOk;
 }
@@ -247,12 +272,13 @@ Kald::ErrorStatus KxDbDatabase::setCmlscale(double scale)
         return Kald::eInvalidInput;
     // A scale that puts the current style's elements beyond the largest
     // number is refused.
-    if (const auto* style = KxDbMlineStyle::cast(peekObject(m_cmlstyle))) {
-        const std::vector<double> offsets = kxdbMlineElementOffsets(*style, scale, m_cmljust);
+    if (const auto* style = KxDbMlineStyle::cast(peekObject(m_header.cmlstyle))) {
+        const std::vector<double> offsets = kxdbMlineElementOffsets(*style, scale, m_header.cmljust);
         if (!std::all_of(offsets.begin(), offsets.end(), [](double offset) { return std::isfinite(offset); }))
             return Kald::eOutOfRange;
     }
-    m_cmlscale = scale;
+    m_undo->recordHeader();
+    m_header.cmlscale = scale;
     noteChange();
     return Kald::eOk;
 }
@@ -261,7 +287,8 @@ Kald::ErrorStatus KxDbDatabase::setMeasurement(int value)
 {
     if (value != 0 && value != 1)
         return Kald::eOutOfRange;
-    m_measurement = value;
+    m_undo->recordHeader();
+    m_header.measurement = value;
     noteChange();
     return Kald::eOk;
 }
@@ -270,7 +297,8 @@ Kald::ErrorStatus KxDbDatabase::setDimzin(int value)
 {
     if (value < 0 || value > 15)
         return Kald::eOutOfRange;
-    m_dimzin = value;
+    m_undo->recordHeader();
+    m_header.dimzin = value;
     noteChange();
     return Kald::eOk;
 }
@@ -283,9 +311,10 @@ Kald::ErrorStatus KxDbDatabase::setUcs(const KxGePoint3d& origin, const KxGeVect
     const KxGeVector3d y = normalized(yDir);
     if (std::abs(dot(x, y)) > 1e-6)
         return Kald::eInvalidInput;
-    m_ucsOrigin = origin;
-    m_ucsXDir = x;
-    m_ucsYDir = y;
+    m_undo->recordHeader();
+    m_header.ucsOrigin = origin;
+    m_header.ucsXDir = x;
+    m_header.ucsYDir = y;
     noteChange();
     return Kald::eOk;
 }
@@ -294,7 +323,8 @@ Kald::ErrorStatus KxDbDatabase::setClayer(KxDbObjectId layer)
 {
     if (!KxDbLayerTableRecord::cast(peekObject(layer)))
         return Kald::eInvalidInput;
-    m_clayer = layer;
+    m_undo->recordHeader();
+    m_header.clayer = layer;
     noteChange();
     return Kald::eOk;
 }
@@ -303,14 +333,16 @@ Kald::ErrorStatus KxDbDatabase::setCeltype(KxDbObjectId linetype)
 {
     if (!KxDbLinetypeTableRecord::cast(peekObject(linetype)))
         return Kald::eInvalidInput;
-    m_celtype = linetype;
+    m_undo->recordHeader();
+    m_header.celtype = linetype;
     noteChange();
     return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbDatabase::setCecolor(const KxCmColor& color)
 {
-    m_cecolor = color;
+    m_undo->recordHeader();
+    m_header.cecolor = color;
     noteChange();
     return Kald::eOk;
 }
@@ -320,6 +352,6 @@ Kald::ErrorStatus KxDbDatabase::setHandseed(std::uint64_t seed)
     for (const auto& obj : m_objects)
         if (obj->handle() >= seed)
             return Kald::eInvalidInput;
-    m_handseed = seed;
+    m_header.handseed = seed;
     return Kald::eOk;
 }

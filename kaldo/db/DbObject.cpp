@@ -4,6 +4,7 @@
 
 #include "kaldo/core/Host.h"
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kxdbdatabase.h"
 
 KxRxClass* KxRxObject::desc()
@@ -19,6 +20,7 @@ KxDbObject::~KxDbObject() = default;
 
 Kald::ErrorStatus KxDbObject::setOwnerId(KxDbObjectId owner)
 {
+    kaldo::recordBeforeChange(*this);
     m_owner = owner;
     return Kald::eOk;
 }
@@ -34,6 +36,7 @@ Kald::ErrorStatus KxDbObject::erase(bool erasing)
 {
     if (!isWriteEnabled())
         return Kald::eNotOpenForWrite;
+    kaldo::recordBeforeChange(*this);
     m_erased = erasing;
     return Kald::eOk;
 }
@@ -61,6 +64,7 @@ Kald::ErrorStatus KxDbObject::upgradeOpen()
         return Kald::eWasOpenForRead;
     m_readers = 0;
     m_openForWrite = true;
+    m_database->undoHistory().recordBefore(*this);
     m_database->noteChange();
     return Kald::eOk;
 }
@@ -94,8 +98,10 @@ Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int m
         if (found->m_readers > 0)
             return Kald::eWasOpenForRead;
         found->m_openForWrite = true;
-        if (found->m_database)
+        if (found->m_database) {
+            found->m_database->undoHistory().recordBefore(*found);
             found->m_database->noteChange();
+        }
     } else {
         ++found->m_readers;
     }

@@ -2,6 +2,7 @@
 
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kxdbdatabase.h"
 #include "kxstring.h"
 
@@ -89,6 +90,7 @@ Kald::ErrorStatus KxDbDictionary::setAt(const wchar_t* name, KxDbObject* obj, Kx
     } else if (obj->database() != database()) {
         return Kald::eInvalidInput;
     }
+    kaldo::recordBeforeChange(*this);
     const std::wstring key = kaldo::foldName(name);
     if (const auto it = m_entries.find(key); it != m_entries.end() && it->second.id != obj->objectId()) {
         if (KxDbObject* old = kaldo::lookupObject(it->second.id); old && !old->isErased()) {
@@ -124,6 +126,7 @@ Kald::ErrorStatus KxDbDictionary::remove(const wchar_t* name, KxDbObjectId& id)
     if (!entry)
         return Kald::eKeyNotFound;
     id = entry->id;
+    kaldo::recordBeforeChange(*this);
     m_entries.erase(kaldo::foldName(name));
     if (KxDbObject* obj = kaldo::lookupObject(id); obj && obj->ownerId() == objectId())
         obj->setOwnerId(KxDbObjectId::kNull);
@@ -151,6 +154,7 @@ Kald::ErrorStatus KxDbDictionary::setName(const wchar_t* oldName, const wchar_t*
     if (newKey != oldKey && find(newName))
         return Kald::eDuplicateKey;
     const KxDbObjectId id = entry->id;
+    kaldo::recordBeforeChange(*this);
     m_entries.erase(oldKey);
     m_entries[newKey] = Entry{newName, id};
     return Kald::eOk;

@@ -19,6 +19,13 @@ public:
     std::uint64_t add(KxDbObject* obj)
     {
         const std::uint64_t serial = ++m_lastSerial;
+        put(serial, obj);
+        return serial;
+    }
+
+    // serial was given out before and is free now.
+    void put(std::uint64_t serial, KxDbObject* obj)
+    {
         const std::size_t index = pageOf(serial);
         if (index >= m_pages.size())
             m_pages.resize(index + 1);
@@ -27,7 +34,6 @@ public:
             page = std::make_unique<Page>();
         page->slots[slotOf(serial)] = obj;
         ++page->live;
-        return serial;
     }
 
     void remove(std::uint64_t serial)
@@ -76,6 +82,11 @@ Registry& registry()
 KxDbObjectId registerObject(KxDbObject* obj)
 {
     return KxDbObjectId::fromOldId(registry().add(obj));
+}
+
+void registerObjectAs(KxDbObjectId id, KxDbObject* obj)
+{
+    registry().put(id.asOldId(), obj);
 }
 
 void unregisterObject(KxDbObjectId id)

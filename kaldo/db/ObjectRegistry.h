@@ -9,6 +9,9 @@ class KxDbObject;
 namespace kaldo {
 
 KxDbObjectId registerObject(KxDbObject* obj);
+// Puts an object back under the id it had before unregisterObject (undo
+// taking back the removal of an added object).
+void registerObjectAs(KxDbObjectId id, KxDbObject* obj);
 void unregisterObject(KxDbObjectId id);
 // The live object id names, or null.
 KxDbObject* lookupObject(KxDbObjectId id);

@@ -2,6 +2,7 @@
 
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kxdbdatabase.h"
 
 KX_RX_DEFINE_MEMBERS(KxDbSymbolTableRecord, KxDbObject)
@@ -118,6 +119,7 @@ Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObject
     } else if (record->database() != database()) {
         return Kald::eInvalidInput;
     }
+    kaldo::recordBeforeChange(*this);
     m_records.push_back(record->objectId());
     record->setOwnerId(objectId());
     id = record->objectId();
@@ -127,6 +129,14 @@ Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObject
 std::unique_ptr<KxDbSymbolTableIterator> KxDbSymbolTable::newIterator() const
 {
     return std::make_unique<KxDbSymbolTableIterator>(m_records);
+}
+
+Kald::ErrorStatus KxDbSymbolTable::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
+        return es;
+    m_records = static_cast<const KxDbSymbolTable*>(other)->m_records;
+    return Kald::eOk;
 }
 
 KxDbSymbolTableIterator::KxDbSymbolTableIterator(std::vector<KxDbObjectId> ids) : m_ids(std::move(ids))
@@ -196,6 +206,9 @@ Kald::ErrorStatus KxDbBlockTableRecord::appendKxDbEntity(KxDbObjectId& id, KxDbE
     } else if (entity->database() != database() || !entity->ownerId().isNull()) {
         return Kald::eInvalidInput;
     }
+    // The block may be changed without an open (a database appending to
+    // its current space): undo records it here.
+    kaldo::recordBeforeChange(*this);
     m_entities.push_back(entity->objectId());
     entity->setOwnerId(objectId());
     id = entity->objectId();
@@ -220,6 +233,7 @@ Kald::ErrorStatus KxDbBlockTableRecord::copyFrom(const KxDbObject* other)
     if (const Kald::ErrorStatus es = KxDbSymbolTableRecord::copyFrom(other); es != Kald::eOk)
         return es;
     m_origin = static_cast<const KxDbBlockTableRecord*>(other)->m_origin;
+    m_entities = static_cast<const KxDbBlockTableRecord*>(other)->m_entities;
     return Kald::eOk;
 }
 

@@ -3,6 +3,7 @@
 #include "kaldo/dxf/DxfFile.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/EntityRecords.h"
 #include "kaldo/dxf/GroupWriter.h"
@@ -53,6 +54,7 @@ std::vector<const KxDbBlockTableRecord*> blocksOf(const KxDbDatabase& db)
 // Every block gets BLOCK and ENDBLK records (new blocks have none yet).
 void addMissingBlockEnds(KxDbDatabase& db, KeptSections& kept)
 {
+    const kaldo::UndoHistory::Pause notRecorded(db.undoHistory());
     for (const KxDbBlockTableRecord* block : blocksOf(db)) {
         BlockEnds& ends = kept.blockEnds[block->objectId()];
         if (!db.peekObject(ends.begin))

@@ -19,6 +19,9 @@ class KxDbDictionary;
 class KxDbBlockTable;
 class KxDbLayerTable;
 class KxDbLinetypeTable;
+namespace kaldo {
+class UndoHistory;
+}
 
 inline constexpr const wchar_t* kxdbMlineStyleDictionaryName = L"ACAD_MLINESTYLE";
 inline constexpr const wchar_t* kxdbStandardStyleName = L"STANDARD";
@@ -76,7 +79,7 @@ public:
     Kald::ErrorStatus getLinetypeTable(KxDbLinetypeTable*& table, int mode) const;
 
     // Header values.
-    KxDbObjectId cmlstyleID() const { return m_cmlstyle; }
+    KxDbObjectId cmlstyleID() const { return m_header.cmlstyle; }
     // style must be a multiline style. spelling is the name as the user or
     // the file wrote it; it is kept while it names the current style (case
     // ignored).
@@ -84,28 +87,28 @@ public:
     // The current style's name as it was last written, else as the style
     // spells it; empty when there is no current style.
     std::wstring cmlstyleName() const;
-    int cmljust() const { return m_cmljust; }
+    int cmljust() const { return m_header.cmljust; }
     Kald::ErrorStatus setCmljust(int justification);  // 0..2
-    double cmlscale() const { return m_cmlscale; }
+    double cmlscale() const { return m_header.cmlscale; }
     Kald::ErrorStatus setCmlscale(double scale);
-    int measurement() const { return m_measurement; }
+    int measurement() const { return m_header.measurement; }
     Kald::ErrorStatus setMeasurement(int value);  // 0 imperial, 1 metric
-    int dimzin() const { return m_dimzin; }
+    int dimzin() const { return m_header.dimzin; }
     Kald::ErrorStatus setDimzin(int value);  // 0..15
-    const KxGePoint3d& ucsorg() const { return m_ucsOrigin; }
-    const KxGeVector3d& ucsxdir() const { return m_ucsXDir; }
-    const KxGeVector3d& ucsydir() const { return m_ucsYDir; }
+    const KxGePoint3d& ucsorg() const { return m_header.ucsOrigin; }
+    const KxGeVector3d& ucsxdir() const { return m_header.ucsXDir; }
+    const KxGeVector3d& ucsydir() const { return m_header.ucsYDir; }
     // xDir and yDir are normalised; they must be perpendicular (within
     // 1e-6 of the cosine) and not null.
     Kald::ErrorStatus setUcs(const KxGePoint3d& origin, const KxGeVector3d& xDir, const KxGeVector3d& yDir);
-    KxDbObjectId clayer() const { return m_clayer; }
+    KxDbObjectId clayer() const { return m_header.clayer; }
     Kald::ErrorStatus setClayer(KxDbObjectId layer);
-    KxDbObjectId celtype() const { return m_celtype; }
+    KxDbObjectId celtype() const { return m_header.celtype; }
     Kald::ErrorStatus setCeltype(KxDbObjectId linetype);
-    const KxCmColor& cecolor() const { return m_cecolor; }
+    const KxCmColor& cecolor() const { return m_header.cecolor; }
     Kald::ErrorStatus setCecolor(const KxCmColor& color);
     // The next handle to give out.
-    std::uint64_t handseed() const { return m_handseed; }
+    std::uint64_t handseed() const { return m_header.handseed; }
     Kald::ErrorStatus setHandseed(std::uint64_t seed);  // not below a handle in use
 
     // The object an id of this database names, without opening it (null
@@ -118,24 +121,41 @@ public:
     std::uint64_t changeCount() const { return m_changes; }
     void noteChange() { ++m_changes; }
 
+    // The drawing's undo history: changes recorded per command, taken back
+    // and restored (see kaldo/db/UndoHistory.h).
+    kaldo::UndoHistory& undoHistory() const { return *m_undo; }
+
 private:
+    friend class kaldo::UndoHistory;
+
+    // What the database keeps besides its objects and writes to a file's
+    // header; undo copies it whole.
+    struct Header {
+        std::uint64_t handseed = 1;
+        KxDbObjectId cmlstyle, clayer, celtype;
+        std::wstring cmlstyleSpelling;
+        int cmljust = 0;
+        double cmlscale = 1.0;
+        int measurement = 0;
+        int dimzin = 0;
+        KxGePoint3d ucsOrigin;
+        KxGeVector3d ucsXDir{1, 0, 0};
+        KxGeVector3d ucsYDir{0, 1, 0};
+        KxCmColor cecolor;
+    };
+
     void buildDefaultDrawing();
+    // Takes an object out of the database as if it had never been added,
+    // and puts it back: undo and redo of an addition.
+    std::unique_ptr<KxDbObject> detachObject(KxDbObjectId id);
+    void reattachObject(std::unique_ptr<KxDbObject> obj);
 
     std::vector<std::unique_ptr<KxDbObject>> m_objects;
     std::unordered_map<std::uint64_t, KxDbObjectId> m_handles;
-    std::uint64_t m_handseed = 1;
     std::uint64_t m_changes = 0;
     KxDbObjectId m_namedObjects, m_blockTable, m_layerTable, m_linetypeTable;
     KxDbObjectId m_modelSpace, m_paperSpace, m_currentSpace;
     KxDbObjectId m_byLayer, m_byBlock, m_continuous;
-    KxDbObjectId m_cmlstyle, m_clayer, m_celtype;
-    std::wstring m_cmlstyleSpelling;
-    int m_cmljust = 0;
-    double m_cmlscale = 1.0;
-    int m_measurement = 0;
-    int m_dimzin = 0;
-    KxGePoint3d m_ucsOrigin;
-    KxGeVector3d m_ucsXDir{1, 0, 0};
-    KxGeVector3d m_ucsYDir{0, 1, 0};
-    KxCmColor m_cecolor;
+    Header m_header;
+    std::unique_ptr<kaldo::UndoHistory> m_undo;
 };

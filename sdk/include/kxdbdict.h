@@ -48,6 +48,7 @@ public:
     void setTreatElementsAsHard(bool on) { m_hardOwner = on; }
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     struct Entry {

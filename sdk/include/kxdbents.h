@@ -19,6 +19,7 @@ public:
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     KxGePoint3d m_start;
@@ -58,6 +59,7 @@ public:
     KxGePoint3d endPoint() const;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     KxGePoint3d m_center;
@@ -81,6 +83,7 @@ public:
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     KxGePoint3d m_center;
@@ -125,6 +128,7 @@ public:
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     std::vector<Vertex> m_vertices;

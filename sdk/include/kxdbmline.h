@@ -182,6 +182,7 @@ public:
 
     // Copies style, flags and every vertex with its own copy of the records.
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 protected:
     // Also takes the drawing's current multiline style, justification and scale.

@@ -63,6 +63,7 @@ public:
     Kald::ErrorStatus removeElementAt(int index);
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     struct Element {

@@ -15,6 +15,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +26,9 @@
 #include "kxtypes.h"
 
 class KxDbDatabase;
+namespace kaldo {
+class UndoHistory;
+}
 
 // A group of a drawing file that the host keeps as read without modelling
 // it, to write it back unchanged: its code, its text, and the part of its
@@ -76,6 +80,9 @@ public:
     // Copies all data of other (same class) into this object, for undo
     // copies and duplicates. Identity, ownership and open state stay.
     virtual Kald::ErrorStatus copyFrom(const KxDbObject* other);
+    // A new object of this one's class, in no database, holding a copy of
+    // its data as copyFrom copies it: the host keeps such copies for undo.
+    virtual std::unique_ptr<KxDbObject> clone() const = 0;
 
     // Groups of the object's file record that the host does not model
     // (reactors, extended data, codes of newer versions), in file order.
@@ -84,6 +91,7 @@ public:
 
 private:
     friend class KxDbDatabase;
+    friend class kaldo::UndoHistory;
     friend Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*&, KxDbObjectId, int, bool, const KxRxClass*);
 
     KxDbObjectId m_id;
@@ -124,6 +132,15 @@ private:
     KxCmColor m_color;
     KxDbObjectId m_linetype;
 };
+
+// What a class's clone does: a new T with a copy of self's data.
+template <class T>
+std::unique_ptr<KxDbObject> kxdbCloneOf(const T& self)
+{
+    auto copy = std::make_unique<T>();
+    copy->copyFrom(&self);
+    return copy;
+}
 
 // Opens the object id names. mode: 0 read, 1 write. cls: the class the
 // object must be of (or derive from); null accepts any. On failure obj is

@@ -48,6 +48,8 @@ public:
     // Records in the order they were added.
     std::unique_ptr<KxDbSymbolTableIterator> newIterator() const;
 
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+
 protected:
     virtual const KxRxClass* recordClass() const = 0;
 
@@ -94,6 +96,7 @@ public:
     std::unique_ptr<KxDbBlockTableRecordIterator> newIterator() const;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     KxGePoint3d m_origin;
@@ -124,6 +127,7 @@ inline constexpr const wchar_t* kxdbPaperSpaceName = L"*Paper_Space";
 class KxDbBlockTable : public KxDbSymbolTable {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbBlockTable)
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 protected:
     const KxRxClass* recordClass() const override { return KxDbBlockTableRecord::desc(); }
@@ -143,6 +147,7 @@ public:
     void setIsFrozen(bool frozen) { m_frozen = frozen; }
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     KxCmColor m_color;
@@ -154,6 +159,7 @@ private:
 class KxDbLayerTable : public KxDbSymbolTable {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbLayerTable)
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 protected:
     const KxRxClass* recordClass() const override { return KxDbLayerTableRecord::desc(); }
@@ -175,6 +181,7 @@ public:
     void setDashes(std::vector<double> dashes) { m_dashes = std::move(dashes); }
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
     std::wstring m_description;
@@ -184,6 +191,7 @@ private:
 class KxDbLinetypeTable : public KxDbSymbolTable {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbLinetypeTable)
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 protected:
     const KxRxClass* recordClass() const override { return KxDbLinetypeTableRecord::desc(); }

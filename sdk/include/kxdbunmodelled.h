@@ -39,6 +39,7 @@ public:
     using KxDbUnmodelledRecord::KxDbUnmodelledRecord;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 };
 
 class KxDbUnmodelledEntity : public KxDbEntity, public KxDbUnmodelledRecord {
@@ -48,4 +49,5 @@ public:
     using KxDbUnmodelledRecord::KxDbUnmodelledRecord;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 };

@@ -18,7 +18,8 @@ void registerHostCommands(KxEdCommandStack& stack)
         {L"COMMANDS", commandsCommand},   {L"LIST", listCommand},
         {L"OPEN", openCommand},           {L"SAVE", saveCommand},
         {L"SAVEAS", saveasCommand},       {L"ZOOM", zoomCommand},
-        {L"EXPLODE", explodeCommand},
+        {L"EXPLODE", explodeCommand},     {L"U", uCommand},
+        {L"UNDO", undoCommand},           {L"REDO", redoCommand},
     };
     for (const Entry& entry : commands)
         stack.addCommand(kHostCommandGroup, entry.name, entry.name, KxCmdFlags::kModal, entry.handler);

@@ -28,6 +28,9 @@ void saveCommand();
 void saveasCommand();
 void zoomCommand();
 void explodeCommand();
+void uCommand();
+void undoCommand();
+void redoCommand();
 
 class Session;
 

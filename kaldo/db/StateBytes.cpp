@@ -1,0 +1,86 @@
+#include "kaldo/db/StateBytes.h"
+
+#include <cwchar>
+
+#include "kxdbdict.h"
+#include "kxdbents.h"
+#include "kxdbmline.h"
+#include "kxdbmlstyle.h"
+#include "kxdbsymtb.h"
+#include "kxdbunmodelled.h"
+
+namespace kaldo {
+
+namespace {
+
+// Above the size of every class of database object, so that the fixed part
+// is never undercounted.
+constexpr std::size_t kObjectBytes = 256;
+// A dictionary entry: its map node, key and name.
+constexpr std::size_t kDictionaryEntryBytes = 128;
+constexpr std::size_t kStyleElementBytes = 64;
+
+std::size_t groupBytes(const std::vector<KxDbFileGroup>& groups)
+{
+    std::size_t bytes = 0;
+    for (const KxDbFileGroup& group : groups)
+        bytes += sizeof(group) + group.value.size();
+    return bytes;
+}
+
+std::size_t mlineBytes(const KxDbMline& mline)
+{
+    std::size_t bytes = 0;
+    for (int v = 0; v < mline.numVertices(); ++v) {
+        bytes += 3 * sizeof(KxGeVector3d) + sizeof(KxDbMlineVertexParams);
+        KxArray params;
+        if (mline.getParametersAt(v, params) != Kald::eOk)
+            continue;
+        const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
+        if (!record)
+            continue;
+        for (const KxDbMlineElementParams& element : record->elements)
+            bytes += sizeof(element) + (element.areaFill.size() + element.element.size()) * sizeof(double);
+    }
+    return bytes;
+}
+
+std::size_t tableBytes(const KxDbSymbolTable& table)
+{
+    std::size_t records = 0;
+    for (auto it = table.newIterator(); !it->done(); it->step())
+        ++records;
+    return records * sizeof(KxDbObjectId);
+}
+
+std::size_t contentBytes(const KxDbObject& obj)
+{
+    if (const auto* mline = KxDbMline::cast(&obj))
+        return mlineBytes(*mline);
+    if (const auto* polyline = KxDbPolyline::cast(&obj))
+        return polyline->vertices().size() * sizeof(KxDbPolyline::Vertex);
+    if (const auto* dictionary = KxDbDictionary::cast(&obj))
+        return std::size_t(dictionary->numEntries()) * kDictionaryEntryBytes;
+    if (const auto* style = KxDbMlineStyle::cast(&obj))
+        return std::size_t(style->numElements()) * kStyleElementBytes + std::wcslen(style->description()) * sizeof(wchar_t);
+    if (const auto* block = KxDbBlockTableRecord::cast(&obj))
+        return std::size_t(block->numEntities()) * sizeof(KxDbObjectId);
+    if (const auto* linetype = KxDbLinetypeTableRecord::cast(&obj))
+        return linetype->dashes().size() * sizeof(double) + linetype->description().size() * sizeof(wchar_t);
+    if (const auto* table = KxDbSymbolTable::cast(&obj))
+        return tableBytes(*table);
+    if (const auto* record = KxDbUnmodelledObject::cast(&obj))
+        return groupBytes(record->groups());
+    if (const auto* record = KxDbUnmodelledEntity::cast(&obj))
+        return groupBytes(record->groups());
+    return 0;
+}
+
+}  // namespace
+
+std::size_t stateBytes(const KxDbObject& obj)
+{
+    return kObjectBytes + groupBytes(obj.keptGroups()) + contentBytes(obj);
+}
+
+}  // namespace kaldo

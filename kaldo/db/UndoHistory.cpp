@@ -1,0 +1,234 @@
+#include "kaldo/db/UndoHistory.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/StateBytes.h"
+
+namespace kaldo {
+
+UndoHistory::UndoHistory(KxDbDatabase& db, std::size_t byteBudget) : m_db(db), m_budget(byteBudget) {}
+
+UndoHistory::~UndoHistory() = default;
+
+void UndoHistory::setByteBudget(std::size_t bytes)
+{
+    m_budget = bytes;
+    dropOverBudget();
+}
+
+void UndoHistory::beginStep(const std::wstring& name)
+{
+    if (m_depth++ == 0) {
+        m_open = Step{};
+        m_open.name = name;
+    }
+}
+
+void UndoHistory::endStep()
+{
+    if (m_depth == 0 || --m_depth > 0)
+        return;
+    m_recorded.clear();
+    if (m_open.objects.empty() && !m_open.header) {
+        m_open = Step{};
+        return;
+    }
+    keepOpenStep();
+}
+
+bool UndoHistory::firstRecordOf(const KxDbObject& obj)
+{
+    return recording() && obj.database() == &m_db && m_recorded.insert(obj.objectId().asOldId()).second;
+}
+
+void UndoHistory::recordBefore(KxDbObject& obj)
+{
+    if (!firstRecordOf(obj))
+        return;
+    ObjectRecord record;
+    record.id = obj.objectId();
+    record.kind = ObjectRecord::Kind::Copy;
+    record.object = obj.clone();
+    record.owner = obj.ownerId();
+    record.erased = obj.isErased();
+    record.bytes = stateBytes(*record.object);
+    m_open.bytes += record.bytes;
+    m_bytes += record.bytes;
+    m_open.objects.push_back(std::move(record));
+}
+
+void UndoHistory::recordAdded(KxDbObject& obj)
+{
+    if (!recording() && obj.database() == &m_db)
+        m_handleFloor = std::max(m_handleFloor, obj.handle() + 1);
+    if (!firstRecordOf(obj))
+        return;
+    ObjectRecord record;
+    record.id = obj.objectId();
+    m_open.objects.push_back(std::move(record));
+}
+
+void UndoHistory::recordHeader()
+{
+    if (!recording() || m_open.header)
+        return;
+    m_open.header = m_db.m_header;
+    m_open.bytes += sizeof(KxDbDatabase::Header);
+    m_bytes += sizeof(KxDbDatabase::Header);
+}
+
+void UndoHistory::keepOpenStep()
+{
+    clearRedo();
+    m_undo.push_back(std::move(m_open));
+    m_open = Step{};
+    dropOverBudget();
+}
+
+void UndoHistory::dropOverBudget()
+{
+    std::size_t drop = 0;
+    std::size_t bytes = m_bytes;
+    // The newest step (marks after it aside) stays, whatever it holds.
+    std::size_t newest = m_undo.size();
+    while (newest > 0 && m_undo[newest - 1].mark)
+        --newest;
+    while (bytes > m_budget && drop + 1 < newest)
+        bytes -= m_undo[drop++].bytes;
+    m_undo.erase(m_undo.begin(), m_undo.begin() + std::ptrdiff_t(drop));
+    m_bytes = bytes;
+}
+
+void UndoHistory::clearRedo()
+{
+    for (const std::vector<Step>& group : m_redo)
+        for (const Step& step : group)
+            m_bytes -= step.bytes;
+    m_redo.clear();
+}
+
+void UndoHistory::mark()
+{
+    if (m_undo.empty() || !m_undo.back().mark) {
+        Step step;
+        step.mark = true;
+        m_undo.push_back(std::move(step));
+    }
+}
+
+void UndoHistory::exchange(ObjectRecord& record)
+{
+    using Kind = ObjectRecord::Kind;
+    switch (record.kind) {
+    case Kind::Absent:
+        record.object = m_db.detachObject(record.id);
+        if (record.object)
+            record.kind = Kind::Detached;
+        break;
+    case Kind::Detached:
+        m_db.reattachObject(std::move(record.object));
+        record.kind = Kind::Absent;
+        break;
+    case Kind::Copy: {
+        KxDbObject* live = lookupObject(record.id);
+        // Steps are exchanged in order, so a recorded object is always in
+        // the database here; should it not be, its record is left alone.
+        if (!live)
+            return;
+        std::unique_ptr<KxDbObject> current = live->clone();
+        live->copyFrom(record.object.get());
+        std::swap(live->m_owner, record.owner);
+        std::swap(live->m_erased, record.erased);
+        record.object = std::move(current);
+        break;
+    }
+    }
+    record.bytes = record.object ? stateBytes(*record.object) : 0;
+}
+
+void UndoHistory::exchange(Step& step, bool backwards)
+{
+    m_bytes -= step.bytes;
+    step.bytes = step.header ? sizeof(KxDbDatabase::Header) : 0;
+    const auto exchangeOne = [&](ObjectRecord& record) {
+        exchange(record);
+        step.bytes += record.bytes;
+    };
+    if (backwards)
+        std::for_each(step.objects.rbegin(), step.objects.rend(), exchangeOne);
+    else
+        std::for_each(step.objects.begin(), step.objects.end(), exchangeOne);
+    if (step.header) {
+        std::swap(*step.header, m_db.m_header);
+        m_db.m_header.handseed = std::max(m_db.m_header.handseed, m_handleFloor);
+    }
+    m_bytes += step.bytes;
+    m_db.noteChange();
+}
+
+std::vector<std::wstring> UndoHistory::undo(int count)
+{
+    std::vector<std::wstring> names;
+    std::vector<Step> taken;
+    while (count > 0 && !m_undo.empty()) {
+        Step step = std::move(m_undo.back());
+        m_undo.pop_back();
+        if (step.mark)
+            continue;
+        exchange(step, true);
+        names.push_back(step.name);
+        taken.push_back(std::move(step));
+        --count;
+    }
+    if (!taken.empty())
+        m_redo.push_back(std::move(taken));
+    return names;
+}
+
+std::vector<std::wstring> UndoHistory::undoToMark()
+{
+    std::vector<std::wstring> names;
+    std::vector<Step> taken;
+    while (!m_undo.empty()) {
+        Step step = std::move(m_undo.back());
+        m_undo.pop_back();
+        if (step.mark)
+            break;
+        exchange(step, true);
+        names.push_back(step.name);
+        taken.push_back(std::move(step));
+    }
+    if (!taken.empty())
+        m_redo.push_back(std::move(taken));
+    return names;
+}
+
+std::vector<std::wstring> UndoHistory::redo()
+{
+    std::vector<std::wstring> names;
+    if (m_redo.empty())
+        return names;
+    std::vector<Step> group = std::move(m_redo.back());
+    m_redo.pop_back();
+    for (auto it = group.rbegin(); it != group.rend(); ++it) {
+        exchange(*it, false);
+        names.push_back(it->name);
+        m_undo.push_back(std::move(*it));
+    }
+    return names;
+}
+
+std::size_t UndoHistory::undoableSteps() const
+{
+    return std::size_t(std::count_if(m_undo.begin(), m_undo.end(), [](const Step& step) { return !step.mark; }));
+}
+
+void recordBeforeChange(KxDbObject& obj)
+{
+    if (KxDbDatabase* db = obj.database())
+        db->undoHistory().recordBefore(obj);
+}
+
+}  // namespace kaldo

@@ -1,0 +1,132 @@
+// The undo history of one drawing database.
+//
+// While a step is open, changes are recorded at the database level, before
+// they happen: an object opened for write, erased or un-erased, given
+// another owner, or changed by the database itself has its state copied
+// (KxDbObject::clone, owner and erased flag besides) the first time within
+// the step; an object added within the step is noted as absent before it;
+// the header values (handle seed included) are copied before the first of
+// them changes. A step is one command; a step that recorded nothing is
+// dropped, and one that recorded something clears what could be redone.
+//
+// Taking a step back exchanges every recorded state with the object's
+// current one (an added object is taken out of the database, its handle
+// given back; taking it back again puts it in under its id and handle), so
+// the same exchange in the opposite order restores the step.
+//
+// Recorded state is counted in bytes (stateBytes); when undoable and
+// redoable steps together hold more than the budget, the oldest undoable
+// steps are dropped, the newest always kept.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "kxdbdatabase.h"
+
+namespace kaldo {
+
+inline constexpr std::size_t kUndoByteBudget = std::size_t(64) << 20;
+
+class UndoHistory {
+public:
+    explicit UndoHistory(KxDbDatabase& db, std::size_t byteBudget = kUndoByteBudget);
+    ~UndoHistory();
+    UndoHistory(const UndoHistory&) = delete;
+    UndoHistory& operator=(const UndoHistory&) = delete;
+
+    // Drops the oldest steps at once when they no longer fit.
+    void setByteBudget(std::size_t bytes);
+
+    // Opens a step named name (a command's name); an open inside an open
+    // step joins it. endStep closes what beginStep opened.
+    void beginStep(const std::wstring& name);
+    void endStep();
+
+    // Recording, while a step is open (else they do nothing).
+    void recordBefore(KxDbObject& obj);
+    void recordAdded(KxDbObject& obj);
+    void recordHeader();
+
+    // Places a mark after the latest step.
+    void mark();
+    // Takes back up to count steps, latest first; marks passed go. The names
+    // of the steps taken back, in that order.
+    std::vector<std::wstring> undo(int count);
+    // Takes back every step after the latest mark (which goes), or every
+    // step when there is none.
+    std::vector<std::wstring> undoToMark();
+    // Restores what the latest undo or undoToMark not restored yet took
+    // back; the names of the steps, in the order they are restored.
+    std::vector<std::wstring> redo();
+
+    // Changes made while a Pause lives are not recorded: records the host
+    // makes for itself (the block ends a file needs) are nothing to take back.
+    class Pause {
+    public:
+        explicit Pause(UndoHistory& history) : m_history(history) { ++m_history.m_paused; }
+        ~Pause() { --m_history.m_paused; }
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+    private:
+        UndoHistory& m_history;
+    };
+
+    std::size_t undoableSteps() const;
+    std::size_t bytes() const { return m_bytes; }
+
+private:
+    struct ObjectRecord {
+        enum class Kind { Absent, Copy, Detached };
+        KxDbObjectId id;
+        Kind kind = Kind::Absent;
+        // The copy (Copy) or the object taken out of the database (Detached).
+        std::unique_ptr<KxDbObject> object;
+        KxDbObjectId owner;
+        bool erased = false;
+        std::size_t bytes = 0;
+    };
+    struct Step {
+        std::wstring name;
+        bool mark = false;
+        std::vector<ObjectRecord> objects;
+        std::optional<KxDbDatabase::Header> header;
+        std::size_t bytes = 0;
+    };
+
+    bool recording() const { return m_depth > 0 && m_paused == 0; }
+    bool firstRecordOf(const KxDbObject& obj);
+    void exchange(ObjectRecord& record);
+    // Undoes (backwards) or redoes a step; the step then records the state
+    // it replaced.
+    void exchange(Step& step, bool backwards);
+    void keepOpenStep();
+    void dropOverBudget();
+    void clearRedo();
+
+    KxDbDatabase& m_db;
+    std::size_t m_budget;
+    int m_depth = 0;
+    int m_paused = 0;
+    // Above every handle of an object added while nothing was recorded: the
+    // handle seed a step brings back never falls below it.
+    std::uint64_t m_handleFloor = 0;
+    Step m_open;
+    std::unordered_set<std::uint64_t> m_recorded;  // ids recorded in the open step
+    std::deque<Step> m_undo;                        // oldest first
+    std::vector<std::vector<Step>> m_redo;          // per take-back, in the order taken back
+    std::size_t m_bytes = 0;
+};
+
+// Records obj before a change made without opening it for write; nothing
+// for an object in no database.
+void recordBeforeChange(KxDbObject& obj);
+
+}  // namespace kaldo
