@@ -73,9 +73,20 @@ void restoreFrom(std::unique_ptr<KxDbMline>& copy, const MlinePick& pick, bool u
     kxedRedraw(pick.name.id, 1);
 }
 
-void announceUndo(MlineEditContext& context)
+// The first prompt of every pass. UNDO typed there puts the first
+// multiline back from its undo copy (undrawn first when undrawFirst), the
+// second too when restoreSecond and it is another entity, and says so.
+Answer askFirst(MlineEditContext& context, unsigned undoPrompt, unsigned plainPrompt, bool undrawFirst,
+                bool restoreSecond)
 {
-    kxutPrintf(L"%ls", loadText(context, kUndoneMessage));
+    const Answer first = selectFirst(context, undoPrompt, plainPrompt);
+    if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
+        restoreFrom(context.undoFirst, context.first, undrawFirst);
+        if (restoreSecond && context.undoSecond && !sameEntity(context.first, context.second))
+            restoreFrom(context.undoSecond, context.second, false);
+        kxutPrintf(L"%ls", loadText(context, kUndoneMessage));
+    }
+    return first;
 }
 
 // A closed multiline where an open one is needed: the message, and the
@@ -101,15 +112,8 @@ std::unique_ptr<KxDbMline> undoCopyOf(const KxDbMline* mline)
 int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const PassEdit& edit, OpenPicks open)
 {
     for (;;) {
-        const Answer first = selectFirst(context, kFirstMlineUndoPrompt, kFirstMlinePrompt);
-        if (first == Answer::End)
+        if (askFirst(context, kFirstMlineUndoPrompt, kFirstMlinePrompt, false, changesSecond) == Answer::End)
             break;
-        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
-            restoreFrom(context.undoFirst, context.first, false);
-            if (changesSecond && context.undoSecond && !sameEntity(context.first, context.second))
-                restoreFrom(context.undoSecond, context.second, false);
-            announceUndo(context);
-        }
         if (!isMultilineEntity(context.pickName))
             continue;
         pickMultiline(context, context.first, context.pickName, nullptr);
@@ -148,13 +152,8 @@ int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const Pas
 int runOneMultilineLoop(MlineEditContext& context, const PassEdit& edit)
 {
     for (;;) {
-        const Answer first = selectFirst(context, kOneMlineUndoPrompt, kOneMlinePrompt);
-        if (first == Answer::End)
+        if (askFirst(context, kOneMlineUndoPrompt, kOneMlinePrompt, true, false) == Answer::End)
             break;
-        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
-            restoreFrom(context.undoFirst, context.first, true);
-            announceUndo(context);
-        }
         if (!isMultilineEntity(context.pickName))
             continue;
         pickMultiline(context, context.first, context.pickName, nullptr);
@@ -180,13 +179,8 @@ int runTwoPointLoop(MlineEditContext& context, PointPick kind, const PassEdit& e
             pickMultiline(context, pick, context.pickName, other);
     };
     for (;;) {
-        const Answer first = selectFirst(context, kFirstPointUndoPrompt, kFirstPointPrompt);
-        if (first == Answer::End)
+        if (askFirst(context, kFirstPointUndoPrompt, kFirstPointPrompt, true, false) == Answer::End)
             break;
-        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
-            restoreFrom(context.undoFirst, context.first, true);
-            announceUndo(context);
-        }
         if (!isMultilineEntity(context.pickName))
             continue;
         fill(context.first, nullptr);
