@@ -107,6 +107,18 @@ std::unique_ptr<KxDbMline> undoCopyOf(const KxDbMline* mline)
     return copy;
 }
 
+// One pass of a tool that changes the first pick's multiline only: opened
+// for write, an undo copy taken, edited and redrawn.
+void editWithUndoCopy(MlineEditContext& context, const PassEdit& edit)
+{
+    const MlineWriteScope scope(context.first, context.second);
+    if (scope.status() != Kald::eOk)
+        return;
+    context.undoFirst = undoCopyOf(context.first.mline);
+    edit(context);
+    kxedRedraw(nullptr, 4);
+}
+
 }  // namespace
 
 int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const PassEdit& edit, OpenPicks open)
@@ -159,12 +171,7 @@ int runOneMultilineLoop(MlineEditContext& context, const PassEdit& edit)
         pickMultiline(context, context.first, context.pickName, nullptr);
         context.second = MlinePick();
 
-        const MlineWriteScope scope(context.first, context.second);
-        if (scope.status() != Kald::eOk)
-            continue;
-        context.undoFirst = undoCopyOf(context.first.mline);
-        edit(context);
-        kxedRedraw(nullptr, 4);
+        editWithUndoCopy(context, edit);
     }
     closePicks(context);
     return context.status;
@@ -204,12 +211,7 @@ int runTwoPointLoop(MlineEditContext& context, PointPick kind, const PassEdit& e
             break;
         fill(context.second, &context.first);
 
-        const MlineWriteScope scope(context.first, context.second);
-        if (scope.status() != Kald::eOk)
-            continue;
-        context.undoFirst = undoCopyOf(context.first.mline);
-        edit(context);
-        kxedRedraw(nullptr, 4);
+        editWithUndoCopy(context, edit);
     }
     closePicks(context);
     return context.status;
