@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <numeric>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -105,7 +105,8 @@ double boxBound(const KxGePoint3d& s, const KxGePoint3d& e, const KxGePoint3d& p
     };
     const double loX = std::min(s.x, e.x), hiX = std::max(s.x, e.x);
     const double loY = std::min(s.y, e.y), hiY = std::max(s.y, e.y);
-    return std::hypot(gap(p.x, loX, hiX), gap(p.y, loY, hiY)) + std::hypot(gap(q.x, loX, hiX), gap(q.y, loY, hiY));
+    const auto length = [](double x, double y) { return std::sqrt(x * x + y * y); };
+    return length(gap(p.x, loX, hiX), gap(p.y, loY, hiY)) + length(gap(q.x, loX, hiX), gap(q.y, loY, hiY));
 }
 
 // Room for rounding in where a crossing is computed, for these axes.
@@ -118,16 +119,51 @@ double crossingMargin(const std::vector<KxGePoint3d>& a, const std::vector<KxGeP
     return 1e-6 * extent;
 }
 
-std::vector<int> byBound(const Axis& axis, const KxGePoint3d& p, const KxGePoint3d& q, double margin,
-                         std::vector<double>& bounds)
+// The segments of an axis with their bounds, handed out least bound first
+// (then lowest index). A heap: the search stops after the first few.
+class NearestSegments {
+public:
+    NearestSegments(const Axis& axis, const KxGePoint3d& p, const KxGePoint3d& q, double margin)
+    {
+        bounds_.resize(std::size_t(axis.segments));
+        heap_.reserve(bounds_.size());
+        for (int s = 0; s < axis.segments; ++s) {
+            bounds_[std::size_t(s)] = boxBound(axis.start(s), axis.end(s), p, q, margin);
+            heap_.emplace_back(bounds_[std::size_t(s)], s);
+        }
+        std::make_heap(heap_.begin(), heap_.end(), std::greater<>());
+    }
+
+    double bound(int s) const { return bounds_[std::size_t(s)]; }
+    bool empty() const { return heap_.empty(); }
+    // The next segment; its bound is bound(next()).
+    int next()
+    {
+        std::pop_heap(heap_.begin(), heap_.end(), std::greater<>());
+        const int s = heap_.back().second;
+        heap_.pop_back();
+        return s;
+    }
+
+private:
+    std::vector<double> bounds_;
+    std::vector<std::pair<double, int>> heap_;
+};
+
+// Whether the line through segment s of one axis passes within margin of
+// segment t of the other (x and y only, as the crossing is computed): when
+// it does not, the lines cross off segment t.
+bool lineReaches(const Axis& line, int s, const Axis& other, int t, double margin)
 {
-    bounds.resize(std::size_t(axis.segments));
-    for (int s = 0; s < axis.segments; ++s)
-        bounds[std::size_t(s)] = boxBound(axis.start(s), axis.end(s), p, q, margin);
-    std::vector<int> order(std::size_t(axis.segments));
-    std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(), [&](int x, int y) { return bounds[std::size_t(x)] < bounds[std::size_t(y)]; });
-    return order;
+    const KxGePoint3d& a = line.start(s);
+    const double dx = line.end(s).x - a.x;
+    const double dy = line.end(s).y - a.y;
+    const auto side = [&](const KxGePoint3d& p) { return dx * (p.y - a.y) - dy * (p.x - a.x); };
+    const double f0 = side(other.start(t));
+    const double f1 = side(other.end(t));
+    const double reach = margin * margin * (dx * dx + dy * dy);
+    const bool oneSide = (f0 > 0 && f1 > 0) || (f0 < 0 && f1 < 0);
+    return !(oneSide && f0 * f0 > reach && f1 * f1 > reach);
 }
 
 // The span of segment s along x (alongX) or y.
@@ -241,32 +277,36 @@ std::optional<AxisCrossing> searchAxisCrossing(const MlinePick& first, const Mli
 
     // Every candidate lies in the box of its segment of the first axis or of
     // its segment of the second; a pair whose both boxes lie too far from
-    // the picks cannot beat the best sum found so far.
+    // the picks cannot beat the best sum found so far. Nor can a pair with
+    // one box too far unless its crossing counts off that segment: on the
+    // first's segment with any crossing, on the second's always; the line
+    // through the far segment must then reach the near one.
     const KxGePoint3d p1 = projectPickToAxis(first);
     const KxGePoint3d p2 = projectPickToAxis(second);
-    std::vector<double> boundsA, boundsB;
-    const std::vector<int> orderA = byBound(test.a(), p1, p2, margin, boundsA);
-    const std::vector<int> orderB = byBound(test.b(), p1, p2, margin, boundsB);
-    const auto beyond = [margin](double bound, double best) { return bound > best + margin; };
-
+    NearestSegments nearA(test.a(), p1, p2, margin);
+    NearestSegments nearB(test.b(), p1, p2, margin);
     Best best;
+    const auto beyond = [margin, &best](double bound) { return bound > best.sum + margin; };
     const auto tryPair = [&](int i, int j) {
         if (const Candidate c = test(i, j); c.found)
             best.offer(i, j, c.point, pointDistance(c.point, p1) + pointDistance(c.point, p2));
     };
     std::vector<bool> firstDone(std::size_t(test.a().segments), false);
-    for (int i : orderA) {
-        if (beyond(boundsA[std::size_t(i)], best.sum))
+    while (!nearA.empty()) {
+        const int i = nearA.next();
+        if (beyond(nearA.bound(i)))
             break;
         firstDone[std::size_t(i)] = true;
         for (int j = 0; j < test.b().segments; ++j)
-            tryPair(i, j);
+            if (!beyond(nearB.bound(j)) || (anyCrossing && lineReaches(test.b(), j, test.a(), i, margin)))
+                tryPair(i, j);
     }
-    for (int j : orderB) {
-        if (beyond(boundsB[std::size_t(j)], best.sum))
+    while (!nearB.empty()) {
+        const int j = nearB.next();
+        if (beyond(nearB.bound(j)))
             break;
         for (int i = 0; i < test.a().segments; ++i)
-            if (!firstDone[std::size_t(i)])
+            if (!firstDone[std::size_t(i)] && lineReaches(test.a(), i, test.b(), j, margin))
                 tryPair(i, j);
     }
     return best.result();

@@ -47,17 +47,16 @@ void eraseRange(std::vector<double>& list, int from, int to)
     list.erase(list.begin() + from, list.begin() + to + 1);
 }
 
-}  // namespace
-
-void cutElementRuns(const ElementLine& line, bool closed, ElementRuns& runs, KxGePoint3d p, int segP, KxGePoint3d q,
-                    int segQ)
+// cutElementRuns on an element that gives its point and list at a vertex:
+// only the vertices of the segments from P to Q are asked for.
+template <class Element>
+void cutRuns(Element& element, bool closed, KxGePoint3d p, int segP, KxGePoint3d q, int segQ)
 {
-    const int nv = int(line.size());
+    const int nv = element.size();
     const int segments = closed ? nv : nv - 1;
-    if (pointsEqual(p, q) || nv < 2 || int(runs.size()) != nv || segP < 0 || segQ < 0 || segP >= segments
-        || segQ >= segments)
+    if (pointsEqual(p, q) || nv < 2 || segP < 0 || segQ < 0 || segP >= segments || segQ >= segments)
         return;
-    const auto at = [&](int v) -> const KxGePoint3d& { return line[std::size_t((v + nv) % nv)]; };
+    const auto at = [&](int v) { return element.point((v + nv) % nv); };
     double dP = pointDistance(at(segP), p);
     double dQ = pointDistance(at(segQ), q);
 
@@ -95,8 +94,8 @@ void cutElementRuns(const ElementLine& line, bool closed, ElementRuns& runs, KxG
     if ((pOut && qOut) || (pOut && posQ == SegmentPosition::AtEnd) || (posP == SegmentPosition::AtEnd && qOut))
         return;
 
-    std::vector<double>& listS = runs[std::size_t(s)];
-    std::vector<double>& listT = runs[std::size_t(t)];
+    std::vector<double>& listS = element.list(s);
+    std::vector<double>& listT = element.list(t);
     if (listS.empty() || listT.empty())
         return;
     int kP = forwardIndex(listS, dP);
@@ -111,7 +110,7 @@ void cutElementRuns(const ElementLine& line, bool closed, ElementRuns& runs, KxG
         if (!qOut && !pointsEqual(q, at(t + 1)))
             insertAt(listT, 1, dQ);
         for (int u = s + 1; u < t; ++u)
-            runs[std::size_t(u)].resize(1);
+            element.list(u).resize(1);
         return;
     }
     std::vector<double>& list = listS;
@@ -129,17 +128,25 @@ void cutElementRuns(const ElementLine& line, bool closed, ElementRuns& runs, KxG
         eraseRange(list, kP, kQ);
 }
 
+}  // namespace
+
+void cutElementRuns(const ElementLine& line, bool closed, ElementRuns& runs, KxGePoint3d p, int segP, KxGePoint3d q,
+                    int segQ)
+{
+    if (runs.size() != line.size())
+        return;
+    ElementLineRuns element{line, runs};
+    cutRuns(element, closed, p, segP, q, segQ);
+}
+
 void cutElement(MlinePick& pick, int e, const KxGePoint3d& p, int segP, const KxGePoint3d& q, int segQ)
 {
-    if (!pick.mline)
+    int elements = 0;
+    if (!getElementCount(pick.mline, elements) || e < 0 || e >= elements)
         return;
-    const std::vector<ElementLine> lines = buildElementLines(pick.mline);
-    if (e < 0 || e >= int(lines.size()))
-        return;
-    const ElementRuns before = readElementRuns(pick.mline, e);
-    ElementRuns after = before;
-    cutElementRuns(lines[std::size_t(e)], pick.mline->closedMline(), after, p, segP, q, segQ);
-    writeChangedRuns(pick.mline, e, before, after);
+    ElementListEdit element(pick.mline, e);
+    cutRuns(element, pick.mline->closedMline(), p, segP, q, segQ);
+    element.writeChanged();
 }
 
 }  // namespace kdml

@@ -19,38 +19,47 @@ void cutBetweenMarks(MlineEditContext& context)
 
 }  // namespace
 
+bool editCutSingle(MlineEditContext& context)
+{
+    if (context.second.hitElement != context.first.hitElement)
+        projectPickToElement(context.second, context.first.hitElement, nullptr);
+    cutBetweenMarks(context);
+    return true;
+}
+
+bool editCutAll(MlineEditContext& context)
+{
+    for (int e = 0; e < context.first.numElements; ++e) {
+        projectPickToElement(context.first, e, nullptr);
+        projectPickToElement(context.second, e, nullptr);
+        cutBetweenMarks(context);
+    }
+    return true;
+}
+
+bool editWeldAll(MlineEditContext& context)
+{
+    for (int e = 0; e < context.first.numElements; ++e) {
+        projectMarkForWeld(context.first, e);
+        projectMarkForWeld(context.second, e);
+        weldElement(context, context.first, context.second);
+    }
+    return true;
+}
+
 int runCutSingle(MlineEditContext& context)
 {
-    return runTwoPointLoop(context, PointPick::Cut, [](MlineEditContext& c) {
-        if (c.second.hitElement != c.first.hitElement)
-            projectPickToElement(c.second, c.first.hitElement, nullptr);
-        cutBetweenMarks(c);
-        return true;
-    });
+    return runTwoPointLoop(context, PointPick::Cut, editCutSingle);
 }
 
 int runCutAll(MlineEditContext& context)
 {
-    return runTwoPointLoop(context, PointPick::Cut, [](MlineEditContext& c) {
-        for (int e = 0; e < c.first.numElements; ++e) {
-            projectPickToElement(c.first, e, nullptr);
-            projectPickToElement(c.second, e, nullptr);
-            cutBetweenMarks(c);
-        }
-        return true;
-    });
+    return runTwoPointLoop(context, PointPick::Cut, editCutAll);
 }
 
 int runWeldAll(MlineEditContext& context)
 {
-    return runTwoPointLoop(context, PointPick::Weld, [](MlineEditContext& c) {
-        for (int e = 0; e < c.first.numElements; ++e) {
-            projectMarkForWeld(c.first, e);
-            projectMarkForWeld(c.second, e);
-            weldElement(c, c.first, c.second);
-        }
-        return true;
-    });
+    return runTwoPointLoop(context, PointPick::Weld, editWeldAll);
 }
 
 }  // namespace kdml

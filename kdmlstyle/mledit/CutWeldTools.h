@@ -7,6 +7,11 @@
 
 namespace kdml {
 
+// One pass on the picks of the context (open for write).
+bool editCutSingle(MlineEditContext& context);
+bool editCutAll(MlineEditContext& context);
+bool editWeldAll(MlineEditContext& context);
+
 int runCutSingle(MlineEditContext& context);
 int runCutAll(MlineEditContext& context);
 int runWeldAll(MlineEditContext& context);

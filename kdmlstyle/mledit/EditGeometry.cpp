@@ -92,10 +92,21 @@ SegmentPosition segmentPosition(const KxGePoint3d& point, const KxGePoint3d& sta
 
 bool segmentsCollinear(const KxGePoint3d& p1, const KxGePoint3d& p2, const KxGePoint3d& q1, const KxGePoint3d& q2)
 {
+    // Directions far from parallel are told first, at little cost: segments
+    // in line differ in direction by about the tolerance at most.
+    const KxGeVector3d along = p2 - p1;
+    const auto farFromParallel = [&along](const KxGeVector3d& v) {
+        const KxGeVector3d c = cross(along, v);
+        return dot(c, c) > 1e-12 * dot(along, along) * dot(v, v);
+    };
+    if (farFromParallel(q2 - q1))
+        return false;
     KxGeVector3d w = q2 - p2;
     if (w.length() <= kxGeTolerance)
         w = q2 - p1;
-    const KxGeVector3d u = normalized(p2 - p1);
+    if (farFromParallel(w))
+        return false;
+    const KxGeVector3d u = normalized(along);
     const KxGeVector3d v = normalized(q2 - q1);
     w = normalized(w);
     const auto same = [](const KxGeVector3d& a, const KxGeVector3d& b) { return (a - b).length() <= kxGeTolerance; };

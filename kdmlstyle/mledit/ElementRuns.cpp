@@ -4,19 +4,28 @@
 
 namespace kdml {
 
-ElementRuns readElementRuns(const KxDbMline* mline, int element)
+ElementListEdit::ElementListEdit(KxDbMline* mline, int element) : mline_(mline), element_(element) {}
+
+KxGePoint3d ElementListEdit::point(int v) const
 {
-    ElementRuns runs(mline ? std::size_t(mline->numVertices()) : 0);
-    for (std::size_t v = 0; v < runs.size(); ++v)
-        getElementParams(mline, runs[v], int(v), element);
-    return runs;
+    return elementPointAt(mline_, v, element_);
 }
 
-void writeChangedRuns(KxDbMline* mline, int element, const ElementRuns& before, const ElementRuns& after)
+std::vector<double>& ElementListEdit::list(int v)
 {
-    for (std::size_t v = 0; v < after.size() && v < before.size(); ++v)
-        if (after[v] != before[v])
-            writeElementParams(mline, after[v], int(v), element);
+    const auto [it, added] = lists_.try_emplace(v);
+    if (added) {
+        getElementParams(mline_, it->second.before, v, element_);
+        it->second.after = it->second.before;
+    }
+    return it->second.after;
+}
+
+void ElementListEdit::writeChanged()
+{
+    for (const auto& [v, lists] : lists_)
+        if (lists.after != lists.before)
+            writeElementParams(mline_, lists.after, v, element_);
 }
 
 }  // namespace kdml

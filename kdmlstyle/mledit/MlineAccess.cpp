@@ -290,21 +290,24 @@ std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline)
     return snapshot;
 }
 
+KxGePoint3d elementPointAt(const KxDbMline* mline, int vertex, int element)
+{
+    const KxDbMlineVertexParams* record = mline->parametersAt(vertex);
+    const bool listed = record && element >= 0 && std::size_t(element) < record->elements.size()
+        && !record->elements[std::size_t(element)].element.empty();
+    return mline->vertexAt(vertex)
+        + mline->miterAt(vertex) * (listed ? record->elements[std::size_t(element)].element.front() : 0.0);
+}
+
 std::vector<ElementLine> buildElementLines(const KxDbMline* mline)
 {
     const int n = mline ? mline->numVertices() : 0;
     const KxDbMlineVertexParams* first = n > 0 ? mline->parametersAt(0) : nullptr;
     const std::size_t elements = first ? first->elements.size() : 0;
     std::vector<ElementLine> lines(elements, ElementLine(std::size_t(n)));
-    for (int v = 0; v < n; ++v) {
-        const KxDbMlineVertexParams* record = mline->parametersAt(v);
-        const KxGePoint3d position = mline->vertexAt(v);
-        const KxGeVector3d miter = mline->miterAt(v);
-        for (std::size_t e = 0; e < elements; ++e) {
-            const bool listed = record && e < record->elements.size() && !record->elements[e].element.empty();
-            lines[e][std::size_t(v)] = position + miter * (listed ? record->elements[e].element.front() : 0.0);
-        }
-    }
+    for (int v = 0; v < n; ++v)
+        for (std::size_t e = 0; e < elements; ++e)
+            lines[e][std::size_t(v)] = elementPointAt(mline, v, int(e));
     return lines;
 }
 

@@ -72,6 +72,10 @@ struct MlineVertexData {
 // Every vertex with its directions and both lists of every element.
 std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline);
 
+// The point of element at vertex (see ElementLine); entry 0 counts as 0
+// when the vertex has no list for the element.
+KxGePoint3d elementPointAt(const KxDbMline* mline, int vertex, int element);
+
 // The element lines of every element (see ElementLine).
 std::vector<ElementLine> buildElementLines(const KxDbMline* mline);
 

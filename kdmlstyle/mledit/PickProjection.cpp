@@ -12,13 +12,14 @@ namespace {
 
 bool holds(const KxGePoint3d& a, const KxGePoint3d& b, const KxGePoint3d& point)
 {
-    double dist = 0;
-    PtLnDist(point, a, b, &dist, nullptr);
     const auto within = [](double v, double p, double q) {
         return std::min(p, q) - kEditTolerance <= v && v <= std::max(p, q) + kEditTolerance;
     };
-    return dist <= kEditTolerance && within(point.x, a.x, b.x) && within(point.y, a.y, b.y)
-        && within(point.z, a.z, b.z);
+    if (!within(point.x, a.x, b.x) || !within(point.y, a.y, b.y) || !within(point.z, a.z, b.z))
+        return false;
+    double dist = 0;
+    PtLnDist(point, a, b, &dist, nullptr);
+    return dist <= kEditTolerance;
 }
 
 // The end of the hit segment: the next vertex, or vertex 0 for the closing

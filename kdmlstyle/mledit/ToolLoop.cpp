@@ -73,9 +73,20 @@ void restoreFrom(std::unique_ptr<KxDbMline>& copy, const MlinePick& pick, bool u
     kxedRedraw(pick.name.id, 1);
 }
 
-void announceUndo(MlineEditContext& context)
+// The first prompt of every pass. UNDO typed there puts the first
+// multiline back from its undo copy (undrawn first when undrawFirst), the
+// second too when restoreSecond and it is another entity, and says so.
+Answer askFirst(MlineEditContext& context, unsigned undoPrompt, unsigned plainPrompt, bool undrawFirst,
+                bool restoreSecond)
 {
-    kxutPrintf(L"%ls", loadText(context, kUndoneMessage));
+    const Answer first = selectFirst(context, undoPrompt, plainPrompt);
+    if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
+        restoreFrom(context.undoFirst, context.first, undrawFirst);
+        if (restoreSecond && context.undoSecond && !sameEntity(context.first, context.second))
+            restoreFrom(context.undoSecond, context.second, false);
+        kxutPrintf(L"%ls", loadText(context, kUndoneMessage));
+    }
+    return first;
 }
 
 // A closed multiline where an open one is needed: the message, and the
@@ -96,20 +107,25 @@ std::unique_ptr<KxDbMline> undoCopyOf(const KxDbMline* mline)
     return copy;
 }
 
+// One pass of a tool that changes the first pick's multiline only: opened
+// for write, an undo copy taken, edited and redrawn.
+void editWithUndoCopy(MlineEditContext& context, const PassEdit& edit)
+{
+    const MlineWriteScope scope(context.first, context.second);
+    if (scope.status() != Kald::eOk)
+        return;
+    context.undoFirst = undoCopyOf(context.first.mline);
+    edit(context);
+    kxedRedraw(nullptr, 4);
+}
+
 }  // namespace
 
 int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const PassEdit& edit, OpenPicks open)
 {
     for (;;) {
-        const Answer first = selectFirst(context, kFirstMlineUndoPrompt, kFirstMlinePrompt);
-        if (first == Answer::End)
+        if (askFirst(context, kFirstMlineUndoPrompt, kFirstMlinePrompt, false, changesSecond) == Answer::End)
             break;
-        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
-            restoreFrom(context.undoFirst, context.first, false);
-            if (changesSecond && context.undoSecond && !sameEntity(context.first, context.second))
-                restoreFrom(context.undoSecond, context.second, false);
-            announceUndo(context);
-        }
         if (!isMultilineEntity(context.pickName))
             continue;
         pickMultiline(context, context.first, context.pickName, nullptr);
@@ -148,24 +164,14 @@ int runTwoMultilineLoop(MlineEditContext& context, bool changesSecond, const Pas
 int runOneMultilineLoop(MlineEditContext& context, const PassEdit& edit)
 {
     for (;;) {
-        const Answer first = selectFirst(context, kOneMlineUndoPrompt, kOneMlinePrompt);
-        if (first == Answer::End)
+        if (askFirst(context, kOneMlineUndoPrompt, kOneMlinePrompt, true, false) == Answer::End)
             break;
-        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
-            restoreFrom(context.undoFirst, context.first, true);
-            announceUndo(context);
-        }
         if (!isMultilineEntity(context.pickName))
             continue;
         pickMultiline(context, context.first, context.pickName, nullptr);
         context.second = MlinePick();
 
-        const MlineWriteScope scope(context.first, context.second);
-        if (scope.status() != Kald::eOk)
-            continue;
-        context.undoFirst = undoCopyOf(context.first.mline);
-        edit(context);
-        kxedRedraw(nullptr, 4);
+        editWithUndoCopy(context, edit);
     }
     closePicks(context);
     return context.status;
@@ -180,13 +186,8 @@ int runTwoPointLoop(MlineEditContext& context, PointPick kind, const PassEdit& e
             pickMultiline(context, pick, context.pickName, other);
     };
     for (;;) {
-        const Answer first = selectFirst(context, kFirstPointUndoPrompt, kFirstPointPrompt);
-        if (first == Answer::End)
+        if (askFirst(context, kFirstPointUndoPrompt, kFirstPointPrompt, true, false) == Answer::End)
             break;
-        if (first == Answer::Keyword && typedUndo(context) && context.undoFirst) {
-            restoreFrom(context.undoFirst, context.first, true);
-            announceUndo(context);
-        }
         if (!isMultilineEntity(context.pickName))
             continue;
         fill(context.first, nullptr);
@@ -210,12 +211,7 @@ int runTwoPointLoop(MlineEditContext& context, PointPick kind, const PassEdit& e
             break;
         fill(context.second, &context.first);
 
-        const MlineWriteScope scope(context.first, context.second);
-        if (scope.status() != Kald::eOk)
-            continue;
-        context.undoFirst = undoCopyOf(context.first.mline);
-        edit(context);
-        kxedRedraw(nullptr, 4);
+        editWithUndoCopy(context, edit);
     }
     closePicks(context);
     return context.status;

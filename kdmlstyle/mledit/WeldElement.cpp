@@ -33,6 +33,55 @@ int backwardStop(const std::vector<double>& list, double d, bool drawn, double t
     return 0;
 }
 
+// weldElementRuns on an element that gives its point and list at a vertex:
+// only the vertices of the segments from one mark to the other are asked for.
+template <class Element>
+void weldRuns(Element& element, WeldMark a, WeldMark b, double t)
+{
+    const int nv = element.size();
+    if (pointsEqual(a.point, b.point))
+        return;
+    if (a.segment > b.segment || (a.segment == b.segment && a.distance > b.distance))
+        std::swap(a, b);
+    WeldMark& p = a;
+    WeldMark& q = b;
+    if (p.segment + 1 < nv / 2 && pointsEqual(p.point, element.point(p.segment + 1))) {
+        ++p.segment;
+        p.distance = 0.0;
+    }
+    if (q.segment != 0 && pointsEqual(q.point, element.point(q.segment))) {
+        --q.segment;
+        q.distance = pointDistance(element.point(q.segment), q.point);
+    }
+    if (p.segment < 0 || q.segment >= nv || p.segment > q.segment)
+        return;
+    std::vector<double>& listP = element.list(p.segment);
+    std::vector<double>& listQ = element.list(q.segment);
+    if (listP.empty() || listQ.empty())
+        return;
+    const int i = forwardStop(listP, p.distance, runStateAt(listP, p.distance, true, t), t);
+    const int j = backwardStop(listQ, q.distance, runStateAt(listQ, q.distance, false, t), t);
+
+    if (p.segment == q.segment) {
+        if (i <= j)
+            listP.erase(listP.begin() + i, listP.begin() + j + 1);
+        if (listP.size() == 1)
+            listP.push_back(0.0);
+        return;
+    }
+    listP.resize(std::size_t(i));
+    if (listP.size() == 1)
+        listP.push_back(0.0);
+    if (j >= 1)
+        listQ.erase(listQ.begin() + 1, listQ.begin() + j + 1);
+    if (j % 2 == 1)
+        listQ.insert(listQ.begin() + 1, 0.0);
+    for (int u = p.segment + 1; u < q.segment; ++u) {
+        std::vector<double>& list = element.list(u);
+        list = {list.front(), 0.0};
+    }
+}
+
 }  // namespace
 
 void projectMarkForWeld(MlinePick& pick, int k)
@@ -92,62 +141,23 @@ bool markRunState(const MlinePick& pick, bool gap, double t)
 
 void weldElementRuns(const ElementLine& line, ElementRuns& runs, WeldMark a, WeldMark b, double t)
 {
-    const int nv = int(line.size());
-    if (pointsEqual(a.point, b.point) || int(runs.size()) != nv)
+    if (runs.size() != line.size())
         return;
-    if (a.segment > b.segment || (a.segment == b.segment && a.distance > b.distance))
-        std::swap(a, b);
-    WeldMark& p = a;
-    WeldMark& q = b;
-    if (p.segment + 1 < nv / 2 && pointsEqual(p.point, line[std::size_t(p.segment + 1)])) {
-        ++p.segment;
-        p.distance = 0.0;
-    }
-    if (q.segment != 0 && pointsEqual(q.point, line[std::size_t(q.segment)])) {
-        --q.segment;
-        q.distance = pointDistance(line[std::size_t(q.segment)], q.point);
-    }
-    if (p.segment < 0 || q.segment >= nv || p.segment > q.segment)
-        return;
-    std::vector<double>& listP = runs[std::size_t(p.segment)];
-    std::vector<double>& listQ = runs[std::size_t(q.segment)];
-    if (listP.empty() || listQ.empty())
-        return;
-    const int i = forwardStop(listP, p.distance, runStateAt(listP, p.distance, true, t), t);
-    const int j = backwardStop(listQ, q.distance, runStateAt(listQ, q.distance, false, t), t);
-
-    if (p.segment == q.segment) {
-        if (i <= j)
-            listP.erase(listP.begin() + i, listP.begin() + j + 1);
-        if (listP.size() == 1)
-            listP.push_back(0.0);
-        return;
-    }
-    listP.resize(std::size_t(i));
-    if (listP.size() == 1)
-        listP.push_back(0.0);
-    if (j >= 1)
-        listQ.erase(listQ.begin() + 1, listQ.begin() + j + 1);
-    if (j % 2 == 1)
-        listQ.insert(listQ.begin() + 1, 0.0);
-    for (int u = p.segment + 1; u < q.segment; ++u)
-        runs[std::size_t(u)] = {runs[std::size_t(u)].front(), 0.0};
+    ElementLineRuns element{line, runs};
+    weldRuns(element, a, b, t);
 }
 
 void weldElement(MlineEditContext& context, const MlinePick& a, const MlinePick& b)
 {
-    if (!a.mline || !b.mline)
-        return;
+    int elements = 0;
     const int e = a.markElement;
-    const std::vector<ElementLine> lines = buildElementLines(a.mline);
-    if (e < 0 || e >= int(lines.size()))
+    if (!a.mline || !b.mline || !getElementCount(a.mline, elements) || e < 0 || e >= elements)
         return;
     getPickTolerance(context.pickTolerance);
-    const ElementRuns before = readElementRuns(a.mline, e);
-    ElementRuns after = before;
-    weldElementRuns(lines[std::size_t(e)], after, {a.markPoint, a.markDistance, a.markSegment},
-                    {b.markPoint, b.markDistance, b.markSegment}, context.pickTolerance);
-    writeChangedRuns(a.mline, e, before, after);
+    ElementListEdit element(a.mline, e);
+    weldRuns(element, {a.markPoint, a.markDistance, a.markSegment}, {b.markPoint, b.markDistance, b.markSegment},
+             context.pickTolerance);
+    element.writeChanged();
 }
 
 }  // namespace kdml
