@@ -1,6 +1,7 @@
 // Pictures written from drawings: the SVG is well-formed XML holding the
 // expected elements, the PNG has the size asked for and ink where the
-// lines are; a file that cannot be written says why.
+// lines are, and the same pixels however it is painted; a file that cannot
+// be written says why.
 #include "ViewDrawing.h"
 
 #include <gmock/gmock.h>
@@ -16,6 +17,7 @@
 
 #include "kaldo/view/PictureExport.h"
 #include "kaldo/view/PngExport.h"
+#include "kaldo/view/SceneIndex.h"
 #include "kaldo/view/SvgExport.h"
 
 using namespace kaldo::view;
@@ -219,4 +221,20 @@ TEST(Export, PngIsTheSameInAnyNumberOfBands)
         for (const int bands : {2, 3, 7, 1000})
             EXPECT_TRUE(paintScene(scene, {333, background}, bands) == whole) << bands;
     }
+
+    // The scene's index chooses the items to look at: the same picture,
+    // whole or zoomed in on a part with items beyond every edge. Zoomed in,
+    // every line is longer than a pixel, and coarse painting changes nothing.
+    const SceneIndex index(scene);
+    const PictureFrame whole(scene.bounds(), 333);
+    const PictureFrame zoomed(150, 110, whole.scale() * 3, {45, 27});
+    const auto painted = [&](const PictureFrame& frame, const PaintDetail& detail) {
+        QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        paintScene(image, scene, frame, Background::White, 3, detail);
+        return image;
+    };
+    for (const PictureFrame& frame : {whole, zoomed})
+        EXPECT_TRUE(painted(frame, {&index}) == painted(frame, {})) << frame.width();
+    EXPECT_TRUE(painted(zoomed, {&index, true}) == painted(zoomed, {}));
 }
