@@ -70,9 +70,13 @@ public:
         const PenGroups polylines =
             groupByPen(m_scene.polylines(), m_scene.pens().size(), m_near ? &m_near->polylines : nullptr);
         const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size(), m_near ? &m_near->arcs : nullptr);
-        for (const std::size_t p : penOrder()) {
+        const std::vector<std::size_t> order = penOrder();
+        const std::vector<bool> hidden = m_coarse ? hiddenInNarrowGroups(order) : std::vector<bool>();
+        for (const std::size_t p : order) {
             const bool dashed = choosePen(m_scene.pens()[p]);
             for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i) {
+                if (!hidden.empty() && hidden[polylines.order[i]])
+                    continue;
                 const Polyline& polyline = m_scene.polylines()[polylines.order[i]];
                 const PixelBox box = pixelBox(polylines.order[i]);
                 if (!reachesBand(box))
@@ -194,6 +198,30 @@ private:
         };
         std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return key(a) < key(b); });
         return order;
+    }
+
+    // Polylines of groups narrower than a pixel other than those of the
+    // group's pen painted last, which would cover them.
+    std::vector<bool> hiddenInNarrowGroups(const std::vector<std::size_t>& order) const
+    {
+        std::vector<bool> hidden;
+        std::vector<std::size_t> rank(order.size());
+        for (std::size_t r = 0; r < order.size(); ++r)
+            rank[order[r]] = r;
+        const std::vector<Polyline>& polylines = m_scene.polylines();
+        for (const PolylineGroup& group : m_scene.groups()) {
+            if (group.width * m_frame.scale() >= 1)
+                continue;
+            if (hidden.empty())
+                hidden.resize(polylines.size());
+            int top = polylines[group.first].pen;
+            for (std::uint32_t i = group.first + 1; i < group.end; ++i)
+                if (rank[std::size_t(polylines[i].pen)] > rank[std::size_t(top)])
+                    top = polylines[i].pen;
+            for (std::uint32_t i = group.first; i < group.end; ++i)
+                hidden[i] = polylines[i].pen != top;
+        }
+        return hidden;
     }
 
     // Sets the painter's pen; true when it has a dash pattern.

@@ -22,9 +22,10 @@ struct PaintDetail {
     // paints the same pixels.
     const SceneIndex* index = nullptr;
     // Coarse: a continuous line's runs of segments shorter than a pixel are
-    // drawn as one, and an item smaller than a pixel as a dot, so that a
-    // view of a whole large drawing costs less. Lines longer than a pixel
-    // come out the same.
+    // drawn as one, an item smaller than a pixel as a dot, and a multiline
+    // narrower than a pixel by the elements of the pen painted last only,
+    // so that a view of a whole large drawing costs less. Lines longer than
+    // a pixel, of multilines wider than one, come out the same.
     bool coarse = false;
 };
 

@@ -164,6 +164,36 @@ TEST(Export, FailuresSayWhy)
     std::filesystem::permissions(dir.path().toStdString(), std::filesystem::perms::owner_all);
 }
 
+TEST(Export, CoarsePaintingDrawsAMultilineNarrowerThanAPixelByItsLastPen)
+{
+    // Two element lines 0.2 apart, grouped as one multiline; and the red
+    // one alone (red is painted after blue).
+    Scene both;
+    Scene redOnly;
+    const auto element = [](Scene& scene, double offset, std::uint32_t rgb) {
+        scene.beginPolyline(scene.pen({DrawColor::fixed(rgb), 0}));
+        for (const Point2& p : {Point2{0, offset}, Point2{40, 10 + offset}, Point2{80, offset}})
+            scene.addPoint(p);
+        scene.endPolyline();
+    };
+    element(both, 0, 0xFF0000);
+    element(both, 0.2, 0x0000FF);
+    both.groupPolylines(0, 0.2);
+    element(redOnly, 0, 0xFF0000);
+    const auto painted = [](const Scene& scene, double scale, bool coarse) {
+        QImage image(100, 60, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        paintScene(image, scene, PictureFrame(100, 60, scale, {40, 9}), Background::White, 1, {nullptr, coarse});
+        return image;
+    };
+    // A fifth of a pixel wide: the blue element is left out of a coarse
+    // picture only.
+    EXPECT_TRUE(painted(both, 1, true) == painted(redOnly, 1, true));
+    EXPECT_FALSE(painted(both, 1, false) == painted(redOnly, 1, false));
+    // Two pixels wide: both are drawn.
+    EXPECT_FALSE(painted(both, 10, true) == painted(redOnly, 10, true));
+}
+
 TEST(Export, SvgArcsKeepTheirTurn)
 {
     // A quarter circle counter-clockwise from (10,0) to (0,10) and a three
