@@ -1,9 +1,10 @@
 // The window's costs on a drawing of 100 000 multilines: a frame while the
 // rubber band moves (the drawing's picture copied, the drag's multiline, the
 // crosshair and the snap search drawn on top), a redraw after a pan (the
-// drawing painted again); an object snap search among 1 000 000 line
-// segments, and an entity pick among 1 000 000 lines. Frames are timed by the clock on the wall, as painting uses
-// more than one thread.
+// strips it uncovers painted), a redraw after a wheel step in or out at the
+// cursor (the drawing painted again); an object snap search among 1 000 000
+// line segments, and an entity pick among 1 000 000 lines. Frames are timed
+// by the clock on the wall, as painting uses more than one thread.
 #include "ZigzagMultilines.h"
 #include "kaldo/ed/PickIndex.h"
 #include "kaldo/ui/Canvas.h"
@@ -14,6 +15,7 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QWheelEvent>
 
 #include <cstdlib>
 #include <random>
@@ -34,7 +36,8 @@ public:
         canvas_.resize(target_.size());
         auto scene = std::make_shared<const kaldo::view::Scene>(kaldo::view::renderDrawing(*db_));
         auto snaps = std::make_shared<const kaldo::ui::SnapGeometry>(*scene);
-        canvas_.showDrawing({scene, snaps, 1, false, {}});
+        auto index = std::make_shared<const kaldo::view::SceneIndex>(*scene);
+        canvas_.showDrawing({scene, snaps, index, 1, false, {}});
         KxDbMline dragged;
         dragged.setDatabaseDefaults(db_.get());
         for (const KxGePoint3d& p : {KxGePoint3d(100, 100, 0), KxGePoint3d(5000, 100, 0), KxGePoint3d(9000, 4000, 0)})
@@ -90,6 +93,23 @@ void BM_RedrawAfterPan(benchmark::State& state)
     }
 }
 BENCHMARK(BM_RedrawAfterPan)->Unit(benchmark::kMillisecond)->Iterations(10)->UseRealTime();
+
+// Wheel steps in and out in turn, from the whole drawing.
+void BM_RedrawAfterZoom(benchmark::State& state)
+{
+    DragFrame frame;
+    frame.paint();
+    const QPointF at(700, 450);
+    int steps = 120;
+    for (auto _ : state) {
+        QWheelEvent wheel(at, at, {}, {0, steps}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&frame.canvas(), &wheel);
+        steps = -steps;
+        frame.paint();
+        benchmark::DoNotOptimize(frame.target().constBits());
+    }
+}
+BENCHMARK(BM_RedrawAfterZoom)->Unit(benchmark::kMillisecond)->Iterations(10)->UseRealTime();
 
 void BM_SnapAmongAMillionSegments(benchmark::State& state)
 {

@@ -8,11 +8,14 @@
 #include "kaldo/ui/MainWindow.h"
 #include "kaldo/ui/ViewGeometry.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <iostream>
 
@@ -97,7 +100,14 @@ int main(int argc, char** argv)
         std::cerr << "window_screenshot: the picture was not taken\n";
         return 1;
     }
-    runner.stop();
-    waitUntil([&] { return !window.isVisible(); });
-    return 0;
+    // The wall drawn so far is not saved: the question on closing is
+    // answered No.
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, [] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+            box->button(QMessageBox::No)->click();
+    });
+    answer.start(20);
+    window.close();
+    return waitUntil([&] { return !window.isVisible(); }) ? 0 : 1;
 }

@@ -30,6 +30,12 @@ void Editor::redraw(const std::int64_t* entity, int mode)
         redrawListener_(entity, mode);
 }
 
+void Editor::showTextScreen()
+{
+    if (textScreenListener_)
+        textScreenListener_();
+}
+
 void Editor::dragged(const KxDbEntity* entity)
 {
     if (dragListener_)

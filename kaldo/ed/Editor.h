@@ -36,6 +36,8 @@ public:
     using RedrawListener = std::function<void(const std::int64_t* entity, int mode)>;
     // Called while a drag moves its entity with the cursor.
     using DragListener = std::function<void(const KxDbEntity* entity)>;
+    // Called for kxedTextScr: a window shows its larger text window.
+    using TextScreenListener = std::function<void()>;
 
     // What the command line waits for: told to a window each time a prompt
     // starts waiting (not for every cursor motion of a drag).
@@ -66,6 +68,9 @@ public:
     void setDragListener(DragListener listener) { dragListener_ = std::move(listener); }
     void dragged(const KxDbEntity* entity);
     void setRequestListener(RequestListener listener) { requestListener_ = std::move(listener); }
+    void setTextScreenListener(TextScreenListener listener) { textScreenListener_ = std::move(listener); }
+    // Switches to the text screen; nothing to show without a window.
+    void showTextScreen();
 
     // Prompts "\nCommand: " and reads a command word: RTNORM with the word;
     // entities still highlighted are unhighlighted first (kxedRedraw mode 4);
@@ -137,6 +142,7 @@ private:
     RedrawListener redrawListener_;
     DragListener dragListener_;
     RequestListener requestListener_;
+    TextScreenListener textScreenListener_;
     Controls controls_;
     std::optional<std::wstring> keyword_;
     SystemVariables variables_;

@@ -173,7 +173,10 @@ int kxutPrintf(const wchar_t* format, ...)
 
 int kxedTextScr()
 {
-    return currentEditor() ? RTNORM : RTERROR;
+    if (!currentEditor())
+        return RTERROR;
+    currentEditor()->showTextScreen();
+    return RTNORM;
 }
 
 int kxedRedraw(const kxds_name entity, int mode)

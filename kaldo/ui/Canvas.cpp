@@ -189,6 +189,7 @@ const QImage& Canvas::drawingPicture()
     scaled.widthPixels = pixels.width();
     scaled.heightPixels = pixels.height();
     const view::PictureFrame frame = frameOf(scaled);
+    const view::PaintDetail detail{drawing_.index.get(), true};
     // A pan by whole pixels moves the picture and paints the strips it
     // uncovers only.
     const double shiftX = (pictureFor_.centre.x - placement_.centre.x) / scaled.unitsPerPixel;
@@ -208,7 +209,7 @@ const QImage& Canvas::drawingPicture()
         QRegion uncovered(QRect(QPoint(0, 0), pixels));
         uncovered -= QRect(QPoint(dx, dy), pixels);
         painter.setClipRegion(uncovered);
-        view::paintScene(painter, *drawing_.scene, frame, kBackground, uncovered);
+        view::paintScene(painter, *drawing_.scene, frame, kBackground, uncovered, detail);
         painter.end();
         picture_ = std::move(moved);
     } else {
@@ -218,7 +219,7 @@ const QImage& Canvas::drawingPicture()
         constexpr int kMostBands = 4;
         if (drawing_.scene)
             view::paintScene(picture_, *drawing_.scene, frame, kBackground,
-                             std::clamp(int(std::thread::hardware_concurrency()), 1, kMostBands));
+                             std::clamp(int(std::thread::hardware_concurrency()), 1, kMostBands), detail);
     }
     picture_.setDevicePixelRatio(ratio);
     pictureFor_ = placement_;

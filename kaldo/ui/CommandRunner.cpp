@@ -25,6 +25,7 @@ CommandRunner::CommandRunner(Session& session) : session_(session)
     editor.setRequestListener([this](const Editor::InputRequest& request) { requested(request); });
     editor.setRedrawListener([this](const std::int64_t* entity, int mode) { redrawn(entity, mode); });
     editor.setDragListener([this](const KxDbEntity* entity) { dragged(entity); });
+    editor.setTextScreenListener([this] { emitOnGui([this] { emit textScreenRequested(); }); });
     editor.view().setListener([this](const ViewPlacement& placement) {
         emitOnGui([this, placement] { emit viewPlaced(placement); });
     });
@@ -42,6 +43,7 @@ CommandRunner::~CommandRunner()
     editor.setRequestListener({});
     editor.setRedrawListener({});
     editor.setDragListener({});
+    editor.setTextScreenListener({});
     editor.view().setListener({});
 }
 
@@ -106,11 +108,12 @@ void CommandRunner::publishIfChanged()
             session_.editor().write(L"\nNot drawn in the window: " + kinds + L".\n");
         }
         published_.snaps = std::make_shared<const SnapGeometry>(*scene);
+        published_.index = std::make_shared<const view::SceneIndex>(*scene);
         published_.scene = std::move(scene);
     }
     published_ = {&db, session_.drawingSerial(), db.changeCount(), modified, path, published_.scene,
-                  published_.snaps, true};
-    PublishedDrawing drawing{published_.scene, published_.snaps, session_.drawingSerial(), modified,
+                  published_.snaps, published_.index, true};
+    PublishedDrawing drawing{published_.scene, published_.snaps, published_.index, session_.drawingSerial(), modified,
                              QString::fromStdWString(path)};
     emitOnGui([this, drawing] { emit drawingPublished(drawing); });
 }

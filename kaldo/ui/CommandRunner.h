@@ -5,12 +5,13 @@
 // transcript, the drawing's scene (rendered on the command thread whenever
 // the drawing changed and the queue ran dry), the drag's entity and the
 // highlighted entities as scenes of their own, what the command line waits
-// for, and views placed by ZOOM.
+// for, views placed by ZOOM, and requests for the text window.
 #pragma once
 
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
 #include "kaldo/ui/ObjectSnaps.h"
+#include "kaldo/view/SceneIndex.h"
 #include "kxdbid.h"
 
 #include <QObject>
@@ -36,6 +37,7 @@ namespace kaldo::ui {
 struct PublishedDrawing {
     std::shared_ptr<const view::Scene> scene;
     std::shared_ptr<const SnapGeometry> snaps;
+    std::shared_ptr<const view::SceneIndex> index;  // where the scene's items lie
     unsigned serial = 0;  // grows when another drawing is opened
     bool modified = false;
     QString path;  // empty for a drawing never saved
@@ -88,6 +90,7 @@ signals:
     void highlightChanged(std::shared_ptr<const kaldo::view::Scene> scene);
     void inputRequested(const kaldo::ui::InputState& state);
     void viewPlaced(const kaldo::ViewPlacement& placement);
+    void textScreenRequested();
     void loopEnded();
 
 private:
@@ -121,6 +124,7 @@ private:
         std::wstring path;
         std::shared_ptr<const view::Scene> scene;
         std::shared_ptr<const SnapGeometry> snaps;
+        std::shared_ptr<const view::SceneIndex> index;
         bool valid = false;
     } published_;
     std::vector<KxDbObjectId> highlighted_;

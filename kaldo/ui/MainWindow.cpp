@@ -43,18 +43,21 @@ std::vector<unsigned char> fromBytes(const QByteArray& bytes)
 }  // namespace
 
 MainWindow::MainWindow(CommandRunner& runner)
-    : runner_(runner), canvas_(new Canvas(this)), commandLine_(new CommandLine(this)), coordinates_(new QLabel(this))
+    : runner_(runner),
+      canvas_(new Canvas(this)),
+      commandLine_(new CommandLine(this)),
+      commandDock_(new QDockWidget(tr("Command Line"), this)),
+      coordinates_(new QLabel(this))
 {
     setObjectName("kaldoWindow");
     setCentralWidget(canvas_);
-    auto* dock = new QDockWidget(tr("Command Line"), this);
-    dock->setObjectName("commandLineDock");
-    dock->setWidget(commandLine_);
-    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    commandDock_->setObjectName("commandLineDock");
+    commandDock_->setWidget(commandLine_);
+    addDockWidget(Qt::BottomDockWidgetArea, commandDock_);
     canvas_->setFocusProxy(commandLine_->input());
     coordinates_->setMinimumWidth(260);
     statusBar()->addWidget(coordinates_);
-    buildActions(dock);
+    buildActions();
     connectRunner();
     resize(1200, 800);
     restoreSettings();
@@ -63,7 +66,7 @@ MainWindow::MainWindow(CommandRunner& runner)
     commandLine_->input()->setFocus();
 }
 
-void MainWindow::buildActions(QDockWidget* dock)
+void MainWindow::buildActions()
 {
     const auto command = [this](QMenu* menu, QToolBar* bar, const QString& text, const QString& name,
                                 const QKeySequence& key = {}) {
@@ -107,13 +110,9 @@ void MainWindow::buildActions(QDockWidget* dock)
     command(view, nullptr, tr("Zoom &Window"), QStringLiteral("_ZOOM _W"));
     command(view, nullptr, tr("Zoom &Previous"), QStringLiteral("_ZOOM _P"));
     bar->addAction(view->actions().front());
-    view->addAction(dock->toggleViewAction());
-    // F2: the command line floats as a larger text window, and docks again.
-    QAction* textWindow = view->addAction(tr("&Text Window"), this, [dock] {
-        dock->setFloating(!dock->isFloating());
-        if (dock->isFloating())
-            dock->resize(900, 500);
-    });
+    view->addAction(commandDock_->toggleViewAction());
+    QAction* textWindow =
+        view->addAction(tr("&Text Window"), this, [this] { showTextWindow(!commandDock_->isFloating()); });
     textWindow->setShortcut(Qt::Key_F2);
     textWindow->setShortcutContext(Qt::ApplicationShortcut);
     view->addSeparator();
@@ -143,6 +142,7 @@ void MainWindow::connectRunner()
     connect(&runner_, &CommandRunner::dragSceneChanged, canvas_, &Canvas::showDragScene);
     connect(&runner_, &CommandRunner::highlightChanged, canvas_, &Canvas::showHighlight);
     connect(&runner_, &CommandRunner::viewPlaced, canvas_, &Canvas::setPlacement);
+    connect(&runner_, &CommandRunner::textScreenRequested, this, [this] { showTextWindow(true); });
     connect(&runner_, &CommandRunner::inputRequested, this, [this](const InputState& state) {
         input_ = state;
         canvas_->setInputState(state);
@@ -205,6 +205,16 @@ void MainWindow::showCoordinates(const view::Point2& world)
         return QString::fromStdWString(formatDistance(value, input_.linearUnits, input_.linearPrecision, 0));
     };
     coordinates_->setText(format(x) + QStringLiteral(", ") + format(y));
+}
+
+void MainWindow::showTextWindow(bool show)
+{
+    commandDock_->show();
+    if (show == commandDock_->isFloating())
+        return;
+    commandDock_->setFloating(show);
+    if (show)
+        commandDock_->resize(900, 500);
 }
 
 void MainWindow::rememberRecent(const QString& path)

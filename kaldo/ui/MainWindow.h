@@ -49,12 +49,14 @@ protected:
 private:
     enum class SaveFirst { Yes, No, Cancel };
 
-    void buildActions(QDockWidget* dock);
+    void buildActions();
     void connectRunner();
     void restoreSettings();
     void storeSettings();
     void drawingPublished(const PublishedDrawing& drawing);
     void showCoordinates(const view::Point2& world);
+    // The command line floats as a larger text window, or docks again.
+    void showTextWindow(bool show);
     void rememberRecent(const QString& path);
     void rebuildRecentMenu();
 
@@ -75,6 +77,7 @@ private:
     CommandRunner& runner_;
     Canvas* canvas_;
     CommandLine* commandLine_;
+    QDockWidget* commandDock_;
     QLabel* coordinates_;
     QAction* snapAction_ = nullptr;
     QAction* orthoAction_ = nullptr;

@@ -1,6 +1,7 @@
 #include "kaldo/view/MlineRenderer.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/view/ColorPalette.h"
@@ -38,9 +39,22 @@ void MlineRenderer::draw(const KxDbMline& mline, const KxDbMlineStyle* style, co
     if (style)
         m_fillColor = drawColor(style->fillColor(), layer.color);
     m_mline = &mline;
+    const auto first = static_cast<std::uint32_t>(m_pens.scene().polylines().size());
     m_pieces.collect(mline, style, *this);
     endOpenPolyline(false);
     m_mline = nullptr;
+    if (style && style->numElements() > 0) {
+        double lowest = 0, highest = 0;
+        for (int e = 0; e < style->numElements(); ++e) {
+            double offset = 0;
+            KxCmColor color;
+            KxDbObjectId linetype;
+            style->getElementAt(e, offset, color, linetype);
+            lowest = e == 0 ? offset : std::min(lowest, offset);
+            highest = e == 0 ? offset : std::max(highest, offset);
+        }
+        m_pens.scene().groupPolylines(first, (highest - lowest) * std::abs(mline.scale()));
+    }
 }
 
 void MlineRenderer::choosePens(const KxDbMline& mline, const KxDbMlineStyle* style, const LayerLook& layer)

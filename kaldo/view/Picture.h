@@ -31,6 +31,8 @@ public:
     double scale() const { return m_scale; }  // pixels per drawing unit
     double x(double worldX) const { return m_originX + worldX * m_scale; }
     double y(double worldY) const { return m_originY - worldY * m_scale; }
+    double worldX(double x) const { return (x - m_originX) / m_scale; }
+    double worldY(double y) const { return (m_originY - y) / m_scale; }
 
 private:
     int m_width = 0;
@@ -54,24 +56,28 @@ struct PixelDashes {
 PixelDashes pixelDashes(const LinePattern& pattern, double scale);
 
 // Indices of items (polylines or arcs) grouped by pen: those of pen p are
-// order[starts[p]] .. order[starts[p + 1] - 1], in scene order.
+// order[starts[p]] .. order[starts[p + 1] - 1], in scene order. Only the
+// items listed in chosen (in scene order) when it is given.
 struct PenGroups {
     std::vector<std::uint32_t> starts;
     std::vector<std::uint32_t> order;
 };
 template <class Item>
-PenGroups groupByPen(const std::vector<Item>& items, std::size_t penCount)
+PenGroups groupByPen(const std::vector<Item>& items, std::size_t penCount,
+                     const std::vector<std::uint32_t>* chosen = nullptr)
 {
+    const std::size_t count = chosen ? chosen->size() : items.size();
+    const auto itemAt = [&](std::size_t i) { return chosen ? (*chosen)[i] : static_cast<std::uint32_t>(i); };
     PenGroups groups;
     groups.starts.assign(penCount + 1, 0);
-    for (const Item& item : items)
-        ++groups.starts[std::size_t(item.pen) + 1];
+    for (std::size_t i = 0; i < count; ++i)
+        ++groups.starts[std::size_t(items[itemAt(i)].pen) + 1];
     for (std::size_t p = 0; p < penCount; ++p)
         groups.starts[p + 1] += groups.starts[p];
-    groups.order.resize(items.size());
+    groups.order.resize(count);
     std::vector<std::uint32_t> next(groups.starts.begin(), groups.starts.end() - 1);
-    for (std::size_t i = 0; i < items.size(); ++i)
-        groups.order[next[std::size_t(items[i].pen)]++] = static_cast<std::uint32_t>(i);
+    for (std::size_t i = 0; i < count; ++i)
+        groups.order[next[std::size_t(items[itemAt(i)].pen)]++] = itemAt(i);
     return groups;
 }
 

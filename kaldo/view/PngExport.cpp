@@ -9,12 +9,14 @@
 #include <limits>
 #include <numbers>
 #include <numeric>
+#include <optional>
 #include <tuple>
 #include <thread>
 #include <vector>
 
 #include "kaldo/view/HugePages.h"
 #include "kaldo/view/SaveFile.h"
+#include "kaldo/view/SceneIndex.h"
 
 namespace kaldo::view {
 
@@ -33,33 +35,69 @@ struct Band {
     double right = std::numeric_limits<double>::infinity();
 };
 
+// The extent of some points in pixels.
+struct PixelBox {
+    double top = std::numeric_limits<double>::infinity();
+    double bottom = -std::numeric_limits<double>::infinity();
+    double left = std::numeric_limits<double>::infinity();
+    double right = -std::numeric_limits<double>::infinity();
+    bool underAPixel() const { return bottom - top < 1 && right - left < 1; }
+};
+
 // Paints the part of a scene that falls in some areas of the picture;
-// only items reaching one of them are drawn, in scene order.
+// only items reaching one of them are drawn, in scene order. With the
+// scene's index only the items it finds near the areas are looked at.
 class ScenePainter {
 public:
     ScenePainter(const Scene& scene, Background background, QPainter& painter, const PictureFrame& frame,
-                 std::vector<Band> bands)
-        : m_scene(scene), m_background(background), m_frame(frame), m_bands(std::move(bands)), m_painter(painter)
+                 std::vector<Band> bands, const PaintDetail& detail)
+        : m_scene(scene),
+          m_background(background),
+          m_frame(frame),
+          m_bands(std::move(bands)),
+          m_painter(painter),
+          m_coarse(detail.coarse),
+          m_index(detail.index)
     {
         m_lines.reserve(kBatch);
+        if (m_index)
+            m_near = m_index->near(bandBoxes());
     }
 
     void paint()
     {
         paintFills();
-        const PenGroups polylines = groupByPen(m_scene.polylines(), m_scene.pens().size());
-        const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size());
-        for (const std::size_t p : penOrder()) {
+        const PenGroups polylines =
+            groupByPen(m_scene.polylines(), m_scene.pens().size(), m_near ? &m_near->polylines : nullptr);
+        const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size(), m_near ? &m_near->arcs : nullptr);
+        const std::vector<std::size_t> order = penOrder();
+        const std::vector<bool> hidden = m_coarse ? hiddenInNarrowGroups(order) : std::vector<bool>();
+        for (const std::size_t p : order) {
             const bool dashed = choosePen(m_scene.pens()[p]);
             for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i) {
+                if (!hidden.empty() && hidden[polylines.order[i]])
+                    continue;
                 const Polyline& polyline = m_scene.polylines()[polylines.order[i]];
-                if (reachesBand(polyline.first, polyline.count))
+                const PixelBox box = pixelBox(polylines.order[i]);
+                if (!reachesBand(box))
+                    continue;
+                if (m_coarse && box.underAPixel())
+                    addDot(pixel(m_scene.points()[polyline.first]));
+                else
                     dashed ? paintDashed(polyline) : addSegments(polyline);
             }
             flushSegments();
-            for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i)
-                if (const Arc& arc = m_scene.arcs()[arcs.order[i]]; reachesBand(arc))
+            for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i) {
+                const Arc& arc = m_scene.arcs()[arcs.order[i]];
+                const PixelBox box = pixelBox(arc);
+                if (!reachesBand(box))
+                    continue;
+                if (m_coarse && box.underAPixel())
+                    addDot(pixel(arc.centre));
+                else
                     paintArc(arc);
+            }
+            flushSegments();
         }
     }
 
@@ -71,48 +109,71 @@ private:
 
     QPointF pixel(const Point2& p) const { return {m_frame.x(p.x), m_frame.y(p.y)}; }
 
-    bool reachesBand(double top, double bottom, double left, double right) const
+    // The bands within the picture, widened by the reach and a pixel more,
+    // in drawing units.
+    std::vector<Box> bandBoxes() const
+    {
+        constexpr double kMargin = kReach + 1;
+        std::vector<Box> boxes;
+        for (const Band& band : m_bands) {
+            const double left = m_frame.worldX(std::max(band.left, 0.0) - kMargin);
+            const double right = m_frame.worldX(std::min(band.right, double(m_frame.width())) + kMargin);
+            const double top = m_frame.worldY(band.top - kMargin);
+            const double bottom = m_frame.worldY(band.bottom + kMargin);
+            boxes.push_back({std::min(left, right), std::min(top, bottom), std::max(left, right), std::max(top, bottom)});
+        }
+        return boxes;
+    }
+
+    bool reachesBand(const PixelBox& box) const
     {
         return std::any_of(m_bands.begin(), m_bands.end(), [&](const Band& band) {
-            return bottom >= band.top - kReach && top < band.bottom + kReach && right >= band.left - kReach
-                && left < band.right + kReach;
+            return box.bottom >= band.top - kReach && box.top < band.bottom + kReach
+                && box.right >= band.left - kReach && box.left < band.right + kReach;
         });
     }
 
     // Points that are not numbers leave the rows they span alone: the
     // painter draws nothing for them.
-    bool reachesBand(std::uint32_t first, std::uint32_t count) const
+    PixelBox pixelBox(std::uint32_t first, std::uint32_t count) const
     {
-        double top = std::numeric_limits<double>::infinity();
-        double bottom = -top;
-        double left = top;
-        double right = -top;
+        PixelBox box;
         for (const Point2* p = m_scene.points().data() + first; p != m_scene.points().data() + first + count; ++p) {
             const double y = m_frame.y(p->y);
-            top = std::min(top, y);
-            bottom = std::max(bottom, y);
+            box.top = std::min(box.top, y);
+            box.bottom = std::max(box.bottom, y);
             const double x = m_frame.x(p->x);
-            left = std::min(left, x);
-            right = std::max(right, x);
+            box.left = std::min(box.left, x);
+            box.right = std::max(box.right, x);
         }
-        return reachesBand(top, bottom, left, right);
+        return box;
     }
 
-    bool reachesBand(const Arc& arc) const
+    // From the index's box when it knows it.
+    PixelBox pixelBox(std::uint32_t polyline) const
+    {
+        if (const Box* box = m_index ? m_index->polylineBox(polyline) : nullptr)
+            return {m_frame.y(box->maxY), m_frame.y(box->minY), m_frame.x(box->minX), m_frame.x(box->maxX)};
+        return pixelBox(m_scene.polylines()[polyline].first, m_scene.polylines()[polyline].count);
+    }
+
+    PixelBox pixelBox(const Arc& arc) const
     {
         const double x = m_frame.x(arc.centre.x);
         const double y = m_frame.y(arc.centre.y);
         const double radius = std::abs(arc.radius * m_frame.scale());
-        return reachesBand(y - radius, y + radius, x - radius, x + radius);
+        return {y - radius, y + radius, x - radius, x + radius};
     }
 
     void paintFills()
     {
+        const std::size_t count = m_near ? m_near->polygons.size() : m_scene.polygons().size();
         for (const DrawColor& color : fillColors(m_scene)) {
             QPainterPath path;
             path.setFillRule(Qt::WindingFill);
-            for (const Polygon& polygon : m_scene.polygons()) {
-                if (!(polygon.color == color) || !reachesBand(polygon.first, polygon.count))
+            for (std::size_t i = 0; i < count; ++i) {
+                const Polygon& polygon = m_scene.polygons()[m_near ? m_near->polygons[i] : i];
+                if (!(polygon.color == color) || !reachesBand(pixelBox(polygon.first, polygon.count)))
                     continue;
                 path.moveTo(pixel(m_scene.points()[polygon.first]));
                 for (std::uint32_t i = 1; i < polygon.count; ++i)
@@ -139,6 +200,30 @@ private:
         return order;
     }
 
+    // Polylines of groups narrower than a pixel other than those of the
+    // group's pen painted last, which would cover them.
+    std::vector<bool> hiddenInNarrowGroups(const std::vector<std::size_t>& order) const
+    {
+        std::vector<bool> hidden;
+        std::vector<std::size_t> rank(order.size());
+        for (std::size_t r = 0; r < order.size(); ++r)
+            rank[order[r]] = r;
+        const std::vector<Polyline>& polylines = m_scene.polylines();
+        for (const PolylineGroup& group : m_scene.groups()) {
+            if (group.width * m_frame.scale() >= 1)
+                continue;
+            if (hidden.empty())
+                hidden.resize(polylines.size());
+            int top = polylines[group.first].pen;
+            for (std::uint32_t i = group.first + 1; i < group.end; ++i)
+                if (rank[std::size_t(polylines[i].pen)] > rank[std::size_t(top)])
+                    top = polylines[i].pen;
+            for (std::uint32_t i = group.first; i < group.end; ++i)
+                hidden[i] = polylines[i].pen != top;
+        }
+        return hidden;
+    }
+
     // Sets the painter's pen; true when it has a dash pattern.
     bool choosePen(const Pen& pen)
     {
@@ -157,15 +242,18 @@ private:
         return !dashes.lengths.empty();
     }
 
-    // Continuous lines go to the painter as batches of separate segments.
+    // Continuous lines go to the painter as batches of separate segments;
+    // coarse, a point that lies within a pixel of the last one drawn to is
+    // passed over, unless it ends the line.
     void addSegments(const Polyline& polyline)
     {
         const Point2* points = m_scene.points().data() + polyline.first;
+        const std::uint32_t end = polyline.closed ? polyline.count + 1 : polyline.count;
         QPointF from = pixel(points[0]);
-        for (std::uint32_t i = 1; i <= polyline.count; ++i) {
-            if (i == polyline.count && !polyline.closed)
-                break;
+        for (std::uint32_t i = 1; i < end; ++i) {
             const QPointF to = pixel(points[i % polyline.count]);
+            if (m_coarse && i + 1 < end && std::abs(to.x() - from.x()) < 1 && std::abs(to.y() - from.y()) < 1)
+                continue;
             m_lines.emplace_back(from, to);
             from = to;
             if (m_lines.size() == kBatch)
@@ -173,11 +261,21 @@ private:
         }
     }
 
+    void addDot(const QPointF& at)
+    {
+        m_dots.push_back(at);
+        if (m_dots.size() == kBatch)
+            flushSegments();
+    }
+
     void flushSegments()
     {
         if (!m_lines.empty())
             m_painter.drawLines(m_lines.data(), int(m_lines.size()));
         m_lines.clear();
+        if (!m_dots.empty())
+            m_painter.drawPoints(m_dots.data(), int(m_dots.size()));
+        m_dots.clear();
     }
 
     // Dashed lines go whole, so that the pattern runs on across vertices.
@@ -210,26 +308,31 @@ private:
     QPainter& m_painter;
     std::vector<QLineF> m_lines;
     std::vector<QPointF> m_points;
+    std::vector<QPointF> m_dots;
+    bool m_coarse;
+    const SceneIndex* m_index;
+    std::optional<SceneItems> m_near;
 };
 
 }  // namespace
 
 void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background, int top,
-                int bottom)
+                int bottom, const PaintDetail& detail)
 {
-    ScenePainter(scene, background, painter, frame, {Band{double(top), double(bottom)}}).paint();
+    ScenePainter(scene, background, painter, frame, {Band{double(top), double(bottom)}}, detail).paint();
 }
 
 void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background,
-                const QRegion& area)
+                const QRegion& area, const PaintDetail& detail)
 {
     std::vector<Band> bands;
     for (const QRect& rect : area)
         bands.push_back({double(rect.top()), double(rect.bottom() + 1), double(rect.left()), double(rect.right() + 1)});
-    ScenePainter(scene, background, painter, frame, std::move(bands)).paint();
+    ScenePainter(scene, background, painter, frame, std::move(bands), detail).paint();
 }
 
-void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands)
+void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands,
+                const PaintDetail& detail)
 {
     bands = std::clamp(bands, 1, std::max(1, image.height()));
     // Each band's painter works on its own image over the same pixels. It
@@ -244,7 +347,7 @@ void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Ba
         QPainter painter(&view);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setClipRect(QRect(0, top, image.width(), bottom - top));
-        paintScene(painter, scene, frame, background, top, bottom);
+        paintScene(painter, scene, frame, background, top, bottom, detail);
     };
     std::vector<std::jthread> others;
     for (int b = 1; b < bands; ++b)

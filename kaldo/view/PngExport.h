@@ -13,19 +13,36 @@
 
 namespace kaldo::view {
 
+class SceneIndex;
+
+// How painting chooses what to look at and how finely it draws.
+struct PaintDetail {
+    // The scene's index: only the items near the painted area within the
+    // frame are looked at (the painter must be clipped to the frame), which
+    // paints the same pixels.
+    const SceneIndex* index = nullptr;
+    // Coarse: a continuous line's runs of segments shorter than a pixel are
+    // drawn as one, an item smaller than a pixel as a dot, and a multiline
+    // narrower than a pixel by the elements of the pen painted last only,
+    // so that a view of a whole large drawing costs less. Lines longer than
+    // a pixel, of multilines wider than one, come out the same.
+    bool coarse = false;
+};
+
 // Paints a scene with painter as frame places it, drawing only the items
 // that reach rows top to bottom - 1. The painter's clip, pen and brush are
 // the caller's; pens and brushes are changed.
 void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background, int top,
-                int bottom);
+                int bottom, const PaintDetail& detail = {});
 // The same for the items that reach area (pixels).
 void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame, Background background,
-                const QRegion& area);
+                const QRegion& area, const PaintDetail& detail = {});
 
 // Paints a scene over image, as frame places it, in horizontal bands of
 // rows, each by a thread of its own; it comes out the same for any number
-// of bands.
-void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands);
+// of bands, and with or without the scene's index.
+void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands,
+                const PaintDetail& detail = {});
 // A picture of the whole scene, painted in bands.
 QImage paintScene(const Scene& scene, const PictureOptions& options, int bands);
 // As many bands as the machine has processors, up to four.

@@ -88,6 +88,13 @@ void Scene::endPolygon(const DrawColor& color)
     m_polygons.push_back({static_cast<std::uint32_t>(m_openFirst), static_cast<std::uint32_t>(count), color});
 }
 
+void Scene::groupPolylines(std::uint32_t first, double width)
+{
+    const auto end = static_cast<std::uint32_t>(m_polylines.size());
+    if (end - first > 1)
+        m_groups.push_back({first, end, width});
+}
+
 Bounds Scene::bounds() const
 {
     Bounds b;

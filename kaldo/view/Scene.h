@@ -57,6 +57,15 @@ struct Polygon {
     DrawColor color;
 };
 
+// Consecutive polylines [first, end) that draw one multiline, and its width
+// in drawing units: narrower than a pixel, a coarse picture draws only the
+// polylines of one of its pens.
+struct PolylineGroup {
+    std::uint32_t first = 0;
+    std::uint32_t end = 0;
+    double width = 0;
+};
+
 // Points that are not finite numbers do not count.
 struct Bounds {
     double minX = 0, minY = 0, maxX = 0, maxY = 0;
@@ -91,6 +100,9 @@ public:
     const std::vector<Polygon>& polygons() const { return m_polygons; }
     const std::vector<Pen>& pens() const { return m_pens; }
     const std::vector<LinePattern>& patterns() const { return m_patterns; }
+    const std::vector<PolylineGroup>& groups() const { return m_groups; }
+    // Groups the polylines added since first.
+    void groupPolylines(std::uint32_t first, double width);
 
     // The extents of everything drawn.
     Bounds bounds() const;
@@ -104,6 +116,7 @@ private:
     std::vector<Polygon> m_polygons;
     std::vector<Pen> m_pens;
     std::vector<LinePattern> m_patterns;
+    std::vector<PolylineGroup> m_groups;
     std::size_t m_openFirst = 0;
     int m_openPen = 0;
 };

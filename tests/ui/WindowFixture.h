@@ -27,6 +27,7 @@ protected:
     kaldo::ui::Canvas& canvas() { return *window_->canvas(); }
     std::string dir() const { return temp_.path().toStdString(); }
     bool loopRunning() const { return runner_->running(); }
+    kaldo::ui::CommandRunner& runner() { return *runner_; }
 
     // Types a line into the command line and presses Enter (an empty line
     // is Enter alone).

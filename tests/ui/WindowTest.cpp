@@ -1,6 +1,7 @@
 // The main window driven by mouse and keys as a user would: points by
-// clicks with snaps, picks for the editing tools, the command line's keys,
-// zoom and pan, and the unsaved-changes question.
+// clicks with snaps, picks for the editing tools, the command line's keys
+// and text window, zoom and pan, recent files and the progress window, and
+// the unsaved-changes question.
 #include "WindowFixture.h"
 
 #include "../e2e/EzdxfReport.h"
@@ -10,17 +11,25 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QDockWidget>
 #include <QFile>
 #include <QJsonArray>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cmath>
 #include <functional>
+#include <thread>
 
 namespace {
 
@@ -187,6 +196,27 @@ TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
     ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().startsWith(before + "Undo\n"); }, 5000));
     press(Qt::Key_Escape);
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+
+    // F2 floats the command line as the larger text window and docks it
+    // again; MLINE's style listing opens the text window itself.
+    auto* dock = window().findChild<QDockWidget*>("commandLineDock");
+    ASSERT_NE(dock, nullptr);
+    press(Qt::Key_F2);
+    EXPECT_TRUE(dock->isFloating());
+    press(Qt::Key_F2);
+    EXPECT_FALSE(dock->isFloating());
+    type("MLINE");
+    type("ST");
+    ASSERT_TRUE(waitForPrompt("Enter mline style name or [?]: ", Kind::Text));
+    EXPECT_FALSE(dock->isFloating());
+    type("?");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return dock->isFloating(); }, 5000));
+    EXPECT_TRUE(transcript().contains("\nSTANDARD"));
+    // Escape ends the style option, then the command.
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
 }
 
 TEST_F(Window, ZoomAtTheCursorKeepsItsPointPanFollowsTheMouseAndZoomPreviousGoesBack)
@@ -281,6 +311,58 @@ TEST_F(Window, UnsavedChangesAreAskedForOnClose)
     const kaldo::Profile profile(dir() + "/kaldo.ini");
     EXPECT_EQ(profile.getString(L"Window", L"Recent1"), std::optional(std::filesystem::path(path).wstring()));
     EXPECT_TRUE(profile.getBinary(L"Window", L"Geometry").has_value());
+}
+
+// Files opened or saved are listed latest first under File > Recent Files,
+// and one is opened by clicking it there. Work on the command thread that
+// lasts longer than half a second shows a progress window without Cancel
+// until it is done; a held command thread makes the opening last.
+TEST_F(Window, RecentFilesOpenFromTheMenuWithAProgressWindowWhileOpeningLasts)
+{
+    const QString first = QString::fromStdString(dir() + "/first.dxf");
+    const QString second = QString::fromStdString(dir() + "/second.dxf");
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
+    ASSERT_TRUE(saveAs(first.toStdString()));
+    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(saveAs(second.toStdString()));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().modified && window().recentFiles().size() == 2; }, 5000));
+    EXPECT_EQ(window().recentFiles(), QStringList({second, first}));
+
+    QMenu* recent = nullptr;
+    for (QMenu* menu : window().menuBar()->findChildren<QMenu*>())
+        if (menu->title() == "Recent Files")
+            recent = menu;
+    ASSERT_NE(recent, nullptr);
+    ASSERT_EQ(recent->actions().size(), 2);
+    EXPECT_EQ(recent->actions()[0]->text(), "second.dxf");
+    QAction* firstEntry = recent->actions()[1];
+    EXPECT_EQ(firstEntry->text(), "first.dxf");
+
+    std::atomic<bool> held = true;
+    runner().post([&held] {
+        while (held)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    });
+    const unsigned serial = window().drawing().serial;
+    recent->popup(window().mapToGlobal(QPoint(20, 20)));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(recent));
+    QTest::mouseClick(recent, Qt::LeftButton, {}, recent->actionGeometry(firstEntry).center());
+    QProgressDialog* progress = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            progress = window().findChild<QProgressDialog*>();
+            return progress && progress->isVisible();
+        },
+        5000));
+    EXPECT_EQ(progress->labelText(), "Opening first.dxf...");
+    EXPECT_TRUE(progress->findChildren<QPushButton*>().isEmpty());
+    EXPECT_EQ(window().drawing().serial, serial);
+    held = false;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, 5000));
+    EXPECT_EQ(window().drawing().path, first);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window().findChild<QProgressDialog*>(); }, 5000));
+    EXPECT_EQ(window().recentFiles(), QStringList({first, second}));
+    EXPECT_EQ(recent->actions()[0]->text(), "first.dxf");
 }
 
 TEST_F(Window, QuitTypedWithUnsavedChangesAsksAndSaves)

@@ -1,6 +1,7 @@
 // Pictures written from drawings: the SVG is well-formed XML holding the
 // expected elements, the PNG has the size asked for and ink where the
-// lines are; a file that cannot be written says why.
+// lines are, and the same pixels however it is painted; a file that cannot
+// be written says why.
 #include "ViewDrawing.h"
 
 #include <gmock/gmock.h>
@@ -16,6 +17,7 @@
 
 #include "kaldo/view/PictureExport.h"
 #include "kaldo/view/PngExport.h"
+#include "kaldo/view/SceneIndex.h"
 #include "kaldo/view/SvgExport.h"
 
 using namespace kaldo::view;
@@ -162,6 +164,36 @@ TEST(Export, FailuresSayWhy)
     std::filesystem::permissions(dir.path().toStdString(), std::filesystem::perms::owner_all);
 }
 
+TEST(Export, CoarsePaintingDrawsAMultilineNarrowerThanAPixelByItsLastPen)
+{
+    // Two element lines 0.2 apart, grouped as one multiline; and the red
+    // one alone (red is painted after blue).
+    Scene both;
+    Scene redOnly;
+    const auto element = [](Scene& scene, double offset, std::uint32_t rgb) {
+        scene.beginPolyline(scene.pen({DrawColor::fixed(rgb), 0}));
+        for (const Point2& p : {Point2{0, offset}, Point2{40, 10 + offset}, Point2{80, offset}})
+            scene.addPoint(p);
+        scene.endPolyline();
+    };
+    element(both, 0, 0xFF0000);
+    element(both, 0.2, 0x0000FF);
+    both.groupPolylines(0, 0.2);
+    element(redOnly, 0, 0xFF0000);
+    const auto painted = [](const Scene& scene, double scale, bool coarse) {
+        QImage image(100, 60, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        paintScene(image, scene, PictureFrame(100, 60, scale, {40, 9}), Background::White, 1, {nullptr, coarse});
+        return image;
+    };
+    // A fifth of a pixel wide: the blue element is left out of a coarse
+    // picture only.
+    EXPECT_TRUE(painted(both, 1, true) == painted(redOnly, 1, true));
+    EXPECT_FALSE(painted(both, 1, false) == painted(redOnly, 1, false));
+    // Two pixels wide: both are drawn.
+    EXPECT_FALSE(painted(both, 10, true) == painted(redOnly, 10, true));
+}
+
 TEST(Export, SvgArcsKeepTheirTurn)
 {
     // A quarter circle counter-clockwise from (10,0) to (0,10) and a three
@@ -219,4 +251,20 @@ TEST(Export, PngIsTheSameInAnyNumberOfBands)
         for (const int bands : {2, 3, 7, 1000})
             EXPECT_TRUE(paintScene(scene, {333, background}, bands) == whole) << bands;
     }
+
+    // The scene's index chooses the items to look at: the same picture,
+    // whole or zoomed in on a part with items beyond every edge. Zoomed in,
+    // every line is longer than a pixel, and coarse painting changes nothing.
+    const SceneIndex index(scene);
+    const PictureFrame whole(scene.bounds(), 333);
+    const PictureFrame zoomed(150, 110, whole.scale() * 3, {45, 27});
+    const auto painted = [&](const PictureFrame& frame, const PaintDetail& detail) {
+        QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        paintScene(image, scene, frame, Background::White, 3, detail);
+        return image;
+    };
+    for (const PictureFrame& frame : {whole, zoomed})
+        EXPECT_TRUE(painted(frame, {&index}) == painted(frame, {})) << frame.width();
+    EXPECT_TRUE(painted(zoomed, {&index, true}) == painted(zoomed, {}));
 }

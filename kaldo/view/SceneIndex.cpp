@@ -1,0 +1,86 @@
+#include "kaldo/view/SceneIndex.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace kaldo::view {
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+bool finite(const Box& box)
+{
+    return std::isfinite(box.minX) && std::isfinite(box.minY) && std::isfinite(box.maxX) && std::isfinite(box.maxY);
+}
+
+Box boxOfPoints(const Scene& scene, std::uint32_t first, std::uint32_t count)
+{
+    Box box{kInfinity, kInfinity, -kInfinity, -kInfinity};
+    for (const Point2* p = scene.points().data() + first; p != scene.points().data() + first + count; ++p) {
+        if (!std::isfinite(p->x) || !std::isfinite(p->y))
+            return {kInfinity, kInfinity, kInfinity, kInfinity};
+        box.minX = std::min(box.minX, p->x);
+        box.minY = std::min(box.minY, p->y);
+        box.maxX = std::max(box.maxX, p->x);
+        box.maxY = std::max(box.maxY, p->y);
+    }
+    return box;
+}
+
+// The box of the whole circle, as painting tests arcs.
+Box boxOfArc(const Arc& arc)
+{
+    const double radius = std::abs(arc.radius);
+    return {arc.centre.x - radius, arc.centre.y - radius, arc.centre.x + radius, arc.centre.y + radius};
+}
+
+}  // namespace
+
+SceneIndex::SceneIndex(const Scene& scene) : m_polylines(scene.polylines().size()), m_arcs(scene.arcs().size())
+{
+    m_boxes.reserve(m_polylines + m_arcs + scene.polygons().size());
+    for (const Polyline& polyline : scene.polylines())
+        m_boxes.push_back(boxOfPoints(scene, polyline.first, polyline.count));
+    for (const Arc& arc : scene.arcs())
+        m_boxes.push_back(boxOfArc(arc));
+    for (const Polygon& polygon : scene.polygons())
+        m_boxes.push_back(boxOfPoints(scene, polygon.first, polygon.count));
+    // Items of unknown extent are always found; in the tree, whose order
+    // needs numbers, a point at the origin stands in for them.
+    m_finite.resize(m_boxes.size());
+    std::vector<Box> treeBoxes = m_boxes;
+    for (std::size_t i = 0; i < m_boxes.size(); ++i) {
+        m_finite[i] = finite(m_boxes[i]);
+        if (!m_finite[i]) {
+            m_unbounded.push_back(std::uint32_t(i));
+            treeBoxes[i] = Box{};
+        }
+    }
+    m_index = BoxIndex(treeBoxes);
+}
+
+SceneItems SceneIndex::near(const std::vector<Box>& boxes) const
+{
+    // Items are marked, then listed in scene order.
+    std::vector<bool> found(m_index.size());
+    for (const std::uint32_t item : m_unbounded)
+        found[item] = true;
+    for (const Box& box : boxes)
+        m_index.query(box, [&](std::uint32_t item) { found[item] = true; });
+    SceneItems items;
+    for (std::uint32_t item = 0; item < found.size(); ++item) {
+        if (!found[item])
+            continue;
+        if (item < m_polylines)
+            items.polylines.push_back(item);
+        else if (item < m_polylines + m_arcs)
+            items.arcs.push_back(std::uint32_t(item - m_polylines));
+        else
+            items.polygons.push_back(std::uint32_t(item - m_polylines - m_arcs));
+    }
+    return items;
+}
+
+}  // namespace kaldo::view

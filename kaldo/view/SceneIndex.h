@@ -1,0 +1,41 @@
+// Where a scene's items lie: a packed R-tree over the drawing-unit boxes of
+// its polylines, arcs and fills, so that painting a part of a large scene
+// looks only at the items near that part. Built once per scene.
+#pragma once
+
+#include "kaldo/util/BoxIndex.h"
+#include "kaldo/view/Scene.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace kaldo::view {
+
+// Indices of a scene's items, each list in scene order.
+struct SceneItems {
+    std::vector<std::uint32_t> polylines;
+    std::vector<std::uint32_t> arcs;
+    std::vector<std::uint32_t> polygons;
+};
+
+class SceneIndex {
+public:
+    explicit SceneIndex(const Scene& scene);
+
+    // The items whose boxes meet one of boxes, and those with a coordinate
+    // that is not a finite number (their extent is unknown).
+    SceneItems near(const std::vector<Box>& boxes) const;
+    // The box of polyline i; null when a coordinate is not a finite number.
+    const Box* polylineBox(std::uint32_t i) const { return m_finite[i] ? &m_boxes[i] : nullptr; }
+
+private:
+    std::size_t m_polylines = 0;
+    std::size_t m_arcs = 0;
+    // Items: the polylines, then the arcs, then the polygons.
+    std::vector<Box> m_boxes;
+    std::vector<bool> m_finite;
+    BoxIndex m_index;
+    std::vector<std::uint32_t> m_unbounded;
+};
+
+}  // namespace kaldo::view
