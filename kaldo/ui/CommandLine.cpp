@@ -86,7 +86,15 @@ void CommandLine::recall(int step)
 
 bool CommandLine::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched != input_ || event->type() != QEvent::KeyPress)
+    if (watched != input_)
+        return QWidget::eventFilter(watched, event);
+    // With nothing typed, the undo and redo keys belong to the window's
+    // commands rather than to the line's own editing.
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        return input_->text().isEmpty() && (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo));
+    }
+    if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     const auto* key = static_cast<QKeyEvent*>(event);
     switch (key->key()) {

@@ -92,6 +92,11 @@ void MainWindow::buildActions()
     file->addAction(tr("E&xit"), this, &QWidget::close)->setShortcut(QKeySequence::Quit);
     bar->addSeparator();
 
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    command(edit, bar, tr("&Undo"), QStringLiteral("_U"), QKeySequence::Undo);
+    command(edit, bar, tr("&Redo"), QStringLiteral("_REDO"), QKeySequence::Redo);
+    bar->addSeparator();
+
     QMenu* draw = menuBar()->addMenu(tr("&Draw"));
     command(draw, bar, tr("&Line"), QStringLiteral("_LINE"));
     command(draw, bar, tr("&Multiline"), QStringLiteral("_MLINE"));

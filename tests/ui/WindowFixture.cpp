@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int kWaitMs = 10000;
-
 // Lives until the process ends and is never destroyed: QTest's input
 // devices would otherwise be torn down after the application they belong to.
 QApplication& application()
@@ -127,7 +125,7 @@ void answerMessageBoxSoon(int button)
     // event loop runs then, the message box's own included.
     auto* timer = new QTimer;
     timer->setInterval(10);
-    auto* deadline = new QDeadlineTimer(kWaitMs);
+    auto* deadline = new QDeadlineTimer(WindowFixture::kWaitMs);
     QObject::connect(timer, &QTimer::timeout, [timer, deadline, button] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (!box && !deadline->hasExpired())

@@ -17,6 +17,11 @@
 #include <string>
 
 class WindowFixture : public ::testing::Test {
+public:
+    // How long a helper waits for the command thread; generous, as tests
+    // may share a busy machine.
+    static constexpr int kWaitMs = 30000;
+
 protected:
     using Kind = kaldo::Editor::InputRequest::Kind;
 
@@ -34,7 +39,7 @@ protected:
     void type(const QString& text);
     void press(Qt::Key key);
     // Waits until the transcript ends with prompt and the window knows the
-    // command line waits for kind; false after ten seconds.
+    // command line waits for kind; false after kWaitMs.
     [[nodiscard]] bool waitForPrompt(const QString& prompt, Kind kind);
     QString transcript() const;
     // The canvas pixel of a drawing point.

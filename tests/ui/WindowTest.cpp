@@ -88,7 +88,7 @@ TEST_F(Window, MlineByClicksSnapsToAnEndpointDrawsItsRubberBandAndIsSaved)
     const QPoint halfway = pixelOf(80, 20);
     EXPECT_FALSE(drawnNear(canvas().grab().toImage(), halfway, 3));
     moveTo(pixelOf(60, 10));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return drawnNear(canvas().grab().toImage(), halfway, 3); }, 5000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return drawnNear(canvas().grab().toImage(), halfway, 3); }, kWaitMs));
 
     clickAt(pixelOf(60, 10));
     ASSERT_TRUE(waitForPrompt("Specify next point or [Close/Undo]: ", Kind::Drag));
@@ -193,7 +193,7 @@ TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
     ASSERT_NE(undo, nullptr);
     const QString before = transcript();
     undo->click();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().startsWith(before + "Undo\n"); }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().startsWith(before + "Undo\n"); }, kWaitMs));
     press(Qt::Key_Escape);
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
 
@@ -210,19 +210,32 @@ TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
     ASSERT_TRUE(waitForPrompt("Enter mline style name or [?]: ", Kind::Text));
     EXPECT_FALSE(dock->isFloating());
     type("?");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return dock->isFloating(); }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return dock->isFloating(); }, kWaitMs));
     EXPECT_TRUE(transcript().contains("\nSTANDARD"));
     // Escape ends the style option, then the command.
     press(Qt::Key_Escape);
     ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
     press(Qt::Key_Escape);
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+
+    // With nothing typed, the undo and redo keys take back and restore whole
+    // commands; with text typed they edit the line.
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
+    QTest::keySequence(input, QKeySequence::Undo);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().endsWith("LINE undone.\nCommand: "); }, kWaitMs));
+    QTest::keySequence(input, QKeySequence::Redo);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().endsWith("LINE redone.\nCommand: "); }, kWaitMs));
+    QTest::keyClicks(input, "ZOOM");
+    QTest::keySequence(input, QKeySequence::Undo);
+    EXPECT_NE(input->text(), "ZOOM");
+    EXPECT_EQ(transcript().count("undone."), 1);
+    input->clear();
 }
 
 TEST_F(Window, ZoomAtTheCursorKeepsItsPointPanFollowsTheMouseAndZoomPreviousGoesBack)
 {
     ASSERT_TRUE(runTyped({"LINE", "-2000,-900", "2000,1000", "-2000,0", "2000,-60", ""}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().scene->polylines().empty(); }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().scene->polylines().empty(); }, kWaitMs));
     canvas().grab();
     const kaldo::ViewPlacement start = canvas().placement();
     const QPointF cursor(200, 150);
@@ -273,7 +286,7 @@ TEST_F(Window, ZoomAtTheCursorKeepsItsPointPanFollowsTheMouseAndZoomPreviousGoes
 TEST_F(Window, UnsavedChangesAreAskedForOnClose)
 {
     ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
     EXPECT_TRUE(window().isWindowModified());
 
     // Cancel keeps the window and the session.
@@ -285,24 +298,24 @@ TEST_F(Window, UnsavedChangesAreAskedForOnClose)
 
     const std::string path = dir() + "/kept.dxf";
     ASSERT_TRUE(saveAs(path));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().modified; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().modified; }, kWaitMs));
     ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
 
     // Opening a drawing asks too; No drops the new line.
     const unsigned serial = window().drawing().serial;
     answerMessageBoxSoon(QMessageBox::No);
     window().openFile(QString::fromStdString(path));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
     EXPECT_FALSE(window().drawing().modified);
     EXPECT_TRUE(transcript().contains("Opened"));
     ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
 
     // Yes saves into the drawing's own file, then the window closes.
     answerMessageBoxSoon(QMessageBox::Yes);
     window().close();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !loopRunning() && !window().isVisible(); }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !loopRunning() && !window().isVisible(); }, kWaitMs));
     QFile saved(QString::fromStdString(path));
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll().count("\nLINE\n"), 2);
@@ -325,7 +338,7 @@ TEST_F(Window, RecentFilesOpenFromTheMenuWithAProgressWindowWhileOpeningLasts)
     ASSERT_TRUE(saveAs(first.toStdString()));
     ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
     ASSERT_TRUE(saveAs(second.toStdString()));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().modified && window().recentFiles().size() == 2; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().modified && window().recentFiles().size() == 2; }, kWaitMs));
     EXPECT_EQ(window().recentFiles(), QStringList({second, first}));
 
     QMenu* recent = nullptr;
@@ -358,9 +371,9 @@ TEST_F(Window, RecentFilesOpenFromTheMenuWithAProgressWindowWhileOpeningLasts)
     EXPECT_TRUE(progress->findChildren<QPushButton*>().isEmpty());
     EXPECT_EQ(window().drawing().serial, serial);
     held = false;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
     EXPECT_EQ(window().drawing().path, first);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !window().findChild<QProgressDialog*>(); }, 5000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window().findChild<QProgressDialog*>(); }, kWaitMs));
     EXPECT_EQ(window().recentFiles(), QStringList({first, second}));
     EXPECT_EQ(recent->actions()[0]->text(), "first.dxf");
 }
@@ -373,7 +386,7 @@ TEST_F(Window, QuitTypedWithUnsavedChangesAsksAndSaves)
     ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
     answerMessageBoxSoon(QMessageBox::Yes);
     type("QUIT");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !loopRunning() && !window().isVisible(); }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !loopRunning() && !window().isVisible(); }, kWaitMs));
     QFile saved(QString::fromStdString(path));
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll().count("\nLINE\n"), 2);
@@ -400,9 +413,10 @@ TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
         timer->start();
     };
 
+    // The command's echo is awaited before its prompt, so the prompt that
+    // was there before the command cannot be taken for the one after it.
     actOnToolDialog([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-    type("MLEDIT");
-    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    ASSERT_TRUE(runTyped({"MLEDIT"}));
     EXPECT_FALSE(transcript().contains("Select mline"));
 
     actOnToolDialog([](QDialog& dialog) {
@@ -422,6 +436,6 @@ TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });
     type("MLSTYLE");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return managerShown; }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return managerShown; }, kWaitMs));
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
 }
