@@ -3,6 +3,7 @@
 #include "kaldo/dxf/DxfError.h"
 #include "kxstring.h"
 
+#include <bit>
 #include <cerrno>
 #include <cmath>
 #include <charconv>
@@ -47,11 +48,16 @@ void GroupWriter::code(int code)
 {
     ensure(kNumberRoom);
     char* out = buffer_.data() + used_;
+    // Codes are right-aligned in three places; nearly all have at most three digits.
+    if (code >= 0 && code < 1000) {
+        out[0] = code >= 100 ? char('0' + code / 100) : ' ';
+        out[1] = code >= 10 ? char('0' + code / 10 % 10) : ' ';
+        out[2] = char('0' + code % 10);
+        out[3] = '\n';
+        used_ += 4;
+        return;
+    }
     char* const start = out;
-    if (code >= 0 && code < 100)
-        *out++ = ' ';
-    if (code >= 0 && code < 10)
-        *out++ = ' ';
     out = std::to_chars(out, start + kNumberRoom, code).ptr;
     *out++ = '\n';
     used_ += std::size_t(out - start);
@@ -77,11 +83,22 @@ void GroupWriter::real(int groupCode, double value)
     code(groupCode);
     ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
-    // Whole numbers below 100000 are written as integers, far quicker and the
-    // same text the shortest form gives them (not so for -0, kept as "-0").
-    char* out = std::abs(value) < 1e5 && value == std::trunc(value) && !(value == 0 && std::signbit(value))
-                    ? std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr
-                    : std::to_chars(start, start + kNumberRoom, value).ptr;
+    char* out = start;
+    if (std::abs(value) < 1e5 && value == std::trunc(value) && !(value == 0 && std::signbit(value))) {
+        // Whole numbers below 100000 are written as integers, far quicker and
+        // the same text the shortest form gives them (not so for -0, kept as "-0").
+        out = std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr;
+    } else if (std::bit_cast<std::uint64_t>(value) == lastReal_) {
+        // Lists often repeat the value just written (a fill list beside its
+        // element's list): its text is copied.
+        std::memcpy(start, lastRealText_.data(), lastRealLength_);
+        out = start + lastRealLength_;
+    } else {
+        out = std::to_chars(start, start + kNumberRoom, value).ptr;
+        lastReal_ = std::bit_cast<std::uint64_t>(value);
+        lastRealLength_ = std::size_t(out - start);
+        std::memcpy(lastRealText_.data(), start, lastRealLength_);
+    }
     *out++ = '\n';
     used_ += std::size_t(out - start);
 }
