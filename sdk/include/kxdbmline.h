@@ -56,7 +56,7 @@ struct KxDbMlineElementParams {
     friend bool operator==(const KxDbMlineElementParams&, const KxDbMlineElementParams&) = default;
 };
 
-// The shared, reference-counted parameter record of one vertex.
+// A vertex's reference-counted parameter record; equal neighbours may share one.
 class KxDbMlineVertexParams {
 public:
     // A new record with one reference, held by the caller.
@@ -170,8 +170,8 @@ public:
     Kald::ErrorStatus removeLastSeg(KxGePoint3d& lastPoint);
     Kald::ErrorStatus moveVertexAt(int index, const KxGePoint3d& point);
 
-    // Clears params and appends one entry: the vertex's record, with a
-    // reference added for the caller, who releases it.
+    // Clears params and appends one entry: the vertex's record, with a reference added
+    // for the caller, who releases it. To change it, set a changed copy (setParametersAt).
     Kald::ErrorStatus getParametersAt(int index, KxArray& params) const;
     // The vertex's record for reading while the multiline is open (null for
     // an index out of range).
