@@ -3,6 +3,7 @@
 #include "kaldo/dxf/DxfError.h"
 #include "kxstring.h"
 
+#include <array>
 #include <bit>
 #include <cerrno>
 #include <cmath>
@@ -17,6 +18,20 @@ namespace kaldo::dxf {
 namespace {
 constexpr std::size_t kBufferSize = 1 << 20;
 constexpr std::size_t kNumberRoom = 64;
+
+// The code lines of codes 0 to 999, right-aligned in three places ("  5\n",
+// " 40\n", "105\n"): nearly every group has one of them.
+constexpr int kShortCodes = 1000;
+struct CodeLines {
+    std::array<std::array<char, 4>, kShortCodes> lines{};
+    constexpr CodeLines()
+    {
+        for (int code = 0; code < kShortCodes; ++code)
+            lines[code] = {code >= 100 ? char('0' + code / 100) : ' ', code >= 10 ? char('0' + code / 10 % 10) : ' ',
+                           char('0' + code % 10), '\n'};
+    }
+};
+constexpr CodeLines kCodeLines;
 
 // No reader takes "inf" or "nan": a drawing holding such a number is not saved.
 void requireFinite(int groupCode, double value)
@@ -48,12 +63,8 @@ void GroupWriter::code(int code)
 {
     ensure(kNumberRoom);
     char* out = buffer_.data() + used_;
-    // Codes are right-aligned in three places; nearly all have at most three digits.
-    if (code >= 0 && code < 1000) {
-        out[0] = code >= 100 ? char('0' + code / 100) : ' ';
-        out[1] = code >= 10 ? char('0' + code / 10 % 10) : ' ';
-        out[2] = char('0' + code % 10);
-        out[3] = '\n';
+    if (code >= 0 && code < kShortCodes) {
+        std::memcpy(out, kCodeLines.lines[code].data(), 4);
         used_ += 4;
         return;
     }
