@@ -149,20 +149,38 @@ Kald::ErrorStatus KxDbMlineImp::appendSeg(const KxGeVector3dArray& vectors, bool
     return Kald::eOk;
 }
 
+bool KxDbMlineImp::appendSharingPrevious(const KxDbMlineStoredVertex& v)
+{
+    // Straight runs and repeated corners keep one record, not one each.
+    if (m_mline.m_vertices.empty() || !sameLists(m_mline.m_vertices.back().params->elements, v.elements))
+        return false;
+    const KxDbMlineParamsPtr previous = m_mline.m_vertices.back().params;
+    m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, previous});
+    return true;
+}
+
 void KxDbMlineImp::setStoredVertices(std::vector<KxDbMlineStoredVertex> vertices)
 {
     m_mline.m_vertices.clear();
     m_mline.m_vertices.reserve(vertices.size());
     for (KxDbMlineStoredVertex& v : vertices) {
-        // A vertex whose lists are those of the one before shares its record:
-        // straight runs and repeated corners keep one record, not one each.
-        const KxDbMlineParamsPtr* previous = m_mline.m_vertices.empty() ? nullptr : &m_mline.m_vertices.back().params;
-        if (previous && sameLists((*previous)->elements, v.elements)) {
-            m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, *previous});
+        if (appendSharingPrevious(v))
             continue;
-        }
         auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
         record->elements = std::move(v.elements);
+        m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, std::move(record)});
+    }
+}
+
+void KxDbMlineImp::copyStoredVertices(std::span<const KxDbMlineStoredVertex> vertices)
+{
+    m_mline.m_vertices.clear();
+    m_mline.m_vertices.reserve(vertices.size());
+    for (const KxDbMlineStoredVertex& v : vertices) {
+        if (appendSharingPrevious(v))
+            continue;
+        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+        record->elements = v.elements;
         m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, std::move(record)});
     }
 }

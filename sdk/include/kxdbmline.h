@@ -113,8 +113,12 @@ struct KxDbMlineStoredVertex {
 // compute it themselves and for file readers: nothing is recomputed.
 class KxDbMlineImp {
 public:
-    // Replaces every vertex by the stored ones.
+    // Replaces every vertex by the stored ones. Neighbours whose lists are
+    // equal bit for bit share one record.
     void setStoredVertices(std::vector<KxDbMlineStoredVertex> vertices);
+    // The same from vertices the caller keeps (a file reader reuses their
+    // room from multiline to multiline): their lists are copied.
+    void copyStoredVertices(std::span<const KxDbMlineStoredVertex> vertices);
     // Sets style, justification, scale, normal and flags as stored (a null
     // style is allowed; a normal must not be null, else eInvalidInput).
     Kald::ErrorStatus setStoredProperties(KxDbObjectId style, int justification, double scale,
@@ -130,6 +134,9 @@ public:
 private:
     friend class KxDbMline;
     explicit KxDbMlineImp(KxDbMline& mline) : m_mline(mline) {}
+    // Appends a vertex that shares the record of the one before, when their
+    // lists are equal; false, with nothing appended, otherwise.
+    bool appendSharingPrevious(const KxDbMlineStoredVertex& vertex);
     KxDbMline& m_mline;
 };
 

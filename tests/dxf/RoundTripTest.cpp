@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -152,6 +153,22 @@ TEST(DxfRoundTrip, EqualListsOfNeighboursShareOneRecordThatCopiesAndEditsKeepApa
     params.removeAll();
     params.append(signedZero.get());
     straight->setParametersAt(3, params);
+    // Multilines of one, then again two elements after it: the reader's
+    // vertices of one multiline are reused for the next.
+    KxDbDictionary* styles = nullptr;
+    ASSERT_EQ(db.getMLStyleDictionary(styles, KxDb::kForWrite), Kald::eOk);
+    auto* single = new KxDbMlineStyle;
+    single->setName(L"Single");
+    int index = 0;
+    single->addElement(index, 0.25, KxCmColor(), db.byLayerLinetype(), false);
+    KxDbObjectId singleId;
+    styles->setAt(L"Single", single, singleId);
+    single->close();
+    styles->close();
+    db.setCmlstyleID(singleId);
+    const KxDbMline* one = addMline(db, {{0, 5}, {3, 9}, {6, 5}});
+    db.setCmlstyleID(straight->style());
+    const KxDbMline* two = addMline(db, {{0, 10}, {5, 12}});
 
     kaldo::dxf::KeptSections kept;
     const std::string text = toDxfText(db, kept);
@@ -159,6 +176,14 @@ TEST(DxfRoundTrip, EqualListsOfNeighboursShareOneRecordThatCopiesAndEditsKeepApa
     KxDbMline* read = firstEntity<KxDbMline>(*back.database);
     ASSERT_NE(read, nullptr);
     ASSERT_EQ(read->numVertices(), 5);
+    const std::array<const KxDbMline*, 3> written = {straight, one, two};
+    for (std::size_t m = 0; m < written.size(); ++m) {
+        const KxDbMline* other = firstEntity<KxDbMline>(*back.database, int(m));
+        ASSERT_NE(other, nullptr);
+        ASSERT_EQ(other->numVertices(), written[m]->numVertices());
+        for (int v = 0; v < other->numVertices(); ++v)
+            EXPECT_EQ(other->parametersAt(v)->elements, written[m]->parametersAt(v)->elements) << m << ", " << v;
+    }
     EXPECT_EQ(read->parametersAt(0), read->parametersAt(1));
     EXPECT_EQ(read->parametersAt(1), read->parametersAt(2));
     EXPECT_NE(read->parametersAt(2), read->parametersAt(3));
