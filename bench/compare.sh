@@ -79,11 +79,13 @@ echo "| Closed cross pass, two 10 000-vertex multilines (bench_mledit_cross) | $
 
 big=$work/big.dxf
 KALDO_BENCH_DXF=$big KALDO_BENCH_MULTILINES=$multilines "$stage/bin/bench_dxf_io" \
-    --benchmark_filter='BM_SaveDrawing|BM_OpenDrawing' --benchmark_format=json >"$work/dxf.json" 2>/dev/null
+    --benchmark_filter='BM_SaveDrawing|BM_OpenDrawing|BM_TearDownDrawing' --benchmark_format=json >"$work/dxf.json" 2>/dev/null
 megabytes=$(counter "$work/dxf.json" BM_OpenDrawing MB | awk '{printf "%.0f", $2}')
 openRate=$(counter "$work/dxf.json" BM_OpenDrawing MB/s | awk '{printf "%.0f", $2}')
 saveRate=$(counter "$work/dxf.json" BM_SaveDrawing MB/s | awk '{printf "%.0f", $2}')
 openPeak=$(counter "$work/dxf.json" BM_OpenDrawing peak_MB | awk '{printf "%.0f", $2}')
+teardownMs=$(counter "$work/dxf.json" BM_TearDownDrawing ms | awk '{printf "%.0f", $2}')
+openMs=$(counter "$work/dxf.json" BM_OpenDrawing ms | awk '{printf "%.0f", $2}')
 read -r catSeconds _ < <(measure cat "$big")
 read -r openSeconds openMemory < <(measure "$kaldo" --script "$work/empty.scr" "$big")
 read -r saveSeconds _ < <(measure "$kaldo" --script "$work/empty.scr" "$big" --save "$work/saved.dxf")
@@ -107,8 +109,11 @@ echo "| DXF open, ${megabytes} MB of ${multilines} multilines | ${openRate} MB/s
 echo "| DXF save, same drawing | ${saveRate} MB/s in-process; whole run with open ${saveSeconds} s;" \
     "on ${smallMegabytes} MB $(printf '%.0f' "$smallSave") MB/s, ezdxf $(printf '%.1f' "$ezdxfSave") MB/s:" \
     "$(ratio "$smallSave" "$ezdxfSave")× ezdxf |"
-echo "| Peak memory opening it | ${openPeak} MB in-process; whole run ${openMemory} MB;" \
+echo "| Peak memory opening it | ${openPeak} MB in-process ($(echo "$openPeak / $megabytes" | bc -l | xargs printf '%.2f')× the file);" \
+    "whole run ${openMemory} MB;" \
     "on ${smallMegabytes} MB ${smallPeak} MB, ezdxf ${ezdxfPeak} MB |"
+echo "| Teardown of that drawing | object by object ${teardownMs} ms in-process (${openMs} ms to open it);" \
+    "skipped at kaldo's exit: whole run ${openSeconds} s |"
 echo "| SVG export of that drawing | whole run ${svgSeconds} s, ${svgMemory} MB" \
     "(+$(printf '%.2f' "$(echo "$svgSeconds - $openSeconds" | bc -l)") s," \
     "+$((svgMemory - openMemory)) MB over opening alone) |"

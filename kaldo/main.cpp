@@ -12,6 +12,7 @@
 #include "kaldo/ed/Text.h"
 #include "kaldo/ui/WindowSession.h"
 #include "kaldo/view/PictureExport.h"
+#include "kxdbdatabase.h"
 #include "kxstring.h"
 
 #include <QApplication>
@@ -170,5 +171,11 @@ int main(int argc, char** argv)
         if (!problem.empty())
             return fail(problem, kaldo::kExitBadFile);
     }
-    return kaldo::kExitOk;
+    // The session ends (modules unload), but the drawing is not torn down
+    // object by object: its memory goes back in bulk with the process's.
+    const std::unique_ptr<KxDbDatabase> drawing = session->releaseDrawingAtExit();
+    session.reset();
+    std::cout.flush();
+    std::cerr.flush();
+    std::_Exit(kaldo::kExitOk);
 }

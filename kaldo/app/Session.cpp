@@ -66,6 +66,11 @@ Session::~Session()
     running = nullptr;
 }
 
+std::unique_ptr<KxDbDatabase> Session::releaseDrawingAtExit()
+{
+    return std::move(database_);
+}
+
 Session* Session::current()
 {
     return running;

@@ -81,6 +81,10 @@ public:
     // order. Returns the messages of the modules that failed.
     std::vector<std::wstring> loadModulesFolder();
 
+    // Gives up the working drawing to a process about to end, which keeps
+    // it until then so that its objects are never torn down one by one.
+    std::unique_ptr<KxDbDatabase> releaseDrawingAtExit();
+
     // Ends the command loop after the current command.
     void requestQuit() { quit_ = true; }
     bool quitRequested() const { return quit_; }

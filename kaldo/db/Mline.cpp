@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <numbers>
 #include <numeric>
 #include <span>
@@ -54,6 +55,18 @@ template <class Vertices>
 bool finiteGeometry(const Vertices& vertices, std::span<const std::size_t> touched)
 {
     return std::ranges::all_of(touched, [&](std::size_t i) { return i >= vertices.size() || finiteVertex(vertices[i]); });
+}
+
+// Whether two sets of lists hold the same values bit for bit (0 and -0 are
+// written differently, so they differ here).
+bool sameLists(const std::vector<KxDbMlineElementParams>& a, const std::vector<KxDbMlineElementParams>& b)
+{
+    const auto sameList = [](const std::vector<double>& x, const std::vector<double>& y) {
+        return x.size() == y.size() && (x.empty() || std::memcmp(x.data(), y.data(), x.size() * sizeof(double)) == 0);
+    };
+    return std::ranges::equal(a, b, [&](const KxDbMlineElementParams& x, const KxDbMlineElementParams& y) {
+        return sameList(x.element, y.element) && sameList(x.areaFill, y.areaFill);
+    });
 }
 
 }  // namespace
@@ -136,13 +149,38 @@ Kald::ErrorStatus KxDbMlineImp::appendSeg(const KxGeVector3dArray& vectors, bool
     return Kald::eOk;
 }
 
+bool KxDbMlineImp::appendSharingPrevious(const KxDbMlineStoredVertex& v)
+{
+    // Straight runs and repeated corners keep one record, not one each.
+    if (m_mline.m_vertices.empty() || !sameLists(m_mline.m_vertices.back().params->elements, v.elements))
+        return false;
+    const KxDbMlineParamsPtr previous = m_mline.m_vertices.back().params;
+    m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, previous});
+    return true;
+}
+
 void KxDbMlineImp::setStoredVertices(std::vector<KxDbMlineStoredVertex> vertices)
 {
     m_mline.m_vertices.clear();
     m_mline.m_vertices.reserve(vertices.size());
     for (KxDbMlineStoredVertex& v : vertices) {
+        if (appendSharingPrevious(v))
+            continue;
         auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
         record->elements = std::move(v.elements);
+        m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, std::move(record)});
+    }
+}
+
+void KxDbMlineImp::copyStoredVertices(std::span<const KxDbMlineStoredVertex> vertices)
+{
+    m_mline.m_vertices.clear();
+    m_mline.m_vertices.reserve(vertices.size());
+    for (const KxDbMlineStoredVertex& v : vertices) {
+        if (appendSharingPrevious(v))
+            continue;
+        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+        record->elements = v.elements;
         m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, std::move(record)});
     }
 }
@@ -351,9 +389,17 @@ Kald::ErrorStatus KxDbMline::copyFrom(const KxDbObject* other)
     m_supressStartCaps = src->m_supressStartCaps;
     m_supressEndCaps = src->m_supressEndCaps;
     m_vertices.clear();
-    for (const Vertex& v : src->m_vertices) {
-        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-        record->elements = v.params->elements;
+    m_vertices.reserve(src->m_vertices.size());
+    // Records of their own, shared between vertices as the source shares them.
+    for (std::size_t i = 0; i < src->m_vertices.size(); ++i) {
+        const Vertex& v = src->m_vertices[i];
+        KxDbMlineParamsPtr record;
+        if (i > 0 && v.params.get() == src->m_vertices[i - 1].params.get()) {
+            record = m_vertices.back().params;
+        } else if (v.params) {
+            record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+            record->elements = v.params->elements;
+        }
         m_vertices.push_back(Vertex{v.position, v.axis, v.miter, std::move(record)});
     }
     return Kald::eOk;

@@ -177,22 +177,24 @@ void resolveReferences(ReadContext& context)
     }
 }
 
-// Puts the lists of every vertex in the order of the style's elements.
+// Puts the lists of every vertex in the order of the style's elements; a
+// record that vertices share is put in order once.
 void reorderElements(KxDbMline& mline, const std::vector<std::size_t>& places, long line)
 {
+    const KxDbMlineVertexParams* previous = nullptr;
     for (int v = 0; v < mline.numVertices(); ++v) {
         KxArray params;
         mline.getParametersAt(v, params);
-        KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(params);
-        if (record->elements.size() != places.size()) {
-            record->release();
+        const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
+        if (record.get() == previous)
+            continue;
+        previous = record.get();
+        if (record->elements.size() != places.size())
             throw DxfError(line, "the multiline has another number of elements than its style.");
-        }
         std::vector<KxDbMlineElementParams> ordered(places.size());
         for (std::size_t i = 0; i < places.size(); ++i)
             ordered[places[i]] = std::move(record->elements[i]);
         record->elements = std::move(ordered);
-        record->release();
     }
 }
 

@@ -235,7 +235,8 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
     else if (kind == "LWPOLYLINE")
         entity.reset(readPolyline(record, basics, look));
     else if (kind == "MLINE")
-        entity.reset(readMline(record, basics, [&look](const Group& g) { return look.take(g); }, styleLink));
+        entity.reset(readMline(record, basics, [&look](const Group& g) { return look.take(g); }, styleLink,
+                               context.mlineVertices));
     if (!entity) {
         basics = rawRecordBasics(record);
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.allGroups());

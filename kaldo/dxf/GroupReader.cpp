@@ -2,15 +2,39 @@
 
 #include "kaldo/dxf/DxfError.h"
 
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 namespace kaldo::dxf {
 
 namespace {
 constexpr std::size_t kBlockSize = 1 << 20;
+
+// The first line feed or carriage return from p on, or end: eight bytes
+// at a time, as most values are longer than a few characters.
+const char* lineEnd(const char* p, const char* const end)
+{
+    constexpr std::uint64_t kOnes = 0x0101010101010101u;
+    constexpr std::uint64_t kHighs = 0x8080808080808080u;
+    while (end - p >= 8) {
+        std::uint64_t word;
+        std::memcpy(&word, p, 8);
+        const std::uint64_t feeds = word ^ (kOnes * '\n');
+        const std::uint64_t returns = word ^ (kOnes * '\r');
+        // A byte of either is zero: its high bit is the lowest one set.
+        const std::uint64_t found = (((feeds - kOnes) & ~feeds) | ((returns - kOnes) & ~returns)) & kHighs;
+        if (found)
+            return p + std::countr_zero(found) / 8;
+        p += 8;
+    }
+    while (p < end && *p != '\n' && *p != '\r')
+        ++p;
+    return p;
 }
+}  // namespace
 
 GroupReader::GroupReader(std::FILE* file) : file_(file), buffer_(kBlockSize + kMaxLineLength)
 {
@@ -42,9 +66,7 @@ bool GroupReader::readLine(std::string_view& line)
 {
     for (;;) {
         // One pass to the first line feed or carriage return: lines are short.
-        const char* stop = begin_;
-        while (stop < end_ && *stop != '\n' && *stop != '\r')
-            ++stop;
+        const char* const stop = lineEnd(begin_, end_);
         const bool more = file_ && !eof_;
         // A carriage return ends a line, alone or with the line feed after
         // it; one at the end of what is read so far waits for the next byte.
@@ -112,9 +134,7 @@ bool GroupReader::nextPlain(Group& group)
     if (p == digits || p == end_ || *p != '\n' || code > 32767 || std::size_t(p - begin_) > kMaxLineLength)
         return false;
     const char* const value = p + 1;
-    const char* stop = value;
-    while (stop < end_ && *stop != '\n' && *stop != '\r')
-        ++stop;
+    const char* const stop = lineEnd(value, end_);
     if (stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
         return false;
     const Group read{code, std::string_view(value, std::size_t(stop - value)), lineNumber_ + 1};
@@ -162,6 +182,42 @@ namespace {
                                        + std::string(group.value.substr(0, 40)) + "\".");
 }
 
+// A plain decimal ("-12.375", "0.5999999999999998": no exponent) of at
+// most 17 digits whose digits, taken as a whole number, are at most 2^53:
+// that number and the power of ten are exact, so one division gives the
+// correctly rounded value, the same one from_chars gives, in a fraction of
+// its time. False, with value untouched, for any other text.
+bool readPlainDecimal(std::string_view text, double& value)
+{
+    static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
+                                              1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
+    constexpr int kMostDigits = 17;
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    const bool negative = p < end && *p == '-';
+    if (negative)
+        ++p;
+    std::uint64_t digits = 0;
+    int count = 0;
+    int fraction = 0;
+    for (; p < end && *p >= '0' && *p <= '9' && count < kMostDigits; ++p, ++count)
+        digits = digits * 10 + std::uint64_t(*p - '0');
+    if (count == 0)
+        return false;
+    if (p < end && *p == '.') {
+        ++p;
+        for (; p < end && *p >= '0' && *p <= '9' && count < kMostDigits; ++p, ++count, ++fraction)
+            digits = digits * 10 + std::uint64_t(*p - '0');
+        if (fraction == 0)
+            return false;
+    }
+    if (p != end || digits > (std::uint64_t(1) << 53))
+        return false;
+    const double magnitude = double(digits) / kPowersOfTen[fraction];
+    value = negative ? -magnitude : magnitude;
+    return true;
+}
+
 }  // namespace
 
 double toReal(const Group& group)
@@ -170,6 +226,8 @@ double toReal(const Group& group)
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
     double value = 0;
+    if (readPlainDecimal(text, value))
+        return value;
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (text.empty() || ec != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
         notANumber(group, "a number");

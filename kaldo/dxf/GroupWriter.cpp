@@ -3,6 +3,8 @@
 #include "kaldo/dxf/DxfError.h"
 #include "kxstring.h"
 
+#include <array>
+#include <bit>
 #include <cerrno>
 #include <cmath>
 #include <charconv>
@@ -16,6 +18,20 @@ namespace kaldo::dxf {
 namespace {
 constexpr std::size_t kBufferSize = 1 << 20;
 constexpr std::size_t kNumberRoom = 64;
+
+// The code lines of codes 0 to 999, right-aligned in three places ("  5\n",
+// " 40\n", "105\n"): nearly every group has one of them.
+constexpr int kShortCodes = 1000;
+struct CodeLines {
+    std::array<std::array<char, 4>, kShortCodes> lines{};
+    constexpr CodeLines()
+    {
+        for (int code = 0; code < kShortCodes; ++code)
+            lines[code] = {code >= 100 ? char('0' + code / 100) : ' ', code >= 10 ? char('0' + code / 10 % 10) : ' ',
+                           char('0' + code % 10), '\n'};
+    }
+};
+constexpr CodeLines kCodeLines;
 
 // No reader takes "inf" or "nan": a drawing holding such a number is not saved.
 void requireFinite(int groupCode, double value)
@@ -47,11 +63,12 @@ void GroupWriter::code(int code)
 {
     ensure(kNumberRoom);
     char* out = buffer_.data() + used_;
+    if (code >= 0 && code < kShortCodes) {
+        std::memcpy(out, kCodeLines.lines[code].data(), 4);
+        used_ += 4;
+        return;
+    }
     char* const start = out;
-    if (code >= 0 && code < 100)
-        *out++ = ' ';
-    if (code >= 0 && code < 10)
-        *out++ = ' ';
     out = std::to_chars(out, start + kNumberRoom, code).ptr;
     *out++ = '\n';
     used_ += std::size_t(out - start);
@@ -77,11 +94,22 @@ void GroupWriter::real(int groupCode, double value)
     code(groupCode);
     ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
-    // Whole numbers below 100000 are written as integers, far quicker and the
-    // same text the shortest form gives them (not so for -0, kept as "-0").
-    char* out = std::abs(value) < 1e5 && value == std::trunc(value) && !(value == 0 && std::signbit(value))
-                    ? std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr
-                    : std::to_chars(start, start + kNumberRoom, value).ptr;
+    char* out = start;
+    if (std::abs(value) < 1e5 && value == std::trunc(value) && !(value == 0 && std::signbit(value))) {
+        // Whole numbers below 100000 are written as integers, far quicker and
+        // the same text the shortest form gives them (not so for -0, kept as "-0").
+        out = std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr;
+    } else if (std::bit_cast<std::uint64_t>(value) == lastReal_) {
+        // Lists often repeat the value just written (a fill list beside its
+        // element's list): its text is copied.
+        std::memcpy(start, lastRealText_.data(), lastRealLength_);
+        out = start + lastRealLength_;
+    } else {
+        out = std::to_chars(start, start + kNumberRoom, value).ptr;
+        lastReal_ = std::bit_cast<std::uint64_t>(value);
+        lastRealLength_ = std::size_t(out - start);
+        std::memcpy(lastRealText_.data(), start, lastRealLength_);
+    }
     *out++ = '\n';
     used_ += std::size_t(out - start);
 }

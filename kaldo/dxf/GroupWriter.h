@@ -3,6 +3,7 @@
 // form that reads back to the same value.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -42,6 +43,10 @@ private:
     int fd_;
     std::string buffer_;
     std::size_t used_ = 0;
+    // The last real written in its shortest form, by its bits, and its text.
+    std::uint64_t lastReal_ = 0;
+    std::array<char, 32> lastRealText_{};
+    std::size_t lastRealLength_ = 0;
 };
 
 }  // namespace kaldo::dxf

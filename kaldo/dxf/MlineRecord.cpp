@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 
 namespace kaldo::dxf {
 
@@ -20,22 +21,34 @@ enum MlineFlags : int { kHasVertices = 1, kClosed = 2, kSuppressStart = 4, kSupp
 // The longest list that gets its room before its values are read.
 constexpr std::size_t kListRoom = 4;
 
-// Collects the vertices group by group, checking each list against its count.
-// Room is made for what the record holds, never for what its counts claim:
-// a vertex takes as many element lists as the one before it had.
+// Collects the vertices group by group, checking each list against its count,
+// into the scratch vertices: slots and lists keep their room from multiline
+// to multiline, so reading one like the one before allocates nothing. Room
+// is made for what the record holds, never for what its counts claim: a new
+// vertex slot takes as many element lists as the one before it had.
 class VertexCollector {
 public:
-    explicit VertexCollector(std::size_t groups) : groups_(groups) {}
+    VertexCollector(std::size_t groups, std::vector<KxDbMlineStoredVertex>& scratch)
+        : groups_(groups), vertices_(scratch)
+    {
+    }
 
     bool take(const Group& g)
     {
         switch (g.code) {
         case 11: {
-            finishList();
-            const std::size_t elements = vertices_.empty() ? 0 : vertices_.back().elements.size();
-            vertices_.emplace_back();
-            vertices_.back().elements.reserve(elements);
-            vertices_.back().position.x = toReal(g);
+            finishVertex();
+            if (used_ == vertices_.size()) {
+                const std::size_t elements = vertices_.empty() ? 0 : vertices_.back().elements.size();
+                vertices_.emplace_back();
+                vertices_.back().elements.reserve(elements);
+            }
+            KxDbMlineStoredVertex& v = vertices_[used_++];
+            v.position = KxGePoint3d();
+            v.position.x = toReal(g);
+            v.axis = {};
+            v.miter = {};
+            elements_ = 0;
             return true;
         }
         case 21: current(g).position.y = toReal(g); return true;
@@ -53,11 +66,18 @@ public:
             if (count < 0 || count > 100000)
                 throw DxfError(g.line + 1, "a parameter count of " + std::to_string(count) + ".");
             KxDbMlineStoredVertex& v = current(g);
-            if (g.code == 74)
-                v.elements.emplace_back();
-            else if (v.elements.empty())
+            if (g.code == 74) {
+                // A new element starts with both lists empty.
+                if (elements_ == v.elements.size())
+                    v.elements.emplace_back();
+                v.elements[elements_].element.clear();
+                v.elements[elements_].areaFill.clear();
+                ++elements_;
+            } else if (elements_ == 0) {
                 throw DxfError(g.line, "area-fill parameters (75) before the element's parameters (74).");
-            list_ = g.code == 74 ? &v.elements.back().element : &v.elements.back().areaFill;
+            }
+            KxDbMlineElementParams& lists = v.elements[elements_ - 1];
+            list_ = g.code == 74 ? &lists.element : &lists.areaFill;
             // Room at once for a short list, the usual kind; a longer one
             // grows with what follows, so that a count alone takes little.
             list_->reserve(std::min(std::size_t(count), kListRoom));
@@ -86,18 +106,18 @@ public:
             vertices_.reserve(std::min(std::size_t(vertices), groups_));
     }
 
-    std::vector<KxDbMlineStoredVertex> finish()
+    std::span<const KxDbMlineStoredVertex> finish()
     {
-        finishList();
-        return std::move(vertices_);
+        finishVertex();
+        return std::span<const KxDbMlineStoredVertex>(vertices_.data(), used_);
     }
 
 private:
     KxDbMlineStoredVertex& current(const Group& g)
     {
-        if (vertices_.empty())
+        if (used_ == 0)
             throw DxfError(g.line, "group " + std::to_string(g.code) + " comes before the first vertex (11).");
-        return vertices_.back();
+        return vertices_[used_ - 1];
     }
     void finishList()
     {
@@ -105,9 +125,18 @@ private:
             throw DxfError(listLine_, "the list announces more parameters than follow it.");
         list_ = nullptr;
     }
+    // The vertex read so far keeps only the elements this record gave it.
+    void finishVertex()
+    {
+        finishList();
+        if (used_ > 0)
+            vertices_[used_ - 1].elements.resize(elements_);
+    }
 
     const std::size_t groups_;
-    std::vector<KxDbMlineStoredVertex> vertices_;
+    std::vector<KxDbMlineStoredVertex>& vertices_;
+    std::size_t used_ = 0;
+    std::size_t elements_ = 0;
     std::vector<double>* list_ = nullptr;
     int listCode_ = 0;
     long remaining_ = 0;
@@ -117,10 +146,10 @@ private:
 }  // namespace
 
 KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
-                     MlineStyleLink& style)
+                     MlineStyleLink& style, std::vector<KxDbMlineStoredVertex>& scratch)
 {
     auto mline = std::make_unique<KxDbMline>();
-    VertexCollector vertices(record.size());
+    VertexCollector vertices(record.size(), scratch);
     double scale = 1;
     int justification = 0;
     int flags = 0;
@@ -161,7 +190,7 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
             return other(g);
         }
     });
-    std::vector<KxDbMlineStoredVertex> stored = vertices.finish();
+    const std::span<const KxDbMlineStoredVertex> stored = vertices.finish();
     if (vertexCount >= 0 && std::size_t(vertexCount) != stored.size())
         throw DxfError(record.line(), "the multiline announces " + std::to_string(vertexCount)
                                           + " vertices but has " + std::to_string(stored.size()) + ".");
@@ -174,7 +203,7 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
                                          flags & kSuppressEnd)
         != Kald::eOk)
         throw DxfError(record.line(), "the multiline's justification, scale or normal is out of range.");
-    imp->setStoredVertices(std::move(stored));
+    imp->copyStoredVertices(stored);
     return mline.release();
 }
 

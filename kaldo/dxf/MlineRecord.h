@@ -8,11 +8,12 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "kaldo/dxf/Record.h"
+#include "kxdbmline.h"
 
 class KxDbDatabase;
-class KxDbMline;
 
 namespace kaldo::dxf {
 
@@ -27,8 +28,10 @@ struct MlineStyleLink {
 
 // Reads the record; groups it does not know go to other (layer, colour).
 // The style is set once the objects are read (see resolveMlineStyles).
+// The vertices are collected in scratch, kept by the caller from record to
+// record so that their room is reused.
 KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
-                     MlineStyleLink& style);
+                     MlineStyleLink& style, std::vector<KxDbMlineStoredVertex>& scratch);
 
 // Writes from the AcDbMline subclass marker to the last vertex.
 void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mline);

@@ -11,6 +11,7 @@
 #include "kaldo/dxf/KeptSections.h"
 #include "kaldo/dxf/Record.h"
 #include "kxdbdatabase.h"
+#include "kxdbmline.h"
 
 class KxDbEntity;
 class KxDbSymbolTable;
@@ -52,6 +53,8 @@ struct ReadContext {
         std::uint64_t owner;
     };
     std::vector<OwnerReference> ownerReferences;
+    // The vertices of the multiline being read, whose room the next reuses.
+    std::vector<KxDbMlineStoredVertex> mlineVertices;
 
     // Adds a new object under its file handle (a new one when the file gave
     // none or a taken one) and closes it; remembers its owner for later.

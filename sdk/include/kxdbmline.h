@@ -56,7 +56,7 @@ struct KxDbMlineElementParams {
     friend bool operator==(const KxDbMlineElementParams&, const KxDbMlineElementParams&) = default;
 };
 
-// The shared, reference-counted parameter record of one vertex.
+// A vertex's reference-counted parameter record; equal neighbours may share one.
 class KxDbMlineVertexParams {
 public:
     // A new record with one reference, held by the caller.
@@ -113,8 +113,12 @@ struct KxDbMlineStoredVertex {
 // compute it themselves and for file readers: nothing is recomputed.
 class KxDbMlineImp {
 public:
-    // Replaces every vertex by the stored ones.
+    // Replaces every vertex by the stored ones. Neighbours whose lists are
+    // equal bit for bit share one record.
     void setStoredVertices(std::vector<KxDbMlineStoredVertex> vertices);
+    // The same from vertices the caller keeps (a file reader reuses their
+    // room from multiline to multiline): their lists are copied.
+    void copyStoredVertices(std::span<const KxDbMlineStoredVertex> vertices);
     // Sets style, justification, scale, normal and flags as stored (a null
     // style is allowed; a normal must not be null, else eInvalidInput).
     Kald::ErrorStatus setStoredProperties(KxDbObjectId style, int justification, double scale,
@@ -130,6 +134,9 @@ public:
 private:
     friend class KxDbMline;
     explicit KxDbMlineImp(KxDbMline& mline) : m_mline(mline) {}
+    // Appends a vertex that shares the record of the one before, when their
+    // lists are equal; false, with nothing appended, otherwise.
+    bool appendSharingPrevious(const KxDbMlineStoredVertex& vertex);
     KxDbMline& m_mline;
 };
 
@@ -170,8 +177,8 @@ public:
     Kald::ErrorStatus removeLastSeg(KxGePoint3d& lastPoint);
     Kald::ErrorStatus moveVertexAt(int index, const KxGePoint3d& point);
 
-    // Clears params and appends one entry: the vertex's record, with a
-    // reference added for the caller, who releases it.
+    // Clears params and appends one entry: the vertex's record, with a reference added
+    // for the caller, who releases it. To change it, set a changed copy (setParametersAt).
     Kald::ErrorStatus getParametersAt(int index, KxArray& params) const;
     // The vertex's record for reading while the multiline is open (null for
     // an index out of range).

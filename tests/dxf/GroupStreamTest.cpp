@@ -1,14 +1,20 @@
 // The group reader's quick way for plain lines and its general way for
 // other line ends, blanks and signs give the same groups and line numbers;
-// the writer's quick way for whole numbers gives the shortest form's text.
+// its quick way for plain decimals gives the values from_chars gives; the
+// writer's quick ways for codes, whole numbers and repeated values give the
+// shortest form's text.
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
 
 #include <gtest/gtest.h>
 
 #include <charconv>
+#include <cmath>
 #include <cstdio>
+#include <cstdint>
+#include <cstring>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -33,28 +39,68 @@ TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
     EXPECT_FALSE(reader.next(g));
 }
 
+TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
+{
+    std::vector<std::string> texts = {"0", "-0", "7", "-627", "0.5999999999999998", "-0.6666666666666665",
+                                      "-1.3333333333333335", "9007199254740992", "9007199254740993",
+                                      "0.9007199254740993", "12345678901234567", "123456789012345678",
+                                      "1.00000000000000000", "0.1", "2.50", "00012.5", "1e5", "6.123233995736766e-17",
+                                      "1.", ".5", "-.5", "+3.25", " 4.5\t", "0.00000000000000001"};
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 20000; ++i) {
+        double value;
+        const std::uint64_t bits = random();
+        std::memcpy(&value, &bits, sizeof value);
+        if (i % 2)
+            value = double(bits % 100000000) / double(1 + random() % 1000000);
+        if (!std::isfinite(value))
+            continue;
+        char text[64];
+        texts.emplace_back(text, std::to_chars(text, text + sizeof text, value).ptr);
+        texts.emplace_back(text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed).ptr);
+    }
+    for (const std::string& text : texts) {
+        std::string_view digits = kaldo::dxf::trimmed(text);
+        if (digits.starts_with('+'))
+            digits.remove_prefix(1);
+        double expected = 0;
+        const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), expected);
+        const kaldo::dxf::Group g{40, text, 1};
+        if (ec != std::errc() || end != digits.data() + digits.size()) {
+            EXPECT_THROW(kaldo::dxf::toReal(g), std::exception) << text;
+            continue;
+        }
+        const double read = kaldo::dxf::toReal(g);
+        EXPECT_EQ(std::memcmp(&read, &expected, sizeof read), 0) << text << " read as " << read;
+    }
+}
+
 TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
 {
-    std::vector<double> values = {-0.0, 1e15, 99999.5, 0.1, 6.123233995736766e-17, 4503599627370497.0};
+    std::vector<double> values = {-0.0, 1e15, 99999.5, 0.1, 0.1, 6.123233995736766e-17, 6.123233995736766e-17,
+                                  -6.123233995736766e-17, 4503599627370497.0};
     for (int whole = -100000; whole <= 100000; ++whole)
         values.push_back(whole);
+    // The codes right-aligned in three places, wider ones as they are.
+    const std::vector<std::pair<int, std::string>> codes = {
+        {0, "  0"}, {5, "  5"}, {40, " 40"}, {105, "105"}, {999, "999"}, {1071, "1071"}, {-4, "-4"}};
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
     ASSERT_TRUE(file);
     {
         kaldo::dxf::GroupWriter writer(fileno(file.get()));
-        for (const double value : values)
-            writer.real(40, value);
+        for (std::size_t i = 0; i < values.size(); ++i)
+            writer.real(codes[i % codes.size()].first, values[i]);
         writer.flush();
     }
     std::string written(std::size_t(std::ftell(file.get())), '\0');
     std::rewind(file.get());
     written.resize(std::fread(written.data(), 1, written.size(), file.get()));
     std::size_t at = 0;
-    for (const double value : values) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
         char text[64];
-        char* const end = std::to_chars(text, text + sizeof text, value).ptr;
-        const std::string expected = " 40\n" + std::string(text, end) + "\n";
-        ASSERT_EQ(written.substr(at, expected.size()), expected) << value;
+        char* const end = std::to_chars(text, text + sizeof text, values[i]).ptr;
+        const std::string expected = codes[i % codes.size()].second + "\n" + std::string(text, end) + "\n";
+        ASSERT_EQ(written.substr(at, expected.size()), expected) << values[i];
         at += expected.size();
     }
     EXPECT_EQ(at, written.size());

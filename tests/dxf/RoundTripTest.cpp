@@ -1,9 +1,11 @@
 // Drawings written and read back: every modelled value, handles, header
-// variables and the multiline flags survive.
+// variables and the multiline flags survive; neighbouring vertices with
+// the same lists share one record, copied and changed as records of their own.
 #include "DxfText.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -135,6 +137,80 @@ TEST(DxfRoundTrip, MultilinesKeepVerticesMitersListsAndAllSixteenFlagCombination
             EXPECT_EQ(b->parametersAt(v)->elements, a->parametersAt(v)->elements);
         }
     }
+}
+
+TEST(DxfRoundTrip, EqualListsOfNeighboursShareOneRecordThatCopiesAndEditsKeepApart)
+{
+    KxDbDatabase db;
+    KxDbMline* straight = addMline(db, {{0, 0}, {1, 0}, {2, 0}, {3, 0}, {4, 0}});
+    // Vertex 3's fill list differs from vertex 2's only by the sign of a zero.
+    KxArray params;
+    straight->getParametersAt(3, params);
+    KxDbMlineParamsPtr signedZero = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+    signedZero->elements = KxDbMlineVertexParams::fromArray(params)->elements;
+    KxDbMlineVertexParams::fromArray(params)->release();
+    signedZero->elements[0].areaFill = {signedZero->elements[0].areaFill[0], -0.0};
+    params.removeAll();
+    params.append(signedZero.get());
+    straight->setParametersAt(3, params);
+    // Multilines of one, then again two elements after it: the reader's
+    // vertices of one multiline are reused for the next.
+    KxDbDictionary* styles = nullptr;
+    ASSERT_EQ(db.getMLStyleDictionary(styles, KxDb::kForWrite), Kald::eOk);
+    auto* single = new KxDbMlineStyle;
+    single->setName(L"Single");
+    int index = 0;
+    single->addElement(index, 0.25, KxCmColor(), db.byLayerLinetype(), false);
+    KxDbObjectId singleId;
+    styles->setAt(L"Single", single, singleId);
+    single->close();
+    styles->close();
+    db.setCmlstyleID(singleId);
+    const KxDbMline* one = addMline(db, {{0, 5}, {3, 9}, {6, 5}});
+    db.setCmlstyleID(straight->style());
+    const KxDbMline* two = addMline(db, {{0, 10}, {5, 12}});
+
+    kaldo::dxf::KeptSections kept;
+    const std::string text = toDxfText(db, kept);
+    kaldo::dxf::DxfDrawing back = fromDxfText(text);
+    KxDbMline* read = firstEntity<KxDbMline>(*back.database);
+    ASSERT_NE(read, nullptr);
+    ASSERT_EQ(read->numVertices(), 5);
+    const std::array<const KxDbMline*, 3> written = {straight, one, two};
+    for (std::size_t m = 0; m < written.size(); ++m) {
+        const KxDbMline* other = firstEntity<KxDbMline>(*back.database, int(m));
+        ASSERT_NE(other, nullptr);
+        ASSERT_EQ(other->numVertices(), written[m]->numVertices());
+        for (int v = 0; v < other->numVertices(); ++v)
+            EXPECT_EQ(other->parametersAt(v)->elements, written[m]->parametersAt(v)->elements) << m << ", " << v;
+    }
+    EXPECT_EQ(read->parametersAt(0), read->parametersAt(1));
+    EXPECT_EQ(read->parametersAt(1), read->parametersAt(2));
+    EXPECT_NE(read->parametersAt(2), read->parametersAt(3));
+    EXPECT_TRUE(std::signbit(read->parametersAt(3)->elements[0].areaFill[1]));
+    EXPECT_FALSE(std::signbit(read->parametersAt(2)->elements[0].areaFill[1]));
+    EXPECT_EQ(toDxfText(back), text);
+
+    KxDbMline copy;
+    ASSERT_EQ(copy.copyFrom(read), Kald::eOk);
+    EXPECT_EQ(copy.parametersAt(0), copy.parametersAt(2));
+    for (int v = 0; v < 5; ++v) {
+        EXPECT_NE(copy.parametersAt(v), read->parametersAt(v)) << v;
+        EXPECT_EQ(copy.parametersAt(v)->elements, read->parametersAt(v)->elements) << v;
+    }
+
+    // A changed copy set on one vertex leaves its neighbours as they were.
+    const std::vector<KxDbMlineElementParams> before = read->parametersAt(0)->elements;
+    KxDbMlineParamsPtr broken = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+    broken->elements = before;
+    broken->elements[1].element = {before[1].element[0], 0.25, 0.5};
+    params.removeAll();
+    params.append(broken.get());
+    ASSERT_EQ(read->setParametersAt(1, params), Kald::eOk);
+    EXPECT_EQ(read->parametersAt(0)->elements, before);
+    EXPECT_EQ(read->parametersAt(2)->elements, before);
+    EXPECT_EQ(read->parametersAt(1)->elements[1].element, (std::vector<double>{before[1].element[0], 0.25, 0.5}));
+    EXPECT_EQ(copy.parametersAt(1)->elements, before);
 }
 
 TEST(DxfRoundTrip, HeaderVariablesAndCurrentStyleSurvive)
