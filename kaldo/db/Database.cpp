@@ -266,6 +266,15 @@ Kald::ErrorStatus KxDbDatabase::setMeasurement(int value)
     return Kald::eOk;
 }
 
+Kald::ErrorStatus KxDbDatabase::setTilemode(int value)
+{
+    if (value != 0 && value != 1)
+        return Kald::eOutOfRange;
+    m_tilemode = value;
+    noteChange();
+    return Kald::eOk;
+}
+
 Kald::ErrorStatus KxDbDatabase::setDimzin(int value)
 {
     if (value < 0 || value > 15)

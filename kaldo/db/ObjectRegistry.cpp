@@ -106,3 +106,9 @@ KxDbDatabase* KxDbObjectId::database() const
     const KxDbObject* obj = kaldo::lookupObject(*this);
     return obj ? obj->database() : nullptr;
 }
+
+const KxRxClass* KxDbObjectId::objectClass() const
+{
+    const KxDbObject* obj = kaldo::lookupObject(*this);
+    return obj ? obj->isA() : nullptr;
+}

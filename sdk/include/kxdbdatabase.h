@@ -92,6 +92,9 @@ public:
     Kald::ErrorStatus setMeasurement(int value);  // 0 imperial, 1 metric
     int dimzin() const { return m_dimzin; }
     Kald::ErrorStatus setDimzin(int value);  // 0..15
+    // 1 while model space is shown, 0 while a layout is.
+    int tilemode() const { return m_tilemode; }
+    Kald::ErrorStatus setTilemode(int value);  // 0 or 1
     const KxGePoint3d& ucsorg() const { return m_ucsOrigin; }
     const KxGeVector3d& ucsxdir() const { return m_ucsXDir; }
     const KxGeVector3d& ucsydir() const { return m_ucsYDir; }
@@ -134,6 +137,7 @@ private:
     double m_cmlscale = 1.0;
     int m_measurement = 0;
     int m_dimzin = 0;
+    int m_tilemode = 1;
     KxGePoint3d m_ucsOrigin;
     KxGeVector3d m_ucsXDir{1, 0, 0};
     KxGeVector3d m_ucsYDir{0, 1, 0};

@@ -124,6 +124,10 @@ TEST_F(StyleDialogsTest, ManagerButtonsFollowTheSelectedStyleAndTheListAfterDele
     // halves and the start line cap in two halves.
     EXPECT_FALSE(QImage(QString::fromStdString((root() / "walls.png").string())).isNull());
     EXPECT_EQ(dialog.preview().drawer().drawables().size(), 6);
+    for (const KxGiDrawable* drawable : dialog.preview().drawer().drawables()) {
+        EXPECT_EQ(drawable->lineWeight(), KxDb::kLnWtByLwDefault);
+        EXPECT_NEAR(drawable->linetypeScale(), 1.0, kTol);
+    }
     EXPECT_EQ(dialog.previewRecord().elements.size(), 2u);
 }
 
