@@ -35,6 +35,7 @@ Kald::ErrorStatus KxDbObject::erase(bool erasing)
     if (!isWriteEnabled())
         return Kald::eNotOpenForWrite;
     m_erased = erasing;
+    kaldo::setErased(m_id, erasing);
     return Kald::eOk;
 }
 
