@@ -112,6 +112,8 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
     EXPECT_EQ(report.file["fixes"].toArray().size(), 0);
     EXPECT_EQ(report.file["cmlstyle"].toString(), "BRICK");
     EXPECT_THAT(fileText(drawn), HasSubstr("$TILEMODE\n 70\n0\n"));
+    const KaldoRun reopened = kaldo.runScript("TILEMODE\n\n", {QString::fromStdString(drawn.string())});
+    EXPECT_THAT(reopened.out, HasSubstr("Enter new value for TILEMODE <0>: \n")) << "read back with the drawing";
     ASSERT_EQ(report.file["mlines"].toArray().size(), 1);
     EXPECT_EQ(report.file["mlines"][0]["style"].toString(), "BRICK");
     EXPECT_EQ(report.file["mlines"][0]["vertices"][0]["element"].toArray().size(), 3);
