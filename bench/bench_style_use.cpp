@@ -1,7 +1,7 @@
 // The walk the style manager runs on every selection change: is the selected
 // style used by any multiline? A drawing of 1 000 000 entities (lines and
 // multilines of another style) whose only use of the selected style is the
-// last entity, so the walk opens every entity once.
+// last entity, so the walk passes every entity once.
 #include "kxdb.h"
 #include "styledlg/StyleUse.h"
 

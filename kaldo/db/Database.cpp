@@ -256,14 +256,21 @@ std::wstring KxDbDatabase::cmlstyleName() const
     return style->name();
 }
 
-Kald::ErrorStatus KxDbDatabase::setCmljust(int justification)
+// Header whole numbers run from 0 to highest; the old header is recorded for
+// undo before the change.
+Kald::ErrorStatus KxDbDatabase::setHeaderInt(int Header::*field, int value, int highest)
 {
-    if (justification < 0 || justification > 2)
+    if (value < 0 || value > highest)
         return Kald::eOutOfRange;
     m_undo->recordHeader();
-    m_header.cmljust = justification;
+    m_header.*field = value;
     noteChange();
     return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDatabase::setCmljust(int justification)
+{
+    return setHeaderInt(&Header::cmljust, justification, 2);
 }
 
 Kald::ErrorStatus KxDbDatabase::setCmlscale(double scale)
@@ -285,22 +292,17 @@ Kald::ErrorStatus KxDbDatabase::setCmlscale(double scale)
 
 Kald::ErrorStatus KxDbDatabase::setMeasurement(int value)
 {
-    if (value != 0 && value != 1)
-        return Kald::eOutOfRange;
-    m_undo->recordHeader();
-    m_header.measurement = value;
-    noteChange();
-    return Kald::eOk;
+    return setHeaderInt(&Header::measurement, value, 1);
+}
+
+Kald::ErrorStatus KxDbDatabase::setTilemode(int value)
+{
+    return setHeaderInt(&Header::tilemode, value, 1);
 }
 
 Kald::ErrorStatus KxDbDatabase::setDimzin(int value)
 {
-    if (value < 0 || value > 15)
-        return Kald::eOutOfRange;
-    m_undo->recordHeader();
-    m_header.dimzin = value;
-    noteChange();
-    return Kald::eOk;
+    return setHeaderInt(&Header::dimzin, value, 15);
 }
 
 Kald::ErrorStatus KxDbDatabase::setUcs(const KxGePoint3d& origin, const KxGeVector3d& xDir, const KxGeVector3d& yDir)

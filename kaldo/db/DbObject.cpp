@@ -38,6 +38,7 @@ Kald::ErrorStatus KxDbObject::erase(bool erasing)
         return Kald::eNotOpenForWrite;
     kaldo::recordBeforeChange(*this);
     m_erased = erasing;
+    kaldo::setErased(m_id, erasing);
     return Kald::eOk;
 }
 
@@ -115,15 +116,32 @@ Kald::ErrorStatus KxDbEntity::setLayer(KxDbObjectId layer)
     return Kald::eOk;
 }
 
-Kald::ErrorStatus KxDbEntity::setColor(const KxCmColor& color)
+Kald::ErrorStatus KxDbEntity::setColor(const KxCmColor& color, bool)
 {
     m_color = color;
     return Kald::eOk;
 }
 
-Kald::ErrorStatus KxDbEntity::setLinetype(KxDbObjectId linetype)
+Kald::ErrorStatus KxDbEntity::setLinetype(KxDbObjectId linetype, bool)
 {
     m_linetype = linetype;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbEntity::setLineWeight(int weight, bool)
+{
+    constexpr int kHeaviest = 211;
+    if (weight < KxDb::kLnWtByLwDefault || weight > kHeaviest)
+        return Kald::eInvalidInput;
+    m_lineWeight = weight;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbEntity::setLinetypeScale(double scale, bool)
+{
+    if (!(scale > 0))
+        return Kald::eInvalidInput;
+    m_linetypeScale = scale;
     return Kald::eOk;
 }
 
@@ -152,5 +170,7 @@ Kald::ErrorStatus KxDbEntity::copyFrom(const KxDbObject* other)
     m_layer = src->m_layer;
     m_color = src->m_color;
     m_linetype = src->m_linetype;
+    m_lineWeight = src->m_lineWeight;
+    m_linetypeScale = src->m_linetypeScale;
     return Kald::eOk;
 }

@@ -1,6 +1,7 @@
 #include "kaldo/db/ObjectRegistry.h"
 
 #include <array>
+#include <bitset>
 #include <memory>
 #include <vector>
 
@@ -32,7 +33,10 @@ public:
         std::unique_ptr<Page>& page = m_pages[index];
         if (!page)
             page = std::make_unique<Page>();
-        page->slots[slotOf(serial)] = obj;
+        const std::size_t slot = slotOf(serial);
+        page->slots[slot] = obj;
+        page->classes[slot] = obj->isA();
+        page->erased[slot] = obj->isErased();
         ++page->live;
     }
 
@@ -46,24 +50,52 @@ public:
         if (!slot)
             return;
         slot = nullptr;
+        page.classes[slotOf(serial)] = nullptr;
         if (--page.live == 0)
             m_pages[index].reset();
     }
 
     KxDbObject* find(std::uint64_t serial) const
     {
+        const Page* page = pageFor(serial);
+        return page ? page->slots[slotOf(serial)] : nullptr;
+    }
+
+    const KxRxClass* classOf(std::uint64_t serial) const
+    {
+        const Page* page = pageFor(serial);
+        return page ? page->classes[slotOf(serial)] : nullptr;
+    }
+
+    bool isLive(std::uint64_t serial) const
+    {
+        const Page* page = pageFor(serial);
+        return page && page->slots[slotOf(serial)] && !page->erased[slotOf(serial)];
+    }
+
+    void setErased(std::uint64_t serial, bool erased)
+    {
         const std::size_t index = pageOf(serial);
-        if (index >= m_pages.size() || !m_pages[index])
-            return nullptr;
-        return m_pages[index]->slots[slotOf(serial)];
+        if (index < m_pages.size() && m_pages[index] && m_pages[index]->slots[slotOf(serial)])
+            m_pages[index]->erased[slotOf(serial)] = erased;
     }
 
 private:
     static constexpr unsigned kPageBits = 12;
+    static constexpr std::size_t kPageSlots = std::size_t(1) << kPageBits;
+    // The class and the erased flag sit beside the object pointer, densely,
+    // so that a walk reads them in order instead of one object after another.
     struct Page {
-        std::array<KxDbObject*, std::size_t(1) << kPageBits> slots{};
+        std::array<KxDbObject*, kPageSlots> slots{};
+        std::array<const KxRxClass*, kPageSlots> classes{};
+        std::bitset<kPageSlots> erased;
         std::size_t live = 0;
     };
+    const Page* pageFor(std::uint64_t serial) const
+    {
+        const std::size_t index = pageOf(serial);
+        return index < m_pages.size() ? m_pages[index].get() : nullptr;
+    }
     static std::size_t pageOf(std::uint64_t serial) { return std::size_t(serial >> kPageBits); }
     static std::size_t slotOf(std::uint64_t serial) { return std::size_t(serial & ((1u << kPageBits) - 1)); }
 
@@ -99,6 +131,21 @@ KxDbObject* lookupObject(KxDbObjectId id)
     return registry().find(id.asOldId());
 }
 
+const KxRxClass* registeredClass(KxDbObjectId id)
+{
+    return registry().classOf(id.asOldId());
+}
+
+bool isRegisteredLive(KxDbObjectId id)
+{
+    return registry().isLive(id.asOldId());
+}
+
+void setErased(KxDbObjectId id, bool erased)
+{
+    registry().setErased(id.asOldId(), erased);
+}
+
 }  // namespace kaldo
 
 bool KxDbObjectId::isValid() const
@@ -116,4 +163,9 @@ KxDbDatabase* KxDbObjectId::database() const
 {
     const KxDbObject* obj = kaldo::lookupObject(*this);
     return obj ? obj->database() : nullptr;
+}
+
+const KxRxClass* KxDbObjectId::objectClass() const
+{
+    return kaldo::registeredClass(*this);
 }

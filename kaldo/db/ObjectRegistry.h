@@ -5,6 +5,7 @@
 #include "kxdbid.h"
 
 class KxDbObject;
+class KxRxClass;
 
 namespace kaldo {
 
@@ -15,5 +16,11 @@ void registerObjectAs(KxDbObjectId id, KxDbObject* obj);
 void unregisterObject(KxDbObjectId id);
 // The live object id names, or null.
 KxDbObject* lookupObject(KxDbObjectId id);
+// What the table knows of an object without reading it: its class (taken
+// when it is registered) and whether it is erased (told by setErased), so
+// that walks over many ids touch only the objects they open.
+const KxRxClass* registeredClass(KxDbObjectId id);
+bool isRegisteredLive(KxDbObjectId id);
+void setErased(KxDbObjectId id, bool erased);
 
 }  // namespace kaldo

@@ -18,8 +18,7 @@ namespace {
 
 bool isLive(KxDbObjectId id)
 {
-    const KxDbObject* obj = kaldo::lookupObject(id);
-    return obj && !obj->isErased();
+    return kaldo::isRegisteredLive(id);
 }
 
 void skipErasedIds(const std::vector<KxDbObjectId>& ids, std::size_t& pos)

@@ -141,6 +141,8 @@ void UndoHistory::exchange(ObjectRecord& record)
         live->copyFrom(record.object.get());
         std::swap(live->m_owner, record.owner);
         std::swap(live->m_erased, record.erased);
+        // Walks over ids read the erased flag from the id table.
+        setErased(record.id, live->m_erased);
         record.object = std::move(current);
         break;
     }

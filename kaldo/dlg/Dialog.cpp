@@ -126,6 +126,11 @@ void CDialog::OnSizing(int, CRect*) {}
 
 void CDialog::OnDestroy() {}
 
+bool CDialog::PreTranslateMessage(MSG*)
+{
+    return false;
+}
+
 void DDX_Control(CDataExchange* dx, int id, CWnd& control)
 {
     if (dx && !control.GetSafeHwnd())

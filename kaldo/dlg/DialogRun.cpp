@@ -5,6 +5,7 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -41,9 +42,49 @@ int draggedEdge(const QRect& before, const QRect& after)
     return WMSZ_BOTTOM;
 }
 
+// The virtual-key code of a Qt key; 0 for a key without one.
+unsigned virtualKey(int key)
+{
+    switch (key) {
+    case Qt::Key_Backspace: return VK_BACK;
+    case Qt::Key_Tab: return VK_TAB;
+    case Qt::Key_Return:
+    case Qt::Key_Enter: return VK_RETURN;
+    case Qt::Key_Escape: return VK_ESCAPE;
+    case Qt::Key_Space: return VK_SPACE;
+    case Qt::Key_Left: return VK_LEFT;
+    case Qt::Key_Up: return VK_UP;
+    case Qt::Key_Right: return VK_RIGHT;
+    case Qt::Key_Down: return VK_DOWN;
+    default: break;
+    }
+    const bool letterOrDigit = (key >= Qt::Key_0 && key <= Qt::Key_9) || (key >= Qt::Key_A && key <= Qt::Key_Z);
+    return letterOrDigit ? unsigned(key) : 0;
+}
+
+// Hands the events of the whole application to a function before their
+// receivers see them: keys go to whichever widget has the focus, so only
+// an application-wide filter sees them before the dialog's items do.
+class ApplicationFilter : public QObject {
+public:
+    explicit ApplicationFilter(std::function<bool(QObject*, QEvent*)> filter) : filter_(std::move(filter))
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override { return filter_(watched, event); }
+
+private:
+    std::function<bool(QObject*, QEvent*)> filter_;
+};
+
 }  // namespace
 
-DialogRun::DialogRun(CDialog& dialog, QDialog& window) : dialog_(dialog), window_(window)
+DialogRun::DialogRun(CDialog& dialog, QDialog& window)
+    : dialog_(dialog), window_(window),
+      keyHook_(std::make_unique<ApplicationFilter>(
+          [this](QObject* receiver, QEvent* event) { return preTranslate(receiver, event); }))
 {
     connect(&window_, &QDialog::finished, this, [this] { subject_.ended = true; });
     window_.installEventFilter(this);
@@ -73,6 +114,18 @@ void DialogRun::notify(int id, int code, int index)
 {
     if (window_.isVisible())
         guard([&] { dialog_.OnNotify(id, code, index); });
+}
+
+bool DialogRun::preTranslate(QObject* receiver, QEvent* event)
+{
+    const bool keyDown = event->type() == QEvent::KeyPress;
+    if ((!keyDown && event->type() != QEvent::KeyRelease) || !receiver->isWidgetType() || !window_.isVisible()
+        || !window_.isAncestorOf(static_cast<QWidget*>(receiver)))
+        return false;
+    MSG message{keyDown ? WM_KEYDOWN : WM_KEYUP, virtualKey(static_cast<QKeyEvent*>(event)->key())};
+    bool handled = false;
+    guard([&] { handled = dialog_.PreTranslateMessage(&message); });
+    return handled;
 }
 
 void DialogRun::connectItems()

@@ -1,5 +1,6 @@
-// One modal run of a dialog object on its loaded window: the items'
-// notifications and the window's keys, closing and sizing go to the
+// One modal run of a dialog object on its loaded window: every key for the
+// window or its items goes first to the dialog's PreTranslateMessage; the
+// items' notifications and the window's keys, closing and sizing go to the
 // dialog's handlers; an exception a handler throws is kept, ends the
 // dialog, and is handed back to the caller once the window is gone.
 #pragma once
@@ -11,6 +12,7 @@
 
 #include <exception>
 #include <functional>
+#include <memory>
 
 class CDialog;
 class QDialog;
@@ -34,11 +36,15 @@ private:
     void connectItems();
     void command(int id, int code);
     void notify(int id, int code, int index);
+    // A key for the window or one of its items; true when the dialog
+    // handled it.
+    bool preTranslate(QObject* receiver, QEvent* event);
     // A size the user dragged the window to, limited by OnSizing.
     void limitSizing(const QRect& previous);
 
     CDialog& dialog_;
     QDialog& window_;
+    std::unique_ptr<QObject> keyHook_;
     ModalSubject subject_;
     std::exception_ptr failure_;
     QRect geometry_;  // the window's frame before the latest size change

@@ -1,6 +1,7 @@
 // The drawable previewer: a canvas laid over the control that paints the
 // renderer's scene of the drawables, fitted to the canvas with a margin.
 #include "kaldo/view/DrawingRenderer.h"
+#include "kaldo/view/Picture.h"
 #include "kaldo/view/PngExport.h"
 #include "kxgipreview.h"
 
@@ -134,7 +135,7 @@ double KaldGiDrawablePreviewer::unitSquarePerPixel() const
     return canvas ? canvas->unitSquarePerPixel() : 0;
 }
 
-std::uint32_t getBKGColor(bool, void*, void*)
+std::uint32_t getBKGColor(bool modelSpace, void*, void*)
 {
-    return 0xffffff;
+    return kaldo::view::backgroundRgb(kaldo::view::windowBackground(modelSpace));
 }

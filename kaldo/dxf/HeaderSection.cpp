@@ -18,9 +18,9 @@ namespace kaldo::dxf {
 namespace {
 
 // The variables the database holds; every other one is kept.
-constexpr std::array<std::string_view, 15> kModelled = {
-    "$ACADVER", "$HANDSEED", "$CMLSTYLE", "$CMLJUST", "$CMLSCALE", "$MEASUREMENT", "$DIMZIN", "$CLAYER",
-    "$CELTYPE", "$CECOLOR", "$UCSORG", "$UCSXDIR", "$UCSYDIR", "$EXTMIN", "$EXTMAX"};
+constexpr std::array<std::string_view, 16> kModelled = {
+    "$ACADVER", "$HANDSEED", "$CMLSTYLE", "$CMLJUST", "$CMLSCALE", "$MEASUREMENT", "$DIMZIN", "$TILEMODE",
+    "$CLAYER", "$CELTYPE", "$CECOLOR", "$UCSORG", "$UCSXDIR", "$UCSYDIR", "$EXTMIN", "$EXTMAX"};
 
 bool isModelled(std::string_view name)
 {
@@ -72,6 +72,9 @@ void apply(const Variable& v, ReadContext& context, KxGePoint3d ucs[3])
             badValue();
     } else if (v.name == "$DIMZIN") {
         if (db.setDimzin(int(toInteger(first))) != Kald::eOk)
+            badValue();
+    } else if (v.name == "$TILEMODE") {
+        if (db.setTilemode(int(toInteger(first))) != Kald::eOk)
             badValue();
     } else if (v.name == "$CLAYER") {
         context.clayerName = std::string(trimmed(first.value));
@@ -199,6 +202,12 @@ void writeHeaderSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
     w.point(10, extents.min);
     w.text(9, "$EXTMAX");
     w.point(10, extents.max);
+    // Model space shown is the default: a drawing that never left it is
+    // written without the variable.
+    if (db.tilemode() != 1) {
+        w.text(9, "$TILEMODE");
+        w.integer(70, db.tilemode());
+    }
     for (const KeptHeaderVariable& v : kept.header) {
         w.text(9, v.name);
         for (const KxDbFileGroup& g : v.groups)

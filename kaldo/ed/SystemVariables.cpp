@@ -116,7 +116,8 @@ const std::array kDefinitions = {
     Definition{L"MEASUREMENT", RTSHORT, short(0), 0, 1, readShort<&KxDbDatabase::measurement>,
                writeShort<&KxDbDatabase::setMeasurement>},
     Definition{L"PICKBOX", RTSHORT, short(3), 0, 50},
-    Definition{L"TILEMODE", RTSHORT, short(1), 0, 1},
+    Definition{L"TILEMODE", RTSHORT, short(1), 0, 1, readShort<&KxDbDatabase::tilemode>,
+               writeShort<&KxDbDatabase::setTilemode>},
     Definition{L"UCSXDIR", RT3DPOINT, KxGePoint3d(), 0, 0, readDirection<&KxDbDatabase::ucsxdir>},
     Definition{L"UCSYDIR", RT3DPOINT, KxGePoint3d(), 0, 0, readDirection<&KxDbDatabase::ucsydir>},
 };

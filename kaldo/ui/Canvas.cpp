@@ -16,7 +16,8 @@ namespace kaldo::ui {
 
 namespace {
 
-constexpr view::Background kBackground = view::Background::Dark;
+// The window draws model space.
+constexpr view::Background kBackground = view::windowBackground(true);
 // Half the side of the snap aperture and of the snap marker, in pixels.
 constexpr double kSnapAperture = 10;
 constexpr double kMarker = 6;

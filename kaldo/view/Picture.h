@@ -43,6 +43,12 @@ private:
 };
 
 std::uint32_t backgroundRgb(Background background);
+// The drawing window's background, the one place that chooses it: dark
+// behind model space, white (the paper) behind a layout.
+constexpr Background windowBackground(bool modelSpace)
+{
+    return modelSpace ? Background::Dark : Background::White;
+}
 // 0xRRGGBB of a colour on this background.
 std::uint32_t pictureRgb(const DrawColor& color, Background background);
 

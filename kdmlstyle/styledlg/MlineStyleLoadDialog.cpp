@@ -136,4 +136,14 @@ void CKaldMlineStyleLoadDialog::OnOK()
     EndDialog(IDOK);
 }
 
+bool CKaldMlineStyleLoadDialog::PreTranslateMessage(MSG* msg)
+{
+    const bool key = msg->message >= WM_KEYFIRST && msg->message <= WM_KEYLAST;
+    if (key && (msg->wParam == VK_RETURN || msg->wParam == VK_SPACE)) {
+        OnCancel();
+        return true;
+    }
+    return CDialog::PreTranslateMessage(msg);
+}
+
 }  // namespace kdml

@@ -2,7 +2,8 @@
 // Support folder's KALDO.mln, or the file chosen last), lets the user choose
 // another file, and copies the confirmed style into the drawing. A style
 // name that a multiline of the drawing uses is refused with a message and
-// the dialog stays open.
+// the dialog stays open. Enter and Space cancel: only OK and a double click
+// confirm a style.
 #pragma once
 
 #include "kxdbid.h"
@@ -34,6 +35,7 @@ protected:
     void DoDataExchange(CDataExchange* dx) override;
     bool OnCommand(int id, int code) override;
     void OnOK() override;
+    bool PreTranslateMessage(MSG* msg) override;
 
 private:
     void browse();

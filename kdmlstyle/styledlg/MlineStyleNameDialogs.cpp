@@ -1,7 +1,6 @@
 #include "styledlg/MlineStyleNameDialogs.h"
 
 #include "styledlg/StyleNameRules.h"
-#include "ui/DialogPlacement.h"
 
 #include "kxhost.h"
 
@@ -23,33 +22,65 @@ enum Item : int {
     kRenameStyles = 1065,
 };
 
-// OK follows the naming rules for the name as it is now.
-void enableOkForName(CDialog& dialog, const std::wstring& name, const CComboBox& existing)
-{
-    dialog.GetDlgItem(IDOK)->EnableWindow(isAcceptableStyleName(name, existing));
-}
-
 }  // namespace
 
-CKaldMlineStyleNewDialog::CKaldMlineStyleNewDialog(CWnd* parent) : CDialog(kTemplateId, parent)
+CKaldMlineStyleNameDialog::CKaldMlineStyleNameDialog(unsigned templateId, int nameItem, int stylesItem,
+                                                     const PlacementKeys& placement, CWnd* parent)
+    : CDialog(templateId, parent), m_nameItem(nameItem), m_stylesItem(stylesItem), m_placement(placement)
 {
     m_nameEdit.setMaxChars(kMaxNameLength);
 }
 
-void CKaldMlineStyleNewDialog::DoDataExchange(CDataExchange* dx)
+void CKaldMlineStyleNameDialog::DoDataExchange(CDataExchange* dx)
 {
     CDialog::DoDataExchange(dx);
-    DDX_Control(dx, kNewName, m_nameEdit);
-    DDX_Control(dx, kStartStyle, m_styles);
-    DDX_Text(dx, kNewName, m_newName);
+    DDX_Control(dx, m_nameItem, m_nameEdit);
+    DDX_Control(dx, m_stylesItem, m_styles);
+    DDX_Text(dx, m_nameItem, m_newName);
+}
+
+bool CKaldMlineStyleNameDialog::OnInitDialog()
+{
+    CDialog::OnInitDialog();
+    addStyleNames(m_styles, m_dictionaryId);
+    restorePlacement(*this, m_placement);
+    SetIcon(GetOemAppIcon());
+    return true;
+}
+
+bool CKaldMlineStyleNameDialog::OnCommand(int id, int code)
+{
+    if (id == m_nameItem && code == EN_CHANGE) {
+        if (m_nameEdit.onTextChanged())
+            GetDlgItem(IDOK)->EnableWindow(isAcceptableStyleName(m_nameEdit.GetWindowText(), m_styles));
+        return true;
+    }
+    return CDialog::OnCommand(id, code);
+}
+
+void CKaldMlineStyleNameDialog::OnOK()
+{
+    if (!UpdateData(true))
+        return;
+    storePlacement(*this, m_placement);
+    EndDialog(IDOK);
+}
+
+CKaldMlineStyleNewDialog::CKaldMlineStyleNewDialog(CWnd* parent)
+    : CKaldMlineStyleNameDialog(kTemplateId, kNewName, kStartStyle, kNewStylePlacement, parent)
+{
+}
+
+void CKaldMlineStyleNewDialog::DoDataExchange(CDataExchange* dx)
+{
+    CKaldMlineStyleNameDialog::DoDataExchange(dx);
     if (dx->m_bSaveAndValidate)
         m_startStyle = m_styles.GetWindowText();
 }
 
 bool CKaldMlineStyleNewDialog::OnInitDialog()
 {
-    CDialog::OnInitDialog();
-    addStyleNames(m_styles, m_dictionaryId);
+    CKaldMlineStyleNameDialog::OnInitDialog();
     int start = -1;
     for (int row = 0; row < m_styles.GetCount() && start < 0; ++row) {
         const std::wstring text = m_styles.GetLBText(row);
@@ -60,69 +91,25 @@ bool CKaldMlineStyleNewDialog::OnInitDialog()
         m_styles.SetCurSel(start);
     else
         m_styles.SetWindowText(m_startStyle);
-    restorePlacement(*this, kNewStylePlacement);
-    SetIcon(GetOemAppIcon());
     return true;
 }
 
-bool CKaldMlineStyleNewDialog::OnCommand(int id, int code)
+CKaldMlineStyleRenameDialog::CKaldMlineStyleRenameDialog(CWnd* parent)
+    : CKaldMlineStyleNameDialog(kTemplateId, kRenameNew, kRenameStyles, kRenamePlacement, parent)
 {
-    if (id == kNewName && code == EN_CHANGE) {
-        if (m_nameEdit.onTextChanged())
-            enableOkForName(*this, m_nameEdit.GetWindowText(), m_styles);
-        return true;
-    }
-    return CDialog::OnCommand(id, code);
-}
-
-void CKaldMlineStyleNewDialog::OnOK()
-{
-    if (!UpdateData(true))
-        return;
-    storePlacement(*this, kNewStylePlacement);
-    EndDialog(IDOK);
-}
-
-CKaldMlineStyleRenameDialog::CKaldMlineStyleRenameDialog(CWnd* parent) : CDialog(kTemplateId, parent)
-{
-    m_nameEdit.setMaxChars(kMaxNameLength);
 }
 
 void CKaldMlineStyleRenameDialog::DoDataExchange(CDataExchange* dx)
 {
-    CDialog::DoDataExchange(dx);
-    DDX_Control(dx, kRenameNew, m_nameEdit);
-    DDX_Control(dx, kRenameStyles, m_styles);
+    CKaldMlineStyleNameDialog::DoDataExchange(dx);
     DDX_Text(dx, kRenameCurrent, m_currentName);
-    DDX_Text(dx, kRenameNew, m_newName);
 }
 
 bool CKaldMlineStyleRenameDialog::OnInitDialog()
 {
-    CDialog::OnInitDialog();
-    addStyleNames(m_styles, m_dictionaryId);
+    CKaldMlineStyleNameDialog::OnInitDialog();
     m_styles.SetCurSel(0);
-    restorePlacement(*this, kRenamePlacement);
-    SetIcon(GetOemAppIcon());
     return true;
-}
-
-bool CKaldMlineStyleRenameDialog::OnCommand(int id, int code)
-{
-    if (id == kRenameNew && code == EN_CHANGE) {
-        if (m_nameEdit.onTextChanged())
-            enableOkForName(*this, m_nameEdit.GetWindowText(), m_styles);
-        return true;
-    }
-    return CDialog::OnCommand(id, code);
-}
-
-void CKaldMlineStyleRenameDialog::OnOK()
-{
-    if (!UpdateData(true))
-        return;
-    storePlacement(*this, kRenamePlacement);
-    EndDialog(IDOK);
 }
 
 }  // namespace kdml

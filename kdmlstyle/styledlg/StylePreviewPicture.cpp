@@ -49,7 +49,7 @@ void CMlStylePreviewPictureDrawer::paint(CWnd& control)
     if (!m_previewer)
         m_previewer = std::make_unique<KaldGiDrawablePreviewer>(control.GetSafeHwnd(), m_database, m_drawables,
                                                                  KxGePoint2d::kOrigin, KxGePoint2d{1.0, 1.0}, -1);
-    m_previewer->setBackground(getBKGColor(true, nullptr, nullptr));
+    m_previewer->setBackground(getBKGColor(m_database && m_database->tilemode() == 1, nullptr, nullptr));
     m_previewer->update();
     m_dirty = false;
 }
@@ -89,8 +89,10 @@ void CMlStylePreviewPictureDrawer::addPreviewLine(const KxGePoint3d& from, const
     const StylePreviewElement& source = m_record->elements[std::size_t(element)];
     auto* line = new KxDbLine(from, to);
     line->setDatabaseDefaults(m_database);
-    line->setLinetype(elementLinetype ? source.linetype : m_continuous);
-    line->setColor(source.color);
+    line->setLinetype(elementLinetype ? source.linetype : m_continuous, true);
+    line->setColor(source.color, true);
+    line->setLineWeight(KxDb::kLnWtByLwDefault, true);
+    line->setLinetypeScale(1.0, true);
     m_drawables.push_back(line);
 }
 
@@ -99,8 +101,10 @@ void CMlStylePreviewPictureDrawer::addPreviewArc(const KxGePoint3d& centre, doub
 {
     auto* arc = new KxDbArc(centre, radius, startAngle, endAngle);
     arc->setDatabaseDefaults(m_database);
-    arc->setLinetype(m_continuous);
-    arc->setColor(m_record->elements[std::size_t(element)].color);
+    arc->setLinetype(m_continuous, true);
+    arc->setColor(m_record->elements[std::size_t(element)].color, true);
+    arc->setLineWeight(KxDb::kLnWtByLwDefault, true);
+    arc->setLinetypeScale(1.0, true);
     m_drawables.push_back(arc);
 }
 

@@ -34,11 +34,14 @@ bool blockUsesStyle(const KxDbBlockTableRecord& block, StyleNameMatch& matches)
 {
     const auto entities = block.newIterator();
     for (entities->start(); !entities->done(); entities->step()) {
+        // Only multilines are opened: the id answers for the class.
+        if (entities->getEntityId().objectClass() != KxDbMline::desc())
+            continue;
         KxDbEntity* opened = nullptr;
         if (entities->getEntity(opened, KxDb::kForRead) != Kald::eOk)
             continue;
         const KxDbObjectPtr<KxDbEntity> entity(opened);
-        if (entity->isA() == KxDbMline::desc() && matches(static_cast<const KxDbMline*>(opened)->style()))
+        if (matches(static_cast<const KxDbMline*>(opened)->style()))
             return true;
     }
     return false;

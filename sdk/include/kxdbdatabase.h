@@ -95,6 +95,9 @@ public:
     Kald::ErrorStatus setMeasurement(int value);  // 0 imperial, 1 metric
     int dimzin() const { return m_header.dimzin; }
     Kald::ErrorStatus setDimzin(int value);  // 0..15
+    // 1 while model space is shown, 0 while a layout is.
+    int tilemode() const { return m_header.tilemode; }
+    Kald::ErrorStatus setTilemode(int value);  // 0 or 1
     const KxGePoint3d& ucsorg() const { return m_header.ucsOrigin; }
     const KxGeVector3d& ucsxdir() const { return m_header.ucsXDir; }
     const KxGeVector3d& ucsydir() const { return m_header.ucsYDir; }
@@ -138,6 +141,7 @@ private:
         double cmlscale = 1.0;
         int measurement = 0;
         int dimzin = 0;
+        int tilemode = 1;
         KxGePoint3d ucsOrigin;
         KxGeVector3d ucsXDir{1, 0, 0};
         KxGeVector3d ucsYDir{0, 1, 0};
@@ -145,6 +149,7 @@ private:
     };
 
     void buildDefaultDrawing();
+    Kald::ErrorStatus setHeaderInt(int Header::*field, int value, int highest);
     // Takes an object out of the database as if it had never been added,
     // and puts it back: undo and redo of an addition.
     std::unique_ptr<KxDbObject> detachObject(KxDbObjectId id);

@@ -8,6 +8,7 @@
 
 class KxDbDatabase;
 class KxDbObject;
+class KxRxClass;
 
 class KxDbObjectId {
 public:
@@ -21,6 +22,9 @@ public:
     // True when the object it names is erased.
     bool isErased() const;
     KxDbDatabase* database() const;
+    // The class of the object it names, without opening it; null for an
+    // id that names no live object.
+    const KxRxClass* objectClass() const;
 
     // The serial number: the first word of the entity name.
     std::uint64_t asOldId() const { return m_serial; }

@@ -44,6 +44,8 @@ inline constexpr std::uint8_t kxdbExtendedDataPart = 255;
 
 namespace KxDb {
 enum OpenMode : int { kForRead = 0, kForWrite = 1 };
+// Lineweights: hundredths of a millimetre (0 to 211), or one of these.
+enum LineWeight : int { kLnWtByLayer = -1, kLnWtByBlock = -2, kLnWtByLwDefault = -3 };
 }
 
 class KxDbObject : public KxRxObject {
@@ -111,12 +113,22 @@ public:
 
     KxDbObjectId layerId() const { return m_layer; }
     Kald::ErrorStatus setLayer(KxDbObjectId layer);
+    // The setters' doSubents: whether an entity made of parts passes the
+    // property on to them; the host's entities have no such parts.
     const KxCmColor& color() const { return m_color; }
-    Kald::ErrorStatus setColor(const KxCmColor& color);
+    Kald::ErrorStatus setColor(const KxCmColor& color, bool doSubents = true);
     int colorIndex() const { return m_color.colorIndex(); }
     Kald::ErrorStatus setColorIndex(int index) { return m_color.setColorIndex(index); }
     KxDbObjectId linetypeId() const { return m_linetype; }
-    Kald::ErrorStatus setLinetype(KxDbObjectId linetype);
+    Kald::ErrorStatus setLinetype(KxDbObjectId linetype, bool doSubents = true);
+    // Lineweight and linetype scale as the host draws the entity (previews);
+    // a drawing file's own groups for them are kept as they were read.
+    int lineWeight() const { return m_lineWeight; }
+    // eInvalidInput for a value outside KxDb::LineWeight and 0 to 211.
+    Kald::ErrorStatus setLineWeight(int weight, bool doSubents = true);
+    double linetypeScale() const { return m_linetypeScale; }
+    // eInvalidInput for a scale that is not above 0.
+    Kald::ErrorStatus setLinetypeScale(double scale, bool doSubents = true);
 
     // Takes the database's current layer, colour and linetype (and what a
     // kind of entity takes besides); null means the host's working drawing.
@@ -131,6 +143,8 @@ private:
     KxDbObjectId m_layer;
     KxCmColor m_color;
     KxDbObjectId m_linetype;
+    int m_lineWeight = KxDb::kLnWtByLayer;
+    double m_linetypeScale = 1.0;
 };
 
 // What a class's clone does: a new T with a copy of self's data.

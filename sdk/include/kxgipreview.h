@@ -56,6 +56,6 @@ private:
     QPointer<QWidget> m_canvas;
 };
 
-// The background colour (0xRRGGBB) of the drawing window: of model space or
-// of a layout; the document context and view may be null.
+// The background colour (0xRRGGBB) the drawing window shows behind model
+// space or behind a layout; the document context and view may be null.
 std::uint32_t getBKGColor(bool modelSpace, void* documentContext, void* view);

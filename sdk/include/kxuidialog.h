@@ -71,6 +71,10 @@ public:
     virtual void OnSizing(int edge, CRect* rect);
     // The window is about to be destroyed.
     virtual void OnDestroy();
+    // Sees every keyboard message for the dialog or any of its items before
+    // they do; returns true when it handled the message, which then goes no
+    // further. The default handles nothing.
+    virtual bool PreTranslateMessage(MSG* msg);
 
 private:
     unsigned m_templateId;

@@ -51,6 +51,31 @@ inline constexpr unsigned SWP_NOSIZE = 0x1;
 inline constexpr unsigned SWP_NOMOVE = 0x2;
 inline constexpr unsigned SWP_NOZORDER = 0x4;
 
+// Keyboard messages, as a dialog's PreTranslateMessage sees them: the key
+// went down or came up, with its virtual-key code.
+inline constexpr unsigned WM_KEYFIRST = 0x0100;
+inline constexpr unsigned WM_KEYDOWN = 0x0100;
+inline constexpr unsigned WM_KEYUP = 0x0101;
+inline constexpr unsigned WM_KEYLAST = 0x0109;
+
+// Virtual-key codes. Letters and digits are their upper-case ASCII codes.
+inline constexpr unsigned VK_BACK = 0x08;
+inline constexpr unsigned VK_TAB = 0x09;
+inline constexpr unsigned VK_RETURN = 0x0D;
+inline constexpr unsigned VK_ESCAPE = 0x1B;
+inline constexpr unsigned VK_SPACE = 0x20;
+inline constexpr unsigned VK_LEFT = 0x25;
+inline constexpr unsigned VK_UP = 0x26;
+inline constexpr unsigned VK_RIGHT = 0x27;
+inline constexpr unsigned VK_DOWN = 0x28;
+
+// A message on its way to a window: its id and, for keyboard messages, the
+// virtual-key code (0 for a key without one).
+struct MSG {
+    unsigned message = 0;
+    unsigned wParam = 0;
+};
+
 struct CRect {
     int left = 0;
     int top = 0;

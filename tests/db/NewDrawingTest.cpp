@@ -73,10 +73,21 @@ TEST(NewDrawing, BlockIteratorSkipsErasedEntities)
         KxDbObjectPtr<KxDbLine> middle(ids[1], KxDb::kForWrite);
         middle->erase();
     }
-    KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
-    std::vector<KxDbObjectId> seen;
-    for (auto it = space->newIterator(); !it->done(); it->step())
-        seen.push_back(it->getEntityId());
-    EXPECT_EQ(seen, (std::vector<KxDbObjectId>{ids[0], ids[2]}));
-    EXPECT_EQ(space->numEntities(), 2);
+    const auto visited = [&] {
+        KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
+        std::vector<KxDbObjectId> seen;
+        for (auto it = space->newIterator(); !it->done(); it->step())
+            seen.push_back(it->getEntityId());
+        return seen;
+    };
+    EXPECT_EQ(visited(), (std::vector<KxDbObjectId>{ids[0], ids[2]}));
+    {
+        KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
+        EXPECT_EQ(space->numEntities(), 2);
+    }
+    {
+        KxDbObjectPtr<KxDbLine> middle(ids[1], KxDb::kForWrite, true);
+        middle->erase(false);
+    }
+    EXPECT_EQ(visited(), (std::vector<KxDbObjectId>{ids[0], ids[1], ids[2]})) << "unerased, it is walked again";
 }

@@ -75,6 +75,9 @@ TEST(OpenClose, ErasedAndWrongClassAndNull)
     EXPECT_FALSE(entity->isA()->isDerivedFrom(KxDbMline::desc()));
     entity->close();
     EXPECT_EQ(kxdbOpenObject(entity, KxDbObjectId::kNull, KxDb::kForRead), Kald::eNullObjectId);
+    // The id answers for the class without an open, erased or not.
+    EXPECT_EQ(id.objectClass(), KxDbLine::desc());
+    EXPECT_EQ(KxDbObjectId::kNull.objectClass(), nullptr);
 }
 
 TEST(OpenClose, ScopeClosesOnEveryWayOut)

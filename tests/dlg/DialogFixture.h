@@ -47,13 +47,16 @@ protected:
             dlclose(library_);
     }
 
+    // Lives until the process ends and is never destroyed: QTest's input
+    // devices would otherwise be torn down after the application they
+    // belong to.
     static QApplication& application()
     {
         static int argc = 1;
         static char name[] = "test_dlg";
         static char* argv[] = {name, nullptr};
-        static QApplication instance(argc, argv);
-        return instance;
+        static QApplication* instance = new QApplication(argc, argv);
+        return *instance;
     }
 
     // The lines the next dialogs read.

@@ -1,13 +1,16 @@
 // The style manager driven through the real binary: a style is created with
 // three elements and caps, modified, set current, renamed, drawn with,
 // saved to a new and to an existing .mln file, refused deletion while in
-// use, and loaded into a new drawing where every property comes back.
+// use, and loaded into a new drawing where every property comes back; the
+// preview's background follows the space the drawing shows.
 #include "EzdxfReport.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QColor>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -42,6 +45,19 @@ QJsonObject stylesRead(const std::filesystem::path& dxf)
     return QJsonDocument::fromJson(python.readAllStandardOutput()).object();
 }
 
+// The window's background behind model space.
+const QColor kModelSpaceBackground(0x1E, 0x23, 0x29);
+
+int pixelsOf(const std::filesystem::path& picture, const QColor& color)
+{
+    const QImage image(QString::fromStdString(picture.string()));
+    int n = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            n += image.pixelColor(x, y) == color;
+    return n;
+}
+
 std::size_t count(const std::string& text, const std::string& part)
 {
     std::size_t n = 0;
@@ -61,6 +77,8 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
                       "MLSTYLE\r\n2\r\n BRICK\r\n70\r\n 0\r\n3\r\n old\r\n71\r\n 1\r\n49\r\n 0\r\n0\r\n");
     const std::filesystem::path drawn = kaldo.dir() / "drawn.dxf";
     const std::filesystem::path loaded = kaldo.dir() / "loaded.dxf";
+    const std::filesystem::path paperPicture = kaldo.dir() / "paper.png";
+    const std::filesystem::path modelPicture = kaldo.dir() / "model.png";
 
     // New WALL from STANDARD: a third element at 0.25 in red, a start line
     // cap at 45 degrees, an end outer arc, a description. Then Modify fills
@@ -74,8 +92,10 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
         "CLICK 1033\n" + newMln.string() + "\nCLICK 1033\n" + sharedMln.string() + "\nCLICK 1\n"
         "MLINE\n0,0\n100,0\n\n"
         // In use now: no Rename, Delete or Modify. A style made and deleted
-        // (No first, then Yes) leaves nothing behind.
-        "MLSTYLE\nSELECT 1021 BRICK\nSHOW\nCLICK 1031\n"
+        // (No first, then Yes) leaves nothing behind. A layout is shown:
+        // the preview takes the paper's background.
+        "TILEMODE\n0\n"
+        "MLSTYLE\nSELECT 1021 BRICK\nSHOW\nGRAB " + paperPicture.string() + "\nCLICK 1031\n"
         "CLICK 1028\nTEXT 1035 TEMP\nCLICK 1\nCLICK 1\nCLICK 1031\nCLICK 7\nCLICK 1031\nCLICK 6\nSHOW\nCLICK 1\n";
     KaldoRun run = kaldo.runScript(create, {"--save", QString::fromStdString(drawn.string())});
     ASSERT_EQ(run.exitCode, 0) << run.err;
@@ -91,6 +111,9 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
     EXPECT_EQ(report.file["errors"].toArray().size(), 0);
     EXPECT_EQ(report.file["fixes"].toArray().size(), 0);
     EXPECT_EQ(report.file["cmlstyle"].toString(), "BRICK");
+    EXPECT_THAT(fileText(drawn), HasSubstr("$TILEMODE\n 70\n0\n"));
+    const KaldoRun reopened = kaldo.runScript("TILEMODE\n\n", {QString::fromStdString(drawn.string())});
+    EXPECT_THAT(reopened.out, HasSubstr("Enter new value for TILEMODE <0>: \n")) << "read back with the drawing";
     ASSERT_EQ(report.file["mlines"].toArray().size(), 1);
     EXPECT_EQ(report.file["mlines"][0]["style"].toString(), "BRICK");
     EXPECT_EQ(report.file["mlines"][0]["vertices"][0]["element"].toArray().size(), 3);
@@ -123,10 +146,16 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
     // Loaded into a new drawing through the File button: every property
     // as it was; the selection moves to STANDARD.
     const std::string load = "MLSTYLE\nCLICK 1032\nCLICK 1056\n" + newMln.string()
-                             + "\nSELECT 1058 BRICK\nCLICK 1\nSHOW\nCLICK 1\n";
+                             + "\nSELECT 1058 BRICK\nCLICK 1\nSHOW\nGRAB " + modelPicture.string() + "\nCLICK 1\n";
     run = kaldo.runScript(load, {"--save", QString::fromStdString(loaded.string())});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("Dialog 108 closed: OK"));
     EXPECT_THAT(run.out, HasSubstr("selected 0\n    0: STANDARD\n    1: BRICK\n"));
     EXPECT_EQ(stylesRead(loaded)["BRICK"].toObject(), brick);
+    EXPECT_THAT(fileText(loaded), Not(HasSubstr("$TILEMODE"))) << "model space shown is not written";
+
+    // The preview's background is the drawing window's: dark behind model
+    // space, none of it behind a layout.
+    EXPECT_GT(pixelsOf(modelPicture, kModelSpaceBackground), 1000);
+    EXPECT_EQ(pixelsOf(paperPicture, kModelSpaceBackground), 0);
 }

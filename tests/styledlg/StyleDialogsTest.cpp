@@ -2,6 +2,7 @@
 // the manager's buttons and preview, the name dialogs' rules, the new/modify
 // dialog's element list, checks and live preview, and the load dialog.
 #include "dlg/DialogFixture.h"
+#include "kaldo/dlg/DialogItems.h"
 
 #include "styledlg/MlineStyleDialog.h"
 #include "styledlg/MlineStyleLoadDialog.h"
@@ -13,7 +14,11 @@
 
 #include <gmock/gmock.h>
 
+#include <QApplication>
 #include <QImage>
+#include <QListWidget>
+#include <QTest>
+#include <QTimer>
 
 #include <fstream>
 #include <numbers>
@@ -119,6 +124,10 @@ TEST_F(StyleDialogsTest, ManagerButtonsFollowTheSelectedStyleAndTheListAfterDele
     // halves and the start line cap in two halves.
     EXPECT_FALSE(QImage(QString::fromStdString((root() / "walls.png").string())).isNull());
     EXPECT_EQ(dialog.preview().drawer().drawables().size(), 6);
+    for (const KxGiDrawable* drawable : dialog.preview().drawer().drawables()) {
+        EXPECT_EQ(drawable->lineWeight(), KxDb::kLnWtByLwDefault);
+        EXPECT_NEAR(drawable->linetypeScale(), 1.0, kTol);
+    }
     EXPECT_EQ(dialog.previewRecord().elements.size(), 2u);
 }
 
@@ -222,12 +231,42 @@ TEST_F(StyleDialogsTest, NewModifyDialogEditsTheWorkingCopyAndThePreviewFollows)
     EXPECT_EQ(manager.previewRecord().elements.size(), 1u) << "nothing was pushed";
 }
 
-TEST_F(StyleDialogsTest, LoadDialogListsAFileAndRefusesAStyleInUse)
+TEST_F(StyleDialogsTest, LoadDialogListsAFileRefusesAStyleInUseAndCancelsOnEnterOrSpace)
 {
     useStyle(addStyle(L"Walls"));
     const std::filesystem::path file = root() / "styles.mln";
     std::ofstream(file) << "MLSTYLE\n2\n WALLS\n70\n 0\n3\n from file\n71\n 1\n49\n 0\n0\n"
                            "MLSTYLE\n2\n EXTRA\n70\n 0\n3\n extra\n71\n 1\n49\n 0\n0\n";
+
+    // Typed keys, no script: the arrows move the selection (which enables
+    // OK); Enter and Space then close as Cancel without loading.
+    AfxGetApp()->WriteProfileString(L"Settings", L"MlstyleFile", file.wstring().c_str());
+    for (const Qt::Key closing : {Qt::Key_Return, Qt::Key_Space}) {
+        int rowBeforeClosing = -1;
+        bool okEnabled = false;
+        bool closedByKey = false;
+        QTimer::singleShot(0, [&] {
+            QWidget* window = QApplication::activeModalWidget();
+            auto* list = window->findChild<QListWidget*>();
+            list->setFocus();
+            QTest::keyClick(list, Qt::Key_Down);
+            QTest::keyClick(list, Qt::Key_Down);
+            rowBeforeClosing = list->currentRow();
+            okEnabled = kaldo::dlg::findItem(window, IDOK)->isEnabled();
+            QTest::keyClick(list, closing);
+            closedByKey = !window->isVisible();
+            if (!closedByKey)
+                QTest::keyClick(window, Qt::Key_Escape);
+        });
+        kdml::CKaldMlineStyleLoadDialog keyed;
+        keyed.setDictionary(db.mlineStyleDictionaryId());
+        EXPECT_EQ(keyed.DoModal(), IDCANCEL);
+        EXPECT_TRUE(closedByKey);
+        EXPECT_EQ(rowBeforeClosing, 1);
+        EXPECT_TRUE(okEnabled);
+        EXPECT_EQ(keyed.styleName(), L"");
+        EXPECT_FALSE(hasStyle(L"EXTRA"));
+    }
     AfxGetApp()->WriteProfileString(L"Settings", L"MlstyleFile", (root() / "gone.mln").wstring().c_str());
     script("SHOW\nCLICK 1056\n" + file.string() + "\nSHOW\nSELECT 1058 WALLS\nCLICK 1\nSHOW\nSELECT 1058 EXTRA\n"
            "CLICK 1\n");
