@@ -1,6 +1,7 @@
 #include "kaldo/db/UndoHistory.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "kaldo/db/ObjectRegistry.h"
@@ -172,35 +173,30 @@ void UndoHistory::exchange(Step& step, bool backwards)
 
 std::vector<std::wstring> UndoHistory::undo(int count)
 {
+    return takeBack(count, false);
+}
+
+std::vector<std::wstring> UndoHistory::undoToMark()
+{
+    return takeBack(std::numeric_limits<int>::max(), true);
+}
+
+std::vector<std::wstring> UndoHistory::takeBack(int count, bool stopAtMark)
+{
     std::vector<std::wstring> names;
     std::vector<Step> taken;
     while (count > 0 && !m_undo.empty()) {
         Step step = std::move(m_undo.back());
         m_undo.pop_back();
-        if (step.mark)
+        if (step.mark) {
+            if (stopAtMark)
+                break;
             continue;
+        }
         exchange(step, true);
         names.push_back(step.name);
         taken.push_back(std::move(step));
         --count;
-    }
-    if (!taken.empty())
-        m_redo.push_back(std::move(taken));
-    return names;
-}
-
-std::vector<std::wstring> UndoHistory::undoToMark()
-{
-    std::vector<std::wstring> names;
-    std::vector<Step> taken;
-    while (!m_undo.empty()) {
-        Step step = std::move(m_undo.back());
-        m_undo.pop_back();
-        if (step.mark)
-            break;
-        exchange(step, true);
-        names.push_back(step.name);
-        taken.push_back(std::move(step));
     }
     if (!taken.empty())
         m_redo.push_back(std::move(taken));

@@ -83,6 +83,10 @@ public:
     std::size_t bytes() const { return m_bytes; }
 
 private:
+    // Takes back up to count steps, latest first, passing over marks, or
+    // stopping at the first one (which goes) when stopAtMark.
+    std::vector<std::wstring> takeBack(int count, bool stopAtMark);
+
     struct ObjectRecord {
         enum class Kind { Absent, Copy, Detached };
         KxDbObjectId id;
