@@ -3,7 +3,8 @@
 // and opened, in MB/s and ms, beside Debian's ezdxf reading and writing the
 // same file in the same run; peak memory of both (ours while opening, also
 // as a share of the file's size); what tearing the opened drawing down
-// object by object costs (the host skips it at exit).
+// object by object costs (the host skips it at exit); saving and opening
+// with a progress report.
 // KALDO_BENCH_MULTILINES changes the count (ezdxf needs minutes and
 // gigabytes for the full file); KALDO_BENCH_DXF names a file to write the
 // drawing to and keep, for timing whole runs of the host on it.
@@ -20,6 +21,7 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -143,6 +145,49 @@ void BM_OpenDrawing(benchmark::State& state)
     state.counters["peak_per_file_MB"] = peakMegabytes() / sharedFile().megabytes;
 }
 BENCHMARK(BM_OpenDrawing)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// Saving and opening with a progress report as the window gives one: each
+// report reads a cancel flag. Beside BM_SaveDrawing and BM_OpenDrawing they
+// show what the reports cost.
+void BM_ReportedSave(benchmark::State& state)
+{
+    auto db = buildDrawing(multilineCount());
+    kaldo::dxf::KeptSections kept;
+    const std::filesystem::path out = sharedFile().dir.filePath("saved.dxf").toStdString();
+    const std::atomic<bool> cancelled = false;
+    double reports = 0;
+    const kaldo::dxf::ProgressReport progress = [&](std::uint64_t, std::uint64_t) {
+        ++reports;
+        return !cancelled;
+    };
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        kaldo::dxf::saveDxfFile(out, *db, kept, false, progress);
+        report(state, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    state.counters["reports"] = reports / double(state.iterations());
+}
+BENCHMARK(BM_ReportedSave)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void BM_ReportedOpen(benchmark::State& state)
+{
+    const std::filesystem::path path = sharedFile().path;
+    const std::atomic<bool> cancelled = false;
+    double reports = 0;
+    const kaldo::dxf::ProgressReport progress = [&](std::uint64_t, std::uint64_t) {
+        ++reports;
+        return !cancelled;
+    };
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(path, progress);
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        benchmark::DoNotOptimize(drawing.database.get());
+        report(state, seconds);
+    }
+    state.counters["reports"] = reports / double(state.iterations());
+}
+BENCHMARK(BM_ReportedOpen)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_TearDownDrawing(benchmark::State& state)
 {

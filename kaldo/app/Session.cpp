@@ -76,9 +76,9 @@ Session* Session::current()
     return running;
 }
 
-void Session::openDrawing(const std::filesystem::path& path)
+void Session::openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report)
 {
-    dxf::DxfDrawing drawing = dxf::readDxfFile(path);
+    dxf::DxfDrawing drawing = dxf::readDxfFile(path, report);
     std::swap(database_, drawing.database);
     keptSections_ = std::move(drawing.kept);
     drawingPath_ = std::filesystem::absolute(path);
@@ -88,9 +88,9 @@ void Session::openDrawing(const std::filesystem::path& path)
     ++drawingSerial_;
 }
 
-void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnly)
+void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnly, const dxf::ProgressReport& report)
 {
-    dxf::saveDxfFile(path, *database_, keptSections_, replaceReadOnly);
+    dxf::saveDxfFile(path, *database_, keptSections_, replaceReadOnly, report);
     drawingPath_ = std::filesystem::absolute(path);
     host().drawingDir = drawingPath_.parent_path();
     savedChanges_ = database_->changeCount();

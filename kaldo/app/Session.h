@@ -49,12 +49,15 @@ public:
     // The file of the drawing: empty for a new drawing not saved yet.
     const std::filesystem::path& drawingPath() const { return drawingPath_; }
     // Reads a drawing file and makes it the working drawing. Throws
-    // dxf::DxfError; the working drawing then stays as it was.
-    void openDrawing(const std::filesystem::path& path);
+    // dxf::DxfError, or dxf::Cancelled when report stops the reading; the
+    // working drawing then stays as it was.
+    void openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report = {});
     // Saves the working drawing (atomically) as path, which then becomes
-    // its file. Throws dxf::DxfError; the old file then stays as it was. A
-    // read-only file is replaced only when replaceReadOnly is true.
-    void saveDrawing(const std::filesystem::path& path, bool replaceReadOnly = false);
+    // its file. Throws dxf::DxfError, or dxf::Cancelled when report stops
+    // the writing; the old file and the modified state then stay as they
+    // were. A read-only file is replaced only when replaceReadOnly is true.
+    void saveDrawing(const std::filesystem::path& path, bool replaceReadOnly = false,
+                     const dxf::ProgressReport& report = {});
     // Saves a copy of the working drawing with every multiline exploded as
     // path; the working drawing, its file and its modified state stay as
     // they were. An R12 copy fills with SOLIDs and leaves out what R12

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "kaldo/dxf/KeptSections.h"
+#include "kaldo/dxf/Progress.h"
 
 class KxDbDatabase;
 
@@ -26,13 +27,21 @@ struct DxfDrawing {
 
 // Reads a whole drawing. Throws DxfError naming the line for anything that
 // is not a well-formed drawing; nothing outside the new drawing changes.
-DxfDrawing readDxf(GroupReader& reader);
-DxfDrawing readDxfFile(const std::filesystem::path& path);
+// The meter counts the records of blocks, entities and objects; a file is
+// measured in bytes read of its size. Throws Cancelled when the report
+// stops the reading.
+DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter = {});
+DxfDrawing readDxfFile(const std::filesystem::path& path, const ProgressReport& report = {});
 
 // Writes the drawing. Gives blocks that have none their begin and end
-// records first (so the database may gain objects). Throws DxfError.
-void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept);
-// Writes atomically: the old file stays whole when anything fails.
-void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept, bool replaceReadOnly = false);
+// records first (so the database may gain objects). Throws DxfError. The
+// report is told the entities and objects written of the objects the
+// database holds; it is last asked before the final flush, and Cancelled
+// is thrown when it stops the writing.
+void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport& report = {});
+// Writes atomically: the old file stays whole when anything fails or the
+// report stops the writing.
+void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept, bool replaceReadOnly = false,
+                 const ProgressReport& report = {});
 
 }  // namespace kaldo::dxf

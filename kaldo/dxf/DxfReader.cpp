@@ -21,6 +21,7 @@
 #include "kxdbunmodelled.h"
 #include "kxstring.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -84,7 +85,7 @@ KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, Re
     return id;
 }
 
-void readBlocksSection(GroupReader& reader, ReadContext& context)
+void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter& meter)
 {
     Record record;
     Group g;
@@ -99,6 +100,7 @@ void readBlocksSection(GroupReader& reader, ReadContext& context)
             return;
         }
         record.read(reader, g);
+        meter.record();
         if (kind == "BLOCK") {
             if (!block.isNull())
                 throw DxfError(g.line, "a block begins inside another one.");
@@ -122,7 +124,7 @@ void readBlocksSection(GroupReader& reader, ReadContext& context)
     throw DxfError(g.line, "the file ends inside the blocks.");
 }
 
-void readEntitiesSection(GroupReader& reader, ReadContext& context)
+void readEntitiesSection(GroupReader& reader, ReadContext& context, ProgressMeter& meter)
 {
     ensureLayoutBlocks(context);
     Record record;
@@ -133,12 +135,13 @@ void readEntitiesSection(GroupReader& reader, ReadContext& context)
         if (trimmed(g.value) == "ENDSEC")
             return;
         record.read(reader, g);
+        meter.record();
         readEntity(record, context, KxDbObjectId());
     }
     throw DxfError(g.line, "the file ends inside the entities.");
 }
 
-void readObjectsSection(GroupReader& reader, ReadContext& context)
+void readObjectsSection(GroupReader& reader, ReadContext& context, ProgressMeter& meter)
 {
     Record record;
     Group g;
@@ -148,6 +151,7 @@ void readObjectsSection(GroupReader& reader, ReadContext& context)
         if (trimmed(g.value) == "ENDSEC")
             return;
         record.read(reader, g);
+        meter.record();
         readObject(record, context);
     }
     throw DxfError(g.line, "the file ends inside the objects.");
@@ -225,8 +229,9 @@ void resolveMlineStyles(ReadContext& context)
 
 }  // namespace
 
-DxfDrawing readDxf(GroupReader& reader)
+DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
 {
+    meter.report();
     DxfDrawing drawing;
     drawing.database = std::make_unique<KxDbDatabase>(false);
     ReadContext context(*drawing.database, drawing.kept);
@@ -249,6 +254,7 @@ DxfDrawing readDxf(GroupReader& reader)
         if (!reader.next(g) || g.code != 2)
             throw DxfError(line, "a section without its name (group 2).");
         const std::string name(trimmed(g.value));
+        meter.report();
         if (name == "HEADER") {
             readHeaderSection(reader, context);
         } else if (name == "CLASSES") {
@@ -257,12 +263,12 @@ DxfDrawing readDxf(GroupReader& reader)
         } else if (name == "TABLES") {
             readTablesSection(reader, context);
         } else if (name == "BLOCKS") {
-            readBlocksSection(reader, context);
+            readBlocksSection(reader, context, meter);
         } else if (name == "ENTITIES") {
-            readEntitiesSection(reader, context);
+            readEntitiesSection(reader, context, meter);
             sawEntities = true;
         } else if (name == "OBJECTS") {
-            readObjectsSection(reader, context);
+            readObjectsSection(reader, context, meter);
         } else {
             context.kept.sections.push_back(KeptBlock{name, readKeptSection(reader, name, line)});
         }
@@ -275,10 +281,11 @@ DxfDrawing readDxf(GroupReader& reader)
     addMissingRecords(context);
     resolveMlineStyles(context);
     resolveHeaderReferences(context);
+    meter.finish();
     return drawing;
 }
 
-DxfDrawing readDxfFile(const std::filesystem::path& path)
+DxfDrawing readDxfFile(const std::filesystem::path& path, const ProgressReport& report)
 {
     // Opened without waiting, so that a FIFO cannot block the reader before
     // it is refused.
@@ -303,7 +310,8 @@ DxfDrawing readDxfFile(const std::filesystem::path& path)
     } closer{file};
     GroupReader reader(file);
     try {
-        return readDxf(reader);
+        return readDxf(reader, ProgressMeter(report, std::uint64_t(info.st_size),
+                                             [file] { return std::uint64_t(std::max(0L, std::ftell(file))); }));
     } catch (const DxfError& e) {
         throw DxfError::inFile(path.filename().string(), e);
     }

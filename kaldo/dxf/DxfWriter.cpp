@@ -70,11 +70,14 @@ void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
     writeUnmodelledRecord(w, record->dxfName(), record->groups(), record->handle());
 }
 
-void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTableRecord& block, NameCache& names)
+void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTableRecord& block, NameCache& names,
+                     ProgressMeter& meter)
 {
     for (auto it = block.newIterator(); !it->done(); it->step())
-        if (const auto* entity = KxDbEntity::cast(db.peekObject(it->getEntityId())))
+        if (const auto* entity = KxDbEntity::cast(db.peekObject(it->getEntityId()))) {
             writeEntity(w, db, *entity, names);
+            meter.record();
+        }
 }
 
 void writeKeptSection(GroupWriter& w, const std::string& name, const std::vector<KxDbFileGroup>& groups)
@@ -88,9 +91,12 @@ void writeKeptSection(GroupWriter& w, const std::string& name, const std::vector
 
 }  // namespace
 
-void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept)
+void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport& report)
 {
     addMissingBlockEnds(db, kept);
+    const std::vector<KxDbObjectId> ids = db.objectIds();
+    ProgressMeter meter(report, ids.size());
+    meter.report();
     GroupWriter w(fd);
     NameCache names(db);
     writeHeaderSection(w, db, kept);
@@ -105,7 +111,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept)
         const BlockEnds& ends = kept.blockEnds[block->objectId()];
         writeBlockEnd(w, db, ends.begin);
         if (block->objectId() != db.modelSpaceId() && block->objectId() != db.paperSpaceId())
-            writeEntitiesOf(w, db, *block, names);
+            writeEntitiesOf(w, db, *block, names, meter);
         writeBlockEnd(w, db, ends.end);
     }
     w.text(0, "ENDSEC");
@@ -114,7 +120,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept)
     w.text(2, "ENTITIES");
     for (const KxDbObjectId space : {db.modelSpaceId(), db.paperSpaceId()})
         if (const auto* block = KxDbBlockTableRecord::cast(db.peekObject(space)))
-            writeEntitiesOf(w, db, *block, names);
+            writeEntitiesOf(w, db, *block, names, meter);
     w.text(0, "ENDSEC");
 
     w.text(0, "SECTION");
@@ -122,21 +128,23 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept)
     const KxDbObject* root = db.peekObject(db.namedObjectsDictionaryId());
     if (root)
         writeObject(w, db, *root);
-    for (const KxDbObjectId id : db.objectIds()) {
+    for (const KxDbObjectId id : ids) {
         const KxDbObject* obj = db.peekObject(id);
-        if (obj && obj != root && !obj->isErased())
-            writeObject(w, db, *obj);
+        if (obj && obj != root && !obj->isErased() && writeObject(w, db, *obj))
+            meter.record();
     }
     w.text(0, "ENDSEC");
     for (const KeptBlock& section : kept.sections)
         writeKeptSection(w, section.name, section.groups);
     w.text(0, "EOF");
+    meter.finish();
     w.flush();
 }
 
-void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept, bool replaceReadOnly)
+void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept, bool replaceReadOnly,
+                 const ProgressReport& report)
 {
-    writeFileAtomically(path, [&](int fd) { writeDxf(fd, db, kept); }, replaceReadOnly);
+    writeFileAtomically(path, [&](int fd) { writeDxf(fd, db, kept, report); }, replaceReadOnly);
 }
 
 }  // namespace kaldo::dxf

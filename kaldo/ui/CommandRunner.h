@@ -5,7 +5,8 @@
 // transcript, the drawing's scene (rendered on the command thread whenever
 // the drawing changed and the queue ran dry), the drag's entity and the
 // highlighted entities as scenes of their own, what the command line waits
-// for, views placed by ZOOM, and requests for the text window.
+// for, views placed by ZOOM, requests for the text window, and how far
+// opening or saving a drawing has come.
 #pragma once
 
 #include "kaldo/ed/Editor.h"
@@ -83,6 +84,12 @@ public:
 
     Session& session() { return session_; }
 
+    // On the command thread: how far opening or saving a drawing has come.
+    void reportProgress(std::uint64_t done, std::uint64_t total)
+    {
+        emitOnGui([this, done, total] { emit progressed(done, total); });
+    }
+
 signals:
     void transcriptWritten(const QString& text);
     void drawingPublished(const kaldo::ui::PublishedDrawing& drawing);
@@ -91,6 +98,7 @@ signals:
     void inputRequested(const kaldo::ui::InputState& state);
     void viewPlaced(const kaldo::ViewPlacement& placement);
     void textScreenRequested();
+    void progressed(std::uint64_t done, std::uint64_t total);
     void loopEnded();
 
 private:

@@ -28,6 +28,8 @@ namespace {
 
 constexpr const wchar_t* kSection = L"Window";
 constexpr int kRecentFiles = 6;
+// The progress window's bar counts in thousandths.
+constexpr int kProgressSteps = 1000;
 const QString kDxfFilter = QStringLiteral("Drawings (*.dxf);;All files (*)");
 
 QByteArray toBytes(const std::optional<std::vector<unsigned char>>& value)
@@ -148,6 +150,7 @@ void MainWindow::connectRunner()
     connect(&runner_, &CommandRunner::highlightChanged, canvas_, &Canvas::showHighlight);
     connect(&runner_, &CommandRunner::viewPlaced, canvas_, &Canvas::setPlacement);
     connect(&runner_, &CommandRunner::textScreenRequested, this, [this] { showTextWindow(true); });
+    connect(&runner_, &CommandRunner::progressed, this, &MainWindow::showProgress);
     connect(&runner_, &CommandRunner::inputRequested, this, [this](const InputState& state) {
         input_ = state;
         canvas_->setInputState(state);
@@ -264,33 +267,47 @@ QString MainWindow::savePath(bool askAlways)
     return QFileDialog::getSaveFileName(this, tr("Save Drawing As"), start, kDxfFilter);
 }
 
-void MainWindow::saveThen(const QString& path, std::function<void()> next, const QString& busyText)
+void MainWindow::saveThen(const QString& path, std::function<void(const dxf::ProgressReport&)> next,
+                          const QString& busyText)
 {
     if (input_.kind != Editor::InputRequest::Kind::Command)
         runner_.push(InputEvent::cancel());
     // A progress window shows when the work takes longer than half a
-    // second; it has no Cancel, as reading and writing cannot stop halfway.
+    // second. Its Cancel marks every run so far as cancelled; the reader or
+    // writer reads the mark at its next report and stops, which leaves the
+    // drawing and its file as they were.
     const int run = ++busyRuns_;
     QTimer::singleShot(500, this, [this, run, busyText] {
         if (finishedRuns_ >= run || busy_)
             return;
-        busy_ = new QProgressDialog(busyText, QString(), 0, 0, this);
+        busy_ = new QProgressDialog(busyText, tr("Cancel"), 0, kProgressSteps, this);
         busy_->setWindowModality(Qt::WindowModal);
         busy_->setMinimumDuration(0);
+        connect(busy_, &QProgressDialog::canceled, this, [this] { cancelledRuns_ = busyRuns_; });
         busy_->show();
     });
     runner_.postAtCommandPrompt([this, run, path, next = std::move(next)] {
+        const dxf::ProgressReport report = [this, run](std::uint64_t done, std::uint64_t total) {
+            runner_.reportProgress(done, total);
+            return cancelledRuns_ < run;
+        };
         Session& session = runner_.session();
         if (!path.isEmpty())
-            saveDrawingReporting(session, path.toStdWString());
+            saveDrawingReporting(session, path.toStdWString(), report);
         if (next && (path.isEmpty() || !session.modified()))
-            next();
+            next(report);
         QMetaObject::invokeMethod(this, [this, run] {
             finishedRuns_ = run;
             if (busy_ && finishedRuns_ == busyRuns_)
                 busy_->deleteLater();
         });
     });
+}
+
+void MainWindow::showProgress(std::uint64_t done, std::uint64_t total)
+{
+    if (busy_ && !busy_->wasCanceled() && total > 0)
+        busy_->setValue(int(done * kProgressSteps / total));
 }
 
 void MainWindow::save(bool askAlways)
@@ -316,7 +333,10 @@ void MainWindow::openFile(const QString& path)
     const QString saveTo = first == SaveFirst::Yes ? savePath(false) : QString();
     if (first == SaveFirst::Yes && saveTo.isEmpty())
         return;
-    saveThen(saveTo, [this, path] { openDrawingReporting(runner_.session(), path.toStdWString()); },
+    saveThen(saveTo,
+             [this, path](const dxf::ProgressReport& report) {
+                 openDrawingReporting(runner_.session(), path.toStdWString(), report);
+             },
              tr("Opening %1...").arg(QFileInfo(path).fileName()));
 }
 
@@ -359,7 +379,8 @@ void MainWindow::closeEvent(QCloseEvent* event)
         runner_.stop();
         return;
     }
-    saveThen(saveTo, [this] { runner_.stop(); }, tr("Saving %1...").arg(QFileInfo(saveTo).fileName()));
+    saveThen(saveTo, [this](const dxf::ProgressReport&) { runner_.stop(); },
+             tr("Saving %1...").arg(QFileInfo(saveTo).fileName()));
 }
 
 }  // namespace kaldo::ui

@@ -6,12 +6,15 @@
 // when it closes, while no command runs.
 #pragma once
 
+#include "kaldo/dxf/Progress.h"
 #include "kaldo/ui/CommandRunner.h"
 
 #include <QMainWindow>
 #include <QPointer>
 #include <QProgressDialog>
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -66,10 +69,12 @@ private:
     // (empty when none was chosen).
     QString savePath(bool askAlways);
     // Cancels what runs and, at the command prompt, saves into path when
-    // it is not empty; then runs next (on the command thread) unless the
-    // drawing still holds unsaved changes after a save. busyText names the
-    // work in the progress window.
-    void saveThen(const QString& path, std::function<void()> next, const QString& busyText);
+    // it is not empty; then runs next (on the command thread, given the
+    // progress report to pass on) unless the drawing still holds unsaved
+    // changes after a save. busyText names the work in the progress window.
+    void saveThen(const QString& path, std::function<void(const dxf::ProgressReport&)> next,
+                  const QString& busyText);
+    void showProgress(std::uint64_t done, std::uint64_t total);
     void save(bool askAlways);
     void chooseAndOpen();
     void commandLoopEnded();
@@ -88,6 +93,9 @@ private:
     QPointer<QProgressDialog> busy_;
     int busyRuns_ = 0;
     int finishedRuns_ = 0;
+    // The runs up to this one were cancelled in the progress window; the
+    // command thread reads it in the progress reports.
+    std::atomic<int> cancelledRuns_ = 0;
     bool closing_ = false;
     bool loopEnded_ = false;
 };

@@ -1,5 +1,6 @@
 // Files that are no drawing, or broken ones: a clear message naming the
-// line, never a crash. Saving that fails leaves the old file whole.
+// line, never a crash. Saving that fails or is cancelled leaves the old
+// file whole.
 #include "DxfText.h"
 #include "GroupText.h"
 
@@ -10,9 +11,13 @@
 
 #include <QTemporaryDir>
 
+#include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <utility>
+#include <vector>
 #include <unistd.h>
 
 namespace {
@@ -129,7 +134,7 @@ TEST(DxfBadFiles, AHugeLineIsRefusedWithoutReadingItWhole)
     EXPECT_THROW(kaldo::dxf::readDxfFile(dir.filePath("missing.dxf").toStdString()), kaldo::dxf::DxfError);
 }
 
-TEST(DxfBadFiles, AFailedSaveLeavesTheOldFileAndNoLeftovers)
+TEST(DxfBadFiles, AFailedOrCancelledSaveLeavesTheOldFileAndNoLeftovers)
 {
     QTemporaryDir dir;
     const std::filesystem::path target = dir.filePath("drawing.dxf").toStdString();
@@ -138,6 +143,34 @@ TEST(DxfBadFiles, AFailedSaveLeavesTheOldFileAndNoLeftovers)
     kaldo::dxf::saveDxfFile(target, db, kept);
     const std::string old = fileText(target);
     ASSERT_NE(old.find("EOF"), std::string::npos);
+
+    // Reading reports bytes of the file's size, from none through what is
+    // read at each section to all, and stops when its report says so.
+    using Report = std::pair<std::uint64_t, std::uint64_t>;
+    std::vector<Report> reports;
+    kaldo::dxf::readDxfFile(target, [&](std::uint64_t done, std::uint64_t total) {
+        reports.emplace_back(done, total);
+        return true;
+    });
+    ASSERT_GE(reports.size(), 3u);
+    EXPECT_EQ(reports.front(), Report(0, old.size()));
+    EXPECT_GT(reports[reports.size() - 2].first, 0u);
+    EXPECT_EQ(reports.back(), Report(old.size(), old.size()));
+    EXPECT_TRUE(std::is_sorted(reports.begin(), reports.end()));
+    EXPECT_THROW(kaldo::dxf::readDxfFile(target, [](std::uint64_t, std::uint64_t) { return false; }),
+                 kaldo::dxf::Cancelled);
+
+    // A save stopped by its report at the first report, or at the last one
+    // just before the file is replaced.
+    for (const bool atLast : {false, true}) {
+        EXPECT_THROW(kaldo::dxf::saveDxfFile(target, db, kept, false,
+                                             [atLast](std::uint64_t done, std::uint64_t total) {
+                                                 return atLast && done < total;
+                                             }),
+                     kaldo::dxf::Cancelled);
+        EXPECT_EQ(fileText(target), old);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path().toStdString()), {}), 1);
+    }
 
     // A writer that fails half-way (as a full disk would).
     EXPECT_THROW(kaldo::dxf::writeFileAtomically(target,

@@ -11,6 +11,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QDir>
 #include <QDockWidget>
 #include <QFile>
 #include <QJsonArray>
@@ -18,6 +19,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTest>
@@ -327,10 +329,12 @@ TEST_F(Window, UnsavedChangesAreAskedForOnClose)
 }
 
 // Files opened or saved are listed latest first under File > Recent Files,
-// and one is opened by clicking it there. Work on the command thread that
-// lasts longer than half a second shows a progress window without Cancel
-// until it is done; a held command thread makes the opening last.
-TEST_F(Window, RecentFilesOpenFromTheMenuWithAProgressWindowWhileOpeningLasts)
+// and one is opened by clicking it there. Opening or saving that lasts
+// longer than half a second shows a progress bar with Cancel; a held
+// command thread makes the work last, and Cancel pressed while it is held
+// stops the reader or writer at its first report. A cancelled opening
+// keeps the drawing that was open, a cancelled save the file as it was.
+TEST_F(Window, RecentFilesOpenFromTheMenuWithAProgressBarWhoseCancelKeepsDrawingAndFile)
 {
     const QString first = QString::fromStdString(dir() + "/first.dxf");
     const QString second = QString::fromStdString(dir() + "/second.dxf");
@@ -351,31 +355,103 @@ TEST_F(Window, RecentFilesOpenFromTheMenuWithAProgressWindowWhileOpeningLasts)
     QAction* firstEntry = recent->actions()[1];
     EXPECT_EQ(firstEntry->text(), "first.dxf");
 
-    std::atomic<bool> held = true;
-    runner().post([&held] {
-        while (held)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    });
-    const unsigned serial = window().drawing().serial;
-    recent->popup(window().mapToGlobal(QPoint(20, 20)));
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(recent));
-    QTest::mouseClick(recent, Qt::LeftButton, {}, recent->actionGeometry(firstEntry).center());
-    QProgressDialog* progress = nullptr;
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] {
-            progress = window().findChild<QProgressDialog*>();
-            return progress && progress->isVisible();
-        },
-        5000));
+    std::atomic<bool> held = false;
+    const auto hold = [&] {
+        held = true;
+        runner().post([&held] {
+            while (held)
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        });
+    };
+    const auto openFirstFromTheMenu = [&] {
+        answerMessageBoxSoon(QMessageBox::No);
+        recent->popup(window().mapToGlobal(QPoint(20, 20)));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(recent));
+        QTest::mouseClick(recent, Qt::LeftButton, {}, recent->actionGeometry(firstEntry).center());
+    };
+    const auto shownProgress = [&]() -> QProgressDialog* {
+        QProgressDialog* progress = nullptr;
+        const bool shown = QTest::qWaitFor(
+            [&] {
+                progress = window().findChild<QProgressDialog*>();
+                return progress && progress->isVisible();
+            },
+            5000);
+        return shown ? progress : nullptr;
+    };
+    const auto pressCancel = [](QProgressDialog& progress) {
+        auto* cancel = progress.findChild<QPushButton*>();
+        ASSERT_NE(cancel, nullptr);
+        EXPECT_EQ(cancel->text(), "Cancel");
+        cancel->click();
+    };
+
+    // Cancel while opening: the unsaved line, the file and the title stay.
+    ASSERT_TRUE(runTyped({"LINE", "0,10", "10,10", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+    const kaldo::ui::PublishedDrawing before = window().drawing();
+    hold();
+    openFirstFromTheMenu();
+    QProgressDialog* progress = shownProgress();
+    ASSERT_NE(progress, nullptr);
     EXPECT_EQ(progress->labelText(), "Opening first.dxf...");
-    EXPECT_TRUE(progress->findChildren<QPushButton*>().isEmpty());
-    EXPECT_EQ(window().drawing().serial, serial);
+    pressCancel(*progress);
     held = false;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().contains("Open cancelled."); }, kWaitMs));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window().findChild<QProgressDialog*>(); }, kWaitMs));
+    EXPECT_FALSE(transcript().contains("Opened"));
+    EXPECT_EQ(window().drawing().serial, before.serial);
+    EXPECT_EQ(window().drawing().scene, before.scene);
+    EXPECT_EQ(window().drawing().path, second);
+    EXPECT_TRUE(window().drawing().modified);
+    EXPECT_EQ(window().windowTitle(), "second.dxf[*] - kaldo");
+    EXPECT_TRUE(window().isWindowModified());
+
+    // Without Cancel the bar runs to its end and the drawing opens.
+    hold();
+    openFirstFromTheMenu();
+    progress = shownProgress();
+    ASSERT_NE(progress, nullptr);
+    const int steps = progress->maximum();
+    int furthest = -1;
+    QObject::connect(progress->findChild<QProgressBar*>(), &QProgressBar::valueChanged,
+                     [&furthest](int value) { furthest = std::max(furthest, value); });
+    EXPECT_EQ(window().drawing().serial, before.serial);
+    held = false;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != before.serial; }, kWaitMs));
     EXPECT_EQ(window().drawing().path, first);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window().findChild<QProgressDialog*>(); }, kWaitMs));
+    EXPECT_EQ(furthest, steps);
     EXPECT_EQ(window().recentFiles(), QStringList({first, second}));
     EXPECT_EQ(recent->actions()[0]->text(), "first.dxf");
+
+    // Cancel while saving: the file keeps its bytes, no temporary is left
+    // beside it, and the drawing stays modified.
+    ASSERT_TRUE(runTyped({"LINE", "0,20", "10,20", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+    QFile file(first);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    file.close();
+    QAction* save = nullptr;
+    for (QAction* action : window().menuBar()->findChildren<QAction*>())
+        if (action->text() == "&Save")
+            save = action;
+    ASSERT_NE(save, nullptr);
+    hold();
+    save->trigger();
+    progress = shownProgress();
+    ASSERT_NE(progress, nullptr);
+    EXPECT_EQ(progress->labelText(), "Saving first.dxf...");
+    pressCancel(*progress);
+    held = false;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().contains("Save cancelled."); }, kWaitMs));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window().findChild<QProgressDialog*>(); }, kWaitMs));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), bytes);
+    EXPECT_TRUE(QDir(QString::fromStdString(dir())).entryList({".first.dxf.*"}, QDir::Files | QDir::Hidden).isEmpty());
+    EXPECT_TRUE(window().drawing().modified);
+    EXPECT_TRUE(window().isWindowModified());
 }
 
 TEST_F(Window, QuitTypedWithUnsavedChangesAsksAndSaves)

@@ -3,6 +3,8 @@
 // with local names equal to their global names.
 #pragma once
 
+#include "kaldo/dxf/Progress.h"
+
 #include <filesystem>
 #include <string>
 
@@ -35,9 +37,10 @@ void redoCommand();
 class Session;
 
 // What OPEN and SAVE do once they have a file name, messages included; the
-// window's menus call them too.
-void openDrawingReporting(Session& session, const std::filesystem::path& path);
-void saveDrawingReporting(Session& session, const std::filesystem::path& path);
+// window's menus call them too, with a progress report that may stop the
+// work ("Open cancelled." or "Save cancelled." is then printed).
+void openDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report = {});
+void saveDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report = {});
 
 // Asks for the new value of the system variable name, as SETVAR does once it
 // has the name; Enter keeps the value.

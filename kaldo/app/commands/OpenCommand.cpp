@@ -1,5 +1,6 @@
 // OPEN: reads a drawing file and makes it the working drawing. A file that
-// cannot be read leaves the working drawing as it was and says why.
+// cannot be read, or an opening cancelled, leaves the working drawing as it
+// was and says why.
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/dxf/DxfError.h"
@@ -10,13 +11,15 @@
 
 namespace kaldo {
 
-void openDrawingReporting(Session& session, const std::filesystem::path& path)
+void openDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report)
 {
     try {
-        session.openDrawing(path);
+        session.openDrawing(path, report);
         kxutPrintf(L"\nOpened \"%ls\".\n", path.wstring().c_str());
     } catch (const dxf::DxfError& e) {
         kxutPrintf(L"\nCannot open the drawing: %ls\n", kxutFromMultiByte(e.what()).c_str());
+    } catch (const dxf::Cancelled&) {
+        kxutPrintf(L"\nOpen cancelled.\n");
     }
 }
 

@@ -1,7 +1,8 @@
 // SAVE and SAVEAS: write the working drawing as a DXF file. SAVE writes to
 // the drawing's own file and asks for a name only for a new drawing; SAVEAS
 // always asks. A failed save leaves the old file whole and says why; a
-// read-only file is replaced only when the user answers Yes. The keyword
+// read-only file is replaced only when the user answers Yes. A save
+// cancelled before the file is replaced leaves it as it was too. The keyword
 // Exploded typed at SAVEAS's file prompt asks for the file version (2000,
 // or R12 for the oldest readers) and the file of a copy with every
 // multiline exploded; the working drawing keeps its multilines and its own
@@ -35,7 +36,7 @@ bool userAllowsReplacing(const std::filesystem::path& path)
 
 }  // namespace
 
-void saveDrawingReporting(Session& session, const std::filesystem::path& path)
+void saveDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report)
 {
     const bool readOnly = dxf::isReadOnlyFile(path);
     if (readOnly && !userAllowsReplacing(path)) {
@@ -43,10 +44,12 @@ void saveDrawingReporting(Session& session, const std::filesystem::path& path)
         return;
     }
     try {
-        session.saveDrawing(path, readOnly);
+        session.saveDrawing(path, readOnly, report);
         kxutPrintf(L"\nSaved \"%ls\".\n", path.wstring().c_str());
     } catch (const dxf::DxfError& e) {
         kxutPrintf(L"\nThe drawing was not saved: %ls\n", kxutFromMultiByte(e.what()).c_str());
+    } catch (const dxf::Cancelled&) {
+        kxutPrintf(L"\nSave cancelled.\n");
     }
 }
 
