@@ -81,6 +81,13 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
                                   -6.123233995736766e-17, 4503599627370497.0};
     for (int whole = -100000; whole <= 100000; ++whole)
         values.push_back(whole);
+    // The longest texts, and more reals than the writer keeps texts for,
+    // twice over: texts kept, evicted and made again must all be right.
+    for (const double longest : {-2.2250738585072014e-308, 4.9406564584124654e-324, -1.7976931348623157e308})
+        values.push_back(longest);
+    for (int pass = 0; pass < 2; ++pass)
+        for (int i = 0; i < 20000; ++i)
+            values.push_back((i % 2 ? -0.001 : 0.001) * (i * 7919 % 20000) + 1e-7);
     // The codes right-aligned in three places, wider ones as they are.
     const std::vector<std::pair<int, std::string>> codes = {
         {0, "  0"}, {5, "  5"}, {40, " 40"}, {105, "105"}, {999, "999"}, {1071, "1071"}, {-4, "-4"}};
