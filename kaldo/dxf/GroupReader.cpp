@@ -182,6 +182,41 @@ namespace {
                                        + std::string(group.value.substr(0, 40)) + "\".");
 }
 
+// Whether the eight bytes at p are all decimal digits; if so, the number
+// they spell. Three multiplications join them pairwise (1-2-4-8 digits)
+// instead of eight steps of one.
+bool readEightDigits(const char* p, std::uint64_t& value)
+{
+    std::uint64_t word;
+    std::memcpy(&word, p, 8);
+    // Every byte is 0x30 to 0x39: its high half is 3, and stays 3 when 6 is added.
+    constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0u;
+    constexpr std::uint64_t kThrees = 0x3030303030303030u;
+    if ((word & kHighHalves) != kThrees || ((word + 0x0606060606060606u) & kHighHalves) != kThrees)
+        return false;
+    // The first digit is the lowest byte (little-endian).
+    static_assert(std::endian::native == std::endian::little);
+    word = (word & 0x0F0F0F0F0F0F0F0Fu) * (10 * 256 + 1) >> 8;
+    word = (word & 0x00FF00FF00FF00FFu) * (100 * 65536 + 1) >> 16;
+    value = (word & 0x0000FFFF0000FFFFu) * (10000 * (std::uint64_t(1) << 32) + 1) >> 32;
+    return true;
+}
+
+// Adds the digits from p on to digits, while count stays within most;
+// eight at a time while eight more fit. Returns where the digits end.
+[[gnu::always_inline]] inline const char* readDigits(const char* p, const char* const end, std::uint64_t& digits, int& count, const int most)
+{
+    std::uint64_t eight = 0;
+    while (end - p >= 8 && count + 8 <= most && readEightDigits(p, eight)) {
+        digits = digits * 100000000u + eight;
+        p += 8;
+        count += 8;
+    }
+    for (; p < end && *p >= '0' && *p <= '9' && count < most; ++p, ++count)
+        digits = digits * 10 + std::uint64_t(*p - '0');
+    return p;
+}
+
 // A plain decimal ("-12.375", "0.5999999999999998": no exponent) of at
 // most 17 digits whose digits, taken as a whole number, are at most 2^53:
 // that number and the power of ten are exact, so one division gives the
@@ -199,21 +234,18 @@ bool readPlainDecimal(std::string_view text, double& value)
         ++p;
     std::uint64_t digits = 0;
     int count = 0;
-    int fraction = 0;
-    for (; p < end && *p >= '0' && *p <= '9' && count < kMostDigits; ++p, ++count)
-        digits = digits * 10 + std::uint64_t(*p - '0');
+    p = readDigits(p, end, digits, count, kMostDigits);
     if (count == 0)
         return false;
+    const int whole = count;
     if (p < end && *p == '.') {
-        ++p;
-        for (; p < end && *p >= '0' && *p <= '9' && count < kMostDigits; ++p, ++count, ++fraction)
-            digits = digits * 10 + std::uint64_t(*p - '0');
-        if (fraction == 0)
+        p = readDigits(p + 1, end, digits, count, kMostDigits);
+        if (count == whole)
             return false;
     }
     if (p != end || digits > (std::uint64_t(1) << 53))
         return false;
-    const double magnitude = double(digits) / kPowersOfTen[fraction];
+    const double magnitude = double(digits) / kPowersOfTen[count - whole];
     value = negative ? -magnitude : magnitude;
     return true;
 }
