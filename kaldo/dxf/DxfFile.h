@@ -2,6 +2,7 @@
 // writing a database (with what its file held beyond it) to a file.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 
@@ -26,7 +27,8 @@ struct DxfDrawing {
 
 // Reads a whole drawing. Throws DxfError naming the line for anything that
 // is not a well-formed drawing; nothing outside the new drawing changes.
-DxfDrawing readDxf(GroupReader& reader);
+// bytes, the size of the input when known, makes room for its objects.
+DxfDrawing readDxf(GroupReader& reader, std::uintmax_t bytes = 0);
 DxfDrawing readDxfFile(const std::filesystem::path& path);
 
 // Writes the drawing. Gives blocks that have none their begin and end
