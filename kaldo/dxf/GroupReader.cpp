@@ -120,21 +120,49 @@ bool parseCode(std::string_view text, int& code)
     return code >= -32768 && code <= 32767;
 }
 
+// The code line as this and most writers write it: three places, right-
+// aligned with blanks ("  5", " 40", "105"), and its line feed. p is left
+// on the line feed. False, with nothing changed, for any other line.
+bool readAlignedCode(const char*& p, const char* const end, int& code)
+{
+    if (end - p < 4 || p[3] != '\n')
+        return false;
+    const auto digit = [](char c) { return c >= '0' && c <= '9'; };
+    const char a = p[0], b = p[1], c = p[2];
+    if (!digit(c))
+        return false;
+    if (a == ' ' && b == ' ')
+        code = c - '0';
+    else if (a == ' ' && digit(b))
+        code = (b - '0') * 10 + (c - '0');
+    else if (digit(a) && digit(b))
+        code = (a - '0') * 100 + (b - '0') * 10 + (c - '0');
+    else
+        return false;
+    p += 3;
+    return true;
+}
+
 }  // namespace
 
 bool GroupReader::nextPlain(Group& group)
 {
     const char* p = begin_;
-    while (p < end_ && *p == ' ')
-        ++p;
-    const char* const digits = p;
     int code = 0;
-    while (p < end_ && p - digits < 5 && *p >= '0' && *p <= '9')
-        code = code * 10 + (*p++ - '0');
-    if (p == digits || p == end_ || *p != '\n' || code > 32767 || std::size_t(p - begin_) > kMaxLineLength)
-        return false;
+    if (!readAlignedCode(p, end_, code)) {
+        while (p < end_ && *p == ' ')
+            ++p;
+        const char* const digits = p;
+        while (p < end_ && p - digits < 5 && *p >= '0' && *p <= '9')
+            code = code * 10 + (*p++ - '0');
+        if (p == digits || p == end_ || *p != '\n' || code > 32767 || std::size_t(p - begin_) > kMaxLineLength)
+            return false;
+    }
     const char* const value = p + 1;
-    const char* const stop = lineEnd(value, end_);
+    // Most values are one character ("0", "8"): no need to search for their end.
+    const char* const stop = end_ - value >= 2 && value[1] == '\n' && value[0] != '\n' && value[0] != '\r'
+                                 ? value + 1
+                                 : lineEnd(value, end_);
     if (stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
         return false;
     const Group read{code, std::string_view(value, std::size_t(stop - value)), lineNumber_ + 1};

@@ -20,14 +20,16 @@
 
 TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
 {
-    const std::string text = "  0\nSECTION\n  2\r\nHEADER\r\n 70 \n3\n-4\nneg\n\t10\n1.5\r  20\n\n1071\nlast";
+    const std::string text = "  0\nSECTION\n  2\r\nHEADER\r\n 70 \n3\n-4\nneg\n\t10\n1.5\r  20\n\n 41\n8\n105\nA\r\n"
+                             "  5\n\n  1\n\r\n999\n7\n1071\nlast";
     struct Expected {
         int code;
         std::string value;
         long line;
     };
     const std::vector<Expected> expected = {{0, "SECTION", 1}, {2, "HEADER", 3}, {70, "3", 5}, {-4, "neg", 7},
-                                            {10, "1.5", 9},    {20, "", 11},     {1071, "last", 13}};
+                                            {10, "1.5", 9},    {20, "", 11},     {41, "8", 13},    {105, "A", 15},
+                                            {5, "", 17},       {1, "", 19},      {999, "7", 21},   {1071, "last", 23}};
     kaldo::dxf::GroupReader reader{std::string_view(text)};
     kaldo::dxf::Group g;
     for (const Expected& e : expected) {
