@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace kaldo::dxf {
 
@@ -245,11 +246,33 @@ bool readEightDigits(const char* p, std::uint64_t& value)
     return p;
 }
 
+// digits / 10^power rounded correctly to a double, for digits above 2^53
+// ("-1.3333333333333335" has 17): both are exact in the 64-bit significand
+// of long double, so the quotient is rounded once to 64 bits, then to 53.
+// That second rounding differs from rounding once only when the first
+// lands on the midpoint between two doubles: false then, for from_chars.
+bool divideRounded(std::uint64_t digits, int power, double& value)
+{
+    static_assert(std::numeric_limits<long double>::digits == 64);
+    static constexpr long double kPowersOfTen[] = {1e0L, 1e1L,  1e2L,  1e3L,  1e4L,  1e5L,  1e6L,  1e7L,  1e8L,
+                                                   1e9L, 1e10L, 1e11L, 1e12L, 1e13L, 1e14L, 1e15L, 1e16L, 1e17L};
+    const long double quotient = static_cast<long double>(digits) / kPowersOfTen[power];
+    // The significand is the first eight bytes of an x87 long double; its
+    // lowest 11 bits are those the second rounding drops.
+    std::uint64_t significand;
+    std::memcpy(&significand, &quotient, sizeof significand);
+    if ((significand & 0x7FF) == 0x400)
+        return false;
+    value = static_cast<double>(quotient);
+    return true;
+}
+
 // A plain decimal ("-12.375", "0.5999999999999998": no exponent) of at
-// most 17 digits whose digits, taken as a whole number, are at most 2^53:
-// that number and the power of ten are exact, so one division gives the
-// correctly rounded value, the same one from_chars gives, in a fraction of
-// its time. False, with value untouched, for any other text.
+// most 17 digits. When its digits, taken as a whole number, are at most
+// 2^53, that number and the power of ten are exact, so one division gives
+// the correctly rounded value, the same one from_chars gives, in a fraction
+// of its time; above, divideRounded. False, with value untouched, for any
+// other text.
 bool readPlainDecimal(std::string_view text, double& value)
 {
     static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
@@ -271,9 +294,13 @@ bool readPlainDecimal(std::string_view text, double& value)
         if (count == whole)
             return false;
     }
-    if (p != end || digits > (std::uint64_t(1) << 53))
+    if (p != end)
         return false;
-    const double magnitude = double(digits) / kPowersOfTen[count - whole];
+    double magnitude = 0;
+    if (digits <= (std::uint64_t(1) << 53))
+        magnitude = double(digits) / kPowersOfTen[count - whole];
+    else if (!divideRounded(digits, count - whole, magnitude))
+        return false;
     value = negative ? -magnitude : magnitude;
     return true;
 }

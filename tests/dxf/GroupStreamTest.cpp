@@ -62,6 +62,13 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         texts.emplace_back(text, std::to_chars(text, text + sizeof text, value).ptr);
         texts.emplace_back(text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed).ptr);
     }
+    // Seventeen random digits around a random point: their quotients fall
+    // anywhere, now and then on a midpoint between two doubles.
+    for (int i = 0; i < 100000; ++i) {
+        std::string text = std::to_string(10000000000000000u + random() % 90000000000000000u);
+        text.insert(1 + random() % 16, ".");
+        texts.push_back(std::move(text));
+    }
     for (const std::string& text : texts) {
         std::string_view digits = kaldo::dxf::trimmed(text);
         if (digits.starts_with('+'))
