@@ -307,8 +307,18 @@ bool readPlainDecimal(std::string_view text, double& value)
 
 }  // namespace
 
+namespace {
+// One digit, the most usual value of all ("0", "1", "8").
+bool isOneDigit(std::string_view text)
+{
+    return text.size() == 1 && text[0] >= '0' && text[0] <= '9';
+}
+}  // namespace
+
 double toReal(const Group& group)
 {
+    if (isOneDigit(group.value))
+        return group.value[0] - '0';
     std::string_view text = trimmed(group.value);
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
@@ -323,6 +333,8 @@ double toReal(const Group& group)
 
 std::int64_t toInteger(const Group& group)
 {
+    if (isOneDigit(group.value))
+        return group.value[0] - '0';
     std::string_view text = trimmed(group.value);
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
