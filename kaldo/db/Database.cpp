@@ -150,12 +150,6 @@ KxDbObjectId KxDbDatabase::objectIdFromHandle(std::uint64_t handle) const
     return it == m_handles.end() ? KxDbObjectId::kNull : it->second;
 }
 
-void KxDbDatabase::reserveObjects(std::size_t count)
-{
-    m_objects.reserve(m_objects.size() + count);
-    m_handles.reserve(m_handles.size() + count);
-}
-
 Kald::ErrorStatus KxDbDatabase::setRoots(const KxDbDatabaseRoots& roots)
 {
     const auto is = [this](KxDbObjectId id, const KxRxClass* cls) {

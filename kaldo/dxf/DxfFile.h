@@ -2,7 +2,6 @@
 // writing a database (with what its file held beyond it) to a file.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <memory>
 
@@ -27,8 +26,7 @@ struct DxfDrawing {
 
 // Reads a whole drawing. Throws DxfError naming the line for anything that
 // is not a well-formed drawing; nothing outside the new drawing changes.
-// bytes, the size of the input when known, makes room for its objects.
-DxfDrawing readDxf(GroupReader& reader, std::uintmax_t bytes = 0);
+DxfDrawing readDxf(GroupReader& reader);
 DxfDrawing readDxfFile(const std::filesystem::path& path);
 
 // Writes the drawing. Gives blocks that have none their begin and end

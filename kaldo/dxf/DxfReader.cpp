@@ -225,15 +225,10 @@ void resolveMlineStyles(ReadContext& context)
 
 }  // namespace
 
-DxfDrawing readDxf(GroupReader& reader, std::uintmax_t bytes)
+DxfDrawing readDxf(GroupReader& reader)
 {
     DxfDrawing drawing;
     drawing.database = std::make_unique<KxDbDatabase>(false);
-    // A middling estimate of the bytes an object takes in a file (a multiline
-    // of a few vertices takes thousands, a line some hundreds): the handle
-    // table is made once for most drawings and grows from there for others.
-    constexpr std::uintmax_t kBytesPerObject = 1000;
-    drawing.database->reserveObjects(std::size_t(bytes / kBytesPerObject));
     ReadContext context(*drawing.database, drawing.kept);
     Group g;
     bool ended = false;
@@ -308,7 +303,7 @@ DxfDrawing readDxfFile(const std::filesystem::path& path)
     } closer{file};
     GroupReader reader(file);
     try {
-        return readDxf(reader, std::uintmax_t(info.st_size));
+        return readDxf(reader);
     } catch (const DxfError& e) {
         throw DxfError::inFile(path.filename().string(), e);
     }

@@ -51,9 +51,6 @@ public:
     Kald::ErrorStatus addToCurrentSpace(KxDbEntity* entity, KxDbObjectId& id);
 
     KxDbObjectId objectIdFromHandle(std::uint64_t handle) const;
-    // Makes room for this many more objects at once (a file reader, from the
-    // file's size), so that the handle table is not rebuilt as it grows.
-    void reserveObjects(std::size_t count);
     // Names the database's root objects (a file reader, after adding them);
     // eWrongObjectType when one is missing or of another class. Model space
     // becomes the current space.
