@@ -43,13 +43,11 @@ void requireFinite(int groupCode, double value)
 
 GroupWriter::GroupWriter(int fd) : fd_(fd), buffer_(kBufferSize, '\0'), realTexts_(kRealSlots) {}
 
-void GroupWriter::ensure(std::size_t bytes)
+void GroupWriter::makeRoom(std::size_t bytes)
 {
-    if (used_ + bytes > buffer_.size()) {
-        flush();
-        if (bytes > buffer_.size())
-            buffer_.resize(bytes);
-    }
+    flush();
+    if (bytes > buffer_.size())
+        buffer_.resize(bytes);
 }
 
 void GroupWriter::raw(std::string_view bytes)
@@ -59,7 +57,7 @@ void GroupWriter::raw(std::string_view bytes)
     used_ += bytes.size();
 }
 
-void GroupWriter::code(int code)
+inline void GroupWriter::code(int code)
 {
     ensure(kNumberRoom);
     char* out = buffer_.data() + used_;

@@ -38,7 +38,13 @@ public:
 
 private:
     void code(int code);
-    void ensure(std::size_t bytes);
+    // Room for bytes more in the buffer, flushing it when full.
+    void ensure(std::size_t bytes)
+    {
+        if (used_ + bytes > buffer_.size())
+            makeRoom(bytes);
+    }
+    void makeRoom(std::size_t bytes);
     void raw(std::string_view bytes);
 
     int fd_;
