@@ -174,15 +174,13 @@ bool GroupReader::nextPlain(Group& group)
     return true;
 }
 
-bool GroupReader::next(Group& group)
+bool GroupReader::nextGeneral(Group& group)
 {
     if (pushedBack_) {
         pushedBack_ = false;
         group = current_;
         return true;
     }
-    if (lineNumber_ > 0 && nextPlain(group))
-        return true;
     std::string_view codeLine;
     if (!readLine(codeLine))
         return false;
