@@ -31,7 +31,12 @@ public:
     // for a code line that is not a number, a value line that is missing,
     // or a line that is too long. The value points into the reader's buffer
     // and stays valid until the next call.
-    bool next(Group& group);
+    bool next(Group& group)
+    {
+        if (!pushedBack_ && lineNumber_ > 0 && nextPlain(group))
+            return true;
+        return nextGeneral(group);
+    }
     // Makes the next call give the same group again.
     void pushBack() { pushedBack_ = true; }
 
@@ -40,6 +45,8 @@ private:
     // digits and a value, both lines ended by a line feed within what is
     // read. False, with nothing consumed, for anything else.
     bool nextPlain(Group& group);
+    // Every other case: a group pushed back, the first line, other lines.
+    bool nextGeneral(Group& group);
     bool readLine(std::string_view& line);
     bool refill();
 

@@ -41,15 +41,13 @@ void requireFinite(int groupCode, double value)
 }
 }  // namespace
 
-GroupWriter::GroupWriter(int fd) : fd_(fd), buffer_(kBufferSize, '\0') {}
+GroupWriter::GroupWriter(int fd) : fd_(fd), buffer_(kBufferSize, '\0'), realTexts_(kRealSlots) {}
 
-void GroupWriter::ensure(std::size_t bytes)
+void GroupWriter::makeRoom(std::size_t bytes)
 {
-    if (used_ + bytes > buffer_.size()) {
-        flush();
-        if (bytes > buffer_.size())
-            buffer_.resize(bytes);
-    }
+    flush();
+    if (bytes > buffer_.size())
+        buffer_.resize(bytes);
 }
 
 void GroupWriter::raw(std::string_view bytes)
@@ -59,7 +57,7 @@ void GroupWriter::raw(std::string_view bytes)
     used_ += bytes.size();
 }
 
-void GroupWriter::code(int code)
+inline void GroupWriter::code(int code)
 {
     ensure(kNumberRoom);
     char* out = buffer_.data() + used_;
@@ -99,16 +97,17 @@ void GroupWriter::real(int groupCode, double value)
         // Whole numbers below 100000 are written as integers, far quicker and
         // the same text the shortest form gives them (not so for -0, kept as "-0").
         out = std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr;
-    } else if (std::bit_cast<std::uint64_t>(value) == lastReal_) {
-        // Lists often repeat the value just written (a fill list beside its
-        // element's list): its text is copied.
-        std::memcpy(start, lastRealText_.data(), lastRealLength_);
-        out = start + lastRealLength_;
     } else {
-        out = std::to_chars(start, start + kNumberRoom, value).ptr;
-        lastReal_ = std::bit_cast<std::uint64_t>(value);
-        lastRealLength_ = std::size_t(out - start);
-        std::memcpy(lastRealText_.data(), start, lastRealLength_);
+        const std::uint64_t bits = std::bit_cast<std::uint64_t>(value);
+        // The high bits of a multiplicative hash: nearby values spread out.
+        RealText& slot = realTexts_[(bits * 0x9E3779B97F4A7C15u) >> (64 - std::countr_zero(kRealSlots))];
+        if (slot.bits != bits) {
+            const char* const end = std::to_chars(slot.text.data(), slot.text.data() + slot.text.size(), value).ptr;
+            slot.bits = bits;
+            slot.length = std::uint8_t(end - slot.text.data());
+        }
+        std::memcpy(start, slot.text.data(), slot.length);
+        out = start + slot.length;
     }
     *out++ = '\n';
     used_ += std::size_t(out - start);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kxtypes.h"
 
@@ -37,16 +38,30 @@ public:
 
 private:
     void code(int code);
-    void ensure(std::size_t bytes);
+    // Room for bytes more in the buffer, flushing it when full.
+    void ensure(std::size_t bytes)
+    {
+        if (used_ + bytes > buffer_.size())
+            makeRoom(bytes);
+    }
+    void makeRoom(std::size_t bytes);
     void raw(std::string_view bytes);
 
     int fd_;
     std::string buffer_;
     std::size_t used_ = 0;
-    // The last real written in its shortest form, by its bits, and its text.
-    std::uint64_t lastReal_ = 0;
-    std::array<char, 32> lastRealText_{};
-    std::size_t lastRealLength_ = 0;
+    // Reals written in their shortest form, by their bits, and their text:
+    // offsets, miters and directions repeat from vertex to vertex and from
+    // entity to entity, and copying their text is far quicker than making
+    // it again. A slot holds the last real whose bits fall on it; bits 0
+    // (the real 0, written as a whole number) mark an empty slot.
+    struct RealText {
+        std::uint64_t bits = 0;
+        std::uint8_t length = 0;
+        std::array<char, 27> text{};
+    };
+    static constexpr std::size_t kRealSlots = 4096;
+    std::vector<RealText> realTexts_;
 };
 
 }  // namespace kaldo::dxf

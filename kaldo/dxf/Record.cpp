@@ -1,5 +1,8 @@
 #include "kaldo/dxf/Record.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace kaldo::dxf {
 
 void Record::read(GroupReader& reader, const Group& head)
@@ -7,17 +10,22 @@ void Record::read(GroupReader& reader, const Group& head)
     kind_.assign(trimmed(head.value));
     line_ = head.line;
     size_ = 0;
-    text_.clear();
+    std::size_t used = 0;
     Group g;
     while (reader.next(g)) {
         if (g.code == 0) {
             reader.pushBack();
             return;
         }
+        // Both stores only grow, doubling, so that a record of the usual
+        // size needs no allocation and no checks beyond these two.
         if (size_ == fields_.size())
-            fields_.emplace_back();
-        fields_[size_++] = Field{g.code, std::uint32_t(text_.size()), std::uint32_t(g.value.size()), g.line};
-        text_.append(g.value);
+            fields_.resize(std::max<std::size_t>(kFirstFields, 2 * size_));
+        if (used + g.value.size() > text_.size())
+            text_.resize(std::max(2 * text_.size(), used + g.value.size()));
+        std::memcpy(text_.data() + used, g.value.data(), g.value.size());
+        fields_[size_++] = Field{g.code, std::uint32_t(used), std::uint32_t(g.value.size()), g.line};
+        used += g.value.size();
     }
 }
 

@@ -30,7 +30,9 @@ public:
     std::vector<KxDbFileGroup> allGroups() const;
 
 private:
-    // Values live one after the other in text_, reused from record to record.
+    // Values live one after the other in text_, reused from record to
+    // record; fields_ and text_ are longer than the record they hold.
+    static constexpr std::size_t kFirstFields = 64;
     struct Field {
         int code = 0;
         std::uint32_t offset = 0;

@@ -20,14 +20,16 @@
 
 TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
 {
-    const std::string text = "  0\nSECTION\n  2\r\nHEADER\r\n 70 \n3\n-4\nneg\n\t10\n1.5\r  20\n\n1071\nlast";
+    const std::string text = "  0\nSECTION\n  2\r\nHEADER\r\n 70 \n3\n-4\nneg\n\t10\n1.5\r  20\n\n 41\n8\n105\nA\r\n"
+                             "  5\n\n  1\n\r\n999\n7\n1071\nlast";
     struct Expected {
         int code;
         std::string value;
         long line;
     };
     const std::vector<Expected> expected = {{0, "SECTION", 1}, {2, "HEADER", 3}, {70, "3", 5}, {-4, "neg", 7},
-                                            {10, "1.5", 9},    {20, "", 11},     {1071, "last", 13}};
+                                            {10, "1.5", 9},    {20, "", 11},     {41, "8", 13},    {105, "A", 15},
+                                            {5, "", 17},       {1, "", 19},      {999, "7", 21},   {1071, "last", 23}};
     kaldo::dxf::GroupReader reader{std::string_view(text)};
     kaldo::dxf::Group g;
     for (const Expected& e : expected) {
@@ -45,7 +47,8 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
                                       "-1.3333333333333335", "9007199254740992", "9007199254740993",
                                       "0.9007199254740993", "12345678901234567", "123456789012345678",
                                       "1.00000000000000000", "0.1", "2.50", "00012.5", "1e5", "6.123233995736766e-17",
-                                      "1.", ".5", "-.5", "+3.25", " 4.5\t", "0.00000000000000001"};
+                                      "1.", ".5", "-.5", "+3.25", " 4.5\t", "0.00000000000000001",
+                                      "1234567:", "0.1234567/9", "0.12345678123456789", "-98765432.12345678"};
     std::mt19937_64 random(7);
     for (int i = 0; i < 20000; ++i) {
         double value;
@@ -58,6 +61,13 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         char text[64];
         texts.emplace_back(text, std::to_chars(text, text + sizeof text, value).ptr);
         texts.emplace_back(text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed).ptr);
+    }
+    // Seventeen random digits around a random point: their quotients fall
+    // anywhere, now and then on a midpoint between two doubles.
+    for (int i = 0; i < 100000; ++i) {
+        std::string text = std::to_string(10000000000000000u + random() % 90000000000000000u);
+        text.insert(1 + random() % 16, ".");
+        texts.push_back(std::move(text));
     }
     for (const std::string& text : texts) {
         std::string_view digits = kaldo::dxf::trimmed(text);
@@ -81,6 +91,13 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
                                   -6.123233995736766e-17, 4503599627370497.0};
     for (int whole = -100000; whole <= 100000; ++whole)
         values.push_back(whole);
+    // The longest texts, and more reals than the writer keeps texts for,
+    // twice over: texts kept, evicted and made again must all be right.
+    for (const double longest : {-2.2250738585072014e-308, 4.9406564584124654e-324, -1.7976931348623157e308})
+        values.push_back(longest);
+    for (int pass = 0; pass < 2; ++pass)
+        for (int i = 0; i < 20000; ++i)
+            values.push_back((i % 2 ? -0.001 : 0.001) * (i * 7919 % 20000) + 1e-7);
     // The codes right-aligned in three places, wider ones as they are.
     const std::vector<std::pair<int, std::string>> codes = {
         {0, "  0"}, {5, "  5"}, {40, " 40"}, {105, "105"}, {999, "999"}, {1071, "1071"}, {-4, "-4"}};
