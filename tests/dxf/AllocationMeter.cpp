@@ -44,6 +44,26 @@ void* operator new[](std::size_t size)
     return counted(size);
 }
 
+// The library asks for temporary buffers without exceptions; they are
+// freed through the sized delete below, so they must come from here too.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return counted(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return counted(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* p) noexcept
 {
     uncounted(p);
