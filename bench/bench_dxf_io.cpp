@@ -117,30 +117,44 @@ void report(benchmark::State& state, double seconds)
     state.counters["ms"] = seconds * 1e3;
 }
 
-void BM_SaveDrawing(benchmark::State& state)
+// Times one save of the drawing per iteration, with progress reported to
+// progress when it is given.
+void timeSaves(benchmark::State& state, const kaldo::dxf::ProgressReport& progress)
 {
     auto db = buildDrawing(multilineCount());
     kaldo::dxf::KeptSections kept;
     const std::filesystem::path out = sharedFile().dir.filePath("saved.dxf").toStdString();
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
-        kaldo::dxf::saveDxfFile(out, *db, kept);
+        kaldo::dxf::saveDxfFile(out, *db, kept, false, progress);
         report(state, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
+}
+
+// Times one opening of the shared file per iteration, with progress
+// reported to progress when it is given.
+void timeOpens(benchmark::State& state, const kaldo::dxf::ProgressReport& progress)
+{
+    const std::filesystem::path path = sharedFile().path;
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(path, progress);
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        benchmark::DoNotOptimize(drawing.database.get());
+        report(state, seconds);
+    }
+}
+
+void BM_SaveDrawing(benchmark::State& state)
+{
+    timeSaves(state, {});
 }
 BENCHMARK(BM_SaveDrawing)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_OpenDrawing(benchmark::State& state)
 {
-    const std::filesystem::path path = sharedFile().path;
     resetPeakMemory();
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
-        kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(path);
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        benchmark::DoNotOptimize(drawing.database.get());
-        report(state, seconds);
-    }
+    timeOpens(state, {});
     state.counters["peak_MB"] = peakMegabytes();
     state.counters["peak_per_file_MB"] = peakMegabytes() / sharedFile().megabytes;
 }
@@ -149,43 +163,31 @@ BENCHMARK(BM_OpenDrawing)->UseManualTime()->Unit(benchmark::kMillisecond)->Itera
 // Saving and opening with a progress report as the window gives one: each
 // report reads a cancel flag. Beside BM_SaveDrawing and BM_OpenDrawing they
 // show what the reports cost.
+struct WindowLikeProgress {
+    std::atomic<bool> cancelled = false;
+    double reports = 0;
+    kaldo::dxf::ProgressReport report()
+    {
+        return [this](std::uint64_t, std::uint64_t) {
+            ++reports;
+            return !cancelled;
+        };
+    }
+};
+
 void BM_ReportedSave(benchmark::State& state)
 {
-    auto db = buildDrawing(multilineCount());
-    kaldo::dxf::KeptSections kept;
-    const std::filesystem::path out = sharedFile().dir.filePath("saved.dxf").toStdString();
-    const std::atomic<bool> cancelled = false;
-    double reports = 0;
-    const kaldo::dxf::ProgressReport progress = [&](std::uint64_t, std::uint64_t) {
-        ++reports;
-        return !cancelled;
-    };
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
-        kaldo::dxf::saveDxfFile(out, *db, kept, false, progress);
-        report(state, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    }
-    state.counters["reports"] = reports / double(state.iterations());
+    WindowLikeProgress progress;
+    timeSaves(state, progress.report());
+    state.counters["reports"] = progress.reports / double(state.iterations());
 }
 BENCHMARK(BM_ReportedSave)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_ReportedOpen(benchmark::State& state)
 {
-    const std::filesystem::path path = sharedFile().path;
-    const std::atomic<bool> cancelled = false;
-    double reports = 0;
-    const kaldo::dxf::ProgressReport progress = [&](std::uint64_t, std::uint64_t) {
-        ++reports;
-        return !cancelled;
-    };
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
-        kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(path, progress);
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        benchmark::DoNotOptimize(drawing.database.get());
-        report(state, seconds);
-    }
-    state.counters["reports"] = reports / double(state.iterations());
+    WindowLikeProgress progress;
+    timeOpens(state, progress.report());
+    state.counters["reports"] = progress.reports / double(state.iterations());
 }
 BENCHMARK(BM_ReportedOpen)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 
