@@ -11,6 +11,8 @@
 #include "kaldo/ed/InputSource.h"
 #include "kaldo/ed/Text.h"
 #include "kaldo/ui/WindowSession.h"
+#include "kaldo/util/FileAccess.h"
+#include "kaldo/util/FileStreamBuffer.h"
 #include "kaldo/view/PictureExport.h"
 #include "kxdbdatabase.h"
 #include "kxstring.h"
@@ -18,7 +20,6 @@
 #include <QApplication>
 
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
 
@@ -58,8 +59,13 @@ kaldo::SessionPaths sessionPaths(const kaldo::Options& options)
 std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths& paths)
 {
     std::error_code ec;
-    if (options.profile && !std::ifstream(*options.profile))
-        return "cannot read the profile '" + options.profile->string() + "'.";
+    if (options.profile) {
+        try {
+            kaldo::openForReading(*options.profile);
+        } catch (const kaldo::FileError& e) {
+            return std::string("the profile: ") + e.what();
+        }
+    }
     if (!std::filesystem::is_directory(paths.supportDir, ec))
         return "the Support folder '" + paths.supportDir.string() + "' does not exist (choose one with --support DIR).";
     return {};
@@ -93,13 +99,17 @@ int main(int argc, char** argv)
     }
 
     const bool window = !options.script && kaldo::ui::haveDisplay();
+    std::unique_ptr<kaldo::FileStreamBuffer> scriptBytes;
     std::unique_ptr<std::istream> scriptFile;
     if (!options.script && !window) {
         std::cerr << "kaldo: no display for the window; reading commands from standard input.\n";
     } else if (options.script && *options.script != "-") {
-        scriptFile = std::make_unique<std::ifstream>(*options.script);
-        if (!*scriptFile)
-            return fail("cannot read the script '" + options.script->string() + "'.", kaldo::kExitBadFile);
+        try {
+            scriptBytes = std::make_unique<kaldo::FileStreamBuffer>(*options.script);
+        } catch (const kaldo::FileError& e) {
+            return fail(std::string("the script: ") + e.what(), kaldo::kExitBadFile);
+        }
+        scriptFile = std::make_unique<std::istream>(scriptBytes.get());
     }
     const kaldo::SessionPaths paths = sessionPaths(options);
     if (const std::string problem = checkPaths(options, paths); !problem.empty())
@@ -141,6 +151,10 @@ int main(int argc, char** argv)
         kaldo::runCommandLoop(*session);
     }
     session->editor().write(L"\n");
+    // A script that could not be read to its end ran only in part: nothing
+    // is saved or exported from it.
+    if (scriptBytes && !scriptBytes->problem().empty())
+        return fail("the script: " + scriptBytes->problem(), kaldo::kExitBadFile);
     if (options.saveAs) {
         try {
             session->saveDrawing(*options.saveAs);

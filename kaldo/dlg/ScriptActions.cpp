@@ -3,11 +3,13 @@
 #include "kaldo/dlg/DialogItems.h"
 #include "kaldo/dlg/ModalLoop.h"
 #include "kaldo/ed/Editor.h"
+#include "kaldo/view/SaveFile.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDialog>
+#include <QFileInfo>
 #include <QFocusEvent>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -245,8 +247,10 @@ Outcome grab(ModalSubject& subject, const QString& args)
     const QString file = args.trimmed();
     if (file.isEmpty())
         return refuse(QStringLiteral("no file named"));
-    if (!subject.window->grab().save(file))
-        return refuse(QStringLiteral("the picture cannot be written"));
+    const std::string problem = view::saveImage(file.toStdString(), subject.window->grab().toImage(),
+                                                QFileInfo(file).suffix().toLower().toLatin1());
+    if (!problem.empty())
+        return refuse(QString::fromStdString(problem));
     return std::nullopt;
 }
 

@@ -13,6 +13,7 @@
 #include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/dxf/TablesSection.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
+#include "kaldo/util/FileAccess.h"
 #include "kxdbdatabase.h"
 #include "kxdbdict.h"
 #include "kxdbmline.h"
@@ -27,9 +28,7 @@
 #include <cstring>
 #include <memory>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace kaldo::dxf {
 
@@ -287,23 +286,17 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
 
 DxfDrawing readDxfFile(const std::filesystem::path& path, const ProgressReport& report)
 {
-    // Opened without waiting, so that a FIFO cannot block the reader before
-    // it is refused.
-    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
-        throw DxfError(0, "cannot open '" + path.string() + "': " + std::strerror(errno) + ".");
-    struct stat info {};
-    const char* refusal = ::fstat(fd, &info) != 0 ? "its kind cannot be told"
-                          : S_ISDIR(info.st_mode) ? "it is a folder"
-                          : !S_ISREG(info.st_mode) ? "it is a device, FIFO or socket, not a drawing file"
-                                                   : nullptr;
-    std::FILE* file = refusal ? nullptr : ::fdopen(fd, "rb");
-    if (!file) {
-        const std::string why = refusal ? refusal : std::strerror(errno);
-        ::close(fd);
-        throw DxfError(0, "cannot open '" + path.string() + "': " + why + ".");
+    FileDescriptor fd;
+    try {
+        fd = openForReading(path);
+    } catch (const FileError& e) {
+        throw DxfError(0, e.what());
     }
-    ::fcntl(fd, F_SETFL, O_RDONLY);
+    struct stat info {};
+    std::FILE* file = ::fstat(fd.get(), &info) == 0 ? ::fdopen(fd.get(), "rb") : nullptr;
+    if (!file)
+        throw DxfError(0, fileMessage("read", path, std::strerror(errno)));
+    fd.release();
     struct Closer {
         std::FILE* f;
         ~Closer() { std::fclose(f); }

@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cerrno>
 #include <cstring>
 #include <limits>
 
@@ -58,6 +59,8 @@ bool GroupReader::refill()
     const std::size_t room = buffer_.size() - kept;
     const std::size_t got = std::fread(buffer_.data() + kept, 1, room, file_);
     end_ += got;
+    if (got == 0 && std::ferror(file_))
+        throw DxfError(lineNumber_ + 1, std::string("the file cannot be read: ") + std::strerror(errno) + ".");
     if (got == 0)
         eof_ = true;
     return got > 0;

@@ -1,17 +1,16 @@
 #include "kaldo/dxf/GroupWriter.h"
 
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/util/FileAccess.h"
 #include "kxstring.h"
 
 #include <array>
 #include <bit>
-#include <cerrno>
 #include <cmath>
 #include <charconv>
 #include <cstring>
 #include <string>
 #include <numbers>
-#include <unistd.h>
 
 namespace kaldo::dxf {
 
@@ -157,15 +156,10 @@ void GroupWriter::point(int groupCode, double x, double y, double z)
 
 void GroupWriter::flush()
 {
-    std::size_t done = 0;
-    while (done < used_) {
-        const ssize_t n = ::write(fd_, buffer_.data() + done, used_ - done);
-        if (n < 0) {
-            if (errno == EINTR)
-                continue;
-            throw DxfError(0, std::strerror(errno));
-        }
-        done += std::size_t(n);
+    try {
+        writeAll(fd_, std::string_view(buffer_.data(), used_));
+    } catch (const FileError& e) {
+        throw DxfError(0, e.what());
     }
     used_ = 0;
 }

@@ -1,6 +1,5 @@
 #include "kaldo/view/PngExport.h"
 
-#include <QImageWriter>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -374,17 +373,10 @@ QImage paintScene(const Scene& scene, const PictureOptions& options)
 std::string writePng(const Scene& scene, const std::filesystem::path& file, const PictureOptions& options)
 {
     const QImage image = paintScene(scene, options);
-    return saveAtomically(file, [&](QIODevice& device, std::string& reason) {
-        QImageWriter writer(&device, "png");
-        // Quality 85 asks for the fastest level that still compresses: line
-        // art on a plain background packs almost as well in a third of the
-        // time of the default level.
-        writer.setQuality(85);
-        if (writer.write(image))
-            return true;
-        reason = writer.errorString().toStdString();
-        return false;
-    });
+    // Quality 85 asks for the fastest level that still compresses: line art
+    // on a plain background packs almost as well in a third of the time of
+    // the default level.
+    return saveImage(file, image, "png", 85);
 }
 
 }  // namespace kaldo::view

@@ -172,6 +172,16 @@ TEST(DxfBadFiles, AFailedOrCancelledSaveLeavesTheOldFileAndNoLeftovers)
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path().toStdString()), {}), 1);
     }
 
+    // A read that fails (this process's memory from address 0) is no end
+    // of the file.
+    try {
+        kaldo::dxf::readDxfFile("/proc/self/mem");
+        FAIL();
+    } catch (const kaldo::dxf::DxfError& e) {
+        EXPECT_NE(std::string(e.what()).find("the file cannot be read: Input/output error."), std::string::npos)
+            << e.what();
+    }
+
     // A writer that fails half-way (as a full disk would).
     EXPECT_THROW(kaldo::dxf::writeFileAtomically(target,
                                                  [](int fd) {

@@ -54,11 +54,19 @@ TEST(HostileInputSession, LongAndOddInput)
     EXPECT_THAT(run.out, HasSubstr("group 10 needs a number, not \"\\x1B[31m\"."));
     EXPECT_THAT(run.out, Not(HasSubstr("\x1b")));
 
-    // A FIFO or a folder named as the drawing is refused at once.
-    ASSERT_EQ(mkfifo((kaldo.dir() / "pipe.dxf").c_str(), 0644), 0);
-    run = kaldo.runScript("", {QString::fromStdString((kaldo.dir() / "pipe.dxf").string())});
+    // A FIFO or a folder named as the drawing, the script or the profile is
+    // refused at once.
+    const QString fifo = QString::fromStdString((kaldo.dir() / "pipe.dxf").string());
+    ASSERT_EQ(mkfifo(fifo.toLocal8Bit().constData(), 0644), 0);
+    run = kaldo.runScript("", {fifo});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_THAT(run.err, HasSubstr("pipe.dxf': it is a device, FIFO or socket, not a drawing file."));
+    EXPECT_THAT(run.err, HasSubstr("pipe.dxf': it is a FIFO, not a regular file."));
+    const QString script = QString::fromStdString(kaldo.writeFile("empty.scr", "").string());
+    for (const QStringList& args : {QStringList{"--script", fifo}, QStringList{"--script", script, "--profile", fifo}}) {
+        run = kaldo.runArgs(args);
+        EXPECT_EQ(run.exitCode, 2);
+        EXPECT_THAT(run.err, HasSubstr("cannot read '" + fifo.toStdString() + "': it is a FIFO, not a regular file."));
+    }
     run = kaldo.runScript("", {QString::fromStdString(kaldo.dir().string())});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_THAT(run.err, HasSubstr("': it is a folder."));

@@ -2,10 +2,18 @@
 
 #include <QProcess>
 
+#include <csignal>
 #include <fstream>
 #include <stdexcept>
 
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace {
+// The exit code of a run whose limits could not be set.
+constexpr int kChildSetUpFailed = 125;
 const QString kaldoBinary = QStringLiteral(KALDO_STAGE_DIR "/bin/kaldo");
 const QString stagedSupport = QStringLiteral(KALDO_STAGE_DIR "/share/kaldo/Support");
 }  // namespace
@@ -43,6 +51,20 @@ KaldoRun KaldoProcess::run(const QString& program, const QStringList& args, cons
 {
     QProcess process;
     process.setProcessEnvironment(env_);
+    process.setChildProcessModifier([sizeLimit = fileSizeLimit_, keepToPermissions = keepToPermissions_] {
+        if (sizeLimit >= 0) {
+            const rlimit limit{rlim_t(sizeLimit), rlim_t(sizeLimit)};
+            std::signal(SIGXFSZ, SIG_IGN);
+            if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
+                ::_exit(kChildSetUpFailed);
+        }
+        // Root's override of read, write and search permissions leaves the
+        // bounding set, so the program run keeps to the files' modes.
+        if (keepToPermissions && ::geteuid() == 0
+            && (::prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) != 0
+                || ::prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) != 0))
+            ::_exit(kChildSetUpFailed);
+    });
     process.setWorkingDirectory(temp_.path());
     process.start(program, args);
     if (!process.waitForStarted())

@@ -33,6 +33,12 @@ public:
     KaldoRun runScript(const std::string& script, const QStringList& extraArgs = {}) const;
 
     void setEnv(const QString& name, const QString& value) { env_.insert(name, value); }
+    // Later runs may write no file beyond bytes: a write past it fails as on
+    // a full disk (the signal the limit raises is ignored).
+    void limitFileSize(long bytes) { fileSizeLimit_ = bytes; }
+    // Later runs keep to file permissions even when started by root, as any
+    // user's runs do (root's power to override them is dropped).
+    void keepToFilePermissions() { keepToPermissions_ = true; }
 
 private:
     KaldoRun run(const QString& program, const QStringList& args, const std::string& standardInput) const;
@@ -40,4 +46,6 @@ private:
     QTemporaryDir temp_;
     std::filesystem::path dir_;
     QProcessEnvironment env_;
+    long fileSizeLimit_ = -1;
+    bool keepToPermissions_ = false;
 };

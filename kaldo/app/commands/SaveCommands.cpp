@@ -9,8 +9,8 @@
 // file.
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
-#include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/util/FileWriting.h"
 #include "kxed.h"
 #include "kxstring.h"
 
@@ -38,7 +38,7 @@ bool userAllowsReplacing(const std::filesystem::path& path)
 
 void saveDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report)
 {
-    const bool readOnly = dxf::isReadOnlyFile(path);
+    const bool readOnly = isReadOnlyFile(path);
     if (readOnly && !userAllowsReplacing(path)) {
         kxutPrintf(L"\nThe drawing was not saved: \"%ls\" stays as it was.\n", path.wstring().c_str());
         return;
@@ -94,7 +94,7 @@ std::optional<CopyVersion> askCopyVersion()
 
 void saveExplodedReporting(Session& session, const std::filesystem::path& path, CopyVersion version)
 {
-    const bool readOnly = dxf::isReadOnlyFile(path);
+    const bool readOnly = isReadOnlyFile(path);
     if (readOnly && !userAllowsReplacing(path)) {
         kxutPrintf(L"\nThe copy was not saved: \"%ls\" stays as it was.\n", path.wstring().c_str());
         return;
