@@ -2,6 +2,7 @@
 // line, never a crash. Saving that fails or is cancelled leaves the old
 // file whole.
 #include "DxfText.h"
+#include "FileText.h"
 #include "GroupText.h"
 
 #include "kaldo/dxf/AtomicFile.h"
@@ -35,12 +36,6 @@ std::string readError(const std::string& text)
 
 const std::string kLine = groupText({"0", "LINE", "5", "30", "100", "AcDbEntity", "8", "0", "100", "AcDbLine",
                                      "10", "1", "20", "2", "30", "0", "11", "3", "21", "4", "31", "0"});
-
-std::string fileText(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 }  // namespace
 

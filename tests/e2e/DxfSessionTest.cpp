@@ -1,23 +1,17 @@
 // Drawings on disk through the real binary: the drawing argument, a script,
 // --save, OPEN and SAVEAS with names typed on the command line, and files
 // that cannot be read or written.
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 using ::testing::HasSubstr;
 
 namespace {
-
-std::string fileText(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 QString str(const std::filesystem::path& path)
 {

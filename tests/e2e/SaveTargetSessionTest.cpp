@@ -2,13 +2,12 @@
 // followed, a FIFO or a folder is refused, the old file's mode stays, a
 // read-only file is replaced only after Yes, the user's files beside the
 // target stay, and long file names work.
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include <sys/stat.h>
@@ -18,12 +17,6 @@ using ::testing::HasSubstr;
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string fileText(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 fs::perms permissions(const fs::path& path)
 {

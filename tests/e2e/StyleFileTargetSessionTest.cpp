@@ -4,12 +4,12 @@
 // (naming them, losing no style), writes the file in place (mode, links and
 // a read-only folder are no obstacle), and Load and GRAB never wait on a
 // FIFO or leave an empty picture on a full disk.
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <iterator>
 #include <string>
 
@@ -24,12 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path kSupportStyles = KALDO_STAGE_DIR "/share/kaldo/Support/KALDO.mln";
-
-std::string fileText(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 std::size_t count(const std::string& text, const std::string& part)
 {

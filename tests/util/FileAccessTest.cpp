@@ -2,6 +2,7 @@
 // without waiting, a failed read is no end of file, a full disk is
 // reported and leaves the old file whole, writing in place keeps mode and
 // links, and the clean-up of a killed save's temporary takes nothing else.
+#include "FileText.h"
 #include "kaldo/util/FileAccess.h"
 #include "kaldo/util/FileWriting.h"
 #include "kaldo/util/SaveTemporary.h"
@@ -13,7 +14,6 @@
 
 #include <csignal>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 
@@ -29,12 +29,6 @@ using ::testing::HasSubstr;
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string fileText(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 void writeText(const fs::path& path, const std::string& text)
 {
@@ -178,6 +172,17 @@ TEST(FileAccess, WritingInPlaceKeepsModeAndLinks)
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     kaldo::writeFileInPlace(file, "longer than before, and again");
     EXPECT_EQ(fileText(folder / "linked.mln"), "longer than before, and again");
+    // A file without write permission: the system decides whether it may be
+    // written (root may); either way it keeps its mode.
+    const fs::path readOnly = folder / "read-only.mln";
+    writeText(readOnly, "old");
+    fs::permissions(readOnly, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    const bool mayWrite = ::access(readOnly.c_str(), W_OK) == 0;
+    EXPECT_EQ(errorOf([&] { kaldo::writeFileInPlace(readOnly, "new"); }),
+              mayWrite ? "" : "cannot write '" + readOnly.string() + "': Permission denied.");
+    EXPECT_EQ(fileText(readOnly), mayWrite ? "new" : "old");
+    EXPECT_EQ(fs::status(readOnly).permissions(),
+              fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     // A replaced file, by contrast, leaves its other links with the old text.
     kaldo::replaceFile(file, "replaced");
     EXPECT_EQ(fileText(file), "replaced");
