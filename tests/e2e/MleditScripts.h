@@ -6,7 +6,12 @@
 
 #include <gmock/gmock.h>
 
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 inline constexpr double kListed = 1e-4;  // LIST shows four decimals
@@ -54,3 +59,44 @@ auto listIs(Values... values)
     return ::testing::ElementsAre(::testing::DoubleNear(values, kListed)...);
 }
 
+inline auto listOf(const std::vector<double>& values)
+{
+    std::vector<::testing::Matcher<double>> matchers;
+    for (double value : values)
+        matchers.push_back(::testing::DoubleNear(value, kListed));
+    return ::testing::ElementsAreArray(matchers);
+}
+
+// The vertex positions of the n-th listed multiline, as "x,y".
+inline std::vector<std::string> positions(const std::vector<ListedMline>& listed, std::size_t n)
+{
+    std::vector<std::string> out;
+    if (n >= listed.size())
+        return out;
+    for (const ListedVertex& v : listed[n].vertices) {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.4f,%.4f", v.position.x, v.position.y);
+        out.push_back(text);
+    }
+    return out;
+}
+
+// The world points where the drawn runs of one element along one segment of
+// a multiline the reader found start and stop: location + miter * p0 +
+// direction * p_i.
+inline std::vector<std::pair<double, double>> runEnds(const QJsonObject& mline, int vertex, int element)
+{
+    const QJsonObject v = mline["vertices"].toArray()[vertex].toObject();
+    const QJsonArray params = v["element"].toArray()[element].toArray();
+    const QJsonArray at = v["location"].toArray();
+    const QJsonArray miter = v["miter"].toArray();
+    const QJsonArray along = v["direction"].toArray();
+    std::vector<std::pair<double, double>> ends;
+    const double p0 = params[0].toDouble();
+    for (int i = 1; i < params.size(); ++i) {
+        const double d = params[i].toDouble();
+        ends.emplace_back(at[0].toDouble() + miter[0].toDouble() * p0 + along[0].toDouble() * d,
+                          at[1].toDouble() + miter[1].toDouble() * p0 + along[1].toDouble() * d);
+    }
+    return ends;
+}
