@@ -159,6 +159,20 @@ TEST(MleditJoinSession, CornerJointOfTwoMultilinesAndOfOneWithItself)
     ASSERT_THAT(listed, SizeIs(1));
     EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("0.0000,0.0000", "60.0000,0.0000", "60.0000,-100.0000"));
 
+    // With its last segment slanted, the corner vertex moves from (100, 0)
+    // to (40, 0), where the axis turns from 180 to 243.43 degrees: its miter
+    // bisects them (at 31.72 degrees) and entry 0 is 5 / sin 148.28 =
+    // 9.5106, as for a multiline drawn through these vertices; the segment
+    // after it, which turned, is drawn whole.
+    const std::string slantedHook = kSetup + mline({"0,0", "100,0", "100,40", "60,40", "20,-40"});
+    const KaldoRun moved = kaldo.runScript(slantedHook + "-MLEDIT\nCJ\n20,5\n54.4721,17.7639\n\n" + list({"20,5"}));
+    listed = listedMlines(moved.out);
+    ASSERT_THAT(listed, SizeIs(1));
+    EXPECT_THAT(positions(listed, 0), ::testing::ElementsAre("0.0000,0.0000", "40.0000,0.0000", "20.0000,-40.0000"));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0));
+    EXPECT_THAT(runs(listed, 0, 1, 0), listIs(9.510565, 0.0));
+    EXPECT_THAT(runs(listed, 0, 1, 1), listIs(-9.510565, 0.0));
+
     // Joined the other way round, it runs from the corner round to the
     // corner: both ends move there and the elements end where they meet.
     const std::string loop = kSetup + mline({"0,0", "100,0", "100,50", "20,50", "20,-10"});
