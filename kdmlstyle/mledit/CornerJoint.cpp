@@ -19,13 +19,6 @@ namespace {
 
 constexpr unsigned kNoCrossingMessage = 4007;
 
-// Whether a multiline keeps its start: the mark lies between the start of
-// segment s on element line 0 and the crossing of the element lines 0.
-bool keepsStart(const MlinePick& pick, int s, const KxGePoint3d& mark, const KxGePoint3d& crossing)
-{
-    return comparePoints(pick.elementLines.front()[std::size_t(s)], mark) == comparePoints(mark, crossing);
-}
-
 KxGePoint3d midpoint(const ElementLine& line, int s)
 {
     return line[std::size_t(s)] + (line[std::size_t(s + 1)] - line[std::size_t(s)]) * 0.5;
@@ -120,20 +113,15 @@ bool editCornerJoint(MlineEditContext& context)
     // The side each keeps: where it was picked (one multiline picked twice:
     // the middles of its segments), before or beyond the crossing of the
     // element lines 0.
-    bool startA = false;
-    bool startB = false;
-    if (const std::optional<KxGePoint3d> k00 = elementLineCrossing(first, s1, 0, second, s2, 0)) {
-        if (same) {
-            const ElementLine& line0 = first.elementLines.front();
-            startA = keepsStart(first, s1, midpoint(line0, s1), *k00);
-            startB = keepsStart(second, s2, midpoint(line0, s2), *k00);
-        } else {
-            projectPickToElement(first, 0, nullptr);
-            projectPickToElement(second, 0, nullptr);
-            startA = keepsStart(first, s1, first.markPoint, *k00);
-            startB = keepsStart(second, s2, second.markPoint, *k00);
-        }
+    if (same) {
+        first.markPoint = midpoint(first.elementLines.front(), s1);
+        second.markPoint = midpoint(second.elementLines.front(), s2);
+    } else {
+        projectPickToElement(first, 0, nullptr);
+        projectPickToElement(second, 0, nullptr);
     }
+    const bool startA = keepsStartBefore(first, s1, first.markPoint, second, s2);
+    const bool startB = keepsStartBefore(second, s2, second.markPoint, first, s1);
     if (!computeElementCrossings(first, s1, second, s2, context.crossings, reachOf(startA), reachOf(startB))) {
         kxutPrintf(L"%ls", loadText(context, kNoCrossingMessage));
         return false;

@@ -133,6 +133,13 @@ std::optional<KxGePoint3d> elementLineCrossing(const MlinePick& first, int segFi
     return point;
 }
 
+bool keepsStartBefore(const MlinePick& pick, int s, const KxGePoint3d& mark, const MlinePick& other, int otherSegment)
+{
+    const std::optional<KxGePoint3d> crossing = elementLineCrossing(pick, s, 0, other, otherSegment, 0);
+    return crossing
+        && comparePoints(pick.elementLines.front()[std::size_t(s)], mark) == comparePoints(mark, *crossing);
+}
+
 bool computeElementCrossings(const MlinePick& first, int segFirst, const MlinePick& second, int segSecond,
                              CrossingTable& table, ElementReach firstReach, ElementReach secondReach)
 {

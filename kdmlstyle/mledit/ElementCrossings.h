@@ -27,6 +27,13 @@ enum class ElementReach {
 std::optional<KxGePoint3d> elementLineCrossing(const MlinePick& first, int segFirst, int a, const MlinePick& second,
                                                int segSecond, int b);
 
+// Whether a multiline cut back or lengthened to its crossing with another
+// keeps its start: mark lies between the start of its segment s on element
+// line 0 and that line's crossing with element line 0 of the other on its
+// segment otherSegment. False when those lines do not meet.
+bool keepsStartBefore(const MlinePick& pick, int s, const KxGePoint3d& mark, const MlinePick& other,
+                      int otherSegment);
+
 // Fills table (rows: elements of first; columns: elements of second) with
 // the crossings of the element lines as they are drawn near the segments
 // segFirst and segSecond, and the segments each crossing lies on. Each

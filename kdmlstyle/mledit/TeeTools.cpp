@@ -56,10 +56,7 @@ bool editTee(MlineEditContext& context, TeeKind kind)
     // and the crossing of the element lines 0, or beyond that crossing.
     const int s = stem.hitSegment;
     projectPickToElement(stem, 0, nullptr);
-    const std::optional<KxGePoint3d> k00 = elementLineCrossing(stem, s, 0, bar, crossing->segSecond, 0);
-    const bool keepStart = k00
-        && comparePoints(stem.elementLines.front()[std::size_t(s)], stem.markPoint)
-               == comparePoints(stem.markPoint, *k00);
+    const bool keepStart = keepsStartBefore(stem, s, stem.markPoint, bar, crossing->segSecond);
     const CrossingTable& table = context.crossings;
     if (!computeElementCrossings(stem, s, bar, crossing->segSecond, context.crossings,
                                  keepStart ? ElementReach::UpToSegment : ElementReach::FromSegment))

@@ -2,6 +2,8 @@
 // the element lists that LIST shows.
 #pragma once
 
+#include "EzdxfReport.h"
+#include "KaldoProcess.h"
 #include "ListedMlines.h"
 
 #include <gmock/gmock.h>
@@ -99,4 +101,20 @@ inline std::vector<std::pair<double, double>> runEnds(const QJsonObject& mline, 
                           at[1].toDouble() + miter[1].toDouble() * p0 + along[1].toDouble() * d);
     }
     return ends;
+}
+
+// Runs the script, saves the drawing as `file` in the session's folder and
+// reads it back with the independent reader: the multilines it found, none
+// when the run or the reader failed or the reader's audit found errors or
+// made fixes.
+inline QJsonArray mlinesReadBack(KaldoProcess& kaldo, const std::string& script, const std::string& file)
+{
+    const std::string saved = (kaldo.dir() / file).string();
+    const KaldoRun run = kaldo.runScript(script, {"--save", QString::fromStdString(saved)});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    const EzdxfReport report = readWithEzdxf(saved);
+    EXPECT_TRUE(report.ran) << report.problem;
+    const bool clean = report.file["errors"].toArray().isEmpty() && report.file["fixes"].toArray().isEmpty();
+    EXPECT_TRUE(clean) << "the reader's audit found errors or made fixes";
+    return run.exitCode == 0 && report.ran && clean ? report.file["mlines"].toArray() : QJsonArray();
 }
