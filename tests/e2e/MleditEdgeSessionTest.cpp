@@ -170,12 +170,19 @@ TEST(MleditEdgeSession, EveryToolPickedNearEitherEndOfASegmentOfAWideWall)
         {"closed tee", tee + "-MLEDIT\nCT\n150,297\n20,-50\n\n", {"50,200", "20,-50"}, {stem, wall}, closedTee},
         {"open tee", tee + "-MLEDIT\nOT\n150,297\n20,-50\n\n", {"50,200", "20,-50"}, {stem, wall}, openedTee},
         {"merged tee", tee + "-MLEDIT\nMT\n150,297\n20,-50\n\n", {"50,200", "20,-50"}, {stem, wall}, openedTee},
+        {"open tee picked 3 before the stem's end", tee + "-MLEDIT\nOT\n150,63\n197,-50\n\n", {"50,200", "20,-50"},
+         {stem, wall}, openedTee},
         // Two walls picked 3 from their starts keep them and meet at
         // (300, 0): the first's element 0 (y = 50) ends at the second's
         // element 1 (x = 250), its element 1 (y = -50) at the second's
         // element 0 (x = 350).
         {"corner joint",
          straight + mline({"300,300", "300,100"}) + "-MLEDIT\nCJ\n3,50\n350,297\n\n",
+         {"100,-50", "350,200"},
+         {{"0.0000,0.0000", "300.0000,0.0000"}, {"300.0000,300.0000", "300.0000,0.0000"}},
+         {{0, 0, 0, {50, 0, 250}}, {0, 0, 1, {-50, 0, 350}}, {1, 0, 0, {50, 0, 350}}, {1, 0, 1, {-50, 0, 250}}}},
+        {"corner joint picked 3 before the segments' ends",
+         straight + mline({"300,300", "300,100"}) + "-MLEDIT\nCJ\n197,50\n350,103\n\n",
          {"100,-50", "350,200"},
          {{"0.0000,0.0000", "300.0000,0.0000"}, {"300.0000,300.0000", "300.0000,0.0000"}},
          {{0, 0, 0, {50, 0, 250}}, {0, 0, 1, {-50, 0, 350}}, {1, 0, 0, {50, 0, 350}}, {1, 0, 1, {-50, 0, 250}}}},
