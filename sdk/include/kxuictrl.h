@@ -47,7 +47,9 @@ public:
 class CListBox : public CWnd {
 public:
     int GetCount() const;
-    int AddString(const std::wstring& text);  // index of the new row
+    // Index of the new row: the last, or in a list its template marks
+    // "sorted" the row's place in alphabetical order, case ignored.
+    int AddString(const std::wstring& text);
     int InsertString(int index, const std::wstring& text);
     int DeleteString(int index);  // rows left, -1 for a bad index
     void ResetContent();

@@ -174,7 +174,7 @@ TEST_F(StyleDialogsTest, NewModifyDialogEditsTheWorkingCopyAndThePreviewFollows)
     EXPECT_THAT(transcript, HasSubstr(L"    0: -0.5 | ByLayer | ByLayer\n    1: 0.5 | ByLayer | ByLayer\n"));
     // The added row sorted in at its offset and stayed selected; a text
     // with two full stops left it as it was.
-    EXPECT_THAT(transcript, HasSubstr(L"selected 1\n    0: -0.5 | ByLayer | ByLayer\n    1: 0.25 | red | Continuous\n"
+    EXPECT_THAT(transcript, HasSubstr(L"selected 1\n    0: -0.5 | ByLayer | ByLayer\n    1: 0.25 | Continuous | red\n"
                                       L"    2: 0.5 | ByLayer | ByLayer\n"));
     EXPECT_THAT(shown(1048), ElementsAre("disabled ByLayer", "enabled ByLayer"));
     EXPECT_THAT(shown(1044), ElementsAre("enabled 90.00", "enabled 45"));
