@@ -26,6 +26,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPointer>
 #include <QTest>
 #include <QTextDocument>
 #include <QTimer>
@@ -111,7 +112,9 @@ protected:
 
 // Runs act on the modal window whose caption begins with caption (any
 // message box when caption is empty) as soon as it shows: the one the next
-// click or DoModal opens.
+// click or DoModal opens; act ends with the window closed. A window that
+// does not show, or stays open, fails the test and is closed, so that the
+// test ends.
 void whenShown(const QString& caption, std::function<void(QWidget*)> act, int triesLeft = 500)
 {
     QTimer::singleShot(10, [caption, act = std::move(act), triesLeft]() mutable {
@@ -119,12 +122,20 @@ void whenShown(const QString& caption, std::function<void(QWidget*)> act, int tr
         const bool shown = window && window->isVisible()
                            && (caption.isEmpty() ? qobject_cast<QMessageBox*>(window) != nullptr
                                                  : window->windowTitle().startsWith(caption));
-        if (shown)
+        if (shown) {
+            const QPointer<QWidget> acted(window);
             act(window);
-        else if (triesLeft > 0)
+            if (acted && acted->isVisible()) {
+                ADD_FAILURE() << "\"" << caption.toStdString() << "\" stayed open";
+                acted->close();
+            }
+        } else if (triesLeft > 0)
             whenShown(caption, std::move(act), triesLeft - 1);
-        else
+        else {
             ADD_FAILURE() << "no window \"" << caption.toStdString() << "\" showed";
+            if (window)
+                window->close();
+        }
     });
 }
 
