@@ -3,6 +3,7 @@
 // actions: what the lists and labels show, what the name edit keeps, which
 // offsets the editor takes, and which dialogs can be resized.
 #include "dlg/DialogFixture.h"
+#include "styledlg/CurrentStyle.h"
 #include "kaldo/dlg/DialogItems.h"
 #include "kaldo/dlg/DialogLabel.h"
 
@@ -71,15 +72,6 @@ protected:
         KxDbObjectId id;
         dictionary->setAt(name, style, id);
         style->close();
-    }
-
-    void setCurrentStyle(const wchar_t* name)
-    {
-        kxresbuf rb;
-        rb.restype = RTSTR;
-        rb.resval.rstring = kxutNewString(name);
-        kxedSetVar(L"CMLSTYLE", &rb);
-        kxutDelBuffer(rb.resval.rstring);
     }
 
     std::vector<std::wstring> styleNames()

@@ -2,6 +2,7 @@
 // the manager's buttons and preview, the name dialogs' rules, the new/modify
 // dialog's element list, checks and live preview, and the load dialog.
 #include "dlg/DialogFixture.h"
+#include "styledlg/CurrentStyle.h"
 #include "kaldo/dlg/DialogItems.h"
 
 #include "styledlg/MlineStyleDialog.h"
@@ -62,15 +63,6 @@ protected:
         mline->appendSeg({10, 0, 0});
         db.addToCurrentSpace(mline);
         mline->close();
-    }
-
-    void setCurrentStyle(const wchar_t* name)
-    {
-        kxresbuf rb;
-        rb.restype = RTSTR;
-        rb.resval.rstring = kxutNewString(name);
-        kxedSetVar(L"CMLSTYLE", &rb);
-        kxutDelBuffer(rb.resval.rstring);
     }
 
     bool hasStyle(const wchar_t* name)
