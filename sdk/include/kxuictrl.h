@@ -39,6 +39,8 @@ class CEdit : public CWnd {
 public:
     // The most characters a person can type (0: no limit).
     void SetLimitText(int count);
+    // Selects from start to end, counted in the text's wide characters
+    // (end -1: to the end); start equal to end places the caret.
     void SetSel(int start, int end);
     void ReplaceSel(const std::wstring& text);
 };
