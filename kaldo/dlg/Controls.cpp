@@ -36,13 +36,20 @@ void CEdit::SetLimitText(int count)
         edit->setMaxLength(count > 0 ? count : 32767);
 }
 
+// Positions count the wide string's characters; the line edit counts
+// UTF-16 code units.
 void CEdit::SetSel(int start, int end)
 {
     auto* edit = widgetOf<QLineEdit>(*this);
     if (!edit)
         return;
-    if (end < 0)
-        end = int(edit->text().size());
+    const std::wstring text = edit->text().toStdWString();
+    auto unitsBefore = [&text](int position) {
+        return int(QString::fromStdWString(text.substr(0, std::size_t(std::clamp(position, 0, int(text.size())))))
+                       .size());
+    };
+    start = unitsBefore(start);
+    end = end < 0 ? int(edit->text().size()) : unitsBefore(end);
     edit->setSelection(start, end - start);
 }
 
@@ -60,9 +67,24 @@ int CListBox::GetCount() const
     return list ? list->count() : 0;
 }
 
+// A list box whose template marks it "sorted" puts an added row where it
+// belongs alphabetically, case ignored; InsertString puts it where asked.
 int CListBox::AddString(const std::wstring& text)
 {
-    return InsertString(-1, text);
+    const auto* list = widgetOf<QListWidget>(*this);
+    if (!list || !list->property("sorted").toBool())
+        return InsertString(-1, text);
+    const QString added = qt(text);
+    int below = 0;
+    int above = list->count();
+    while (below < above) {
+        const int middle = below + (above - below) / 2;
+        if (list->item(middle)->text().compare(added, Qt::CaseInsensitive) <= 0)
+            below = middle + 1;
+        else
+            above = middle;
+    }
+    return InsertString(below, text);
 }
 
 int CListBox::InsertString(int index, const std::wstring& text)

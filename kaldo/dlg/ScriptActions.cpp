@@ -232,6 +232,8 @@ Outcome size(ModalSubject& subject, const QString& args)
     if (!width || !height || *width <= 0 || *height <= 0)
         return refuse(QStringLiteral("a size is two positive numbers"));
     QWidget* window = subject.window;
+    if (window->minimumSize() == window->maximumSize())
+        return refuse(QStringLiteral("the dialog cannot be resized"));
     // Dragging the bottom-right corner: the top-left corner stays.
     QRect proposed(window->frameGeometry().topLeft(), QSize(*width, *height));
     if (subject.sizing)

@@ -74,7 +74,6 @@ bool CKaldMlineStyleDialog::OnInitDialog()
         m_currentName = rb.resval.rstring ? rb.resval.rstring : L"";
         kxutDelBuffer(rb.resval.rstring);
     }
-    GetDlgItem(kCurrentName)->SetWindowText(m_currentName);
 
     {
         const KxDbObjectPtr<KxDbDictionary> dictionary(m_dictionary.id, KxDb::kForRead);
@@ -83,6 +82,10 @@ bool CKaldMlineStyleDialog::OnInitDialog()
                 m_list.AddString(it->name());
         }
     }
+    // CMLSTYLE may spell the name in other capitals (MLINE writes it in
+    // capitals); the current style shows as the list spells it.
+    const int currentRow = m_list.FindStringExact(-1, m_currentName);
+    GetDlgItem(kCurrentName)->SetWindowText(currentRow >= 0 ? m_list.GetText(currentRow) : m_currentName);
     selectStartingWith(m_currentName);
 
     m_resizer.addItem(GetDlgItem(IDOK), CDlgItemResizer::kRight | CDlgItemResizer::kBottom);

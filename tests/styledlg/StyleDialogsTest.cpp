@@ -2,6 +2,7 @@
 // the manager's buttons and preview, the name dialogs' rules, the new/modify
 // dialog's element list, checks and live preview, and the load dialog.
 #include "dlg/DialogFixture.h"
+#include "styledlg/CurrentStyle.h"
 #include "kaldo/dlg/DialogItems.h"
 
 #include "styledlg/MlineStyleDialog.h"
@@ -62,15 +63,6 @@ protected:
         mline->appendSeg({10, 0, 0});
         db.addToCurrentSpace(mline);
         mline->close();
-    }
-
-    void setCurrentStyle(const wchar_t* name)
-    {
-        kxresbuf rb;
-        rb.restype = RTSTR;
-        rb.resval.rstring = kxutNewString(name);
-        kxedSetVar(L"CMLSTYLE", &rb);
-        kxutDelBuffer(rb.resval.rstring);
     }
 
     bool hasStyle(const wchar_t* name)
@@ -174,7 +166,7 @@ TEST_F(StyleDialogsTest, NewModifyDialogEditsTheWorkingCopyAndThePreviewFollows)
     EXPECT_THAT(transcript, HasSubstr(L"    0: -0.5 | ByLayer | ByLayer\n    1: 0.5 | ByLayer | ByLayer\n"));
     // The added row sorted in at its offset and stayed selected; a text
     // with two full stops left it as it was.
-    EXPECT_THAT(transcript, HasSubstr(L"selected 1\n    0: -0.5 | ByLayer | ByLayer\n    1: 0.25 | red | Continuous\n"
+    EXPECT_THAT(transcript, HasSubstr(L"selected 1\n    0: -0.5 | ByLayer | ByLayer\n    1: 0.25 | Continuous | red\n"
                                       L"    2: 0.5 | ByLayer | ByLayer\n"));
     EXPECT_THAT(shown(1048), ElementsAre("disabled ByLayer", "enabled ByLayer"));
     EXPECT_THAT(shown(1044), ElementsAre("enabled 90.00", "enabled 45"));
