@@ -30,8 +30,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         kaldo::dxf::GroupReader reader(std::string_view(reinterpret_cast<const char*>(data), size));
         const kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxf(reader);
+        // A small budget, so that inputs reach the coarse drawing of block
+        // copies and texts in a fraction of the time a full one takes here.
+        constexpr std::size_t kBudget = std::size_t(1) << 16;
         kaldo::view::RenderNotes notes;
-        const kaldo::view::Scene scene = kaldo::view::renderDrawing(*drawing.database, &notes);
+        const kaldo::view::Scene scene = kaldo::view::renderDrawing(*drawing.database, &notes, kBudget);
         // Two bands, as pictures are painted on threads.
         const QImage image = kaldo::view::paintScene(scene, {256, kaldo::view::Background::Dark}, 2);
         QBuffer png;

@@ -118,7 +118,10 @@ struct BlockDrawing {
 // and each block's drawing, made at its first reference (an empty slot
 // while the block is being drawn).
 struct DrawingPass {
-    DrawingPass(const KxDbDatabase& db, RenderNotes* notes) : db(db), notes(notes) {}
+    DrawingPass(const KxDbDatabase& db, RenderNotes* notes, std::size_t points = PointBudget::kPicture)
+        : db(db), notes(notes), budget(points)
+    {
+    }
 
     const KxDbDatabase& db;
     RenderNotes* notes;
@@ -321,7 +324,7 @@ private:
 
 }  // namespace
 
-Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes)
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points)
 {
     Scene scene;
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
@@ -331,7 +334,7 @@ Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes)
     // written, and growing by copies would write everything twice.
     const std::size_t entities = std::size_t(space->numEntities());
     scene.reserve(entities * 48, entities * 8);
-    DrawingPass pass(db, notes);
+    DrawingPass pass(db, notes, points);
     EntityDrawer drawer(pass, scene);
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step()) {

@@ -10,6 +10,7 @@
 // reference is drawn as the box of its block, a text line as its box.
 #pragma once
 
+#include "kaldo/view/PointBudget.h"
 #include "kaldo/view/Scene.h"
 
 #include <exception>
@@ -29,7 +30,10 @@ struct RenderNotes {
     bool coarse = false;                       // the point budget ran out
 };
 
-Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes = nullptr);
+// points is the budget of points for copies of blocks and outlines of
+// letters (smaller ones reach the coarse drawing sooner).
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes = nullptr,
+                    std::size_t points = PointBudget::kPicture);
 
 // A scene of a few entities (open for read, or in no database yet) with
 // the layers, linetypes and styles of db: what a window draws over the

@@ -11,7 +11,8 @@ namespace kaldo::view {
 
 class PointBudget {
 public:
-    // About a hundred megabytes of points.
+    // 64 MB of points: four thousand copies of a block of a thousand
+    // points fit.
     static constexpr std::size_t kPicture = std::size_t(1) << 22;
 
     explicit PointBudget(std::size_t points = kPicture) : m_left(points) {}
