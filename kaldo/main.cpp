@@ -180,8 +180,10 @@ int main(int argc, char** argv)
         const kaldo::view::Background background = options.exportBackground == kaldo::ExportBackground::Dark
                                                        ? kaldo::view::Background::Dark
                                                        : kaldo::view::Background::White;
-        const std::string problem =
-            kaldo::view::exportPicture(session->database(), *options.exportTo, {options.exportSize, background});
+        kaldo::view::RenderNotes notes;
+        const std::string problem = kaldo::view::exportPicture(session->database(), *options.exportTo,
+                                                               {options.exportSize, background}, &notes);
+        session->editor().write(kaldo::view::describeNotes(notes, L"the picture"));
         if (!problem.empty())
             return fail(problem, kaldo::kExitBadFile);
     }

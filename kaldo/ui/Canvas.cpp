@@ -1,6 +1,7 @@
 #include "kaldo/ui/Canvas.h"
 
 #include "kaldo/ui/ViewGeometry.h"
+#include "kaldo/view/DrawingRenderer.h"
 #include "kaldo/view/PngExport.h"
 
 #include <QMouseEvent>
@@ -190,7 +191,6 @@ const QImage& Canvas::drawingPicture()
     scaled.widthPixels = pixels.width();
     scaled.heightPixels = pixels.height();
     const view::PictureFrame frame = frameOf(scaled);
-    const view::PaintDetail detail{drawing_.index.get(), true};
     // A pan by whole pixels moves the picture and paints the strips it
     // uncovers only.
     const double shiftX = (pictureFor_.centre.x - placement_.centre.x) / scaled.unitsPerPixel;
@@ -199,9 +199,30 @@ const QImage& Canvas::drawingPicture()
         && pictureFor_.unitsPerPixel == placement_.unitsPerPixel && std::abs(shiftX - std::round(shiftX)) < 1e-6
         && std::abs(shiftY - std::round(shiftY)) < 1e-6 && std::abs(shiftX) < pixels.width()
         && std::abs(shiftY) < pixels.height();
-    if (scroll) {
-        const int dx = int(std::lround(shiftX));
-        const int dy = int(std::lround(shiftY));
+    try {
+        paintPicture(pixels, background, frame, scroll ? std::optional<QPoint>(QPoint(int(std::lround(shiftX)),
+                                                                                    int(std::lround(shiftY))))
+                                                      : std::nullopt);
+    } catch (...) {
+        // The picture stays empty; why is said once for each scene.
+        picture_ = QImage(pixels, QImage::Format_RGB32);
+        picture_.fill(background);
+        reportFailure(std::current_exception());
+    }
+    picture_.setDevicePixelRatio(ratio);
+    pictureFor_ = placement_;
+    pictureScene_ = drawing_.scene.get();
+    pictureValid_ = true;
+    return picture_;
+}
+
+void Canvas::paintPicture(const QSize& pixels, const QColor& background, const view::PictureFrame& frame,
+                          const std::optional<QPoint>& shift)
+{
+    const view::PaintDetail detail{drawing_.index.get(), true};
+    if (shift) {
+        const int dx = shift->x();
+        const int dy = shift->y();
         QImage moved(pixels, QImage::Format_RGB32);
         moved.fill(background);
         QPainter painter(&moved);
@@ -222,11 +243,15 @@ const QImage& Canvas::drawingPicture()
             view::paintScene(picture_, *drawing_.scene, frame, kBackground,
                              std::clamp(int(std::thread::hardware_concurrency()), 1, kMostBands), detail);
     }
-    picture_.setDevicePixelRatio(ratio);
-    pictureFor_ = placement_;
-    pictureScene_ = drawing_.scene.get();
-    pictureValid_ = true;
-    return picture_;
+}
+
+void Canvas::reportFailure(const std::exception_ptr& failure)
+{
+    if (failedScene_ == drawing_.scene.get())
+        return;
+    failedScene_ = drawing_.scene.get();
+    emit paintFailed(QStringLiteral("The drawing cannot be painted: %1.")
+                         .arg(QString::fromStdString(view::failureReason(failure))));
 }
 
 void Canvas::paintEvent(QPaintEvent*)
@@ -234,7 +259,11 @@ void Canvas::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.drawImage(QPointF(0, 0), drawingPicture());
     painter.setRenderHint(QPainter::Antialiasing);
-    paintOverlays(painter);
+    try {
+        paintOverlays(painter);
+    } catch (...) {
+        reportFailure(std::current_exception());
+    }
 }
 
 void Canvas::paintOverlays(QPainter& painter)

@@ -9,10 +9,12 @@
 
 #include "kaldo/ed/View.h"
 #include "kaldo/ui/CommandRunner.h"
+#include "kaldo/view/Picture.h"
 
 #include <QImage>
 #include <QWidget>
 
+#include <exception>
 #include <memory>
 #include <optional>
 
@@ -48,6 +50,8 @@ signals:
     // The cursor's drawing point as it is, for the status bar.
     void cursorAt(const kaldo::view::Point2& world);
     void placementChanged(const kaldo::ViewPlacement& placement);
+    // Painting stopped (memory ran out): said once for each scene.
+    void paintFailed(const QString& text);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -62,6 +66,11 @@ protected:
 private:
     void place(const ViewPlacement& placement);
     const QImage& drawingPicture();
+    // Paints the drawing into picture_: whole, or after moving it by shift
+    // pixels only the strips that the move uncovers.
+    void paintPicture(const QSize& pixels, const QColor& background, const view::PictureFrame& frame,
+                      const std::optional<QPoint>& shift);
+    void reportFailure(const std::exception_ptr& failure);
     bool wantsPoint() const;
     void paintOverlays(QPainter& painter);
     // Works out where the cursor aims (snapped, constrained) after it or
@@ -75,6 +84,7 @@ private:
     bool pictureValid_ = false;
     ViewPlacement pictureFor_;                  // what picture_ shows
     const view::Scene* pictureScene_ = nullptr;
+    const view::Scene* failedScene_ = nullptr;  // the scene whose failure was said
     std::shared_ptr<const view::Scene> dragScene_;
     std::shared_ptr<const view::Scene> highlight_;
     InputState input_;

@@ -134,6 +134,7 @@ private:
         std::shared_ptr<const SnapGeometry> snaps;
         std::shared_ptr<const view::SceneIndex> index;
         bool valid = false;
+        bool failed = false;  // the drawing could not be drawn
     } published_;
     std::vector<KxDbObjectId> highlighted_;
     bool dragShown_ = false;

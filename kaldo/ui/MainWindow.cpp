@@ -165,6 +165,9 @@ void MainWindow::connectRunner()
     connect(canvas_, &Canvas::cursorMoved, this,
             [this](const view::Point2& p) { runner_.push(InputEvent::moved({p.x, p.y, 0})); });
     connect(canvas_, &Canvas::cursorAt, this, &MainWindow::showCoordinates);
+    connect(canvas_, &Canvas::paintFailed, this, [this](const QString& text) {
+        runner_.post([this, line = L"\n" + text.toStdWString() + L"\n"] { runner_.session().editor().write(line); });
+    });
     connect(commandLine_, &CommandLine::answered, this, [this](const QString& text) {
         runner_.push(text.isEmpty() ? InputEvent::enter() : InputEvent::typed(text.toStdWString()));
     });

@@ -1,11 +1,14 @@
 // Input meant to break the host, typed or read: numbers that overflow,
 // overlong lines, control characters, files that are no files, odd line
-// ends. Each gets a message; the session goes on and nothing broken
-// reaches a saved file or the terminal.
+// ends, drawings that would keep the renderer busy for ever. Each gets a
+// message; the session goes on and nothing broken reaches a saved file,
+// a picture or the terminal.
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <QImage>
 
 #include <fstream>
 #include <iterator>
@@ -78,4 +81,47 @@ TEST(HostileInputSession, LongAndOddInput)
     run = kaldo.runScript("LIST\n2,3\n", {QString::fromStdString(old)});
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("to point: X=3.0000  Y=4.0000"));
+}
+
+TEST(HostileInputSession, DrawingsMadeToBreakTheRendererAreExportedWithBoundedWork)
+{
+    // Each drawing of tests/data/render as PNG and SVG: the transcript
+    // names what the picture drew once or coarsely or left out, and the
+    // picture shows the rest.
+    struct Drawing {
+        const char* name;
+        const char* said;
+    };
+    const Drawing drawings[] = {
+        {"block-inserts-itself", "Blocks that contain themselves, drawn once in the picture: LOOP.\n"},
+        {"nested-insert-fan",
+         "Drawn as boxes in the picture beyond 4194304 points: copies of blocks and lines of text.\n"},
+        {"ellipse-huge-sweep", "Not drawn in the picture: ELLIPSE.\n"},
+        {"spline-degree-1200", ""},
+        {"hatch-claims-huge-counts", ""},
+    };
+    KaldoProcess kaldo;
+    for (const Drawing& drawing : drawings) {
+        const QString dxf = QStringLiteral(KALDO_SOURCE_DIR "/tests/data/render/%1.dxf").arg(drawing.name);
+        const QString png = QString::fromStdString((kaldo.dir() / drawing.name).string()) + ".png";
+        KaldoRun run = kaldo.runScript("", {dxf, "--export", png, "--size", "300"});
+        ASSERT_EQ(run.exitCode, 0) << drawing.name << run.err;
+        EXPECT_EQ(run.err, "") << drawing.name;
+        EXPECT_THAT(run.out, HasSubstr(drawing.said)) << drawing.name;
+        const QImage image(png);
+        ASSERT_FALSE(image.isNull()) << drawing.name;
+        int drawn = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                drawn += image.pixel(x, y) != qRgb(255, 255, 255);
+        EXPECT_GT(drawn, 100) << drawing.name;
+
+        const QString svg = QString::fromStdString((kaldo.dir() / drawing.name).string()) + ".svg";
+        run = kaldo.runScript("", {dxf, "--export", svg});
+        ASSERT_EQ(run.exitCode, 0) << drawing.name << run.err;
+        EXPECT_THAT(run.out, HasSubstr(drawing.said)) << drawing.name;
+        std::ifstream in(svg.toStdString());
+        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        EXPECT_THAT(text, ::testing::ContainsRegex("<(polyline|polygon|path fill-rule)")) << drawing.name;
+    }
 }

@@ -1,9 +1,10 @@
 // The main window driven by mouse and keys as a user would: points by
 // clicks with snaps, picks for the editing tools, the command line's keys
-// and text window, zoom and pan, recent files and the progress window, and
-// the unsaved-changes question.
+// and text window, zoom and pan, recent files and the progress window, the
+// unsaved-changes question, and drawings that would break the renderer.
 #include "WindowFixture.h"
 
+#include "../dxf/AllocationMeter.h"
 #include "../e2e/EzdxfReport.h"
 #include "kaldo/ui/ViewGeometry.h"
 #include "kaldo/util/Profile.h"
@@ -30,6 +31,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -514,4 +516,88 @@ TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
     type("MLSTYLE");
     ASSERT_TRUE(QTest::qWaitFor([&] { return managerShown; }, kWaitMs));
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+}
+
+// Drawings made to break the renderer (tests/data/render) open in the
+// window: the command thread draws each with bounded work, names what it
+// drew once or coarsely or left out, and the canvas shows the rest. Memory
+// that runs out while the canvas paints in bands, or while the command
+// thread draws, is said once and the session goes on.
+TEST_F(Window, DrawingsMadeToBreakTheRendererAreShownAndMemoryThatRunsOutIsSaid)
+{
+    const auto drawnPixels = [&] {
+        const QImage image = canvas().grab().toImage();
+        int drawn = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                drawn += image.pixel(x, y) != kBackground;
+        return drawn;
+    };
+    const auto open = [&](const QString& path) {
+        const unsigned serial = window().drawing().serial;
+        type("OPEN");
+        if (!QTest::qWaitFor([&] { return window().inputState().kind != Kind::Command; }, kWaitMs))
+            return false;
+        type(path);
+        return QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs);
+    };
+    ASSERT_TRUE(runTyped({"FILEDIA", "0"}));
+    const std::pair<const char*, const char*> drawings[] = {
+        {"block-inserts-itself", "Blocks that contain themselves, drawn once in the window: LOOP.\n"},
+        {"nested-insert-fan",
+         "Drawn as boxes in the window beyond 4194304 points: copies of blocks and lines of text.\n"},
+        {"ellipse-huge-sweep", "Not drawn in the window: ELLIPSE.\n"},
+        {"spline-degree-1200", "Opened"},
+        {"hatch-claims-huge-counts", "Opened"},
+    };
+    for (const auto& [name, said] : drawings) {
+        const QString path = QStringLiteral(KALDO_SOURCE_DIR "/tests/data/render/%1.dxf").arg(name);
+        const qsizetype before = transcript().size();
+        ASSERT_TRUE(open(path)) << name;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return transcript().indexOf(said, before) >= 0; }, kWaitMs)) << name;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return drawnPixels() > 100; }, kWaitMs)) << name;
+    }
+
+    // A polyline of 100 000 vertices, dashed: each band of the canvas
+    // gathers its pixels (1.6 MB) before it paints them, and drawing it
+    // needs more than a megabyte of points.
+    std::string dxf = "  0\nSECTION\n  2\nTABLES\n  0\nTABLE\n  2\nLTYPE\n 70\n1\n  0\nLTYPE\n  2\nLONGDASH\n 70\n0\n"
+                      "  3\n\n 72\n65\n 73\n2\n 40\n40000\n 49\n20000\n 49\n-20000\n  0\nENDTAB\n  0\nENDSEC\n"
+                      "  0\nSECTION\n  2\nENTITIES\n  0\nLWPOLYLINE\n  8\n0\n  6\nLONGDASH\n 90\n100000\n 70\n0\n";
+    for (int i = 0; i < 100000; ++i)
+        dxf += " 10\n" + std::to_string(i) + "\n 20\n" + std::to_string(i % 2 * 100) + "\n";
+    dxf += "  0\nENDSEC\n  0\nEOF\n";
+    const std::string path = dir() + "/dashed.dxf";
+    {
+        std::ofstream out(path);
+        out << dxf;
+    }
+    ASSERT_TRUE(open(QString::fromStdString(path)));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return drawnPixels() > 100; }, kWaitMs));
+    const QPointF cursor(200, 150);
+    QWheelEvent wheel(cursor, canvas().mapToGlobal(cursor), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    {
+        const AllocationCap cap(1 << 20);
+        QApplication::sendEvent(&canvas(), &wheel);
+        EXPECT_EQ(drawnPixels(), 0);
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return transcript().contains("\nThe drawing cannot be painted: the memory ran out.\n"); }, kWaitMs));
+        const qsizetype before = transcript().size();
+        type("LINE");
+        type("0,0");
+        type("10,0");
+        type("");
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] {
+                return transcript().indexOf("\nThe drawing cannot be shown in the window: the memory ran out.\n",
+                                            before) >= 0;
+            },
+            kWaitMs));
+        EXPECT_TRUE(window().drawing().scene->polylines().empty());
+    }
+    ASSERT_TRUE(runTyped({"LINE", "0,50", "10,50", ""}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window().drawing().scene->polylines().size() == 3; }, kWaitMs));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return drawnPixels() > 100; }, kWaitMs));
+    EXPECT_EQ(transcript().count("the memory ran out"), 2);
 }
