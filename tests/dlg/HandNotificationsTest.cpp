@@ -211,13 +211,17 @@ TEST_F(HandNotificationsTest, EveryGestureNotifiesAsItsScriptActionDoes)
              QTest::mouseRelease(rows, Qt::LeftButton, {}, at);
          },
          "SELECT 1003 B\nDBLCLICK 1003\n", {"command 1003 1 selected 1", "command 1003 2 selected 1"}},
-        {"list box: Ctrl and a click on its row, the wheel", kList,
+        {"list box: Ctrl and a click on its selected row, the wheel, a double click on it", kList,
          [](QDialog& w) {
              auto& list = find<QListWidget>(w, kList);
              QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::ControlModifier, rowCentre(list, 0));
              wheel(list, 2);
+             QTest::mousePress(list.viewport(), Qt::LeftButton, {}, rowCentre(list, 0));
+             QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, rowCentre(list, 0));
+             QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, rowCentre(list, 0));
+             QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, rowCentre(list, 0));
          },
-         "", {}},
+         "DBLCLICK 1003\n", {"command 1003 2 selected 0"}},
         {"list view: a click on a row", kList,
          [](QDialog& w) { QTest::mouseClick(find<QTreeWidget>(w, kView).viewport(), Qt::LeftButton, {},
                                             rowCentre(find<QTreeWidget>(w, kView), 2)); },
