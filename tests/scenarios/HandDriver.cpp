@@ -290,6 +290,11 @@ void HandDriver::tick()
     pauseMs_ = gesture(*dialog);
 }
 
+bool HandDriver::idle() const
+{
+    return gestures_.empty() && !QApplication::activeModalWidget();
+}
+
 bool HandDriver::finish()
 {
     timer_.stop();

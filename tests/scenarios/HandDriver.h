@@ -23,6 +23,8 @@ public:
     explicit HandDriver(const std::vector<Step>& steps);
 
     void start();
+    // True once every gesture is made and no dialog is open.
+    bool idle() const;
     // Stops; true when every gesture was made and no dialog was left open.
     bool finish();
 

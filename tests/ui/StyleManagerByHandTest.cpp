@@ -40,7 +40,7 @@ protected:
         HandDriver hand(steps);
         hand.start();
         type("MLSTYLE");
-        const bool ended = QTest::qWaitFor([&] { return transcript().contains("Dialog 101 closed: "); }, kWaitMs)
+        const bool ended = QTest::qWaitFor([&] { return hand.idle(); }, kWaitMs)
                            && waitForPrompt("Command: ", Kind::Command);
         return hand.finish() && ended;
     }
