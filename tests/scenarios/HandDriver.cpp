@@ -1,20 +1,19 @@
 #include "HandDriver.h"
 
+#include "Gestures.h"
+
 #include "kaldo/dlg/DialogItems.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
 #include <QTest>
 #include <QTreeWidget>
-#include <QWheelEvent>
 #include <QWindow>
 
 namespace scenario {
@@ -29,18 +28,6 @@ constexpr int kLeftOpenMs = 3000;
 QWidget* itemOf(QWidget& dialog, int id)
 {
     return kaldo::dlg::findItem(&dialog, id);
-}
-
-// Where a person clicks a button: a check box on its box.
-QPoint clickPoint(QWidget& item)
-{
-    if (auto* box = qobject_cast<QCheckBox*>(&item)) {
-        QStyleOptionButton option;
-        option.initFrom(box);
-        option.text = box->text();
-        return box->style()->subElementRect(QStyle::SE_CheckBoxClickRect, &option, box).center();
-    }
-    return item.rect().center();
 }
 
 // Where a person clicks to open a combo box's list: its arrow (an
@@ -77,8 +64,7 @@ void clickRow(QAbstractItemView& view, int row)
 {
     if (row < 0)
         return;
-    const QRect rect = view.visualRect(view.model()->index(row, 0));
-    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, rect.center());
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, gesture::rowCentre(view, row));
 }
 
 void selectInView(QAbstractItemView& view, int row, Hand hand)
@@ -98,16 +84,6 @@ void selectInView(QAbstractItemView& view, int row, Hand hand)
         from = 0;
     }
     pressRepeatedly(view, from, row);
-}
-
-void turnWheel(QComboBox& combo, int notches)
-{
-    const QPointF at = combo.rect().center();
-    for (int i = 0; i < std::abs(notches); ++i) {
-        QWheelEvent wheel(at, combo.mapToGlobal(at), QPoint(), QPoint(0, notches > 0 ? -120 : 120), Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(&combo, &wheel);
-    }
 }
 
 QLineEdit* lineEditOf(QWidget* item)
@@ -144,7 +120,7 @@ void HandDriver::add(const Step& step)
     case Step::Kind::Click:
         gestures_.push_back([id](QWidget& dialog) {
             if (QWidget* item = itemOf(dialog, id))
-                QTest::mouseClick(item, Qt::LeftButton, {}, clickPoint(*item));
+                QTest::mouseClick(item, Qt::LeftButton, {}, gesture::clickPoint(*item));
             return 0;
         });
         break;
@@ -152,7 +128,7 @@ void HandDriver::add(const Step& step)
         gestures_.push_back([id, on = step.number != 0](QWidget& dialog) {
             auto* box = qobject_cast<QAbstractButton*>(itemOf(dialog, id));
             if (box && box->isChecked() != on)
-                QTest::mouseClick(box, Qt::LeftButton, {}, clickPoint(*box));
+                QTest::mouseClick(box, Qt::LeftButton, {}, gesture::clickPoint(*box));
             return 0;
         });
         break;
@@ -198,7 +174,7 @@ void HandDriver::add(const Step& step)
                 if (to < 0)
                     return 0;
                 if (hand == Hand::Wheel) {
-                    turnWheel(*combo, to - combo->currentIndex());
+                    gesture::turnWheel(*combo, to - combo->currentIndex());
                 } else {
                     combo->setFocus(Qt::TabFocusReason);
                     pressRepeatedly(*combo, combo->currentIndex(), to);
@@ -215,11 +191,7 @@ void HandDriver::add(const Step& step)
             const int at = view ? rowOf(*view->model(), row) : -1;
             if (at < 0)
                 return 0;
-            const QPoint point = view->visualRect(view->model()->index(at, 0)).center();
-            QTest::mousePress(view->viewport(), Qt::LeftButton, {}, point);
-            QTest::mouseRelease(view->viewport(), Qt::LeftButton, {}, point);
-            QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, point);
-            QTest::mouseRelease(view->viewport(), Qt::LeftButton, {}, point);
+            gesture::doubleClick(*view->viewport(), gesture::rowCentre(*view, at));
             return 0;
         });
         break;

@@ -3,11 +3,9 @@
 // Delete, Rename, Modify and Set Current for a style the rules protect
 // (as a button state that did not follow would let them) change nothing
 // and open nothing.
-#include "dlg/DialogFixture.h"
+#include "StyleDrawingFixture.h"
 
 #include "styledlg/MlineStyleDialog.h"
-
-#include "kxed.h"
 
 #include <gmock/gmock.h>
 
@@ -41,41 +39,11 @@ private:
     std::vector<int> clicks_;
 };
 
-class ManagerRulesTest : public DialogFixture {
+class ManagerRulesTest : public StyleDrawingFixture {
 protected:
-    ManagerRulesTest()
-    {
-        auto* style = new KxDbMlineStyle;
-        style->initMlineStyle();
-        style->setName(L"WALL");
-        int index = 0;
-        style->addElement(index, 0.1, KxCmColor(), db.byLayerLinetype());
-        style->addElement(index, -0.1, KxCmColor(), db.byLayerLinetype());
-        KxDbObjectId wall;
-        {
-            KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-            dictionary->setAt(L"WALL", style, wall);
-        }
-        style->close();
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(&db);
-        mline->setStyle(wall);
-        mline->appendSeg({0, 0, 0});
-        mline->appendSeg({10, 0, 0});
-        db.addToCurrentSpace(mline);
-        mline->close();
-    }
+    ManagerRulesTest() { useStyle(addStyle(L"WALL")); }
 
-    void setCurrent(const wchar_t* name)
-    {
-        kxresbuf rb;
-        rb.restype = RTSTR;
-        rb.resval.rstring = kxutNewString(name);
-        kxedSetVar(L"CMLSTYLE", &rb);
-        kxutDelBuffer(rb.resval.rstring);
-    }
-
-    std::wstring current()
+    std::wstring currentStyle()
     {
         kxresbuf rb;
         kxedGetVar(L"CMLSTYLE", &rb);
@@ -90,12 +58,6 @@ protected:
         for (const wchar_t* opened : {L"Message: ", L"Dialog 105", L"Dialog 109"})
             EXPECT_THAT(transcript, Not(HasSubstr(opened)));
     }
-
-    bool hasStyle(const wchar_t* name)
-    {
-        const KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForRead);
-        return dictionary->has(name);
-    }
 };
 
 }  // namespace
@@ -104,7 +66,7 @@ TEST_F(ManagerRulesTest, ProtectedStylesRefuseTheActionsWhenClicked)
 {
     // The current style, in use: no Delete, Rename, Modify or Set Current.
     // The lines would answer a question or a rename if one came.
-    setCurrent(L"WALL");
+    setCurrentStyle(L"WALL");
     script("CLICK 6\nTEXT 1060 GONE\nCLICK 1\nCLICK 1\n");
     ClickingManager inUse(L"WALL", {kDelete, kRename, kModify, kSetCurrent});
     inUse.DoModal();
@@ -122,6 +84,6 @@ TEST_F(ManagerRulesTest, ProtectedStylesRefuseTheActionsWhenClicked)
     script("CLICK 1\n");
     ClickingManager none(L"NO SUCH STYLE", {kDelete, kRename, kModify, kSetCurrent});
     none.DoModal();
-    EXPECT_EQ(current(), L"WALL");
+    EXPECT_EQ(currentStyle(), L"WALL");
     expectNothingOpened();
 }
