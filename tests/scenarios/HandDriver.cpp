@@ -23,7 +23,7 @@ namespace {
 constexpr int kTickMs = 5;
 // A dialog still open (or still not active) this long after the last
 // gesture was left open.
-constexpr int kLeftOpenMs = 3000;
+constexpr int kLeftOpenMs = 10000;
 
 QWidget* itemOf(QWidget& dialog, int id)
 {
