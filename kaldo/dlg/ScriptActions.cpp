@@ -9,9 +9,9 @@
 #include <QCoreApplication>
 #include <QDialog>
 #include <QFocusEvent>
-#include <QKeyEvent>
 #include <QGroupBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
