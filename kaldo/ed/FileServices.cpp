@@ -96,6 +96,10 @@ int chooseInDialog(const wchar_t* title, const wchar_t* defaultName, const wchar
         QWidget* owner = QApplication::activeModalWidget();
         name = (flags & 0x1) ? QFileDialog::getSaveFileName(owner, caption, start, filters)
                              : QFileDialog::getOpenFileName(owner, caption, start, filters);
+        // The dialog it opened over becomes active again, as window
+        // managers make it (a platform without one would leave none).
+        if (owner)
+            owner->activateWindow();
     });
     if (name.isEmpty())
         return RTCAN;

@@ -500,7 +500,7 @@ TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
     actOnToolDialog([](QDialog& dialog) {
         for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
             if (button->property("itemId").toInt() == 5767)
-                button->click();
+                QTest::mouseClick(button, Qt::LeftButton);
     });
     type("MLEDIT");
     ASSERT_TRUE(waitForPrompt("Select mline: ", Kind::Entity));
