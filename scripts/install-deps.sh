@@ -2,7 +2,7 @@
 # Installs the Debian packages the build and the tests need, only those that
 # are missing, so that a second run costs nothing.
 set -euo pipefail
-packages=(cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libbenchmark-dev
+packages=(cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libbenchmark-dev poppler-utils
           qt6-base-dev libqt6opengl6-dev qt6-tools-dev python3-ezdxf xvfb xauth)
 missing=()
 for p in "${packages[@]}"; do

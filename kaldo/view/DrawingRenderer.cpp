@@ -62,6 +62,21 @@ public:
         const double x = p.x * m_scaleX, y = p.y * m_scaleY;
         return {m_origin.x + x * m_cos - y * m_sin, m_origin.y + x * m_sin + y * m_cos};
     }
+    // A text line placed: its matrix followed by this placement.
+    TextLine operator()(TextLine text) const
+    {
+        const Point2 across{m_scaleX * m_cos, m_scaleX * m_sin};
+        const Point2 up{-m_scaleY * m_sin, m_scaleY * m_cos};
+        const Point2 origin = (*this)(Point2{text.dx, text.dy});
+        const double xx = text.xx, xy = text.xy, yx = text.yx, yy = text.yy;
+        text.xx = across.x * xx + up.x * xy;
+        text.xy = across.y * xx + up.y * xy;
+        text.yx = across.x * yx + up.x * yy;
+        text.yy = across.y * yx + up.y * yy;
+        text.dx = origin.x;
+        text.dy = origin.y;
+        return text;
+    }
 
 private:
     Point2 m_origin;
@@ -83,7 +98,7 @@ void appendPlaced(const Scene& block, const Placement& place, Scene& scene)
         patterns[p] = scene.addPattern(block.patterns()[p]);
     std::vector<int> pens;
     for (const Pen& pen : block.pens())
-        pens.push_back(scene.pen({pen.color, patterns[std::size_t(pen.pattern)]}));
+        pens.push_back(scene.pen({pen.color, patterns[std::size_t(pen.pattern)], pen.lineWeight}));
     for (const Polyline& polyline : block.polylines()) {
         scene.beginPolyline(pens[std::size_t(polyline.pen)]);
         for (std::uint32_t i = 0; i < polyline.count; ++i)
@@ -104,6 +119,10 @@ void appendPlaced(const Scene& block, const Placement& place, Scene& scene)
         for (std::uint32_t i = 0; i < polygon.count; ++i)
             scene.addPoint(place(block.points()[polygon.first + i]));
         scene.endPolygon(polygon.color);
+    }
+    for (TextLine text : block.texts()) {
+        text.pen = pens[std::size_t(text.pen)];
+        scene.addText(place(std::move(text)));
     }
 }
 
@@ -142,6 +161,7 @@ public:
         const LayerLook& layer = m_pens.layer(entity.layerId());
         if (!layer.visible)
             return;
+        m_pens.takeLineWeight(entity, layer);
         if (const auto* mline = KxDbMline::cast(&entity))
             drawMline(*mline, layer);
         else if (const auto* line = KxDbLine::cast(&entity))
@@ -268,6 +288,7 @@ private:
         // References to the slot stay valid while the blocks inside add theirs.
         std::unique_ptr<BlockDrawing>& slot = m_pass.blocks[id];
         auto drawing = std::make_unique<BlockDrawing>();
+        drawing->scene.keepTexts(m_scene.keepsTexts());
         EntityDrawer inner(m_pass, drawing->scene, m_depth + 1);
         const auto it = block.newIterator();
         for (it->start(); !it->done(); it->step()) {
@@ -324,9 +345,10 @@ private:
 
 }  // namespace
 
-Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points)
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, bool keepTexts)
 {
     Scene scene;
+    scene.keepTexts(keepTexts);
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
     if (!space)
         return scene;

@@ -31,9 +31,10 @@ struct RenderNotes {
 };
 
 // points is the budget of points for copies of blocks and outlines of
-// letters (smaller ones reach the coarse drawing sooner).
+// letters (smaller ones reach the coarse drawing sooner); keepTexts keeps
+// texts as text lines instead of outlines (plots).
 Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes = nullptr,
-                    std::size_t points = PointBudget::kPicture);
+                    std::size_t points = PointBudget::kPicture, bool keepTexts = false);
 
 // A scene of a few entities (open for read, or in no database yet) with
 // the layers, linetypes and styles of db: what a window draws over the

@@ -62,8 +62,43 @@ struct TextPlacement {
     enum class Vertical { Baseline, Bottom, Middle, Top } vertical = Vertical::Baseline;
 };
 
+// Where a line lies in layout units: its start on the baseline, its
+// advance, and its top and bottom (y downwards).
+struct LineBox {
+    double x = 0;
+    double width = 0;
+    double top = 0;
+    double bottom = 0;
+};
+
+// A line of text kept whole, placed as its outlines would be: layout units
+// scaled (across by the width factor), turned by the angle and moved so
+// that the baseline lies up layout units above the anchor.
+void keepText(const QString& line, const QFont& font, const LineBox& box, const TextPlacement& place, double scale,
+              double up, int pen, Scene& scene)
+{
+    const double c = std::cos(place.angle), s = std::sin(place.angle);
+    TextLine text;
+    text.text = line.toStdString();
+    text.family = font.family().toStdString();
+    text.pixelSize = font.pixelSize();
+    text.x = box.x;
+    text.width = box.width;
+    text.top = box.top;
+    text.bottom = box.bottom;
+    text.xx = scale * place.widthFactor * c;
+    text.xy = scale * place.widthFactor * s;
+    text.yx = scale * s;
+    text.yy = -scale * c;
+    text.dx = place.anchor.x - up * scale * s;
+    text.dy = place.anchor.y + up * scale * c;
+    text.pen = pen;
+    scene.addText(std::move(text));
+}
+
 // Each line's letters as outlines while the budget holds, else the line's
-// box (from the descent to the height of a capital).
+// box (from the descent to the height of a capital); kept as text lines
+// when the scene keeps texts.
 void drawLines(const QStringList& lines, const TextPlacement& place, int pen, Scene& scene, PointBudget& budget)
 {
     QFont font(QStringLiteral("DejaVu Sans"));
@@ -88,6 +123,11 @@ void drawLines(const QStringList& lines, const TextPlacement& place, int pen, Sc
             continue;
         const double width = metrics.horizontalAdvance(lines[i]);
         const double up = firstBaseline - spacing * double(i);
+        if (scene.keepsTexts()) {
+            keepText(lines[i], font, {-place.horizontal * width, width, -cap, metrics.descent()}, place, scale, up,
+                     pen, scene);
+            continue;
+        }
         const auto add = [&](const QPointF& p) {
             const double x = p.x() * scale * place.widthFactor;
             const double y = (up - p.y()) * scale;

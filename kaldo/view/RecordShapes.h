@@ -2,7 +2,8 @@
 // MTEXT, SOLID, solid HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts are
 // the outlines of their letters in Qt's sans-serif font, scaled so that a
 // capital is as tall as the text height, while the budget holds (then the
-// box of each line); MTEXT's paragraph breaks start new lines and its other
+// box of each line), or kept as text lines in a scene that keeps texts;
+// MTEXT's paragraph breaks start new lines and its other
 // formatting codes are left out. Texts need a QGuiApplication (fonts);
 // without one they are not drawn. Counts are read as far as the groups
 // that follow bear them out, and every curve gets a bounded number of

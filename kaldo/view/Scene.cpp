@@ -29,7 +29,7 @@ Scene::Scene() : m_patterns(1) {}
 int Scene::pen(const Pen& pen)
 {
     const auto [it, added] = m_penIndex.try_emplace(
-        {pen.color.foreground, pen.color.rgb, pen.pattern}, static_cast<int>(m_pens.size()));
+        {pen.color.foreground, pen.color.rgb, pen.pattern, pen.lineWeight}, static_cast<int>(m_pens.size()));
     if (added)
         m_pens.push_back(pen);
     return it->second;
@@ -104,6 +104,10 @@ Bounds Scene::bounds() const
         b.add(p);
     for (const Arc& arc : m_arcs)
         addArcBounds(b, arc);
+    for (const TextLine& text : m_texts)
+        for (const double u : {text.x, text.x + text.width})
+            for (const double v : {text.top, text.bottom})
+                b.add(text.place(u, v));
     return b;
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -30,9 +31,15 @@ struct DrawColor {
 // gaps negative, dots 0. Pattern 0 of every scene is continuous (empty).
 using LinePattern = std::vector<double>;
 
+// A lineweight that the plot's default lineweight stands for.
+inline constexpr int kDefaultLineWeight = -3;
+
 struct Pen {
     DrawColor color;
     int pattern = 0;
+    // The width of the line on paper in hundredths of a millimetre (0 the
+    // thinnest), or kDefaultLineWeight; only plots draw it.
+    int lineWeight = kDefaultLineWeight;
     friend bool operator==(const Pen&, const Pen&) = default;
 };
 
@@ -68,6 +75,22 @@ struct PolylineGroup {
     double width = 0;
 };
 
+// A line of text kept as text, for plots that write letters as text: laid
+// out in the font family at pixelSize with its baseline's start at (x, 0),
+// in layout units with y downwards, and placed in the drawing by the
+// matrix: (u, v) -> (xx u + yx v + dx, xy u + yy v + dy).
+struct TextLine {
+    std::string text;  // UTF-8
+    std::string family;
+    double pixelSize = 1;
+    double x = 0;
+    // The line's box in layout units: x to x + width, top to bottom.
+    double width = 0, top = 0, bottom = 0;
+    double xx = 1, xy = 0, yx = 0, yy = 1, dx = 0, dy = 0;
+    int pen = 0;
+    Point2 place(double u, double v) const { return {xx * u + yx * v + dx, xy * u + yy * v + dy}; }
+};
+
 // Points that are not finite numbers do not count.
 struct Bounds {
     double minX = 0, minY = 0, maxX = 0, maxY = 0;
@@ -95,6 +118,11 @@ public:
     // A polygon of the points added since the call (at least three kept).
     void beginPolygon() { m_openFirst = m_points.size(); }
     void endPolygon(const DrawColor& color);
+    // Whether texts are kept as text lines rather than drawn as the
+    // outlines of their letters (false unless asked for).
+    bool keepsTexts() const { return m_keepsTexts; }
+    void keepTexts(bool keep) { m_keepsTexts = keep; }
+    void addText(TextLine text) { m_texts.push_back(std::move(text)); }
 
     const std::vector<Point2>& points() const { return m_points; }
     const std::vector<Polyline>& polylines() const { return m_polylines; }
@@ -103,6 +131,7 @@ public:
     const std::vector<Pen>& pens() const { return m_pens; }
     const std::vector<LinePattern>& patterns() const { return m_patterns; }
     const std::vector<PolylineGroup>& groups() const { return m_groups; }
+    const std::vector<TextLine>& texts() const { return m_texts; }
     // Groups the polylines added since first.
     void groupPolylines(std::uint32_t first, double width);
 
@@ -119,9 +148,11 @@ private:
     std::vector<Pen> m_pens;
     std::vector<LinePattern> m_patterns;
     std::vector<PolylineGroup> m_groups;
+    std::vector<TextLine> m_texts;
+    bool m_keepsTexts = false;
     // Pens and patterns by what they are: copies of blocks look theirs up
     // for each copy.
-    std::map<std::tuple<bool, std::uint32_t, int>, int> m_penIndex;
+    std::map<std::tuple<bool, std::uint32_t, int, int>, int> m_penIndex;
     std::map<LinePattern, int> m_patternIndex;
     std::size_t m_openFirst = 0;
     int m_openPen = 0;
