@@ -54,10 +54,17 @@ kaldo::SessionPaths sessionPaths(const kaldo::Options& options)
 }
 
 // Why the files and folders the session needs cannot be used; empty when
-// they can.
+// they can. A profile named that does not exist yet is made, empty, as a
+// first run makes the default one.
 std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths& paths)
 {
     std::error_code ec;
+    if (options.profile && !std::filesystem::exists(*options.profile, ec)) {
+        if (options.profile->has_parent_path())
+            std::filesystem::create_directories(options.profile->parent_path(), ec);
+        if (!std::ofstream(*options.profile, std::ios::app))
+            return "cannot create the profile '" + options.profile->string() + "'.";
+    }
     if (options.profile && !std::ifstream(*options.profile))
         return "cannot read the profile '" + options.profile->string() + "'.";
     if (!std::filesystem::is_directory(paths.supportDir, ec))

@@ -56,20 +56,23 @@ std::wstring resultName(int result)
 
 int runModalLoop(ModalSubject& subject)
 {
+    // The opening and closing lines tell a script's reader what its lines
+    // acted on; a person sees the dialog itself.
     Editor* editor = currentEditor();
-    if (editor)
-        editor->write(L"\n" + subject.title + L"\n");
+    Editor* script = editor && editor->scriptFeedsInput() ? editor : nullptr;
+    if (script)
+        script->write(L"\n" + subject.title + L"\n");
     int result = subject.window->result();
     if (!subject.ended) {
         std::optional<ScriptFeed> feed;
-        if (editor && editor->scriptFeedsInput())
-            feed.emplace(subject, *editor).scheduleNext();
+        if (script)
+            feed.emplace(subject, *script).scheduleNext();
         result = subject.window->exec();
     }
     if (subject.result)
         result = subject.result(result);
-    if (editor)
-        editor->write(L"\n" + subject.closedPrefix + resultName(result) + L"\n");
+    if (script)
+        script->write(L"\n" + subject.closedPrefix + resultName(result) + L"\n");
     return result;
 }
 
