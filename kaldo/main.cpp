@@ -20,6 +20,7 @@
 #include <QApplication>
 
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <memory>
 
@@ -55,11 +56,18 @@ kaldo::SessionPaths sessionPaths(const kaldo::Options& options)
 }
 
 // Why the files and folders the session needs cannot be used; empty when
-// they can.
+// they can. A profile named that does not exist yet is made, empty, as a
+// first run makes the default one.
 std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths& paths)
 {
     std::error_code ec;
     if (options.profile) {
+        if (!std::filesystem::exists(*options.profile, ec)) {
+            if (options.profile->has_parent_path())
+                std::filesystem::create_directories(options.profile->parent_path(), ec);
+            if (!std::ofstream(*options.profile, std::ios::app))
+                return "cannot create the profile '" + options.profile->string() + "'.";
+        }
         try {
             kaldo::openForReading(*options.profile);
         } catch (const kaldo::FileError& e) {

@@ -68,10 +68,7 @@ std::wstring scientificText(double value, int precision, int dimzin)
 
 std::wstring decimalText(double value, int precision, int dimzin)
 {
-    std::wstring text = fixedText(value, precision);
-    if (text.empty() || text.size() > kMaxNumberText)
-        return scientificText(value, precision, dimzin);
-    return suppressZeros(std::move(text), dimzin);
+    return suppressZeros(fixedText(value, precision), dimzin);
 }
 
 // Joins feet and inches as the low two DIMZIN bits ask.
@@ -259,8 +256,9 @@ std::optional<double> parseBearing(std::wstring_view text)
 std::wstring formatDistance(double value, int unit, int precision, int dimzin)
 {
     precision = clampPrecision(precision);
+    if (unit == 1 || (std::isfinite(value) && std::fabs(value) >= kLargestPlainNumber))
+        return scientificText(value, precision, dimzin);
     switch (unit) {
-    case 1: return scientificText(value, precision, dimzin);
     case 3: return engineeringText(value, precision, dimzin);
     case 4: return architecturalText(value, precision, dimzin, true);
     case 5: return architecturalText(value, precision, dimzin, false);

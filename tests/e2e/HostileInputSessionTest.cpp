@@ -39,6 +39,20 @@ TEST(HostileInputSession, NumbersThatOverflowAreRefused)
     EXPECT_THAT(text, Not(HasSubstr("inf")));
 }
 
+// A number too large to read in full is written in scientific form, by
+// the module's texts as by the host's variables, in every linear unit.
+TEST(HostileInputSession, HugeNumbersAreWrittenReadably)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript("MLINE\nS\n1e308\nS\n^C\n^C\nCMLSCALE\n\nLUNITS\n4\nCMLSCALE\n\n");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Scale = 1.0000E+308, Style = STANDARD\n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter mline scale <1.0000E+308> :*Cancel*\n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <1.0000E+308>: \n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <1.0000E+308>: \nCommand: LUNITS"));
+    EXPECT_THAT(run.out, Not(::testing::ContainsRegex("[0-9]{20}")));
+}
+
 TEST(HostileInputSession, LongAndOddInput)
 {
     KaldoProcess kaldo;
