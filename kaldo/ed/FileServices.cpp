@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QString>
+#include <QWidget>
 
 #include <filesystem>
 #include <optional>
