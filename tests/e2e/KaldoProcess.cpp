@@ -1,9 +1,16 @@
 #include "KaldoProcess.h"
 
+#include "dxf/ReopenProperty.h"
+
+#include <gtest/gtest.h>
+
 #include <QProcess>
 
 #include <fstream>
+#include <map>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
 const QString kaldoBinary = QStringLiteral(KALDO_STAGE_DIR "/bin/kaldo");
@@ -19,6 +26,30 @@ KaldoProcess::KaldoProcess()
     env_.insert("XDG_CONFIG_HOME", QString::fromStdString((dir_ / "config").string()));
     env_.insert("XDG_STATE_HOME", QString::fromStdString((dir_ / "state").string()));
     writeFile("kaldo.ini", "[Settings]\n");
+}
+
+KaldoProcess::~KaldoProcess()
+{
+    const std::filesystem::path reopened = dir_ / "reopened";
+    std::filesystem::create_directory(reopened);
+    std::vector<std::filesystem::path> saved;
+    std::map<std::filesystem::path, std::filesystem::path> sources;
+    for (const std::filesystem::path& drawing : drawingsUnder(dir_)) {
+        if (drawing.parent_path() == reopened)
+            continue;
+        const std::filesystem::path copy =
+            reopened / (std::to_string(saved.size()) + "-" + drawing.filename().string());
+        bool opened = false;
+        if (const std::string problem = reopenProblem(drawing, copy, &opened); !problem.empty())
+            ADD_FAILURE() << drawing.filename() << ": " << problem;
+        if (opened) {
+            saved.push_back(copy);
+            sources[copy] = drawing.filename();
+        }
+    }
+    for (const auto& [copy, findings] : ezdxfAuditFindings(saved))
+        if (!findings.empty())
+            ADD_FAILURE() << sources[copy] << " saved again, ezdxf's audit finds: " << findings;
 }
 
 std::filesystem::path KaldoProcess::writeFile(const std::string& name, const std::string& text) const

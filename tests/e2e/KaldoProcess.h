@@ -1,5 +1,9 @@
 // Runs the staged kaldo binary on a script in a private temporary folder
-// (its own profile and crash folder) and collects what it printed.
+// (its own profile and crash folder) and collects what it printed. When it
+// goes, every drawing left in the folder that kaldo opens is checked to save
+// into a file that kaldo opens again to the same bytes and that ezdxf reads
+// with nothing for its audit to find; a drawing that does not is a failure
+// of the test.
 #pragma once
 
 #include <QProcessEnvironment>
@@ -18,6 +22,9 @@ struct KaldoRun {
 class KaldoProcess {
 public:
     KaldoProcess();
+    ~KaldoProcess();
+    KaldoProcess(const KaldoProcess&) = delete;
+    KaldoProcess& operator=(const KaldoProcess&) = delete;
 
     const std::filesystem::path& dir() const { return dir_; }
     // Writes text into a file of the temporary folder and returns its path.
