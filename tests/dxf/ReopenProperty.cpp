@@ -12,18 +12,16 @@
 #include <algorithm>
 #include <fstream>
 
-std::string reopenProblem(const std::filesystem::path& drawing, const std::filesystem::path& savedCopy, bool* opened)
+std::string reopenProblem(const std::filesystem::path& drawing, const std::filesystem::path& savedCopy, bool& opened)
 {
-    if (opened)
-        *opened = false;
+    opened = false;
     kaldo::dxf::DxfDrawing first;
     try {
         first = kaldo::dxf::readDxfFile(drawing);
-    } catch (const kaldo::dxf::DxfError&) {
-        return {};
+    } catch (const kaldo::dxf::DxfError& e) {
+        return "it does not open: " + std::string(e.what());
     }
-    if (opened)
-        *opened = true;
+    opened = true;
     std::string saved;
     try {
         saved = toDxfText(first);

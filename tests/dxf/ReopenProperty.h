@@ -10,11 +10,10 @@
 #include <vector>
 
 // Opens the drawing, saves it as savedCopy, opens that and saves it again.
-// Returns what went wrong: "" when the two saves are the same bytes, or
-// when kaldo does not open the drawing at all (it has nothing to save).
-// opened tells which of the two it was.
+// Returns what went wrong ("" when the two saves are the same bytes), or
+// why kaldo does not open the drawing at all; opened tells which.
 std::string reopenProblem(const std::filesystem::path& drawing, const std::filesystem::path& savedCopy,
-                          bool* opened = nullptr);
+                          bool& opened);
 
 // ezdxf's audit of each file, in one run of the reader: for each file the
 // findings as text, "" when there are none.

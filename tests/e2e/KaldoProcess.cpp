@@ -40,7 +40,8 @@ KaldoProcess::~KaldoProcess()
         const std::filesystem::path copy =
             reopened / (std::to_string(saved.size()) + "-" + drawing.filename().string());
         bool opened = false;
-        if (const std::string problem = reopenProblem(drawing, copy, &opened); !problem.empty())
+        const std::string problem = reopenProblem(drawing, copy, opened);
+        if (!problem.empty() && (opened || !written_.contains(drawing)))
             ADD_FAILURE() << drawing.filename() << ": " << problem;
         if (opened) {
             saved.push_back(copy);
@@ -56,6 +57,7 @@ std::filesystem::path KaldoProcess::writeFile(const std::string& name, const std
 {
     const std::filesystem::path path = dir_ / name;
     std::ofstream(path, std::ios::binary) << text;
+    written_.insert(path);
     return path;
 }
 

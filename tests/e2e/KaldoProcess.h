@@ -1,9 +1,9 @@
 // Runs the staged kaldo binary on a script in a private temporary folder
 // (its own profile and crash folder) and collects what it printed. When it
-// goes, every drawing left in the folder that kaldo opens is checked to save
-// into a file that kaldo opens again to the same bytes and that ezdxf reads
-// with nothing for its audit to find; a drawing that does not is a failure
-// of the test.
+// goes, every drawing left in the folder is checked: one that kaldo wrote
+// must open, and every one that opens must save into a file that kaldo
+// opens again to the same bytes and that ezdxf reads with nothing for its
+// audit to find; a drawing that does not is a failure of the test.
 #pragma once
 
 #include <QProcessEnvironment>
@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 struct KaldoRun {
@@ -46,5 +47,7 @@ private:
 
     QTemporaryDir temp_;
     std::filesystem::path dir_;
+    // The files the test wrote (writeFile), which kaldo need not open.
+    mutable std::set<std::filesystem::path> written_;
     QProcessEnvironment env_;
 };
