@@ -222,13 +222,13 @@ std::vector<KxDbMlineParamsPtr> vertexRecords(const KxDbMline& mline)
 // gave the style.
 bool fitElements(KxDbMline& mline, const KxDbMlineStyle& style, const ReadContext::StyleElementOrder* order)
 {
-    const std::vector<KxDbMlineParamsPtr> records = vertexRecords(mline);
     const std::size_t listed = order ? order->listed : std::size_t(style.numElements());
-    if (!std::ranges::all_of(records, [&](const KxDbMlineParamsPtr& r) { return r->elements.size() == listed; }))
-        return false;
+    for (int v = 0; v < mline.numVertices(); ++v)
+        if (mline.parametersAt(v)->elements.size() != listed)
+            return false;
     if (!order)
         return true;
-    for (const KxDbMlineParamsPtr& record : records) {
+    for (const KxDbMlineParamsPtr& record : vertexRecords(mline)) {
         std::vector<KxDbMlineElementParams> ordered(order->places.size());
         for (std::size_t i = 0; i < order->places.size(); ++i)
             ordered[order->places[i]] = std::move(record->elements[i]);
