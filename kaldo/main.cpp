@@ -23,6 +23,8 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -129,9 +131,10 @@ int main(int argc, char** argv)
     } catch (const kaldo::SessionError& e) {
         return fail(e.what(), kaldo::kExitBadFile);
     }
+    std::vector<std::string> repairs;
     if (options.drawing) {
         try {
-            session->openDrawing(*options.drawing);
+            repairs = session->openDrawing(*options.drawing);
         } catch (const kaldo::dxf::DxfError& e) {
             return fail(std::string("cannot open the drawing: ") + e.what(), kaldo::kExitBadFile);
         }
@@ -141,6 +144,8 @@ int main(int argc, char** argv)
     kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin, !personTypes);
     session->editor().setInputSource(&input);
     session->editor().setTranscript(printTranscript);
+    for (const std::string& repair : repairs)
+        session->editor().write(L"Repaired: " + kxutFromMultiByte(repair) + L"\n");
 
     for (const std::filesystem::path& module : options.modules) {
         std::wstring message;

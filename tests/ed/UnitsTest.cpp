@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdarg>
 #include <numbers>
 
@@ -124,8 +125,15 @@ TEST(Units, AnglesAreReadInTheirUnitOrBySuffix)
     EXPECT_TRUE(near(parseAngle(L"N45dW", 4), degrees(135)));
     EXPECT_TRUE(near(parseAngle(L"S 30d E", 4), degrees(300)));
     EXPECT_TRUE(near(parseAngle(L"W", 4), degrees(180)));
-    for (const wchar_t* junk : {L"", L"abc", L"45x", L"45d30", L"45d-3'", L"N 100d E", L"N 45d", L"1,5"})
+    for (const wchar_t* junk : {L"", L"abc", L"45x", L"45d30", L"45d-3'", L"N 100d E", L"N 45d", L"1,5", L"1e309"})
         EXPECT_FALSE(parseAngle(junk, 0)) << junk;
+    // Every finite angle has finite radians, however large.
+    const std::optional<double> huge = parseAngle(L"1e308", 0);
+    ASSERT_TRUE(huge && std::isfinite(*huge));
+    EXPECT_NEAR(*huge / 1e308 * 180, std::numbers::pi, 1e-12);
+    const std::optional<double> hugeGradians = parseAngle(L"-1.7e308g", 0);
+    ASSERT_TRUE(hugeGradians && std::isfinite(*hugeGradians));
+    EXPECT_NEAR(*hugeGradians / -1.7e308 * 200, std::numbers::pi, 1e-12);
     // What formatAngle writes reads back (to its precision).
     for (int unit = 0; unit <= 4; ++unit)
         EXPECT_TRUE(near(parseAngle(formatAngle(degrees(123.25), unit, 8, 0), unit), degrees(123.25), 1e-8)) << unit;
