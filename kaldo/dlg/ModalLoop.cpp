@@ -73,14 +73,17 @@ std::wstring resultName(int result)
 
 int runModalLoop(ModalSubject& subject)
 {
+    // The opening and closing lines tell a script's reader what its lines
+    // acted on; a person sees the dialog itself.
     Editor* editor = currentEditor();
-    if (editor)
-        editor->write(L"\n" + subject.title + L"\n");
+    Editor* script = editor && editor->scriptFeedsInput() ? editor : nullptr;
+    if (script)
+        script->write(L"\n" + subject.title + L"\n");
     int result = subject.window->result();
     if (!subject.ended) {
         std::optional<ScriptFeed> feed;
-        if (editor && editor->scriptFeedsInput())
-            feed.emplace(subject, *editor).scheduleNext();
+        if (script)
+            feed.emplace(subject, *script).scheduleNext();
         result = subject.window->exec();
         // The window a closed one was opened over becomes active again, as
         // window managers make it (a platform without one would leave none).
@@ -89,8 +92,8 @@ int runModalLoop(ModalSubject& subject)
     }
     if (subject.result)
         result = subject.result(result);
-    if (editor)
-        editor->write(L"\n" + subject.closedPrefix + resultName(result) + L"\n");
+    if (script)
+        script->write(L"\n" + subject.closedPrefix + resultName(result) + L"\n");
     return result;
 }
 

@@ -91,7 +91,7 @@ protected:
         const Outcome byScript = runByScript(scenario, root() / "script");
         const Outcome byHand = runByHand(scenario, root() / "hand");
         EXPECT_TRUE(byHand.finished) << "a step was not taken or a dialog stayed open";
-        EXPECT_EQ(byHand.transcript, byScript.transcript);
+        EXPECT_EQ(byHand.commandLine, byScript.commandLine);
         EXPECT_TRUE(byHand.drawing == byScript.drawing) << "the drawings differ";
         EXPECT_EQ(byHand.profile, byScript.profile);
         EXPECT_EQ(byHand.files, byScript.files);

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <fstream>
@@ -86,12 +87,14 @@ std::vector<Step> inFolder(std::vector<Step> steps, const std::filesystem::path&
     return steps;
 }
 
-// The lines a script's refused actions print do not belong to a person's
-// run.
-std::string withoutRefusals(const std::string& transcript)
+// What a person's run prints: a script's run also names each dialog and
+// message as it opens and closes, and the actions it refused.
+std::string asTypedByAPerson(const std::string& transcript)
 {
+    static const QRegularExpression scriptOnly(
+        QStringLiteral("^(Dialog action refused: |Dialog \\d+: |Dialog \\d+ closed: |Message: |Message closed: )"));
     QStringList lines = QString::fromStdString(transcript).split(QLatin1Char('\n'));
-    lines.removeIf([](const QString& line) { return line.startsWith(QLatin1String("Dialog action refused: ")); });
+    lines.removeIf([](const QString& line) { return scriptOnly.match(line).hasMatch(); });
     return lines.join(QLatin1Char('\n')).toStdString();
 }
 
@@ -120,7 +123,8 @@ Outcome run(const Scenario& scenario, const std::filesystem::path& folder, bool 
             outcome.finished = true;
         }
         run.session().saveDrawing(folder / "drawing.dxf");
-        outcome.transcript = withoutRefusals(run.transcript());
+        outcome.transcript = run.transcript();
+        outcome.commandLine = asTypedByAPerson(outcome.transcript);
     }
     outcome.drawing = fileBytes(folder / "drawing.dxf");
     outcome.profile = fileBytes(folder / "kaldo.ini");
