@@ -1,16 +1,21 @@
 // PLOT and -PLOT: plot the drawing to a PDF file at a scale on a paper
-// size. Both ask on the command line, each prompt offering the last plot's
-// choice as its default, which Enter takes; then they ask for the PDF file
-// and keep their settings in the profile for the next plot.
+// size. PLOT opens the Plot dialog (its "Window <" asks for the corners on
+// the command line and opens it again); -PLOT asks on the command line,
+// each prompt offering the last plot's choice as its default, which Enter
+// takes. Both then ask for the PDF file and keep their settings in the
+// profile for the next plot.
 #include "kaldo/app/Plotting.h"
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/dlg/PlotDialog.h"
 #include "kaldo/ed/Coordinates.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/Text.h"
 #include "kaldo/util/Profile.h"
 #include "kxed.h"
 #include "kxstring.h"
+
+#include <QApplication>
 
 #include <memory>
 #include <optional>
@@ -189,7 +194,29 @@ void plotCommandLine()
 
 void plotCommand()
 {
-    plotCommandLine();
+    Session* session = Session::current();
+    Editor* editor = currentEditor();
+    if (!session || !editor)
+        return;
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance())) {
+        plotCommandLine();
+        return;
+    }
+    PlotSettings settings = loadPlotSettings(session->profile());
+    const auto plot = drawForPlot(*session, *editor);
+    if (!plot)
+        return;
+    std::filesystem::path file = suggestedPlotFile(*session);
+    for (;;) {
+        const dlg::PlotChoice choice = dlg::runPlotDialog(plot->scene(), plot->source(), settings, file);
+        if (choice == dlg::PlotChoice::Cancel)
+            return;
+        if (choice == dlg::PlotChoice::Plot)
+            break;
+        if (askWindow(*editor, settings.window))
+            settings.area = PlotArea::Window;
+    }
+    plotToFile(*session, *editor, *plot, settings, file);
 }
 
 }  // namespace kaldo
