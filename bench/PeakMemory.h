@@ -16,22 +16,25 @@ inline void resetPeakMemory()
     std::ofstream("/proc/self/clear_refs") << "5";
 }
 
-// The peak resident memory since the last reset, in megabytes.
-inline double peakMegabytes()
+// A line of /proc/self/status in kilobytes ("VmHWM:", "VmRSS:"), in
+// megabytes.
+inline double statusMegabytes(const std::string& key)
 {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);)
-        if (line.rfind("VmHWM:", 0) == 0)
-            return std::stod(line.substr(6)) / 1024.0;
+        if (line.rfind(key, 0) == 0)
+            return std::stod(line.substr(key.size())) / 1024.0;
     return 0;
+}
+
+// The peak resident memory since the last reset, in megabytes.
+inline double peakMegabytes()
+{
+    return statusMegabytes("VmHWM:");
 }
 
 // The resident memory now, in megabytes.
 inline double residentMegabytes()
 {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.rfind("VmRSS:", 0) == 0)
-            return std::stod(line.substr(6)) / 1024.0;
-    return 0;
+    return statusMegabytes("VmRSS:");
 }

@@ -1,10 +1,9 @@
 // How fast, and in how much memory, a drawing of 100 000 multilines (4
 // elements, 10 vertices each) is plotted to a PDF on an A0 sheet: the
 // drawing turned into the plot's scene, the scene painted into the PDF
-// file, and both together. The page goes to its file as it is painted:
-// the peak memory of painting it is reported beside the file's size and
-// the scene's, and for a quarter and a half of the drawing, to show how
-// it grows with the drawing.
+// file, and both together. The peak memory of painting is reported beside
+// the file's size and the scene's, and for a quarter and a half of the
+// drawing, to show how it grows with the drawing.
 #include "PeakMemory.h"
 #include "ZigzagMultilines.h"
 #include "kaldo/view/DrawingRenderer.h"

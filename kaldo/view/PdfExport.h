@@ -1,8 +1,8 @@
 // A plot as a PDF file: one page the size of the sheet as it lies, lines
 // and fills as vectors, texts as text (Qt's PDF writer). The page goes to
-// a temporary file beside the target as it is painted, which then replaces
-// the target through the host's checked, atomic file writing: the file is
-// never held in memory whole.
+// a temporary file beside the target, which then replaces the target
+// through the host's checked, atomic file writing. Qt's writer holds the
+// page's content until the page ends.
 #pragma once
 
 #include "kaldo/view/PlotSettings.h"
