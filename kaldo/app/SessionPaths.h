@@ -16,7 +16,7 @@ struct SessionPaths {
 // installation under any prefix; the build fixes the relative folders):
 //   profile  $XDG_CONFIG_HOME/kaldo/kaldo.ini (else ~/.config/kaldo/kaldo.ini)
 //   support  <exeDir>/../share/kaldo/Support
-//   modules  <exeDir>/../lib/kaldo/modules
+//   modules  <exeDir>/../lib/<multiarch>/kaldo/modules
 //   crash    $XDG_STATE_HOME/kaldo/crash (else ~/.local/state/kaldo/crash)
 SessionPaths defaultSessionPaths(const std::filesystem::path& exeDir);
 
