@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
-# Checks the Debian package the way a user meets it, in four steps that
-# share one work folder:
+# Checks the installed kaldo the way a user meets it, in steps that share
+# one work folder per way of installing:
 #   check-package.sh build WORK BUILD_DIR    builds the package with CPack into
 #                                            WORK/out and unpacks it into WORK/root
-#   check-package.sh session WORK            runs the unpacked kaldo
+#   check-package.sh session WORK            runs the unpacked kaldo, then a moved copy
 #   check-package.sh manual WORK SOURCE_DIR  the manual page beside --help and README
 #   check-package.sh lintian WORK            lintian finds no error
+#   check-package.sh install WORK BUILD_DIR  installs with 'cmake --install' under the
+#                                            prefix /opt/kaldo into the scratch root
+#                                            WORK (DESTDIR) and runs that kaldo
 set -euo pipefail
 
 fail() { echo "check-package: $*" >&2; exit 1; }
@@ -15,7 +18,7 @@ work=$(realpath -m "$2")
 root=$work/root
 kaldo=$root/usr/bin/kaldo
 
-# The unpacked program run with nothing of the build in its environment.
+# The installed program run with nothing of the build in its environment.
 run_kaldo() {
     local program=$1; shift
     env -i PATH=/usr/bin:/bin HOME="$work/home" QT_QPA_PLATFORM=offscreen "$program" "$@"
@@ -28,14 +31,15 @@ png_size() {
     echo "$(((bytes[0] << 24) + (bytes[1] << 16) + (bytes[2] << 8) + bytes[3]))x$(((bytes[4] << 24) + (bytes[5] << 16) + (bytes[6] << 8) + bytes[7]))"
 }
 
-# The package's files a desktop user meets: each entry of the desktop file
-# names what the package holds.
+# The files a desktop user meets under an installation's PREFIX: each entry
+# of the desktop file names what the installation holds, and a MIME
+# database made of its type definitions knows .dxf and .mln files.
 check_desktop_files() {
-    local share=$root/usr/share entry exec icon size
+    local prefix=$1 share=$1/share entry exec icon size globs
     entry=$share/applications/kaldo.desktop
     [ -f "$entry" ] || fail "no desktop entry"
     exec=$(sed -n 's/^Exec=\([^ ]*\).*/\1/p' "$entry")
-    [ -x "$root/usr/bin/$exec" ] || fail "the desktop entry starts '$exec', which the package does not hold"
+    [ -x "$prefix/bin/$exec" ] || fail "the desktop entry starts '$exec', which the installation does not hold"
     grep -qx 'Categories=Graphics;Engineering;' "$entry" || fail "the desktop entry's categories"
     icon=$(sed -n 's/^Icon=//p' "$entry")
     [ -f "$share/icons/hicolor/scalable/apps/$icon.svg" ] || fail "no scalable icon '$icon'"
@@ -44,11 +48,60 @@ check_desktop_files() {
             fail "no $size x $size icon"
     done
     grep -qx 'MimeType=image/vnd.dxf;' "$entry" || fail "the desktop entry opens no DXF drawing"
-    grep -q '<mime-type type="image/vnd.dxf">' "$share/mime/packages/kaldo.xml" &&
-        grep -q '<glob pattern="\*.dxf"/>' "$share/mime/packages/kaldo.xml" ||
-        fail "no association of .dxf with image/vnd.dxf"
+    rm -rf "$work/mime"
+    mkdir -p "$work/mime/packages"
+    cp "$share/mime/packages/kaldo.xml" "$work/mime/packages/"
+    update-mime-database "$work/mime" || fail "update-mime-database refuses the MIME types"
+    globs=$(grep -v '^#' "$work/mime/globs2")
+    grep -q ':image/vnd.dxf:\*\.dxf$' <<<"$globs" || fail "no association of .dxf with image/vnd.dxf"
+    grep -q ':application/x-mln:\*\.mln$' <<<"$globs" || fail "no MIME type of .mln files"
     [ -f "$share/man/man1/kaldo.1.gz" ] || fail "no manual page"
     [ -f "$share/doc/kaldo/copyright" ] || fail "no copyright file"
+}
+
+# The program and the module under ROOT find the core library under ROOT,
+# not the build's.
+check_own_core_library() {
+    local root=$1 binaries binary
+    mapfile -t binaries < <(find "$root" -path "*/bin/kaldo" -o -name KdMLStyle.krx)
+    [ "${#binaries[@]}" = 2 ] || fail "no one program and one module under $root: ${binaries[*]}"
+    for binary in "${binaries[@]}"; do
+        ldd "$binary" | grep -q "libkaldocore.so => $root/" ||
+            fail "$binary finds its core library outside $root: $(ldd "$binary" | grep kaldocore)"
+    done
+}
+
+# A session of PROGRAM: the module from its modules folder, a wall in a
+# style of its Support folder's KALDO.mln, saved as DRAWING.
+draw_wall() {
+    local program=$1 drawing=$2 out
+    out=$(run_kaldo "$program" --script - --save "$drawing" 2>"$work/session.err" <<'EOF'
+MLINE
+ST
+WALL_200MM
+KALDO
+0,0
+4000,0
+4000,3000
+
+EOF
+) || { cat "$work/session.err"; fail "the session of $program failed"; }
+    [ ! -s "$work/session.err" ] || { cat "$work/session.err"; fail "the session of $program complained"; }
+    grep -q "Current settings: Justification = Top, Scale = 1.0000, Style = WALL_200MM" <<<"$out" ||
+        { echo "$out"; fail "MLINE did not take the style WALL_200MM"; }
+}
+
+# PROGRAM opens DRAWING and finds the wall in it.
+reopen_wall() {
+    local program=$1 drawing=$2 out
+    out=$(run_kaldo "$program" "$drawing" --script - 2>&1 <<'EOF'
+LIST
+2000,0
+EOF
+) || { echo "$out"; fail "$program did not reopen $drawing"; }
+    grep -q "^MLINE " <<<"$out" && grep -q "style: wall_200mm" <<<"$out" &&
+        grep -q "vertex 2: X=4000.0000  Y=3000.0000" <<<"$out" ||
+        { echo "$out"; fail "the reopened drawing does not hold the wall"; }
 }
 
 build() {
@@ -66,47 +119,35 @@ build() {
     echo "Depends: $depends"
     grep -q 'libqt6widgets6' <<<"$depends" || fail "Depends lacks Qt's widgets library"
     grep -q 'kaldo' <<<"$depends" && fail "Depends names a library of the package itself"
-    check_desktop_files
+    check_desktop_files "$root/usr"
 }
 
 session() {
-    local version moved out
+    local version moved
     version=$(dpkg-deb -f "$work"/out/kaldo_*.deb Version)
     [ "$(run_kaldo "$kaldo" --version)" = "kaldo $version" ] || fail "kaldo --version does not say $version"
-    # The program and the module find the core library of the unpacked
-    # package, not the build's.
-    for binary in "$kaldo" "$(find "$root" -name KdMLStyle.krx)"; do
-        ldd "$binary" | grep -q "libkaldocore.so => $root/" ||
-            fail "$binary finds its core library outside the package: $(ldd "$binary" | grep kaldocore)"
-    done
-    # A session: the module from the modules folder, a wall in a style of
-    # the Support folder's KALDO.mln, saved.
-    out=$(run_kaldo "$kaldo" --script - --save "$work/room.dxf" 2>"$work/session.err" <<'EOF'
-MLINE
-ST
-WALL_200MM
-KALDO
-0,0
-4000,0
-4000,3000
-
-EOF
-) || { cat "$work/session.err"; fail "the session failed"; }
-    [ ! -s "$work/session.err" ] || { cat "$work/session.err"; fail "the session complained"; }
-    grep -q "Current settings: Justification = Top, Scale = 1.0000, Style = WALL_200MM" <<<"$out" ||
-        { echo "$out"; fail "MLINE did not take the style WALL_200MM"; }
+    check_own_core_library "$root"
+    draw_wall "$kaldo" "$work/room.dxf"
     # Reopened by the installation moved elsewhere as a whole.
     moved=$work/moved
     rm -rf "$moved"
     cp -a "$root" "$moved"
-    out=$(run_kaldo "$moved/usr/bin/kaldo" "$work/room.dxf" --script - 2>&1 <<'EOF'
-LIST
-2000,0
-EOF
-) || { echo "$out"; fail "reopening the drawing failed"; }
-    grep -q "^MLINE " <<<"$out" && grep -q "style: wall_200mm" <<<"$out" &&
-        grep -q "vertex 2: X=4000.0000  Y=3000.0000" <<<"$out" ||
-        { echo "$out"; fail "the reopened drawing does not hold the wall"; }
+    check_own_core_library "$moved"
+    reopen_wall "$moved/usr/bin/kaldo" "$work/room.dxf"
+}
+
+# 'cmake --install' under another prefix than the package's, into a
+# scratch root as packagers do it (DESTDIR).
+install_check() {
+    local build_dir=$1 prefix=$work/opt/kaldo
+    rm -rf "$work"
+    mkdir -p "$work/home"
+    DESTDIR=$work cmake --install "$build_dir" --prefix /opt/kaldo >"$work/install.log" ||
+        { cat "$work/install.log"; fail "cmake --install failed"; }
+    check_desktop_files "$prefix"
+    check_own_core_library "$work"
+    draw_wall "$prefix/bin/kaldo" "$work/room.dxf"
+    reopen_wall "$prefix/bin/kaldo" "$work/room.dxf"
 }
 
 # The long options a text names: the option lines of --help (indented by
@@ -152,5 +193,6 @@ case $step in
     session) session ;;
     manual) manual "$3" ;;
     lintian) lintian_check ;;
+    install) install_check "$3" ;;
     *) fail "unknown step '$step'" ;;
 esac
