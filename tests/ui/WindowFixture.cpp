@@ -37,7 +37,7 @@ WindowFixture::WindowFixture(const std::function<void(kaldo::Profile&)>& prepare
     kaldo::SessionPaths paths;
     paths.profile = temp_.filePath("kaldo.ini").toStdString();
     paths.supportDir = KALDO_STAGE_DIR "/share/kaldo/Support";
-    paths.modulesDir = KALDO_STAGE_DIR "/modules";
+    paths.modulesDir = KALDO_MODULES_DIR;
     paths.crashDir = temp_.filePath("crash").toStdString();
     session_ = std::make_unique<kaldo::Session>(paths);
     for (const std::wstring& failure : session_->loadModulesFolder())
