@@ -14,13 +14,13 @@
 #include "kaldo/dxf/TablesSection.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
 #include "kaldo/util/FileAccess.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
 #include "kxdbdict.h"
 #include "kxdbmline.h"
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -62,7 +62,7 @@ KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, Re
     std::wstring name;
     for (std::size_t i = 0; i < record.size(); ++i)
         if (record.at(i).code == 2)
-            name = kxutFromMultiByte(std::string(trimmed(record.at(i).value)));
+            name = wideFromUtf8(trimmed(record.at(i).value));
     if (name.empty())
         throw DxfError(record.line(), "a block without a name.");
     if (kaldo::sameName(name, L"$MODEL_SPACE"))
@@ -164,10 +164,10 @@ void resolveReferences(ReadContext& context)
         auto* dict = KxDbDictionary::cast(db.peekObject(entry.dictionary));
         KxDbObject* obj = db.peekObject(target);
         if (!obj)
-            throw DxfError(entry.line, "the dictionary entry \"" + kxutToMultiByte(entry.name) + "\" points to handle "
+            throw DxfError(entry.line, "the dictionary entry \"" + utf8FromWide(entry.name) + "\" points to handle "
                                            + handleText(entry.handle) + ", which no object has.");
         if (dict->handle() == context.mlineStyleDictionaryHandle && !KxDbMlineStyle::cast(obj))
-            throw DxfError(entry.line, "the multiline style \"" + kxutToMultiByte(entry.name) + "\" points to handle "
+            throw DxfError(entry.line, "the multiline style \"" + utf8FromWide(entry.name) + "\" points to handle "
                                            + handleText(entry.handle) + ", which is no multiline style.");
         KxDbObjectId id;
         dict->setAt(entry.name.c_str(), obj, id);

@@ -2,7 +2,7 @@
 
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/util/FileAccess.h"
-#include "kxstring.h"
+#include "kaldo/util/Utf8.h"
 
 #include <array>
 #include <bit>
@@ -40,7 +40,16 @@ void requireFinite(int groupCode, double value)
 }
 }  // namespace
 
-GroupWriter::GroupWriter(int fd) : fd_(fd), buffer_(kBufferSize, '\0'), realTexts_(kRealSlots) {}
+GroupWriter::GroupWriter(int fd)
+    : fd_(fd), buffer_(kBufferSize, '\0'), realTexts_(kRealSlots),
+      codec_(std::make_unique<TextCodec>("", kDefaultCodePage))
+{
+}
+
+void GroupWriter::encodeAs(std::string_view version, std::string_view codePage)
+{
+    codec_ = std::make_unique<TextCodec>(version, codePage);
+}
 
 void GroupWriter::makeRoom(std::size_t bytes)
 {
@@ -73,6 +82,14 @@ inline void GroupWriter::code(int code)
 
 void GroupWriter::text(int groupCode, std::string_view value)
 {
+    if (codec_->needsEncoding(value))
+        line(groupCode, codec_->encode(value));
+    else
+        line(groupCode, value);
+}
+
+void GroupWriter::line(int groupCode, std::string_view value)
+{
     code(groupCode);
     ensure(value.size() + 1);
     std::memcpy(buffer_.data() + used_, value.data(), value.size());
@@ -82,7 +99,7 @@ void GroupWriter::text(int groupCode, std::string_view value)
 
 void GroupWriter::wide(int groupCode, const std::wstring& value)
 {
-    text(groupCode, kxutToMultiByte(value));
+    text(groupCode, utf8FromWide(value));
 }
 
 void GroupWriter::real(int groupCode, double value)

@@ -11,6 +11,7 @@
 #include "kaldo/view/PenResolver.h"
 #include "kaldo/view/PlaneArc.h"
 #include "kaldo/view/PolylineRenderer.h"
+#include "kaldo/util/Utf8.h"
 #include "kaldo/view/RecordShapes.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
@@ -18,7 +19,6 @@
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 namespace kaldo::view {
 
@@ -204,7 +204,7 @@ private:
             return false;
         const KxDbObjectPtr<KxDbBlockTable> table(opened);
         KxDbObjectId id;
-        if (table->getAt(kxutFromMultiByte(name->value).c_str(), id) != Kald::eOk)
+        if (table->getAt(wideFromUtf8(name->value).c_str(), id) != Kald::eOk)
             return false;
         const KxDbObjectPtr<KxDbBlockTableRecord> block(id, KxDb::kForRead);
         if (!block)

@@ -152,7 +152,7 @@ bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& sc
     place.horizontal = horizontal == 1 || horizontal == 4 ? 0.5 : horizontal == 2 ? 1.0 : 0.0;
     place.vertical = horizontal == 4 ? TextPlacement::Vertical::Middle
                                      : static_cast<TextPlacement::Vertical>(std::clamp(vertical, 0, 3));
-    drawLines({QString::fromLocal8Bit(value->value.c_str())}, place, pen, scene);
+    drawLines({QString::fromStdString(value->value)}, place, pen, scene);
     return true;
 }
 
@@ -163,7 +163,7 @@ bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& s
     QString text;
     for (const KxDbFileGroup& g : groups)
         if (g.code == 3 || g.code == 1)
-            text += QString::fromLocal8Bit(g.value.c_str());
+            text += QString::fromStdString(g.value);
     TextPlacement place;
     place.anchor = {groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
     place.height = groupNumber(groups, 40, 1);
