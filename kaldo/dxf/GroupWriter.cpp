@@ -4,6 +4,7 @@
 #include "kaldo/util/FileAccess.h"
 #include "kaldo/util/Utf8.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -99,7 +100,12 @@ void GroupWriter::line(int groupCode, std::string_view value)
 
 void GroupWriter::wide(int groupCode, const std::wstring& value)
 {
-    text(groupCode, utf8FromWide(value));
+    // A value is one line of the file: a line end within a text of the
+    // drawing (a style file may hold a lone carriage return) is written as
+    // a blank, so that the file reads back in step.
+    std::string line = utf8FromWide(value);
+    std::replace_if(line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    text(groupCode, line);
 }
 
 void GroupWriter::real(int groupCode, double value)

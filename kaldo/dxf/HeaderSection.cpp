@@ -58,7 +58,7 @@ void apply(const Variable& v, ReadContext& context, KxGePoint3d ucs[3])
     } else if (v.name == "$DWGCODEPAGE") {
         context.kept.codePage = std::string(trimmed(first.value));
     } else if (v.name == "$HANDSEED") {
-        const std::uint64_t seed = toHandle(first);
+        const std::uint64_t seed = toHandle(first, kxdbHighestHandle + 1);
         if (db.setHandseed(std::max<std::uint64_t>(seed, db.handseed())) != Kald::eOk)
             badValue();
     } else if (v.name == "$CMLSTYLE") {
