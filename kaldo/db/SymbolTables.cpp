@@ -5,6 +5,8 @@
 #include "kaldo/db/UndoHistory.h"
 #include "kxdbdatabase.h"
 
+#include <algorithm>
+
 KX_RX_DEFINE_MEMBERS(KxDbSymbolTableRecord, KxDbObject)
 KX_RX_DEFINE_MEMBERS(KxDbSymbolTable, KxDbObject)
 KX_RX_DEFINE_MEMBERS(KxDbBlockTableRecord, KxDbSymbolTableRecord)
@@ -220,6 +222,23 @@ int KxDbBlockTableRecord::numEntities() const
     for (const KxDbObjectId& id : m_entities)
         n += isLive(id) ? 1 : 0;
     return n;
+}
+
+Kald::ErrorStatus KxDbBlockTableRecord::setEntityOrder(const std::vector<KxDbObjectId>& order)
+{
+    std::vector<KxDbObjectId> live;
+    std::vector<KxDbObjectId> erased;
+    for (const KxDbObjectId& id : m_entities)
+        (isLive(id) ? live : erased).push_back(id);
+    std::vector<KxDbObjectId> given = order;
+    std::sort(live.begin(), live.end());
+    std::sort(given.begin(), given.end());
+    if (given != live)
+        return Kald::eInvalidInput;
+    kaldo::recordBeforeChange(*this);
+    m_entities = order;
+    m_entities.insert(m_entities.end(), erased.begin(), erased.end());
+    return Kald::eOk;
 }
 
 std::unique_ptr<KxDbBlockTableRecordIterator> KxDbBlockTableRecord::newIterator() const

@@ -12,6 +12,7 @@
 #include "kaldo/view/PenResolver.h"
 #include "kaldo/view/PlaneArc.h"
 #include "kaldo/view/PolylineRenderer.h"
+#include "kaldo/util/Utf8.h"
 #include "kaldo/view/RecordShapes.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
@@ -19,7 +20,6 @@
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 namespace kaldo::view {
 
@@ -174,7 +174,7 @@ private:
         if (kind == "SPLINE")
             return drawSplineRecord(groups, pen, m_scene);
         if (kind == "HATCH")
-            return drawHatchRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
+            return drawHatchRecord(groups, pen, m_scene, m_pass.budget);
         if (kind == "POINT") {
             // A dot: a line of no length, which the painters show as a pixel.
             const Point2 at{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
@@ -240,7 +240,7 @@ private:
             return false;
         const KxDbObjectPtr<KxDbBlockTable> table(opened);
         KxDbObjectId id;
-        if (table->getAt(kxutFromMultiByte(name->value).c_str(), id) != Kald::eOk)
+        if (table->getAt(wideFromUtf8(name->value).c_str(), id) != Kald::eOk)
             return false;
         const KxDbObjectPtr<KxDbBlockTableRecord> block(id, KxDb::kForRead);
         if (!block)
@@ -262,7 +262,7 @@ private:
         if (const auto found = m_pass.blocks.find(id); found != m_pass.blocks.end()) {
             const wchar_t* name = nullptr;
             if (!found->second && m_pass.notes && block.getName(name) == Kald::eOk)
-                m_pass.notes->selfReachingBlocks.insert(kxutToMultiByte(name));
+                m_pass.notes->selfReachingBlocks.insert(utf8FromWide(name));
             return found->second.get();
         }
         // References to the slot stay valid while the blocks inside add theirs.
@@ -366,7 +366,7 @@ std::wstring describeNotes(const RenderNotes& notes, const std::wstring& picture
     const auto listed = [](const std::set<std::string>& names) {
         std::wstring list;
         for (const std::string& name : names)
-            list += (list.empty() ? L"" : L", ") + kxutFromMultiByte(name);
+            list += (list.empty() ? L"" : L", ") + wideFromUtf8(name);
         return list;
     };
     std::wstring text;

@@ -1,6 +1,7 @@
 #include "kaldo/view/RecordShapes.h"
 
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/view/HatchPattern.h"
 #include "kaldo/view/PlaneArc.h"
 
 #include <QCoreApplication>
@@ -35,6 +36,9 @@ constexpr std::size_t kLeastPointsPerLetter = 4;
 constexpr int kHighestSplineDegree = 11;
 // Points of a spline's curve for each control point.
 constexpr std::size_t kSplinePointsPerControlPoint = 16;
+// A pattern hatch of more lines than this across its extents is drawn
+// solid: at any scale that shows it whole, its lines run together.
+constexpr std::size_t kMostPatternLines = 20000;
 
 // value without its fraction when that lies in the range of int, else
 // fallback.
@@ -234,7 +238,7 @@ bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& sc
     place.horizontal = horizontal == 1 || horizontal == 4 ? 0.5 : horizontal == 2 ? 1.0 : 0.0;
     place.vertical = horizontal == 4 ? TextPlacement::Vertical::Middle
                                      : static_cast<TextPlacement::Vertical>(std::clamp(vertical, 0, 3));
-    drawLines({QString::fromLocal8Bit(value->value.c_str())}, place, pen, scene, budget);
+    drawLines({QString::fromStdString(value->value)}, place, pen, scene, budget);
     return true;
 }
 
@@ -245,7 +249,7 @@ bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& s
     QString text;
     for (const KxDbFileGroup& g : groups)
         if (g.code == 3 || g.code == 1)
-            text += QString::fromLocal8Bit(g.value.c_str());
+            text += QString::fromStdString(g.value);
     TextPlacement place;
     place.anchor = {groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
     place.height = groupNumber(groups, 40, 1);
@@ -278,25 +282,25 @@ bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
     return true;
 }
 
-bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene)
+bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget)
 {
-    if (groupNumber(groups, 70, 0) != 1)
-        return false;  // patterns are not drawn, solid fills are
     // Boundaries are in the hatch's own plane (extrusion 210-230, elevation 30).
     const EntityPlane plane({groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
     const double elevation = groupNumber(groups, 30, 0);
-    const auto add = [&](double x, double y) {
-        const KxGePoint3d p = plane.toWorld(KxGePoint3d(x, y, elevation));
-        scene.addPoint({p.x, p.y});
+    const auto world = [&](const Point2& p) {
+        const KxGePoint3d w = plane.toWorld(KxGePoint3d(p.x, p.y, elevation));
+        return Point2{w.x, w.y};
     };
     // The boundary paths follow group 91; each starts with its flags (92).
+    std::vector<std::vector<Point2>> loops;
     GroupCursor cursor(groups);
     const std::size_t paths = cursor.nextCount(91);
     for (std::size_t path = 0; path < paths; ++path) {
         const std::optional<double> flags = cursor.find(92);
         if (!flags)
             break;
-        scene.beginPolygon();
+        std::vector<Point2>& loop = loops.emplace_back();
+        const auto add = [&](double x, double y) { loop.push_back({x, y}); };
         if (wholeNumber(*flags, 0) & 2) {
             // A polyline path: its vertices (bulges are drawn as chords).
             const std::size_t vertices = cursor.nextCount(93);
@@ -331,6 +335,35 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
                 }
             }
         }
+    }
+    // A pattern (70 = 0) draws its line families (78 of them, after the
+    // paths); one without them, or too fine to draw line by line, is
+    // drawn solid.
+    if (groupNumber(groups, 70, 1) == 0) {
+        std::vector<PatternFamily> families;
+        const std::size_t count = cursor.nextCount(78);
+        for (std::size_t f = 0; f < count; ++f) {
+            PatternFamily& family = families.emplace_back();
+            family.angle = degrees(cursor.next(53));
+            family.base = {cursor.next(43), cursor.next(44)};
+            family.offset = {cursor.next(45), cursor.next(46)};
+            const std::size_t dashes = cursor.nextCount(79);
+            for (std::size_t d = 0; d < dashes; ++d)
+                family.dashes.push_back(cursor.next(49));
+        }
+        bool withinBudget = true;
+        if (patternPieces(loops, families, kMostPatternLines, [&](const Point2& from, const Point2& to) {
+                withinBudget = withinBudget && budget.take(2);
+                if (withinBudget)
+                    scene.addLine(world(from), world(to), pen);
+            }))
+            return true;
+    }
+    const DrawColor color = scene.pens()[std::size_t(pen)].color;
+    for (const std::vector<Point2>& loop : loops) {
+        scene.beginPolygon();
+        for (const Point2& p : loop)
+            scene.addPoint(world(p));
         scene.endPolygon(color);
     }
     return true;

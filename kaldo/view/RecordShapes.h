@@ -1,5 +1,5 @@
 // Shapes of entities that the host keeps as records as read (TEXT, ATTRIB,
-// MTEXT, SOLID, solid HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts are
+// MTEXT, SOLID, HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts are
 // the outlines of their letters in Qt's sans-serif font, scaled so that a
 // capital is as tall as the text height, while the budget holds (then the
 // box of each line); MTEXT's paragraph breaks start new lines and its other
@@ -22,9 +22,11 @@ namespace kaldo::view {
 bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget);
 bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget);
 bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
-// Solid fills only; polyline paths with bulges and edges other than lines
-// and arcs are drawn by their corners.
-bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
+// Solid fills, and patterns by their line families (HatchPattern.h) in
+// the pen, solid when the record gives no lines or too many to draw one by
+// one; polyline paths with bulges and edges other than lines and arcs are
+// drawn by their corners.
+bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget);
 // From its start parameter to its end, one turn at most; not drawn when
 // its axes are beyond the largest number.
 bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);

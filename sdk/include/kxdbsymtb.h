@@ -92,6 +92,10 @@ public:
     Kald::ErrorStatus appendKxDbEntity(KxDbObjectId& id, KxDbEntity* entity);
     Kald::ErrorStatus appendKxDbEntity(KxDbEntity* entity);
     int numEntities() const;  // not erased
+    // Puts the entities in a new drawing order: order holds each entity of
+    // the block that is not erased, once; the erased ones follow them.
+    // eInvalidInput, and no change, for any other list.
+    Kald::ErrorStatus setEntityOrder(const std::vector<KxDbObjectId>& order);
     // Entities in drawing order.
     std::unique_ptr<KxDbBlockTableRecordIterator> newIterator() const;
 
