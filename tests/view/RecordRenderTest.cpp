@@ -2,6 +2,7 @@
 // rotated (with a block inside it), a solid, solid hatches, an ellipse, a
 // point, a spline, texts placed by their justification; what it cannot draw (hatch
 // patterns) is named.
+#include "PlacedScene.h"
 #include "ViewDrawing.h"
 
 #include "kxdbunmodelled.h"
@@ -107,7 +108,7 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     addRecord(d.db, "SPLINE", groups({{71, "2"}, {40, "0"}, {40, "0"}, {40, "0"}, {40, "1"}, {40, "1"}, {40, "1"},
                                       {10, "60"}, {20, "0"}, {10, "61"}, {20, "2"}, {10, "62"}, {20, "0"}}));
     RenderNotes notes;
-    const Scene scene = renderDrawing(d.db, &notes);
+    const Scene scene = placedScene(renderDrawing(d.db, &notes));
     EXPECT_EQ(notes.undrawnKinds, (std::set<std::string>{"HATCH"}));
 
     // The door's line runs up from (10, 20) for 2; the leaf, placed at
