@@ -27,6 +27,7 @@ constexpr double kMarker = 6;
 constexpr double kWheelZoom = 1.25;
 
 const QColor kHighlight(80, 160, 255);
+const QColor kHover(150, 220, 255);
 const QColor kCursor(220, 220, 220);
 const QColor kSnapMark(255, 200, 0);
 
@@ -133,10 +134,19 @@ void Canvas::showHighlight(std::shared_ptr<const view::Scene> scene)
     update();
 }
 
+void Canvas::showHover(std::shared_ptr<const view::Scene> scene)
+{
+    hover_ = std::move(scene);
+    update();
+}
+
 void Canvas::setInputState(const InputState& state)
 {
     input_ = state;
     aim();
+    // A pick shows what it would take before the cursor moves.
+    if (input_.kind == Kind::Entity && cursor_)
+        emit cursorMoved(aim_);
     update();
 }
 
@@ -276,6 +286,11 @@ void Canvas::paintOverlays(QPainter& painter)
         painter.setBrush(Qt::NoBrush);
         strokeScene(painter, *highlight_, placement_);
     }
+    if (hover_ && cursor_ && input_.kind == Kind::Entity) {
+        painter.setPen(QPen(kHover, 2));
+        painter.setBrush(Qt::NoBrush);
+        strokeScene(painter, *hover_, placement_);
+    }
     if (dragScene_ && input_.kind == Kind::Drag)
         view::paintScene(painter, *dragScene_, frameOf(placement_), kBackground, 0, height());
     if (!cursor_)
@@ -283,7 +298,12 @@ void Canvas::paintOverlays(QPainter& painter)
     const QPointF at = pixelAt(placement_, aim_);
     if (input_.kind == Kind::Point && input_.hasBase) {
         painter.setPen(QPen(kCursor, 1, Qt::DashLine));
-        painter.drawLine(pixelAt(placement_, input_.base), at);
+        painter.setBrush(Qt::NoBrush);
+        const QPointF base = pixelAt(placement_, input_.base);
+        if (input_.corner)
+            painter.drawRect(QRectF(base, at).normalized());
+        else
+            painter.drawLine(base, at);
     }
     painter.setPen(QPen(kCursor, 1));
     painter.setBrush(Qt::NoBrush);
@@ -339,7 +359,7 @@ void Canvas::mouseMoveEvent(QMouseEvent* event)
     }
     aim();
     emit cursorAt(worldAt(placement_, event->position()));
-    if (input_.kind == Kind::Drag)
+    if (input_.kind == Kind::Drag || input_.kind == Kind::Entity)
         emit cursorMoved(aim_);
     update();
 }

@@ -1,10 +1,12 @@
 // The drawing canvas: shows the published drawing as the renderer draws
-// it, with the drag's entity, highlights, the crosshair, the pick box and
-// the snap marker on top. The drawing is painted once per view into a
+// it, with the drag's entity, highlights, the entity a pick would take, the
+// crosshair, the pick box and the snap marker on top. The drawing is painted once per view into a
 // picture that each frame only copies, so that a frame costs the same for
 // any drawing; a pan moves the picture and paints what it uncovers. Middle drag pans, the wheel zooms at the cursor, a middle
 // double click shows everything. Left clicks give points: snapped and
-// ortho-constrained where the command line asks for a point.
+// ortho-constrained where the command line asks for a point. While an
+// entity pick waits, the cursor's motion goes to the command thread, which
+// answers with the entity under it.
 #pragma once
 
 #include "kaldo/ed/View.h"
@@ -31,6 +33,8 @@ public:
     void showDrawing(const PublishedDrawing& drawing);
     void showDragScene(std::shared_ptr<const view::Scene> scene);
     void showHighlight(std::shared_ptr<const view::Scene> scene);
+    // The entity an entity pick would take at the cursor (null for none).
+    void showHover(std::shared_ptr<const view::Scene> scene);
     void setInputState(const InputState& state);
     // Shows the whole drawing.
     void zoomExtents();
@@ -87,6 +91,7 @@ private:
     const view::Scene* failedScene_ = nullptr;  // the scene whose failure was said
     std::shared_ptr<const view::Scene> dragScene_;
     std::shared_ptr<const view::Scene> highlight_;
+    std::shared_ptr<const view::Scene> hover_;
     InputState input_;
     bool snapsOn_ = true;
     bool orthoOn_ = false;

@@ -25,6 +25,7 @@ CommandRunner::CommandRunner(Session& session) : session_(session)
     editor.setRedrawListener([this](const std::int64_t* entity, int mode) { redrawn(entity, mode); });
     editor.setDragListener([this](const KxDbEntity* entity) { dragged(entity); });
     editor.setTextScreenListener([this] { emitOnGui([this] { emit textScreenRequested(); }); });
+    editor.setHoverListener([this](const KxDbObjectId& entity) { hovered(entity); });
     editor.view().setListener([this](const ViewPlacement& placement) {
         emitOnGui([this, placement] { emit viewPlaced(placement); });
     });
@@ -43,6 +44,7 @@ CommandRunner::~CommandRunner()
     editor.setRedrawListener({});
     editor.setDragListener({});
     editor.setTextScreenListener({});
+    editor.setHoverListener({});
     editor.view().setListener({});
 }
 
@@ -153,6 +155,7 @@ void CommandRunner::requested(const Editor::InputRequest& request)
     state.kind = request.kind;
     state.hasBase = request.hasBase;
     state.base = {request.base.x, request.base.y};
+    state.corner = request.corner;
     state.acceptBlanks = request.acceptBlanks;
     for (const Keyword& keyword : request.keywords)
         if (!keyword.local.empty())
@@ -200,6 +203,17 @@ void CommandRunner::publishHighlight()
     }
     auto scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), entities));
     emitOnGui([this, scene] { emit highlightChanged(scene); });
+}
+
+void CommandRunner::hovered(const KxDbObjectId& entity)
+{
+    if (entity == hovered_)
+        return;
+    hovered_ = entity;
+    std::shared_ptr<const view::Scene> scene;
+    if (const KxDbObjectPtr<KxDbEntity> opened(entity, KxDb::kForRead); opened)
+        scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), {opened.get()}));
+    emitOnGui([this, scene] { emit hoverChanged(scene); });
 }
 
 void CommandRunner::dragged(const KxDbEntity* entity)

@@ -26,17 +26,31 @@ TEST(HostileInputSession, NumbersThatOverflowAreRefused)
                                                        "  0\nENDSEC\n  0\nEOF\n").string();
     const std::filesystem::path saved = kaldo.dir() / "saved.dxf";
     const KaldoRun run = kaldo.runScript("LINE\n1e308,0\n@1e308,0\n@1,0\n\nLINE\n0,0\n@1e308<45\n^C\n"
-                                         "SETVAR\nANGBASE\n1e308\nOPEN\n" + nan + "\n",
+                                         "SETVAR\nANGBASE\n1e309\nOPEN\n" + nan + "\n",
                                          {"--save", QString::fromStdString(saved.string())});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("@1e308,0\nInvalid point.\nSpecify next point or [Undo]: @1,0\n"));
-    EXPECT_THAT(run.out, HasSubstr("ANGBASE cannot be set to \"1e308\""));
+    EXPECT_THAT(run.out, HasSubstr("ANGBASE cannot be set to \"1e309\""));
     EXPECT_THAT(run.out, HasSubstr("Cannot open the drawing: nan.dxf, line 8: group 10 needs a number, not \"nan\"."));
     EXPECT_EQ(run.err, "");
     std::ifstream in(saved);
     const std::string text{std::istreambuf_iterator<char>(in), {}};
     EXPECT_THAT(text, HasSubstr("\n 11\n1e+308\n"));
     EXPECT_THAT(text, Not(HasSubstr("inf")));
+}
+
+// A number too large to read in full is written in scientific form, by
+// the module's texts as by the host's variables, in every linear unit.
+TEST(HostileInputSession, HugeNumbersAreWrittenReadably)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript("MLINE\nS\n1e308\nS\n^C\n^C\nCMLSCALE\n\nLUNITS\n4\nCMLSCALE\n\n");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Scale = 1.0000E+308, Style = STANDARD\n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter mline scale <1.0000E+308> :*Cancel*\n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <1.0000E+308>: \n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <1.0000E+308>: \nCommand: LUNITS"));
+    EXPECT_THAT(run.out, Not(::testing::ContainsRegex("[0-9]{20}")));
 }
 
 TEST(HostileInputSession, LongAndOddInput)

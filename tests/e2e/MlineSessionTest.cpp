@@ -55,7 +55,7 @@ TEST(MlineSession, EnterOrCancelAtTheStartDrawsNothing)
     EXPECT_THAT(run.out, HasSubstr(std::string("Command: MLINE\n") + settingsLine("Top", "1.0000", "STANDARD")
                                    + kStartPrompt + "\nCommand: MLINE\n"));
     EXPECT_THAT(run.out, HasSubstr(std::string(kStartPrompt) + "0,0\nNext point :\nCommand: "));
-    EXPECT_THAT(run.out, HasSubstr("Select object: 0,0\nCommand: "));
+    EXPECT_THAT(run.out, HasSubstr("Select object: 0,0\nNo object found.\nCommand: "));
     EXPECT_THAT(listedMlines(run.out), SizeIs(0));
 }
 

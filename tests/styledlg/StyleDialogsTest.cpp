@@ -1,8 +1,7 @@
 // The style manager's dialogs on their real templates, driven by scripts:
 // the manager's buttons and preview, the name dialogs' rules, the new/modify
 // dialog's element list, checks and live preview, and the load dialog.
-#include "dlg/DialogFixture.h"
-#include "styledlg/CurrentStyle.h"
+#include "StyleDrawingFixture.h"
 #include "kaldo/dlg/DialogItems.h"
 
 #include "styledlg/MlineStyleDialog.h"
@@ -34,43 +33,8 @@ namespace {
 constexpr double kTol = 1e-10;
 constexpr double kDegree = std::numbers::pi / 180.0;
 
-class StyleDialogsTest : public DialogFixture {
+class StyleDialogsTest : public StyleDrawingFixture {
 protected:
-    KxDbObjectId addStyle(const wchar_t* name, int flags = 0, int elements = 2)
-    {
-        auto* style = new KxDbMlineStyle;
-        style->initMlineStyle();
-        style->setName(name);
-        style->setShowMiters(flags & 0x2);
-        style->setStartSquareCap(flags & 0x10);
-        for (int i = 0; i < elements; ++i) {
-            int index = 0;
-            style->addElement(index, elements == 2 ? 0.5 - i : 0.001 * i, KxCmColor(), db.byLayerLinetype());
-        }
-        KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        dictionary->setAt(name, style, id);
-        style->close();
-        return id;
-    }
-
-    void useStyle(KxDbObjectId style)
-    {
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(&db);
-        mline->setStyle(style);
-        mline->appendSeg({0, 0, 0});
-        mline->appendSeg({10, 0, 0});
-        db.addToCurrentSpace(mline);
-        mline->close();
-    }
-
-    bool hasStyle(const wchar_t* name)
-    {
-        const KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForRead);
-        return dictionary->has(name);
-    }
-
     // The printed state of item id in each SHOW, in order: "enabled" or
     // "disabled", then its text.
     std::vector<std::string> shown(int id) const

@@ -1,7 +1,8 @@
 // The main window driven by mouse and keys as a user would: points by
-// clicks with snaps, picks for the editing tools, the command line's keys
-// and text window, zoom and pan, recent files and the progress window, the
-// unsaved-changes question, and drawings that would break the renderer.
+// clicks with snaps, picks for the editing tools and what they would take,
+// the command line's keys and text window, zoom, zoom window and pan, recent
+// files and the progress window, the unsaved-changes question, and drawings
+// that would break the renderer.
 #include "WindowFixture.h"
 
 #include "../dxf/AllocationMeter.h"
@@ -23,6 +24,7 @@
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -67,6 +69,16 @@ int largestDifference(const QImage& a, const QImage& b)
                                 std::abs(qBlue(p) - qBlue(q))});
         }
     return largest;
+}
+
+// Pixels within radius of at whose colour passes test.
+int pixelsNear(const QImage& image, const QPoint& at, int radius, const std::function<bool(const QColor&)>& test)
+{
+    int found = 0;
+    for (int y = at.y() - radius; y <= at.y() + radius; ++y)
+        for (int x = at.x() - radius; x <= at.x() + radius; ++x)
+            found += image.valid(x, y) && test(QColor(image.pixel(x, y))) ? 1 : 0;
+    return found;
 }
 
 }  // namespace
@@ -160,6 +172,68 @@ TEST_F(Window, MultilinesPickedByClicksForTheClosedCrossAreHighlighted)
     ASSERT_EQ(runs.size(), 4);
     EXPECT_NEAR(runs[2].toDouble(), 45, kTol);
     EXPECT_NEAR(runs[3].toDouble(), 55, kTol);
+}
+
+// While a pick is asked for, the multiline a click would take shows under
+// the cursor, by the pick's own rule: inside a wide wall, between its
+// element lines, nothing does, and a click there says so. Clicked points are
+// echoed as typed coordinates.
+TEST_F(Window, PicksShowWhatAClickTakesAndSayWhenTheyMiss)
+{
+    ASSERT_TRUE(runTyped({"MLINE", "J", "Z", "S", "40", "0,0", "200,0", ""}));
+    ASSERT_TRUE(runTyped({"ZOOM", "E"}));
+    type("-MLEDIT");
+    type("CC");
+    ASSERT_TRUE(waitForPrompt("Select first mline: ", Kind::Entity));
+
+    const auto hoverShown = [&] {
+        const auto hover = [](const QColor& c) { return c.red() > 120 && c.green() > 190 && c.blue() > 235 && c.red() < 200; };
+        return pixelsNear(canvas().grab().toImage(), pixelOf(60, 20), 3, hover) > 0;
+    };
+    EXPECT_FALSE(hoverShown());
+    moveTo(pixelOf(100, 20));
+    EXPECT_TRUE(QTest::qWaitFor(hoverShown, kWaitMs));
+    moveTo(pixelOf(100, 0));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !hoverShown(); }, kWaitMs));
+
+    clickAt(pixelOf(100, 0));
+    static const QRegularExpression missed(
+        "Select first mline: -?[0-9]+\\.[0-9]{4},-?[0-9]+\\.[0-9]{4}\nNo object found\\.\nSelect first mline: $");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return missed.match(transcript()).hasMatch(); }, kWaitMs))
+        << transcript().right(120).toStdString();
+    clickAt(pixelOf(100, 20));
+    ASSERT_TRUE(waitForPrompt("Select second mline: ", Kind::Entity));
+    EXPECT_TRUE(QTest::qWaitFor(hoverShown, kWaitMs));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !hoverShown(); }, kWaitMs));
+}
+
+// The opposite corner of Zoom Window drags the box it will show, not a
+// line to the first corner.
+TEST_F(Window, ZoomWindowDrawsTheBoxBeingDragged)
+{
+    type("ZOOM");
+    type("W");
+    ASSERT_TRUE(waitForPrompt("Specify first corner: ", Kind::Point));
+    const QPoint first(200, 150);
+    const QPoint opposite(400, 300);
+    clickAt(first);
+    ASSERT_TRUE(waitForPrompt("Specify opposite corner: ", Kind::Point));
+    moveTo(opposite);
+    // The box's left and top edges, away from the crosshair at the cursor.
+    const auto lit = [](const QColor& c) { return c.rgb() != kBackground; };
+    const auto edgeDrawn = [&] {
+        const QImage image = canvas().grab().toImage();
+        return pixelsNear(image, {first.x(), 225}, 1, lit) > 0 && pixelsNear(image, {300, first.y()}, 1, lit) > 0;
+    };
+    EXPECT_TRUE(QTest::qWaitFor(edgeDrawn, kWaitMs));
+    const kaldo::view::Point2 a = kaldo::ui::worldAt(canvas().placement(), first);
+    const kaldo::view::Point2 b = kaldo::ui::worldAt(canvas().placement(), opposite);
+    clickAt(opposite);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_NEAR(canvas().placement().centre.x, (a.x + b.x) / 2, std::abs(b.x - a.x) / 100);
+    EXPECT_NEAR(canvas().placement().centre.y, (a.y + b.y) / 2, std::abs(b.y - a.y) / 100);
 }
 
 TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
@@ -477,18 +551,10 @@ TEST_F(Window, QuitTypedWithUnsavedChangesAsksAndSaves)
 TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
 {
     const auto actOnToolDialog = [this](const std::function<void(QDialog&)>& act) {
-        auto* timer = new QTimer;
-        timer->setInterval(10);
-        QObject::connect(timer, &QTimer::timeout, [this, timer, act] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (!dialog)
-                return;
-            timer->stop();
-            timer->deleteLater();
-            EXPECT_EQ(dialog->thread(), window().thread());
-            act(*dialog);
+        actOnDialogSoon<QDialog>([this, act](QDialog& dialog) {
+            EXPECT_EQ(dialog.thread(), window().thread());
+            act(dialog);
         });
-        timer->start();
     };
 
     // The command's echo is awaited before its prompt, so the prompt that
@@ -500,7 +566,7 @@ TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
     actOnToolDialog([](QDialog& dialog) {
         for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
             if (button->property("itemId").toInt() == 5767)
-                button->click();
+                QTest::mouseClick(button, Qt::LeftButton);
     });
     type("MLEDIT");
     ASSERT_TRUE(waitForPrompt("Select mline: ", Kind::Entity));
@@ -516,6 +582,8 @@ TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
     type("MLSTYLE");
     ASSERT_TRUE(QTest::qWaitFor([&] { return managerShown; }, kWaitMs));
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    // The lines a script's transcript gets for dialogs are not the window's.
+    EXPECT_FALSE(transcript().contains("Dialog"));
 }
 
 // Drawings made to break the renderer (tests/data/render) open in the
