@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <atomic>
 #include <exception>
 #include <limits>
 #include <numbers>
@@ -61,8 +60,7 @@ public:
           m_bands(std::move(bands)),
           m_painter(painter),
           m_coarse(detail.coarse),
-          m_index(detail.index),
-          m_stop(detail.stop)
+          m_index(detail.index)
     {
         m_lines.reserve(kBatch);
         if (m_index)
@@ -85,7 +83,6 @@ public:
                     paintInstance(m_scene.instances()[item.index], int(p), dashed);
                 else if (hidden.empty() || !hidden[item.index])
                     paintPolyline(item.index, dashed);
-                stopWhenAsked(i);
             }
             flushSegments();
             for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i) {
@@ -97,7 +94,6 @@ public:
                     addDot(pixel(arc.centre));
                 else
                     paintArc(arc);
-                stopWhenAsked(i);
             }
             flushSegments();
         }
@@ -113,14 +109,6 @@ private:
     static constexpr double kSmallTextPixels = 4.0;
 
     QPointF pixel(const Point2& p) const { return {m_frame.x(p.x), m_frame.y(p.y)}; }
-
-    // Stops painting, by throwing Stopped, once the stop is asked for;
-    // looked at every few thousand items.
-    void stopWhenAsked(std::uint32_t item) const
-    {
-        if (m_stop && item % kBatch == 0 && m_stop->load(std::memory_order_relaxed))
-            throw PaintStopped();
-    }
 
     // The bands within the picture, widened by the reach and a pixel more,
     // in drawing units.
@@ -408,7 +396,6 @@ private:
     std::vector<QPointF> m_dots;
     bool m_coarse;
     const SceneIndex* m_index;
-    const std::atomic<bool>* m_stop;
     std::optional<SceneItems> m_near;
 };
 

@@ -6,7 +6,6 @@
 #include <QPainter>
 #include <QRegion>
 
-#include <atomic>
 #include <filesystem>
 #include <string>
 
@@ -29,12 +28,7 @@ struct PaintDetail {
     // longer than a pixel, of multilines wider than one, come out the same.
     // (Every picture draws an item smaller than a pixel as a dot.)
     bool coarse = false;
-    // Painting stops, throwing PaintStopped, soon after this turns true.
-    const std::atomic<bool>* stop = nullptr;
 };
-
-// Thrown by painting that was asked to stop.
-struct PaintStopped {};
 
 // Paints a scene with painter as frame places it, drawing only the items
 // that reach rows top to bottom - 1. The painter's clip, pen and brush are
