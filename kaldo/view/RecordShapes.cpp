@@ -4,11 +4,6 @@
 #include "kaldo/view/HatchPattern.h"
 #include "kaldo/view/PlaneArc.h"
 
-#include <QCoreApplication>
-#include <QFont>
-#include <QFontMetricsF>
-#include <QGuiApplication>
-#include <QPainterPath>
 #include <QStringList>
 
 #include <algorithm>
@@ -22,15 +17,7 @@ namespace kaldo::view {
 
 namespace {
 
-// Letters are laid out at this size and then scaled, so that their
-// outlines keep their detail.
-constexpr int kLayoutPixels = 200;
-// Distance between MTEXT lines, in text heights.
-constexpr double kLineSpacing = 5.0 / 3.0;
 constexpr int kEllipseSegments = 96;
-// Outlines are drawn only while the budget holds this many points for
-// each letter of a line: a letter never has fewer.
-constexpr std::size_t kLeastPointsPerLetter = 4;
 // Splines of a higher degree are drawn as their control polygon: each
 // point of the curve costs the square of the degree.
 constexpr int kHighestSplineDegree = 11;
@@ -51,86 +38,6 @@ int wholeNumber(double value, int fallback)
 double degrees(double value)
 {
     return value * std::numbers::pi / 180;
-}
-
-// Where lines of text go: anchor point, direction, height, and how the
-// block of lines sits on the anchor (0, 0.5 or 1 of its width to the left;
-// the anchor on the first line's top, the middle, the last baseline or the
-// last line's bottom).
-struct TextPlacement {
-    Point2 anchor;
-    double angle = 0;
-    double height = 1;
-    double widthFactor = 1;
-    double horizontal = 0;
-    enum class Vertical { Baseline, Bottom, Middle, Top } vertical = Vertical::Baseline;
-};
-
-// Each line's letters as outlines while the budget holds, else the line's
-// box (from the descent to the height of a capital).
-void drawLines(const QStringList& lines, const TextPlacement& place, int pen, Scene& scene, PointBudget& budget)
-{
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(kLayoutPixels);
-    const QFontMetricsF metrics(font);
-    const double cap = metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent();
-    const double scale = place.height / cap;
-    const double spacing = kLineSpacing * cap;
-    const double blockHeight = cap + spacing * double(lines.size() - 1);
-    // Vertical shift of the first baseline above the anchor, in layout units.
-    double firstBaseline = 0;
-    switch (place.vertical) {
-    case TextPlacement::Vertical::Baseline: firstBaseline = spacing * double(lines.size() - 1); break;
-    case TextPlacement::Vertical::Bottom: firstBaseline = spacing * double(lines.size() - 1) + metrics.descent(); break;
-    case TextPlacement::Vertical::Middle: firstBaseline = blockHeight / 2 - cap; break;
-    case TextPlacement::Vertical::Top: firstBaseline = -cap; break;
-    }
-    const double c = std::cos(place.angle), s = std::sin(place.angle);
-    for (qsizetype i = 0; i < lines.size(); ++i) {
-        if (lines[i].trimmed().isEmpty())
-            continue;
-        const double width = metrics.horizontalAdvance(lines[i]);
-        const double up = firstBaseline - spacing * double(i);
-        const auto add = [&](const QPointF& p) {
-            const double x = p.x() * scale * place.widthFactor;
-            const double y = (up - p.y()) * scale;
-            scene.addPoint({place.anchor.x + x * c - y * s, place.anchor.y + x * s + y * c});
-        };
-        QList<QPolygonF> outlines;
-        if (budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size())) {
-            QPainterPath path;
-            path.addText(-place.horizontal * width, 0, font, lines[i]);
-            outlines = path.toSubpathPolygons();
-            std::size_t points = 0;
-            for (const QPolygonF& outline : outlines)
-                points += std::size_t(outline.size());
-            if (!budget.take(points))
-                outlines.clear();
-        } else {
-            budget.markSpent();
-        }
-        if (outlines.isEmpty()) {
-            const double left = -place.horizontal * width;
-            scene.beginPolyline(pen);
-            for (const QPointF& corner : {QPointF(left, metrics.descent()), QPointF(left + width, metrics.descent()),
-                                          QPointF(left + width, -cap), QPointF(left, -cap)})
-                add(corner);
-            scene.endPolyline(true);
-            continue;
-        }
-        for (const QPolygonF& outline : outlines) {
-            scene.beginPolyline(pen);
-            for (const QPointF& p : outline)
-                add(p);
-            scene.endPolyline(true);
-        }
-    }
-}
-
-bool haveFonts()
-{
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
 // The text of MTEXT without its formatting: "\\P" breaks the line, "\\~"
@@ -221,10 +128,10 @@ int groupInteger(const std::vector<KxDbFileGroup>& groups, int code, int fallbac
     return wholeNumber(groupNumber(groups, code, fallback), fallback);
 }
 
-bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget)
+bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text)
 {
     const KxDbFileGroup* value = findGroup(groups, 1);
-    if (!value || !haveFonts())
+    if (!value)
         return false;
     TextPlacement place;
     place.height = groupNumber(groups, 40, 1);
@@ -238,18 +145,15 @@ bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& sc
     place.horizontal = horizontal == 1 || horizontal == 4 ? 0.5 : horizontal == 2 ? 1.0 : 0.0;
     place.vertical = horizontal == 4 ? TextPlacement::Vertical::Middle
                                      : static_cast<TextPlacement::Vertical>(std::clamp(vertical, 0, 3));
-    drawLines({QString::fromStdString(value->value)}, place, pen, scene, budget);
-    return true;
+    return text.drawLines({QString::fromStdString(value->value)}, place, pen);
 }
 
-bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget)
+bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text)
 {
-    if (!haveFonts())
-        return false;
-    QString text;
+    QString value;
     for (const KxDbFileGroup& g : groups)
         if (g.code == 3 || g.code == 1)
-            text += QString::fromStdString(g.value);
+            value += QString::fromStdString(g.value);
     TextPlacement place;
     place.anchor = {groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
     place.height = groupNumber(groups, 40, 1);
@@ -261,8 +165,7 @@ bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& s
     constexpr TextPlacement::Vertical rows[] = {TextPlacement::Vertical::Top, TextPlacement::Vertical::Middle,
                                                 TextPlacement::Vertical::Bottom};
     place.vertical = rows[attachment / 3];
-    drawLines(stripMtextCodes(text).split('\n'), place, pen, scene, budget);
-    return true;
+    return text.drawLines(stripMtextCodes(value).split('\n'), place, pen);
 }
 
 bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene)

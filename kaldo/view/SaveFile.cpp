@@ -3,8 +3,8 @@
 #include "kaldo/util/FileAccess.h"
 #include "kaldo/util/FileWriting.h"
 
-#include <QBuffer>
 #include <QByteArray>
+#include <QFile>
 #include <QImage>
 #include <QImageWriter>
 
@@ -13,13 +13,15 @@ namespace kaldo::view {
 std::string saveAtomically(const std::filesystem::path& file,
                            const std::function<bool(QIODevice&, std::string& reason)>& write)
 {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    if (std::string reason; !write(buffer, reason))
-        return fileMessage("write", file, reason.empty() ? buffer.errorString().toStdString() : reason);
     try {
-        replaceFile(file, std::string_view(bytes.constData(), std::size_t(bytes.size())));
+        replaceFile(file, [&](int fd) {
+            QFile device;
+            if (!device.open(fd, QIODevice::WriteOnly, QFileDevice::DontCloseHandle))
+                throw FileError(device.errorString().toStdString());
+            std::string reason;
+            if (!write(device, reason) || !device.flush())
+                throw FileError(reason.empty() ? device.errorString().toStdString() : reason);
+        });
     } catch (const FileError& e) {
         return e.what();
     }

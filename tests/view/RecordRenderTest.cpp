@@ -1,14 +1,21 @@
 // Records kept as read that the renderer draws: a block inserted scaled and
 // rotated (with a block inside it), a solid, solid hatches, pattern
 // hatches by their line families, an ellipse, a point, a spline, texts
-// placed by their justification; what it cannot draw is named.
+// placed by their justification, their letters outlined once per scene
+// where Qt lays them out; what it cannot draw is named.
+#include "PlacedScene.h"
 #include "ViewDrawing.h"
 
 #include "kxdbunmodelled.h"
 
+#include <QFont>
+#include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QPainterPath>
 
 #include <cmath>
+#include <numbers>
+#include <span>
 #include <set>
 #include <string>
 
@@ -107,7 +114,7 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     addRecord(d.db, "SPLINE", groups({{71, "2"}, {40, "0"}, {40, "0"}, {40, "0"}, {40, "1"}, {40, "1"}, {40, "1"},
                                       {10, "60"}, {20, "0"}, {10, "61"}, {20, "2"}, {10, "62"}, {20, "0"}}));
     RenderNotes notes;
-    const Scene scene = renderDrawing(d.db, &notes);
+    const Scene scene = placedScene(renderDrawing(d.db, &notes));
     EXPECT_EQ(notes.undrawnKinds, (std::set<std::string>{"3DSOLID"}));
 
     // The door's line runs up from (10, 20) for 2; the leaf, placed at
@@ -225,4 +232,54 @@ TEST(RecordRender, PatternHatchesDrawTheirLineFamiliesWithinTheirBoundaries)
         for (const long x : {1000, 1030})
             expected.insert({y, x});
     EXPECT_EQ(dashes, expected);
+}
+
+TEST(RecordRender, LettersAreOutlinedOncePerSceneWhereQtLaysThemOut)
+{
+    ensureFonts();
+    // 300 texts of the same five letters, 2.5 high, turned by 30 degrees.
+    ViewDrawing d;
+    for (int i = 0; i < 300; ++i)
+        addRecord(d.db, "TEXT", groups({{10, std::to_string(i * 20)}, {20, "5"}, {40, "2.5"}, {50, "30"},
+                                        {1, "Tag 7"}}));
+    const Scene scene = renderDrawing(d.db);
+    // Each letter's outline once, each text one placing of them.
+    EXPECT_EQ(scene.parts().size(), 5u);
+    EXPECT_EQ(scene.instances().size(), 300u);
+    EXPECT_TRUE(scene.polylines().empty());
+
+    // The placed outlines of the first text are Qt's own outlines of the
+    // whole line, scaled so that a capital is 2.5 high, turned and moved.
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(200);
+    const QFontMetricsF metrics(font);
+    const double scale = 2.5 / (metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent());
+    const double c = std::cos(std::numbers::pi / 6), s = std::sin(std::numbers::pi / 6);
+    QPainterPath line;
+    line.addText(0, 0, font, QStringLiteral("Tag 7"));
+    std::vector<std::vector<Point2>> expected;
+    for (const QPolygonF& outline : line.toSubpathPolygons()) {
+        std::vector<Point2>& points = expected.emplace_back();
+        for (const QPointF& p : outline) {
+            const double x = p.x() * scale, y = -p.y() * scale;
+            points.push_back({x * c - y * s, 5 + x * s + y * c});
+        }
+        // A closed polyline does not repeat its first point.
+        if (points.size() > 2 && std::hypot(points.back().x - points.front().x, points.back().y - points.front().y) < kTol)
+            points.pop_back();
+    }
+    std::vector<std::vector<Point2>> placed;
+    scene.visitPolylines(scene.instances()[0], [&](int, bool closed, std::span<const Point2> points) {
+        EXPECT_TRUE(closed);
+        placed.emplace_back(points.begin(), points.end());
+    });
+    ASSERT_EQ(placed.size(), expected.size());
+    for (std::size_t o = 0; o < placed.size(); ++o) {
+        ASSERT_EQ(placed[o].size(), expected[o].size()) << "outline " << o;
+        for (std::size_t p = 0; p < placed[o].size(); ++p) {
+            EXPECT_NEAR(placed[o][p].x, expected[o][p].x, kTol);
+            EXPECT_NEAR(placed[o][p].y, expected[o][p].y, kTol);
+        }
+    }
 }
