@@ -105,6 +105,12 @@ int chooseInDialog(const wchar_t* title, const wchar_t* defaultName, const wchar
 
 }  // namespace
 
+bool kaldo::Editor::asksOnCommandLine()
+{
+    return variables().shortValue(L"FILEDIA", 1) == 0 || scriptFeedsInput()
+           || !qobject_cast<QApplication*>(QCoreApplication::instance());
+}
+
 int kxedFindFile(const wchar_t* name, wchar_t* out, std::size_t size)
 {
     if (!name || !*name || !out || size == 0)
@@ -123,13 +129,11 @@ int getFileNameByFileDialog(const wchar_t* title, const wchar_t* defaultName, co
     kaldo::Editor* editor = kaldo::currentEditor();
     if (!editor)
         return RTERROR;
-    const bool onCommandLine = editor->variables().shortValue(L"FILEDIA", 1) == 0 || editor->scriptFeedsInput()
-        || !qobject_cast<QApplication*>(QCoreApplication::instance());
     std::wstring chosen;
     int result = RTCAN;
     if (editor->scriptFeedsInput() && QApplication::activeModalWidget())
         result = chooseFromScriptLine(*editor, chosen);
-    else if (onCommandLine)
+    else if (editor->asksOnCommandLine())
         result = chooseOnCommandLine(*editor, defaultName, extension, flags, chosen);
     else
         result = chooseInDialog(title, defaultName, extension, flags, filter, chosen);

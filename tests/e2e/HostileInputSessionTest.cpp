@@ -23,7 +23,7 @@ TEST(HostileInputSession, NumbersThatOverflowAreRefused)
                                                        "  0\nENDSEC\n  0\nEOF\n").string();
     const std::filesystem::path saved = kaldo.dir() / "saved.dxf";
     const KaldoRun run = kaldo.runScript("LINE\n1e308,0\n@1e308,0\n@1,0\n\nLINE\n0,0\n@1e308<45\n^C\n"
-                                         "SETVAR\nANGBASE\n1e308\nOPEN\n" + nan + "\n",
+                                         "SETVAR\nANGBASE\n1e308\nOPEN\n" + nan + "\nNo\n",
                                          {"--save", QString::fromStdString(saved.string())});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("@1e308,0\nInvalid point.\nSpecify next point or [Undo]: @1,0\n"));

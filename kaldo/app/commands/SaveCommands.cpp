@@ -130,15 +130,24 @@ void askAndSave(Session& session, bool offerExploded)
 
 }  // namespace
 
+void saveWorkingDrawing(Session& session)
+{
+    if (session.drawingPath().empty())
+        askAndSave(session, false);
+    else
+        saveDrawingReporting(session, session.drawingPath());
+}
+
+std::wstring saveChangesQuestion(const std::filesystem::path& drawingPath)
+{
+    const std::wstring name = drawingPath.empty() ? L"Drawing1.dxf" : drawingPath.filename().wstring();
+    return L"Save changes to " + name + L"?";
+}
+
 void saveCommand()
 {
-    Session* session = Session::current();
-    if (!session)
-        return;
-    if (session->drawingPath().empty())
-        askAndSave(*session, false);
-    else
-        saveDrawingReporting(*session, session->drawingPath());
+    if (Session* session = Session::current())
+        saveWorkingDrawing(*session);
 }
 
 void saveasCommand()
