@@ -1,6 +1,7 @@
 #include "kaldo/util/CrashRecorder.h"
 
 #include "kaldo/core/Host.h"
+#include "kaldo/util/TerminalText.h"
 #include "kxstring.h"
 
 #include "kxuidialog.h"
@@ -119,13 +120,13 @@ void CrashRecorder::startReport()
     }
     // The crash folder cannot be written: keep the report on standard error.
     latest_.clear();
-    std::fprintf(stderr, "kaldo: cannot write a crash report in %s\n", crashDir_.string().c_str());
+    std::fprintf(stderr, "kaldo: cannot write a crash report in %s\n", terminalText(crashDir_.string()).c_str());
 }
 
 void CrashRecorder::appendLine(const std::string& line)
 {
     if (latest_.empty()) {
-        std::fprintf(stderr, "kaldo: crash report: %s\n", line.c_str());
+        std::fprintf(stderr, "kaldo: crash report: %s\n", terminalText(line).c_str());
         return;
     }
     std::ofstream(latest_ / "report.txt", std::ios::app) << line << '\n';
