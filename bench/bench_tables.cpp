@@ -26,53 +26,51 @@ std::wstring numbered(const wchar_t* prefix, int i)
     return prefix + std::to_wstring(i);
 }
 
+// Adds count records named prefix0, prefix1, ... to a table, each filled
+// by fill once it is in the table.
+template <class Table, class Record>
+void addRecords(KxDbObjectId tableId, const wchar_t* prefix, int count, const std::function<void(Record&, int)>& fill)
+{
+    KxDbObjectPtr<Table> table(tableId, KxDb::kForWrite);
+    for (int i = 0; i < count; ++i) {
+        auto* record = new Record;
+        record->setName(numbered(prefix, i).c_str());
+        table->add(record);
+        fill(*record, i);
+        record->close();
+    }
+}
+
 void addLayers(KxDbDatabase& db, int count)
 {
-    KxDbLayerTable* table = nullptr;
-    db.getLayerTable(table, KxDb::kForWrite);
-    const KxDbObjectPtr<KxDbLayerTable> closer(table);
-    for (int i = 0; i < count; ++i) {
-        auto* layer = new KxDbLayerTableRecord;
-        layer->setName(numbered(L"Layer-", i).c_str());
-        KxCmColor color;
-        color.setColorIndex(1 + i % 255);
-        layer->setColor(color);
-        layer->setLinetypeObjectId(db.continuousLinetype());
-        table->add(layer);
-        layer->close();
-    }
+    addRecords<KxDbLayerTable, KxDbLayerTableRecord>(db.layerTableId(), L"Layer-", count,
+                                                     [&](KxDbLayerTableRecord& layer, int i) {
+                                                         KxCmColor color;
+                                                         color.setColorIndex(1 + i % 255);
+                                                         layer.setColor(color);
+                                                         layer.setLinetypeObjectId(db.continuousLinetype());
+                                                     });
 }
 
 void addLinetypes(KxDbDatabase& db, int count)
 {
-    KxDbLinetypeTable* table = nullptr;
-    db.getLinetypeTable(table, KxDb::kForWrite);
-    const KxDbObjectPtr<KxDbLinetypeTable> closer(table);
-    for (int i = 0; i < count; ++i) {
-        auto* linetype = new KxDbLinetypeTableRecord;
-        linetype->setName(numbered(L"Dashes-", i).c_str());
-        linetype->setDescription(L"__ __ __");
-        linetype->setDashes({1.0 + i % 7, -0.5});
-        table->add(linetype);
-        linetype->close();
-    }
+    addRecords<KxDbLinetypeTable, KxDbLinetypeTableRecord>(db.linetypeTableId(), L"Dashes-", count,
+                                                           [](KxDbLinetypeTableRecord& linetype, int i) {
+                                                               linetype.setDescription(L"__ __ __");
+                                                               linetype.setDashes({1.0 + i % 7, -0.5});
+                                                           });
 }
 
 void addBlocks(KxDbDatabase& db, int count)
 {
-    KxDbBlockTable* table = nullptr;
-    db.getBlockTable(table, KxDb::kForWrite);
-    const KxDbObjectPtr<KxDbBlockTable> closer(table);
-    for (int i = 0; i < count; ++i) {
-        auto* block = new KxDbBlockTableRecord;
-        block->setName(numbered(L"Block-", i).c_str());
-        table->add(block);
-        auto* line = new KxDbLine(KxGePoint3d{0, 0, 0}, KxGePoint3d{1.0 + i % 9, 1, 0});
-        line->setDatabaseDefaults(&db);
-        block->appendKxDbEntity(line);
-        line->close();
-        block->close();
-    }
+    addRecords<KxDbBlockTable, KxDbBlockTableRecord>(db.blockTableId(), L"Block-", count,
+                                                     [&](KxDbBlockTableRecord& block, int i) {
+                                                         auto* line = new KxDbLine(KxGePoint3d{0, 0, 0},
+                                                                                   KxGePoint3d{1.0 + i % 9, 1, 0});
+                                                         line->setDatabaseDefaults(&db);
+                                                         block.appendKxDbEntity(line);
+                                                         line->close();
+                                                     });
 }
 
 void addStyles(KxDbDatabase& db, int count)
