@@ -10,6 +10,8 @@
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
 #include "kaldo/ui/WindowSession.h"
+#include "kaldo/util/FileAccess.h"
+#include "kaldo/util/FileStreamBuffer.h"
 #include "kaldo/util/TerminalText.h"
 #include "kaldo/view/PictureExport.h"
 #include "kxdbdatabase.h"
@@ -20,6 +22,8 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -65,12 +69,24 @@ kaldo::SessionPaths sessionPaths(const kaldo::Options& options)
 }
 
 // Why the files and folders the session needs cannot be used; empty when
-// they can.
+// they can. A profile named that does not exist yet is made, empty, as a
+// first run makes the default one.
 std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths& paths)
 {
     std::error_code ec;
-    if (options.profile && !std::ifstream(*options.profile))
-        return "cannot read the profile '" + options.profile->string() + "'.";
+    if (options.profile) {
+        if (!std::filesystem::exists(*options.profile, ec)) {
+            if (options.profile->has_parent_path())
+                std::filesystem::create_directories(options.profile->parent_path(), ec);
+            if (!std::ofstream(*options.profile, std::ios::app))
+                return "cannot create the profile '" + options.profile->string() + "'.";
+        }
+        try {
+            kaldo::openForReading(*options.profile);
+        } catch (const kaldo::FileError& e) {
+            return std::string("the profile: ") + e.what();
+        }
+    }
     if (!std::filesystem::is_directory(paths.supportDir, ec))
         return "the Support folder '" + paths.supportDir.string() + "' does not exist (choose one with --support DIR).";
     return {};
@@ -105,13 +121,17 @@ int main(int argc, char** argv)
     }
 
     const bool window = !options.script && kaldo::ui::haveDisplay();
+    std::unique_ptr<kaldo::FileStreamBuffer> scriptBytes;
     std::unique_ptr<std::istream> scriptFile;
     if (!options.script && !window) {
         std::cerr << "kaldo: no display for the window; reading commands from standard input.\n";
     } else if (options.script && *options.script != "-") {
-        scriptFile = std::make_unique<std::ifstream>(*options.script);
-        if (!*scriptFile)
-            return fail("cannot read the script '" + options.script->string() + "'.", kaldo::kExitBadFile);
+        try {
+            scriptBytes = std::make_unique<kaldo::FileStreamBuffer>(*options.script);
+        } catch (const kaldo::FileError& e) {
+            return fail(std::string("the script: ") + e.what(), kaldo::kExitBadFile);
+        }
+        scriptFile = std::make_unique<std::istream>(scriptBytes.get());
     }
     const kaldo::SessionPaths paths = sessionPaths(options);
     if (const std::string problem = checkPaths(options, paths); !problem.empty())
@@ -123,9 +143,10 @@ int main(int argc, char** argv)
     } catch (const kaldo::SessionError& e) {
         return fail(e.what(), kaldo::kExitBadFile);
     }
+    std::vector<std::string> repairs;
     if (options.drawing) {
         try {
-            session->openDrawing(*options.drawing);
+            repairs = session->openDrawing(*options.drawing);
         } catch (const kaldo::dxf::DxfError& e) {
             return fail(std::string("cannot open the drawing: ") + e.what(), kaldo::kExitBadFile);
         }
@@ -135,6 +156,8 @@ int main(int argc, char** argv)
     kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin, !personTypes);
     session->editor().setInputSource(&input);
     session->editor().setTranscript(printTranscript);
+    for (const std::string& repair : repairs)
+        session->editor().write(L"Repaired: " + kxutFromMultiByte(repair) + L"\n");
 
     for (const std::filesystem::path& module : options.modules) {
         std::wstring message;
@@ -155,6 +178,10 @@ int main(int argc, char** argv)
         kaldo::runCommandLoop(*session);
     }
     session->editor().write(L"\n");
+    // A script that could not be read to its end ran only in part: nothing
+    // is saved or exported from it.
+    if (scriptBytes && !scriptBytes->problem().empty())
+        return fail("the script: " + scriptBytes->problem(), kaldo::kExitBadFile);
     if (options.saveAs) {
         try {
             session->saveDrawing(*options.saveAs);
@@ -180,8 +207,10 @@ int main(int argc, char** argv)
         const kaldo::view::Background background = options.exportBackground == kaldo::ExportBackground::Dark
                                                        ? kaldo::view::Background::Dark
                                                        : kaldo::view::Background::White;
-        const std::string problem =
-            kaldo::view::exportPicture(session->database(), *options.exportTo, {options.exportSize, background});
+        kaldo::view::RenderNotes notes;
+        const std::string problem = kaldo::view::exportPicture(session->database(), *options.exportTo,
+                                                               {options.exportSize, background}, &notes);
+        session->editor().write(kaldo::view::describeNotes(notes, L"the picture"));
         if (!problem.empty())
             return fail(problem, kaldo::kExitBadFile);
     }

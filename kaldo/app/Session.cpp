@@ -76,7 +76,7 @@ Session* Session::current()
     return running;
 }
 
-void Session::openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report)
+std::vector<std::string> Session::openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report)
 {
     dxf::DxfDrawing drawing = dxf::readDxfFile(path, report);
     std::swap(database_, drawing.database);
@@ -86,6 +86,7 @@ void Session::openDrawing(const std::filesystem::path& path, const dxf::Progress
     host().drawingDir = drawingPath_.parent_path();
     savedChanges_ = database_->changeCount();
     ++drawingSerial_;
+    return std::move(drawing.repairs);
 }
 
 void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnly, const dxf::ProgressReport& report)

@@ -1,13 +1,12 @@
 #include "kxdbapi.h"
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "kaldo/core/Host.h"
 #include "kaldo/db/LinetypeFile.h"
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/util/FileAccess.h"
 #include "kxdbdatabase.h"
 #include "kxdbdict.h"
 #include "kxdbmlstyle.h"
@@ -131,13 +130,16 @@ Kald::ErrorStatus kxdbLoadLinetypeFromFile(const wchar_t* fileName, const wchar_
     if (!fileName || !*fileName || !linetypeName || !*linetypeName || !db)
         return Kald::eInvalidInput;
     const std::filesystem::path path = findLinetypeFile(fileName);
-    std::ifstream in(path, std::ios::binary);
-    if (path.empty() || !in)
+    if (path.empty())
         return Kald::eFileNotFound;
-    std::ostringstream text;
-    text << in.rdbuf();
+    std::string text;
+    try {
+        text = kaldo::readFile(path);
+    } catch (const kaldo::FileError&) {
+        return Kald::eFileNotFound;
+    }
 
-    for (const kaldo::LinetypeDefinition& def : kaldo::parseLinetypeFile(text.str())) {
+    for (const kaldo::LinetypeDefinition& def : kaldo::parseLinetypeFile(text)) {
         if (!kaldo::sameName(def.name, linetypeName))
             continue;
         KxDbLinetypeTable* table = nullptr;

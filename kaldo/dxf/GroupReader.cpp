@@ -1,11 +1,13 @@
 #include "kaldo/dxf/GroupReader.h"
 
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/RecordWriting.h"
 
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cerrno>
 #include <cstring>
 #include <limits>
 
@@ -58,6 +60,8 @@ bool GroupReader::refill()
     const std::size_t room = buffer_.size() - kept;
     const std::size_t got = std::fread(buffer_.data() + kept, 1, room, file_);
     end_ += got;
+    if (got == 0 && std::ferror(file_))
+        throw DxfError(lineNumber_ + 1, std::string("the file cannot be read: ") + std::strerror(errno) + ".");
     if (got == 0)
         eof_ = true;
     return got > 0;
@@ -343,18 +347,18 @@ std::int64_t toInteger(const Group& group)
     return value;
 }
 
-bool tryHandle(std::string_view text, std::uint64_t& handle)
+bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest)
 {
     text = trimmed(text);
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), handle, 16);
-    return !text.empty() && ec == std::errc() && end == text.data() + text.size() && handle <= kHighestFileHandle;
+    return !text.empty() && ec == std::errc() && end == text.data() + text.size() && handle <= highest;
 }
 
-std::uint64_t toHandle(const Group& group)
+std::uint64_t toHandle(const Group& group, std::uint64_t highest)
 {
     std::uint64_t value = 0;
-    if (!tryHandle(group.value, value))
-        notANumber(group, "a handle up to FFFFFFFF00000000");
+    if (!tryHandle(group.value, value, highest))
+        notANumber(group, ("a handle up to " + handleText(highest)).c_str());
     return value;
 }
 

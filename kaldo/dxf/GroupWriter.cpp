@@ -1,17 +1,17 @@
 #include "kaldo/dxf/GroupWriter.h"
 
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/util/FileAccess.h"
 #include "kxstring.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
-#include <cerrno>
 #include <cmath>
 #include <charconv>
 #include <cstring>
 #include <string>
 #include <numbers>
-#include <unistd.h>
 
 namespace kaldo::dxf {
 
@@ -83,7 +83,12 @@ void GroupWriter::text(int groupCode, std::string_view value)
 
 void GroupWriter::wide(int groupCode, const std::wstring& value)
 {
-    text(groupCode, kxutToMultiByte(value));
+    // A value is one line of the file: a line end within a text of the
+    // drawing (a style file may hold a lone carriage return) is written as
+    // a blank, so that the file reads back in step.
+    std::string line = kxutToMultiByte(value);
+    std::replace_if(line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    text(groupCode, line);
 }
 
 void GroupWriter::real(int groupCode, double value)
@@ -157,15 +162,10 @@ void GroupWriter::point(int groupCode, double x, double y, double z)
 
 void GroupWriter::flush()
 {
-    std::size_t done = 0;
-    while (done < used_) {
-        const ssize_t n = ::write(fd_, buffer_.data() + done, used_ - done);
-        if (n < 0) {
-            if (errno == EINTR)
-                continue;
-            throw DxfError(0, std::strerror(errno));
-        }
-        done += std::size_t(n);
+    try {
+        writeAll(fd_, std::string_view(buffer_.data(), used_));
+    } catch (const FileError& e) {
+        throw DxfError(0, e.what());
     }
     used_ = 0;
 }

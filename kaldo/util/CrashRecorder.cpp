@@ -1,6 +1,8 @@
 #include "kaldo/util/CrashRecorder.h"
 
 #include "kaldo/core/Host.h"
+#include "kaldo/util/FileAccess.h"
+#include "kaldo/util/FileWriting.h"
 #include "kaldo/util/TerminalText.h"
 #include "kxstring.h"
 
@@ -90,11 +92,13 @@ void CrashRecorder::attachFile(const wchar_t* path, const wchar_t* note)
     if (latest_.empty())
         startReport();
     const std::filesystem::path source = kxutToMultiByte(path ? path : L"");
-    std::error_code ec;
-    const std::filesystem::path copy = latest_ / source.filename();
-    std::filesystem::copy_file(source, copy, std::filesystem::copy_options::overwrite_existing, ec);
-    appendLine("Attached: " + source.string() + (ec ? " (could not be copied: " + ec.message() + ")" : "") +
-               " -- " + kxutToMultiByte(note ? note : L""));
+    std::string problem;
+    try {
+        replaceFile(latest_ / source.filename(), readFile(source));
+    } catch (const FileError& e) {
+        problem = " (could not be copied: " + std::string(e.what()) + ")";
+    }
+    appendLine("Attached: " + source.string() + problem + " -- " + kxutToMultiByte(note ? note : L""));
 }
 
 void CrashRecorder::report(const std::string& text)

@@ -1,9 +1,9 @@
 #include "kaldo/util/Profile.h"
 
 #include "kaldo/core/Host.h"
+#include "kaldo/util/FileAccess.h"
 #include "kxprofile.h"
 
-#include <fstream>
 #include <stdexcept>
 
 namespace kaldo {
@@ -19,13 +19,11 @@ QString qkey(const std::wstring& section, const std::wstring& key)
 
 Profile::Profile(const std::filesystem::path& path) : path_(path)
 {
+    // Read whole once through the checked path, so that neither a FIFO nor a
+    // device reaches the settings' own reading.
     std::error_code ec;
-    if (std::filesystem::exists(path_, ec)) {
-        if (std::filesystem::is_directory(path_, ec))
-            throw std::runtime_error("profile " + path_.string() + " is a folder, not a file");
-        if (!std::ifstream(path_).good())
-            throw std::runtime_error("cannot read profile " + path_.string());
-    }
+    if (std::filesystem::exists(path_, ec))
+        readFile(path_);
     settings_ = std::make_unique<QSettings>(QString::fromStdString(path_.string()),
                                             QSettings::IniFormat);
     if (settings_->status() == QSettings::FormatError)

@@ -16,7 +16,8 @@ class Profile {
 public:
     // Opens the profile at path. A file that does not exist yet is created on
     // the first write. Throws std::runtime_error with a readable message when
-    // the file exists but cannot be read or is not an INI file.
+    // the file exists but cannot be read whole (FileError: a folder, device or
+    // FIFO is refused without waiting) or is not an INI file.
     explicit Profile(const std::filesystem::path& path);
 
     const std::filesystem::path& path() const { return path_; }

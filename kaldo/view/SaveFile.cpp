@@ -1,27 +1,41 @@
 #include "kaldo/view/SaveFile.h"
 
-#include <QSaveFile>
-#include <QString>
+#include "kaldo/util/FileAccess.h"
+#include "kaldo/util/FileWriting.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QImage>
+#include <QImageWriter>
 
 namespace kaldo::view {
 
 std::string saveAtomically(const std::filesystem::path& file,
                            const std::function<bool(QIODevice&, std::string& reason)>& write)
 {
-    const auto failed = [&](const QString& why) {
-        return "cannot write '" + file.string() + "': " + why.toStdString() + ".";
-    };
-    QSaveFile out(QString::fromStdString(file.string()));
-    if (!out.open(QIODevice::WriteOnly))
-        return failed(out.errorString());
-    std::string reason;
-    if (!write(out, reason)) {
-        out.cancelWriting();
-        return failed(QString::fromStdString(reason.empty() ? out.errorString().toStdString() : reason));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    if (std::string reason; !write(buffer, reason))
+        return fileMessage("write", file, reason.empty() ? buffer.errorString().toStdString() : reason);
+    try {
+        replaceFile(file, std::string_view(bytes.constData(), std::size_t(bytes.size())));
+    } catch (const FileError& e) {
+        return e.what();
     }
-    if (!out.commit())
-        return failed(out.errorString());
     return {};
+}
+
+std::string saveImage(const std::filesystem::path& file, const QImage& image, const QByteArray& format, int quality)
+{
+    return saveAtomically(file, [&](QIODevice& device, std::string& reason) {
+        QImageWriter writer(&device, format);
+        writer.setQuality(quality);
+        if (writer.write(image))
+            return true;
+        reason = writer.errorString().toStdString();
+        return false;
+    });
 }
 
 }  // namespace kaldo::view

@@ -1,12 +1,13 @@
-// Atomic writing of an output file: written beside it, flushed, renamed.
+// Writing an output file (a picture) whole: the bytes are made in memory,
+// then replace the file through the host's checked, atomic file writing.
 #pragma once
-
-#include <QByteArray>
 
 #include <filesystem>
 #include <functional>
 #include <string>
 
+class QByteArray;
+class QImage;
 class QIODevice;
 
 namespace kaldo::view {
@@ -15,5 +16,10 @@ namespace kaldo::view {
 // Returns why the file could not be written, empty on success.
 std::string saveAtomically(const std::filesystem::path& file,
                            const std::function<bool(QIODevice&, std::string& reason)>& write);
+
+// Writes image in format ("png", "jpg", ...; quality -1 for the format's
+// default) the same way.
+std::string saveImage(const std::filesystem::path& file, const QImage& image, const QByteArray& format,
+                      int quality = -1);
 
 }  // namespace kaldo::view

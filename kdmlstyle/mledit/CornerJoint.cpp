@@ -19,28 +19,20 @@ namespace {
 
 constexpr unsigned kNoCrossingMessage = 4007;
 
-// Whether a multiline keeps its start: the mark lies between the start of
-// segment s on element line 0 and the crossing of the element lines 0.
-bool keepsStart(const MlinePick& pick, int s, const KxGePoint3d& mark, const KxGePoint3d& crossing)
-{
-    return comparePoints(pick.elementLines.front()[std::size_t(s)], mark) == comparePoints(mark, crossing);
-}
-
 KxGePoint3d midpoint(const ElementLine& line, int s)
 {
     return line[std::size_t(s)] + (line[std::size_t(s + 1)] - line[std::size_t(s)]) * 0.5;
 }
 
-// One multiline joined with itself through its first and last segments.
-bool joinWithItself(MlineEditContext& context, int s1, int s2, const KxGePoint3d& x)
+// One multiline joined with itself through its first and last segments s1
+// and s2 (one of them 0), the first keeping its start when startFirst, the
+// second when startSecond.
+bool joinWithItself(MlineEditContext& context, int s1, int s2, bool startFirst, bool startSecond, const KxGePoint3d& x)
 {
-    MlinePick& pick = context.first;
-    const CrossingTable& table = context.crossings;
-    const ElementLine& line0 = pick.elementLines.front();
-    const bool startFirst = keepsStart(pick, s1, midpoint(line0, s1), table.points[0][0]);
-    const bool startSecond = keepsStart(pick, s2, midpoint(line0, s2), table.points[0][0]);
     if (startFirst == startSecond)
         return false;
+    MlinePick& pick = context.first;
+    const CrossingTable& table = context.crossings;
     std::optional<MlineShape> shape = readMlineShape(pick.mline);
     if (!shape)
         return true;
@@ -55,18 +47,25 @@ bool joinWithItself(MlineEditContext& context, int s1, int s2, const KxGePoint3d
         return true;
     }
     // Otherwise the multiline runs from the corner round to the corner: both
-    // ends move there and every element ends where it meets itself.
+    // ends move there and every element ends where it meets itself, on the
+    // segments that hold the crossing.
     moveVertex(*shape, shape->size() - 1, x);
     moveVertex(*shape, 0, x);
     const int last = shape->size() - 2;
     for (int e = 0; e < shape->elementCount() && e < table.rows(); ++e) {
         const KxGePoint3d& target = table.points[std::size_t(e)][std::size_t(e)];
-        trimElementTo(*shape, e, 0, target, false);
-        trimElementTo(*shape, e, last, target, true);
+        const CrossingTable::Segments& on = table.segments[std::size_t(e)][std::size_t(e)];
+        trimElementTo(*shape, e, std::clamp(s1 == 0 ? on.first : on.second, 0, last), target, false);
+        trimElementTo(*shape, e, std::clamp(s1 == 0 ? on.second : on.first, 0, last), target, true);
     }
     writeMlineShape(pick.mline, std::move(*shape));
     suppressCaps(pick.mline, true, true);
     return true;
+}
+
+ElementReach reachOf(bool keepStart)
+{
+    return keepStart ? ElementReach::UpToSegment : ElementReach::FromSegment;
 }
 
 }  // namespace
@@ -103,25 +102,35 @@ bool editCornerJoint(MlineEditContext& context)
     int s2 = second.hitSegment;
     const bool same = sameEntity(first, second);
     if (same) {
-        // The first and last segments must not be neighbours either.
-        if (std::abs(s1 - s2) == 1 || first.numVertices < 4)
-            return false;
+        // Joined through its first and last segments, which must not be
+        // neighbours either. A multiline of one segment has one direction:
+        // its element lines do not cross, as below.
         const int last = first.numVertices - 2;
+        if (std::abs(s1 - s2) == 1 || last == 1)
+            return false;
         std::tie(s1, s2) = s1 <= s2 ? std::pair(0, last) : std::pair(last, 0);
     }
-    if (!computeElementCrossings(first, s1, second, s2, context.crossings)) {
+    // The side each keeps: where it was picked (one multiline picked twice:
+    // the middles of its segments), before or beyond the crossing of the
+    // element lines 0.
+    if (same) {
+        first.markPoint = midpoint(first.elementLines.front(), s1);
+        second.markPoint = midpoint(second.elementLines.front(), s2);
+    } else {
+        projectPickToElement(first, 0, nullptr);
+        projectPickToElement(second, 0, nullptr);
+    }
+    const bool startA = keepsStartBefore(first, s1, first.markPoint, second, s2);
+    const bool startB = keepsStartBefore(second, s2, second.markPoint, first, s1);
+    if (!computeElementCrossings(first, s1, second, s2, context.crossings, reachOf(startA), reachOf(startB))) {
         kxutPrintf(L"%ls", loadText(context, kNoCrossingMessage));
         return false;
     }
     const KxGePoint3d x = axisCrossingOfSegments(first, s1, second, s2);
     if (same)
-        return joinWithItself(context, s1, s2, x);
+        return joinWithItself(context, s1, s2, startA, startB, x);
 
-    projectPickToElement(first, 0, nullptr);
-    projectPickToElement(second, 0, nullptr);
     const CrossingTable& table = context.crossings;
-    const bool startA = keepsStart(first, s1, first.markPoint, table.points[0][0]);
-    const bool startB = keepsStart(second, s2, second.markPoint, table.points[0][0]);
     std::optional<MlineShape> a = cutBackTo(first.mline, s1, startA, x);
     std::optional<MlineShape> b = cutBackTo(second.mline, s2, startB, x);
     if (!a || !b)
@@ -132,11 +141,13 @@ bool editCornerJoint(MlineEditContext& context)
     const int nB = nA > 0 ? int(table.points.front().size()) : 0;
     for (int e = 0; e < nA && e < a->elementCount(); ++e) {
         const int p = cornerPartner(e, nA, nB, sameOrder, startA);
-        trimElementTo(*a, e, startA ? s1 : 0, table.points[std::size_t(e)][std::size_t(p)], startA);
+        const int g = table.segments[std::size_t(e)][std::size_t(p)].first;
+        trimElementTo(*a, e, segmentAfterCut(*a, g, s1, startA), table.points[std::size_t(e)][std::size_t(p)], startA);
     }
     for (int e = 0; e < nB && e < b->elementCount(); ++e) {
         const int p = cornerPartner(e, nB, nA, sameOrder, startB);
-        trimElementTo(*b, e, startB ? s2 : 0, table.points[std::size_t(p)][std::size_t(e)], startB);
+        const int g = table.segments[std::size_t(p)][std::size_t(e)].second;
+        trimElementTo(*b, e, segmentAfterCut(*b, g, s2, startB), table.points[std::size_t(p)][std::size_t(e)], startB);
     }
     writeMlineShape(first.mline, std::move(*a));
     writeMlineShape(second.mline, std::move(*b));

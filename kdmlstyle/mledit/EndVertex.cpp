@@ -111,6 +111,11 @@ std::optional<MlineShape> cutBackTo(const KxDbMline* mline, int s, bool keepStar
     return shape;
 }
 
+int segmentAfterCut(const MlineShape& shape, int g, int s, bool keepStart)
+{
+    return keepStart ? std::clamp(g, 0, s) : std::clamp(g - s, 0, std::max(shape.size() - 2, 0));
+}
+
 void trimRuns(std::vector<double>& list, double d, bool atEnd)
 {
     if (list.empty())
@@ -140,6 +145,10 @@ void trimElementTo(MlineShape& shape, int e, int s, const KxGePoint3d& target, b
         return;
     const double d = dot(target - shape.elementPoint(s, e), shape.segmentDirection(s, e));
     trimRuns(shape.vertices[std::size_t(s)].editRuns(e), d, atEnd);
+    const int from = atEnd ? s + 1 : 0;
+    const int to = atEnd ? shape.size() - 1 : s;
+    for (int v = from; v < to; ++v)
+        shape.vertices[std::size_t(v)].editRuns(e).resize(1);
 }
 
 void suppressCaps(KxDbMline* mline, bool atEnd, bool atStart)

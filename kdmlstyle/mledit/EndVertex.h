@@ -30,6 +30,11 @@ void keepVertices(MlineShape& shape, int first, int count);
 // when the style cannot be opened.
 std::optional<MlineShape> cutBackTo(const KxDbMline* mline, int s, bool keepStart, const KxGePoint3d& point);
 
+// The segment of a shape that cutBackTo (s, keepStart) made that holds
+// what lay on segment g of the multiline before; a segment cut off gives
+// the nearest one kept.
+int segmentAfterCut(const MlineShape& shape, int g, int s, bool keepStart);
+
 // An element list rewritten so that the element stops at distance d along
 // its segment (atEnd) or starts there: runs beyond (before) d go, a run
 // open at d ends (starts) there. A start behind the segment's start
@@ -37,7 +42,10 @@ std::optional<MlineShape> cutBackTo(const KxDbMline* mline, int s, bool keepStar
 void trimRuns(std::vector<double>& list, double d, bool atEnd);
 
 // trimRuns on element e of segment s, at target (a point on the element
-// line or its extension).
+// line or its extension); the element is then not drawn along the segments
+// after s (atEnd) or before it, so that it ends (starts) at target where
+// target lies next to a vertex on an earlier (later) segment than the
+// multiline's last (first) one.
 void trimElementTo(MlineShape& shape, int e, int s, const KxGePoint3d& target, bool atEnd);
 
 // Switches caps off: the end caps when atEnd, the start caps when atStart;

@@ -62,16 +62,18 @@ bool withinHalfOpen(double f, double a, double b)
     return (a <= f && f < b) || (b < f && f <= a);
 }
 
-// Whether element e is drawn at distance d along segment i: the leading
-// entries of its list (entry 0 included) that are not above d are even in
-// number and at least two.
+// Whether element e is drawn at distance d along segment i: an odd number
+// of the run bounds (the entries after entry 0) are not above d. Entry 0 is
+// the distance along the miter to the element line, no distance along the
+// segment, so it takes no part, whatever the element's offset.
 bool drawnAt(const MlinePick& pick, int i, int e, double d)
 {
     std::vector<double> params;
     getElementParams(pick.mline, params, i, e);
-    const auto firstAbove = std::find_if(params.begin(), params.end(), [d](double v) { return v > d; });
-    const long k = firstAbove - params.begin();
-    return (k - 1) % 2 == 1;
+    if (params.empty())
+        return false;
+    const auto firstAbove = std::find_if(params.begin() + 1, params.end(), [d](double v) { return v > d; });
+    return (firstAbove - (params.begin() + 1)) % 2 == 1;
 }
 
 void setHit(MlinePick& pick, int segment, int element, const KxGePoint3d& point, double distance)

@@ -52,16 +52,18 @@ bool editTee(MlineEditContext& context, TeeKind kind)
             kxutPrintf(L"%ls", loadText(context, kNoCrossingMessage));
         return false;
     }
-    const CrossingTable& table = context.crossings;
-    if (!computeElementCrossings(stem, crossing->segFirst, bar, crossing->segSecond, context.crossings))
-        return true;
-    projectPickToElement(stem, 0, nullptr);
+    // The side that stays is the one picked: between the segment's start
+    // and the crossing of the element lines 0, or beyond that crossing.
     const int s = stem.hitSegment;
+    projectPickToElement(stem, 0, nullptr);
+    const bool keepStart = keepsStartBefore(stem, s, stem.markPoint, bar, crossing->segSecond);
+    const CrossingTable& table = context.crossings;
+    if (!computeElementCrossings(stem, s, bar, crossing->segSecond, context.crossings,
+                                 keepStart ? ElementReach::UpToSegment : ElementReach::FromSegment))
+        return true;
     const auto k = [&table](int a, int b) -> const KxGePoint3d& {
         return table.points[std::size_t(a)][std::size_t(b)];
     };
-    const bool keepStart =
-        comparePoints(stem.elementLines.front()[std::size_t(s)], stem.markPoint) == comparePoints(stem.markPoint, k(0, 0));
     const bool same = sameEntity(stem, bar);
     if (same && (keepStart ? stem.hitSegment <= bar.hitSegment : stem.hitSegment >= bar.hitSegment)) {
         kxutPrintf(L"%ls", loadText(context, kBarCutOffMessage));
@@ -72,7 +74,6 @@ bool editTee(MlineEditContext& context, TeeKind kind)
         return true;
     const int nA = table.rows();
     const int nB = nA > 0 ? int(table.points.front().size()) : 0;
-    const int segment = keepStart ? s : 0;
     const int reference = keepStart ? s : 1;
     const auto nearer = [&](int e, int b1, int b2) {
         const KxGePoint3d r = shape->elementPoint(reference, e);
@@ -83,7 +84,8 @@ bool editTee(MlineEditContext& context, TeeKind kind)
     const TeePlan plan = planTee(kind, nA, nB, near);
     for (int e = 0; e < nA && e < shape->elementCount(); ++e) {
         const int end = kind == TeeKind::Closed ? nearer(e, 0, nB - 1) : plan.stemEnds[std::size_t(e)];
-        trimElementTo(*shape, e, segment, k(e, end), keepStart);
+        const int g = table.segments[std::size_t(e)][std::size_t(end)].first;
+        trimElementTo(*shape, e, segmentAfterCut(*shape, g, s, keepStart), k(e, end), keepStart);
     }
     writeMlineShape(stem.mline, std::move(*shape));
     suppressCaps(stem.mline, keepStart, !keepStart);

@@ -38,15 +38,20 @@ bool insertVertex(MlineShape& shape, int s, const KxGePoint3d& near)
                     [&p](const ShapeVertex& v) { return pointsEqual(v.position, p); }))
         return false;
 
-    const ShapeVertex added{p, shape.vertices[std::size_t(s)].axis, shape.vertices[std::size_t(s)].miter,
-                            shape.vertices[std::size_t(s)].record};
+    // The runs before the new vertex stay on segment s; those beyond it go
+    // to the new segment, measured from the new vertex's element points,
+    // which lie on the element lines where the square miter meets them.
+    ShapeVertex added{p, shape.vertices[std::size_t(s)].axis, shape.vertices[std::size_t(s)].miter,
+                      shape.vertices[std::size_t(s)].record};
     for (int e = 0; e < shape.elementCount(); ++e) {
         const double cut = dot(p - shape.elementPoint(s, e), shape.segmentDirection(s, e));
         std::vector<double>& runs = shape.vertices[std::size_t(s)].editRuns(e);
+        std::vector<double>& beyond = added.editRuns(e);
+        beyond = runs;
+        shiftRuns(beyond, cut);
         runs = runsBefore(runs, cut);
     }
     shape.vertices.insert(shape.vertices.begin() + s + 1, added);
-    shape.drawWholeSegment(s + 1);
     shape.refreshDirections(s + 1);
     return true;
 }

@@ -16,9 +16,10 @@ double signedDistanceToLine(const KxGePoint3d& point, const KxGePoint3d& a, cons
 
 // Adds a vertex on segment `segment` (the closing segment of a closed
 // multiline appends it last) at the foot of near on the segment's axis.
-// The runs of the segment before the new vertex stay, cut at it; the new
-// segment is drawn in full. False, and no change, when the foot is an
-// existing vertex or the segment does not exist.
+// Every run stays where it was drawn: the runs before the new vertex stay
+// on the segment, cut at it, those beyond it go to the new segment. False,
+// and no change, when the foot is an existing vertex or the segment does
+// not exist.
 bool insertVertex(MlineShape& shape, int segment, const KxGePoint3d& near);
 
 // Removes vertex k. The joined segment is drawn in full; the runs of the

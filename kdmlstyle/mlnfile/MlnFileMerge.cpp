@@ -1,12 +1,10 @@
 #include "mlnfile/MlnFileMerge.h"
 
-#include <QSaveFile>
-#include <QString>
-
+#include <array>
 #include <cwchar>
-#include <filesystem>
-#include <fstream>
+#include <sstream>
 
+#include "kxfile.h"
 #include "kxstring.h"
 #include "mlnfile/MlnBlockScanner.h"
 
@@ -21,12 +19,23 @@ bool isKey(const std::string& line, const wchar_t* key)
 
 }  // namespace
 
-std::optional<std::vector<std::string>> readMlnFileLines(const wchar_t* path)
+std::optional<std::vector<std::string>> readMlnFileLines(const wchar_t* path, std::wstring& problem)
 {
-    std::ifstream in(std::filesystem::path(path), std::ios::binary);
-    if (!in)
-        return std::nullopt;
+    KxFileReader file(path);
+    if (file.isMissing())
+        return std::vector<std::string>{};
+    std::string bytes;
+    std::array<char, 64 * 1024> chunk{};
+    for (long got = 1; got > 0;) {
+        got = file.isOpen() ? file.read(chunk.data(), chunk.size()) : -1;
+        if (got < 0) {
+            problem = file.problem();
+            return std::nullopt;
+        }
+        bytes.append(chunk.data(), static_cast<std::size_t>(got));
+    }
     std::vector<std::string> lines;
+    std::istringstream in(bytes);
     for (std::string line; std::getline(in, line);) {
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
@@ -65,16 +74,12 @@ std::vector<std::string> mergeMlnStyleBlock(std::vector<std::string> lines, cons
     return lines;
 }
 
-bool writeMlnFileLines(const wchar_t* path, const std::vector<std::string>& lines)
+bool writeMlnFileLines(const wchar_t* path, const std::vector<std::string>& lines, std::wstring& problem)
 {
-    QSaveFile file(QString::fromWCharArray(path));
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    for (const std::string& line : lines) {
-        file.write(line.data(), static_cast<qint64>(line.size()));
-        file.write("\r\n", 2);
-    }
-    return file.commit();
+    std::string text;
+    for (const std::string& line : lines)
+        text.append(line).append("\r\n");
+    return kxutWriteFileInPlace(path, text, problem);
 }
 
 }  // namespace kdml

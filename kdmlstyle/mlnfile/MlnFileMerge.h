@@ -9,9 +9,10 @@
 
 namespace kdml {
 
-// The file's lines without their line ends (LF, or CR LF), or nothing when
-// the file cannot be opened.
-std::optional<std::vector<std::string>> readMlnFileLines(const wchar_t* path);
+// The file's lines without their line ends (LF, or CR LF); no lines when
+// nothing stands at the path yet. Nothing, with problem set, when a file
+// stands there that cannot be read whole (a merge must then not write).
+std::optional<std::vector<std::string>> readMlnFileLines(const wchar_t* path, std::wstring& problem);
 
 // Replaces the first block named name (its "MLSTYLE", "2" and " " + name
 // lines, compared without case, up to and including the next "0" line, or
@@ -20,8 +21,10 @@ std::optional<std::vector<std::string>> readMlnFileLines(const wchar_t* path);
 std::vector<std::string> mergeMlnStyleBlock(std::vector<std::string> lines, const std::vector<std::string>& block,
                                             const wchar_t* name);
 
-// Writes the lines, each ended by CR LF, beside path and then renames the
-// result over it, so that a failed write leaves the old file as it was.
-bool writeMlnFileLines(const wchar_t* path, const std::vector<std::string>& lines);
+// Writes the lines, each ended by CR LF, into the file at path in place:
+// the whole text is made first, then the same file is rewritten, so that
+// its mode, owner and links stay (a failed write leaves the old text). False,
+// with problem set, when the file cannot be written.
+bool writeMlnFileLines(const wchar_t* path, const std::vector<std::string>& lines, std::wstring& problem);
 
 }  // namespace kdml

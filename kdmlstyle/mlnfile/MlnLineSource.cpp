@@ -1,13 +1,6 @@
 #include "mlnfile/MlnLineSource.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstring>
-#include <string>
-
-#include "kxstring.h"
 
 namespace kdml {
 
@@ -18,10 +11,8 @@ constexpr std::size_t kReadLimit = kMlnLineBufferSize - 2;
 
 }  // namespace
 
-MlnLineSource::MlnLineSource(const wchar_t* path)
+MlnLineSource::MlnLineSource(const wchar_t* path) : file_(path)
 {
-    if (path)
-        fd_ = ::open(kxutToMultiByte(path).c_str(), O_RDONLY | O_CLOEXEC);
     // The first conversion loads the locale's converter; doing it here keeps
     // the reads themselves free of that.
     std::mbstate_t state{};
@@ -30,28 +21,19 @@ MlnLineSource::MlnLineSource(const wchar_t* path)
     line_[0] = L'\0';
 }
 
-MlnLineSource::~MlnLineSource()
-{
-    if (fd_ >= 0)
-        ::close(fd_);
-}
-
 bool MlnLineSource::refill()
 {
-    if (fd_ < 0)
+    if (!file_.isOpen() || failed_)
         return false;
     std::memmove(bytes_, bytes_ + pos_, size_ - pos_);
     size_ -= pos_;
     pos_ = 0;
-    for (;;) {
-        const ssize_t got = ::read(fd_, bytes_ + size_, kByteBufferSize - size_);
-        if (got > 0) {
-            size_ += static_cast<std::size_t>(got);
-            return true;
-        }
-        if (got == 0 || errno != EINTR)
-            return false;
-    }
+    const long got = file_.read(bytes_ + size_, kByteBufferSize - size_);
+    failed_ = got < 0;
+    if (got <= 0)
+        return false;
+    size_ += static_cast<std::size_t>(got);
+    return true;
 }
 
 bool MlnLineSource::nextCharacter(wchar_t& c)
@@ -114,7 +96,7 @@ bool MlnLineSource::next()
             break;
         wchar_t c = 0;
         if (!nextCharacter(c)) {
-            atEnd_ = true;
+            atEnd_ = !failed_;
             break;
         }
         readAny = true;

@@ -12,6 +12,9 @@
 
 #include <cstddef>
 #include <cwchar>
+#include <string>
+
+#include "kxfile.h"
 
 namespace kdml {
 
@@ -20,22 +23,29 @@ inline constexpr std::size_t kMlnLineBufferSize = 2049;
 
 class MlnLineSource {
 public:
-    // Opens path for reading; isOpen() tells whether that worked.
+    // Opens path for reading through the host's checked file access;
+    // isOpen() tells whether that worked.
     explicit MlnLineSource(const wchar_t* path);
-    ~MlnLineSource();
     MlnLineSource(const MlnLineSource&) = delete;
     MlnLineSource& operator=(const MlnLineSource&) = delete;
 
-    bool isOpen() const { return fd_ >= 0; }
+    bool isOpen() const { return file_.isOpen(); }
+    // Nothing stands at the path.
+    bool isMissing() const { return file_.isMissing(); }
 
     // Reads the next line. False when nothing could be read: the end of the
-    // file was reached before, or the read failed.
+    // file was reached before, or the read failed (failed() tells).
     bool next();
     // The line last read, NUL-terminated; valid until the next read.
     const wchar_t* line() const { return line_; }
     std::size_t length() const { return length_; }
     // True once a read has run into the end of the file.
     bool atEnd() const { return atEnd_; }
+    // True once a read of the file has failed: what follows is unknown.
+    bool failed() const { return failed_; }
+    // Why the file could not be opened or read whole, naming it; empty while
+    // nothing failed.
+    std::wstring problem() const { return file_.problem(); }
 
 private:
     bool refill();
@@ -43,8 +53,9 @@ private:
 
     static constexpr std::size_t kByteBufferSize = 64 * 1024;
 
-    int fd_ = -1;
+    KxFileReader file_;
     bool atEnd_ = false;
+    bool failed_ = false;
     std::size_t pos_ = 0;
     std::size_t size_ = 0;
     std::size_t length_ = 0;

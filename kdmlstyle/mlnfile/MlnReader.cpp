@@ -168,7 +168,7 @@ private:
 
 }  // namespace
 
-std::vector<std::wstring> listMlnStyleNames(const wchar_t* path)
+std::vector<std::wstring> listMlnStyleNames(const wchar_t* path, std::wstring* problem)
 {
     std::vector<std::wstring> names;
     const auto source = std::make_unique<MlnLineSource>(path);
@@ -179,6 +179,8 @@ std::vector<std::wstring> listMlnStyleNames(const wchar_t* path)
             break;
         names.push_back(trimmed(source->line()));
     }
+    if (problem && !source->isMissing())
+        *problem = source->problem();
     return names;
 }
 
@@ -191,8 +193,10 @@ MlnReadResult readMlnStyle(const wchar_t* path, const wchar_t* name, KxDbMlineSt
     const auto source = std::make_unique<MlnLineSource>(path);
     if (!source->isOpen())
         return MlnReadResult::notFound;
-    if (mode == MlnReadMode::strict)
-        return StyleBlockReader(*source, *style, database, mode, ScanSteps(nullptr)).read(name);
+    if (mode == MlnReadMode::strict) {
+        const MlnReadResult result = StyleBlockReader(*source, *style, database, mode, ScanSteps(nullptr)).read(name);
+        return source->failed() ? MlnReadResult::broken : result;
+    }
 
     FaultGuard guard;
     StyleBlockReader reader(*source, *style, database, mode, ScanSteps(&guard));

@@ -14,8 +14,10 @@ namespace kdml {
 
 // The names of the styles in the file, in file order, duplicates kept: the
 // line after every "2" key line, trimmed of white space. Nothing for a file
-// that cannot be opened.
-std::vector<std::wstring> listMlnStyleNames(const wchar_t* path);
+// that cannot be opened. problem, when given, receives why a file that
+// stands at the path could not be opened or read to its end (the names are
+// then those read before); it stays empty otherwise.
+std::vector<std::wstring> listMlnStyleNames(const wchar_t* path, std::wstring* problem = nullptr);
 
 // Finds the first block whose name equals name (without case) and sets its
 // properties on style, an object open for write; element linetypes are
@@ -23,7 +25,8 @@ std::vector<std::wstring> listMlnStyleNames(const wchar_t* path);
 // runs under the fault guard: a hardware fault or an exception while the
 // file is read goes to the host's crash recorder, and what was set so far
 // stays set. Strict reading leaves style open for its caller, who discards
-// it unless the result is found.
+// it unless the result is found; a file that cannot be read to the block's
+// end reads as broken.
 MlnReadResult readMlnStyle(const wchar_t* path, const wchar_t* name, KxDbMlineStyle* style,
                            KxDbDatabase* database, MlnReadMode mode);
 

@@ -9,6 +9,7 @@
 #include "kxed.h"
 #include "kxhost.h"
 #include "kxstring.h"
+#include "kxuimsgbox.h"
 #include "mlnfile/MlnBlockWriter.h"
 #include "mlnfile/MlnFileMerge.h"
 
@@ -61,14 +62,19 @@ void saveMlnStyle(KxDbObjectId dictionaryId, const wchar_t* styleName)
         return;
     const std::wstring path = chosen;
     kald_free(chosen);
-    saveMlnStyleToFile(dictionaryId, styleName, path.c_str());
+    std::wstring problem;
+    if (!saveMlnStyleToFile(dictionaryId, styleName, path.c_str(), problem) && !problem.empty())
+        AfxMessageBox(problem.c_str(), MB_OK | MB_ICONEXCLAMATION);
 }
 
-bool saveMlnStyleToFile(KxDbObjectId dictionaryId, const wchar_t* styleName, const wchar_t* path)
+bool saveMlnStyleToFile(KxDbObjectId dictionaryId, const wchar_t* styleName, const wchar_t* path,
+                        std::wstring& problem)
 {
     if (!styleName || !path)
         return false;
-    const std::optional<std::vector<std::string>> oldLines = readMlnFileLines(path);
+    std::optional<std::vector<std::string>> oldLines = readMlnFileLines(path, problem);
+    if (!oldLines)
+        return false;
     const std::optional<std::vector<std::wstring>> block = styleBlock(dictionaryId, styleName);
     if (!block)
         return false;
@@ -76,8 +82,7 @@ bool saveMlnStyleToFile(KxDbObjectId dictionaryId, const wchar_t* styleName, con
     narrowBlock.reserve(block->size());
     for (const std::wstring& line : *block)
         narrowBlock.push_back(kxutToMultiByte(line));
-    return writeMlnFileLines(path, mergeMlnStyleBlock(oldLines.value_or(std::vector<std::string>{}), narrowBlock,
-                                                      styleName));
+    return writeMlnFileLines(path, mergeMlnStyleBlock(std::move(*oldLines), narrowBlock, styleName), problem);
 }
 
 }  // namespace kdml

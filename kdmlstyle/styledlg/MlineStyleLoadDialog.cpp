@@ -10,12 +10,13 @@
 #include "kxhost.h"
 #include "kxstring.h"
 #include "kxuiapp.h"
+#include "kxuimsgbox.h"
 
 #include <QIcon>
 
 #include <array>
 #include <filesystem>
-#include <fstream>
+#include <system_error>
 
 namespace kdml {
 
@@ -75,10 +76,14 @@ bool CKaldMlineStyleLoadDialog::OnInitDialog()
 
 void CKaldMlineStyleLoadDialog::listFileStyles(const std::wstring& path)
 {
-    if (!std::ifstream(std::filesystem::path(path)).is_open())
+    std::wstring problem;
+    const std::vector<std::wstring> names = listMlnStyleNames(path.c_str(), &problem);
+    if (!problem.empty())
+        AfxMessageBox(problem.c_str(), MB_OK | MB_ICONEXCLAMATION);
+    std::error_code missing;
+    if (!problem.empty() || !std::filesystem::exists(std::filesystem::path(path), missing))
         return;
     m_list.ResetContent();
-    const std::vector<std::wstring> names = listMlnStyleNames(path.c_str());
     for (const std::wstring& name : names)
         m_list.AddString(name);
     GetDlgItem(kFileName)->SetWindowText(path);

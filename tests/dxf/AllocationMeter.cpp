@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -12,9 +13,12 @@ namespace {
 std::atomic<std::size_t> inUse{0};
 std::atomic<std::size_t> highest{0};
 std::atomic<std::size_t> allocations{0};
+std::atomic<std::size_t> largestAllowed{SIZE_MAX};
 
 void* counted(std::size_t size)
 {
+    if (size > largestAllowed.load())
+        throw std::bad_alloc();
     void* p = std::malloc(size == 0 ? 1 : size);
     if (!p)
         throw std::bad_alloc();
@@ -99,4 +103,14 @@ std::size_t allocationCount(const std::function<void()>& run)
     const std::size_t before = allocations.load();
     run();
     return allocations.load() - before;
+}
+
+AllocationCap::AllocationCap(std::size_t largest)
+{
+    largestAllowed = largest;
+}
+
+AllocationCap::~AllocationCap()
+{
+    largestAllowed = SIZE_MAX;
 }

@@ -17,10 +17,10 @@ std::string listedLine(const std::string& from, const std::string& to)
     return "  from point: " + from + "\n    to point: " + to + "\n";
 }
 
-// A LIST whose pick found nothing goes straight back to the command prompt.
+// A LIST whose pick found nothing says so and goes back to the command prompt.
 std::string listedNothing(const std::string& pick)
 {
-    return "Command: LIST\nSelect object: " + pick + "\nCommand: ";
+    return "Command: LIST\nSelect object: " + pick + "\nNo object found.\nCommand: ";
 }
 
 }  // namespace

@@ -1,23 +1,17 @@
 // Drawings on disk through the real binary: the drawing argument, a script,
 // --save, OPEN and SAVEAS with names typed on the command line, and files
 // that cannot be read or written.
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 using ::testing::HasSubstr;
 
 namespace {
-
-std::string fileText(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 QString str(const std::filesystem::path& path)
 {
@@ -74,9 +68,10 @@ TEST(DxfSession, BadFilesAreRefusedAndTheDrawingStays)
     EXPECT_THAT(fileText(saved), HasSubstr("LINE"));
 
     // A save into a folder that does not exist says why and keeps the session.
-    run = kaldo.runScript("SAVEAS\n" + (kaldo.dir() / "nowhere" / "x.dxf").string() + "\n");
+    const std::string nowhere = (kaldo.dir() / "nowhere" / "x.dxf").string();
+    run = kaldo.runScript("SAVEAS\n" + nowhere + "\n");
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_THAT(run.out, HasSubstr("The drawing was not saved: cannot write in the folder"));
+    EXPECT_THAT(run.out, HasSubstr("The drawing was not saved: cannot write '" + nowhere + "': No such file or directory."));
     run = kaldo.runScript("", {"--save", str(kaldo.dir() / "nowhere" / "x.dxf")});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_THAT(run.err, HasSubstr("the drawing was not saved"));

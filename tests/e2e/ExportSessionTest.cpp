@@ -9,6 +9,10 @@
 #include <QImage>
 #include <QXmlStreamReader>
 
+#include <filesystem>
+
+#include <sys/stat.h>
+
 using ::testing::HasSubstr;
 
 namespace {
@@ -69,7 +73,28 @@ TEST(ExportSession, PictureThatCannotBeWrittenEndsWithExitTwo)
 {
     KaldoProcess kaldo;
     const std::string target = (kaldo.dir() / "missing" / "out.svg").string();
-    const KaldoRun run = kaldo.runScript(kSquareScript, {"--export", QString::fromStdString(target)});
+    KaldoRun run = kaldo.runScript(kSquareScript, {"--export", QString::fromStdString(target)});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_THAT(run.err, HasSubstr("cannot write '" + target + "'"));
+
+    // A FIFO is refused without waiting for a reader.
+    const std::string fifo = (kaldo.dir() / "pipe.png").string();
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0644), 0);
+    run = kaldo.runScript(kSquareScript, {"--export", QString::fromStdString(fifo)});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.err, HasSubstr("cannot write '" + fifo + "': it is a FIFO, not a regular file."));
+
+    // On a full disk the old picture stays whole, and no empty one is left.
+    const std::filesystem::path old = kaldo.writeFile("old.png", "an old picture");
+    const std::filesystem::path fresh = kaldo.dir() / "fresh.png";
+    kaldo.limitFileSize(2000);
+    for (const std::filesystem::path& picture : {old, fresh}) {
+        run = kaldo.runScript(kSquareScript, {"--export", QString::fromStdString(picture.string())});
+        EXPECT_EQ(run.exitCode, 2);
+        EXPECT_THAT(run.err, HasSubstr("cannot write '" + picture.string() + "': File too large."));
+    }
+    QFile oldPicture(QString::fromStdString(old.string()));
+    ASSERT_TRUE(oldPicture.open(QIODevice::ReadOnly));
+    EXPECT_EQ(oldPicture.readAll(), "an old picture");
+    EXPECT_FALSE(std::filesystem::exists(fresh));
 }

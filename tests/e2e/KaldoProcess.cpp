@@ -1,11 +1,26 @@
 #include "KaldoProcess.h"
 
+#include "dxf/ReopenProperty.h"
+
+#include <gtest/gtest.h>
+
 #include <QProcess>
 
+#include <csignal>
 #include <fstream>
+#include <map>
 #include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
+// The exit code of a run whose limits could not be set.
+constexpr int kChildSetUpFailed = 125;
 const QString kaldoBinary = QStringLiteral(KALDO_STAGE_DIR "/bin/kaldo");
 const QString stagedSupport = QStringLiteral(KALDO_STAGE_DIR "/share/kaldo/Support");
 }  // namespace
@@ -21,10 +36,36 @@ KaldoProcess::KaldoProcess()
     writeFile("kaldo.ini", "[Settings]\n");
 }
 
+KaldoProcess::~KaldoProcess()
+{
+    const std::filesystem::path reopened = dir_ / "reopened";
+    std::filesystem::create_directory(reopened);
+    std::vector<std::filesystem::path> saved;
+    std::map<std::filesystem::path, std::filesystem::path> sources;
+    for (const std::filesystem::path& drawing : drawingsUnder(dir_)) {
+        if (drawing.parent_path() == reopened)
+            continue;
+        const std::filesystem::path copy =
+            reopened / (std::to_string(saved.size()) + "-" + drawing.filename().string());
+        bool opened = false;
+        const std::string problem = reopenProblem(drawing, copy, opened);
+        if (!problem.empty() && (opened || !written_.contains(drawing)))
+            ADD_FAILURE() << drawing.filename() << ": " << problem;
+        if (opened) {
+            saved.push_back(copy);
+            sources[copy] = drawing.filename();
+        }
+    }
+    for (const auto& [copy, findings] : ezdxfAuditFindings(saved))
+        if (!findings.empty())
+            ADD_FAILURE() << sources[copy] << " saved again, ezdxf's audit finds: " << findings;
+}
+
 std::filesystem::path KaldoProcess::writeFile(const std::string& name, const std::string& text) const
 {
     const std::filesystem::path path = dir_ / name;
     std::ofstream(path, std::ios::binary) << text;
+    written_.insert(path);
     return path;
 }
 
@@ -43,6 +84,20 @@ KaldoRun KaldoProcess::run(const QString& program, const QStringList& args, cons
 {
     QProcess process;
     process.setProcessEnvironment(env_);
+    process.setChildProcessModifier([sizeLimit = fileSizeLimit_, keepToPermissions = keepToPermissions_] {
+        if (sizeLimit >= 0) {
+            const rlimit limit{rlim_t(sizeLimit), rlim_t(sizeLimit)};
+            std::signal(SIGXFSZ, SIG_IGN);
+            if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
+                ::_exit(kChildSetUpFailed);
+        }
+        // Root's override of read, write and search permissions leaves the
+        // bounding set, so the program run keeps to the files' modes.
+        if (keepToPermissions && ::geteuid() == 0
+            && (::prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) != 0
+                || ::prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) != 0))
+            ::_exit(kChildSetUpFailed);
+    });
     process.setWorkingDirectory(temp_.path());
     process.start(program, args);
     if (!process.waitForStarted())

@@ -1,5 +1,9 @@
 // Runs the staged kaldo binary on a script in a private temporary folder
-// (its own profile and crash folder) and collects what it printed.
+// (its own profile and crash folder) and collects what it printed. When it
+// goes, every drawing left in the folder is checked: one that kaldo wrote
+// must open, and every one that opens must save into a file that kaldo
+// opens again to the same bytes and that ezdxf reads with nothing for its
+// audit to find; a drawing that does not is a failure of the test.
 #pragma once
 
 #include <QProcessEnvironment>
@@ -7,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 struct KaldoRun {
@@ -18,6 +23,9 @@ struct KaldoRun {
 class KaldoProcess {
 public:
     KaldoProcess();
+    ~KaldoProcess();
+    KaldoProcess(const KaldoProcess&) = delete;
+    KaldoProcess& operator=(const KaldoProcess&) = delete;
 
     const std::filesystem::path& dir() const { return dir_; }
     // Writes text into a file of the temporary folder and returns its path.
@@ -33,11 +41,21 @@ public:
     KaldoRun runScript(const std::string& script, const QStringList& extraArgs = {}) const;
 
     void setEnv(const QString& name, const QString& value) { env_.insert(name, value); }
+    // Later runs may write no file beyond bytes: a write past it fails as on
+    // a full disk (the signal the limit raises is ignored).
+    void limitFileSize(long bytes) { fileSizeLimit_ = bytes; }
+    // Later runs keep to file permissions even when started by root, as any
+    // user's runs do (root's power to override them is dropped).
+    void keepToFilePermissions() { keepToPermissions_ = true; }
 
 private:
     KaldoRun run(const QString& program, const QStringList& args, const std::string& standardInput) const;
 
     QTemporaryDir temp_;
     std::filesystem::path dir_;
+    // The files the test wrote (writeFile), which kaldo need not open.
+    mutable std::set<std::filesystem::path> written_;
     QProcessEnvironment env_;
+    long fileSizeLimit_ = -1;
+    bool keepToPermissions_ = false;
 };

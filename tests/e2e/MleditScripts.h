@@ -2,11 +2,18 @@
 // the element lists that LIST shows.
 #pragma once
 
+#include "EzdxfReport.h"
+#include "KaldoProcess.h"
 #include "ListedMlines.h"
 
 #include <gmock/gmock.h>
 
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 inline constexpr double kListed = 1e-4;  // LIST shows four decimals
@@ -54,3 +61,60 @@ auto listIs(Values... values)
     return ::testing::ElementsAre(::testing::DoubleNear(values, kListed)...);
 }
 
+inline auto listOf(const std::vector<double>& values)
+{
+    std::vector<::testing::Matcher<double>> matchers;
+    for (double value : values)
+        matchers.push_back(::testing::DoubleNear(value, kListed));
+    return ::testing::ElementsAreArray(matchers);
+}
+
+// The vertex positions of the n-th listed multiline, as "x,y".
+inline std::vector<std::string> positions(const std::vector<ListedMline>& listed, std::size_t n)
+{
+    std::vector<std::string> out;
+    if (n >= listed.size())
+        return out;
+    for (const ListedVertex& v : listed[n].vertices) {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.4f,%.4f", v.position.x, v.position.y);
+        out.push_back(text);
+    }
+    return out;
+}
+
+// The world points where the drawn runs of one element along one segment of
+// a multiline the reader found start and stop: location + miter * p0 +
+// direction * p_i.
+inline std::vector<std::pair<double, double>> runEnds(const QJsonObject& mline, int vertex, int element)
+{
+    const QJsonObject v = mline["vertices"].toArray()[vertex].toObject();
+    const QJsonArray params = v["element"].toArray()[element].toArray();
+    const QJsonArray at = v["location"].toArray();
+    const QJsonArray miter = v["miter"].toArray();
+    const QJsonArray along = v["direction"].toArray();
+    std::vector<std::pair<double, double>> ends;
+    const double p0 = params[0].toDouble();
+    for (int i = 1; i < params.size(); ++i) {
+        const double d = params[i].toDouble();
+        ends.emplace_back(at[0].toDouble() + miter[0].toDouble() * p0 + along[0].toDouble() * d,
+                          at[1].toDouble() + miter[1].toDouble() * p0 + along[1].toDouble() * d);
+    }
+    return ends;
+}
+
+// Runs the script, saves the drawing as `file` in the session's folder and
+// reads it back with the independent reader: the multilines it found, none
+// when the run or the reader failed or the reader's audit found errors or
+// made fixes.
+inline QJsonArray mlinesReadBack(KaldoProcess& kaldo, const std::string& script, const std::string& file)
+{
+    const std::string saved = (kaldo.dir() / file).string();
+    const KaldoRun run = kaldo.runScript(script, {"--save", QString::fromStdString(saved)});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    const EzdxfReport report = readWithEzdxf(saved);
+    EXPECT_TRUE(report.ran) << report.problem;
+    const bool clean = report.file["errors"].toArray().isEmpty() && report.file["fixes"].toArray().isEmpty();
+    EXPECT_TRUE(clean) << "the reader's audit found errors or made fixes";
+    return run.exitCode == 0 && report.ran && clean ? report.file["mlines"].toArray() : QJsonArray();
+}

@@ -2,6 +2,7 @@
 // the current style as MLINE wrote it, colour-book colours, a style without
 // elements; the saved file passes ezdxf's audit and saves again unchanged.
 #include "EzdxfReport.h"
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
@@ -9,21 +10,11 @@
 
 #include <QJsonArray>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 using ::testing::HasSubstr;
 
 namespace {
-
-std::string fileText(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // A filled brick wall whose fill and first element carry colour-book
 // names, and a style without elements.

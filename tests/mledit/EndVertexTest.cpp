@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using namespace kdml;
 using namespace kdml::test;
 
@@ -63,19 +65,45 @@ TEST(EndVertex, TrimRunsAtTheEndAndAtTheStart)
     }
 }
 
-TEST(EndVertex, TrimElementToMeasuresAlongTheElementLine)
+TEST(EndVertex, TrimElementToMeasuresAlongTheElementLineAndHidesTheSegmentsBeyond)
 {
+    // Elements 5 either side of an axis (0, 0) (100, 0) (100, 100) (200, 100):
+    // a left turn, then a right one. Element 0 runs y = 5 to (95, 5), up
+    // x = 95 to (95, 105), then y = 105; element 1 y = -5 to (105, -5), up
+    // x = 105 to (105, 95), then y = 95. At both bends the miter makes 45
+    // degrees with the segments: entry 0 is +-5 / sin 45 = +-7.0711.
     ShapeDrawing drawing;
-    MlineShape shape = drawing.shape({"bent", {0.5, -0.5}, Mline::kZero, 10, {{0, 0}, {100, 0}, {100, 100}}});
-    // Element 0 of segment 1 runs up x = 95 from y = 5; element 1 up x = 105
-    // from y = -5.
-    trimElementTo(shape, 0, 1, KxGePoint3d(95, 60), true);
-    trimElementTo(shape, 1, 1, KxGePoint3d(105, 20), false);
-    EXPECT_THAT(runsOf(shape, 1, 0), ::testing::ElementsAre(::testing::_, 0.0, ::testing::DoubleNear(55, 1e-10)));
-    EXPECT_THAT(runsOf(shape, 1, 1), ::testing::ElementsAre(::testing::_, ::testing::DoubleNear(25, 1e-10)));
-    // A target behind the segment's start (on the line's extension).
-    trimElementTo(shape, 0, 0, KxGePoint3d(-10, 5), false);
-    EXPECT_THAT(runsOf(shape, 0, 0), ::testing::ElementsAre(::testing::_, ::testing::DoubleNear(-10, 1e-10)));
+    const MlineShape bent =
+        drawing.shape({"bent", {0.5, -0.5}, Mline::kZero, 10, {{0, 0}, {100, 0}, {100, 100}, {200, 100}}});
+    const double m = 5 * std::sqrt(2.0);
+    struct Row {
+        int e, s;
+        KxGePoint3d target;
+        bool atEnd;
+        std::vector<std::vector<double>> lists;  // at vertices 0, 1, 2
+    };
+    const std::vector<Row> rows = {
+        // Ending on segment 1, 55 up from (95, 5): segment 2 is not drawn.
+        {0, 1, {95, 60}, true, {{5, 0}, {m, 0, 55}, {m}}},
+        // Starting on segment 1, 25 up from (105, -5): segment 0 is not drawn.
+        {1, 1, {105, 20}, false, {{-5}, {-m, 25}, {-m, 0}}},
+        // Ending on the last segment or starting on the first hides nothing.
+        {0, 2, {150, 105}, true, {{5, 0}, {m, 0}, {m, 0, 55}}},
+        {1, 0, {-10, -5}, false, {{-5, -10}, {-m, 0}, {-m, 0}}},
+        // Ending on segment 0 hides the two after it.
+        {0, 0, {60, 5}, true, {{5, 0, 60}, {m}, {m}}},
+    };
+    for (const Row& row : rows) {
+        MlineShape shape = bent;
+        trimElementTo(shape, row.e, row.s, row.target, row.atEnd);
+        for (int v = 0; v < 3; ++v) {
+            std::vector<::testing::Matcher<double>> expected;
+            for (double value : row.lists[std::size_t(v)])
+                expected.push_back(::testing::DoubleNear(value, 1e-9));
+            EXPECT_THAT(runsOf(shape, v, row.e), ::testing::ElementsAreArray(expected))
+                << "element " << row.e << " segment " << row.s << (row.atEnd ? " end" : " start") << ", vertex " << v;
+        }
+    }
 }
 
 TEST(EndVertex, MovingTheEndVertexKeepsTheShapeAsDrawnAndTheRunsBeforeIt)

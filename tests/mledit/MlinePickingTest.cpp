@@ -16,9 +16,9 @@ namespace {
 // 3 * sqrt(2) units.
 class MlinePicking : public kaldo::EditorFixture {
 protected:
-    KxDbObjectId add(const std::vector<KxGePoint3d>& points, bool closed = false)
+    KxDbObjectId add(const std::vector<KxGePoint3d>& points, bool closed = false, double scale = 20)
     {
-        return addStandardMline(db, points, closed);
+        return addStandardMline(db, points, closed, scale);
     }
 
     // Fills pick as the tools do after a selection at point.
@@ -114,4 +114,52 @@ TEST_F(MlinePicking, ClosedMultilinesAndRefusedEntities)
     EXPECT_FALSE(isMultilineEntity(name)) << "an empty name";
     kxdbGetEntityName(name.id, square);
     EXPECT_TRUE(isMultilineEntity(name));
+}
+
+TEST_F(MlinePicking, PicksNearEitherEndOfASegmentOfAWideWallHitWhereTheyAre)
+{
+    // Walls 100 wide (STANDARD at scale 100): element 0 lies 50 left of the
+    // axis, element 1 50 right; entry 0 of a list is 50 (-50), or 50 / sin
+    // 45 = 70.71 at a right-angled bend. A run bound counts from the
+    // element's point at the vertex, whatever entry 0 holds.
+    const KxDbObjectId straight = add({{0, 0}, {200, 0}}, false, 100);
+    // Along (0, 500) (200, 500) (200, 800): element 0 runs y = 550 to
+    // (150, 550) and up x = 150; element 1 y = 450 to (250, 450) and up
+    // x = 250.
+    const KxDbObjectId bent = add({{0, 500}, {200, 500}, {200, 800}}, false, 100);
+    // A wall drawn only from 10 to 20 along its element 0.
+    const KxDbObjectId gapped = add({{0, -500}, {200, -500}}, false, 100);
+    {
+        KxDbObjectPtr<KxDbMline> mline(gapped, KxDb::kForWrite);
+        writeElementParams(mline.get(), {50.0, 10.0, 20.0}, 0, 0);
+    }
+    struct Row {
+        KxDbObjectId id;
+        KxGePoint3d pick;
+        int element, segment;
+        double distance;  // from the element's point at the segment's start
+        KxGePoint3d hit;
+    };
+    const std::vector<Row> rows = {
+        {straight, {3, 50}, 0, 0, 3, {3, 50}},
+        {straight, {197, 50}, 0, 0, 197, {197, 50}},
+        {straight, {3, -50}, 1, 0, 3, {3, -50}},
+        {straight, {197, -51}, 1, 0, 197, {197, -50}},
+        // 3 after the start of segment 1 on element 0 (entry 0 70.71):
+        // (150, 553) is 3 up from (150, 550).
+        {bent, {150, 553}, 0, 1, 3, {150, 553}},
+        {bent, {150, 797}, 0, 1, 247, {150, 797}},
+        {bent, {147, 550}, 0, 0, 147, {147, 550}},
+        {bent, {250, 453}, 1, 1, 3, {250, 453}},
+        {gapped, {15, -450}, 0, 0, 15, {15, -450}},
+    };
+    for (const Row& row : rows) {
+        const std::string label = "pick at " + std::to_string(row.pick.x) + "," + std::to_string(row.pick.y);
+        pickAt(row.pick, row.id, context.first);
+        EXPECT_EQ(context.first.hitElement, row.element) << label;
+        EXPECT_EQ(context.first.hitSegment, row.segment) << label;
+        EXPECT_NEAR(context.first.hitDistance, row.distance, 1e-9) << label;
+        EXPECT_NEAR(context.first.hitPoint.x, row.hit.x, 1e-9) << label;
+        EXPECT_NEAR(context.first.hitPoint.y, row.hit.y, 1e-9) << label;
+    }
 }

@@ -86,8 +86,9 @@ inline void expectNear(const KxGeVector3d& a, const KxGeVector3d& b, const std::
     EXPECT_NEAR(a.z, b.z, kAgree) << label;
 }
 
-// The shape's directions and miter offsets are those the host gives a
-// multiline drawn through the shape's vertices.
+// The shape's directions and miter offsets (entry 0 of the element and of
+// the fill lists) are those the host gives a multiline drawn through the
+// shape's vertices.
 inline void expectDrawnAlike(ShapeDrawing& drawing, const MlineCase& c, const MlineShape& shape,
                              const std::string& label)
 {
@@ -104,9 +105,12 @@ inline void expectDrawnAlike(ShapeDrawing& drawing, const MlineCase& c, const Ml
         expectNear(shape.vertices[v].axis, expected[v].axis, at + " axis");
         expectNear(shape.vertices[v].miter, expected[v].miter, at + " miter");
         ASSERT_EQ(shape.vertices[v].lists().size(), expected[v].elements.size()) << at;
-        for (std::size_t e = 0; e < expected[v].elements.size(); ++e)
+        for (std::size_t e = 0; e < expected[v].elements.size(); ++e) {
             EXPECT_NEAR(shape.vertices[v].runs(int(e)).at(0), expected[v].elements[e].elementParams.at(0), kAgree)
                 << at << " element " << e;
+            EXPECT_NEAR(shape.vertices[v].lists()[e].areaFill.at(0), expected[v].elements[e].fillParams.at(0), kAgree)
+                << at << " element " << e << " fill";
+        }
     }
 }
 

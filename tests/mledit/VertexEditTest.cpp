@@ -100,25 +100,65 @@ TEST(VertexEdit, RemovingEveryVertexKeepsDirectionsMitersAndOffsets)
     }
 }
 
-TEST(VertexEdit, RunsBeforeTheNewVertexStayAndTheNewSegmentIsDrawnWhole)
+TEST(VertexEdit, EveryRunStaysWhereItWasDrawnWhenAVertexIsAdded)
 {
-    const MlineCase c{"straight", {0.5, -0.5}, Mline::kZero, 20, {{0, 0}, {100, 0}}};
-    ShapeDrawing drawing;
-    MlineShape original = drawing.shape(c);
-    setRuns(original, 0, {0, 20, 40, 70});
+    // The new vertex cuts the runs of its segment: those before it stay,
+    // cut at it; those beyond it go to the new segment, measured from the
+    // new vertex's element points (square miter: on the element lines,
+    // straight across from the vertex).
     struct Row {
-        double at;
-        std::vector<double> kept;
+        const char* name;
+        std::vector<KxGePoint3d> axis;
+        int segment;
+        KxGePoint3d pick;
+        std::vector<std::vector<double>> before;  // runs of the segment, per element
+        std::vector<std::vector<double>> kept;    // runs left on the segment
+        std::vector<std::vector<double>> moved;   // runs of the new segment
     };
-    for (const Row& row : std::vector<Row>{{30, {0, 20}}, {50, {0, 20, 40}}, {80, {0, 20, 40, 70}}, {20, {0}}}) {
-        MlineShape shape = original;
-        ASSERT_TRUE(insertVertex(shape, 0, KxGePoint3d(row.at, 3)));
+    const std::vector<double> runs = {0, 20, 40, 70};  // drawn 0-20 and 40-70 of 100
+    const std::vector<Row> rows = {
+        // In the gap 20-40 at 30: the run 40-70 is 10-40 from the new vertex.
+        {"in a gap", {{0, 0}, {100, 0}}, 0, {30, 3}, {runs, runs}, {{0, 20}, {0, 20}}, {{10, 40}, {10, 40}}},
+        // Inside the run 40-70 at 50: it goes on from the new vertex to 20.
+        {"in a run", {{0, 0}, {100, 0}}, 0, {50, 3}, {runs, runs}, {{0, 20, 40}, {0, 20, 40}}, {{0, 20}, {0, 20}}},
+        // At 80, after the last run: nothing is drawn beyond.
+        {"after the runs", {{0, 0}, {100, 0}}, 0, {80, 3}, {runs, runs}, {runs, runs}, {{}, {}}},
+        // On a run's end (20) and on a run's start (40).
+        {"on a run's end", {{0, 0}, {100, 0}}, 0, {20, 3}, {runs, runs}, {{0}, {0}}, {{20, 50}, {20, 50}}},
+        {"on a run's start", {{0, 0}, {100, 0}}, 0, {40, 3}, {runs, runs}, {{0, 20}, {0, 20}}, {{0, 30}, {0, 30}}},
+        // At 70, where the last run ends: nothing beyond.
+        {"on the last run's end", {{0, 0}, {100, 0}}, 0, {70, 3}, {runs, runs}, {{0, 20, 40}, {0, 20, 40}}, {{}, {}}},
+        // Segment 1 of an axis that turns left at (100, 0): element 0 runs
+        // up x = 95 from (95, 5), element 1 up x = 105 from (105, -5). A
+        // vertex at (100, 50) lies 45 along element 0 and 55 along element
+        // 1: element 0's runs 0-30, 60-90 leave 0-30 and 15-45; element 1's
+        // leave 0-30 and 5-35.
+        {"on a bent axis",
+         {{0, 0}, {100, 0}, {100, 100}},
+         1,
+         {103, 50},
+         {{0, 30, 60, 90}, {0, 30, 60, 90}},
+         {{0, 30}, {0, 30}},
+         {{15, 45}, {5, 35}}},
+    };
+    ShapeDrawing drawing;
+    for (const Row& row : rows) {
+        MlineShape shape = drawing.shape({row.name, {0.5, -0.5}, Mline::kZero, 10, row.axis});
         for (int e = 0; e < 2; ++e) {
-            std::vector<::testing::Matcher<double>> kept;
-            for (double v : row.kept)
-                kept.push_back(DoubleNear(v, kAgree));
-            EXPECT_THAT(runsOf(shape, 0, e), ::testing::ElementsAreArray(kept)) << row.at;
-            EXPECT_THAT(runsOf(shape, 1, e), ElementsAre(0.0)) << row.at;
+            std::vector<double>& list = shape.vertices[std::size_t(row.segment)].editRuns(e);
+            list.resize(1);
+            list.insert(list.end(), row.before[std::size_t(e)].begin(), row.before[std::size_t(e)].end());
+        }
+        ASSERT_TRUE(insertVertex(shape, row.segment, row.pick)) << row.name;
+        expectDrawnAlike(drawing, {row.name, {0.5, -0.5}, Mline::kZero, 10, row.axis}, shape, row.name);
+        for (int e = 0; e < 2; ++e) {
+            for (const auto& [v, expectedRuns] : {std::pair(row.segment, row.kept), std::pair(row.segment + 1, row.moved)}) {
+                std::vector<::testing::Matcher<double>> expected;
+                for (double value : expectedRuns[std::size_t(e)])
+                    expected.push_back(DoubleNear(value, kAgree));
+                EXPECT_THAT(runsOf(shape, v, e), ::testing::ElementsAreArray(expected))
+                    << row.name << ", element " << e << ", vertex " << v;
+            }
         }
     }
     // The closing segment of a closed multiline gets its vertex last.

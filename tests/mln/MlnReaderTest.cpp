@@ -77,7 +77,14 @@ TEST_F(MlnReaderTest, ListsAndReadsOneOfSeveralBlocks)
     }
     EXPECT_EQ(read(path, L"FOURTH", MlnReadMode::strict), MlnReadResult::notFound);
     EXPECT_EQ(read(folder().wstring() + L"/missing.mln", L"FIRST", MlnReadMode::lenient), MlnReadResult::notFound);
-    EXPECT_TRUE(kdml::listMlnStyleNames((folder().wstring() + L"/missing.mln").c_str()).empty());
+    std::wstring problem;
+    EXPECT_TRUE(kdml::listMlnStyleNames((folder().wstring() + L"/missing.mln").c_str(), &problem).empty());
+    EXPECT_EQ(problem, L"") << "a missing file is no problem to report";
+    // A failed read (this process's memory from address 0) is no end of
+    // file: the listing names it, strict reading finds the file broken.
+    EXPECT_TRUE(kdml::listMlnStyleNames(L"/proc/self/mem", &problem).empty());
+    EXPECT_EQ(problem, L"cannot read '/proc/self/mem': Input/output error.");
+    EXPECT_EQ(read(L"/proc/self/mem", L"FIRST", MlnReadMode::strict), MlnReadResult::broken);
 }
 
 TEST_F(MlnReaderTest, KeyLinesMatchWholeAndWithoutCase)

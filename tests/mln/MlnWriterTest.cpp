@@ -46,10 +46,14 @@ protected:
 
     bool save(const wchar_t* name, const std::wstring& path)
     {
-        return kdml::saveMlnStyleToFile(db.mlineStyleDictionaryId(), name, path.c_str());
+        problem.clear();
+        return kdml::saveMlnStyleToFile(db.mlineStyleDictionaryId(), name, path.c_str(), problem);
     }
 
     short dimzin() const { return static_cast<short>(db.dimzin()); }
+
+    // Why the last save could not read or write its file.
+    std::wstring problem;
 };
 
 std::string crlf(std::initializer_list<const char*> lines)
@@ -169,10 +173,18 @@ TEST_F(MlnWriterTest, FailuresLeaveTheFileAsItWas)
 {
     const std::wstring path = writeFile("keep.mln", "MLSTYLE\n2\n KEEP\n0\n");
     EXPECT_FALSE(save(L"NOSUCHSTYLE", path));
+    EXPECT_EQ(problem, L"") << "a style that is not there is no problem of the file";
     EXPECT_EQ(readBytes(path), "MLSTYLE\n2\n KEEP\n0\n");
     addWall(L"WALL");
-    EXPECT_FALSE(save(L"WALL", (folder() / "no" / "such" / "folder.mln").wstring()));
-    EXPECT_FALSE(kdml::saveMlnStyleToFile(KxDbObjectId::kNull, L"WALL", path.c_str()));
+    const std::wstring noFolder = (folder() / "no" / "such" / "folder.mln").wstring();
+    EXPECT_FALSE(save(L"WALL", noFolder));
+    EXPECT_EQ(problem, L"cannot write '" + noFolder + L"': No such file or directory.");
+    EXPECT_FALSE(save(L"WALL", folder().wstring()));
+    EXPECT_EQ(problem, L"cannot read '" + folder().wstring() + L"': it is a folder.");
+    // A file whose read fails (this process's memory read from address 0)
+    // is not taken for an empty one.
+    EXPECT_FALSE(save(L"WALL", L"/proc/self/mem"));
+    EXPECT_EQ(problem, L"cannot read '/proc/self/mem': Input/output error.");
     EXPECT_EQ(readBytes(path), "MLSTYLE\n2\n KEEP\n0\n");
 }
 

@@ -9,16 +9,6 @@
 
 namespace kaldo {
 
-namespace {
-
-short errnoValue()
-{
-    kxresbuf rb;
-    return kxedGetVar(L"ERRNO", &rb) == RTNORM && rb.restype == RTSHORT ? rb.resval.rint : 0;
-}
-
-}  // namespace
-
 void eraseCommand()
 {
     std::vector<KxDbObjectId> picked;
@@ -28,10 +18,8 @@ void eraseCommand()
         const int result = kxedEntSel(L"\nSelect object: ", name, point);
         if (result == RTCAN)
             return;
-        if (result == RTERROR && errnoValue() == OL_ENTSELPICK) {
-            kxutPrintf(L"\nNo object found.\n");
+        if (result == RTERROR && pickMissed())
             continue;
-        }
         KxDbObjectId id;
         if (result != RTNORM || kxdbGetObjectId(id, name) != Kald::eOk)
             break;

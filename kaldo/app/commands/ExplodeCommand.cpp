@@ -11,12 +11,6 @@ namespace kaldo {
 
 namespace {
 
-short errnoValue()
-{
-    kxresbuf rb;
-    return kxedGetVar(L"ERRNO", &rb) == RTNORM && rb.restype == RTSHORT ? rb.resval.rint : 0;
-}
-
 bool isMline(KxDbObjectId id)
 {
     const KxDbObjectPtr<KxDbEntity> entity(id, KxDb::kForRead);
@@ -35,10 +29,8 @@ void explodeCommand()
         kxds_name name = {0, 0};
         double point[3] = {};
         const int result = kxedEntSel(L"\nSelect multiline to explode: ", name, point);
-        if (result == RTERROR && errnoValue() == OL_ENTSELPICK) {
-            kxutPrintf(L"\nNo object found.\n");
+        if (result == RTERROR && pickMissed())
             continue;
-        }
         KxDbObjectId id;
         if (result != RTNORM || kxdbGetObjectId(id, name) != Kald::eOk)
             break;

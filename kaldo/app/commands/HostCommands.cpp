@@ -1,5 +1,6 @@
 #include "kaldo/app/commands/HostCommands.h"
 
+#include "kxed.h"
 #include "kxrxcommands.h"
 
 namespace kaldo {
@@ -23,6 +24,12 @@ void registerHostCommands(KxEdCommandStack& stack)
     };
     for (const Entry& entry : commands)
         stack.addCommand(kHostCommandGroup, entry.name, entry.name, KxCmdFlags::kModal, entry.handler);
+}
+
+bool pickMissed()
+{
+    kxresbuf rb;
+    return kxedGetVar(L"ERRNO", &rb) == RTNORM && rb.restype == RTSHORT && rb.resval.rint == OL_ENTSELPICK;
 }
 
 }  // namespace kaldo

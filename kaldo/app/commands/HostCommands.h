@@ -50,6 +50,20 @@ void saveWorkingDrawing(Session& session);
 // drawing's file name (Drawing1.dxf for a new drawing).
 std::wstring saveChangesQuestion(const std::filesystem::path& drawingPath);
 
+// The file types SAVEAS offers in a file dialog, in the order of SaveAsType:
+// the drawing itself, or a copy with every multiline exploded (2000 or R12).
+enum class SaveAsType { Drawing, Exploded, ExplodedR12 };
+inline constexpr const wchar_t* kSaveAsFileTypes =
+    L"Drawing (*.dxf);;Copy, multilines exploded (*.dxf);;R12 copy, multilines exploded (*.dxf)";
+// What SAVEAS does with a file chosen under a type, messages included; a
+// copy is never written over the drawing's own file, and takes no report.
+void saveAsReporting(Session& session, const std::filesystem::path& path, SaveAsType type,
+                     const dxf::ProgressReport& report = {});
+
+// Whether the last entity selection failed because its point hit nothing
+// (ERRNO 7; the editor has said so): the picking commands then ask again.
+bool pickMissed();
+
 // Asks for the new value of the system variable name, as SETVAR does once it
 // has the name; Enter keeps the value.
 void promptForVariable(const std::wstring& name);

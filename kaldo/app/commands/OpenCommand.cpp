@@ -3,7 +3,8 @@
 // chosen, OPEN asks whether to save the changes first, as the window does
 // (Yes saves as SAVE does, No drops them, Cancel keeps everything). A file
 // that cannot be read, or an opening cancelled, leaves the working drawing
-// as it was and says why.
+// as it was and says why; what the reader repaired is listed after the
+// opening.
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/dxf/DxfError.h"
@@ -14,7 +15,9 @@
 #include "kxuiwnd.h"
 
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace kaldo {
 
@@ -75,8 +78,10 @@ bool mayReplaceDrawing(Session& session)
 void openDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report)
 {
     try {
-        session.openDrawing(path, report);
+        const std::vector<std::string> repairs = session.openDrawing(path, report);
         kxutPrintf(L"\nOpened \"%ls\".\n", path.wstring().c_str());
+        for (const std::string& repair : repairs)
+            kxutPrintf(L"Repaired: %ls\n", kxutFromMultiByte(repair).c_str());
     } catch (const dxf::DxfError& e) {
         kxutPrintf(L"\nCannot open the drawing: %ls\n", kxutFromMultiByte(e.what()).c_str());
     } catch (const dxf::Cancelled&) {
