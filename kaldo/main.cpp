@@ -15,6 +15,7 @@
 #include "kaldo/util/TerminalText.h"
 #include "kaldo/view/PictureExport.h"
 #include "kxdbdatabase.h"
+#include "kxstring.h"
 
 #include <QApplication>
 
