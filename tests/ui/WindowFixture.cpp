@@ -4,7 +4,10 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
 #include <QDeadlineTimer>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
@@ -146,4 +149,24 @@ void answerMessageBoxSoon(int button)
 {
     actOnDialogSoon<QMessageBox>(
         [button](QMessageBox& box) { box.button(QMessageBox::StandardButton(button))->click(); });
+}
+
+void chooseInFileDialogSoon(const QString& path, int type)
+{
+    actOnDialogSoon<QFileDialog>([path, type](QFileDialog& dialog) {
+        auto* types = dialog.findChild<QComboBox*>("fileTypeCombo");
+        auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
+        ASSERT_TRUE(types && edit);
+        for (int i = types->currentIndex(); i < type; ++i)
+            QTest::keyClick(types, Qt::Key_Down);
+        // The name field holds the focus as the user types, so that the
+        // typed name replaces the file the dialog selected at first.
+        dialog.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        QTest::mouseClick(edit, Qt::LeftButton);
+        QApplication::clipboard()->setText(path);
+        QTest::keySequence(edit, QKeySequence::SelectAll);
+        QTest::keySequence(edit, QKeySequence::Paste);
+        QTest::keyClick(edit, Qt::Key_Return);
+    });
 }
