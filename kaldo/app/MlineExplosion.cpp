@@ -329,18 +329,6 @@ Explosion explodeInto(KxDbDatabase& db, KxDbMline& mline, KxDbBlockTableRecord& 
     return made;
 }
 
-// The block's order with an exploded multiline's pieces in its place.
-void putInPlace(std::vector<KxDbObjectId>& order, KxDbObjectId id, const std::vector<KxDbObjectId>& pieces,
-                bool erased)
-{
-    const auto at = std::find(order.begin(), order.end(), id);
-    if (at == order.end())
-        return;
-    const auto inserted = order.insert(at, pieces.begin(), pieces.end());
-    if (erased)
-        order.erase(inserted + std::ptrdiff_t(pieces.size()));
-}
-
 }  // namespace
 
 Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id, const ExplodeForm& form)
@@ -351,14 +339,10 @@ Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id, const ExplodeForm& for
     KxDbObjectPtr<KxDbBlockTableRecord> block(mline->ownerId(), KxDb::kForWrite);
     if (!block)
         return {};
-    std::vector<KxDbObjectId> order;
-    for (auto it = block->newIterator(); !it->done(); it->step())
-        order.push_back(it->getEntityId());
+    // The pieces are appended (fill first): the undo history keeps a block's
+    // list as appended to, so an undoable explosion never reorders it.
     std::vector<KxDbObjectId> pieces;
-    const Explosion made = explodeInto(db, *mline, *block, form, pieces);
-    putInPlace(order, id, pieces, made.exploded);
-    block->setEntityOrder(order);
-    return made;
+    return explodeInto(db, *mline, *block, form, pieces);
 }
 
 int explodeAllMlines(KxDbDatabase& db, const ExplodeForm& form)

@@ -123,8 +123,10 @@ TEST(HostileInputSession, C1ControlsAreShownNotSent)
     kaldo.writeFile("walls.mln", "MLSTYLE\n2\n WALL" + csi + "1\n70\n 0\n3\n Brick " + csi + "31m wall\n62\n 256\n"
                                  "51\n 90\n52\n 90\n71\n 2\n49\n 0.5\n62\n 256\n6\n BYLAYER\n49\n -0.5\n62\n 256\n"
                                  "6\n BYLAYER\n0\n");
-    const std::string bad = kaldo.writeFile("bad.dxf", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n" + csi
-                                                           + "31m\n  0\nENDSEC\n  0\nEOF\n").string();
+    // A version whose strings are UTF-8, so that the reader meets U+009B.
+    const std::string bad = kaldo.writeFile("bad.dxf", "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1021\n"
+                                                       "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n"
+                                                           + csi + "31m\n  0\nENDSEC\n  0\nEOF\n").string();
     KaldoRun run = kaldo.runScript(csi + "2J\nMLINE\nST\nWall" + csi + "1\nwalls\nST\n?\n\n0,0\n10,0\n\nLIST\n5,0.5\n"
                                    "OPEN\n" + bad + "\nNo\n");
     ASSERT_EQ(run.exitCode, 0) << run.err;
