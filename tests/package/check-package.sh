@@ -62,12 +62,15 @@ check_desktop_files() {
 # The program and the module under ROOT find the core library under ROOT,
 # not the build's.
 check_own_core_library() {
-    local root=$1 binaries binary
+    local root=$1 binaries binary libraries
     mapfile -t binaries < <(find "$root" -path "*/bin/kaldo" -o -name KdMLStyle.krx)
     [ "${#binaries[@]}" = 2 ] || fail "no one program and one module under $root: ${binaries[*]}"
     for binary in "${binaries[@]}"; do
-        ldd "$binary" | grep -q "libkaldocore.so => $root/" ||
-            fail "$binary finds its core library outside $root: $(ldd "$binary" | grep kaldocore)"
+        # Read whole first: grep -q leaving a pipe early would fail it
+        # under pipefail whenever ldd is still writing.
+        libraries=$(ldd "$binary")
+        grep -q "libkaldocore.so => $root/" <<<"$libraries" ||
+            fail "$binary finds its core library outside $root: $(grep kaldocore <<<"$libraries")"
     done
 }
 
