@@ -215,6 +215,11 @@ public:
     void reserve(std::size_t points, std::size_t polylines);
 
 private:
+    // Calls visit(item, its points placed) for the items of the instance's
+    // parts that [part.*first, part.*end) selects in items.
+    template <class Item, class Visit>
+    void visitPlaced(const Instance& instance, std::uint32_t Part::*first, std::uint32_t Part::*end,
+                     const std::vector<Item>& items, Visit&& visit) const;
     int takePen(const Scene& from, int pen, std::vector<int>& pens, std::vector<int>& patterns);
     std::uint32_t endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon);
 
@@ -245,41 +250,39 @@ private:
 // The extents of an arc: its end points and the quadrant points it passes.
 void addArcBounds(Bounds& bounds, const Arc& arc);
 
-template <class Visit>
-void Scene::visitPolylines(const Instance& instance, Visit&& visit) const
+template <class Item, class Visit>
+void Scene::visitPlaced(const Instance& instance, std::uint32_t Part::*first, std::uint32_t Part::*end,
+                        const std::vector<Item>& items, Visit&& visit) const
 {
     std::vector<Point2> placed;
     const Shape& shape = m_shapes[instance.shape];
     for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
         const Part& part = m_parts[m_runs[r].part];
         const Affine place = instance.place.shiftedAlongX(m_runs[r].shift);
-        for (std::uint32_t i = part.firstPolyline; i < part.endPolyline; ++i) {
-            const Polyline& polyline = m_partPolylines[i];
+        for (std::uint32_t i = part.*first; i < part.*end; ++i) {
+            const Item& item = items[i];
             placed.clear();
-            for (std::uint32_t p = 0; p < polyline.count; ++p)
-                placed.push_back(place(m_partPoints[polyline.first + p]));
-            visit(polyline.pen == kInstancePen ? instance.pen : polyline.pen, polyline.closed,
-                  std::span<const Point2>(placed));
+            for (std::uint32_t p = 0; p < item.count; ++p)
+                placed.push_back(place(m_partPoints[item.first + p]));
+            visit(item, std::span<const Point2>(placed));
         }
     }
 }
 
 template <class Visit>
+void Scene::visitPolylines(const Instance& instance, Visit&& visit) const
+{
+    visitPlaced(instance, &Part::firstPolyline, &Part::endPolyline, m_partPolylines,
+                [&](const Polyline& polyline, std::span<const Point2> placed) {
+                    visit(polyline.pen == kInstancePen ? instance.pen : polyline.pen, polyline.closed, placed);
+                });
+}
+
+template <class Visit>
 void Scene::visitPolygons(const Instance& instance, Visit&& visit) const
 {
-    std::vector<Point2> placed;
-    const Shape& shape = m_shapes[instance.shape];
-    for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
-        const Part& part = m_parts[m_runs[r].part];
-        const Affine place = instance.place.shiftedAlongX(m_runs[r].shift);
-        for (std::uint32_t i = part.firstPolygon; i < part.endPolygon; ++i) {
-            const Polygon& polygon = m_partPolygons[i];
-            placed.clear();
-            for (std::uint32_t p = 0; p < polygon.count; ++p)
-                placed.push_back(place(m_partPoints[polygon.first + p]));
-            visit(polygon.color, std::span<const Point2>(placed));
-        }
-    }
+    visitPlaced(instance, &Part::firstPolygon, &Part::endPolygon, m_partPolygons,
+                [&](const Polygon& polygon, std::span<const Point2> placed) { visit(polygon.color, placed); });
 }
 
 template <class Visit>
