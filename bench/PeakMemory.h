@@ -1,5 +1,5 @@
 // This process's peak resident memory, measured afresh for one piece of
-// work (Linux).
+// work a benchmark times (Linux).
 #pragma once
 
 #include <malloc.h>

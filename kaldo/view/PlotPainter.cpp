@@ -1,6 +1,7 @@
 #include "kaldo/view/PlotPainter.h"
 
 #include "kaldo/view/Picture.h"
+#include "kaldo/view/TextShapes.h"
 
 #include <QFont>
 #include <QPainter>
@@ -9,6 +10,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <span>
 #include <vector>
 
 namespace kaldo::view {
@@ -62,35 +64,60 @@ private:
     }
 
     // All fills of a colour in one path, so that neighbouring pieces show
-    // no seams.
+    // no seams; those of instances placed.
     void paintFills()
     {
         const FillGroups fills = groupFills(m_scene);
         for (std::size_t c = 0; c < fills.colors.size(); ++c) {
             QPainterPath path;
             path.setFillRule(Qt::WindingFill);
-            for (std::uint32_t f = fills.starts[c]; f < fills.starts[c + 1]; ++f) {
-                const Polygon& polygon = m_scene.polygons()[fills.order[f]];
-                path.moveTo(device(m_scene.points()[polygon.first]));
-                for (std::uint32_t i = 1; i < polygon.count; ++i)
-                    path.lineTo(device(m_scene.points()[polygon.first + i]));
+            const auto addPolygon = [&](std::span<const Point2> corners) {
+                path.moveTo(device(corners[0]));
+                for (std::size_t i = 1; i < corners.size(); ++i)
+                    path.lineTo(device(corners[i]));
                 path.closeSubpath();
+            };
+            for (std::uint32_t f = fills.starts[c]; f < fills.starts[c + 1]; ++f) {
+                const SceneItem item = fills.order[f];
+                if (!item.instance) {
+                    const Polygon& polygon = m_scene.polygons()[item.index];
+                    addPolygon({m_scene.points().data() + polygon.first, polygon.count});
+                    continue;
+                }
+                m_scene.visitPolygons(m_scene.instances()[item.index],
+                                      [&](const DrawColor& each, std::span<const Point2> corners) {
+                                          if (each == fills.colors[c])
+                                              addPolygon(corners);
+                                      });
             }
             m_painter.fillPath(path, color(fills.colors[c]));
         }
     }
 
+    // Pen by pen: the scene's polylines and arcs, and the polylines of
+    // instances drawn in the pen, placed.
     void paintLines()
     {
-        const PenGroups polylines = groupByPen(m_scene.polylines(), m_scene.pens().size());
+        const LineGroups lines = groupLines(m_scene);
         const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size());
         m_painter.setBrush(Qt::NoBrush);
         for (std::size_t p = 0; p < m_scene.pens().size(); ++p) {
-            if (polylines.starts[p] == polylines.starts[p + 1] && arcs.starts[p] == arcs.starts[p + 1])
+            if (lines.starts[p] == lines.starts[p + 1] && arcs.starts[p] == arcs.starts[p + 1])
                 continue;
             m_painter.setPen(qtPen(m_scene.pens()[p]));
-            for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i)
-                paintPolyline(m_scene.polylines()[polylines.order[i]]);
+            for (std::uint32_t i = lines.starts[p]; i < lines.starts[p + 1]; ++i) {
+                const SceneItem item = lines.order[i];
+                if (!item.instance) {
+                    const Polyline& polyline = m_scene.polylines()[item.index];
+                    paintPolyline({m_scene.points().data() + polyline.first, polyline.count}, polyline.closed);
+                    continue;
+                }
+                m_scene.visitPolylines(m_scene.instances()[item.index],
+                                       [&](int pen, bool closed, std::span<const Point2> points) {
+                                           if (pen == int(p))
+                                               paintPolyline(points, closed);
+                                       });
+            }
             for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i)
                 paintArc(m_scene.arcs()[arcs.order[i]]);
         }
@@ -120,12 +147,12 @@ private:
         return qpen;
     }
 
-    void paintPolyline(const Polyline& polyline)
+    void paintPolyline(std::span<const Point2> points, bool closed)
     {
         m_points.clear();
-        for (std::uint32_t i = 0; i < polyline.count; ++i)
-            m_points.push_back(device(m_scene.points()[polyline.first + i]));
-        if (polyline.closed)
+        for (const Point2& point : points)
+            m_points.push_back(device(point));
+        if (closed)
             m_painter.drawPolygon(m_points.data(), int(m_points.size()));
         else
             m_painter.drawPolyline(m_points.data(), int(m_points.size()));
@@ -154,14 +181,14 @@ private:
     {
         const QTransform drawingToDevice =
             QTransform(m_scale, 0, 0, -m_scale, m_originX, m_originY) * m_painter.transform();
-        for (const TextLine& text : m_scene.texts()) {
-            QFont font(QString::fromStdString(text.family));
-            font.setPixelSize(std::max(1, int(std::lround(text.pixelSize))));
-            m_painter.setFont(font);
+        m_painter.setFont(textLayoutFont());
+        m_scene.visitTexts([&](const TextLine& text) {
+            const Affine& place = text.place;
             m_painter.setPen(color(m_scene.pens()[std::size_t(text.pen)].color));
-            m_painter.setTransform(QTransform(text.xx, text.xy, text.yx, text.yy, text.dx, text.dy) * drawingToDevice);
-            m_painter.drawText(QPointF(text.x, 0), QString::fromStdString(text.text));
-        }
+            m_painter.setTransform(QTransform(place.xx, place.yx, place.xy, place.yy, place.dx, place.dy)
+                                   * drawingToDevice);
+            m_painter.drawText(QPointF(text.left, 0), QString::fromStdString(text.text));
+        });
     }
 
     QPainter& m_painter;

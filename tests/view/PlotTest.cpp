@@ -258,8 +258,7 @@ TEST(PlotRender, TextsKeptAsTextWhereTheirOutlinesLie)
         const Scene texts = renderDrawing(d.db, nullptr, PointBudget::kPicture, true);
         EXPECT_TRUE(texts.polylines().empty());
         std::vector<std::string> kept;
-        for (const TextLine& text : texts.texts())
-            kept.push_back(text.text);
+        texts.visitTexts([&](const TextLine& text) { kept.push_back(text.text); });
         EXPECT_EQ(kept, lines);
         const Bounds box = texts.bounds();
         const Bounds letters = outlines.bounds();
