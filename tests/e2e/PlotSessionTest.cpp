@@ -217,11 +217,8 @@ TEST(PlotSession, OptionsAndPromptsChooseTheSheet)
 TEST(PlotSession, TextsAsTextUnitsAndLineweightsFromTheFile)
 {
     KaldoProcess kaldo;
-    // Not named .dxf: the reopening check would flag it, as a drawing
-    // with a layer of its own gets a handle seed 2 higher on every save
-    // (a fault of the DXF writer, not of plotting).
     const std::filesystem::path drawing = kaldo.writeFile(
-        "metres.plan",
+        "metres.dxf",
         "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1015\n  9\n$INSUNITS\n 70\n6\n  0\nENDSEC\n"
         "  0\nSECTION\n  2\nTABLES\n  0\nTABLE\n  2\nLAYER\n 70\n1\n"
         "  0\nLAYER\n  2\nWALLS\n 70\n0\n 62\n7\n  6\nCONTINUOUS\n370\n100\n  0\nENDTAB\n  0\nENDSEC\n"
