@@ -10,7 +10,6 @@
 #include "kaldo/view/SheetPlacement.h"
 #include "kxdbunmodelled.h"
 
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 
@@ -21,15 +20,6 @@ using namespace kaldo::view;
 namespace {
 
 constexpr double kTol = 1e-10;
-
-void ensureFonts()
-{
-    static int argc = 1;
-    static char name[] = "test_view";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance())
-        static QGuiApplication app(argc, argv);
-}
 
 PlotSettings settingsFor(const wchar_t* paper, const wchar_t* scale, Orientation orientation = Orientation::Landscape)
 {
