@@ -137,11 +137,23 @@ bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShape
     place.height = groupNumber(groups, 40, 1);
     place.angle = degrees(groupNumber(groups, 50, 0));
     place.widthFactor = groupNumber(groups, 41, 1);
+    place.oblique = degrees(groupNumber(groups, 51, 0));
     const int horizontal = groupInteger(groups, 72, 0);
     const int vertical = groupInteger(groups, 73, 0);
     const bool aligned = horizontal != 0 || vertical != 0;
-    place.anchor = aligned && findGroup(groups, 11) ? Point2{groupNumber(groups, 11, 0), groupNumber(groups, 21, 0)}
-                                                    : Point2{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
+    const Point2 first{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
+    const Point2 second{groupNumber(groups, 11, 0), groupNumber(groups, 21, 0)};
+    const bool hasSecond = findGroup(groups, 11) != nullptr;
+    // Aligned (3) and fitted (5) text runs from the first point to the
+    // second, along the line between them.
+    if ((horizontal == 3 || horizontal == 5) && hasSecond) {
+        place.anchor = first;
+        place.angle = std::atan2(second.y - first.y, second.x - first.x);
+        place.fitLength = std::hypot(second.x - first.x, second.y - first.y);
+        place.keepProportions = horizontal == 3;
+        return text.drawLines({QString::fromStdString(value->value)}, place, pen);
+    }
+    place.anchor = aligned && hasSecond ? second : first;
     place.horizontal = horizontal == 1 || horizontal == 4 ? 0.5 : horizontal == 2 ? 1.0 : 0.0;
     place.vertical = horizontal == 4 ? TextPlacement::Vertical::Middle
                                      : static_cast<TextPlacement::Vertical>(std::clamp(vertical, 0, 3));

@@ -1,6 +1,6 @@
 // Shapes of entities that the host keeps as records as read (TEXT, ATTRIB,
 // MTEXT, SOLID, HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts go
-// through TextShapes (the outlines of their letters while the budget
+// through TextShapes (their letters filled while the budget
 // holds, else the box of each line); MTEXT's paragraph breaks start new
 // lines and its other formatting codes are left out. Counts are read as far as the groups
 // that follow bear them out, and every curve gets a bounded number of

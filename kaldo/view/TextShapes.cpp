@@ -46,7 +46,16 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
         m_font.emplace();
     const double cap = m_font->cap;
     const double descent = m_font->metrics.descent();
-    const double scale = place.height / cap;
+    double scale = place.height / cap;
+    double along = scale * place.widthFactor;
+    if (place.fitLength > 0 && lines.size() == 1) {
+        const double width = m_font->metrics.horizontalAdvance(lines.front());
+        if (width > 0) {
+            along = place.fitLength / width;
+            if (place.keepProportions)
+                scale = along / place.widthFactor;
+        }
+    }
     const double spacing = kLineSpacing * cap;
     const double blockHeight = cap + spacing * double(lines.size() - 1);
     // Vertical shift of the first baseline above the anchor, in layout units.
@@ -60,7 +69,9 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
     case TextPlacement::Vertical::Top: firstBaseline = -cap; break;
     }
     const double c = std::cos(place.angle), s = std::sin(place.angle);
-    const double along = scale * place.widthFactor;
+    // Letters lean by moving each point along the line by its height
+    // above the baseline times this.
+    const double lean = std::tan(place.oblique);
     std::vector<ShapeRun> runs;
     for (qsizetype i = 0; i < lines.size(); ++i) {
         if (lines[i].trimmed().isEmpty())
@@ -69,7 +80,7 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
         const double left = -place.horizontal * width;
         const double up = firstBaseline - spacing * double(i);
         // Layout units (y down from the baseline) to the drawing.
-        const Affine toDrawing{c * along, s * scale, s * along, -c * scale,
+        const Affine toDrawing{c * along, (s - c * lean) * scale, s * along, -(c + s * lean) * scale,
                                place.anchor.x - s * scale * up, place.anchor.y + c * scale * up};
         runs.clear();
         std::size_t points = 0;

@@ -1,7 +1,8 @@
 // Lines of text as shapes of a scene: each letter's outline (in Qt's
 // sans-serif font, laid out at a large size) is a part made once per
-// scene, and a line is one instance placing its letters side by side, so
-// that a drawing of many texts shapes and flattens each letter once.
+// scene, filled in the colour of its text, and a line is one instance
+// placing its letters side by side, so that a drawing of many texts shapes
+// and flattens each letter once.
 // Without a QGuiApplication (no fonts) nothing is drawn.
 #pragma once
 
@@ -22,15 +23,22 @@
 
 namespace kaldo::view {
 
-// Where lines of text go: anchor point, direction, height, and how the
-// block of lines sits on the anchor (0, 0.5 or 1 of its width to the left;
-// the anchor on the first line's top, the middle, the last baseline or the
-// last line's bottom).
+// Where lines of text go: anchor point, direction, height, how much wider
+// than the font the letters are and how far they lean (oblique, radians
+// from upright, positive to the right), and how the block of lines sits
+// on the anchor (0, 0.5 or 1 of its width to the left; the anchor on the
+// first line's top, the middle, the last baseline or the last line's
+// bottom). A line fitted to a length (fitLength > 0) is stretched to run
+// that length from the anchor; when it also keeps its proportions, its
+// height follows.
 struct TextPlacement {
     Point2 anchor;
     double angle = 0;
     double height = 1;
     double widthFactor = 1;
+    double oblique = 0;
+    double fitLength = 0;
+    bool keepProportions = false;
     double horizontal = 0;
     enum class Vertical { Baseline, Bottom, Middle, Top } vertical = Vertical::Baseline;
 };

@@ -1,11 +1,13 @@
 // Records kept as read that the renderer draws: a block inserted scaled and
 // rotated (with a block inside it), a solid, solid hatches, pattern
 // hatches by their line families, an ellipse, a point, a spline, texts
-// placed by their justification, their letters outlined once per scene
-// where Qt lays them out; what it cannot draw is named.
+// placed by their justification, leant and fitted, their letters filled
+// once per scene where Qt lays them out; what it cannot draw is named.
 #include "PlacedScene.h"
 #include "ViewDrawing.h"
 
+#include "kaldo/view/PngExport.h"
+#include "kaldo/view/SvgExport.h"
 #include "kxdbunmodelled.h"
 
 #include <QFont>
@@ -234,52 +236,93 @@ TEST(RecordRender, PatternHatchesDrawTheirLineFamiliesWithinTheirBoundaries)
     EXPECT_EQ(dashes, expected);
 }
 
-TEST(RecordRender, LettersAreOutlinedOncePerSceneWhereQtLaysThemOut)
+TEST(RecordRender, LettersAreFilledOncePerSceneWhereQtLaysThemOut)
 {
     ensureFonts();
-    // 300 texts of the same five letters, 2.5 high, turned by 30 degrees.
+    // 300 texts of the same five letters, 2.5 high, turned by 30 degrees,
+    // in red.
     ViewDrawing d;
-    for (int i = 0; i < 300; ++i)
-        addRecord(d.db, "TEXT", groups({{10, std::to_string(i * 20)}, {20, "5"}, {40, "2.5"}, {50, "30"},
-                                        {1, "Tag 7"}}));
+    for (int i = 0; i < 300; ++i) {
+        const KxDbObjectId text = addRecord(
+            d.db, "TEXT", groups({{10, std::to_string(i * 20)}, {20, "5"}, {40, "2.5"}, {50, "30"}, {1, "Tag 7"}}));
+        KxDbObjectPtr<KxDbEntity>(text, KxDb::kForWrite)->setColorIndex(1);
+    }
+    // Leaning by 20 degrees, and fitted (72 = 5) between (0, -20) and
+    // (30, -20).
+    addRecord(d.db, "TEXT", groups({{10, "0"}, {20, "-10"}, {40, "2.5"}, {51, "20"}, {1, "Tag 7"}}));
+    addRecord(d.db, "TEXT", groups({{10, "0"}, {20, "-20"}, {11, "30"}, {21, "-20"}, {40, "2.5"}, {72, "5"},
+                                    {1, "Tag 7"}}));
     const Scene scene = renderDrawing(d.db);
-    // Each letter's outline once, each text one placing of them.
+    // Each letter's outline once, each text one placing of them, its
+    // outlines filled in the text's colour and no lines.
     EXPECT_EQ(scene.parts().size(), 5u);
-    EXPECT_EQ(scene.instances().size(), 300u);
+    EXPECT_EQ(scene.instances().size(), 302u);
     EXPECT_TRUE(scene.polylines().empty());
+    scene.visitPolylines([](int, bool, std::span<const Point2>) { ADD_FAILURE() << "a letter drawn as lines"; });
 
-    // The placed outlines of the first text are Qt's own outlines of the
-    // whole line, scaled so that a capital is 2.5 high, turned and moved.
+    // The placed outlines of a text are Qt's own outlines of the whole
+    // line, scaled so that a capital is 2.5 high, leant, turned and moved.
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setStyleHint(QFont::SansSerif);
     font.setPixelSize(200);
     const QFontMetricsF metrics(font);
     const double scale = 2.5 / (metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent());
-    const double c = std::cos(std::numbers::pi / 6), s = std::sin(std::numbers::pi / 6);
     QPainterPath line;
     line.addText(0, 0, font, QStringLiteral("Tag 7"));
-    std::vector<std::vector<Point2>> expected;
-    for (const QPolygonF& outline : line.toSubpathPolygons()) {
-        std::vector<Point2>& points = expected.emplace_back();
-        for (const QPointF& p : outline) {
-            const double x = p.x() * scale, y = -p.y() * scale;
-            points.push_back({x * c - y * s, 5 + x * s + y * c});
+    const auto expectPlaced = [&](const Instance& instance, double along, double lean, double angle, Point2 at) {
+        const double c = std::cos(angle), s = std::sin(angle);
+        std::vector<std::vector<Point2>> expected;
+        for (const QPolygonF& outline : line.toSubpathPolygons()) {
+            std::vector<Point2>& points = expected.emplace_back();
+            for (const QPointF& p : outline) {
+                const double y = -p.y() * scale, x = p.x() * along + y * lean;
+                points.push_back({at.x + x * c - y * s, at.y + x * s + y * c});
+            }
+            // A fill does not repeat its first point.
+            if (points.size() > 2
+                && std::hypot(points.back().x - points.front().x, points.back().y - points.front().y) < kTol)
+                points.pop_back();
         }
-        // A closed polyline does not repeat its first point.
-        if (points.size() > 2 && std::hypot(points.back().x - points.front().x, points.back().y - points.front().y) < kTol)
-            points.pop_back();
-    }
-    std::vector<std::vector<Point2>> placed;
-    scene.visitPolylines(scene.instances()[0], [&](int, bool closed, std::span<const Point2> points) {
-        EXPECT_TRUE(closed);
-        placed.emplace_back(points.begin(), points.end());
-    });
-    ASSERT_EQ(placed.size(), expected.size());
-    for (std::size_t o = 0; o < placed.size(); ++o) {
-        ASSERT_EQ(placed[o].size(), expected[o].size()) << "outline " << o;
-        for (std::size_t p = 0; p < placed[o].size(); ++p) {
-            EXPECT_NEAR(placed[o][p].x, expected[o][p].x, kTol);
-            EXPECT_NEAR(placed[o][p].y, expected[o][p].y, kTol);
+        std::vector<std::vector<Point2>> placed;
+        scene.visitPolygons(instance, [&](const DrawColor& color, std::span<const Point2> points) {
+            EXPECT_EQ(color, scene.pens()[std::size_t(instance.pen)].color);
+            placed.emplace_back(points.begin(), points.end());
+        });
+        ASSERT_EQ(placed.size(), expected.size());
+        for (std::size_t o = 0; o < placed.size(); ++o) {
+            ASSERT_EQ(placed[o].size(), expected[o].size()) << "outline " << o;
+            for (std::size_t p = 0; p < placed[o].size(); ++p) {
+                EXPECT_NEAR(placed[o][p].x, expected[o][p].x, kTol);
+                EXPECT_NEAR(placed[o][p].y, expected[o][p].y, kTol);
+            }
         }
-    }
+    };
+    EXPECT_EQ(scene.pens()[std::size_t(scene.instances()[0].pen)].color, DrawColor::fixed(0xFF0000));
+    expectPlaced(scene.instances()[0], scale, 0, std::numbers::pi / 6, {0, 5});
+    expectPlaced(scene.instances()[300], scale, std::tan(20 * std::numbers::pi / 180), 0, {0, -10});
+    expectPlaced(scene.instances()[301], 30 / metrics.horizontalAdvance(QStringLiteral("Tag 7")), 0, 0, {0, -20});
+}
+
+TEST(RecordRender, PicturesFillLettersAndLeaveTheirHolesOpen)
+{
+    ensureFonts();
+    // An I and an O, capitals 100 high, side by side.
+    ViewDrawing d;
+    addRecord(d.db, "TEXT", groups({{10, "0"}, {20, "0"}, {40, "100"}, {1, "I"}}));
+    addRecord(d.db, "TEXT", groups({{10, "100"}, {20, "0"}, {40, "100"}, {1, "O"}}));
+    const Scene scene = renderDrawing(d.db);
+    ASSERT_EQ(scene.instances().size(), 2u);
+    const PictureOptions options{400, Background::White};
+    const QImage image = paintScene(scene, options);
+    const PictureFrame frame(scene.bounds(), options.size);
+    const auto pixelAtMiddle = [&](const Instance& instance) {
+        const kaldo::Box& b = instance.box;
+        return image.pixel(int(frame.x((b.minX + b.maxX) / 2)), int(frame.y((b.minY + b.maxY) / 2)));
+    };
+    // The middle of the I is its stem, inked; the middle of the O its hole.
+    EXPECT_EQ(pixelAtMiddle(scene.instances()[0]), qRgb(0, 0, 0));
+    EXPECT_EQ(pixelAtMiddle(scene.instances()[1]), qRgb(255, 255, 255));
+    // The SVG fills the letters: one path of the text's colour.
+    const std::string svg = svgDocument(scene, options);
+    EXPECT_NE(svg.find("<path fill-rule=\"nonzero\" stroke=\"none\" fill=\"#000000\""), std::string::npos);
 }
