@@ -326,3 +326,77 @@ TEST(RecordRender, PicturesFillLettersAndLeaveTheirHolesOpen)
     const std::string svg = svgDocument(scene, options);
     EXPECT_NE(svg.find("<path fill-rule=\"nonzero\" stroke=\"none\" fill=\"#000000\""), std::string::npos);
 }
+
+TEST(RecordRender, AttributesDimensionsAndPolyfaceMeshes)
+{
+    ensureFonts();
+    ViewDrawing d;
+    // TAG: a line from the origin to (1, 0) and the definition of the
+    // attribute NAME at (2, 0), which shows in no reference.
+    const KxDbObjectId tag = addBlock(d.db, L"TAG");
+    {
+        KxDbObjectPtr<KxDbBlockTableRecord> block(tag, KxDb::kForWrite);
+        auto* line = new KxDbLine({0, 0, 0}, {1, 0, 0});
+        line->setDatabaseDefaults(&d.db);
+        block->appendKxDbEntity(line);
+        line->close();
+    }
+    addRecord(d.db, "ATTDEF", groups({{10, "2"}, {20, "0"}, {40, "1"}, {1, "?"}, {3, "Name?"}, {2, "NAME"}}), tag);
+    addRecord(d.db, "INSERT", groups({{66, "1"}, {2, "TAG"}, {10, "10"}, {20, "0"}}));
+    // Its attribute, and one hidden (flag 1), follow the reference.
+    addRecord(d.db, "ATTRIB", groups({{10, "12"}, {20, "0"}, {40, "1"}, {1, "A1"}, {2, "NAME"}}));
+    addRecord(d.db, "ATTRIB", groups({{10, "12"}, {20, "-5"}, {40, "1"}, {1, "B2"}, {2, "HIDDEN"}, {70, "1"}}));
+    addRecord(d.db, "SEQEND", {});
+    // A definition in the drawing's own space shows its tag, its top
+    // (74 = 3) on its point.
+    addRecord(d.db, "ATTDEF", groups({{10, "0"}, {20, "20"}, {11, "0"}, {21, "20"}, {40, "1"}, {1, "?"}, {3, "Top?"},
+                                      {2, "TOP"}, {74, "3"}}));
+    // A dimension's block moved up by 3 by its insertion point.
+    const KxDbObjectId dimension = addBlock(d.db, L"*D0");
+    {
+        KxDbObjectPtr<KxDbBlockTableRecord> block(dimension, KxDb::kForWrite);
+        auto* line = new KxDbLine({30, 0, 0}, {35, 0, 0});
+        line->setDatabaseDefaults(&d.db);
+        block->appendKxDbEntity(line);
+        line->close();
+    }
+    addRecord(d.db, "DIMENSION", groups({{2, "*D0"}, {10, "30"}, {20, "0"}, {12, "0"}, {22, "3"}}));
+    // A polyface mesh of one triangle whose edge from its third corner is
+    // invisible.
+    addRecord(d.db, "POLYLINE", groups({{66, "1"}, {70, "64"}, {71, "3"}, {72, "1"}}));
+    for (const auto& [x, y] : {std::pair{"40", "0"}, std::pair{"44", "0"}, std::pair{"44", "4"}})
+        addRecord(d.db, "VERTEX", groups({{10, x}, {20, y}, {70, "192"}}));
+    addRecord(d.db, "VERTEX", groups({{10, "0"}, {20, "0"}, {70, "128"}, {71, "1"}, {72, "2"}, {73, "-3"}}));
+    addRecord(d.db, "SEQEND", {});
+    RenderNotes notes;
+    const Scene drawn = renderDrawing(d.db, &notes);
+    EXPECT_TRUE(notes.undrawnKinds.empty());
+
+    // The reference of TAG spans its line only; the attribute A1 and the
+    // tag TOP are the texts.
+    std::vector<kaldo::Box> texts;
+    for (const Instance& instance : drawn.instances()) {
+        if (drawn.shapes()[instance.shape].text) {
+            texts.push_back(instance.box);
+        } else if (instance.box.minX < 20) {
+            EXPECT_NEAR(instance.box.maxX, 11, kTol);
+        }
+    }
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_NEAR(texts[0].minX, 12, 0.3);
+    EXPECT_NEAR(texts[0].minY, 0, 0.1);
+    EXPECT_NEAR(texts[1].maxY, 20, 0.1);
+    EXPECT_NEAR(texts[1].minX, 0, 0.3);
+
+    const Scene scene = placedScene(drawn);
+    std::vector<std::pair<Point2, Point2>> lines;
+    for (const Polyline& polyline : scene.polylines())
+        lines.push_back({scene.points()[polyline.first], scene.points()[polyline.first + polyline.count - 1]});
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_NEAR(lines[1].first.x, 30, kTol);
+    EXPECT_NEAR(lines[1].first.y, 3, kTol);
+    EXPECT_NEAR(lines[1].second.x, 35, kTol);
+    EXPECT_NEAR(lines[2].second.x, 44, kTol);
+    EXPECT_NEAR(lines[3].first.x, 44, kTol);
+    EXPECT_NEAR(lines[3].second.y, 4, kTol);
+}
