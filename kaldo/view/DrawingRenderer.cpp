@@ -66,13 +66,15 @@ struct BlockDrawing {
 // and each block's drawing, made at its first reference (an empty slot
 // while the block is being drawn).
 struct DrawingPass {
-    DrawingPass(const KxDbDatabase& db, RenderNotes* notes, std::size_t points = PointBudget::kPicture)
-        : db(db), notes(notes), budget(points)
+    DrawingPass(const KxDbDatabase& db, RenderNotes* notes, const TextStyleFonts& styles,
+                std::size_t points = PointBudget::kPicture)
+        : db(db), notes(notes), styles(styles), budget(points)
     {
     }
 
     const KxDbDatabase& db;
     RenderNotes* notes;
+    const TextStyleFonts& styles;
     PointBudget budget;
     std::unordered_map<KxDbObjectId, std::unique_ptr<BlockDrawing>> blocks;
 
@@ -109,7 +111,7 @@ public:
           m_scene(scene),
           m_pens(pass.db, scene),
           m_mlines(m_pens),
-          m_text(scene, pass.budget),
+          m_text(scene, pass.budget, pass.styles),
           m_depth(depth)
     {
     }
@@ -308,7 +310,7 @@ private:
 
 }  // namespace
 
-Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points)
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, const TextStyleFonts& styles)
 {
     Scene scene;
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
@@ -318,7 +320,7 @@ Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t poin
     // written, and growing by copies would write everything twice.
     const std::size_t entities = std::size_t(space->numEntities());
     scene.reserve(entities * 48, entities * 8);
-    DrawingPass pass(db, notes, points);
+    DrawingPass pass(db, notes, styles, points);
     EntityDrawer drawer(pass, scene);
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step()) {
@@ -336,7 +338,8 @@ Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t poin
 Scene renderEntities(const KxDbDatabase& db, const std::vector<const KxDbEntity*>& entities)
 {
     Scene scene;
-    DrawingPass pass(db, nullptr);
+    const TextStyleFonts styles;
+    DrawingPass pass(db, nullptr, styles);
     EntityDrawer drawer(pass, scene);
     for (const KxDbEntity* entity : entities) {
         if (entity)

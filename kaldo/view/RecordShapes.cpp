@@ -71,6 +71,13 @@ QString stripMtextCodes(const QString& text)
     return plain;
 }
 
+// The text style a record names (7), STANDARD when it names none.
+std::string textStyle(const std::vector<KxDbFileGroup>& groups)
+{
+    const KxDbFileGroup* style = findGroup(groups, 7);
+    return style ? QString::fromStdString(style->value).trimmed().toStdString() : std::string("STANDARD");
+}
+
 // Reads a record's groups in their order: each value is the next group
 // of its code after the one read last. A count is at most the number of
 // groups left, as each thing counted takes at least one.
@@ -138,6 +145,7 @@ bool drawTextLine(const std::vector<KxDbFileGroup>& groups, const KxDbFileGroup*
     if (!value)
         return false;
     TextPlacement place;
+    place.style = textStyle(groups);
     place.height = groupNumber(groups, 40, 1);
     place.angle = degrees(groupNumber(groups, 50, 0));
     place.widthFactor = groupNumber(groups, 41, 1);
@@ -185,6 +193,7 @@ bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShap
         if (g.code == 3 || g.code == 1)
             value += QString::fromStdString(g.value);
     TextPlacement place;
+    place.style = textStyle(groups);
     place.anchor = {groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
     place.height = groupNumber(groups, 40, 1);
     place.angle = findGroup(groups, 11) ? std::atan2(groupNumber(groups, 21, 0), groupNumber(groups, 11, 1))

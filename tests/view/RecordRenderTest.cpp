@@ -400,3 +400,25 @@ TEST(RecordRender, AttributesDimensionsAndPolyfaceMeshes)
     EXPECT_NEAR(lines[3].first.x, 44, kTol);
     EXPECT_NEAR(lines[3].second.y, 4, kTol);
 }
+
+TEST(RecordRender, TextsAreSetInTheFontOfTheirStyle)
+{
+    ensureFonts();
+    // The same word in the styles SERIF (a serif font file), MONO (a
+    // monospaced one) and Standard (a shape font: Qt's sans-serif).
+    ViewDrawing d;
+    for (const char* style : {"Serif", "MONO", "Standard"})
+        addRecord(d.db, "TEXT", groups({{10, "0"}, {20, "0"}, {40, "10"}, {7, style}, {1, "Milling"}}));
+    const TextStyleFonts fonts = {{"SERIF", "times.ttf"}, {"MONO", "cour.ttf"}, {"STANDARD", "romans.shx"}};
+    const Scene scene = renderDrawing(d.db, nullptr, PointBudget::kPicture, fonts);
+    ASSERT_EQ(scene.instances().size(), 3u);
+    // Each font's letters are parts of their own, and each sets the word
+    // to its own width: the monospaced one gives its narrow letters room.
+    const auto width = [&](std::size_t i) { return scene.instances()[i].box.maxX - scene.instances()[i].box.minX; };
+    EXPECT_EQ(scene.parts().size(), 3 * 5u);
+    EXPECT_GT(width(1), width(2) * 1.1);
+    EXPECT_GT(std::abs(width(0) - width(2)), 0.1);
+    EXPECT_EQ(fontForFile("LiberationSerif-Regular.ttf").family(), QStringLiteral("Liberation Serif"));
+    EXPECT_EQ(fontForFile("times.ttf").styleHint(), QFont::Serif);
+    EXPECT_EQ(fontForFile("txt.shx").family(), QStringLiteral("DejaVu Sans"));
+}
