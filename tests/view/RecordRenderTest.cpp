@@ -2,7 +2,10 @@
 // rotated (with a block inside it), a solid, solid hatches, pattern
 // hatches by their line families, an ellipse, a point, a spline, texts
 // placed by their justification, leant and fitted, their letters filled
-// once per scene where Qt lays them out; what it cannot draw is named.
+// once per scene where Qt lays them out in their style's font;
+// attributes with their reference, definitions only outside blocks,
+// dimensions at their insertion point, polyface meshes by their visible
+// edges; what it cannot draw is named.
 #include "PlacedScene.h"
 #include "ViewDrawing.h"
 
@@ -60,7 +63,8 @@ KxDbObjectId addRecord(KxDbDatabase& db, const char* kind, std::vector<KxDbFileG
     return id;
 }
 
-KxDbObjectId addBlock(KxDbDatabase& db, const wchar_t* name)
+// A block of one line.
+KxDbObjectId addBlockOfLine(KxDbDatabase& db, const wchar_t* name, const KxGePoint3d& from, const KxGePoint3d& to)
 {
     auto* block = new KxDbBlockTableRecord;
     block->setName(name);
@@ -69,6 +73,10 @@ KxDbObjectId addBlock(KxDbDatabase& db, const wchar_t* name)
     KxDbObjectId id;
     table->add(block, id);
     table->close();
+    auto* line = new KxDbLine(from, to);
+    line->setDatabaseDefaults(&db);
+    block->appendKxDbEntity(line);
+    line->close();
     block->close();
     return id;
 }
@@ -81,22 +89,8 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     ViewDrawing d;
     // DOOR: a line from the origin to (1, 0) and the block LEAF inserted
     // at (0, 1); LEAF: a line from the origin to (0, 2).
-    const KxDbObjectId leaf = addBlock(d.db, L"LEAF");
-    {
-        KxDbObjectPtr<KxDbBlockTableRecord> block(leaf, KxDb::kForWrite);
-        auto* line = new KxDbLine({0, 0, 0}, {0, 2, 0});
-        line->setDatabaseDefaults(&d.db);
-        block->appendKxDbEntity(line);
-        line->close();
-    }
-    const KxDbObjectId door = addBlock(d.db, L"DOOR");
-    {
-        KxDbObjectPtr<KxDbBlockTableRecord> block(door, KxDb::kForWrite);
-        auto* line = new KxDbLine({0, 0, 0}, {1, 0, 0});
-        line->setDatabaseDefaults(&d.db);
-        block->appendKxDbEntity(line);
-        line->close();
-    }
+    addBlockOfLine(d.db, L"LEAF", {0, 0, 0}, {0, 2, 0});
+    const KxDbObjectId door = addBlockOfLine(d.db, L"DOOR", {0, 0, 0}, {1, 0, 0});
     addRecord(d.db, "INSERT", groups({{2, "LEAF"}, {10, "0"}, {20, "1"}}), door);
     // DOOR at (10, 20), scaled 2 by 3, turned a quarter.
     addRecord(d.db, "INSERT", groups({{2, "DOOR"}, {10, "10"}, {20, "20"}, {41, "2"}, {42, "3"}, {50, "90"}}));
@@ -333,14 +327,7 @@ TEST(RecordRender, AttributesDimensionsAndPolyfaceMeshes)
     ViewDrawing d;
     // TAG: a line from the origin to (1, 0) and the definition of the
     // attribute NAME at (2, 0), which shows in no reference.
-    const KxDbObjectId tag = addBlock(d.db, L"TAG");
-    {
-        KxDbObjectPtr<KxDbBlockTableRecord> block(tag, KxDb::kForWrite);
-        auto* line = new KxDbLine({0, 0, 0}, {1, 0, 0});
-        line->setDatabaseDefaults(&d.db);
-        block->appendKxDbEntity(line);
-        line->close();
-    }
+    const KxDbObjectId tag = addBlockOfLine(d.db, L"TAG", {0, 0, 0}, {1, 0, 0});
     addRecord(d.db, "ATTDEF", groups({{10, "2"}, {20, "0"}, {40, "1"}, {1, "?"}, {3, "Name?"}, {2, "NAME"}}), tag);
     addRecord(d.db, "INSERT", groups({{66, "1"}, {2, "TAG"}, {10, "10"}, {20, "0"}}));
     // Its attribute, and one hidden (flag 1), follow the reference.
@@ -352,14 +339,7 @@ TEST(RecordRender, AttributesDimensionsAndPolyfaceMeshes)
     addRecord(d.db, "ATTDEF", groups({{10, "0"}, {20, "20"}, {11, "0"}, {21, "20"}, {40, "1"}, {1, "?"}, {3, "Top?"},
                                       {2, "TOP"}, {74, "3"}}));
     // A dimension's block moved up by 3 by its insertion point.
-    const KxDbObjectId dimension = addBlock(d.db, L"*D0");
-    {
-        KxDbObjectPtr<KxDbBlockTableRecord> block(dimension, KxDb::kForWrite);
-        auto* line = new KxDbLine({30, 0, 0}, {35, 0, 0});
-        line->setDatabaseDefaults(&d.db);
-        block->appendKxDbEntity(line);
-        line->close();
-    }
+    addBlockOfLine(d.db, L"*D0", {30, 0, 0}, {35, 0, 0});
     addRecord(d.db, "DIMENSION", groups({{2, "*D0"}, {10, "30"}, {20, "0"}, {12, "0"}, {22, "3"}}));
     // A polyface mesh of one triangle whose edge from its third corner is
     // invisible.
