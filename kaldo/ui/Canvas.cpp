@@ -33,11 +33,10 @@ const QColor kSnapMark(255, 200, 0);
 
 using Kind = Editor::InputRequest::Kind;
 
-// Strokes every line and arc of scene, and the outline of every fill (the
-// letters of a text, a solid), with one pen (highlights).
+// Strokes every line and arc of scene with one pen (highlights).
 void strokeScene(QPainter& painter, const view::Scene& scene, const ViewPlacement& placement)
 {
-    const auto stroke = [&](bool closed, std::span<const view::Point2> polyline) {
+    scene.visitPolylines([&](int, bool closed, std::span<const view::Point2> polyline) {
         QPolygonF points;
         for (const view::Point2& p : polyline)
             points << pixelAt(placement, p);
@@ -45,9 +44,7 @@ void strokeScene(QPainter& painter, const view::Scene& scene, const ViewPlacemen
             painter.drawPolygon(points);
         else
             painter.drawPolyline(points);
-    };
-    scene.visitPolylines([&](int, bool closed, std::span<const view::Point2> polyline) { stroke(closed, polyline); });
-    scene.visitPolygons([&](const view::DrawColor&, std::span<const view::Point2> corners) { stroke(true, corners); });
+    });
     for (const view::Arc& arc : scene.arcs()) {
         const QPointF centre = pixelAt(placement, arc.centre);
         const double radius = arc.radius / placement.unitsPerPixel;
