@@ -44,7 +44,7 @@ void BM_RenderDrawingForPlot(benchmark::State& state)
 {
     const auto db = buildZigzagMultilines(int(state.range(0)));
     for (auto _ : state) {
-        const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, true);
+        const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, {}, true);
         benchmark::DoNotOptimize(scene.polylines().data());
         state.counters["scene_MB"] = sceneMegabytes(scene);
     }
@@ -56,7 +56,7 @@ BENCHMARK(BM_RenderDrawingForPlot)->ArgName("multilines")->Arg(100000)->Unit(ben
 void BM_PaintSceneIntoPdf(benchmark::State& state)
 {
     const auto db = buildZigzagMultilines(int(state.range(0)));
-    const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, true);
+    const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, {}, true);
     PlotSource source;
     source.extents = scene.bounds();
     const SheetPlacement placement = placeOnSheet(a0Fitted(), source);
@@ -89,7 +89,7 @@ void BM_PlotDrawingToPdf(benchmark::State& state)
     for (auto _ : state) {
         resetPeakMemory();
         const double before = residentMegabytes();
-        const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, true);
+        const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, {}, true);
         PlotSource source;
         source.extents = scene.bounds();
         if (const std::string problem = writePdf(scene, placeOnSheet(a0Fitted(), source), {}, file, L"bench");

@@ -50,7 +50,8 @@ std::wstring quoted(const std::filesystem::path& file)
 }  // namespace
 
 DrawingPlot::DrawingPlot(Session& session)
-    : scene_(view::renderDrawing(session.database(), &notes_, view::PointBudget::kPicture, true)),
+    : scene_(view::renderDrawing(session.database(), &notes_, view::PointBudget::kPicture,
+                                 session.textStyleFonts(), true)),
       source_{scene_.bounds(), displayed(session.editor().view().placement()),
               view::unitMillimetres(drawingUnits(session))},
       title_(session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().filename().wstring())

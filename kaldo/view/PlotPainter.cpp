@@ -9,6 +9,7 @@
 #include <QTransform>
 
 #include <cmath>
+#include <map>
 #include <numbers>
 #include <span>
 #include <vector>
@@ -181,8 +182,12 @@ private:
     {
         const QTransform drawingToDevice =
             QTransform(m_scale, 0, 0, -m_scale, m_originX, m_originY) * m_painter.transform();
-        m_painter.setFont(textLayoutFont());
+        std::map<std::string, QFont> fonts;
         m_scene.visitTexts([&](const TextLine& text) {
+            auto font = fonts.find(text.fontFile);
+            if (font == fonts.end())
+                font = fonts.emplace(text.fontFile, fontForFile(text.fontFile)).first;
+            m_painter.setFont(font->second);
             const Affine& place = text.place;
             m_painter.setPen(color(m_scene.pens()[std::size_t(text.pen)].color));
             m_painter.setTransform(QTransform(place.xx, place.yx, place.xy, place.yy, place.dx, place.dy)

@@ -73,10 +73,13 @@ struct Arc {
     int pen = 0;
 };
 
+// A fill; one of a part may take the colour of the pen of the instance
+// placing it (a letter is filled in the colour of its text).
 struct Polygon {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
     DrawColor color;
+    bool instanceColor = false;
 };
 
 // Consecutive polylines [first, end) that draw one multiline, and its width
@@ -106,12 +109,13 @@ struct Affine {
 };
 
 // A line of text kept as text, for plots that write letters as text: laid
-// out in the text layout font (TextShapes.h) with its baseline's start at
-// (left, 0), in layout units with y downwards; box is its extent there
-// (from the height of a capital to the descent), place maps layout units
-// into the drawing.
+// out in the font that stands for fontFile (fontForFile in TextShapes.h)
+// with its baseline's start at (left, 0), in layout units with y
+// downwards; box is its extent there (from the height of a capital to the
+// descent), place maps layout units into the drawing.
 struct TextLine {
     std::string text;  // UTF-8
+    std::string fontFile;
     double left = 0;
     Box box;
     Affine place;
@@ -138,7 +142,9 @@ struct ShapeRun {
 // Parts side by side: one for a block, one for each letter of a line of
 // text. box is its extent in its own coordinates (a text line's box from
 // the descent to the height of a capital); pens lists the distinct pens of
-// its parts' polylines, the instance's own pen for kInstancePen.
+// its parts' polylines, and kInstancePen, standing for the instance's own
+// pen, also for fills in the instance's colour (drawn as a dot or a box
+// when small, in that pen).
 struct Shape {
     std::uint32_t firstRun = 0, endRun = 0;
     std::uint32_t firstPen = 0, endPen = 0;
@@ -190,8 +196,8 @@ public:
     // texts placed);
     // returns the part's index.
     std::uint32_t addPart(const Scene& scene);
-    // Adds a part of closed outlines drawn in the instance's pen; returns
-    // its index.
+    // Adds a part of closed outlines filled together (a hole winds against
+    // its outline) in the colour of the instance's pen; returns its index.
     std::uint32_t addOutlinePart(std::span<const std::vector<Point2>> outlines);
     // Adds a shape of the parts of runs; returns its index.
     std::uint32_t addShape(std::span<const ShapeRun> runs, const Bounds& box, bool text);
@@ -321,7 +327,9 @@ template <class Visit>
 void Scene::visitPolygons(const Instance& instance, Visit&& visit) const
 {
     visitPlaced(instance, &Part::firstPolygon, &Part::endPolygon, m_partPolygons,
-                [&](const Polygon& polygon, std::span<const Point2> placed) { visit(polygon.color, placed); });
+                [&](const Polygon& polygon, std::span<const Point2> placed) {
+                    visit(polygon.instanceColor ? m_pens[std::size_t(instance.pen)].color : polygon.color, placed);
+                });
 }
 
 template <class Visit>

@@ -245,7 +245,7 @@ TEST(PlotRender, TextsKeptAsTextWhereTheirOutlinesLie)
     // height (its advance and descent), and no outline is drawn.
     const auto compare = [](ViewDrawing& d, const std::vector<std::string>& lines, double height) {
         const Scene outlines = renderDrawing(d.db);
-        const Scene texts = renderDrawing(d.db, nullptr, PointBudget::kPicture, true);
+        const Scene texts = renderDrawing(d.db, nullptr, PointBudget::kPicture, {}, true);
         EXPECT_TRUE(texts.polylines().empty());
         std::vector<std::string> kept;
         texts.visitTexts([&](const TextLine& text) { kept.push_back(text.text); });
