@@ -4,6 +4,7 @@
 // thread of their own. Exit codes: see kaldo/app/Options.h.
 #include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Options.h"
+#include "kaldo/app/Plotting.h"
 #include "kaldo/app/RuntimeFolder.h"
 #include "kaldo/app/Session.h"
 #include "kaldo/dxf/DxfError.h"
@@ -213,6 +214,19 @@ int main(int argc, char** argv)
                                                                {options.exportSize, background}, &notes,
                                                                session->textStyleFonts());
         session->editor().write(kaldo::view::describeNotes(notes, L"the picture"));
+        if (!problem.empty())
+            return fail(problem, kaldo::kExitBadFile);
+    }
+    if (options.plotTo) {
+        std::string problem;
+        std::wstring report;
+        try {
+            problem = kaldo::DrawingPlot(*session).write(options.plot, *options.plotTo, report);
+        } catch (...) {
+            problem = "cannot plot '" + options.plotTo->string()
+                + "': " + kaldo::view::failureReason(std::current_exception()) + ".";
+        }
+        session->editor().write(report);
         if (!problem.empty())
             return fail(problem, kaldo::kExitBadFile);
     }

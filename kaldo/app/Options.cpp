@@ -25,6 +25,17 @@ const QCommandLineOption saveExplodedR12Option("save-exploded-r12",
 const QCommandLineOption exportOption("export", "Write the drawing as a picture FILE.svg or FILE.png when the script ends.", "FILE");
 const QCommandLineOption sizeOption("size", "Longer side of the exported picture in pixels (default 1600).", "PIXELS");
 const QCommandLineOption backgroundOption("background", "Background of the exported picture: white (default) or dark.", "COLOUR");
+const QCommandLineOption plotOption("plot", "Plot the drawing's extents to FILE.pdf when the script ends.", "FILE");
+const QCommandLineOption paperOption("paper",
+                                     "Paper of the plot: A0 to A4, ANSI-A to ANSI-E, or WxH in millimetres "
+                                     "(default A4).",
+                                     "SIZE");
+const QCommandLineOption orientationOption("orientation", "Orientation of the plot: portrait or landscape (default).",
+                                           "WAY");
+const QCommandLineOption plotScaleOption("plot-scale",
+                                         "Scale of the plot: 1:N (paper to drawing length), mm=units, or fit "
+                                         "(default).",
+                                         "SCALE");
 const QCommandLineOption helpOption(QStringList{"h", "help"}, "Show this help.");
 const QCommandLineOption versionOption("version", "Show the version.");
 
@@ -38,13 +49,47 @@ void describe(QCommandLineParser& parser)
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     parser.addOptions({scriptOption, profileOption, supportOption, crashOption, loadOption, noModulesOption,
                        saveOption, saveExplodedOption, saveExplodedR12Option, exportOption, sizeOption,
-                       backgroundOption, helpOption, versionOption});
+                       backgroundOption, plotOption, paperOption, orientationOption, plotScaleOption, helpOption,
+                       versionOption});
     parser.addPositionalArgument("DRAWING", "The drawing (.dxf) to open; a new drawing without it.", "[DRAWING]");
 }
 
 std::filesystem::path toPath(const QString& text)
 {
     return std::filesystem::path(text.toStdString());
+}
+
+// --plot and the options that shape it; why they cannot be taken, empty
+// when they can.
+std::string parsePlotOptions(const QCommandLineParser& parser, Options& o)
+{
+    if (parser.isSet(plotOption)) {
+        o.plotTo = toPath(parser.value(plotOption));
+        if (o.plotTo->extension().string() != ".pdf" && o.plotTo->extension().string() != ".PDF")
+            return "--plot needs a file name ending in .pdf.";
+    }
+    for (const QCommandLineOption* shaping : {&paperOption, &orientationOption, &plotScaleOption})
+        if (parser.isSet(*shaping) && !o.plotTo)
+            return "--" + shaping->names().front().toStdString() + " shapes the plot of --plot, which is missing.";
+    if (parser.isSet(paperOption)) {
+        const auto paper = view::parsePaper(parser.value(paperOption).toStdWString());
+        if (!paper)
+            return "--paper is A0 to A4, ANSI-A to ANSI-E, or WxH in millimetres from 1 to 10000.";
+        o.plot.paper = *paper;
+    }
+    if (parser.isSet(orientationOption)) {
+        const QString way = parser.value(orientationOption).toLower();
+        if (way != "portrait" && way != "landscape")
+            return "--orientation is portrait or landscape.";
+        o.plot.orientation = way == "portrait" ? view::Orientation::Portrait : view::Orientation::Landscape;
+    }
+    if (parser.isSet(plotScaleOption)) {
+        const auto scale = view::parsePlotScale(parser.value(plotScaleOption).toStdWString());
+        if (!scale)
+            return "--plot-scale is 1:N, mm=units (numbers above 0) or fit.";
+        o.plot.scale = *scale;
+    }
+    return {};
 }
 
 }  // namespace
@@ -95,6 +140,10 @@ ParsedOptions parseOptions(const QStringList& args)
             return parsed;
         }
         o.exportBackground = colour == "dark" ? ExportBackground::Dark : ExportBackground::White;
+    }
+    if (const std::string problem = parsePlotOptions(parser, o); !problem.empty()) {
+        parsed.error = problem;
+        return parsed;
     }
     if (parser.isSet(scriptOption))
         o.script = toPath(parser.value(scriptOption));

@@ -6,6 +6,8 @@
 // 64 for bad usage (unknown option, missing argument).
 #pragma once
 
+#include "kaldo/view/PlotSettings.h"
+
 #include <QStringList>
 
 #include <filesystem>
@@ -32,6 +34,11 @@ struct Options {
     std::optional<std::filesystem::path> exportTo; // --export FILE.svg|FILE.png, after --save
     int exportSize = 1600;                          // longer side of the picture, in pixels
     ExportBackground exportBackground = ExportBackground::White;
+    // --plot FILE.pdf: the extents plotted after --export, centred, with
+    // lineweights, in colour; --paper, --orientation and --plot-scale
+    // choose the rest (A4, landscape, Fit without them).
+    std::optional<std::filesystem::path> plotTo;
+    view::PlotSettings plot;
     std::optional<std::filesystem::path> profile;
     std::optional<std::filesystem::path> supportDir;
     std::optional<std::filesystem::path> crashDir;

@@ -67,6 +67,9 @@ public:
     // Throws dxf::DxfError. Returns how many were exploded.
     int saveExplodedCopy(const std::filesystem::path& path, bool replaceReadOnly = false,
                          CopyVersion version = CopyVersion::Current);
+    // What the drawing file held beyond the database (header variables the
+    // host keeps as read, such as $INSUNITS).
+    const dxf::KeptSections& keptSections() const { return keptSections_; }
     // Whether the working drawing changed since it was opened, saved or
     // started.
     bool modified() const;

@@ -1,6 +1,7 @@
 // The state of one read of a drawing file: the database being built, the
 // kept sections, and references that can only be resolved once the whole
-// file is read (owners, dictionary entries, multiline styles).
+// file or section is read (owners, dictionary entries, multiline styles,
+// layers' linetypes).
 #pragma once
 
 #include <cstdint>
@@ -60,6 +61,13 @@ struct ReadContext {
         std::uint64_t owner;
     };
     std::vector<OwnerReference> ownerReferences;
+    // Layers and the names of their linetypes, found once the whole
+    // TABLES section is read: the LTYPE table may follow the LAYER table.
+    struct LayerLinetype {
+        KxDbObjectId layer;
+        std::string linetype;
+    };
+    std::vector<LayerLinetype> layerLinetypes;
     // The vertices of the multiline being read, whose room the next reuses.
     std::vector<KxDbMlineStoredVertex> mlineVertices;
 

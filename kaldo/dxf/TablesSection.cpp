@@ -102,9 +102,9 @@ void readLayer(const Record& record, ReadContext& context, KxDbSymbolTable& tabl
     layer->setName(name.c_str());
     layer->setColor(color);
     KxDbLayerTableRecord* rec = layer.release();
-    context.add(rec, basics);
+    const KxDbObjectId id = context.add(rec, basics);
     if (!linetype.empty())
-        rec->setLinetypeObjectId(context.linetype(linetype));
+        context.layerLinetypes.push_back({id, std::move(linetype)});
     table.add(rec);
 }
 
@@ -184,6 +184,16 @@ void giveTableHeadAHandle(KeptBlock& table, ReadContext& context)
                                                {100, 0, "AcDbSymbolTable"}});
 }
 
+// Each layer takes the linetype of its name from the drawing's table,
+// which is complete now (a missing one is added there).
+void resolveLayerLinetypes(ReadContext& context)
+{
+    for (const ReadContext::LayerLinetype& each : context.layerLinetypes)
+        if (auto* layer = KxDbLayerTableRecord::cast(context.db.peekObject(each.layer)))
+            layer->setLinetypeObjectId(context.linetype(each.linetype));
+    context.layerLinetypes.clear();
+}
+
 void readKeptTable(GroupReader& reader, ReadContext& context, const std::string& name, long line)
 {
     KeptBlock table{name, {}};
@@ -217,8 +227,10 @@ void readTablesSection(GroupReader& reader, ReadContext& context)
         if (g.code != 0)
             throw DxfError(g.line, "TABLE or ENDSEC was expected.");
         const std::string kind(trimmed(g.value));
-        if (kind == "ENDSEC")
+        if (kind == "ENDSEC") {
+            resolveLayerLinetypes(context);
             return;
+        }
         if (kind != "TABLE")
             throw DxfError(g.line, "TABLE or ENDSEC was expected, not \"" + std::string(kind.substr(0, 40)) + "\".");
         const long line = g.line;

@@ -94,6 +94,8 @@ void MainWindow::buildActions()
     saveAction->setShortcut(QKeySequence::Save);
     bar->addAction(saveAction);
     file->addAction(tr("Save &As..."), this, [this] { save(true); })->setShortcut(QKeySequence::SaveAs);
+    file->addSeparator();
+    command(file, nullptr, tr("&Plot..."), QStringLiteral("_PLOT"), QKeySequence::Print);
     recentMenu_ = file->addMenu(tr("Recent Files"));
     file->addSeparator();
     file->addAction(tr("E&xit"), this, &QWidget::close)->setShortcut(QKeySequence::Quit);

@@ -121,6 +121,7 @@ public:
         const LayerLook& layer = m_pens.layer(entity.layerId());
         if (!layer.visible)
             return;
+        m_pens.takeLineWeight(entity, layer);
         if (const auto* mline = KxDbMline::cast(&entity))
             drawMline(*mline, layer);
         else if (const auto* line = KxDbLine::cast(&entity))
@@ -257,6 +258,7 @@ private:
         // References to the slot stay valid while the blocks inside add theirs.
         std::unique_ptr<BlockDrawing>& slot = m_pass.blocks[id];
         auto drawing = std::make_unique<BlockDrawing>();
+        drawing->scene.keepTexts(m_scene.keepsTexts());
         EntityDrawer inner(m_pass, drawing->scene, m_depth + 1);
         const auto it = block.newIterator();
         for (it->start(); !it->done(); it->step()) {
@@ -310,9 +312,11 @@ private:
 
 }  // namespace
 
-Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, const TextStyleFonts& styles)
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, const TextStyleFonts& styles,
+                    bool keepTexts)
 {
     Scene scene;
+    scene.keepTexts(keepTexts);
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
     if (!space)
         return scene;

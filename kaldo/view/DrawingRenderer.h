@@ -34,9 +34,10 @@ struct RenderNotes {
 // points is the budget of points for copies of blocks and outlines of
 // letters (smaller ones reach the coarse drawing sooner); styles gives the
 // font of each text style (its file's name), as the drawing's file keeps
-// them.
+// them; keepTexts keeps texts as text lines instead of outlines (plots).
 Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes = nullptr,
-                    std::size_t points = PointBudget::kPicture, const TextStyleFonts& styles = {});
+                    std::size_t points = PointBudget::kPicture, const TextStyleFonts& styles = {},
+                    bool keepTexts = false);
 
 // A scene of a few entities (open for read, or in no database yet) with
 // the layers, linetypes and styles of db: what a window draws over the

@@ -1,10 +1,26 @@
 #include "kaldo/view/PenResolver.h"
 
 #include "kaldo/view/ColorPalette.h"
+#include "kaldo/view/RecordShapes.h"
 #include "kxdbdatabase.h"
 #include "kxdbsymtb.h"
+#include "kxdbunmodelled.h"
 
 namespace kaldo::view {
+
+namespace {
+
+constexpr int kLineWeightGroup = 370;
+constexpr int kThickestLineWeight = 211;
+
+// A lineweight from a file's groups when they hold a valid one.
+int lineWeightIn(const std::vector<KxDbFileGroup>& groups, int fallback)
+{
+    const int weight = groupInteger(groups, kLineWeightGroup, fallback);
+    return weight >= KxDb::kLnWtByLwDefault && weight <= kThickestLineWeight ? weight : fallback;
+}
+
+}  // namespace
 
 PenResolver::PenResolver(const KxDbDatabase& db, Scene& scene) : m_db(db), m_scene(scene) {}
 
@@ -18,6 +34,8 @@ const LayerLook& PenResolver::layer(KxDbObjectId layerId)
         look.color = drawColor(record->color(), DrawColor{});
         look.linetype = record->linetypeObjectId();
         look.visible = !record->isOff() && !record->isFrozen();
+        const int weight = lineWeightIn(record->keptGroups(), kDefaultLineWeight);
+        look.lineWeight = weight >= 0 ? weight : kDefaultLineWeight;
     }
     return m_layers.emplace(layerId, look).first->second;
 }
@@ -40,12 +58,19 @@ int PenResolver::pattern(KxDbObjectId linetype, const LayerLook& layer)
 
 int PenResolver::pen(const KxCmColor& color, KxDbObjectId linetype, const LayerLook& layer)
 {
-    return m_scene.pen({drawColor(color, layer.color), pattern(linetype, layer)});
+    return m_scene.pen({drawColor(color, layer.color), pattern(linetype, layer), m_lineWeight});
 }
 
 int PenResolver::continuousPen(const KxCmColor& color, const LayerLook& layer)
 {
-    return m_scene.pen({drawColor(color, layer.color), 0});
+    return m_scene.pen({drawColor(color, layer.color), 0, m_lineWeight});
+}
+
+void PenResolver::takeLineWeight(const KxDbEntity& entity, const LayerLook& layer)
+{
+    const auto* record = KxDbUnmodelledEntity::cast(&entity);
+    const int weight = lineWeightIn(record ? record->groups() : entity.keptGroups(), entity.lineWeight());
+    m_lineWeight = weight == KxDb::kLnWtByLayer ? layer.lineWeight : weight >= 0 ? weight : kDefaultLineWeight;
 }
 
 }  // namespace kaldo::view

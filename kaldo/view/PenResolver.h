@@ -9,6 +9,7 @@
 #include "kxdbid.h"
 
 class KxDbDatabase;
+class KxDbEntity;
 
 namespace kaldo::view {
 
@@ -16,9 +17,12 @@ namespace kaldo::view {
 struct LayerLook {
     DrawColor color;
     KxDbObjectId linetype;
+    int lineWeight = kDefaultLineWeight;
     bool visible = true;  // neither off nor frozen
 };
 
+// Pens carry the lineweight of the entity being drawn, taken before its
+// pens are asked for.
 class PenResolver {
 public:
     PenResolver(const KxDbDatabase& db, Scene& scene);
@@ -29,6 +33,9 @@ public:
     int pattern(KxDbObjectId linetype, const LayerLook& layer);
     int pen(const KxCmColor& color, KxDbObjectId linetype, const LayerLook& layer);
     int continuousPen(const KxCmColor& color, const LayerLook& layer);
+    // The entity's lineweight (its file's group 370, else its own) for the
+    // pens asked for next: ByLayer takes the layer's, ByBlock the default.
+    void takeLineWeight(const KxDbEntity& entity, const LayerLook& layer);
 
     Scene& scene() { return m_scene; }
 
@@ -37,6 +44,7 @@ private:
     Scene& m_scene;
     std::unordered_map<KxDbObjectId, LayerLook> m_layers;
     std::unordered_map<KxDbObjectId, int> m_patterns;
+    int m_lineWeight = kDefaultLineWeight;
 };
 
 }  // namespace kaldo::view

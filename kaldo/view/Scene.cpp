@@ -1,6 +1,7 @@
 #include "kaldo/view/Scene.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -54,6 +55,14 @@ std::vector<Point2> convexHull(std::vector<Point2> points)
     return hull;
 }
 
+// The corners of a kept text line's box, placed.
+std::array<Point2, 4> textCorners(const TextLine& text)
+{
+    const Box& box = text.box;
+    return {text.place({box.minX, box.minY}), text.place({box.maxX, box.minY}), text.place({box.maxX, box.maxY}),
+            text.place({box.minX, box.maxY})};
+}
+
 }  // namespace
 
 void Bounds::add(const Point2& p)
@@ -84,7 +93,7 @@ Scene::Scene() : m_patterns(1) {}
 int Scene::pen(const Pen& pen)
 {
     const auto [it, added] = m_penIndex.try_emplace(
-        {pen.color.foreground, pen.color.rgb, pen.pattern}, static_cast<int>(m_pens.size()));
+        {pen.color.foreground, pen.color.rgb, pen.pattern, pen.lineWeight}, static_cast<int>(m_pens.size()));
     if (added)
         m_pens.push_back(pen);
     return it->second;
@@ -152,7 +161,7 @@ int Scene::takePen(const Scene& from, int pen, std::vector<int>& pens, std::vect
         for (std::size_t p = 1; p < patterns.size(); ++p)
             patterns[p] = addPattern(from.patterns()[p]);
         for (const Pen& each : from.pens())
-            pens.push_back(this->pen({each.color, patterns[std::size_t(each.pattern)]}));
+            pens.push_back(this->pen({each.color, patterns[std::size_t(each.pattern)], each.lineWeight}));
     }
     return pens[std::size_t(pen)];
 }
@@ -162,6 +171,7 @@ std::uint32_t Scene::addPart(const Scene& scene)
     const auto firstPoint = std::uint32_t(m_partPoints.size());
     const auto firstPolyline = std::uint32_t(m_partPolylines.size());
     const auto firstPolygon = std::uint32_t(m_partPolygons.size());
+    const auto firstText = std::uint32_t(m_partTexts.size());
     std::vector<int> pens, patterns;
     const auto addPolyline = [&](int pen, bool closed, std::span<const Point2> points) {
         m_partPolylines.push_back(
@@ -182,7 +192,11 @@ std::uint32_t Scene::addPart(const Scene& scene)
         m_partPoints.insert(m_partPoints.end(), corners.begin(), corners.end());
     };
     scene.visitPolygons(addPolygon);
-    return endPart(firstPoint, firstPolyline, firstPolygon);
+    scene.visitTexts([&](const TextLine& text) {
+        m_partTexts.push_back(text);
+        m_partTexts.back().pen = takePen(scene, text.pen, pens, patterns);
+    });
+    return endPart(firstPoint, firstPolyline, firstPolygon, firstText);
 }
 
 std::uint32_t Scene::addOutlinePart(std::span<const std::vector<Point2>> outlines)
@@ -199,17 +213,22 @@ std::uint32_t Scene::addOutlinePart(std::span<const std::vector<Point2>> outline
         m_partPolygons.push_back({std::uint32_t(m_partPoints.size()), std::uint32_t(count), {}, true});
         m_partPoints.insert(m_partPoints.end(), outline.begin(), outline.begin() + std::ptrdiff_t(count));
     }
-    return endPart(firstPoint, std::uint32_t(m_partPolylines.size()), firstPolygon);
+    return endPart(firstPoint, std::uint32_t(m_partPolylines.size()), firstPolygon, std::uint32_t(m_partTexts.size()));
 }
 
-std::uint32_t Scene::endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon)
+std::uint32_t Scene::endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon,
+                             std::uint32_t firstText)
 {
-    const std::vector<Point2> hull =
-        convexHull({m_partPoints.begin() + firstPoint, m_partPoints.end()});
+    std::vector<Point2> outline(m_partPoints.begin() + firstPoint, m_partPoints.end());
+    for (auto text = m_partTexts.begin() + firstText; text != m_partTexts.end(); ++text)
+        for (const Point2& corner : textCorners(*text))
+            outline.push_back(corner);
+    const std::vector<Point2> hull = convexHull(std::move(outline));
     const auto firstHull = std::uint32_t(m_hulls.size());
     m_hulls.insert(m_hulls.end(), hull.begin(), hull.end());
     m_parts.push_back({firstPolyline, std::uint32_t(m_partPolylines.size()), firstPolygon,
-                       std::uint32_t(m_partPolygons.size()), firstHull, std::uint32_t(m_hulls.size())});
+                       std::uint32_t(m_partPolygons.size()), firstText, std::uint32_t(m_partTexts.size()), firstHull,
+                       std::uint32_t(m_hulls.size())});
     return std::uint32_t(m_parts.size() - 1);
 }
 
@@ -287,6 +306,9 @@ Bounds Scene::bounds() const
         b.add(p);
     for (const Arc& arc : m_arcs)
         addArcBounds(b, arc);
+    for (const TextLine& text : m_texts)
+        for (const Point2& corner : textCorners(text))
+            b.add(corner);
     for (const Instance& instance : m_instances) {
         b.add(Point2{instance.box.minX, instance.box.minY});
         b.add(Point2{instance.box.maxX, instance.box.maxY});

@@ -13,7 +13,9 @@
 #include <cstdint>
 #include <map>
 #include <span>
+#include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "kaldo/util/BoxIndex.h"
@@ -38,9 +40,15 @@ struct DrawColor {
 // gaps negative, dots 0. Pattern 0 of every scene is continuous (empty).
 using LinePattern = std::vector<double>;
 
+// A lineweight that the plot's default lineweight stands for.
+inline constexpr int kDefaultLineWeight = -3;
+
 struct Pen {
     DrawColor color;
     int pattern = 0;
+    // The width of the line on paper in hundredths of a millimetre (0 the
+    // thinnest), or kDefaultLineWeight; only plots draw it.
+    int lineWeight = kDefaultLineWeight;
     friend bool operator==(const Pen&, const Pen&) = default;
 };
 
@@ -100,12 +108,28 @@ struct Affine {
     Affine after(const Affine& first) const;
 };
 
-// A drawing in its own coordinates: polylines and fills in the scene's
-// part lists, over the part points, and the corners of the convex hull of
-// those points (placed, they give an instance's exact extents).
+// A line of text kept as text, for plots that write letters as text: laid
+// out in the font that stands for fontFile (fontForFile in TextShapes.h)
+// with its baseline's start at (left, 0), in layout units with y
+// downwards; box is its extent there (from the height of a capital to the
+// descent), place maps layout units into the drawing.
+struct TextLine {
+    std::string text;  // UTF-8
+    std::string fontFile;
+    double left = 0;
+    Box box;
+    Affine place;
+    int pen = 0;
+};
+
+// A drawing in its own coordinates: polylines, fills and kept texts in the
+// scene's part lists, over the part points, and the corners of the convex
+// hull of those points and of the texts' boxes (placed, they give an
+// instance's exact extents).
 struct Part {
     std::uint32_t firstPolyline = 0, endPolyline = 0;
     std::uint32_t firstPolygon = 0, endPolygon = 0;
+    std::uint32_t firstText = 0, endText = 0;
     std::uint32_t firstHull = 0, endHull = 0;
 };
 
@@ -161,9 +185,15 @@ public:
     // A polygon of the points added since the call (at least three kept).
     void beginPolygon() { m_openFirst = m_points.size(); }
     void endPolygon(const DrawColor& color);
+    // Whether texts are kept as text lines rather than drawn as the
+    // outlines of their letters (false unless asked for: plots).
+    bool keepsTexts() const { return m_keepsTexts; }
+    void keepTexts(bool keep) { m_keepsTexts = keep; }
+    void addText(TextLine text) { m_texts.push_back(std::move(text)); }
 
     // Adds what scene draws as a part (its pens and patterns taken over,
-    // its arcs as polylines of 64 points a turn, its instances placed);
+    // its arcs as polylines of 64 points a turn, its instances and kept
+    // texts placed);
     // returns the part's index.
     std::uint32_t addPart(const Scene& scene);
     // Adds a part of closed outlines filled together (a hole winds against
@@ -183,6 +213,7 @@ public:
     const std::vector<Pen>& pens() const { return m_pens; }
     const std::vector<LinePattern>& patterns() const { return m_patterns; }
     const std::vector<PolylineGroup>& groups() const { return m_groups; }
+    const std::vector<TextLine>& texts() const { return m_texts; }
     const std::vector<Instance>& instances() const { return m_instances; }
     const std::vector<Shape>& shapes() const { return m_shapes; }
     const std::vector<ShapeRun>& runs() const { return m_runs; }
@@ -191,6 +222,7 @@ public:
     const std::vector<Polyline>& partPolylines() const { return m_partPolylines; }
     const std::vector<Polygon>& partPolygons() const { return m_partPolygons; }
     const std::vector<int>& shapePens() const { return m_shapePens; }
+    const std::vector<TextLine>& partTexts() const { return m_partTexts; }
     // Groups the polylines added since first.
     void groupPolylines(std::uint32_t first, double width);
 
@@ -209,6 +241,10 @@ public:
     // The same for the fills of one instance.
     template <class Visit>
     void visitPolygons(const Instance& instance, Visit&& visit) const;
+    // Calls visit(text) for every kept text line, those of instances placed
+    // (the scene's own first, then each instance's).
+    template <class Visit>
+    void visitTexts(Visit&& visit) const;
     // Calls visit(pen) for each pen an instance draws in (its own for
     // kInstancePen), each once, in ascending order of the shape's pens.
     template <class Visit>
@@ -226,7 +262,8 @@ private:
     void visitPlaced(const Instance& instance, std::uint32_t Part::*first, std::uint32_t Part::*end,
                      const std::vector<Item>& items, Visit&& visit) const;
     int takePen(const Scene& from, int pen, std::vector<int>& pens, std::vector<int>& patterns);
-    std::uint32_t endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon);
+    std::uint32_t endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon,
+                          std::uint32_t firstText);
 
     std::vector<Point2> m_points;
     std::vector<Polyline> m_polylines;
@@ -235,6 +272,8 @@ private:
     std::vector<Pen> m_pens;
     std::vector<LinePattern> m_patterns;
     std::vector<PolylineGroup> m_groups;
+    std::vector<TextLine> m_texts;
+    bool m_keepsTexts = false;
     std::vector<Instance> m_instances;
     std::vector<Shape> m_shapes;
     std::vector<ShapeRun> m_runs;
@@ -244,9 +283,10 @@ private:
     std::vector<Polyline> m_partPolylines;
     std::vector<Polygon> m_partPolygons;
     std::vector<Point2> m_hulls;
+    std::vector<TextLine> m_partTexts;
     // Pens and patterns by what they are: copies of blocks look theirs up
     // for each copy.
-    std::map<std::tuple<bool, std::uint32_t, int>, int> m_penIndex;
+    std::map<std::tuple<bool, std::uint32_t, int, int>, int> m_penIndex;
     std::map<LinePattern, int> m_patternIndex;
     std::size_t m_openFirst = 0;
     int m_openPen = 0;
@@ -303,6 +343,25 @@ void Scene::visitPens(const Instance& instance, Visit&& visit) const
             visit(*pen);
         else if (!std::binary_search(pen + 1, end, instance.pen))
             visit(instance.pen);
+    }
+}
+
+template <class Visit>
+void Scene::visitTexts(Visit&& visit) const
+{
+    for (const TextLine& text : m_texts)
+        visit(text);
+    for (const Instance& instance : m_instances) {
+        const Shape& shape = m_shapes[instance.shape];
+        for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
+            const Part& part = m_parts[m_runs[r].part];
+            const Affine place = instance.place.shiftedAlongX(m_runs[r].shift);
+            for (std::uint32_t t = part.firstText; t < part.endText; ++t) {
+                TextLine placed = m_partTexts[t];
+                placed.place = place.after(placed.place);
+                visit(std::as_const(placed));
+            }
+        }
     }
 }
 

@@ -66,7 +66,7 @@ QFont fontForFile(const std::string& file)
     return font;
 }
 
-TextShapes::Font::Font(const QFont& font) : font(font), metrics(font)
+TextShapes::Font::Font(const std::string& file) : file(file), font(fontForFile(file)), metrics(font)
 {
     cap = metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent();
 }
@@ -84,7 +84,7 @@ const TextShapes::Font& TextShapes::styleFont(const std::string& style)
     const std::string& fontFile = file == m_styles.end() ? std::string() : file->second;
     auto font = m_fonts.find(fontFile);
     if (font == m_fonts.end())
-        font = m_fonts.emplace(fontFile, Font(fontForFile(fontFile))).first;
+        font = m_fonts.emplace(fontFile, Font(fontFile)).first;
     return *m_styleFonts.emplace(style, &font->second).first->second;
 }
 
@@ -131,6 +131,11 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
         // Layout units (y down from the baseline) to the drawing.
         const Affine toDrawing{c * along, (s - c * lean) * scale, s * along, -(c + s * lean) * scale,
                                place.anchor.x - s * scale * up, place.anchor.y + c * scale * up};
+        if (m_scene.keepsTexts()) {
+            m_scene.addText(
+                {lines[i].toStdString(), font.file, left, Box{left, -cap, left + width, descent}, toDrawing, pen});
+            continue;
+        }
         runs.clear();
         std::size_t points = 0;
         bool outlined = false;

@@ -2,7 +2,8 @@
 // that stands for its text style's font, laid out at a large size) is a
 // part made once per scene, filled in the colour of its text, and a line
 // is one instance placing its letters side by side, so that a drawing of
-// many texts shapes and flattens each letter once.
+// many texts shapes and flattens each letter once. A scene that keeps
+// texts (plots) gets each line as a text line instead.
 // Without a QGuiApplication (no fonts) nothing is drawn.
 #pragma once
 
@@ -77,9 +78,10 @@ private:
     // The corners of box (layout units), placed, as a closed polyline.
     void drawBox(const Box& box, const Affine& place, int pen);
 
-    // A font and its measures.
+    // The font that stands for a font file, and its measures.
     struct Font {
-        explicit Font(const QFont& font);
+        explicit Font(const std::string& file);
+        std::string file;
         QFont font;
         QFontMetricsF metrics;
         double cap = 0;

@@ -19,7 +19,8 @@ TEST(KaldoUsage, HelpVersionAndBadUsage)
     KaldoProcess kaldo;
     const KaldoRun help = kaldo.runArgs({"--help"});
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* option : {"--script", "--profile", "--support", "--crash-dir", "--load", "--no-modules"})
+    for (const char* option : {"--script", "--profile", "--support", "--crash-dir", "--load", "--no-modules", "--plot",
+                               "--paper", "--orientation", "--plot-scale"})
         EXPECT_THAT(help.out, HasSubstr(option));
     // The program by its name, not the folder it was built in; the window
     // is there.
@@ -43,8 +44,11 @@ TEST(KaldoUsage, HelpVersionAndBadUsage)
     EXPECT_EQ(stray.exitCode, 64);
     EXPECT_THAT(stray.err, HasSubstr("two.dxf"));
 
-    for (const QStringList& bad : {QStringList{"--export", "picture.jpg"}, QStringList{"--size", "9"},
-                                   QStringList{"--size", "big"}, QStringList{"--background", "pink"}}) {
+    for (const QStringList& bad :
+         {QStringList{"--export", "picture.jpg"}, QStringList{"--size", "9"}, QStringList{"--size", "big"},
+          QStringList{"--background", "pink"}, QStringList{"--plot", "sheet.png"}, QStringList{"--paper", "A4"},
+          QStringList{"--paper", "A9", "--plot", "x.pdf"}, QStringList{"--orientation", "sideways", "--plot", "x.pdf"},
+          QStringList{"--plot-scale", "1:0", "--plot", "x.pdf"}}) {
         const KaldoRun refused = kaldo.runArgs(bad);
         EXPECT_EQ(refused.exitCode, 64) << bad.join(' ').toStdString();
         EXPECT_THAT(refused.err, HasSubstr(bad.first().toStdString())) << bad.join(' ').toStdString();

@@ -50,6 +50,18 @@ enum Item : int {
     kFileStyles = 1058,
     kRenameNew = 1060,
     kPlainButton = 5771,
+    kPlotPaper = 7001,
+    kPlotPaperWidth = 7002,
+    kPlotPaperHeight = 7003,
+    kPlotPortrait = 7004,
+    kPlotPickWindow = 7007,
+    kPlotScale = 7008,
+    kPlotCentre = 7009,
+    kPlotOffsetX = 7010,
+    kPlotOffsetY = 7011,
+    kPlotMonochrome = 7012,
+    kPlotLineWeights = 7013,
+    kPlotDefaultLineWeight = 7014,
 };
 
 // A style block of a .mln file: two elements by layer.
@@ -219,4 +231,32 @@ TEST_F(DialogScenarios, ToolDialogImageButtons)
                                               "Tools\nDialog 5758 closed: OK\nCommand: MLEDIT\nDialog 5758: Multiline "
                                               "Edit Tools\nDialog 5758 closed: Cancel\n"));
     EXPECT_THAT(outcome.transcript, HasSubstr("Select first mline: 20,0\nSelect second mline: 50,30\n"));
+}
+
+// The Plot dialog: a paper by the mouse and a custom size typed, the
+// orientation, a scale by the keys, the offset, monochrome and
+// lineweights, a window picked in the drawing (the dialog closes for the
+// corners and opens again), Plot and the file; OK refused while the width
+// is no number; then Escape on a second run.
+TEST_F(DialogScenarios, PlotDialogSheetWindowAndFile)
+{
+    const Outcome outcome = runBothWays(scenario(
+        {command("PLOT"), select(kPlotPaper, "A3"), click(kPlotPortrait), select(kPlotScale, "1:500", Hand::Keys),
+         check(kPlotCentre, false), type(kPlotOffsetX, "10"), type(kPlotOffsetY, "20"), check(kPlotMonochrome, true),
+         check(kPlotLineWeights, false), type(kPlotDefaultLineWeight, "0.35"), click(kPlotPickWindow),
+         command("-10,-30"), command("110,60"), select(kPlotPaper, "Custom"), type(kPlotPaperWidth, "wide"),
+         click(kOk), type(kPlotPaperWidth, "500"), type(kPlotPaperHeight, "300"), click(kOk),
+         file("%RUN%/walls.pdf"), command("PLOT"), key(Qt::Key_Escape, "^C")}));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Dialog 7000: Plot\nDialog 7000 closed: 7007\n"));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Specify first corner: -10,-30\nSpecify opposite corner: 110,60\n"
+                                              "Dialog 7000: Plot\nDialog action refused: CLICK 1 (item 1 is disabled)\n"
+                                              "Dialog 7000 closed: OK\n"));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Plotted \"%RUN%/walls.pdf\": 300 x 500 mm portrait, scale 1:500, "
+                                              "monochrome.\n"));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Dialog 7000 closed: Cancel\n"));
+    EXPECT_THAT(outcome.profile, HasSubstr("Paper=300 x 500"));
+    EXPECT_THAT(outcome.profile, HasSubstr("Area=Window"));
+    EXPECT_THAT(outcome.profile, HasSubstr("Offset=\"10,20\""));
+    EXPECT_THAT(outcome.profile, HasSubstr("DefaultLineweight=0.35"));
+    EXPECT_TRUE(std::filesystem::exists(root() / "hand" / "walls.pdf"));
 }

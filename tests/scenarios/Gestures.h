@@ -6,6 +6,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
+#include <QRadioButton>
 #include <QStyleOptionButton>
 #include <QTest>
 #include <QWheelEvent>
@@ -22,6 +23,12 @@ inline QPoint clickPoint(QWidget& widget)
         option.initFrom(box);
         option.text = box->text();
         return box->style()->subElementRect(QStyle::SE_CheckBoxClickRect, &option, box).center();
+    }
+    if (auto* radio = qobject_cast<QRadioButton*>(&widget)) {
+        QStyleOptionButton option;
+        option.initFrom(radio);
+        option.text = radio->text();
+        return radio->style()->subElementRect(QStyle::SE_RadioButtonClickRect, &option, radio).center();
     }
     return widget.rect().center();
 }

@@ -26,7 +26,7 @@ struct Outcome {
     std::string drawing;  // the drawing saved after the steps
     std::string profile;
     std::vector<std::string> files;  // the scenario's written files, in order
-    std::string transcript;
+    std::string transcript;          // "%RUN%" for the run's folder
     std::string commandLine;         // the transcript without what only a script prints
     bool finished = false;           // every step was taken and no dialog is left open
 };

@@ -87,6 +87,15 @@ std::vector<Step> inFolder(std::vector<Step> steps, const std::filesystem::path&
     return steps;
 }
 
+// The transcript with "%RUN%" for the run's own folder, as the steps
+// name it.
+std::string inFolder(const std::string& transcript, const std::filesystem::path& folder)
+{
+    return QString::fromStdString(transcript)
+        .replace(QString::fromStdString(folder.string()), QStringLiteral("%RUN%"))
+        .toStdString();
+}
+
 // What a person's run prints: a script's run also names each dialog and
 // message as it opens and closes, and the actions it refused.
 std::string asTypedByAPerson(const std::string& transcript)
@@ -123,7 +132,7 @@ Outcome run(const Scenario& scenario, const std::filesystem::path& folder, bool 
             outcome.finished = true;
         }
         run.session().saveDrawing(folder / "drawing.dxf");
-        outcome.transcript = run.transcript();
+        outcome.transcript = inFolder(run.transcript(), folder);
         outcome.commandLine = asTypedByAPerson(outcome.transcript);
     }
     outcome.drawing = fileBytes(folder / "drawing.dxf");

@@ -1,12 +1,14 @@
 // The main window driven by mouse and keys as a user would: points by
 // clicks with snaps, picks for the editing tools and what they would take,
 // the command line's keys and text window, zoom, zoom window and pan, recent
-// files and the progress window, the unsaved-changes question, and drawings
-// that would break the renderer.
+// files and the progress window, the unsaved-changes question, drawings
+// that would break the renderer, and the Plot dialog's preview.
 #include "WindowFixture.h"
 
 #include "../dxf/AllocationMeter.h"
 #include "../e2e/EzdxfReport.h"
+#include "../scenarios/Gestures.h"
+#include "kaldo/dlg/DialogItems.h"
 #include "kaldo/ui/ViewGeometry.h"
 #include "kaldo/util/Profile.h"
 
@@ -706,4 +708,61 @@ TEST_F(Window, DrawingsMadeToBreakTheRendererAreShownAndMemoryThatRunsOutIsSaid)
     EXPECT_TRUE(QTest::qWaitFor([&] { return window().drawing().scene->polylines().size() == 3; }, kWaitMs));
     EXPECT_TRUE(QTest::qWaitFor([&] { return drawnPixels() > 100; }, kWaitMs));
     EXPECT_EQ(transcript().count("the memory ran out"), 2);
+}
+
+// File > Plot... opens the Plot dialog over the window. Its preview shows
+// the sheet lying as the orientation says, with the drawing on it; the
+// dialog's items answer the mouse, and Escape leaves it.
+TEST_F(Window, PlotFromTheFileMenuPreviewsTheSheet)
+{
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "100,0", "100,60", ""}));
+    QAction* plot = nullptr;
+    for (QAction* action : window().menuBar()->findChildren<QAction*>())
+        if (action->text() == "&Plot...")
+            plot = action;
+    ASSERT_TRUE(plot);
+    // The white sheet's box in the preview, and how many pixels the
+    // drawing darkens on it.
+    struct Sheet {
+        QRect box;
+        int dark = 0;
+    };
+    const auto sheetOf = [](QWidget& preview) {
+        const QImage image = preview.grab().toImage();
+        Sheet sheet;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) {
+                const QRgb p = image.pixel(x, y);
+                if (p == qRgb(255, 255, 255))
+                    sheet.box |= QRect(x, y, 1, 1);
+            }
+        // Grey or black, not the blue outline of the printable area.
+        for (int y = sheet.box.top(); y <= sheet.box.bottom(); ++y)
+            for (int x = sheet.box.left(); x <= sheet.box.right(); ++x) {
+                const QRgb p = image.pixel(x, y);
+                sheet.dark += qRed(p) == qBlue(p) && qRed(p) < 220 ? 1 : 0;
+            }
+        return sheet;
+    };
+    Sheet landscape, portrait;
+    bool left = false;
+    actOnDialogSoon<QDialog>([&](QDialog& dialog) {
+        QWidget* preview = kaldo::dlg::findItem(&dialog, 7015);
+        QWidget* portraitButton = kaldo::dlg::findItem(&dialog, 7004);
+        QWidget* landscapeButton = kaldo::dlg::findItem(&dialog, 7005);
+        ASSERT_TRUE(preview && portraitButton && landscapeButton);
+        QTest::mouseClick(landscapeButton, Qt::LeftButton, {}, gesture::clickPoint(*landscapeButton));
+        landscape = sheetOf(*preview);
+        QTest::mouseClick(portraitButton, Qt::LeftButton, {}, gesture::clickPoint(*portraitButton));
+        portrait = sheetOf(*preview);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        left = true;
+    });
+    plot->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return left && !QApplication::activeModalWidget(); }, kWaitMs));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_NEAR(double(landscape.box.width()) / landscape.box.height(), 297.0 / 210, 0.03);
+    EXPECT_NEAR(double(portrait.box.height()) / portrait.box.width(), 297.0 / 210, 0.03);
+    EXPECT_GT(landscape.dark, 50);
+    EXPECT_GT(portrait.dark, 50);
 }

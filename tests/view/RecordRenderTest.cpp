@@ -15,7 +15,6 @@
 
 #include <QFont>
 #include <QFontMetricsF>
-#include <QGuiApplication>
 #include <QPainterPath>
 
 #include <cmath>
@@ -29,15 +28,6 @@ using namespace kaldo::view;
 namespace {
 
 constexpr double kTol = 1e-10;
-
-void ensureFonts()
-{
-    static int argc = 1;
-    static char name[] = "test_view";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance())
-        static QGuiApplication app(argc, argv);
-}
 
 std::vector<KxDbFileGroup> groups(std::initializer_list<std::pair<std::int16_t, std::string>> list)
 {

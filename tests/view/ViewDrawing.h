@@ -4,12 +4,24 @@
 
 #include <gtest/gtest.h>
 
+#include <QGuiApplication>
+
 #include <initializer_list>
 #include <numbers>
 #include <vector>
 
 #include "kaldo/view/DrawingRenderer.h"
 #include "kxdb.h"
+
+// A QGuiApplication for the tests that lay out texts (fonts), made once.
+inline void ensureFonts()
+{
+    static int argc = 1;
+    static char name[] = "test_view";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance())
+        static QGuiApplication app(argc, argv);
+}
 
 struct ElementSpec {
     ElementSpec(double o, const KxCmColor& c, KxDbObjectId l = {}) : offset(o), color(c), linetype(l) {}

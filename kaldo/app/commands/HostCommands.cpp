@@ -21,6 +21,7 @@ void registerHostCommands(KxEdCommandStack& stack)
         {L"SAVEAS", saveasCommand},       {L"ZOOM", zoomCommand},
         {L"EXPLODE", explodeCommand},     {L"U", uCommand},
         {L"UNDO", undoCommand},           {L"REDO", redoCommand},
+        {L"PLOT", plotCommand},           {L"-PLOT", plotCommandLine},
     };
     for (const Entry& entry : commands)
         stack.addCommand(kHostCommandGroup, entry.name, entry.name, KxCmdFlags::kModal, entry.handler);

@@ -33,6 +33,8 @@ void explodeCommand();
 void uCommand();
 void undoCommand();
 void redoCommand();
+void plotCommand();
+void plotCommandLine();
 
 class Session;
 

@@ -1,0 +1,114 @@
+// How fast, and in how much memory, a drawing of 100 000 multilines (4
+// elements, 10 vertices each) is plotted to a PDF on an A0 sheet: the
+// drawing turned into the plot's scene, the scene painted into the PDF
+// file, and both together. The peak memory of painting is reported beside
+// the file's size and the scene's, and for a quarter and a half of the
+// drawing, to show how it grows with the drawing.
+#include "PeakMemory.h"
+#include "ZigzagMultilines.h"
+#include "kaldo/view/DrawingRenderer.h"
+#include "kaldo/view/PdfExport.h"
+#include "kaldo/view/SheetPlacement.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QGuiApplication>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+using namespace kaldo::view;
+
+PlotSettings a0Fitted()
+{
+    PlotSettings settings;
+    settings.paper = *parsePaper(L"A0");
+    return settings;
+}
+
+double megabytes(std::size_t bytes)
+{
+    return double(bytes) / (1024.0 * 1024.0);
+}
+
+double sceneMegabytes(const Scene& scene)
+{
+    return megabytes(scene.points().capacity() * sizeof(Point2) + scene.polylines().capacity() * sizeof(Polyline)
+                     + scene.polygons().capacity() * sizeof(Polygon));
+}
+
+void BM_RenderDrawingForPlot(benchmark::State& state)
+{
+    const auto db = buildZigzagMultilines(int(state.range(0)));
+    for (auto _ : state) {
+        const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, {}, true);
+        benchmark::DoNotOptimize(scene.polylines().data());
+        state.counters["scene_MB"] = sceneMegabytes(scene);
+    }
+}
+BENCHMARK(BM_RenderDrawingForPlot)->ArgName("multilines")->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// The peak is measured above what the process held before painting (the
+// drawing and its scene).
+void BM_PaintSceneIntoPdf(benchmark::State& state)
+{
+    const auto db = buildZigzagMultilines(int(state.range(0)));
+    const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, {}, true);
+    PlotSource source;
+    source.extents = scene.bounds();
+    const SheetPlacement placement = placeOnSheet(a0Fitted(), source);
+    QTemporaryDir dir;
+    const std::filesystem::path file = dir.filePath("plot.pdf").toStdString();
+    for (auto _ : state) {
+        resetPeakMemory();
+        const double before = residentMegabytes();
+        if (const std::string problem = writePdf(scene, placement, {}, file, L"bench"); !problem.empty())
+            state.SkipWithError(problem.c_str());
+        state.counters["peak_rise_MB"] = peakMegabytes() - before;
+    }
+    state.counters["pdf_MB"] = megabytes(std::filesystem::file_size(file));
+    state.counters["scene_MB"] = sceneMegabytes(scene);
+}
+BENCHMARK(BM_PaintSceneIntoPdf)
+    ->ArgName("multilines")
+    ->Arg(25000)
+    ->Arg(50000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+
+// What PLOT does once it has its settings: the drawing drawn and plotted.
+void BM_PlotDrawingToPdf(benchmark::State& state)
+{
+    const auto db = buildZigzagMultilines(int(state.range(0)));
+    QTemporaryDir dir;
+    const std::filesystem::path file = dir.filePath("plot.pdf").toStdString();
+    for (auto _ : state) {
+        resetPeakMemory();
+        const double before = residentMegabytes();
+        const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, {}, true);
+        PlotSource source;
+        source.extents = scene.bounds();
+        if (const std::string problem = writePdf(scene, placeOnSheet(a0Fitted(), source), {}, file, L"bench");
+            !problem.empty())
+            state.SkipWithError(problem.c_str());
+        state.counters["peak_rise_MB"] = peakMegabytes() - before;
+    }
+}
+BENCHMARK(BM_PlotDrawingToPdf)->ArgName("multilines")->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    // Fonts for the PDF writer, without a display.
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    QGuiApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
