@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/db/FiniteValues.h"
 #include "kaldo/db/MlineGeometry.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kxdbdatabase.h"
@@ -19,15 +20,7 @@ KX_RX_DEFINE_MEMBERS(KxDbMline, KxDbEntity)
 
 namespace {
 
-bool isFinite(const KxGePoint3d& p)
-{
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
-bool isFinite(const KxGeVector3d& v)
-{
-    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}
+using kaldo::isFinite;
 
 // Whether every value rebuilt for a vertex is a number: a point or a scale
 // so large that a miter or a list overflows is refused.

@@ -6,6 +6,7 @@
 #include <numbers>
 #include <unordered_map>
 
+#include "kaldo/db/ArcAngles.h"
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/view/MlineRenderer.h"
 #include "kaldo/view/PenResolver.h"
@@ -31,10 +32,8 @@ void drawLine(const KxDbLine& line, int pen, Scene& scene)
 
 void drawArc(const KxDbArc& arc, int pen, Scene& scene)
 {
-    double sweep = std::fmod(arc.endAngle() - arc.startAngle(), 2 * std::numbers::pi);
-    if (sweep <= 0)
-        sweep += 2 * std::numbers::pi;
-    addPlaneArc(scene, EntityPlane(arc.normal()), arc.center(), arc.radius(), arc.startAngle(), sweep, pen);
+    addPlaneArc(scene, EntityPlane(arc.normal()), arc.center(), arc.radius(), arc.startAngle(),
+                arcSweep(arc.startAngle(), arc.endAngle()), pen);
 }
 
 void drawCircle(const KxDbCircle& circle, int pen, Scene& scene)
