@@ -3,6 +3,7 @@
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Coordinates.h"
 #include "kaldo/ed/Text.h"
+#include "kaldo/ed/Units.h"
 
 namespace kaldo {
 
@@ -36,16 +37,35 @@ void Editor::showTextScreen()
         textScreenListener_();
 }
 
-void Editor::dragged(const KxDbEntity* entity)
+void Editor::dragged(std::span<const KxDbEntity* const> entities)
 {
     if (dragListener_)
-        dragListener_(entity);
+        dragListener_(entities);
+}
+
+bool Editor::ranTransparent(std::wstring_view text)
+{
+    text = trimmed(text);
+    return text.size() > 1 && text.front() == L'\'' && transparentHandler_ && transparentHandler_(text.substr(1));
 }
 
 void Editor::announce(const InputRequest& request) const
 {
     if (requestListener_)
         requestListener_(request);
+}
+
+std::optional<double> Editor::typedNumber(std::wstring_view text, DragNumbers numbers) const
+{
+    if (numbers == DragNumbers::Real)
+        return parseReal(text);
+    if (numbers != DragNumbers::Angle)
+        return std::nullopt;
+    const AngleConvention angles = angleConvention();
+    const auto angle = parseAngle(text, angles.unit);
+    if (!angle)
+        return std::nullopt;
+    return angles.clockwise ? -*angle : *angle;
 }
 
 AngleConvention Editor::angleConvention() const
@@ -124,6 +144,10 @@ int Editor::ask(std::wstring_view prompt, int flags, const InputRequest& request
     announce(request);
     while (true) {
         const InputEvent event = next();
+        if (event.kind == InputEvent::Kind::Text && ranTransparent(event.text)) {
+            write(prompt);
+            continue;
+        }
         const bool empty = event.kind == InputEvent::Kind::Enter
             || (event.kind == InputEvent::Kind::Text && trimmed(event.text).empty());
         if (event.kind == InputEvent::Kind::Cancel || event.kind == InputEvent::Kind::EndOfInput)
@@ -156,12 +180,20 @@ int Editor::getCommand(std::wstring& word)
 {
     controls_ = {};
     redraw(nullptr, 4);
+    implied_ = implied_.withoutErased();
+    highlight(implied_.ids(), 3);
     const std::wstring_view prompt = L"\nCommand: ";
     write(prompt);
     announce({});
     while (true) {
         const InputEvent event = next();
         switch (event.kind) {
+        case InputEvent::Kind::Point:
+            // A pick selects for the next command (noun first, then verb).
+            selectForNextCommand(event.point);
+            write(prompt);
+            announce({});
+            break;
         case InputEvent::Kind::Text: {
             const std::wstring_view text = trimmed(event.text);
             if (text.empty())
@@ -173,7 +205,9 @@ int Editor::getCommand(std::wstring& word)
             return RTNORM;
         }
         case InputEvent::Kind::Enter: return RTNONE;
-        case InputEvent::Kind::Cancel: return RTCAN;
+        case InputEvent::Kind::Cancel:
+            clearImpliedSelection();
+            return RTCAN;
         case InputEvent::Kind::EndOfInput: return kEndOfInput;
         default: write(prompt); break;
         }
@@ -273,7 +307,7 @@ int Editor::lastKeyword(std::wstring& out) const
 }
 
 Editor::DragInput Editor::readDragInput(std::wstring_view prompt, bool writePrompt, std::wstring_view keywords,
-                                        bool acceptEnter, const KxGePoint3d* worldBase)
+                                        bool acceptEnter, const KxGePoint3d* worldBase, DragNumbers numbers)
 {
     const std::vector<Keyword> list = parseKeywordList(keywords);
     const Ucs ucs = currentUcs();
@@ -292,6 +326,12 @@ Editor::DragInput Editor::readDragInput(std::wstring_view prompt, bool writeProm
         default: break;
         }
         const std::wstring_view text = trimmed(event.text);
+        if (ranTransparent(text)) {
+            write(prompt);
+            continue;
+        }
+        if (const auto number = typedNumber(text, numbers))
+            return {DragInput::Kind::Number, {}, 0, *number};
         if (text.empty()) {
             if (acceptEnter)
                 return {DragInput::Kind::Enter, {}};

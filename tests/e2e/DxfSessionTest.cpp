@@ -35,17 +35,17 @@ TEST(DxfSession, DrawSaveOpenAndSaveAgain)
 
     // The drawing argument opens it; SAVEAS with FILEDIA 0 asks on the command line.
     const std::filesystem::path second = kaldo.dir() / "second";
-    run = kaldo.runScript("SETVAR\nFILEDIA\n0\nLIST\n5,0\nLINE\n0,5\n10,5\n\nSAVEAS\n" + second.string() + "\n",
+    run = kaldo.runScript("SETVAR\nFILEDIA\n0\nLIST\n5,0\n\nLINE\n0,5\n10,5\n\nSAVEAS\n" + second.string() + "\n",
                           {str(first)});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=0.0000  Z=0.0000", "X=10.0000  Y=0.0000  Z=0.0000")));
     EXPECT_THAT(run.out, HasSubstr("Saved \"" + second.string() + ".dxf\"."));
 
     // OPEN reads it back in the same session; SAVE writes to its own file.
-    run = kaldo.runScript("OPEN\n" + second.string() + ".dxf\nLIST\n5,5\nLINE\n0,9\n1,9\n\nSAVE\n");
+    run = kaldo.runScript("OPEN\n" + second.string() + ".dxf\nLIST\n5,5\n\nLINE\n0,9\n1,9\n\nSAVE\n");
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=5.0000  Z=0.0000", "X=10.0000  Y=5.0000  Z=0.0000")));
-    run = kaldo.runScript("LIST\n0.5,9\n", {str(second) + ".dxf"});
+    run = kaldo.runScript("LIST\n0.5,9\n\n", {str(second) + ".dxf"});
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=9.0000  Z=0.0000", "X=1.0000  Y=9.0000  Z=0.0000")));
 }
 
@@ -59,7 +59,7 @@ TEST(DxfSession, BadFilesAreRefusedAndTheDrawingStays)
 
     // OPEN of a broken file keeps the drawing in hand, which still saves.
     const std::filesystem::path saved = kaldo.dir() / "kept.dxf";
-    run = kaldo.runScript("LINE\n0,0\n10,0\n\nOPEN\n" + broken.string() + "\nLIST\n5,0\nSAVEAS\n" + saved.string() + "\n");
+    run = kaldo.runScript("LINE\n0,0\n10,0\n\nOPEN\n" + broken.string() + "\nLIST\n5,0\n\nSAVEAS\n" + saved.string() + "\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Cannot open the drawing: broken.dxf, line 8"));
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=0.0000  Z=0.0000", "X=10.0000  Y=0.0000  Z=0.0000")));

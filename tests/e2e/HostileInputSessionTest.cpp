@@ -75,7 +75,7 @@ TEST(HostileInputSession, LongAndOddInput)
     const std::string text = "\xEF\xBB\xBF  0\rSECTION\r  2\rENTITIES\r  0\rLINE\r  8\r0\r 10\r1\r 20\r2\r 30\r0\r"
                              " 11\r3\r 21\r4\r 31\r0\r  0\rENDSEC\r  0\rEOF\r";
     const std::string old = kaldo.writeFile("old-mac.dxf", text).string();
-    run = kaldo.runScript("LIST\n2,3\n", {QString::fromStdString(old)});
+    run = kaldo.runScript("LIST\n2,3\n\n", {QString::fromStdString(old)});
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("to point: X=3.0000  Y=4.0000"));
 }
