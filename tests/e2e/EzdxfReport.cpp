@@ -3,13 +3,14 @@
 #include <QJsonDocument>
 #include <QProcess>
 
-EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script)
+EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script, const QStringList& more)
 {
     EzdxfReport report;
     QProcess python;
     // Debian's interpreter: the one on PATH may lack ezdxf.
     python.start("/usr/bin/python3",
-                 {QStringLiteral(KALDO_SOURCE_DIR "/tests/dxf/") + script, QString::fromStdString(dxfPath)});
+                 QStringList{QStringLiteral(KALDO_SOURCE_DIR "/tests/dxf/") + script, QString::fromStdString(dxfPath)}
+                     + more);
     if (!python.waitForFinished(120000)) {
         report.problem = "ezdxf did not finish";
         return report;

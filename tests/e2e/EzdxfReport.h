@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QStringList>
 
 #include <string>
 
@@ -13,5 +14,7 @@ struct EzdxfReport {
     QJsonObject file;
 };
 
-// script: the reading script in tests/dxf that prints the report.
-EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script = "ezdxf_mlines.py");
+// script: the reading script in tests/dxf that prints the report; more:
+// further arguments after the path.
+EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script = "ezdxf_mlines.py",
+                          const QStringList& more = {});
