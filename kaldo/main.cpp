@@ -143,6 +143,8 @@ int main(int argc, char** argv)
         for (const std::wstring& message : session->loadModulesFolder())
             std::cerr << "kaldo: " << kxutToMultiByte(message) << "\n";
     }
+    for (const std::wstring& problem : session->loadAliases())
+        std::cerr << "kaldo: " << kxutToMultiByte(problem) << "\n";
 
     if (window) {
         kaldo::ui::runWindowSession(*session);

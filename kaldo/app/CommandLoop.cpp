@@ -61,9 +61,12 @@ private:
 
 bool runCommand(Session& session, const std::wstring& name)
 {
-    if (const KxEdCommand* command = session.runtime().commands().lookupCmd(name.c_str())) {
-        const UndoStep step(session, command->globalName);
-        runGuarded(session, command->globalName, command->handler);
+    if (const KxEdCommand* found = session.findCommand(name)) {
+        const KxEdCommand command = *found;
+        const UndoStep step(session, command.globalName);
+        session.editor().setRunningCommand(command.globalName);
+        runGuarded(session, command.globalName, command.handler);
+        session.editor().setRunningCommand({});
         return true;
     }
     if (session.editor().variables().exists(name)) {
@@ -87,12 +90,18 @@ void runCommandLoop(Session& session)
             name = last;
         else if (result != RTNORM)
             continue;
+        // An apostrophe asks for a transparent run, which the prompt gives anyway.
+        if (name.starts_with(L'\''))
+            name.erase(0, 1);
         if (name.empty())
             continue;
-        if (runCommand(session, name))
+        if (runCommand(session, name)) {
+            // A selection made before the command was for it alone.
+            editor.setImpliedSelection({});
             last = name;
-        else
+        } else {
             editor.write(L"\nUnknown command \"" + toUpper(name) + L"\". Type COMMANDS to list the commands.\n");
+        }
     }
 }
 

@@ -2,9 +2,10 @@
 // or the end of input.
 //
 // A typed name runs the registered command of that name (host and module
-// commands alike, "_" forcing the global name); else the name of a system
-// variable asks for its new value as SETVAR does; else the loop says the
-// command is unknown. Enter at an empty prompt repeats the last command. A
+// commands alike, "_" forcing the global name, a leading apostrophe left
+// aside), else the command of that alias (kaldo.pgp); else the name of a
+// system variable asks for its new value as SETVAR does; else the loop says
+// the command is unknown. Enter at an empty prompt repeats the last command. A
 // command that throws is reported to the crash recorder and the loop goes on.
 #pragma once
 

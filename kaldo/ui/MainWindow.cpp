@@ -140,6 +140,20 @@ void MainWindow::buildActions()
         toggle->setAutoRaise(true);
         statusBar()->addPermanentWidget(toggle);
     }
+
+    // F1 describes the command that runs, or lists every command at the
+    // command prompt.
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    QAction* commandsHelp = help->addAction(tr("&Commands"), this, [this] {
+        if (input_.kind == Editor::InputRequest::Kind::Command) {
+            runner_.push(InputEvent::typed(L"_HELP"));
+            runner_.push(InputEvent::enter());
+        } else {
+            runner_.push(InputEvent::typed(L"'_HELP"));
+        }
+    });
+    commandsHelp->setShortcut(Qt::Key_F1);
+    commandsHelp->setShortcutContext(Qt::ApplicationShortcut);
 }
 
 void MainWindow::connectRunner()
