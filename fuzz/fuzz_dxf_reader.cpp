@@ -1,10 +1,14 @@
 // Feeds arbitrary bytes to the drawing reader, and what it reads to the
-// writer: no crash, no sanitizer report, only DxfError for bad input.
-#include <fcntl.h>
+// writer: no crash, no sanitizer report, only DxfError for bad input. What
+// the reader takes must save, and what it saves must read again and save
+// to the same bytes; anything else stops the run.
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <string>
 #include <string_view>
 
 #include "kaldo/dxf/DxfError.h"
@@ -12,14 +16,41 @@
 #include "kaldo/dxf/GroupReader.h"
 #include "kxdbdatabase.h"
 
+namespace {
+
+// The drawing as the writer saves it.
+std::string saved(kaldo::dxf::DxfDrawing& drawing)
+{
+    const int fd = memfd_create("fuzz-dxf", MFD_CLOEXEC);
+    if (fd < 0)
+        std::abort();
+    kaldo::dxf::writeDxf(fd, *drawing.database, drawing.kept);
+    std::string text(std::size_t(lseek(fd, 0, SEEK_END)), '\0');
+    if (pread(fd, text.data(), text.size(), 0) != ssize_t(text.size()))
+        std::abort();
+    close(fd);
+    return text;
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const int nowhere = open("/dev/null", O_WRONLY);
+    kaldo::dxf::DxfDrawing drawing;
     try {
         kaldo::dxf::GroupReader reader(std::string_view(reinterpret_cast<const char*>(data), size));
-        kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxf(reader);
-        kaldo::dxf::writeDxf(nowhere, *drawing.database, drawing.kept);
+        drawing = kaldo::dxf::readDxf(reader);
     } catch (const kaldo::dxf::DxfError&) {
+        return 0;
+    }
+    try {
+        const std::string first = saved(drawing);
+        kaldo::dxf::GroupReader again(first);
+        kaldo::dxf::DxfDrawing reopened = kaldo::dxf::readDxf(again);
+        if (!reopened.repairs.empty() || saved(reopened) != first)
+            std::abort();
+    } catch (const kaldo::dxf::DxfError&) {
+        std::abort();
     }
     return 0;
 }

@@ -20,8 +20,11 @@
 #include <QApplication>
 
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -55,11 +58,18 @@ kaldo::SessionPaths sessionPaths(const kaldo::Options& options)
 }
 
 // Why the files and folders the session needs cannot be used; empty when
-// they can.
+// they can. A profile named that does not exist yet is made, empty, as a
+// first run makes the default one.
 std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths& paths)
 {
     std::error_code ec;
     if (options.profile) {
+        if (!std::filesystem::exists(*options.profile, ec)) {
+            if (options.profile->has_parent_path())
+                std::filesystem::create_directories(options.profile->parent_path(), ec);
+            if (!std::ofstream(*options.profile, std::ios::app))
+                return "cannot create the profile '" + options.profile->string() + "'.";
+        }
         try {
             kaldo::openForReading(*options.profile);
         } catch (const kaldo::FileError& e) {
@@ -121,9 +131,10 @@ int main(int argc, char** argv)
     } catch (const kaldo::SessionError& e) {
         return fail(e.what(), kaldo::kExitBadFile);
     }
+    std::vector<std::string> repairs;
     if (options.drawing) {
         try {
-            session->openDrawing(*options.drawing);
+            repairs = session->openDrawing(*options.drawing);
         } catch (const kaldo::dxf::DxfError& e) {
             return fail(std::string("cannot open the drawing: ") + e.what(), kaldo::kExitBadFile);
         }
@@ -133,6 +144,8 @@ int main(int argc, char** argv)
     kaldo::ScriptInputSource input(scriptFile ? *scriptFile : std::cin, !personTypes);
     session->editor().setInputSource(&input);
     session->editor().setTranscript(printTranscript);
+    for (const std::string& repair : repairs)
+        session->editor().write(L"Repaired: " + kxutFromMultiByte(repair) + L"\n");
 
     for (const std::filesystem::path& module : options.modules) {
         std::wstring message;
@@ -182,8 +195,10 @@ int main(int argc, char** argv)
         const kaldo::view::Background background = options.exportBackground == kaldo::ExportBackground::Dark
                                                        ? kaldo::view::Background::Dark
                                                        : kaldo::view::Background::White;
-        const std::string problem =
-            kaldo::view::exportPicture(session->database(), *options.exportTo, {options.exportSize, background});
+        kaldo::view::RenderNotes notes;
+        const std::string problem = kaldo::view::exportPicture(session->database(), *options.exportTo,
+                                                               {options.exportSize, background}, &notes);
+        session->editor().write(kaldo::view::describeNotes(notes, L"the picture"));
         if (!problem.empty())
             return fail(problem, kaldo::kExitBadFile);
     }

@@ -1,6 +1,7 @@
 #include "kaldo/app/Options.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 
 namespace kaldo {
 
@@ -31,7 +32,7 @@ void describe(QCommandLineParser& parser)
 {
     parser.setApplicationDescription(
         "kaldo, a small CAD host.\n"
-        "Without --script the commands are read from standard input (the drawing window comes later).\n"
+        "Without --script the drawing window opens; without a display, commands are read from standard input.\n"
         "The session ends with QUIT or after the script's last line.\n"
         "Exit codes: 0 normal end, 2 a named file or folder cannot be used, 64 bad usage.");
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
@@ -115,7 +116,12 @@ std::string usageText()
 {
     QCommandLineParser parser;
     describe(parser);
-    return parser.helpText().toStdString();
+    // The parser names the program as it was started, a whole path.
+    QString text = parser.helpText();
+    const QStringList started = QCoreApplication::arguments();
+    if (!started.isEmpty())
+        text.replace(QStringLiteral("Usage: ") + started.constFirst(), QStringLiteral("Usage: kaldo"));
+    return text.toStdString();
 }
 
 std::string versionText()

@@ -88,7 +88,7 @@ Session* Session::current()
     return running;
 }
 
-void Session::openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report)
+std::vector<std::string> Session::openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report)
 {
     dxf::DxfDrawing drawing = dxf::readDxfFile(path, report);
     std::swap(database_, drawing.database);
@@ -98,6 +98,7 @@ void Session::openDrawing(const std::filesystem::path& path, const dxf::Progress
     host().drawingDir = drawingPath_.parent_path();
     savedChanges_ = database_->changeCount();
     ++drawingSerial_;
+    return std::move(drawing.repairs);
 }
 
 std::vector<std::wstring> Session::loadAliases()

@@ -52,8 +52,9 @@ public:
     const std::filesystem::path& drawingPath() const { return drawingPath_; }
     // Reads a drawing file and makes it the working drawing. Throws
     // dxf::DxfError, or dxf::Cancelled when report stops the reading; the
-    // working drawing then stays as it was.
-    void openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report = {});
+    // working drawing then stays as it was. Returns what the reader
+    // repaired (dxf::DxfDrawing::repairs).
+    std::vector<std::string> openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report = {});
     // Saves the working drawing (atomically) as path, which then becomes
     // its file. Throws dxf::DxfError, or dxf::Cancelled when report stops
     // the writing; the old file and the modified state then stay as they

@@ -16,11 +16,13 @@ inline double wrappedAngle(double angle)
 }
 
 // The sweep from start to end, counter-clockwise, in (0, 2pi]: equal
-// angles make a whole circle.
+// angles, or a difference that is no finite number, make a whole circle.
 inline double arcSweep(double startAngle, double endAngle)
 {
     constexpr double turn = 2 * std::numbers::pi;
     double sweep = std::fmod(endAngle - startAngle, turn);
+    if (!std::isfinite(sweep))
+        return turn;
     if (sweep <= 0)
         sweep += turn;
     return sweep;

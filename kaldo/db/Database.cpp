@@ -94,9 +94,10 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     if (!obj || obj->m_database)
         return Kald::eInvalidInput;
     if (handle == 0 || !objectIdFromHandle(handle).isNull())
-        handle = m_header.handseed;
+        handle = newHandle();
     m_undo->recordHeader();
-    m_header.handseed = std::max(m_header.handseed, handle + 1);
+    if (handle <= kxdbHighestHandle)
+        m_header.handseed = std::max(m_header.handseed, handle + 1);
     obj->m_database = this;
     obj->m_handle = handle;
     obj->m_openForWrite = true;
@@ -107,6 +108,29 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     m_undo->recordAdded(*obj);
     noteChange();
     return Kald::eOk;
+}
+
+std::uint64_t KxDbDatabase::newHandle()
+{
+    if (m_header.handseed <= kxdbHighestHandle)
+        return m_header.handseed;
+    while (m_handles.contains(m_lowestFreeHandle) || m_reservedHandles.contains(m_lowestFreeHandle))
+        ++m_lowestFreeHandle;
+    return m_lowestFreeHandle;
+}
+
+void KxDbDatabase::reserveHandle(std::uint64_t handle)
+{
+    m_reservedHandles.insert(handle);
+}
+
+std::uint64_t KxDbDatabase::reserveNewHandle()
+{
+    const std::uint64_t handle = newHandle();
+    m_undo->recordHeader();
+    m_header.handseed = std::max(m_header.handseed, handle + 1);
+    reserveHandle(handle);
+    return handle;
 }
 
 Kald::ErrorStatus KxDbDatabase::addToCurrentSpace(KxDbEntity* entity)

@@ -20,22 +20,8 @@ KX_RX_DEFINE_MEMBERS(KxDbMline, KxDbEntity)
 
 namespace {
 
+using kaldo::finiteVertex;
 using kaldo::isFinite;
-
-// Whether every value rebuilt for a vertex is a number: a point or a scale
-// so large that a miter or a list overflows is refused.
-template <class Vertex>
-bool finiteVertex(const Vertex& v)
-{
-    if (!isFinite(v.position) || !isFinite(v.axis) || !isFinite(v.miter))
-        return false;
-    for (const KxDbMlineElementParams& lists : v.params->elements)
-        for (const std::vector<double>* list : {&lists.element, &lists.areaFill})
-            for (const double value : *list)
-                if (!std::isfinite(value))
-                    return false;
-    return true;
-}
 
 template <class Vertices>
 bool finiteGeometry(const Vertices& vertices)
@@ -126,7 +112,7 @@ KxDbMlineParamsPtr::~KxDbMlineParamsPtr()
 
 Kald::ErrorStatus KxDbMlineImp::appendSegments(const KxGePoint3dArray& points)
 {
-    if (points.size() != m_mline.m_vertices.size())
+    if (points.size() != m_mline.m_vertices.size() || !std::ranges::all_of(points, isFinite<KxGePoint3d>))
         return Kald::eInvalidInput;
     for (std::size_t i = 0; i < points.size(); ++i)
         m_mline.m_vertices[i].position = points[i];
@@ -135,7 +121,7 @@ Kald::ErrorStatus KxDbMlineImp::appendSegments(const KxGePoint3dArray& points)
 
 Kald::ErrorStatus KxDbMlineImp::appendSeg(const KxGeVector3dArray& vectors, bool axes)
 {
-    if (vectors.size() != m_mline.m_vertices.size())
+    if (vectors.size() != m_mline.m_vertices.size() || !std::ranges::all_of(vectors, isFinite<KxGeVector3d>))
         return Kald::eInvalidInput;
     for (std::size_t i = 0; i < vectors.size(); ++i)
         (axes ? m_mline.m_vertices[i].axis : m_mline.m_vertices[i].miter) = vectors[i];
@@ -152,17 +138,12 @@ bool KxDbMlineImp::appendSharingPrevious(const KxDbMlineStoredVertex& v)
     return true;
 }
 
-void KxDbMlineImp::setStoredVertices(std::vector<KxDbMlineStoredVertex> vertices)
+Kald::ErrorStatus KxDbMlineImp::setStoredVertices(std::vector<KxDbMlineVertex> vertices)
 {
-    m_mline.m_vertices.clear();
-    m_mline.m_vertices.reserve(vertices.size());
-    for (KxDbMlineStoredVertex& v : vertices) {
-        if (appendSharingPrevious(v))
-            continue;
-        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-        record->elements = std::move(v.elements);
-        m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, std::move(record)});
-    }
+    if (!std::ranges::all_of(vertices, [](const KxDbMlineVertex& v) { return v.params && finiteVertex(v); }))
+        return Kald::eInvalidInput;
+    m_mline.m_vertices = std::move(vertices);
+    return Kald::eOk;
 }
 
 void KxDbMlineImp::copyStoredVertices(std::span<const KxDbMlineStoredVertex> vertices)
@@ -205,22 +186,33 @@ KxDbMlineImp* KxDbSystemInternals::getImpObject(KxDbObject* obj)
 KxDbMline::KxDbMline() = default;
 KxDbMline::~KxDbMline() = default;
 
+template <class Restore>
+Kald::ErrorStatus KxDbMline::rebuildAllOrRestore(Restore restore)
+{
+    // Rebuilding makes new records, so the copy keeps the old lists.
+    std::vector<Vertex> before = m_vertices;
+    rebuildAll();
+    if (finiteGeometry(m_vertices))
+        return Kald::eOk;
+    m_vertices = std::move(before);
+    restore();
+    return Kald::eInvalidInput;
+}
+
 Kald::ErrorStatus KxDbMline::setStyle(KxDbObjectId style)
 {
     if (!style.isNull() && !KxDbMlineStyle::cast(kaldo::lookupObject(style)))
         return Kald::eWrongObjectType;
-    m_style = style;
-    rebuildAll();
-    return Kald::eOk;
+    const KxDbObjectId old = std::exchange(m_style, style);
+    return rebuildAllOrRestore([&] { m_style = old; });
 }
 
 Kald::ErrorStatus KxDbMline::setJustification(int justification)
 {
     if (justification < Mline::kTop || justification > Mline::kBottom)
         return Kald::eOutOfRange;
-    m_justification = justification;
-    rebuildAll();
-    return Kald::eOk;
+    const int old = std::exchange(m_justification, justification);
+    return rebuildAllOrRestore([&] { m_justification = old; });
 }
 
 Kald::ErrorStatus KxDbMline::setScale(double scale)
@@ -228,22 +220,15 @@ Kald::ErrorStatus KxDbMline::setScale(double scale)
     if (!std::isfinite(scale))
         return Kald::eInvalidInput;
     const double old = std::exchange(m_scale, scale);
-    rebuildAll();
-    if (!finiteGeometry(m_vertices)) {
-        m_scale = old;
-        rebuildAll();
-        return Kald::eInvalidInput;
-    }
-    return Kald::eOk;
+    return rebuildAllOrRestore([&] { m_scale = old; });
 }
 
 Kald::ErrorStatus KxDbMline::setNormal(const KxGeVector3d& normal)
 {
-    if (normal.length() <= kxGeTolerance)
+    if (normal.length() <= kxGeTolerance || !isFinite(normal))
         return Kald::eInvalidInput;
-    m_normal = normalized(normal);
-    rebuildAll();
-    return Kald::eOk;
+    const KxGeVector3d old = std::exchange(m_normal, normalized(normal));
+    return rebuildAllOrRestore([&] { m_normal = old; });
 }
 
 Kald::ErrorStatus KxDbMline::setClosedMline(bool closed)
@@ -363,7 +348,7 @@ Kald::ErrorStatus KxDbMline::setParametersAt(int index, const KxArray& params)
     if (index < 0 || index >= numVertices())
         return Kald::eInvalidIndex;
     KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(params);
-    if (!record)
+    if (!record || !finiteLists(record->elements))
         return Kald::eInvalidInput;
     m_vertices[std::size_t(index)].params = KxDbMlineParamsPtr::share(record);
     return Kald::eOk;

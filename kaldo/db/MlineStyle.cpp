@@ -1,6 +1,7 @@
 #include "kxdbmlstyle.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <numbers>
 
@@ -76,6 +77,31 @@ Kald::ErrorStatus KxDbMlineStyle::setDescription(const wchar_t* text)
     return Kald::eOk;
 }
 
+namespace {
+
+bool isCapAngle(double radians)
+{
+    return std::isfinite(radians * (180 / std::numbers::pi));
+}
+
+}  // namespace
+
+Kald::ErrorStatus KxDbMlineStyle::setStartAngle(double radians)
+{
+    if (!isCapAngle(radians))
+        return Kald::eInvalidInput;
+    m_startAngle = radians;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbMlineStyle::setEndAngle(double radians)
+{
+    if (!isCapAngle(radians))
+        return Kald::eInvalidInput;
+    m_endAngle = radians;
+    return Kald::eOk;
+}
+
 Kald::ErrorStatus KxDbMlineStyle::getElementAt(int index, double& offset, KxCmColor& color,
                                                KxDbObjectId& linetype) const
 {
@@ -114,6 +140,8 @@ Kald::ErrorStatus KxDbMlineStyle::setElement(int index, double offset, const KxC
 {
     if (index < 0 || index >= numElements())
         return Kald::eInvalidIndex;
+    if (!std::isfinite(offset))
+        return Kald::eInvalidInput;
     m_elements[std::size_t(index)] = Element{offset, color, linetype};
     placeElement(index);
     return Kald::eOk;
@@ -123,6 +151,10 @@ Kald::ErrorStatus KxDbMlineStyle::addElement(int& index, double offset, const Kx
                                              KxDbObjectId linetype, bool checkIfReferenced)
 {
     index = -1;
+    if (!std::isfinite(offset))
+        return Kald::eInvalidInput;
+    if (numElements() >= kxdbMaxMlineStyleElements)
+        return Kald::eOutOfRange;
     if (checkIfReferenced && isReferenced())
         return Kald::eNotApplicable;
     const auto place = std::partition_point(m_elements.begin(), m_elements.end(),

@@ -29,14 +29,6 @@ KxDbMlineParamsPtr scaledRecord(const KxDbMlineVertexParams& record, double fact
     return scaled;
 }
 
-bool finiteLists(const KxDbMlineVertexParams& record)
-{
-    return std::ranges::all_of(record.elements, [](const KxDbMlineElementParams& lists) {
-        return std::ranges::all_of(lists.element, [](double v) { return std::isfinite(v); })
-            && std::ranges::all_of(lists.areaFill, [](double v) { return std::isfinite(v); });
-    });
-}
-
 double planeAngleOf(const kaldo::EntityPlane& plane, const KxGeVector3d& world)
 {
     const KxGeVector3d d = plane.toPlane(world);
@@ -85,7 +77,7 @@ Kald::ErrorStatus KxDbMline::transformBy(const KxGeMatrix3d& m)
                 image.params = vertices.back().params;
             else
                 image.params = scaledRecord(*v.params.get(), k);
-            if (!finiteLists(*image.params.get()))
+            if (!kaldo::finiteLists(image.params->elements))
                 return Kald::eInvalidInput;
         }
         if (!isFinite(image.position) || !isFinite(image.axis) || !isFinite(image.miter))
@@ -239,9 +231,8 @@ Kald::ErrorStatus KxDbMline::stretchFrom(const KxDbMline& source, std::span<cons
         start.params = std::move(record);
     }
 
-    for (const Vertex& v : updated)
-        if (!isFinite(v.position) || !isFinite(v.axis) || !isFinite(v.miter) || (v.params && !finiteLists(*v.params.get())))
-            return Kald::eInvalidInput;
+    if (!std::ranges::all_of(updated, kaldo::finiteVertex))
+        return Kald::eInvalidInput;
     for (std::size_t i = 0; i < written.size(); ++i)
         m_vertices[std::size_t(written[i])] = std::move(updated[i]);
     return Kald::eOk;

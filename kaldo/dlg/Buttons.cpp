@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QEvent>
 #include <QPainter>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QWidget>
 
@@ -89,8 +90,12 @@ void CBitmapButton::DrawItem(DRAWITEMSTRUCT* item)
         item->hDC->drawImage(QPoint(item->rcItem.left, item->rcItem.top), image);
 }
 
+// An owner-drawn button is never the dialog's default button: Enter with
+// the focus on it is the dialog's OK; Space and a click press it.
 void CBitmapButton::OnAttached()
 {
+    if (auto* button = qobject_cast<QPushButton*>(GetSafeHwnd()))
+        button->setAutoDefault(false);
     m_painter = std::make_unique<Painter>(*this);
     GetSafeHwnd()->installEventFilter(m_painter.get());
     GetSafeHwnd()->update();

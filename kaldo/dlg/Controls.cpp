@@ -1,6 +1,10 @@
 // Edits, list boxes, combo boxes, list views and headers over their Qt
 // widgets. Setters block the widgets' signals: only people and scripts
-// cause notifications.
+// cause notifications. The selection of a list is its selected row (a
+// person's click makes a row current before it selects it); deleting the
+// selected row leaves no row selected, where Qt would select a neighbour.
+#include "kaldo/dlg/DialogItems.h"
+#include "kaldo/dlg/ItemNotifications.h"
 #include "kxuictrl.h"
 
 #include <QComboBox>
@@ -36,13 +40,20 @@ void CEdit::SetLimitText(int count)
         edit->setMaxLength(count > 0 ? count : 32767);
 }
 
+// Positions count the wide string's characters; the line edit counts
+// UTF-16 code units.
 void CEdit::SetSel(int start, int end)
 {
     auto* edit = widgetOf<QLineEdit>(*this);
     if (!edit)
         return;
-    if (end < 0)
-        end = int(edit->text().size());
+    const std::wstring text = edit->text().toStdWString();
+    auto unitsBefore = [&text](int position) {
+        return int(QString::fromStdWString(text.substr(0, std::size_t(std::clamp(position, 0, int(text.size())))))
+                       .size());
+    };
+    start = unitsBefore(start);
+    end = end < 0 ? int(edit->text().size()) : unitsBefore(end);
     edit->setSelection(start, end - start);
 }
 
@@ -60,9 +71,24 @@ int CListBox::GetCount() const
     return list ? list->count() : 0;
 }
 
+// A list box whose template marks it "sorted" puts an added row where it
+// belongs alphabetically, case ignored; InsertString puts it where asked.
 int CListBox::AddString(const std::wstring& text)
 {
-    return InsertString(-1, text);
+    const auto* list = widgetOf<QListWidget>(*this);
+    if (!list || !list->property("sorted").toBool())
+        return InsertString(-1, text);
+    const QString added = qt(text);
+    int below = 0;
+    int above = list->count();
+    while (below < above) {
+        const int middle = below + (above - below) / 2;
+        if (list->item(middle)->text().compare(added, Qt::CaseInsensitive) <= 0)
+            below = middle + 1;
+        else
+            above = middle;
+    }
+    return InsertString(below, text);
 }
 
 int CListBox::InsertString(int index, const std::wstring& text)
@@ -83,7 +109,10 @@ int CListBox::DeleteString(int index)
     if (!list || index < 0 || index >= list->count())
         return -1;
     const QSignalBlocker quiet(list);
+    const bool selected = kaldo::dlg::selectedRow(list) == index;
     delete list->takeItem(index);
+    if (selected)
+        list->clearSelection();
     return list->count();
 }
 
@@ -97,10 +126,7 @@ void CListBox::ResetContent()
 
 int CListBox::GetCurSel() const
 {
-    const auto* list = widgetOf<QListWidget>(*this);
-    if (!list || !list->currentItem() || !list->currentItem()->isSelected())
-        return -1;
-    return list->currentRow();
+    return kaldo::dlg::selectedRow(widgetOf<QListWidget>(*this));
 }
 
 int CListBox::SetCurSel(int index)
@@ -265,6 +291,7 @@ void CHeaderCtrl::SetSortIndicator(int column, bool ascending)
         return;
     header->setSortIndicatorShown(column >= 0);
     header->setSortIndicator(column, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+    kaldo::dlg::keepSortIndicator(*header);
 }
 
 // The columns added so far are counted apart from the view's own count: a
@@ -342,7 +369,10 @@ bool CListCtrl::DeleteItem(int row)
     if (!view || row < 0 || row >= view->topLevelItemCount())
         return false;
     const QSignalBlocker quiet(view);
+    const bool selected = kaldo::dlg::selectedRow(view) == row;
     delete view->takeTopLevelItem(row);
+    if (selected)
+        view->clearSelection();
     return true;
 }
 
@@ -375,11 +405,7 @@ std::uintptr_t CListCtrl::GetItemData(int row) const
 
 int CListCtrl::GetSelectedRow() const
 {
-    const auto* view = widgetOf<QTreeWidget>(*this);
-    if (!view)
-        return -1;
-    QTreeWidgetItem* current = view->currentItem();
-    return current && current->isSelected() ? view->indexOfTopLevelItem(current) : -1;
+    return kaldo::dlg::selectedRow(widgetOf<QTreeWidget>(*this));
 }
 
 bool CListCtrl::SelectRow(int row)
@@ -403,7 +429,8 @@ bool CListCtrl::SortItems(Compare compare, std::uintptr_t context)
     if (!view || !compare)
         return false;
     const QSignalBlocker quiet(view);
-    QTreeWidgetItem* selected = view->currentItem() && view->currentItem()->isSelected() ? view->currentItem() : nullptr;
+    const int selectedAt = kaldo::dlg::selectedRow(view);
+    QTreeWidgetItem* selected = selectedAt >= 0 ? view->topLevelItem(selectedAt) : nullptr;
     QList<QTreeWidgetItem*> rows;
     while (view->topLevelItemCount() > 0)
         rows.push_back(view->takeTopLevelItem(0));

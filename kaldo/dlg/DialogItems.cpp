@@ -1,5 +1,6 @@
 #include "kaldo/dlg/DialogItems.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
@@ -44,6 +45,15 @@ QWidget* findItem(const QWidget* root, int id)
             return child;
     }
     return nullptr;
+}
+
+int selectedRow(const QAbstractItemView* view)
+{
+    const QItemSelectionModel* selection = view ? view->selectionModel() : nullptr;
+    if (!selection)
+        return -1;
+    const QModelIndexList selected = selection->selectedIndexes();
+    return selected.isEmpty() ? -1 : selected.front().row();
 }
 
 QString itemKind(const QWidget* item)

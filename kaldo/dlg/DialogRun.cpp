@@ -1,18 +1,12 @@
 #include "kaldo/dlg/DialogRun.h"
 
-#include "kaldo/dlg/DialogItems.h"
+#include "kaldo/dlg/ItemNotifications.h"
 #include "kxuidialog.h"
 
-#include <QAbstractButton>
-#include <QComboBox>
 #include <QCoreApplication>
 #include <QDialog>
-#include <QHeaderView>
 #include <QKeyEvent>
-#include <QLineEdit>
-#include <QListWidget>
 #include <QPushButton>
-#include <QTreeWidget>
 
 namespace kaldo::dlg {
 
@@ -88,7 +82,9 @@ DialogRun::DialogRun(CDialog& dialog, QDialog& window)
 {
     connect(&window_, &QDialog::finished, this, [this] { subject_.ended = true; });
     window_.installEventFilter(this);
-    connectItems();
+    connectItemNotifications(window_, *this,
+                             {[this](int id, int code) { command(id, code); },
+                              [this](int id, int code, int index) { notify(id, code, index); }});
 }
 
 void DialogRun::guard(const std::function<void()>& handler)
@@ -122,67 +118,34 @@ bool DialogRun::preTranslate(QObject* receiver, QEvent* event)
     if ((!keyDown && event->type() != QEvent::KeyRelease) || !receiver->isWidgetType() || !window_.isVisible()
         || !window_.isAncestorOf(static_cast<QWidget*>(receiver)))
         return false;
-    MSG message{keyDown ? WM_KEYDOWN : WM_KEYUP, virtualKey(static_cast<QKeyEvent*>(event)->key())};
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    MSG message{keyDown ? WM_KEYDOWN : WM_KEYUP, virtualKey(key)};
     bool handled = false;
     guard([&] { handled = dialog_.PreTranslateMessage(&message); });
-    return handled;
+    return handled || (keyDown && dialogKey(key));
 }
 
-void DialogRun::connectItems()
+// The keys of the dialog itself, before any item sees them: Escape is
+// Cancel; Enter is OK, unless the focus is on a push button that can be
+// the default button, which clicks itself (an image button never is). So
+// no item keeps Enter to itself (an editable combo box would).
+bool DialogRun::dialogKey(int key)
 {
-    for (QWidget* item : items(&window_)) {
-        const int id = itemId(item);
-        if (auto* button = qobject_cast<QAbstractButton*>(item)) {
-            connect(button, &QAbstractButton::clicked, this, [this, id] { command(id, BN_CLICKED); });
-        } else if (auto* edit = qobject_cast<QLineEdit*>(item)) {
-            connect(edit, &QLineEdit::textChanged, this, [this, id] { command(id, EN_CHANGE); });
-            edit->installEventFilter(this);
-        } else if (auto* combo = qobject_cast<QComboBox*>(item)) {
-            connect(combo, &QComboBox::activated, this, [this, id] { command(id, CBN_SELCHANGE); });
-            if (QLineEdit* comboEdit = combo->lineEdit())
-                connect(comboEdit, &QLineEdit::textChanged, this, [this, id] { command(id, CBN_EDITCHANGE); });
-        } else if (auto* view = qobject_cast<QTreeWidget*>(item)) {
-            connect(view, &QTreeWidget::itemSelectionChanged, this, [this, id, view] {
-                notify(id, LVN_ITEMCHANGED, view->indexOfTopLevelItem(view->currentItem()));
-            });
-            connect(view, &QTreeWidget::itemDoubleClicked, this, [this, id, view](QTreeWidgetItem* row) {
-                notify(id, NM_DBLCLK, view->indexOfTopLevelItem(row));
-            });
-            connect(view->header(), &QHeaderView::sectionClicked, this,
-                    [this, id](int column) { notify(id, LVN_COLUMNCLICK, column); });
-        } else if (auto* list = qobject_cast<QListWidget*>(item)) {
-            connect(list, &QListWidget::currentRowChanged, this, [this, id] { command(id, LBN_SELCHANGE); });
-            connect(list, &QListWidget::itemDoubleClicked, this, [this, id] { command(id, LBN_DBLCLK); });
-        }
+    if (key == Qt::Key_Escape) {
+        command(IDCANCEL, BN_CLICKED);
+        return true;
     }
-}
-
-bool DialogRun::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched != &window_) {
-        // The focus leaving an edit for another place; a window that is
-        // deactivated (or closes) keeps its focus widget.
-        if (event->type() == QEvent::FocusOut
-            && static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason)
-            command(itemId(static_cast<QWidget*>(watched)), EN_KILLFOCUS);
+    if (key != Qt::Key_Return && key != Qt::Key_Enter)
         return false;
-    }
+    if (auto* button = qobject_cast<QPushButton*>(window_.focusWidget()); button && button->autoDefault())
+        return false;
+    command(IDOK, BN_CLICKED);
+    return true;
+}
+
+bool DialogRun::eventFilter(QObject*, QEvent* event)
+{
     switch (event->type()) {
-    case QEvent::KeyPress: {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Escape) {
-            command(IDCANCEL, BN_CLICKED);
-            return true;
-        }
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            if (auto* button = qobject_cast<QPushButton*>(window_.focusWidget()))
-                button->click();
-            else
-                command(IDOK, BN_CLICKED);
-            return true;
-        }
-        return false;
-    }
     case QEvent::Close:
         event->ignore();
         command(IDCANCEL, BN_CLICKED);

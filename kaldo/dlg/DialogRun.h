@@ -1,8 +1,9 @@
 // One modal run of a dialog object on its loaded window: every key for the
-// window or its items goes first to the dialog's PreTranslateMessage; the
-// items' notifications and the window's keys, closing and sizing go to the
-// dialog's handlers; an exception a handler throws is kept, ends the
-// dialog, and is handed back to the caller once the window is gone.
+// window or its items goes first to the dialog's PreTranslateMessage, then
+// Enter and Escape to the dialog's OK and Cancel; the items' notifications
+// and the window's closing and sizing go to the dialog's handlers; an
+// exception a handler throws is kept, ends the dialog, and is handed back
+// to the caller once the window is gone.
 #pragma once
 
 #include "kaldo/dlg/ModalLoop.h"
@@ -33,12 +34,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void connectItems();
     void command(int id, int code);
     void notify(int id, int code, int index);
     // A key for the window or one of its items; true when the dialog
     // handled it.
     bool preTranslate(QObject* receiver, QEvent* event);
+    bool dialogKey(int key);
     // A size the user dragged the window to, limited by OnSizing.
     void limitSizing(const QRect& previous);
 

@@ -60,6 +60,7 @@ int runMessageBox(const std::wstring& text, unsigned type)
     box.setWindowTitle(QString::fromWCharArray(GetOemProductName()));
     box.setWindowIcon(GetOemAppIcon());
     box.setIcon(iconOf(type));
+    box.setTextFormat(Qt::PlainText);
     box.setText(QString::fromStdWString(text));
     const std::vector<BoxButton> buttons = buttonsOf(type);
     const int escape = escapeId(buttons);

@@ -1,7 +1,7 @@
 // The modal run of every dialog and message box: a real event loop of the
-// window; the transcript lines when it opens and closes; and, while a script
-// feeds input, the script's dialog actions, one line each time the window is
-// waiting for input, until it closes.
+// window; and, while a script feeds input, the transcript lines when it
+// opens and closes and the script's dialog actions, one line each time the
+// window is waiting for input, until it closes.
 #pragma once
 
 #include <QRect>

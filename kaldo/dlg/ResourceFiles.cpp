@@ -1,5 +1,7 @@
 #include "kaldo/dlg/ResourceFiles.h"
 
+#include "kaldo/dlg/DialogLabel.h"
+
 #include "kxhost.h"
 #include "kxrxlibrary.h"
 #include "kxuibutton.h"
@@ -14,8 +16,23 @@ namespace kaldo::dlg {
 
 namespace {
 
-// The property of a template's dialog that names its caption's string id.
+// The properties of a template's dialog that name its caption's string id
+// and let the user resize it.
 constexpr const char* kCaptionIdProperty = "captionId";
+constexpr const char* kResizableProperty = "resizable";
+
+// Builds a template's widgets; its labels are dialog labels.
+class TemplateLoader : public QUiLoader {
+public:
+    QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override
+    {
+        if (className != QLatin1String("QLabel"))
+            return QUiLoader::createWidget(className, parent, name);
+        auto* label = new DialogLabel(parent);
+        label->setObjectName(name);
+        return label;
+    }
+};
 
 }  // namespace
 
@@ -36,7 +53,7 @@ std::unique_ptr<QDialog> loadDialogTemplate(unsigned templateId, QWidget* parent
     QFile file(path);
     if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
         return nullptr;
-    QUiLoader loader;
+    TemplateLoader loader;
     QWidget* loaded = loader.load(&file, parent);
     auto* dialog = qobject_cast<QDialog*>(loaded);
     if (!dialog) {
@@ -47,6 +64,10 @@ std::unique_ptr<QDialog> loadDialogTemplate(unsigned templateId, QWidget* parent
         const std::wstring designed = dialog->windowTitle().toStdWString();
         dialog->setWindowTitle(QString::fromWCharArray(kxmdKxResourceString(id.toUInt(), designed.c_str())));
     }
+    // A dialog keeps the size it was designed with unless its template
+    // lets the user resize it.
+    if (!dialog->property(kResizableProperty).toBool())
+        dialog->setFixedSize(dialog->size());
     return std::unique_ptr<QDialog>(dialog);
 }
 

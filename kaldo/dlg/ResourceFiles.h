@@ -17,7 +17,8 @@ namespace kaldo::dlg {
 QString resourceFile(const QString& relative);
 
 // The dialog of template id, its caption taken from the string table when
-// the template names a caption id; null when there is no such template.
+// the template names a caption id; of fixed size unless the template makes
+// it resizable; null when there is no such template.
 std::unique_ptr<QDialog> loadDialogTemplate(unsigned templateId, QWidget* parent);
 
 }  // namespace kaldo::dlg

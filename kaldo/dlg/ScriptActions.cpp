@@ -13,6 +13,7 @@
 #include <QFocusEvent>
 #include <QGroupBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -74,6 +75,14 @@ Target actionItem(const ModalSubject& subject, const QString& idText)
     return {item, std::nullopt};
 }
 
+// A person's click gives the item the focus first (the focus lost
+// elsewhere tells the item that had it), as a press of the mouse does.
+void touch(QWidget* item)
+{
+    if (item->focusPolicy() & Qt::ClickFocus)
+        item->setFocus(Qt::MouseFocusReason);
+}
+
 Outcome click(ModalSubject& subject, const QString& args)
 {
     const auto id = number(args);
@@ -85,14 +94,22 @@ Outcome click(ModalSubject& subject, const QString& args)
     auto* button = qobject_cast<QAbstractButton*>(target.item);
     if (!button)
         return refuse(QStringLiteral("a %1 cannot be clicked").arg(itemKind(target.item)));
+    touch(button);
     button->click();
     return std::nullopt;
 }
 
-// Leaving an item: its focus-lost handling runs once.
+// Leaving an item by Tab: the focus moves to the next item and the item's
+// focus-lost handling runs once (a handler may give it the focus back). A
+// window that is not active moves no focus; the item is told of the loss
+// all the same.
 void leave(QWidget* item)
 {
-    QFocusEvent focusOut(QEvent::FocusOut, Qt::OtherFocusReason);
+    if (item->isActiveWindow() && item->hasFocus()) {
+        pressKey(*item, Qt::Key_Tab);
+        return;
+    }
+    QFocusEvent focusOut(QEvent::FocusOut, Qt::TabFocusReason);
     QCoreApplication::sendEvent(item, &focusOut);
 }
 
@@ -108,6 +125,7 @@ Outcome text(ModalSubject& subject, const QString& args)
     if (!edit || edit->isReadOnly())
         return refuse(QStringLiteral("a %1 takes no text").arg(itemKind(target.item)));
     // Typed over the whole text: the edit's filters see the new text.
+    touch(target.item);
     edit->selectAll();
     edit->insert(words);
     leave(edit);
@@ -127,6 +145,7 @@ Outcome check(ModalSubject& subject, const QString& args)
     if (!state || (*state != 0 && *state != 1))
         return refuse(QStringLiteral("the state must be 0 or 1"));
     if (button->isChecked() != (*state == 1)) {
+        touch(button);
         button->click();
         if (button->isChecked() != (*state == 1))
             return refuse(QStringLiteral("a %1 cannot be unchecked").arg(itemKind(target.item)));
@@ -175,6 +194,7 @@ Outcome select(ModalSubject& subject, const QString& args)
     const auto row = rowOf(wanted, rowTexts(item));
     if (!row)
         return refuse(QStringLiteral("no row \"%1\"").arg(wanted));
+    touch(item);
     if (auto* list = qobject_cast<QListWidget*>(item)) {
         list->setCurrentRow(*row, QItemSelectionModel::ClearAndSelect);
     } else if (auto* view = qobject_cast<QTreeWidget*>(item)) {
@@ -191,21 +211,17 @@ Outcome doubleClick(ModalSubject& subject, const QString& args)
     const Target target = actionItem(subject, args);
     if (target.refusal)
         return target.refusal;
-    if (auto* list = qobject_cast<QListWidget*>(target.item)) {
-        QListWidgetItem* current = list->currentItem();
-        if (!current || !current->isSelected())
-            return refuse(QStringLiteral("no row is selected"));
-        emit list->itemDoubleClicked(current);
-        return std::nullopt;
-    }
-    if (auto* view = qobject_cast<QTreeWidget*>(target.item)) {
-        QTreeWidgetItem* current = view->currentItem();
-        if (!current || !current->isSelected())
-            return refuse(QStringLiteral("no row is selected"));
-        emit view->itemDoubleClicked(current, 0);
-        return std::nullopt;
-    }
-    return refuse(QStringLiteral("a %1 has no rows").arg(itemKind(target.item)));
+    auto* rows = qobject_cast<QAbstractItemView*>(target.item);
+    const int row = selectedRow(rows);
+    if (!rows || (!qobject_cast<QListWidget*>(rows) && !qobject_cast<QTreeWidget*>(rows)))
+        return refuse(QStringLiteral("a %1 has no rows").arg(itemKind(target.item)));
+    if (row < 0)
+        return refuse(QStringLiteral("no row is selected"));
+    touch(rows);
+    // What the view does with a double click on the row: its double-click
+    // signal for the row's index.
+    emit rows->doubleClicked(rows->model()->index(row, 0));
+    return std::nullopt;
 }
 
 Outcome header(ModalSubject& subject, const QString& args)
@@ -232,6 +248,8 @@ Outcome size(ModalSubject& subject, const QString& args)
     if (!width || !height || *width <= 0 || *height <= 0)
         return refuse(QStringLiteral("a size is two positive numbers"));
     QWidget* window = subject.window;
+    if (window->minimumSize() == window->maximumSize())
+        return refuse(QStringLiteral("the dialog cannot be resized"));
     // Dragging the bottom-right corner: the top-left corner stays.
     QRect proposed(window->frameGeometry().topLeft(), QSize(*width, *height));
     if (subject.sizing)
@@ -273,12 +291,8 @@ QString stateOf(const QWidget* item)
     parts << QLatin1Char('"') + text + QLatin1Char('"');
     if (const auto* button = qobject_cast<const QAbstractButton*>(item); button && button->isCheckable())
         parts << (button->isChecked() ? QStringLiteral("checked") : QStringLiteral("unchecked"));
-    if (const auto* list = qobject_cast<const QListWidget*>(item))
-        parts << QStringLiteral("selected %1").arg(list->currentItem() && list->currentItem()->isSelected() ? list->currentRow() : -1);
-    if (const auto* view = qobject_cast<const QTreeWidget*>(item)) {
-        QTreeWidgetItem* current = view->currentItem();
-        parts << QStringLiteral("selected %1").arg(current && current->isSelected() ? view->indexOfTopLevelItem(current) : -1);
-    }
+    if (qobject_cast<const QListWidget*>(item) || qobject_cast<const QTreeWidget*>(item))
+        parts << QStringLiteral("selected %1").arg(selectedRow(static_cast<const QAbstractItemView*>(item)));
     if (const auto* combo = qobject_cast<const QComboBox*>(item))
         parts << QStringLiteral("selected %1").arg(combo->currentIndex());
     return parts.join(QLatin1Char(' '));
@@ -303,6 +317,20 @@ QString rowLines(const QWidget* item)
 }
 
 }  // namespace
+
+void pressKey(QWidget& receiver, Qt::Key key)
+{
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(&receiver, &press);
+    QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(&receiver, &release);
+}
+
+void pressEnter(ModalSubject& subject)
+{
+    QWidget* focus = subject.window->focusWidget();
+    pressKey(focus ? *focus : *subject.window, Qt::Key_Return);
+}
 
 std::wstring describeDialog(const ModalSubject& subject)
 {

@@ -5,7 +5,11 @@
 // with a line on the command line and changes nothing.
 #pragma once
 
+#include <QtCore/qnamespace.h>
+
 #include <string>
+
+class QWidget;
 
 namespace kaldo {
 class Editor;
@@ -16,6 +20,13 @@ namespace kaldo::dlg {
 struct ModalSubject;
 
 void performScriptAction(const std::wstring& line, ModalSubject& subject, Editor& editor);
+
+// A key pressed and released on receiver as a keyboard sends it: the
+// dialog's key handling (PreTranslateMessage) sees it first.
+void pressKey(QWidget& receiver, Qt::Key key);
+// The Enter key pressed in the window (an empty script line): it goes to
+// the focus widget and on as a pressed Enter does.
+void pressEnter(ModalSubject& subject);
 
 // What SHOW prints: the title line, then a line per item.
 std::wstring describeDialog(const ModalSubject& subject);

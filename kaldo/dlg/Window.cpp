@@ -104,8 +104,12 @@ void CWnd::SetWindowText(const std::wstring& text)
         edit->setText(value);
     else if (auto* combo = qobject_cast<QComboBox*>(m_widget); combo && combo->isEditable())
         combo->setEditText(value);
-    else if (auto* label = qobject_cast<QLabel*>(m_widget))
+    else if (auto* label = qobject_cast<QLabel*>(m_widget)) {
+        // Texts come from drawings and files: markup in them is shown as
+        // typed, never read as formatting.
+        label->setTextFormat(Qt::PlainText);
         label->setText(value);
+    }
     else if (auto* group = qobject_cast<QGroupBox*>(m_widget))
         group->setTitle(value);
 }

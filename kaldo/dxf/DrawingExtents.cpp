@@ -6,6 +6,8 @@
 #include "kxdbsymtb.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace kaldo::dxf {
 
@@ -14,10 +16,18 @@ namespace {
 struct Box {
     KxGePoint3d min{1e20, 1e20, 1e20};
     KxGePoint3d max{-1e20, -1e20, -1e20};
+    // Extents stay finite: a point beyond the largest number (a circle that
+    // reaches further) counts as lying at it, and one that is no number
+    // counts not at all; the writer names the entity that holds one.
     void add(const KxGePoint3d& p)
     {
-        min = {std::min(min.x, p.x), std::min(min.y, p.y), std::min(min.z, p.z)};
-        max = {std::max(max.x, p.x), std::max(max.y, p.y), std::max(max.z, p.z)};
+        if (std::isnan(p.x) || std::isnan(p.y) || std::isnan(p.z))
+            return;
+        constexpr double kLargest = std::numeric_limits<double>::max();
+        const KxGePoint3d q(std::clamp(p.x, -kLargest, kLargest), std::clamp(p.y, -kLargest, kLargest),
+                            std::clamp(p.z, -kLargest, kLargest));
+        min = {std::min(min.x, q.x), std::min(min.y, q.y), std::min(min.z, q.z)};
+        max = {std::max(max.x, q.x), std::max(max.y, q.y), std::max(max.z, q.z)};
     }
     void add(const KxGePoint3d& center, double radius)
     {

@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "kaldo/dxf/KeptSections.h"
 #include "kaldo/dxf/Progress.h"
@@ -23,6 +25,9 @@ struct DxfDrawing {
 
     std::unique_ptr<KxDbDatabase> database;
     KeptSections kept;
+    // What the reader repaired in a file that other programs wrote with
+    // faults, a sentence each for the user to read.
+    std::vector<std::string> repairs;
 };
 
 // Reads a whole drawing. Throws DxfError naming the line for anything that

@@ -156,6 +156,15 @@ void readObjectsSection(GroupReader& reader, ReadContext& context, ProgressMeter
     throw DxfError(g.line, "the file ends inside the objects.");
 }
 
+// A key for an entry whose name another entry of the dictionary has (case
+// aside): the name with the first free "_2", "_3", ... after it.
+std::wstring freeKey(const KxDbDictionary& dict, const std::wstring& name)
+{
+    for (int n = 2;; ++n)
+        if (const std::wstring key = name + L"_" + std::to_wstring(n); !dict.has(key.c_str()))
+            return key;
+}
+
 void resolveReferences(ReadContext& context)
 {
     KxDbDatabase& db = context.db;
@@ -166,11 +175,23 @@ void resolveReferences(ReadContext& context)
         if (!obj)
             throw DxfError(entry.line, "the dictionary entry \"" + kxutToMultiByte(entry.name) + "\" points to handle "
                                            + handleText(entry.handle) + ", which no object has.");
-        if (dict->handle() == context.mlineStyleDictionaryHandle && !KxDbMlineStyle::cast(obj))
+        auto* style = KxDbMlineStyle::cast(obj);
+        if (dict->handle() == context.mlineStyleDictionaryHandle && !style)
             throw DxfError(entry.line, "the multiline style \"" + kxutToMultiByte(entry.name) + "\" points to handle "
                                            + handleText(entry.handle) + ", which is no multiline style.");
+        // Keys are the same without regard to case here: a second spelling
+        // of a key would take the first one's place and drop its object.
+        std::wstring key = entry.name;
+        if (KxDbObjectId taken; dict->getAt(key.c_str(), taken) == Kald::eOk && taken != target) {
+            key = freeKey(*dict, entry.name);
+            context.repairs.push_back("line " + std::to_string(entry.line) + ": the dictionary entry \""
+                                      + kxutToMultiByte(entry.name) + "\" repeats a name of the dictionary "
+                                      + "(case aside); it is kept as \"" + kxutToMultiByte(key) + "\".");
+            if (style && kaldo::sameName(style->name(), entry.name))
+                style->setName(key.c_str());
+        }
         KxDbObjectId id;
-        dict->setAt(entry.name.c_str(), obj, id);
+        dict->setAt(key.c_str(), obj, id);
     }
     for (const ReadContext::OwnerReference& ref : context.ownerReferences) {
         KxDbObject* obj = db.peekObject(ref.object);
@@ -180,50 +201,87 @@ void resolveReferences(ReadContext& context)
     }
 }
 
-// Puts the lists of every vertex in the order of the style's elements; a
-// record that vertices share is put in order once.
-void reorderElements(KxDbMline& mline, const std::vector<std::size_t>& places, long line)
+// The records of the multiline's vertices, each once (neighbours share).
+std::vector<KxDbMlineParamsPtr> vertexRecords(const KxDbMline& mline)
 {
-    const KxDbMlineVertexParams* previous = nullptr;
+    std::vector<KxDbMlineParamsPtr> records;
     for (int v = 0; v < mline.numVertices(); ++v) {
         KxArray params;
         mline.getParametersAt(v, params);
-        const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
-        if (record.get() == previous)
-            continue;
-        previous = record.get();
-        if (record->elements.size() != places.size())
-            throw DxfError(line, "the multiline has another number of elements than its style.");
-        std::vector<KxDbMlineElementParams> ordered(places.size());
-        for (std::size_t i = 0; i < places.size(); ++i)
-            ordered[places[i]] = std::move(record->elements[i]);
-        record->elements = std::move(ordered);
+        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
+        if (records.empty() || records.back().get() != record.get())
+            records.push_back(std::move(record));
     }
+    return records;
 }
 
+// Fits the lists of every vertex to the style's elements: the lists of the
+// elements the style kept, in the style's order. False, with nothing
+// changed, when a vertex lists another number of elements than the file
+// gave the style.
+bool fitElements(KxDbMline& mline, const KxDbMlineStyle& style, const ReadContext::StyleElementOrder* order)
+{
+    const std::size_t listed = order ? order->listed : std::size_t(style.numElements());
+    for (int v = 0; v < mline.numVertices(); ++v)
+        if (mline.parametersAt(v)->elements.size() != listed)
+            return false;
+    if (!order)
+        return true;
+    for (const KxDbMlineParamsPtr& record : vertexRecords(mline)) {
+        std::vector<KxDbMlineElementParams> ordered(order->places.size());
+        for (std::size_t i = 0; i < order->places.size(); ++i)
+            ordered[order->places[i]] = std::move(record->elements[i]);
+        record->elements = std::move(ordered);
+    }
+    return true;
+}
+
+// Gives every multiline its style. A multiline whose style handle points
+// to no style takes STANDARD, and one whose lists do not fit its style's
+// elements is laid out anew in that style (its runs drawn whole), so that
+// files other programs wrote with such faults open.
 void resolveMlineStyles(ReadContext& context)
 {
     KxDbDatabase& db = context.db;
     const auto* styles = KxDbDictionary::cast(db.peekObject(db.mlineStyleDictionaryId()));
     KxDbObjectId standard;
     styles->getAt(kxdbStandardStyleName, standard);
+    int restyled = 0;
+    int laidOut = 0;
     for (const ReadContext::StyleReference& ref : context.styleReferences) {
         KxDbObjectId style;
         if (ref.handle != 0) {
             style = db.objectIdFromHandle(ref.handle);
-            if (!KxDbMlineStyle::cast(db.peekObject(style)))
-                throw DxfError(ref.line, "the multiline's style handle points to no multiline style.");
+            if (!KxDbMlineStyle::cast(db.peekObject(style))) {
+                style = standard;
+                ++restyled;
+            }
         } else if (styles->getAt(ref.name.c_str(), style) != Kald::eOk) {
             style = standard;
         }
         auto* mline = KxDbMline::cast(db.peekObject(ref.mline));
-        if (const auto places = context.styleElementPlaces.find(db.peekObject(style)->handle());
-            places != context.styleElementPlaces.end())
-            reorderElements(*mline, places->second, ref.line);
-        KxDbSystemInternals::getImpObject(mline)->setStoredProperties(
-            style, mline->justification(), mline->scale(), mline->normal(), mline->closedMline(),
-            mline->supressStartCaps(), mline->supressEndCaps());
+        const auto* styleObject = KxDbMlineStyle::cast(db.peekObject(style));
+        const auto order = context.styleElementOrders.find(styleObject->handle());
+        if (fitElements(*mline, *styleObject,
+                        order == context.styleElementOrders.end() ? nullptr : &order->second)) {
+            KxDbSystemInternals::getImpObject(mline)->setStoredProperties(
+                style, mline->justification(), mline->scale(), mline->normal(), mline->closedMline(),
+                mline->supressStartCaps(), mline->supressEndCaps());
+        } else if (mline->setStyle(style) == Kald::eOk) {
+            ++laidOut;
+        } else {
+            throw DxfError(ref.line, "the multiline's lists do not fit its style, and laid out anew in it "
+                                     "its numbers would not be finite.");
+        }
     }
+    if (restyled > 0)
+        context.repairs.push_back(std::to_string(restyled) + (restyled == 1 ? " multiline points" : " multilines point")
+                                  + " to no multiline style; now " + (restyled == 1 ? "it uses" : "they use")
+                                  + " STANDARD.");
+    if (laidOut > 0)
+        context.repairs.push_back(std::to_string(laidOut) + (laidOut == 1 ? " multiline lists" : " multilines list")
+                                  + " another number of elements than " + (laidOut == 1 ? "its" : "their")
+                                  + " style; now laid out anew in it, every element drawn whole.");
 }
 
 }  // namespace
@@ -280,6 +338,7 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
     addMissingRecords(context);
     resolveMlineStyles(context);
     resolveHeaderReferences(context);
+    drawing.repairs = std::move(context.repairs);
     meter.finish();
     return drawing;
 }

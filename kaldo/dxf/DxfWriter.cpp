@@ -5,6 +5,7 @@
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/dxf/AtomicFile.h"
+#include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/EntityRecords.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/HeaderSection.h"
@@ -13,6 +14,7 @@
 #include "kaldo/dxf/TablesSection.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
 #include "kxdbdatabase.h"
+#include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
 #include "kxstring.h"
@@ -70,12 +72,28 @@ void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
     writeUnmodelledRecord(w, record->dxfName(), record->groups(), record->handle());
 }
 
+// A record that cannot be written: the message names it, so that the user
+// knows what to change.
+[[noreturn]] void refuseRecord(const KxDbObject& obj, const DxfError& error)
+{
+    std::string named = "the object with handle " + handleText(obj.handle());
+    if (const auto* style = KxDbMlineStyle::cast(&obj))
+        named = "the multiline style \"" + kxutToMultiByte(style->name()) + "\" (handle " + handleText(obj.handle()) + ")";
+    else if (KxDbEntity::cast(&obj))
+        named = "the entity with handle " + handleText(obj.handle());
+    throw DxfError(0, named + ": " + error.what());
+}
+
 void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTableRecord& block, NameCache& names,
                      ProgressMeter& meter)
 {
     for (auto it = block.newIterator(); !it->done(); it->step())
         if (const auto* entity = KxDbEntity::cast(db.peekObject(it->getEntityId()))) {
-            writeEntity(w, db, *entity, names);
+            try {
+                writeEntity(w, db, *entity, names);
+            } catch (const DxfError& e) {
+                refuseRecord(*entity, e);
+            }
             meter.record();
         }
 }
@@ -130,8 +148,12 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
         writeObject(w, db, *root);
     for (const KxDbObjectId id : ids) {
         const KxDbObject* obj = db.peekObject(id);
-        if (obj && obj != root && !obj->isErased() && writeObject(w, db, *obj))
-            meter.record();
+        try {
+            if (obj && obj != root && !obj->isErased() && writeObject(w, db, *obj))
+                meter.record();
+        } catch (const DxfError& e) {
+            refuseRecord(*obj, e);
+        }
     }
     w.text(0, "ENDSEC");
     for (const KeptBlock& section : kept.sections)

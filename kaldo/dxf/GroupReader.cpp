@@ -1,6 +1,7 @@
 #include "kaldo/dxf/GroupReader.h"
 
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/RecordWriting.h"
 
 #include <bit>
 #include <charconv>
@@ -346,18 +347,18 @@ std::int64_t toInteger(const Group& group)
     return value;
 }
 
-bool tryHandle(std::string_view text, std::uint64_t& handle)
+bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest)
 {
     text = trimmed(text);
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), handle, 16);
-    return !text.empty() && ec == std::errc() && end == text.data() + text.size() && handle <= kHighestFileHandle;
+    return !text.empty() && ec == std::errc() && end == text.data() + text.size() && handle <= highest;
 }
 
-std::uint64_t toHandle(const Group& group)
+std::uint64_t toHandle(const Group& group, std::uint64_t highest)
 {
     std::uint64_t value = 0;
-    if (!tryHandle(group.value, value))
-        notANumber(group, "a handle up to FFFFFFFF00000000");
+    if (!tryHandle(group.value, value, highest))
+        notANumber(group, ("a handle up to " + handleText(highest)).c_str());
     return value;
 }
 

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "kxdbdatabase.h"
+
 namespace kaldo::dxf {
 
 struct Group {
@@ -64,13 +66,11 @@ private:
 // Value conversions that name the group's line when the text is no number.
 double toReal(const Group& group);
 std::int64_t toInteger(const Group& group);
-// Handles above this are left for the objects a drawing makes once it is
-// read, so that new handles never run out or wrap around.
-inline constexpr std::uint64_t kHighestFileHandle = 0xFFFFFFFF00000000u;
-// A handle: hexadecimal digits, at most kHighestFileHandle.
-std::uint64_t toHandle(const Group& group);
+// A handle: hexadecimal digits, at most kxdbHighestHandle (a handle seed
+// may be one above).
+std::uint64_t toHandle(const Group& group, std::uint64_t highest = kxdbHighestHandle);
 // The same without complaint: false for text that is no such handle.
-bool tryHandle(std::string_view text, std::uint64_t& handle);
+bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest = kxdbHighestHandle);
 inline std::string_view trimmed(std::string_view text)
 {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))

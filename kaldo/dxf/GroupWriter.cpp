@@ -4,6 +4,7 @@
 #include "kaldo/util/FileAccess.h"
 #include "kxstring.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -82,7 +83,12 @@ void GroupWriter::text(int groupCode, std::string_view value)
 
 void GroupWriter::wide(int groupCode, const std::wstring& value)
 {
-    text(groupCode, kxutToMultiByte(value));
+    // A value is one line of the file: a line end within a text of the
+    // drawing (a style file may hold a lone carriage return) is written as
+    // a blank, so that the file reads back in step.
+    std::string line = kxutToMultiByte(value);
+    std::replace_if(line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    text(groupCode, line);
 }
 
 void GroupWriter::real(int groupCode, double value)

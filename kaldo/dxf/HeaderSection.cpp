@@ -56,7 +56,7 @@ void apply(const Variable& v, ReadContext& context, KxGePoint3d ucs[3])
     if (v.name == "$ACADVER") {
         context.kept.version = std::string(trimmed(first.value));
     } else if (v.name == "$HANDSEED") {
-        const std::uint64_t seed = toHandle(first);
+        const std::uint64_t seed = toHandle(first, kxdbHighestHandle + 1);
         if (db.setHandseed(std::max<std::uint64_t>(seed, db.handseed())) != Kald::eOk)
             badValue();
     } else if (v.name == "$CMLSTYLE") {

@@ -209,11 +209,15 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
 
 void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mline)
 {
+    // The reader refuses a style handle that points to no style: such a
+    // multiline is not saved either (its style was erased).
     const auto* style = KxDbMlineStyle::cast(db.peekObject(mline.style()));
+    if (!style || style->isErased())
+        throw DxfError(0, "the multiline has no multiline style (it was erased); give it one before saving.");
     const int n = mline.numVertices();
     const KxDbMlineVertexParams* first = mline.parametersAt(0);
     w.text(100, "AcDbMline");
-    w.wide(2, style ? std::wstring(style->name()) : std::wstring(kxdbStandardStyleName));
+    w.wide(2, style->name());
     w.handle(340, handleOf(db, mline.style()));
     w.real(40, mline.scale());
     w.integer(70, mline.justification());
@@ -221,9 +225,9 @@ void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mli
                       | (mline.supressStartCaps() ? kSuppressStart : 0) | (mline.supressEndCaps() ? kSuppressEnd : 0));
     // A style without elements is written with one element that the
     // multiline does not draw: a list with its distance and no runs.
-    const bool axisElement = style && style->numElements() == 0 && (!first || first->elements.empty());
+    const bool axisElement = style->numElements() == 0 && (!first || first->elements.empty());
     w.integer(72, n);
-    w.integer(73, axisElement ? 1 : first ? long(first->elements.size()) : (style ? style->numElements() : 0));
+    w.integer(73, axisElement ? 1 : first ? long(first->elements.size()) : style->numElements());
     w.point(10, mline.vertexAt(0));
     w.vector(210, mline.normal());
     for (int i = 0; i < n; ++i) {

@@ -105,11 +105,12 @@ void readMlineStyle(const Record& record, ReadContext& context)
             return true;
         }
         case 51:
-            style->setStartAngle(toReal(g) * (std::numbers::pi / 180.0));
+        case 52: {
+            const double radians = toReal(g) * (std::numbers::pi / 180.0);
+            if ((g.code == 51 ? style->setStartAngle(radians) : style->setEndAngle(radians)) != Kald::eOk)
+                throw DxfError(g.line + 1, "the cap angle is out of range.");
             return true;
-        case 52:
-            style->setEndAngle(toReal(g) * (std::numbers::pi / 180.0));
-            return true;
+        }
         case 71:
             inElements = true;
             return true;
@@ -133,13 +134,21 @@ void readMlineStyle(const Record& record, ReadContext& context)
         }
     });
     style->setFillColor(fill);
-    for (const Element& e : elements) {
+    // A style holds at most kxdbMaxMlineStyleElements: the first ones the
+    // file lists are kept.
+    const std::size_t kept = std::min(elements.size(), std::size_t(kxdbMaxMlineStyleElements));
+    for (std::size_t i = 0; i < kept; ++i) {
         int index = 0;
-        style->addElement(index, e.offset, e.color, context.linetype(e.linetype), false);
+        style->addElement(index, elements[i].offset, elements[i].color, context.linetype(elements[i].linetype), false);
     }
+    if (kept < elements.size())
+        context.repairs.push_back("line " + std::to_string(record.line()) + ": the multiline style \""
+                                  + kxutToMultiByte(style->name()) + "\" lists " + std::to_string(elements.size())
+                                  + " elements; the first " + std::to_string(kept) + " are kept and "
+                                  + std::to_string(elements.size() - kept) + " left out, from its multilines too.");
     // The style keeps its elements by offset, largest first (equal offsets
     // in file order); multilines follow the file's order.
-    std::vector<std::size_t> order(elements.size());
+    std::vector<std::size_t> order(kept);
     std::iota(order.begin(), order.end(), std::size_t(0));
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t a, std::size_t b) { return elements[a].offset > elements[b].offset; });
@@ -148,8 +157,8 @@ void readMlineStyle(const Record& record, ReadContext& context)
         places[order[place]] = place;
     const bool reordered = !std::is_sorted(order.begin(), order.end());
     const KxDbObjectId id = context.add(style.release(), std::move(basics));
-    if (reordered)
-        context.styleElementPlaces[context.db.peekObject(id)->handle()] = std::move(places);
+    if (reordered || kept < elements.size())
+        context.styleElementOrders[context.db.peekObject(id)->handle()] = {elements.size(), std::move(places)};
 }
 
 void writeDictionary(GroupWriter& w, const KxDbDatabase& db, const KxDbDictionary& dict)
@@ -158,7 +167,13 @@ void writeDictionary(GroupWriter& w, const KxDbDatabase& db, const KxDbDictionar
     w.text(100, "AcDbDictionary");
     writeKeptPart(w, dict, 1);
     const int entryCode = dict.isTreatElementsAsHard() ? 360 : 350;
+    const bool styles = dict.objectId() == db.mlineStyleDictionaryId();
     for (auto it = dict.newIterator(); !it->done(); it->next()) {
+        // The reader refuses an entry of the style dictionary that names
+        // something else: such a drawing is not saved either.
+        if (styles && !KxDbMlineStyle::cast(db.peekObject(it->objectId())))
+            throw DxfError(0, "the multiline style dictionary's entry \"" + kxutToMultiByte(it->name())
+                                  + "\" names no multiline style.");
         w.wide(3, it->name());
         w.handle(entryCode, handleOf(db, it->objectId()));
     }
@@ -224,9 +239,22 @@ void readObject(const Record& record, ReadContext& context)
             readDictionary(record, context, true);
             return;
         }
-        if (context.mlineStyleDictionaryHandle != 0 && rawRecordBasics(record).handle == context.mlineStyleDictionaryHandle) {
-            readDictionary(record, context, false);
-            return;
+        // The style dictionary is the first record of its handle. A second
+        // one (a file of two OBJECTS sections) would take the styles from
+        // it: it is left out.
+        const std::uint64_t handle = context.mlineStyleDictionaryHandle;
+        if (handle != 0 && rawRecordBasics(record).handle == handle) {
+            const KxDbObjectId taken = context.db.objectIdFromHandle(handle);
+            if (taken.isNull()) {
+                readDictionary(record, context, false);
+                return;
+            }
+            if (KxDbDictionary::cast(context.db.peekObject(taken))) {
+                context.repairs.push_back("line " + std::to_string(record.line())
+                                          + ": a second record of the multiline style dictionary (handle "
+                                          + handleText(handle) + ") is left out.");
+                return;
+            }
         }
     } else if (kind == "MLINESTYLE") {
         readMlineStyle(record, context);

@@ -14,6 +14,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <numeric>
 #include <set>
 #include <vector>
 
@@ -171,9 +173,13 @@ private:
     {
         const Extents extents = drawingExtents(db_);
         const bool empty = extents.min.x > extents.max.x;
-        const double cx = empty ? 0 : (extents.min.x + extents.max.x) / 2;
-        const double cy = empty ? 0 : (extents.min.y + extents.max.y) / 2;
-        const double height = empty ? 10 : std::max(extents.max.y - extents.min.y, 1e-3);
+        // Extents may span more than the largest number: the middle is taken
+        // without overflow and the height kept to the largest number.
+        const double cx = empty ? 0 : std::midpoint(extents.min.x, extents.max.x);
+        const double cy = empty ? 0 : std::midpoint(extents.min.y, extents.max.y);
+        const double height = empty ? 10
+                                    : std::clamp(extents.max.y - extents.min.y, 1e-3,
+                                                 std::numeric_limits<double>::max());
         tableHead("VPORT", 1);
         w_.text(0, "VPORT");
         w_.text(2, "*ACTIVE");

@@ -44,10 +44,17 @@ struct ReadContext {
         long line;
     };
     std::vector<DictionaryEntry> dictionaryEntries;
-    // Styles whose elements the file lists in another order than by offset:
-    // for each element in file order, its place in the style. The lists of
-    // the style's multilines are put in the same order.
-    std::unordered_map<std::uint64_t, std::vector<std::size_t>> styleElementPlaces;
+    // Styles whose elements the file lists in another order than by offset,
+    // or more of them than a style holds: how many the file lists and, for
+    // each element kept in file order, its place in the style. The lists of
+    // the style's multilines are kept and put in order the same way.
+    struct StyleElementOrder {
+        std::size_t listed = 0;
+        std::vector<std::size_t> places;
+    };
+    std::unordered_map<std::uint64_t, StyleElementOrder> styleElementOrders;
+    // What the reader repaired so that the drawing opens, a sentence each.
+    std::vector<std::string> repairs;
     struct OwnerReference {
         KxDbObjectId object;
         std::uint64_t owner;

@@ -38,8 +38,14 @@ void writeColor(GroupWriter& w, const KxCmColor& color, bool indexWithTrueColor)
         w.integer(62, color.colorIndex());
     if (color.isByColor())
         w.integer(420, color.color() & 0xFFFFFFu);
-    if (color.hasColorBookNames() || *color.colorName())
-        w.wide(430, color.getDictionaryKey());
+    // A colour name without its book has no key: it is written alone, as a
+    // key without "$" reads back, when it holds no "$" itself.
+    const std::wstring key = color.getDictionaryKey();
+    const std::wstring name = color.colorName();
+    if (!key.empty())
+        w.wide(430, key);
+    else if (!name.empty() && name.find(L'$') == std::wstring::npos)
+        w.wide(430, name);
 }
 
 }  // namespace kaldo::dxf

@@ -176,9 +176,9 @@ void giveTableHeadAHandle(KeptBlock& table, ReadContext& context)
                                    [](const KxDbFileGroup& g) { return g.code == 0 || g.code == 5; });
     if (head != table.groups.end() && head->code == 5)
         return;
-    const std::uint64_t handle = std::max(context.db.handseed(), context.maxHandle + 1);
-    context.db.setHandseed(handle + 1);
-    context.maxHandle = handle;
+    context.db.setHandseed(std::max(context.db.handseed(), context.maxHandle + 1));
+    const std::uint64_t handle = context.db.reserveNewHandle();
+    context.maxHandle = std::max(context.maxHandle, handle);
     table.groups.insert(table.groups.begin(), {{5, 0, handleText(handle)},
                                                {330, 0, "0"},
                                                {100, 0, "AcDbSymbolTable"}});
@@ -198,8 +198,10 @@ void readKeptTable(GroupReader& reader, ReadContext& context, const std::string&
             break;
         // Dimension styles give their handle as 105 and use 5 for a block name.
         std::uint64_t handle = 0;
-        if ((g.code == 105 || (g.code == 5 && name != "DIMSTYLE")) && tryHandle(g.value, handle))
+        if ((g.code == 105 || (g.code == 5 && name != "DIMSTYLE")) && tryHandle(g.value, handle)) {
             context.maxHandle = std::max(context.maxHandle, handle);
+            context.db.reserveHandle(handle);
+        }
         table.groups.push_back({std::int16_t(g.code), 0, std::string(g.value)});
     }
     throw DxfError(line, "the table " + name + " has no ENDTAB.");

@@ -5,6 +5,8 @@
 #include "kaldo/ed/Text.h"
 #include "kaldo/ed/Units.h"
 
+#include <cmath>
+
 namespace kaldo {
 
 Editor::Editor() : variables_(*this) {}
@@ -68,6 +70,19 @@ std::optional<double> Editor::typedNumber(std::wstring_view text, DragNumbers nu
     return angles.clockwise ? -*angle : *angle;
 }
 
+std::wstring Editor::typedCoordinates(const KxGePoint3d& world) const
+{
+    const KxGePoint3d p = worldToUcs(currentUcs(), world);
+    const auto text = [this](double value) {
+        return formatDistance(value, variables_.shortValue(L"LUNITS", 2), variables_.shortValue(L"LUPREC", 4),
+                              variables_.shortValue(L"DIMZIN", 0));
+    };
+    std::wstring coordinates = text(p.x) + L"," + text(p.y);
+    if (std::abs(p.z) > kxGeTolerance)
+        coordinates += L"," + text(p.z);
+    return coordinates;
+}
+
 AngleConvention Editor::angleConvention() const
 {
     return {variables_.shortValue(L"AUNITS", 0), variables_.realValue(L"ANGBASE", 0.0),
@@ -101,6 +116,9 @@ InputEvent Editor::next(bool wantMotion)
             return event;
         case InputEvent::Kind::Text:
             write(event.text + L"\n");
+            return event;
+        case InputEvent::Kind::Point:
+            write(typedCoordinates(event.point) + L"\n");
             return event;
         case InputEvent::Kind::Cancel:
             pending_.clear();
@@ -143,7 +161,8 @@ int Editor::ask(std::wstring_view prompt, int flags, const InputRequest& request
     write(prompt);
     announce(request);
     while (true) {
-        const InputEvent event = next();
+        // An entity pick follows the cursor, to show what a click would take.
+        const InputEvent event = next(request.kind == InputRequest::Kind::Entity);
         if (event.kind == InputEvent::Kind::Text && ranTransparent(event.text)) {
             write(prompt);
             continue;
@@ -178,7 +197,7 @@ bool Editor::takeKeyword(const Controls& controls, std::wstring_view text)
 
 int Editor::getCommand(std::wstring& word)
 {
-    controls_ = {};
+    clearControls();
     redraw(nullptr, 4);
     implied_ = implied_.withoutErased();
     highlight(implied_.ids(), 3);
@@ -216,9 +235,19 @@ int Editor::getCommand(std::wstring& word)
 
 int Editor::getPoint(const KxGePoint3d* base, std::wstring_view prompt, KxGePoint3d& out)
 {
+    return askPoint(base, false, prompt, out);
+}
+
+int Editor::getCorner(const KxGePoint3d& base, std::wstring_view prompt, KxGePoint3d& out)
+{
+    return askPoint(&base, true, prompt, out);
+}
+
+int Editor::askPoint(const KxGePoint3d* base, bool corner, std::wstring_view prompt, KxGePoint3d& out)
+{
     const Controls controls = takeControls();
     const KxGePoint3d reference = base ? *base : variables_.pointValue(L"LASTPOINT");
-    InputRequest request{InputRequest::Kind::Point, base != nullptr, {}, false, controls.keywords};
+    InputRequest request{InputRequest::Kind::Point, base != nullptr, {}, false, controls.keywords, corner};
     if (base)
         request.base = ucsToWorld(currentUcs(), *base);
     return ask(prompt, controls.flags, request, [&](const InputEvent& event) -> std::optional<int> {
@@ -269,6 +298,10 @@ int Editor::getString(bool acceptBlanks, std::wstring_view prompt, std::wstring&
         if (event.kind != InputEvent::Kind::Text) {
             complain(L"Requires a text.", prompt);
             return std::nullopt;
+        }
+        if (const auto index = matchKeyword(controls.keywords, trimmed(event.text))) {
+            keyword_ = controls.keywords[*index].global;
+            return RTKWORD;
         }
         if (acceptBlanks) {
             out = event.text;

@@ -3,7 +3,7 @@
 // variables and the current view. One command thread uses it.
 //
 // Transcript: prompts and messages as written, then what was typed (echoed
-// after the prompt) and a line end. A text that starts with a line break
+// after the prompt; a clicked point as its typed coordinates) and a line end. A text that starts with a line break
 // while the transcript already stands at the start of a line loses that one
 // line break, so that prompts written as "\nCommand: " do not leave blank
 // lines behind each answer.
@@ -16,6 +16,7 @@
 #include "kaldo/ed/SelectionSet.h"
 #include "kaldo/ed/SystemVariables.h"
 #include "kaldo/ed/View.h"
+#include "kxdbid.h"
 #include "kxtypes.h"
 
 #include <deque>
@@ -44,6 +45,9 @@ public:
     using TransparentHandler = std::function<bool(std::wstring_view name)>;
     // Called for kxedTextScr: a window shows its larger text window.
     using TextScreenListener = std::function<void()>;
+    // Called while an entity pick waits, with the entity a click at the
+    // cursor would take (null for none), and with null when the pick ends.
+    using HoverListener = std::function<void(const KxDbObjectId& entity)>;
 
     // What the command line waits for: told to a window each time a prompt
     // starts waiting (not for every cursor motion of a drag).
@@ -53,7 +57,10 @@ public:
         KxGePoint3d base;           // world; the anchor of a rubber band
         bool acceptBlanks = false;  // a blank is part of the answer
         std::vector<Keyword> keywords;
-        bool rectangle = false;  // the point is a window's opposite corner to base
+        bool corner = false;  // the rubber band is the box from base to the cursor
+        // The box is a selection window: to the right of base a window, to
+        // the left a crossing.
+        bool selectionWindow = false;
     };
     using RequestListener = std::function<void(const InputRequest&)>;
 
@@ -81,6 +88,7 @@ public:
     const std::wstring& runningCommand() const { return runningCommand_; }
     void setRequestListener(RequestListener listener) { requestListener_ = std::move(listener); }
     void setTextScreenListener(TextScreenListener listener) { textScreenListener_ = std::move(listener); }
+    void setHoverListener(HoverListener listener) { hoverListener_ = std::move(listener); }
     // Switches to the text screen; nothing to show without a window.
     void showTextScreen();
 
@@ -96,14 +104,22 @@ public:
     InputEvent nextDialogInput();
 
     void initGet(int flags, std::wstring_view keywords);
+    // The keywords initGet set for the next input, and their end without one.
+    const std::vector<Keyword>& pendingKeywords() const { return controls_.keywords; }
+    void clearControls() { controls_ = {}; }
     int getPoint(const KxGePoint3d* base, std::wstring_view prompt, KxGePoint3d& out);
+    // A point as getPoint reads it: the opposite corner of a box from base,
+    // which a window shows as the box.
+    int getCorner(const KxGePoint3d& base, std::wstring_view prompt, KxGePoint3d& out);
     int getReal(std::wstring_view prompt, double& out);
     int getString(bool acceptBlanks, std::wstring_view prompt, std::wstring& out);
     int getKeyword(std::wstring_view prompt, std::wstring& out);
     // The last keyword read (see kxedGetInput); RTERROR when there is none.
     int lastKeyword(std::wstring& out) const;
     // See kxedEntSel; point is in user coordinates. The picked entity is
-    // highlighted (kxedRedraw mode 3) until the next command prompt.
+    // highlighted (kxedRedraw mode 3) until the next command prompt; a point
+    // that hits nothing writes "No object found.". Cursor motion while it
+    // waits goes to the hover listener.
     int entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& point);
 
     // "Select objects:" until Enter: a point picks the entity within the
@@ -149,6 +165,9 @@ public:
 
     // How a typed angle is read (AUNITS, ANGBASE, ANGDIR).
     AngleConvention angleConvention() const;
+    // A world point as it would be typed: "x,y" in user coordinates and the
+    // linear units (",z" when z is not 0).
+    std::wstring typedCoordinates(const KxGePoint3d& world) const;
 
 private:
     struct Controls {
@@ -162,6 +181,9 @@ private:
     using Handler = std::function<std::optional<int>(const InputEvent&)>;
 
     Controls takeControls();
+    int askPoint(const KxGePoint3d* base, bool corner, std::wstring_view prompt, KxGePoint3d& out);
+    // The entity a pick at world takes: the nearest within the pick box.
+    KxDbObjectId entityAt(const KxGePoint3d& world);
     // The next input, echoed on the transcript; motion only when asked for.
     InputEvent next(bool wantMotion = false);
     // The loop every get function shares: prompt, read, and answer cancel,
@@ -206,6 +228,7 @@ private:
     std::wstring runningCommand_;
     RequestListener requestListener_;
     TextScreenListener textScreenListener_;
+    HoverListener hoverListener_;
     Controls controls_;
     std::optional<std::wstring> keyword_;
     SystemVariables variables_;

@@ -4,11 +4,10 @@
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/ed/Coordinates.h"
 #include "kaldo/ed/Editor.h"
+#include "kaldo/ed/PrintfText.h"
 #include "kaldo/ed/Text.h"
 
 #include <cstdarg>
-#include <cwchar>
-#include <vector>
 
 using kaldo::currentEditor;
 
@@ -155,20 +154,19 @@ int kxutPrintf(const wchar_t* format, ...)
 {
     if (!currentEditor() || !format)
         return RTERROR;
-    std::vector<wchar_t> buffer(512);
-    while (true) {
-        std::va_list args;
-        va_start(args, format);
-        const int n = std::vswprintf(buffer.data(), buffer.size(), format, args);
-        va_end(args);
-        if (n >= 0) {
-            currentEditor()->write(std::wstring_view(buffer.data(), static_cast<std::size_t>(n)));
-            return RTNORM;
-        }
-        if (buffer.size() >= (std::size_t{1} << 20))
-            return RTERROR;
-        buffer.resize(buffer.size() * 4);
-    }
+    std::va_list args;
+    va_start(args, format);
+    const auto text = kaldo::printfText(format, args);
+    va_end(args);
+    if (!text)
+        return RTERROR;
+    currentEditor()->write(*text);
+    return RTNORM;
+}
+
+std::wstring kxutFormatV(const wchar_t* format, std::va_list args)
+{
+    return format ? kaldo::printfText(format, args).value_or(std::wstring()) : std::wstring();
 }
 
 int kxedTextScr()

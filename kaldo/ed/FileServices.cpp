@@ -1,17 +1,20 @@
 // Finding files and asking the user for a file name.
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
+#include "kaldo/ed/FileDialog.h"
 #include "kaldo/ed/Text.h"
 #include "kaldo/util/GuiThread.h"
 #include "kxed.h"
 #include "kxstring.h"
 
 #include <QApplication>
-#include <QFileDialog>
 #include <QString>
+#include <QWidget>
 
 #include <filesystem>
+#include <optional>
 #include <system_error>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -46,14 +49,30 @@ std::wstring withExtension(std::wstring name, const wchar_t* extension, int flag
     return name;
 }
 
+// "Enter file name or [Exploded] <default>: ", the keywords those that
+// kxedInitGet set for this prompt.
+std::wstring filePrompt(const std::wstring& fallback, const std::vector<kaldo::Keyword>& keywords)
+{
+    std::wstring prompt = L"\nEnter file name";
+    std::wstring listed;
+    for (const kaldo::Keyword& keyword : keywords)
+        if (!keyword.local.empty())
+            listed += (listed.empty() ? L"" : L"/") + keyword.local;
+    if (!listed.empty())
+        prompt += L" or [" + listed + L"]";
+    if (!fallback.empty())
+        prompt += L" <" + fallback + L">";
+    return prompt + L": ";
+}
+
 int chooseOnCommandLine(kaldo::Editor& editor, const wchar_t* defaultName, const wchar_t* extension, int flags,
                         std::wstring& chosen)
 {
     const std::wstring fallback = defaultName ? defaultName : L"";
-    const std::wstring prompt =
-        fallback.empty() ? L"\nEnter file name: " : L"\nEnter file name <" + fallback + L">: ";
     std::wstring typed;
-    const int result = editor.getString(true, prompt, typed);
+    const int result = editor.getString(true, filePrompt(fallback, editor.pendingKeywords()), typed);
+    if (result == RTKWORD)
+        return RTKWORD;
     if (result == RTNONE && !fallback.empty())
         typed = fallback;
     else if (result != RTNORM)
@@ -84,22 +103,30 @@ int chooseFromScriptLine(kaldo::Editor& editor, std::wstring& chosen)
 }
 
 int chooseInDialog(const wchar_t* title, const wchar_t* defaultName, const wchar_t* extension, int flags,
-                   const wchar_t* filter, std::wstring& chosen)
+                   const wchar_t* filter, int* fileType, std::wstring& chosen)
 {
-    const QString caption = QString::fromWCharArray(title ? title : L"");
-    const QString start = QString::fromWCharArray(defaultName ? defaultName : L"");
-    QString filters = filter ? QString::fromWCharArray(filter) : QString();
-    if (filters.isEmpty() && extension && *extension)
-        filters = QStringLiteral("*.%1").arg(QString::fromWCharArray(extension));
-    QString name;
+    kaldo::FileDialogRequest request;
+    request.title = QString::fromWCharArray(title ? title : L"");
+    request.start = QString::fromWCharArray(defaultName ? defaultName : L"");
+    request.extension = QString::fromWCharArray(extension ? extension : L"");
+    request.forWriting = flags & 0x1;
+    request.asTyped = flags & 0x4;
+    request.fileTypes = QString::fromWCharArray(filter ? filter : L"");
+    request.fileType = fileType ? *fileType : 0;
+    std::optional<kaldo::FileDialogChoice> choice;
     kaldo::runOnGuiThread([&] {
         QWidget* owner = QApplication::activeModalWidget();
-        name = (flags & 0x1) ? QFileDialog::getSaveFileName(owner, caption, start, filters)
-                             : QFileDialog::getOpenFileName(owner, caption, start, filters);
+        choice = kaldo::chooseFileInDialog(owner, request);
+        // The dialog it opened over becomes active again, as window
+        // managers make it (a platform without one would leave none).
+        if (owner)
+            owner->activateWindow();
     });
-    if (name.isEmpty())
+    if (!choice)
         return RTCAN;
-    chosen = name.toStdWString();
+    chosen = choice->path.toStdWString();
+    if (fileType)
+        *fileType = choice->fileType;
     return 0;
 }
 
@@ -117,7 +144,7 @@ int kxedFindFile(const wchar_t* name, wchar_t* out, std::size_t size)
 }
 
 int getFileNameByFileDialog(const wchar_t* title, const wchar_t* defaultName, const wchar_t* extension, int flags,
-                            wchar_t*& outName, int*, int*, const wchar_t* filter)
+                            wchar_t*& outName, int*, int* fileType, const wchar_t* filter)
 {
     outName = nullptr;
     kaldo::Editor* editor = kaldo::currentEditor();
@@ -125,14 +152,18 @@ int getFileNameByFileDialog(const wchar_t* title, const wchar_t* defaultName, co
         return RTERROR;
     const bool onCommandLine = editor->variables().shortValue(L"FILEDIA", 1) == 0 || editor->scriptFeedsInput()
         || !qobject_cast<QApplication*>(QCoreApplication::instance());
+    const bool scriptInDialog = editor->scriptFeedsInput() && QApplication::activeModalWidget();
     std::wstring chosen;
     int result = RTCAN;
-    if (editor->scriptFeedsInput() && QApplication::activeModalWidget())
-        result = chooseFromScriptLine(*editor, chosen);
-    else if (onCommandLine)
+    if (onCommandLine && !scriptInDialog) {
         result = chooseOnCommandLine(*editor, defaultName, extension, flags, chosen);
-    else
-        result = chooseInDialog(title, defaultName, extension, flags, filter, chosen);
+    } else {
+        // Keywords are typed on the command line only; kxedInitGet's end
+        // here as at any other input.
+        editor->clearControls();
+        result = scriptInDialog ? chooseFromScriptLine(*editor, chosen)
+                                : chooseInDialog(title, defaultName, extension, flags, filter, fileType, chosen);
+    }
     if (result == 0)
         outName = kxutNewString(chosen.c_str());
     return result;

@@ -21,7 +21,7 @@ struct InputEvent {
     enum class Kind {
         Text,        // a line typed by the user (text holds it, without line end)
         Point,       // a point picked in the window (point, world coordinates)
-        Motion,      // the cursor moved (point, world coordinates); only drags use it
+        Motion,      // the cursor moved (point, world coordinates); drags and entity picks use it
         Enter,       // an empty response
         Cancel,      // the user cancelled (^C, Escape); text may say why
         EndOfInput,  // the source has nothing more to give

@@ -44,7 +44,8 @@ int Editor::getWorldPoint(std::wstring_view prompt, const KxGePoint3d* corner, K
 {
     const Ucs ucs = currentUcs();
     InputRequest request{InputRequest::Kind::Point, corner != nullptr, corner ? *corner : KxGePoint3d(), false, {}};
-    request.rectangle = corner != nullptr;
+    request.corner = corner != nullptr;
+    request.selectionWindow = corner != nullptr;
     const KxGePoint3d reference = corner ? worldToUcs(ucs, *corner) : variables_.pointValue(L"LASTPOINT");
     return ask(prompt, 0, request, [&](const InputEvent& event) -> std::optional<int> {
         if (event.kind == InputEvent::Kind::Point) {
@@ -78,6 +79,11 @@ Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId
     KxGePoint3d picked;
     const InputRequest request{InputRequest::Kind::Entity, false, {}, false, controls.keywords};
     const int result = ask(prompt, 0, request, [&](const InputEvent& event) -> std::optional<int> {
+        if (event.kind == InputEvent::Kind::Motion) {
+            if (hoverListener_)
+                hoverListener_(entityAt(event.point));
+            return std::nullopt;
+        }
         if (event.kind == InputEvent::Kind::Point) {
             picked = event.point;
         } else if (const auto typed = parsePointInput(event.text, variables_.pointValue(L"LASTPOINT"), angleConvention())) {
@@ -90,6 +96,8 @@ Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId
         }
         return RTNORM;
     });
+    if (hoverListener_)
+        hoverListener_(KxDbObjectId());
     if (result == RTCAN)
         return StepResult::Cancelled;
     if (result == RTNONE)
@@ -112,9 +120,7 @@ Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId
 
 Editor::StepResult Editor::pickedAt(const KxGePoint3d& picked, std::vector<KxDbObjectId>& found, SelectionSet& set)
 {
-    const KxDbDatabase* db = host().database;
-    const double tolerance = variables_.shortValue(L"PICKBOX", 3) * view_.unitSquarePerPixel();
-    const KxDbObjectId hit = db ? pickIndex_.nearest(*db, picked, tolerance) : KxDbObjectId();
+    const KxDbObjectId hit = entityAt(picked);
     if (!hit.isNull()) {
         found = {hit};
         return StepResult::Found;

@@ -68,10 +68,7 @@ std::wstring scientificText(double value, int precision, int dimzin)
 
 std::wstring decimalText(double value, int precision, int dimzin)
 {
-    std::wstring text = fixedText(value, precision);
-    if (text.empty() || text.size() > kMaxNumberText)
-        return scientificText(value, precision, dimzin);
-    return suppressZeros(std::move(text), dimzin);
+    return suppressZeros(fixedText(value, precision), dimzin);
 }
 
 // Joins feet and inches as the low two DIMZIN bits ask.
@@ -259,8 +256,9 @@ std::optional<double> parseBearing(std::wstring_view text)
 std::wstring formatDistance(double value, int unit, int precision, int dimzin)
 {
     precision = clampPrecision(precision);
+    if (unit == 1 || (std::isfinite(value) && std::fabs(value) >= kLargestPlainNumber))
+        return scientificText(value, precision, dimzin);
     switch (unit) {
-    case 1: return scientificText(value, precision, dimzin);
     case 3: return engineeringText(value, precision, dimzin);
     case 4: return architecturalText(value, precision, dimzin, true);
     case 5: return architecturalText(value, precision, dimzin, false);
@@ -282,6 +280,19 @@ std::wstring formatAngle(double radians, int unit, int precision, int dimzin)
     }
 }
 
+namespace {
+
+// An angle of halfTurn units to the half turn (180 degrees, 200 gradians)
+// in radians. A number so large that its product with pi overflows is
+// divided first, so that every finite angle gives finite radians.
+double toRadians(double angle, double halfTurn)
+{
+    const double radians = angle * kPi / halfTurn;
+    return std::isfinite(radians) ? radians : angle / halfTurn * kPi;
+}
+
+}  // namespace
+
 std::optional<double> parseAngle(std::wstring_view text, int unit)
 {
     text = trimmed(text);
@@ -290,7 +301,7 @@ std::optional<double> parseAngle(std::wstring_view text, int unit)
     const wchar_t first = static_cast<wchar_t>(std::towupper(static_cast<wint_t>(text.front())));
     if (first == L'N' || first == L'S' || first == L'E' || first == L'W') {
         const auto degrees = parseBearing(text);
-        return degrees ? std::optional(*degrees * kPi / 180) : std::nullopt;
+        return degrees ? std::optional(toRadians(*degrees, 180)) : std::nullopt;
     }
     std::size_t used = 0;
     const auto number = parseLeadingReal(text, used);
@@ -299,17 +310,17 @@ std::optional<double> parseAngle(std::wstring_view text, int unit)
     const std::wstring_view suffix = text.substr(used);
     if (suffix.empty()) {
         if (unit == 2)
-            return *number * kPi / 200;
+            return toRadians(*number, 200);
         if (unit == 3)
             return *number;
-        return *number * kPi / 180;
+        return toRadians(*number, 180);
     }
     if (equalsNoCase(suffix, L"r"))
         return *number;
     if (equalsNoCase(suffix, L"g"))
-        return *number * kPi / 200;
+        return toRadians(*number, 200);
     const auto degrees = parseDegrees(text);
-    return degrees ? std::optional(*degrees * kPi / 180) : std::nullopt;
+    return degrees ? std::optional(toRadians(*degrees, 180)) : std::nullopt;
 }
 
 }  // namespace kaldo

@@ -11,6 +11,9 @@
 // bit 8 trailing zeros ("1.5000" -> "1.5", "2.0000" -> "2"); for feet and
 // inches the low two bits choose which zero feet or inches are shown
 // (0 drops both, 1 keeps both, 2 keeps zero feet, 3 keeps zero inches).
+// A value of kLargestPlainNumber or more (inches for units 3 to 5) is
+// written as unit 1 writes it, whatever the unit; units 3 to 5 switch
+// sooner when the value counted in steps of their precision passes 9e15.
 #pragma once
 
 #include <optional>
@@ -19,9 +22,10 @@
 
 namespace kaldo {
 
-// Texts of numbers are at most this long (fractions of huge values switch to
-// scientific form to stay within it).
-constexpr std::size_t kMaxNumberText = 131;
+// Values of this magnitude and beyond are written in scientific form in
+// every linear unit ("1.0000E+15"): a double holds no more than 15 or 16
+// significant digits, so longer whole parts would show noise.
+constexpr double kLargestPlainNumber = 1e15;
 
 std::wstring formatDistance(double value, int unit, int precision, int dimzin);
 std::wstring formatAngle(double radians, int unit, int precision, int dimzin);

@@ -1,6 +1,7 @@
 #include "kaldo/ui/Canvas.h"
 
 #include "kaldo/ui/ViewGeometry.h"
+#include "kaldo/view/DrawingRenderer.h"
 #include "kaldo/view/PngExport.h"
 
 #include <QMouseEvent>
@@ -25,6 +26,7 @@ constexpr double kMarker = 6;
 constexpr double kWheelZoom = 1.25;
 
 const QColor kHighlight(80, 160, 255);
+const QColor kHover(150, 220, 255);
 const QColor kCursor(220, 220, 220);
 const QColor kSnapMark(255, 200, 0);
 
@@ -131,10 +133,19 @@ void Canvas::showHighlight(std::shared_ptr<const view::Scene> scene)
     update();
 }
 
+void Canvas::showHover(std::shared_ptr<const view::Scene> scene)
+{
+    hover_ = std::move(scene);
+    update();
+}
+
 void Canvas::setInputState(const InputState& state)
 {
     input_ = state;
     aim();
+    // A pick shows what it would take before the cursor moves.
+    if (input_.kind == Kind::Entity && cursor_)
+        emit cursorMoved(aim_);
     update();
 }
 
@@ -190,7 +201,6 @@ const QImage& Canvas::drawingPicture()
     scaled.widthPixels = pixels.width();
     scaled.heightPixels = pixels.height();
     const view::PictureFrame frame = frameOf(scaled);
-    const view::PaintDetail detail{drawing_.index.get(), true};
     // A pan by whole pixels moves the picture and paints the strips it
     // uncovers only.
     const double shiftX = (pictureFor_.centre.x - placement_.centre.x) / scaled.unitsPerPixel;
@@ -199,9 +209,30 @@ const QImage& Canvas::drawingPicture()
         && pictureFor_.unitsPerPixel == placement_.unitsPerPixel && std::abs(shiftX - std::round(shiftX)) < 1e-6
         && std::abs(shiftY - std::round(shiftY)) < 1e-6 && std::abs(shiftX) < pixels.width()
         && std::abs(shiftY) < pixels.height();
-    if (scroll) {
-        const int dx = int(std::lround(shiftX));
-        const int dy = int(std::lround(shiftY));
+    try {
+        paintPicture(pixels, background, frame, scroll ? std::optional<QPoint>(QPoint(int(std::lround(shiftX)),
+                                                                                    int(std::lround(shiftY))))
+                                                      : std::nullopt);
+    } catch (...) {
+        // The picture stays empty; why is said once for each scene.
+        picture_ = QImage(pixels, QImage::Format_RGB32);
+        picture_.fill(background);
+        reportFailure(std::current_exception());
+    }
+    picture_.setDevicePixelRatio(ratio);
+    pictureFor_ = placement_;
+    pictureScene_ = drawing_.scene.get();
+    pictureValid_ = true;
+    return picture_;
+}
+
+void Canvas::paintPicture(const QSize& pixels, const QColor& background, const view::PictureFrame& frame,
+                          const std::optional<QPoint>& shift)
+{
+    const view::PaintDetail detail{drawing_.index.get(), true};
+    if (shift) {
+        const int dx = shift->x();
+        const int dy = shift->y();
         QImage moved(pixels, QImage::Format_RGB32);
         moved.fill(background);
         QPainter painter(&moved);
@@ -222,11 +253,15 @@ const QImage& Canvas::drawingPicture()
             view::paintScene(picture_, *drawing_.scene, frame, kBackground,
                              std::clamp(int(std::thread::hardware_concurrency()), 1, kMostBands), detail);
     }
-    picture_.setDevicePixelRatio(ratio);
-    pictureFor_ = placement_;
-    pictureScene_ = drawing_.scene.get();
-    pictureValid_ = true;
-    return picture_;
+}
+
+void Canvas::reportFailure(const std::exception_ptr& failure)
+{
+    if (failedScene_ == drawing_.scene.get())
+        return;
+    failedScene_ = drawing_.scene.get();
+    emit paintFailed(QStringLiteral("The drawing cannot be painted: %1.")
+                         .arg(QString::fromStdString(view::failureReason(failure))));
 }
 
 void Canvas::paintEvent(QPaintEvent*)
@@ -234,7 +269,11 @@ void Canvas::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.drawImage(QPointF(0, 0), drawingPicture());
     painter.setRenderHint(QPainter::Antialiasing);
-    paintOverlays(painter);
+    try {
+        paintOverlays(painter);
+    } catch (...) {
+        reportFailure(std::current_exception());
+    }
 }
 
 void Canvas::paintOverlays(QPainter& painter)
@@ -246,6 +285,11 @@ void Canvas::paintOverlays(QPainter& painter)
         painter.setBrush(Qt::NoBrush);
         strokeScene(painter, *highlight_, placement_);
     }
+    if (hover_ && cursor_ && input_.kind == Kind::Entity) {
+        painter.setPen(QPen(kHover, 2));
+        painter.setBrush(Qt::NoBrush);
+        strokeScene(painter, *hover_, placement_);
+    }
     if (dragScene_ && input_.kind == Kind::Drag)
         view::paintScene(painter, *dragScene_, frameOf(placement_), kBackground, 0, height());
     if (!cursor_)
@@ -253,7 +297,12 @@ void Canvas::paintOverlays(QPainter& painter)
     const QPointF at = pixelAt(placement_, aim_);
     if (input_.kind == Kind::Point && input_.hasBase) {
         painter.setPen(QPen(kCursor, 1, Qt::DashLine));
-        painter.drawLine(pixelAt(placement_, input_.base), at);
+        painter.setBrush(Qt::NoBrush);
+        const QPointF base = pixelAt(placement_, input_.base);
+        if (input_.corner)
+            painter.drawRect(QRectF(base, at).normalized());
+        else
+            painter.drawLine(base, at);
     }
     painter.setPen(QPen(kCursor, 1));
     painter.setBrush(Qt::NoBrush);
@@ -309,7 +358,7 @@ void Canvas::mouseMoveEvent(QMouseEvent* event)
     }
     aim();
     emit cursorAt(worldAt(placement_, event->position()));
-    if (input_.kind == Kind::Drag)
+    if (input_.kind == Kind::Drag || input_.kind == Kind::Entity)
         emit cursorMoved(aim_);
     update();
 }

@@ -1,18 +1,22 @@
 // The drawing canvas: shows the published drawing as the renderer draws
-// it, with the drag's entity, highlights, the crosshair, the pick box and
-// the snap marker on top. The drawing is painted once per view into a
+// it, with the drag's entity, highlights, the entity a pick would take, the
+// crosshair, the pick box and the snap marker on top. The drawing is painted once per view into a
 // picture that each frame only copies, so that a frame costs the same for
 // any drawing; a pan moves the picture and paints what it uncovers. Middle drag pans, the wheel zooms at the cursor, a middle
 // double click shows everything. Left clicks give points: snapped and
-// ortho-constrained where the command line asks for a point.
+// ortho-constrained where the command line asks for a point. While an
+// entity pick waits, the cursor's motion goes to the command thread, which
+// answers with the entity under it.
 #pragma once
 
 #include "kaldo/ed/View.h"
 #include "kaldo/ui/CommandRunner.h"
+#include "kaldo/view/Picture.h"
 
 #include <QImage>
 #include <QWidget>
 
+#include <exception>
 #include <memory>
 #include <optional>
 
@@ -29,6 +33,8 @@ public:
     void showDrawing(const PublishedDrawing& drawing);
     void showDragScene(std::shared_ptr<const view::Scene> scene);
     void showHighlight(std::shared_ptr<const view::Scene> scene);
+    // The entity an entity pick would take at the cursor (null for none).
+    void showHover(std::shared_ptr<const view::Scene> scene);
     void setInputState(const InputState& state);
     // Shows the whole drawing.
     void zoomExtents();
@@ -48,6 +54,8 @@ signals:
     // The cursor's drawing point as it is, for the status bar.
     void cursorAt(const kaldo::view::Point2& world);
     void placementChanged(const kaldo::ViewPlacement& placement);
+    // Painting stopped (memory ran out): said once for each scene.
+    void paintFailed(const QString& text);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -62,6 +70,11 @@ protected:
 private:
     void place(const ViewPlacement& placement);
     const QImage& drawingPicture();
+    // Paints the drawing into picture_: whole, or after moving it by shift
+    // pixels only the strips that the move uncovers.
+    void paintPicture(const QSize& pixels, const QColor& background, const view::PictureFrame& frame,
+                      const std::optional<QPoint>& shift);
+    void reportFailure(const std::exception_ptr& failure);
     bool wantsPoint() const;
     void paintOverlays(QPainter& painter);
     // Works out where the cursor aims (snapped, constrained) after it or
@@ -75,8 +88,10 @@ private:
     bool pictureValid_ = false;
     ViewPlacement pictureFor_;                  // what picture_ shows
     const view::Scene* pictureScene_ = nullptr;
+    const view::Scene* failedScene_ = nullptr;  // the scene whose failure was said
     std::shared_ptr<const view::Scene> dragScene_;
     std::shared_ptr<const view::Scene> highlight_;
+    std::shared_ptr<const view::Scene> hover_;
     InputState input_;
     bool snapsOn_ = true;
     bool orthoOn_ = false;

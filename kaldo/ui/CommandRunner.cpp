@@ -8,7 +8,6 @@
 #include "kxstring.h"
 
 #include <algorithm>
-#include <set>
 #include <string>
 
 namespace kaldo::ui {
@@ -26,6 +25,7 @@ CommandRunner::CommandRunner(Session& session) : session_(session)
     editor.setRedrawListener([this](const std::int64_t* entity, int mode) { redrawn(entity, mode); });
     editor.setDragListener([this](const KxDbEntity* entity) { dragged(entity); });
     editor.setTextScreenListener([this] { emitOnGui([this] { emit textScreenRequested(); }); });
+    editor.setHoverListener([this](const KxDbObjectId& entity) { hovered(entity); });
     editor.view().setListener([this](const ViewPlacement& placement) {
         emitOnGui([this, placement] { emit viewPlaced(placement); });
     });
@@ -44,6 +44,7 @@ CommandRunner::~CommandRunner()
     editor.setRedrawListener({});
     editor.setDragListener({});
     editor.setTextScreenListener({});
+    editor.setHoverListener({});
     editor.view().setListener({});
 }
 
@@ -72,7 +73,17 @@ void CommandRunner::postAtCommandPrompt(Work work)
 
 void CommandRunner::run()
 {
-    runCommandLoop(session_);
+    // Nothing leaves the thread: what escapes the command loop (work posted
+    // to the queue runs outside any command) is said, and the loop goes on.
+    while (true) {
+        try {
+            runCommandLoop(session_);
+            break;
+        } catch (...) {
+            session_.editor().write(
+                L"\nStopped: " + kxutFromMultiByte(view::failureReason(std::current_exception())) + L".\n");
+        }
+    }
     ended_ = true;
     emitOnGui([this] { emit loopEnded(); });
 }
@@ -98,21 +109,33 @@ void CommandRunner::publishIfChanged()
     if (!redraw && modified == published_.modified && path == published_.path)
         return;
     if (redraw) {
-        std::set<std::string> undrawn;
-        auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db, &undrawn));
-        // Said once for each drawing that becomes the working drawing.
-        if (!undrawn.empty() && (!published_.valid || published_.serial != session_.drawingSerial())) {
-            std::wstring kinds;
-            for (const std::string& kind : undrawn)
-                kinds += (kinds.empty() ? L"" : L", ") + kxutFromMultiByte(kind);
-            session_.editor().write(L"\nNot drawn in the window: " + kinds + L".\n");
+        // Said once for each drawing that becomes the working drawing; a
+        // drawing that cannot be drawn shows nothing and says so once.
+        const bool another = !published_.valid || published_.serial != session_.drawingSerial();
+        view::RenderNotes notes;
+        std::wstring said;
+        try {
+            auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db, &notes));
+            published_.snaps = std::make_shared<const SnapGeometry>(*scene);
+            published_.index = std::make_shared<const view::SceneIndex>(*scene);
+            published_.scene = std::move(scene);
+            published_.failed = false;
+        } catch (...) {
+            if (another || !published_.failed)
+                said = L"The drawing cannot be shown in the window: "
+                    + kxutFromMultiByte(view::failureReason(std::current_exception())) + L".\n";
+            published_.scene = std::make_shared<const view::Scene>();
+            published_.snaps = std::make_shared<const SnapGeometry>(*published_.scene);
+            published_.index = std::make_shared<const view::SceneIndex>(*published_.scene);
+            published_.failed = true;
         }
-        published_.snaps = std::make_shared<const SnapGeometry>(*scene);
-        published_.index = std::make_shared<const view::SceneIndex>(*scene);
-        published_.scene = std::move(scene);
+        if (another)
+            said = view::describeNotes(notes, L"the window") + said;
+        if (!said.empty())
+            session_.editor().write(L"\n" + said);
     }
     published_ = {&db, session_.drawingSerial(), db.changeCount(), modified, path, published_.scene,
-                  published_.snaps, published_.index, true};
+                  published_.snaps, published_.index, true, published_.failed};
     PublishedDrawing drawing{published_.scene, published_.snaps, published_.index, session_.drawingSerial(), modified,
                              QString::fromStdWString(path)};
     emitOnGui([this, drawing] { emit drawingPublished(drawing); });
@@ -132,6 +155,7 @@ void CommandRunner::requested(const Editor::InputRequest& request)
     state.kind = request.kind;
     state.hasBase = request.hasBase;
     state.base = {request.base.x, request.base.y};
+    state.corner = request.corner;
     state.acceptBlanks = request.acceptBlanks;
     for (const Keyword& keyword : request.keywords)
         if (!keyword.local.empty())
@@ -179,6 +203,17 @@ void CommandRunner::publishHighlight()
     }
     auto scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), entities));
     emitOnGui([this, scene] { emit highlightChanged(scene); });
+}
+
+void CommandRunner::hovered(const KxDbObjectId& entity)
+{
+    if (entity == hovered_)
+        return;
+    hovered_ = entity;
+    std::shared_ptr<const view::Scene> scene;
+    if (const KxDbObjectPtr<KxDbEntity> opened(entity, KxDb::kForRead); opened)
+        scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), {opened.get()}));
+    emitOnGui([this, scene] { emit hoverChanged(scene); });
 }
 
 void CommandRunner::dragged(const KxDbEntity* entity)

@@ -50,6 +50,7 @@ struct InputState {
     Editor::InputRequest::Kind kind = Editor::InputRequest::Kind::Command;
     bool hasBase = false;
     view::Point2 base;
+    bool corner = false;  // the rubber band is the box from base
     bool acceptBlanks = false;
     QStringList keywords;  // local words
     int pickbox = 3;
@@ -95,6 +96,8 @@ signals:
     void drawingPublished(const kaldo::ui::PublishedDrawing& drawing);
     void dragSceneChanged(std::shared_ptr<const kaldo::view::Scene> scene);
     void highlightChanged(std::shared_ptr<const kaldo::view::Scene> scene);
+    // The entity under the cursor while an entity pick waits; null for none.
+    void hoverChanged(std::shared_ptr<const kaldo::view::Scene> scene);
     void inputRequested(const kaldo::ui::InputState& state);
     void viewPlaced(const kaldo::ViewPlacement& placement);
     void textScreenRequested();
@@ -115,6 +118,7 @@ private:
     void requested(const Editor::InputRequest& request);
     void redrawn(const std::int64_t* entity, int mode);
     void dragged(const KxDbEntity* entity);
+    void hovered(const KxDbObjectId& entity);
     void publishHighlight();
     void runPromptWork();
 
@@ -134,8 +138,10 @@ private:
         std::shared_ptr<const SnapGeometry> snaps;
         std::shared_ptr<const view::SceneIndex> index;
         bool valid = false;
+        bool failed = false;  // the drawing could not be drawn
     } published_;
     std::vector<KxDbObjectId> highlighted_;
+    KxDbObjectId hovered_;
     bool dragShown_ = false;
     bool atPrompt_ = false;
 

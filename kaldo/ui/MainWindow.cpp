@@ -2,6 +2,7 @@
 
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/ed/FileDialog.h"
 #include "kaldo/ed/Units.h"
 #include "kaldo/ui/Canvas.h"
 #include "kaldo/ui/CommandLine.h"
@@ -10,17 +11,20 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDockWidget>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProgressDialog>
+#include <QScreen>
 #include <QStatusBar>
+#include <QStyle>
 #include <QToolBar>
 #include <QTimer>
 #include <QToolButton>
+
+#include <algorithm>
 
 namespace kaldo::ui {
 
@@ -30,6 +34,8 @@ constexpr const wchar_t* kSection = L"Window";
 constexpr int kRecentFiles = 6;
 // The progress window's bar counts in thousandths.
 constexpr int kProgressSteps = 1000;
+// The window first opens on this share of the screen's width and height.
+constexpr double kFirstShare = 0.8;
 const QString kDxfFilter = QStringLiteral("Drawings (*.dxf);;All files (*)");
 
 QByteArray toBytes(const std::optional<std::vector<unsigned char>>& value)
@@ -61,7 +67,6 @@ MainWindow::MainWindow(CommandRunner& runner)
     statusBar()->addWidget(coordinates_);
     buildActions();
     connectRunner();
-    resize(1200, 800);
     restoreSettings();
     setWindowTitle(QStringLiteral("Drawing1.dxf[*] - kaldo"));
     runner_.start();
@@ -162,6 +167,7 @@ void MainWindow::connectRunner()
     connect(&runner_, &CommandRunner::drawingPublished, this, &MainWindow::drawingPublished);
     connect(&runner_, &CommandRunner::dragSceneChanged, canvas_, &Canvas::showDragScene);
     connect(&runner_, &CommandRunner::highlightChanged, canvas_, &Canvas::showHighlight);
+    connect(&runner_, &CommandRunner::hoverChanged, canvas_, &Canvas::showHover);
     connect(&runner_, &CommandRunner::viewPlaced, canvas_, &Canvas::setPlacement);
     connect(&runner_, &CommandRunner::textScreenRequested, this, [this] { showTextWindow(true); });
     connect(&runner_, &CommandRunner::progressed, this, &MainWindow::showProgress);
@@ -179,6 +185,9 @@ void MainWindow::connectRunner()
     connect(canvas_, &Canvas::cursorMoved, this,
             [this](const view::Point2& p) { runner_.push(InputEvent::moved({p.x, p.y, 0})); });
     connect(canvas_, &Canvas::cursorAt, this, &MainWindow::showCoordinates);
+    connect(canvas_, &Canvas::paintFailed, this, [this](const QString& text) {
+        runner_.post([this, line = L"\n" + text.toStdWString() + L"\n"] { runner_.session().editor().write(line); });
+    });
     connect(commandLine_, &CommandLine::answered, this, [this](const QString& text) {
         runner_.push(text.isEmpty() ? InputEvent::enter() : InputEvent::typed(text.toStdWString()));
     });
@@ -188,12 +197,47 @@ void MainWindow::connectRunner()
 void MainWindow::restoreSettings()
 {
     const Profile& profile = runner_.session().profile();
-    restoreGeometry(toBytes(profile.getBinary(kSection, L"Geometry")));
+    if (restoreGeometry(toBytes(profile.getBinary(kSection, L"Geometry")))) {
+        fitIntoScreen();
+    } else {
+        const QRect available = screen()->availableGeometry();
+        QRect first(QPoint(), (QSizeF(available.size()) * kFirstShare).toSize());
+        first.moveCenter(available.center());
+        setGeometry(first);
+    }
     restoreState(toBytes(profile.getBinary(kSection, L"DockLayout")));
     for (int i = 1; i <= kRecentFiles; ++i)
         if (const auto path = profile.getString(kSection, L"Recent" + std::to_wstring(i)); path && !path->empty())
             recent_ << QString::fromStdWString(*path);
     rebuildRecentMenu();
+}
+
+void MainWindow::fitIntoScreen()
+{
+    if (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen))
+        return;
+    // The frame is known once the window shows (then it is fitted again);
+    // before, a title bar's height is kept free above the window.
+    const QRect outer = frameGeometry();
+    QRect placed = geometry();
+    const QMargins frame = outer == placed
+        ? QMargins(0, style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0)
+        : QMargins(placed.left() - outer.left(), placed.top() - outer.top(), outer.right() - placed.right(),
+                   outer.bottom() - placed.bottom());
+    const QRect inside = screen()->availableGeometry().marginsRemoved(frame);
+    placed.setSize(placed.size().boundedTo(inside.size()));
+    placed.moveLeft(std::clamp(placed.left(), inside.left(), inside.right() + 1 - placed.width()));
+    placed.moveTop(std::clamp(placed.top(), inside.top(), inside.bottom() + 1 - placed.height()));
+    setGeometry(placed);
+}
+
+void MainWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    if (!shownOnce_) {
+        shownOnce_ = true;
+        fitIntoScreen();
+    }
 }
 
 void MainWindow::storeSettings()
@@ -273,12 +317,20 @@ MainWindow::SaveFirst MainWindow::askToSave()
     return answer == QMessageBox::Yes ? SaveFirst::Yes : answer == QMessageBox::No ? SaveFirst::No : SaveFirst::Cancel;
 }
 
-QString MainWindow::savePath(bool askAlways)
+QString MainWindow::savePath(bool askAlways, SaveAsType* type)
 {
     if (!askAlways && !drawing_.path.isEmpty())
         return drawing_.path;
-    const QString start = drawing_.path.isEmpty() ? QStringLiteral("Drawing1.dxf") : drawing_.path;
-    return QFileDialog::getSaveFileName(this, tr("Save Drawing As"), start, kDxfFilter);
+    FileDialogRequest request;
+    request.title = tr("Save Drawing As");
+    request.start = drawing_.path.isEmpty() ? QStringLiteral("Drawing1.dxf") : drawing_.path;
+    request.extension = QStringLiteral("dxf");
+    request.forWriting = true;
+    request.fileTypes = type ? QString::fromWCharArray(kSaveAsFileTypes) : kDxfFilter;
+    const auto chosen = chooseFileInDialog(this, request);
+    if (chosen && type)
+        *type = SaveAsType(chosen->fileType);
+    return chosen ? chosen->path : QString();
 }
 
 void MainWindow::saveThen(const QString& path, std::function<void(const dxf::ProgressReport&)> next,
@@ -292,7 +344,7 @@ void MainWindow::saveThen(const QString& path, std::function<void(const dxf::Pro
     // drawing and its file as they were.
     const int run = ++busyRuns_;
     QTimer::singleShot(500, this, [this, run, busyText] {
-        if (finishedRuns_ >= run || busy_)
+        if (finishedRuns_ >= run || busy_ || busyText.isEmpty())
             return;
         busy_ = new QProgressDialog(busyText, tr("Cancel"), 0, kProgressSteps, this);
         busy_->setWindowModality(Qt::WindowModal);
@@ -324,19 +376,31 @@ void MainWindow::showProgress(std::uint64_t done, std::uint64_t total)
         busy_->setValue(int(done * kProgressSteps / total));
 }
 
-void MainWindow::save(bool askAlways)
+void MainWindow::save(bool saveAs)
 {
-    const QString path = savePath(askAlways);
-    if (!path.isEmpty())
+    SaveAsType type = SaveAsType::Drawing;
+    const QString path = savePath(saveAs, saveAs ? &type : nullptr);
+    if (path.isEmpty())
+        return;
+    if (type == SaveAsType::Drawing) {
         saveThen(path, {}, tr("Saving %1...").arg(QFileInfo(path).fileName()));
+        return;
+    }
+    // A copy takes no progress report: it shows no progress window.
+    saveThen({}, [this, path, type](const dxf::ProgressReport&) {
+        saveAsReporting(runner_.session(), path.toStdWString(), type);
+    }, {});
 }
 
 void MainWindow::chooseAndOpen()
 {
-    const QString start = drawing_.path.isEmpty() ? QString() : QFileInfo(drawing_.path).absolutePath();
-    const QString path = QFileDialog::getOpenFileName(this, tr("Open Drawing"), start, kDxfFilter);
-    if (!path.isEmpty())
-        openFile(path);
+    FileDialogRequest request;
+    request.title = tr("Open Drawing");
+    request.start = drawing_.path.isEmpty() ? QString() : QFileInfo(drawing_.path).absolutePath();
+    request.extension = QStringLiteral("dxf");
+    request.fileTypes = kDxfFilter;
+    if (const auto chosen = chooseFileInDialog(this, request))
+        openFile(chosen->path);
 }
 
 void MainWindow::openFile(const QString& path)

@@ -3,9 +3,11 @@
 // the commands, the cursor's coordinates and the snap and ortho switches
 // in the status bar. The window keeps its geometry, dock layout and recent
 // files in the profile (section "Window"), read when it opens and written
-// when it closes, while no command runs.
+// when it closes, while no command runs. It always opens inside the
+// available part of its screen.
 #pragma once
 
+#include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/dxf/Progress.h"
 #include "kaldo/ui/CommandRunner.h"
 
@@ -48,13 +50,18 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     enum class SaveFirst { Yes, No, Cancel };
 
     void buildActions();
     void connectRunner();
+    // Geometry, dock layout and recent files from the profile. The first
+    // time, the window takes a share of the screen it opens on; a stored
+    // geometry is fitted into that screen's available part.
     void restoreSettings();
+    void fitIntoScreen();
     void storeSettings();
     void drawingPublished(const PublishedDrawing& drawing);
     void showCoordinates(const view::Point2& world);
@@ -66,16 +73,19 @@ private:
     // The unsaved-changes question; No when nothing is unsaved.
     SaveFirst askToSave();
     // The file to save the drawing in: its own, else one chosen in a dialog
-    // (empty when none was chosen).
-    QString savePath(bool askAlways);
+    // (empty when none was chosen). Given type, the dialog offers SAVEAS's
+    // file types and type receives the one chosen.
+    QString savePath(bool askAlways, SaveAsType* type = nullptr);
     // Cancels what runs and, at the command prompt, saves into path when
     // it is not empty; then runs next (on the command thread, given the
     // progress report to pass on) unless the drawing still holds unsaved
-    // changes after a save. busyText names the work in the progress window.
+    // changes after a save. busyText names the work in the progress window
+    // (none shows without it).
     void saveThen(const QString& path, std::function<void(const dxf::ProgressReport&)> next,
                   const QString& busyText);
     void showProgress(std::uint64_t done, std::uint64_t total);
-    void save(bool askAlways);
+    // Save, or Save As (SAVEAS's file types: the drawing or an exploded copy).
+    void save(bool saveAs);
     void chooseAndOpen();
     void commandLoopEnded();
 
@@ -98,6 +108,7 @@ private:
     std::atomic<int> cancelledRuns_ = 0;
     bool closing_ = false;
     bool loopEnded_ = false;
+    bool shownOnce_ = false;
 };
 
 }  // namespace kaldo::ui

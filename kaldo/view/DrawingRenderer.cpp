@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <new>
 #include <numbers>
 #include <unordered_map>
 
@@ -45,22 +46,34 @@ void drawCircle(const KxDbCircle& circle, int pen, Scene& scene)
 // share a few styles.
 using OpenStyles = std::unordered_map<KxDbObjectId, KxDbObjectPtr<KxDbMlineStyle>>;
 
-// Blocks inside blocks are drawn this deep at most (a block that holds
-// itself would go on for ever).
+// Blocks inside blocks are drawn this deep at most.
 constexpr int kDeepestBlock = 8;
 constexpr int kBlockArcSegments = 64;
 
 // Where a block's points go: p -> origin + rotation * (scaleX x, scaleY y).
-struct Placement {
-    Point2 origin;
-    double scaleX = 1, scaleY = 1, angle = 0;
+class Placement {
+public:
+    Placement() = default;
+    Placement(const Point2& origin, double scaleX, double scaleY, double angle)
+        : m_origin(origin), m_scaleX(scaleX), m_scaleY(scaleY), m_cos(std::cos(angle)), m_sin(std::sin(angle))
+    {
+    }
     Point2 operator()(const Point2& p) const
     {
-        const double x = p.x * scaleX, y = p.y * scaleY;
-        const double c = std::cos(angle), s = std::sin(angle);
-        return {origin.x + x * c - y * s, origin.y + x * s + y * c};
+        const double x = p.x * m_scaleX, y = p.y * m_scaleY;
+        return {m_origin.x + x * m_cos - y * m_sin, m_origin.y + x * m_sin + y * m_cos};
     }
+
+private:
+    Point2 m_origin;
+    double m_scaleX = 1, m_scaleY = 1, m_cos = 1, m_sin = 0;
 };
+
+// Points of the polyline that stands for a block's arc when it is placed.
+int placedArcSteps(const Arc& arc)
+{
+    return std::max(2, int(std::ceil(kBlockArcSegments * std::abs(arc.sweep) / (2 * std::numbers::pi))));
+}
 
 // Adds a block's scene to scene, placed; arcs become polylines, as a
 // scaled block may turn them into ellipses.
@@ -79,7 +92,7 @@ void appendPlaced(const Scene& block, const Placement& place, Scene& scene)
         scene.endPolyline(polyline.closed);
     }
     for (const Arc& arc : block.arcs()) {
-        const int steps = std::max(2, int(std::ceil(kBlockArcSegments * std::abs(arc.sweep) / (2 * std::numbers::pi))));
+        const int steps = placedArcSteps(arc);
         scene.beginPolyline(pens[std::size_t(arc.pen)]);
         for (int i = 0; i <= steps; ++i) {
             const double a = arc.start + arc.sweep * i / steps;
@@ -95,11 +108,33 @@ void appendPlaced(const Scene& block, const Placement& place, Scene& scene)
     }
 }
 
+// A block drawn in its own coordinates, placed at each of its references.
+struct BlockDrawing {
+    Scene scene;
+    Bounds bounds;
+    std::size_t placedPoints = 0;  // what placing it adds to a scene
+};
+
+// What drawing one picture shares among the blocks it enters: the budget,
+// and each block's drawing, made at its first reference (an empty slot
+// while the block is being drawn).
+struct DrawingPass {
+    DrawingPass(const KxDbDatabase& db, RenderNotes* notes, std::size_t points = PointBudget::kPicture)
+        : db(db), notes(notes), budget(points)
+    {
+    }
+
+    const KxDbDatabase& db;
+    RenderNotes* notes;
+    PointBudget budget;
+    std::unordered_map<KxDbObjectId, std::unique_ptr<BlockDrawing>> blocks;
+};
+
 // Draws entities one by one into a scene.
 class EntityDrawer {
 public:
-    EntityDrawer(const KxDbDatabase& db, Scene& scene, std::set<std::string>* undrawn = nullptr, int depth = 0)
-        : m_db(db), m_scene(scene), m_pens(db, scene), m_mlines(m_pens), m_undrawn(undrawn), m_depth(depth)
+    EntityDrawer(DrawingPass& pass, Scene& scene, int depth = 0)
+        : m_pass(pass), m_scene(scene), m_pens(pass.db, scene), m_mlines(m_pens), m_depth(depth)
     {
     }
 
@@ -119,8 +154,8 @@ public:
         else if (const auto* polyline = KxDbPolyline::cast(&entity))
             drawPolyline(*polyline, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
         else if (const auto* record = KxDbUnmodelledEntity::cast(&entity))
-            if (!drawRecord(*record, layer) && m_undrawn)
-                m_undrawn->insert(record->dxfName());
+            if (!drawRecord(*record, layer) && m_pass.notes)
+                m_pass.notes->undrawnKinds.insert(record->dxfName());
     }
 
 private:
@@ -130,9 +165,9 @@ private:
         const auto& groups = record.groups();
         const int pen = m_pens.pen(record.color(), record.linetypeId(), layer);
         if (kind == "TEXT" || kind == "ATTRIB")
-            return drawTextRecord(groups, pen, m_scene);
+            return drawTextRecord(groups, pen, m_scene, m_pass.budget);
         if (kind == "MTEXT")
-            return drawMtextRecord(groups, pen, m_scene);
+            return drawMtextRecord(groups, pen, m_scene, m_pass.budget);
         if (kind == "SOLID")
             return drawSolidRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
         if (kind == "ELLIPSE")
@@ -148,11 +183,12 @@ private:
             return true;
         }
         if (kind == "INSERT")
-            return drawBlock(groups, {{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)},
-                                      groupNumber(groups, 41, 1), groupNumber(groups, 42, 1),
-                                      groupNumber(groups, 50, 0) * std::numbers::pi / 180});
+            return drawBlock(groups,
+                             {{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)}, groupNumber(groups, 41, 1),
+                              groupNumber(groups, 42, 1), groupNumber(groups, 50, 0) * std::numbers::pi / 180},
+                             pen);
         if (kind == "DIMENSION")
-            return drawBlock(groups, {});
+            return drawBlock(groups, {}, pen);
         if (kind == "POLYLINE" || kind == "VERTEX")
             return collectOldPolyline(kind, groups, pen);
         if (kind == "SEQEND" && m_oldPolyline) {
@@ -177,7 +213,7 @@ private:
                                      groupNumber(groups, 41, 0), groupNumber(groups, 42, 0)});
             return true;
         }
-        const auto flags = static_cast<long>(groupNumber(groups, 70, 0));
+        const int flags = groupInteger(groups, 70, 0);
         m_oldVertices.clear();
         m_oldPolyline.reset();
         if (flags & (8 | 16 | 64))
@@ -192,14 +228,16 @@ private:
         return true;
     }
 
-    // The block named by group 2, placed.
-    bool drawBlock(const std::vector<KxDbFileGroup>& groups, const Placement& place)
+    // The block named by group 2, placed; as the box of its drawing when
+    // the budget cannot pay for a copy, and without the references that
+    // lead back into a block being drawn.
+    bool drawBlock(const std::vector<KxDbFileGroup>& groups, const Placement& place, int pen)
     {
         const KxDbFileGroup* name = findGroup(groups, 2);
         if (!name || m_depth >= kDeepestBlock)
             return false;
         KxDbBlockTable* opened = nullptr;
-        if (m_db.getBlockTable(opened, KxDb::kForRead) != Kald::eOk)
+        if (m_pass.db.getBlockTable(opened, KxDb::kForRead) != Kald::eOk)
             return false;
         const KxDbObjectPtr<KxDbBlockTable> table(opened);
         KxDbObjectId id;
@@ -208,9 +246,31 @@ private:
         const KxDbObjectPtr<KxDbBlockTableRecord> block(id, KxDb::kForRead);
         if (!block)
             return false;
-        Scene drawn;
-        EntityDrawer inner(m_db, drawn, m_undrawn, m_depth + 1);
-        const auto it = block->newIterator();
+        const BlockDrawing* drawing = blockDrawing(id, *block);
+        if (!drawing)
+            return true;
+        if (m_pass.budget.take(drawing->placedPoints))
+            appendPlaced(drawing->scene, place, m_scene);
+        else
+            drawBox(drawing->bounds, place, pen);
+        return true;
+    }
+
+    // The block's drawing, made now at its first reference; null for a
+    // reference inside the block itself (noted).
+    const BlockDrawing* blockDrawing(KxDbObjectId id, const KxDbBlockTableRecord& block)
+    {
+        if (const auto found = m_pass.blocks.find(id); found != m_pass.blocks.end()) {
+            const wchar_t* name = nullptr;
+            if (!found->second && m_pass.notes && block.getName(name) == Kald::eOk)
+                m_pass.notes->selfReachingBlocks.insert(kxutToMultiByte(name));
+            return found->second.get();
+        }
+        // References to the slot stay valid while the blocks inside add theirs.
+        std::unique_ptr<BlockDrawing>& slot = m_pass.blocks[id];
+        auto drawing = std::make_unique<BlockDrawing>();
+        EntityDrawer inner(m_pass, drawing->scene, m_depth + 1);
+        const auto it = block.newIterator();
         for (it->start(); !it->done(); it->step()) {
             KxDbEntity* entity = nullptr;
             if (it->getEntity(entity, KxDb::kForRead) != Kald::eOk)
@@ -218,8 +278,24 @@ private:
             const KxDbObjectPtr<KxDbEntity> open(entity);
             inner.draw(*open);
         }
-        appendPlaced(drawn, place, m_scene);
-        return true;
+        drawing->bounds = drawing->scene.bounds();
+        drawing->placedPoints = drawing->scene.points().size();
+        for (const Arc& arc : drawing->scene.arcs())
+            drawing->placedPoints += std::size_t(placedArcSteps(arc)) + 1;
+        slot = std::move(drawing);
+        return slot.get();
+    }
+
+    // The placed corners of a block's extents, as a closed polyline.
+    void drawBox(const Bounds& bounds, const Placement& place, int pen)
+    {
+        if (bounds.empty)
+            return;
+        m_scene.beginPolyline(pen);
+        for (const Point2& corner : {Point2{bounds.minX, bounds.minY}, Point2{bounds.maxX, bounds.minY},
+                                     Point2{bounds.maxX, bounds.maxY}, Point2{bounds.minX, bounds.maxY}})
+            m_scene.addPoint(place(corner));
+        m_scene.endPolyline(true);
     }
 
     void drawMline(const KxDbMline& mline, const LayerLook& layer)
@@ -235,12 +311,11 @@ private:
         m_mlines.draw(mline, style, layer);
     }
 
-    const KxDbDatabase& m_db;
+    DrawingPass& m_pass;
     Scene& m_scene;
     PenResolver m_pens;
     MlineRenderer m_mlines;
     OpenStyles m_styles;
-    std::set<std::string>* m_undrawn;
     int m_depth;
     // The old-form polyline whose vertices are being read.
     std::unique_ptr<KxDbPolyline> m_oldPolyline;
@@ -250,7 +325,7 @@ private:
 
 }  // namespace
 
-Scene renderDrawing(const KxDbDatabase& db, std::set<std::string>* undrawn)
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points)
 {
     Scene scene;
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
@@ -260,7 +335,8 @@ Scene renderDrawing(const KxDbDatabase& db, std::set<std::string>* undrawn)
     // written, and growing by copies would write everything twice.
     const std::size_t entities = std::size_t(space->numEntities());
     scene.reserve(entities * 48, entities * 8);
-    EntityDrawer drawer(db, scene, undrawn);
+    DrawingPass pass(db, notes, points);
+    EntityDrawer drawer(pass, scene);
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step()) {
         KxDbEntity* opened = nullptr;
@@ -269,18 +345,54 @@ Scene renderDrawing(const KxDbDatabase& db, std::set<std::string>* undrawn)
         const KxDbObjectPtr<KxDbEntity> entity(opened);
         drawer.draw(*entity);
     }
+    if (notes)
+        notes->coarse = notes->coarse || pass.budget.spent();
     return scene;
 }
 
 Scene renderEntities(const KxDbDatabase& db, const std::vector<const KxDbEntity*>& entities)
 {
     Scene scene;
-    EntityDrawer drawer(db, scene);
+    DrawingPass pass(db, nullptr);
+    EntityDrawer drawer(pass, scene);
     for (const KxDbEntity* entity : entities) {
         if (entity)
             drawer.draw(*entity);
     }
     return scene;
+}
+
+std::wstring describeNotes(const RenderNotes& notes, const std::wstring& picture)
+{
+    const auto listed = [](const std::set<std::string>& names) {
+        std::wstring list;
+        for (const std::string& name : names)
+            list += (list.empty() ? L"" : L", ") + kxutFromMultiByte(name);
+        return list;
+    };
+    std::wstring text;
+    if (!notes.undrawnKinds.empty())
+        text += L"Not drawn in " + picture + L": " + listed(notes.undrawnKinds) + L".\n";
+    if (!notes.selfReachingBlocks.empty())
+        text += L"Blocks that contain themselves, drawn once in " + picture + L": " + listed(notes.selfReachingBlocks)
+            + L".\n";
+    if (notes.coarse)
+        text += L"Drawn as boxes in " + picture + L" beyond " + std::to_wstring(PointBudget::kPicture)
+            + L" points: copies of blocks and lines of text.\n";
+    return text;
+}
+
+std::string failureReason(const std::exception_ptr& failure)
+{
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::bad_alloc&) {
+        return "the memory ran out";
+    } catch (const std::exception& e) {
+        return e.what();
+    } catch (...) {
+        return "an unknown error";
+    }
 }
 
 }  // namespace kaldo::view

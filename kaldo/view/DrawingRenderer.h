@@ -1,12 +1,19 @@
 // The renderer: turns a drawing's model space into a scene. Entities on
 // layers that are off or frozen are left out. Besides the modelled
 // entities it draws records kept as read: TEXT, ATTRIB, MTEXT, SOLID,
-// ELLIPSE, SPLINE, POINT (a dot), solid HATCH, and INSERT and DIMENSION through their blocks (nested, scaled,
-// rotated; the block's base point taken as its origin).
+// ELLIPSE, SPLINE, POINT (a dot), solid HATCH, and INSERT and DIMENSION
+// through their blocks (nested, scaled, rotated; the block's base point
+// taken as its origin). Each block is drawn once per picture and its
+// drawing placed at every reference; a block that reaches itself is drawn
+// without the references inside it that lead back to it. Copies of blocks
+// and outlines of letters share the picture's point budget: beyond it a
+// reference is drawn as the box of its block, a text line as its box.
 #pragma once
 
+#include "kaldo/view/PointBudget.h"
 #include "kaldo/view/Scene.h"
 
+#include <exception>
 #include <set>
 #include <string>
 #include <vector>
@@ -16,12 +23,30 @@ class KxDbEntity;
 
 namespace kaldo::view {
 
-// undrawn, when given, receives the kinds of the records it could not draw.
-Scene renderDrawing(const KxDbDatabase& db, std::set<std::string>* undrawn = nullptr);
+// What a picture left out or drew coarsely.
+struct RenderNotes {
+    std::set<std::string> undrawnKinds;       // kinds of records that could not be drawn
+    std::set<std::string> selfReachingBlocks;  // names of blocks that reach themselves
+    bool coarse = false;                       // the point budget ran out
+};
+
+// points is the budget of points for copies of blocks and outlines of
+// letters (smaller ones reach the coarse drawing sooner).
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes = nullptr,
+                    std::size_t points = PointBudget::kPicture);
 
 // A scene of a few entities (open for read, or in no database yet) with
 // the layers, linetypes and styles of db: what a window draws over the
 // drawing (highlights, a drag's entity).
 Scene renderEntities(const KxDbDatabase& db, const std::vector<const KxDbEntity*>& entities);
+
+// The transcript's lines about notes, each ended by a line feed (empty
+// when there is nothing to say); picture names where it was drawn ("the
+// window").
+std::wstring describeNotes(const RenderNotes& notes, const std::wstring& picture);
+
+// Why drawing or painting stopped, from what it threw: "the memory ran
+// out" for std::bad_alloc, an exception's own text otherwise.
+std::string failureReason(const std::exception_ptr& failure);
 
 }  // namespace kaldo::view

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numeric>
 
 namespace kaldo::view {
@@ -97,13 +98,31 @@ PixelDashes pixelDashes(const LinePattern& pattern, double scale)
     return {std::move(runs), offset};
 }
 
-std::vector<DrawColor> fillColors(const Scene& scene)
+FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* chosen)
 {
-    std::vector<DrawColor> colors;
-    for (const Polygon& polygon : scene.polygons())
-        if (std::find(colors.begin(), colors.end(), polygon.color) == colors.end())
-            colors.push_back(polygon.color);
-    return colors;
+    FillGroups groups;
+    std::map<std::pair<bool, std::uint32_t>, std::uint32_t> colorIndex;
+    std::vector<std::uint32_t> colorOf(scene.polygons().size());
+    for (std::size_t i = 0; i < scene.polygons().size(); ++i) {
+        const DrawColor& color = scene.polygons()[i].color;
+        const auto [it, added] =
+            colorIndex.try_emplace({color.foreground, color.rgb}, static_cast<std::uint32_t>(groups.colors.size()));
+        if (added)
+            groups.colors.push_back(color);
+        colorOf[i] = it->second;
+    }
+    const std::size_t count = chosen ? chosen->size() : scene.polygons().size();
+    const auto fillAt = [&](std::size_t i) { return chosen ? (*chosen)[i] : static_cast<std::uint32_t>(i); };
+    groups.starts.assign(groups.colors.size() + 1, 0);
+    for (std::size_t i = 0; i < count; ++i)
+        ++groups.starts[colorOf[fillAt(i)] + 1];
+    for (std::size_t c = 0; c < groups.colors.size(); ++c)
+        groups.starts[c + 1] += groups.starts[c];
+    groups.order.resize(count);
+    std::vector<std::uint32_t> next(groups.starts.begin(), groups.starts.end() - 1);
+    for (std::size_t i = 0; i < count; ++i)
+        groups.order[next[colorOf[fillAt(i)]]++] = fillAt(i);
+    return groups;
 }
 
 }  // namespace kaldo::view

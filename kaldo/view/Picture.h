@@ -87,7 +87,15 @@ PenGroups groupByPen(const std::vector<Item>& items, std::size_t penCount,
     return groups;
 }
 
-// The distinct colours of the scene's fills, in order of first use.
-std::vector<DrawColor> fillColors(const Scene& scene);
+// The scene's fills grouped by colour: the distinct colours of the whole
+// scene in order of first use, and the fills of colors[c] as
+// order[starts[c]] .. order[starts[c + 1] - 1], in scene order. Only the
+// fills listed in chosen (in scene order) when it is given.
+struct FillGroups {
+    std::vector<DrawColor> colors;
+    std::vector<std::uint32_t> starts;
+    std::vector<std::uint32_t> order;
+};
+FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* chosen = nullptr);
 
 }  // namespace kaldo::view

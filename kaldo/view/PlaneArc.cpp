@@ -24,15 +24,16 @@ bool facesAlongZ(const KxGeVector3d& normal)
 void addPlaneArc(Scene& scene, const EntityPlane& plane, const KxGePoint3d& centre, double radius, double start,
                  double sweep, int pen)
 {
-    if (!(radius > 0) || sweep == 0)
+    if (!(radius > 0) || !std::isfinite(radius) || !std::isfinite(start) || !std::isfinite(sweep) || sweep == 0)
         return;
+    const double full = 2 * std::numbers::pi;
+    sweep = std::clamp(sweep, -full, full);
     if (facesAlongZ(plane.normal())) {
         const KxGeVector3d d = worldDirection(plane, start);
         const double turn = plane.normal().z > 0 ? 1.0 : -1.0;
         scene.addArc({{centre.x, centre.y}, radius, std::atan2(d.y, d.x), sweep * turn, pen});
         return;
     }
-    const double full = 2 * std::numbers::pi;
     const int steps = std::max(8, int(std::ceil(std::abs(sweep) / full * 96)));
     scene.beginPolyline(pen);
     for (int i = 0; i <= steps; ++i) {

@@ -9,9 +9,11 @@
 namespace kaldo::view {
 
 // start and sweep are angles in the plane's coordinate system, sweep signed
-// (positive counter-clockwise about the plane's normal); centre is a world
-// point.
+// (positive counter-clockwise about the plane's normal) and taken as one
+// turn at most; centre is a world point. Nothing is drawn for angles or a
+// radius that are no finite numbers.
 void addPlaneArc(Scene& scene, const EntityPlane& plane, const KxGePoint3d& centre, double radius, double start,
                  double sweep, int pen);
+
 
 }  // namespace kaldo::view

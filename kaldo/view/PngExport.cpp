@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
 #include <limits>
 #include <numbers>
 #include <numeric>
@@ -166,21 +167,21 @@ private:
 
     void paintFills()
     {
-        const std::size_t count = m_near ? m_near->polygons.size() : m_scene.polygons().size();
-        for (const DrawColor& color : fillColors(m_scene)) {
+        const FillGroups fills = groupFills(m_scene, m_near ? &m_near->polygons : nullptr);
+        for (std::size_t c = 0; c < fills.colors.size(); ++c) {
             QPainterPath path;
             path.setFillRule(Qt::WindingFill);
-            for (std::size_t i = 0; i < count; ++i) {
-                const Polygon& polygon = m_scene.polygons()[m_near ? m_near->polygons[i] : i];
-                if (!(polygon.color == color) || !reachesBand(pixelBox(polygon.first, polygon.count)))
+            for (std::uint32_t i = fills.starts[c]; i < fills.starts[c + 1]; ++i) {
+                const Polygon& polygon = m_scene.polygons()[fills.order[i]];
+                if (!reachesBand(pixelBox(polygon.first, polygon.count)))
                     continue;
                 path.moveTo(pixel(m_scene.points()[polygon.first]));
-                for (std::uint32_t i = 1; i < polygon.count; ++i)
-                    path.lineTo(pixel(m_scene.points()[polygon.first + i]));
+                for (std::uint32_t p = 1; p < polygon.count; ++p)
+                    path.lineTo(pixel(m_scene.points()[polygon.first + p]));
                 path.closeSubpath();
             }
             if (!path.isEmpty())
-                m_painter.fillPath(path, qtColor(pictureRgb(color, m_background)));
+                m_painter.fillPath(path, qtColor(pictureRgb(fills.colors[c], m_background)));
         }
     }
 
@@ -338,20 +339,32 @@ void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Ba
     // is clipped to the band but draws on the whole image, so that lines
     // are not cut at band edges and every pixel comes out as it would from
     // one painter.
+    // What a band's thread throws is thrown again here, once all have
+    // ended, so that nothing leaves a thread.
     uchar* const pixels = image.bits();
+    std::vector<std::exception_ptr> failures(std::size_t(bands), nullptr);
     const auto paintBand = [&](int b) {
-        QImage view(pixels, image.width(), image.height(), image.bytesPerLine(), image.format());
-        const int top = image.height() * b / bands;
-        const int bottom = image.height() * (b + 1) / bands;
-        QPainter painter(&view);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setClipRect(QRect(0, top, image.width(), bottom - top));
-        paintScene(painter, scene, frame, background, top, bottom, detail);
+        try {
+            QImage view(pixels, image.width(), image.height(), image.bytesPerLine(), image.format());
+            const int top = image.height() * b / bands;
+            const int bottom = image.height() * (b + 1) / bands;
+            QPainter painter(&view);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setClipRect(QRect(0, top, image.width(), bottom - top));
+            paintScene(painter, scene, frame, background, top, bottom, detail);
+        } catch (...) {
+            failures[std::size_t(b)] = std::current_exception();
+        }
     };
-    std::vector<std::jthread> others;
-    for (int b = 1; b < bands; ++b)
-        others.emplace_back(paintBand, b);
-    paintBand(0);
+    {
+        std::vector<std::jthread> others;
+        for (int b = 1; b < bands; ++b)
+            others.emplace_back(paintBand, b);
+        paintBand(0);
+    }
+    for (const std::exception_ptr& failure : failures)
+        if (failure)
+            std::rethrow_exception(failure);
 }
 
 QImage paintScene(const Scene& scene, const PictureOptions& options, int bands)

@@ -40,7 +40,8 @@ void paintScene(QPainter& painter, const Scene& scene, const PictureFrame& frame
 
 // Paints a scene over image, as frame places it, in horizontal bands of
 // rows, each by a thread of its own; it comes out the same for any number
-// of bands, and with or without the scene's index.
+// of bands, and with or without the scene's index. What a band throws
+// (std::bad_alloc) is thrown here once every band has ended.
 void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Background background, int bands,
                 const PaintDetail& detail = {});
 // A picture of the whole scene, painted in bands.

@@ -1,6 +1,8 @@
 #include "kaldo/view/RecordShapes.h"
 
+#include "kaldo/db/ArcAngles.h"
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/view/PlaneArc.h"
 
 #include <QCoreApplication>
 #include <QFont>
@@ -12,7 +14,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <numbers>
+#include <optional>
 
 namespace kaldo::view {
 
@@ -24,6 +28,22 @@ constexpr int kLayoutPixels = 200;
 // Distance between MTEXT lines, in text heights.
 constexpr double kLineSpacing = 5.0 / 3.0;
 constexpr int kEllipseSegments = 96;
+// Outlines are drawn only while the budget holds this many points for
+// each letter of a line: a letter never has fewer.
+constexpr std::size_t kLeastPointsPerLetter = 4;
+// Splines of a higher degree are drawn as their control polygon: each
+// point of the curve costs the square of the degree.
+constexpr int kHighestSplineDegree = 11;
+// Points of a spline's curve for each control point.
+constexpr std::size_t kSplinePointsPerControlPoint = 16;
+
+// value without its fraction when that lies in the range of int, else
+// fallback.
+int wholeNumber(double value, int fallback)
+{
+    return value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max() ? int(value)
+                                                                                                   : fallback;
+}
 
 double degrees(double value)
 {
@@ -43,7 +63,9 @@ struct TextPlacement {
     enum class Vertical { Baseline, Bottom, Middle, Top } vertical = Vertical::Baseline;
 };
 
-void drawLines(const QStringList& lines, const TextPlacement& place, int pen, Scene& scene)
+// Each line's letters as outlines while the budget holds, else the line's
+// box (from the descent to the height of a capital).
+void drawLines(const QStringList& lines, const TextPlacement& place, int pen, Scene& scene, PointBudget& budget)
 {
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setStyleHint(QFont::SansSerif);
@@ -63,17 +85,41 @@ void drawLines(const QStringList& lines, const TextPlacement& place, int pen, Sc
     }
     const double c = std::cos(place.angle), s = std::sin(place.angle);
     for (qsizetype i = 0; i < lines.size(); ++i) {
-        QPainterPath path;
+        if (lines[i].trimmed().isEmpty())
+            continue;
         const double width = metrics.horizontalAdvance(lines[i]);
-        path.addText(-place.horizontal * width, 0, font, lines[i]);
         const double up = firstBaseline - spacing * double(i);
-        for (const QPolygonF& outline : path.toSubpathPolygons()) {
+        const auto add = [&](const QPointF& p) {
+            const double x = p.x() * scale * place.widthFactor;
+            const double y = (up - p.y()) * scale;
+            scene.addPoint({place.anchor.x + x * c - y * s, place.anchor.y + x * s + y * c});
+        };
+        QList<QPolygonF> outlines;
+        if (budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size())) {
+            QPainterPath path;
+            path.addText(-place.horizontal * width, 0, font, lines[i]);
+            outlines = path.toSubpathPolygons();
+            std::size_t points = 0;
+            for (const QPolygonF& outline : outlines)
+                points += std::size_t(outline.size());
+            if (!budget.take(points))
+                outlines.clear();
+        } else {
+            budget.markSpent();
+        }
+        if (outlines.isEmpty()) {
+            const double left = -place.horizontal * width;
             scene.beginPolyline(pen);
-            for (const QPointF& p : outline) {
-                const double x = p.x() * scale * place.widthFactor;
-                const double y = (up - p.y()) * scale;
-                scene.addPoint({place.anchor.x + x * c - y * s, place.anchor.y + x * s + y * c});
-            }
+            for (const QPointF& corner : {QPointF(left, metrics.descent()), QPointF(left + width, metrics.descent()),
+                                          QPointF(left + width, -cap), QPointF(left, -cap)})
+                add(corner);
+            scene.endPolyline(true);
+            continue;
+        }
+        for (const QPolygonF& outline : outlines) {
+            scene.beginPolyline(pen);
+            for (const QPointF& p : outline)
+                add(p);
             scene.endPolyline(true);
         }
     }
@@ -115,6 +161,35 @@ QString stripMtextCodes(const QString& text)
     return plain;
 }
 
+// Reads a record's groups in their order: each value is the next group
+// of its code after the one read last. A count is at most the number of
+// groups left, as each thing counted takes at least one.
+class GroupCursor {
+public:
+    explicit GroupCursor(const std::vector<KxDbFileGroup>& groups) : m_groups(groups) {}
+
+    // Nothing when no group of code follows (the cursor is then at the end).
+    std::optional<double> find(int code)
+    {
+        while (m_at < m_groups.size() && m_groups[m_at].code != code)
+            ++m_at;
+        if (m_at == m_groups.size())
+            return std::nullopt;
+        return numberIn(m_groups[m_at++], 0);
+    }
+    double next(int code) { return find(code).value_or(0); }
+    std::size_t nextCount(int code)
+    {
+        const double count = next(code);
+        const double left = double(m_groups.size() - m_at);
+        return count > 0 ? std::size_t(std::min(count, left)) : 0;
+    }
+
+private:
+    const std::vector<KxDbFileGroup>& m_groups;
+    std::size_t m_at = 0;
+};
+
 }  // namespace
 
 const KxDbFileGroup* findGroup(const std::vector<KxDbFileGroup>& groups, int code)
@@ -125,17 +200,25 @@ const KxDbFileGroup* findGroup(const std::vector<KxDbFileGroup>& groups, int cod
     return nullptr;
 }
 
-double groupNumber(const std::vector<KxDbFileGroup>& groups, int code, double fallback)
+double numberIn(const KxDbFileGroup& group, double fallback)
 {
-    const KxDbFileGroup* g = findGroup(groups, code);
-    if (!g)
-        return fallback;
     bool ok = false;
-    const double value = QString::fromStdString(g->value).trimmed().toDouble(&ok);
+    const double value = QString::fromStdString(group.value).trimmed().toDouble(&ok);
     return ok && std::isfinite(value) ? value : fallback;
 }
 
-bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+double groupNumber(const std::vector<KxDbFileGroup>& groups, int code, double fallback)
+{
+    const KxDbFileGroup* g = findGroup(groups, code);
+    return g ? numberIn(*g, fallback) : fallback;
+}
+
+int groupInteger(const std::vector<KxDbFileGroup>& groups, int code, int fallback)
+{
+    return wholeNumber(groupNumber(groups, code, fallback), fallback);
+}
+
+bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget)
 {
     const KxDbFileGroup* value = findGroup(groups, 1);
     if (!value || !haveFonts())
@@ -144,19 +227,19 @@ bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& sc
     place.height = groupNumber(groups, 40, 1);
     place.angle = degrees(groupNumber(groups, 50, 0));
     place.widthFactor = groupNumber(groups, 41, 1);
-    const int horizontal = int(groupNumber(groups, 72, 0));
-    const int vertical = int(groupNumber(groups, 73, 0));
+    const int horizontal = groupInteger(groups, 72, 0);
+    const int vertical = groupInteger(groups, 73, 0);
     const bool aligned = horizontal != 0 || vertical != 0;
     place.anchor = aligned && findGroup(groups, 11) ? Point2{groupNumber(groups, 11, 0), groupNumber(groups, 21, 0)}
                                                     : Point2{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
     place.horizontal = horizontal == 1 || horizontal == 4 ? 0.5 : horizontal == 2 ? 1.0 : 0.0;
     place.vertical = horizontal == 4 ? TextPlacement::Vertical::Middle
                                      : static_cast<TextPlacement::Vertical>(std::clamp(vertical, 0, 3));
-    drawLines({QString::fromLocal8Bit(value->value.c_str())}, place, pen, scene);
+    drawLines({QString::fromLocal8Bit(value->value.c_str())}, place, pen, scene, budget);
     return true;
 }
 
-bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget)
 {
     if (!haveFonts())
         return false;
@@ -170,12 +253,12 @@ bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& s
     place.angle = findGroup(groups, 11) ? std::atan2(groupNumber(groups, 21, 0), groupNumber(groups, 11, 1))
                                         : degrees(groupNumber(groups, 50, 0));
     // Attachment 1..9: top, middle, bottom rows of left, centre, right.
-    const int attachment = std::clamp(int(groupNumber(groups, 71, 1)), 1, 9) - 1;
+    const int attachment = std::clamp(groupInteger(groups, 71, 1), 1, 9) - 1;
     place.horizontal = (attachment % 3) / 2.0;
     constexpr TextPlacement::Vertical rows[] = {TextPlacement::Vertical::Top, TextPlacement::Vertical::Middle,
                                                 TextPlacement::Vertical::Bottom};
     place.vertical = rows[attachment / 3];
-    drawLines(stripMtextCodes(text).split('\n'), place, pen, scene);
+    drawLines(stripMtextCodes(text).split('\n'), place, pen, scene, budget);
     return true;
 }
 
@@ -200,15 +283,6 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
 {
     if (groupNumber(groups, 70, 0) != 1)
         return false;  // patterns are not drawn, solid fills are
-    // The boundary paths follow group 91; each starts with its flags (92).
-    auto g = std::find_if(groups.begin(), groups.end(), [](const KxDbFileGroup& x) { return x.code == 91; });
-    if (g == groups.end())
-        return false;
-    const auto number = [](const KxDbFileGroup& x) { return QString::fromStdString(x.value).trimmed().toDouble(); };
-    const auto next = [&](int code) {
-        g = std::find_if(g, groups.end(), [code](const KxDbFileGroup& x) { return x.code == code; });
-        return g == groups.end() ? 0.0 : number(*g++);
-    };
     // Boundaries are in the hatch's own plane (extrusion 210-230, elevation 30).
     const EntityPlane plane({groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
     const double elevation = groupNumber(groups, 30, 0);
@@ -216,31 +290,38 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
         const KxGePoint3d p = plane.toWorld(KxGePoint3d(x, y, elevation));
         scene.addPoint({p.x, p.y});
     };
-    const int paths = int(number(*g++));
-    for (int path = 0; path < paths; ++path) {
-        const int flags = int(next(92));
+    // The boundary paths follow group 91; each starts with its flags (92).
+    GroupCursor cursor(groups);
+    const std::size_t paths = cursor.nextCount(91);
+    for (std::size_t path = 0; path < paths; ++path) {
+        const std::optional<double> flags = cursor.find(92);
+        if (!flags)
+            break;
         scene.beginPolygon();
-        if (flags & 2) {
+        if (wholeNumber(*flags, 0) & 2) {
             // A polyline path: its vertices (bulges are drawn as chords).
-            const int vertices = int(next(93));
-            for (int v = 0; v < vertices; ++v) {
-                const double x = next(10);
-                add(x, next(20));
+            const std::size_t vertices = cursor.nextCount(93);
+            for (std::size_t v = 0; v < vertices; ++v) {
+                const std::optional<double> x = cursor.find(10), y = cursor.find(20);
+                if (!x || !y)
+                    break;
+                add(*x, *y);
             }
         } else {
             // Edges: lines and arcs (other edges by their end points).
-            const int edges = int(next(93));
-            for (int e = 0; e < edges; ++e) {
-                const int type = int(next(72));
-                const double x = next(10), y = next(20);
-                if (type == 2) {
+            const std::size_t edges = cursor.nextCount(93);
+            for (std::size_t e = 0; e < edges; ++e) {
+                const std::optional<double> type = cursor.find(72);
+                if (!type)
+                    break;
+                const double x = cursor.next(10), y = cursor.next(20);
+                if (*type == 2) {
                     // Arcs run counter-clockwise from start to end; a
                     // clockwise one (73 = 0) gives its angles negated.
-                    const double radius = next(40), start = degrees(next(50)), end = degrees(next(51));
-                    const double turn = next(73) != 0 ? 1.0 : -1.0;
-                    double sweep = std::fmod(end - start, 2 * std::numbers::pi);
-                    if (sweep <= 0)
-                        sweep += 2 * std::numbers::pi;
+                    const double radius = cursor.next(40);
+                    const double start = degrees(cursor.next(50));
+                    const double sweep = arcSweep(start, degrees(cursor.next(51)));
+                    const double turn = cursor.next(73) != 0 ? 1.0 : -1.0;
                     constexpr int kSteps = 32;
                     for (int i = 0; i <= kSteps; ++i) {
                         const double a = turn * (start + sweep * i / kSteps);
@@ -258,60 +339,68 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
 
 bool drawSplineRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
 {
-    const auto number = [](const KxDbFileGroup& x) { return QString::fromStdString(x.value).trimmed().toDouble(); };
     std::vector<double> knots, weights;
     std::vector<Point2> control, fit;
     for (std::size_t i = 0; i < groups.size(); ++i) {
         const int code = groups[i].code;
         const bool pair = i + 1 < groups.size() && groups[i + 1].code == code + 10;
         if (code == 40)
-            knots.push_back(number(groups[i]));
+            knots.push_back(numberIn(groups[i], 0));
         else if (code == 41)
-            weights.push_back(number(groups[i]));
+            weights.push_back(numberIn(groups[i], 1));
         else if ((code == 10 || code == 11) && pair)
-            (code == 10 ? control : fit).push_back({number(groups[i]), number(groups[i + 1])});
+            (code == 10 ? control : fit).push_back({numberIn(groups[i], 0), numberIn(groups[i + 1], 0)});
     }
-    const int degree = int(groupNumber(groups, 71, 3));
-    const std::size_t n = control.size();
-    const bool valid = degree >= 1 && n > std::size_t(degree) && knots.size() == n + std::size_t(degree) + 1
-        && (weights.empty() || weights.size() == n);
-    if (!valid) {
-        // Without a usable control net the fit points are joined.
-        if (fit.size() < 2)
+    const auto joined = [&](const std::vector<Point2>& points) {
+        if (points.size() < 2)
             return false;
         scene.beginPolyline(pen);
-        for (const Point2& p : fit)
+        for (const Point2& p : points)
             scene.addPoint(p);
         scene.endPolyline();
         return true;
-    }
+    };
+    // The degree counts only as far as the control points and knots read
+    // bear it out.
+    const int degree = groupInteger(groups, 71, 3);
+    const std::size_t n = control.size();
+    const bool valid = degree >= 1 && n > std::size_t(degree) && knots.size() == n + std::size_t(degree) + 1
+        && (weights.empty() || weights.size() == n) && std::is_sorted(knots.begin(), knots.end());
+    // Without a usable control net the fit points are joined; a degree
+    // too high to evaluate shows the control polygon.
+    if (!valid)
+        return joined(fit);
+    if (degree > kHighestSplineDegree)
+        return joined(control);
     // De Boor's algorithm on homogeneous points (x w, y w, w).
+    const std::size_t p = std::size_t(degree);
     const auto at = [&](double t) {
-        std::size_t span = std::size_t(degree);
-        while (span + 1 < n && t >= knots[span + 1])
-            ++span;
-        std::vector<std::array<double, 3>> d;
-        for (std::size_t j = span - std::size_t(degree); j <= span; ++j) {
-            const double w = weights.empty() ? 1.0 : weights[j];
-            d.push_back({control[j].x * w, control[j].y * w, w});
+        const std::size_t span =
+            std::size_t(std::upper_bound(knots.begin() + std::ptrdiff_t(p) + 1, knots.begin() + std::ptrdiff_t(n), t)
+                        - knots.begin())
+            - 1;
+        std::array<std::array<double, 3>, kHighestSplineDegree + 1> d;
+        for (std::size_t j = 0; j <= p; ++j) {
+            const Point2& c = control[span - p + j];
+            const double w = weights.empty() ? 1.0 : weights[span - p + j];
+            d[j] = {c.x * w, c.y * w, w};
         }
-        for (int r = 1; r <= degree; ++r)
-            for (int j = degree; j >= r; --j) {
-                const std::size_t k = span - std::size_t(degree) + std::size_t(j);
-                const double span_ = knots[k + std::size_t(degree) + 1 - std::size_t(r)] - knots[k];
-                const double a = span_ > 0 ? (t - knots[k]) / span_ : 0.0;
-                for (int c = 0; c < 3; ++c)
-                    d[std::size_t(j)][std::size_t(c)] =
-                        (1 - a) * d[std::size_t(j) - 1][std::size_t(c)] + a * d[std::size_t(j)][std::size_t(c)];
+        for (std::size_t r = 1; r <= p; ++r)
+            for (std::size_t j = p; j >= r; --j) {
+                const std::size_t k = span - p + j;
+                const double length = knots[k + p + 1 - r] - knots[k];
+                const double a = length > 0 ? (t - knots[k]) / length : 0.0;
+                for (std::size_t c = 0; c < 3; ++c)
+                    d[j][c] = (1 - a) * d[j - 1][c] + a * d[j][c];
             }
-        const auto& h = d[std::size_t(degree)];
+        const auto& h = d[p];
         return h[2] != 0 ? Point2{h[0] / h[2], h[1] / h[2]} : Point2{h[0], h[1]};
     };
-    const double first = knots[std::size_t(degree)], last = knots[n];
-    const int steps = int(16 * n);
+    const double first = knots[p], last = knots[n];
+    const std::size_t steps = kSplinePointsPerControlPoint * n;
     scene.beginPolyline(pen);
-    for (int i = 0; i <= steps; ++i)
-        scene.addPoint(at(first + (last - first) * i / steps));
+    for (std::size_t i = 0; i <= steps; ++i)
+        scene.addPoint(at(first + (last - first) * double(i) / double(steps)));
     scene.endPolyline();
     return true;
 }
@@ -322,19 +411,28 @@ bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene&
     const Point2 major{groupNumber(groups, 11, 1), groupNumber(groups, 21, 0)};
     const double ratio = groupNumber(groups, 40, 1);
     const double minorX = -major.y * ratio, minorY = major.x * ratio;
-    const double start = groupNumber(groups, 41, 0);
-    double end = groupNumber(groups, 42, 2 * std::numbers::pi);
-    if (end <= start)
-        end += 2 * std::numbers::pi;
-    const bool full = end - start >= 2 * std::numbers::pi - 1e-12;
-    const int steps = std::max(2, int(std::ceil(kEllipseSegments * (end - start) / (2 * std::numbers::pi))));
+    if (!std::isfinite(minorX) || !std::isfinite(minorY))
+        return false;
+    // The parameters run from start to end, counter-clockwise, one turn at
+    // most: an end before the start goes on into the next turn, an end a
+    // turn or more after it closes the ellipse.
+    const double full = 2 * std::numbers::pi;
+    const double first = groupNumber(groups, 41, 0), last = groupNumber(groups, 42, full);
+    double sweep = last - first;
+    if (!(sweep > 0))
+        sweep = arcSweep(first, last);
+    const bool closed = !(sweep < full - 1e-12);
+    if (closed)
+        sweep = full;
+    const double start = std::fmod(first, full);
+    const int steps = std::max(2, int(std::ceil(kEllipseSegments * sweep / full)));
     scene.beginPolyline(pen);
-    for (int i = 0; i <= (full ? steps - 1 : steps); ++i) {
-        const double t = start + (end - start) * i / steps;
+    for (int i = 0; i <= (closed ? steps - 1 : steps); ++i) {
+        const double t = start + sweep * i / steps;
         scene.addPoint({centre.x + major.x * std::cos(t) + minorX * std::sin(t),
                         centre.y + major.y * std::cos(t) + minorY * std::sin(t)});
     }
-    scene.endPolyline(full);
+    scene.endPolyline(closed);
     return true;
 }
 

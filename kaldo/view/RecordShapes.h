@@ -1,11 +1,16 @@
 // Shapes of entities that the host keeps as records as read (TEXT, ATTRIB,
 // MTEXT, SOLID, solid HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts are
 // the outlines of their letters in Qt's sans-serif font, scaled so that a
-// capital is as tall as the text height; MTEXT's paragraph breaks start new
-// lines and its other formatting codes are left out. Texts need a
-// QGuiApplication (fonts); without one they are not drawn.
+// capital is as tall as the text height, while the budget holds (then the
+// box of each line); MTEXT's paragraph breaks start new lines and its other
+// formatting codes are left out. Texts need a QGuiApplication (fonts);
+// without one they are not drawn. Counts are read as far as the groups
+// that follow bear them out, and every curve gets a bounded number of
+// points: an ellipse 96 for a whole turn, a spline 16 for each control
+// point read.
 #pragma once
 
+#include "kaldo/view/PointBudget.h"
 #include "kaldo/view/Scene.h"
 #include "kxdbobject.h"
 
@@ -14,20 +19,29 @@
 namespace kaldo::view {
 
 // Each returns false when the record cannot be drawn.
-bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
-bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
+bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget);
+bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget);
 bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
 // Solid fills only; polyline paths with bulges and edges other than lines
 // and arcs are drawn by their corners.
 bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
+// From its start parameter to its end, one turn at most; not drawn when
+// its axes are beyond the largest number.
 bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
 // The curve of the control points, knots and weights, as a polyline; the
-// fit points joined when the control net is unusable.
+// fit points joined when the control net is unusable (a count of knots or
+// points that does not fit the degree, knots out of order), the control
+// points joined for a degree above 11.
 bool drawSplineRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
 
+// The value of a group as a finite number, else fallback.
+double numberIn(const KxDbFileGroup& group, double fallback);
 // The value of the first group of code, as a number; fallback when there is
-// none or it is no number.
+// none or it is no finite number.
 double groupNumber(const std::vector<KxDbFileGroup>& groups, int code, double fallback);
+// The same, as a whole number (the fraction cut off); fallback too when it
+// lies beyond the range of int.
+int groupInteger(const std::vector<KxDbFileGroup>& groups, int code, int fallback);
 const KxDbFileGroup* findGroup(const std::vector<KxDbFileGroup>& groups, int code);
 
 }  // namespace kaldo::view

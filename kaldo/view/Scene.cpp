@@ -28,19 +28,21 @@ Scene::Scene() : m_patterns(1) {}
 
 int Scene::pen(const Pen& pen)
 {
-    const auto it = std::find(m_pens.begin(), m_pens.end(), pen);
-    if (it != m_pens.end())
-        return static_cast<int>(it - m_pens.begin());
-    m_pens.push_back(pen);
-    return static_cast<int>(m_pens.size() - 1);
+    const auto [it, added] = m_penIndex.try_emplace(
+        {pen.color.foreground, pen.color.rgb, pen.pattern}, static_cast<int>(m_pens.size()));
+    if (added)
+        m_pens.push_back(pen);
+    return it->second;
 }
 
 int Scene::addPattern(LinePattern pattern)
 {
     if (pattern.empty())
         return 0;
-    m_patterns.push_back(std::move(pattern));
-    return static_cast<int>(m_patterns.size() - 1);
+    const auto [it, added] = m_patternIndex.try_emplace(pattern, static_cast<int>(m_patterns.size()));
+    if (added)
+        m_patterns.push_back(std::move(pattern));
+    return it->second;
 }
 
 void Scene::beginPolyline(int pen)

@@ -6,6 +6,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <tuple>
 #include <vector>
 
 namespace kaldo::view {
@@ -79,7 +81,7 @@ public:
 
     // The index of the pen of this colour and pattern, added when new.
     int pen(const Pen& pen);
-    // The index of a new pattern (continuous patterns give 0).
+    // The index of this pattern, added when new (continuous patterns give 0).
     int addPattern(LinePattern pattern);
 
     // A polyline is built point by point between begin and end; one of
@@ -117,6 +119,10 @@ private:
     std::vector<Pen> m_pens;
     std::vector<LinePattern> m_patterns;
     std::vector<PolylineGroup> m_groups;
+    // Pens and patterns by what they are: copies of blocks look theirs up
+    // for each copy.
+    std::map<std::tuple<bool, std::uint32_t, int>, int> m_penIndex;
+    std::map<LinePattern, int> m_patternIndex;
     std::size_t m_openFirst = 0;
     int m_openPen = 0;
 };

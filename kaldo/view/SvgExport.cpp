@@ -115,12 +115,12 @@ private:
     // show no seams.
     void writeFills()
     {
-        for (const DrawColor& color : fillColors(m_scene)) {
+        const FillGroups fills = groupFills(m_scene);
+        for (std::size_t c = 0; c < fills.colors.size(); ++c) {
             m_svg << "<path fill-rule=\"nonzero\" stroke=\"none\" fill=\"";
-            m_svg.rgb(pictureRgb(color, m_options.background)) << "\" d=\"";
-            for (const Polygon& polygon : m_scene.polygons()) {
-                if (!(polygon.color == color))
-                    continue;
+            m_svg.rgb(pictureRgb(fills.colors[c], m_options.background)) << "\" d=\"";
+            for (std::uint32_t f = fills.starts[c]; f < fills.starts[c + 1]; ++f) {
+                const Polygon& polygon = m_scene.polygons()[fills.order[f]];
                 for (std::uint32_t i = 0; i < polygon.count; ++i) {
                     m_svg << (i == 0 ? "M" : " L");
                     point(m_scene.points()[polygon.first + i]);

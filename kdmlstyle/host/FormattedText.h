@@ -1,5 +1,5 @@
 // printf-style formatting of wide texts into a string, for prompts that
-// carry a value.
+// carry a value: the host's formatting, as kxutPrintf writes.
 #pragma once
 
 #include <string>

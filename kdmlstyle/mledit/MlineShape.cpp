@@ -187,22 +187,23 @@ bool writeMlineShape(KxDbMline* mline, MlineShape&& shape)
     KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(mline);
     if (!imp)
         return false;
-    std::vector<KxDbMlineStoredVertex> stored;
-    stored.reserve(shape.vertices.size());
-    for (const ShapeVertex& v : shape.vertices)
-        stored.push_back(KxDbMlineStoredVertex{v.position, v.axis, v.miter, {}});
-    imp->setStoredVertices(std::move(stored));
     // The records go to the multiline as they are: unchanged ones are shared
     // back, changed ones handed over.
-    for (std::size_t v = 0; v < shape.vertices.size(); ++v) {
-        ShapeVertex& vertex = shape.vertices[v];
-        if (!vertex.record)
-            vertex.editLists();
-        KxArray params;
-        params.append(vertex.record.get());
-        mline->setParametersAt(int(v), params);
+    std::vector<KxDbMlineVertex> vertices;
+    vertices.reserve(shape.vertices.size());
+    for (ShapeVertex& v : shape.vertices) {
+        if (!v.record)
+            v.editLists();
+        vertices.push_back(KxDbMlineVertex{v.position, v.axis, v.miter, std::move(v.record)});
     }
     shape.vertices.clear();
+    // The host refuses numbers that are not finite (an edit of a multiline
+    // whose elements lie near the largest number): the multiline stays.
+    if (imp->setStoredVertices(std::move(vertices)) != Kald::eOk) {
+        kxutPrintf(L"\nThe multiline %llX is left as it was: the edit would give it numbers beyond the largest.\n",
+                   static_cast<unsigned long long>(mline->handle()));
+        return false;
+    }
     return true;
 }
 

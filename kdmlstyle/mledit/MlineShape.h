@@ -76,7 +76,9 @@ struct MlineShape {
 // from first when count is negative); none when its style cannot be opened.
 std::optional<MlineShape> readMlineShape(const KxDbMline* mline, int first = 0, int count = -1);
 // Replaces the multiline's vertices by the shape's (open for write); the
-// shape's lists move into the multiline.
+// shape's lists move into the multiline. False when the host refuses them
+// (a number that is not finite): the multiline stays as it was, and the
+// transcript names it.
 bool writeMlineShape(KxDbMline* mline, MlineShape&& shape);
 
 // The miter angle between the direction a to the next vertex and b to the

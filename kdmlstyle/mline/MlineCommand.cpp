@@ -192,8 +192,10 @@ void CMLineCommand::listStyles() const
         if (entries->getObject(entry, KxDb::kForRead) != Kald::eOk)
             continue;
         const KxDbObjectPtr<KxDbObject> object(entry);
+        // The name filling a column of 35 characters, so that every
+        // description starts under the second part of the rule.
         if (const KxDbMlineStyle* style = KxDbMlineStyle::cast(object.get()))
-            kxutPrintf(L"\n%.35ls\t\t\t\t\t\t %ls", style->name(), style->description());
+            kxutPrintf(L"\n%-35.35ls %ls", style->name(), style->description());
     }
 }
 

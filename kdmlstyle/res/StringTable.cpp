@@ -16,8 +16,8 @@ struct ResourceString {
 // Sorted by id: looked up by binary search.
 constexpr ResourceString kStrings[] = {
     {1, L"Offset"},
-    {2, L"Linetype"},
-    {3, L"Color"},
+    {2, L"Color"},
+    {3, L"Linetype"},
     {4, L"New Multiline Style: "},
     {5, L"Modify Multiline Style: "},
     {13, L"Delete the multiline style "},

@@ -1,25 +1,38 @@
 #include "styledlg/EditLimited.h"
 
-#include <string>
+#include <QString>
+#include <QTextBoundaryFinder>
 
 namespace kdml {
 
-void CEditLimited::OnAttached()
+namespace {
+
+// The length, in the string's code units, of its first count characters.
+qsizetype characterPrefixLength(const QString& text, int count)
 {
-    CEdit::OnAttached();
-    SetLimitText(m_maxChars);
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
+    for (int i = 0; i < count; ++i) {
+        if (characters.toNextBoundary() < 0)
+            return text.size();
+    }
+    return characters.position();
 }
+
+}  // namespace
 
 bool CEditLimited::onTextChanged()
 {
     if (!m_notify)
         return false;
-    // A wide character is a whole code point here: one step per character.
-    const std::wstring text = GetWindowText();
-    if (text.size() > std::size_t(m_maxChars)) {
+    // Characters as the caret steps over them: a character made of several
+    // code units or code points is kept or cut whole.
+    const QString text = QString::fromStdWString(GetWindowText());
+    const qsizetype kept = characterPrefixLength(text, m_maxChars);
+    if (kept < text.size()) {
         m_notify = false;
-        SetWindowText(text.substr(0, std::size_t(m_maxChars)));
-        SetSel(m_maxChars, m_maxChars);
+        const std::wstring cut = text.left(kept).toStdWString();
+        SetWindowText(cut);
+        SetSel(int(cut.size()), int(cut.size()));
         m_notify = true;
     }
     return true;

@@ -1,7 +1,8 @@
 // An edit control that never holds more than a set number of characters:
 // a longer text (typed or pasted) is cut after the maximum, the caret put
-// at its end. The cut is the control's own; its owner hears only of the
-// change the user made, with the text already cut.
+// at its end. Characters are counted as the caret steps over them, so a
+// cut never splits one. The cut is the control's own; its owner hears only
+// of the change the user made, with the text already cut.
 #pragma once
 
 #include "kxuictrl.h"
@@ -10,7 +11,7 @@ namespace kdml {
 
 class CEditLimited : public CEdit {
 public:
-    // Set before the control is bound.
+    // The most characters the control keeps; 8 until set.
     void setMaxChars(int count) { m_maxChars = count; }
     int maxChars() const { return m_maxChars; }
 
@@ -18,9 +19,6 @@ public:
     // it: cuts the text when it is too long. False for the notice of the
     // control's own put-back, which the owner does not handle.
     bool onTextChanged();
-
-protected:
-    void OnAttached() override;
 
 private:
     int m_maxChars = 8;

@@ -74,7 +74,6 @@ bool CKaldMlineStyleDialog::OnInitDialog()
         m_currentName = rb.resval.rstring ? rb.resval.rstring : L"";
         kxutDelBuffer(rb.resval.rstring);
     }
-    GetDlgItem(kCurrentName)->SetWindowText(m_currentName);
 
     {
         const KxDbObjectPtr<KxDbDictionary> dictionary(m_dictionary.id, KxDb::kForRead);
@@ -83,6 +82,10 @@ bool CKaldMlineStyleDialog::OnInitDialog()
                 m_list.AddString(it->name());
         }
     }
+    // CMLSTYLE may spell the name in other capitals (MLINE writes it in
+    // capitals); the current style shows as the list spells it.
+    const int currentRow = m_list.FindStringExact(-1, m_currentName);
+    GetDlgItem(kCurrentName)->SetWindowText(currentRow >= 0 ? m_list.GetText(currentRow) : m_currentName);
     selectStartingWith(m_currentName);
 
     m_resizer.addItem(GetDlgItem(IDOK), CDlgItemResizer::kRight | CDlgItemResizer::kBottom);
@@ -168,18 +171,23 @@ void CKaldMlineStyleDialog::selectStartingWith(const std::wstring& name)
     }
 }
 
+CKaldMlineStyleDialog::Allowed CKaldMlineStyleDialog::allowedFor(const std::wstring& name) const
+{
+    if (name.empty())
+        return {};
+    const bool current = sameName(name, m_currentName);
+    const bool inUse = isStyleInUse(workingDatabase(), name.c_str());
+    return {!current, !current && !inUse, !sameName(name, kStandard) && !inUse, !inUse};
+}
+
 void CKaldMlineStyleDialog::refresh()
 {
     const std::wstring name = selectedName();
-    const bool notCurrent = !sameName(name, m_currentName);
-    enableItem(kSetCurrent, notCurrent);
-    enableItem(kDelete, notCurrent);
-    enableItem(kModify, true);
-    enableItem(kRename, !sameName(name, kStandard));
-    if (isStyleInUse(workingDatabase(), name.c_str())) {
-        for (const int id : {kRename, kDelete, kModify})
-            enableItem(id, false);
-    }
+    const Allowed allowed = allowedFor(name);
+    enableItem(kSetCurrent, allowed.setCurrent);
+    enableItem(kDelete, allowed.remove);
+    enableItem(kModify, allowed.modify);
+    enableItem(kRename, allowed.rename);
     KxDbObjectId styleId;
     {
         const KxDbObjectPtr<KxDbDictionary> dictionary(m_dictionary.id, KxDb::kForRead);
@@ -211,6 +219,10 @@ void CKaldMlineStyleDialog::showStyle(KxDbObjectId styleId, bool withDescription
 void CKaldMlineStyleDialog::setCurrent(bool fromButton)
 {
     const std::wstring name = selectedName();
+    if (fromButton && !allowedFor(name).setCurrent) {
+        refresh();
+        return;
+    }
     kxresbuf rb;
     rb.restype = RTSTR;
     rb.resval.rstring = kxutNewString(name.c_str());
@@ -246,6 +258,10 @@ void CKaldMlineStyleDialog::createStyle()
 
 void CKaldMlineStyleDialog::modifyStyle()
 {
+    if (!allowedFor(selectedName()).modify) {
+        refresh();
+        return;
+    }
     CKaldMlineStyleNewModifyDialog editor(this);
     editor.setModifyMode(selectedName());
     editor.setDictionary(m_dictionary.id);
@@ -268,6 +284,10 @@ void CKaldMlineStyleDialog::renameStyle()
     if (m_list.GetCount() == 0)
         return;
     const std::wstring oldName = selectedName();
+    if (!allowedFor(oldName).rename) {
+        refresh();
+        return;
+    }
     CKaldMlineStyleRenameDialog names(this);
     names.setCurrentName(oldName);
     names.setDictionary(m_dictionary.id);
@@ -306,6 +326,10 @@ void CKaldMlineStyleDialog::deleteStyle()
     const std::wstring name = selectedName();
     if (row < 0 || sameName(name, kStandard))
         return;
+    if (!allowedFor(name).remove) {
+        refresh();
+        return;
+    }
     const std::wstring question = std::wstring(kxmdKxResourceString(kDeleteQuestion, L"Delete the multiline style "))
                                   + L"\"" + name + L"\"?";
     if (AfxMessageBox(question.c_str(), MB_YESNO | MB_ICONQUESTION) != IDYES)

@@ -38,6 +38,17 @@ protected:
     void OnOK() override;
 
 private:
+    // What the rules let the user do with a style: the buttons follow it,
+    // and each action checks it again for the style it acts on when it is
+    // clicked.
+    struct Allowed {
+        bool setCurrent = false;
+        bool remove = false;  // STANDARD's Delete is refused when clicked
+        bool rename = false;
+        bool modify = false;
+    };
+    Allowed allowedFor(const std::wstring& name) const;
+
     std::wstring selectedName() const;
     void enableItem(int id, bool enable);
     // Selects the first entry that begins with name, case ignored.

@@ -6,6 +6,7 @@
 
 #include <QIcon>
 
+#include <algorithm>
 #include <cwchar>
 
 namespace kdml {
@@ -87,10 +88,9 @@ bool CKaldMlineStyleNewDialog::OnInitDialog()
         if (::wcsncasecmp(text.c_str(), m_startStyle.c_str(), m_startStyle.size()) == 0)
             start = row;
     }
-    if (start >= 0)
-        m_styles.SetCurSel(start);
-    else
-        m_styles.SetWindowText(m_startStyle);
+    // The combo box offers the drawing's styles only: without a style of
+    // that beginning, the first is the one to start with.
+    m_styles.SetCurSel(std::max(start, 0));
     return true;
 }
 

@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cwchar>
 
 namespace kdml {
@@ -46,7 +47,7 @@ enum Item : int {
     kLinetype = 1055,
 };
 
-enum Column : int { kOffsetColumn = 0, kColorColumn = 1, kLinetypeColumn = 2 };
+enum Column : int { kOffsetColumn = 0, kLinetypeColumn = 1, kColorColumn = 2 };
 
 // Check box and flag bit, in the order the flag word is rebuilt; fill
 // comes first.
@@ -124,7 +125,9 @@ bool isValidNumberText(const std::wstring& text)
         if (c < L'0' || c > L'9')
             return false;
     }
-    return true;
+    // Digits alone can name a number beyond the largest double; the value
+    // is read from the whole text, as the rows read it.
+    return std::isfinite(std::wcstod(text.c_str(), nullptr));
 }
 
 CKaldMlineStyleNewModifyDialog::CKaldMlineStyleNewModifyDialog(CKaldMlineStyleDialog* manager)
@@ -190,8 +193,12 @@ bool CKaldMlineStyleNewModifyDialog::OnInitDialog()
             dictionary->getAt(m_styleName.c_str(), m_styleId);
     }
     fillControls(m_styleId);
-    if (!m_modify)
-        addStyleToDictionary(m_styleId);
+    // A new style copies a style of the drawing; without one there is
+    // nothing to edit and nothing is added.
+    if (!m_modify && !addStyleToDictionary(m_styleId)) {
+        EndDialog(IDCANCEL);
+        return true;
+    }
     m_working = std::make_unique<KxDbMlineStyle>();
     m_working->initMlineStyle();
     {
@@ -204,21 +211,22 @@ bool CKaldMlineStyleNewModifyDialog::OnInitDialog()
     return true;
 }
 
-void CKaldMlineStyleNewModifyDialog::addStyleToDictionary(KxDbObjectId startId)
+bool CKaldMlineStyleNewModifyDialog::addStyleToDictionary(KxDbObjectId startId)
 {
     const KxDbObjectPtr<KxDbDictionary> dictionary(m_dictionaryId, KxDb::kForWrite);
     const KxDbObjectPtr<KxDbMlineStyle> start(startId, KxDb::kForRead);
     if (!dictionary || !start)
-        return;
+        return false;
     auto style = std::make_unique<KxDbMlineStyle>();
     style->initMlineStyle();
     style->set(*start, true);
     style->setName(m_newName.c_str());
     KxDbObjectId added;
     if (dictionary->setAt(m_newName.c_str(), style.get(), added) != Kald::eOk)
-        return;
+        return false;
     style.release()->close();
     m_styleId = added;
+    return true;
 }
 
 void CKaldMlineStyleNewModifyDialog::fillControls(KxDbObjectId styleId)
@@ -250,8 +258,8 @@ void CKaldMlineStyleNewModifyDialog::fillControls(KxDbObjectId styleId)
     m_elements.GetClientRect(&client);
     const std::wstring width = std::to_wstring(client.Width() / 3);
     m_elements.SetHeadings(std::wstring(kxmdKxResourceString(1, L"Offset")) + L"," + width + L";"
-                           + kxmdKxResourceString(3, L"Color") + L"," + width + L";"
-                           + kxmdKxResourceString(2, L"Linetype") + L"," + width);
+                           + kxmdKxResourceString(3, L"Linetype") + L"," + width + L";"
+                           + kxmdKxResourceString(2, L"Color") + L"," + width);
     m_elements.LoadColumnInfo();
     fillElementRows(*style);
     m_offset.SetWindowText(kZeroOffset);
@@ -276,7 +284,7 @@ void CKaldMlineStyleNewModifyDialog::fillElementRows(const KxDbMlineStyle& style
 int CKaldMlineStyleNewModifyDialog::addRow(const std::wstring& offset, const KxCmColor& color,
                                            const std::wstring& linetype)
 {
-    const int row = m_elements.AddItem({offset, colorText(color), linetype});
+    const int row = m_elements.AddItem({offset, linetype, colorText(color)});
     m_rowColors.push_back(std::make_unique<KxCmColor>(color));
     m_elements.SetItemData(row, m_rowColors.back().get());
     return row;

@@ -52,7 +52,9 @@ protected:
 
 private:
     void fillControls(KxDbObjectId styleId);
-    void addStyleToDictionary(KxDbObjectId startId);
+    // Adds the new style, a copy of the start style; false when there is
+    // no start style or the dictionary refuses the name.
+    bool addStyleToDictionary(KxDbObjectId startId);
     void fillElementRows(const KxDbMlineStyle& style);
     int addRow(const std::wstring& offset, const KxCmColor& color, const std::wstring& linetype);
     void showRow();
@@ -91,7 +93,8 @@ private:
 };
 
 // Whether text is a number the dialog accepts: digits, at most one full
-// stop, and a minus sign only as the first character; not empty.
+// stop, and a minus sign only as the first character; not empty; its value
+// finite.
 bool isValidNumberText(const std::wstring& text);
 
 }  // namespace kdml

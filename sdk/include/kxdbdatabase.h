@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "kxdbobject.h"
@@ -25,6 +26,11 @@ class UndoHistory;
 
 inline constexpr const wchar_t* kxdbMlineStyleDictionaryName = L"ACAD_MLINESTYLE";
 inline constexpr const wchar_t* kxdbStandardStyleName = L"STANDARD";
+// The highest handle a drawing gives out and a drawing file may hold; the
+// handle seed may stand one above it. A drawing whose seed stands there
+// gives new objects the lowest handles nothing holds, so that its handles
+// never pass the limit nor wrap around.
+inline constexpr std::uint64_t kxdbHighestHandle = 0xFFFFFFFF00000000u;
 
 // The objects every drawing has, as a file reader found them.
 struct KxDbDatabaseRoots {
@@ -43,9 +49,15 @@ public:
     ~KxDbDatabase();
 
     // Takes over a new object (from `new`, in no database): gives it an id
-    // and a handle (the given one when not 0 and free, else the next from
-    // the handle seed). The object stays open for write; the caller closes it.
+    // and a handle (the given one when not 0 and free, else a new one, see
+    // newHandle). The object stays open for write; the caller closes it.
     Kald::ErrorStatus addObject(KxDbObject* obj, std::uint64_t handle = 0);
+    // Keeps a handle that something kept beside the objects holds (a table
+    // record a file reader keeps as it was) from being given to an object.
+    void reserveHandle(std::uint64_t handle);
+    // A new handle for something kept beside the objects, given out as an
+    // object's would be and reserved.
+    std::uint64_t reserveNewHandle();
     // Appends an entity to the current space (addObject when it is new).
     Kald::ErrorStatus addToCurrentSpace(KxDbEntity* entity);
     Kald::ErrorStatus addToCurrentSpace(KxDbEntity* entity, KxDbObjectId& id);
@@ -149,6 +161,9 @@ private:
     };
 
     void buildDefaultDrawing();
+    // The handle seed while it is at most kxdbHighestHandle; beyond, the
+    // lowest handle that no object holds and none is reserved.
+    std::uint64_t newHandle();
     Kald::ErrorStatus setHeaderInt(int Header::*field, int value, int highest);
     // Takes an object out of the database as if it had never been added,
     // and puts it back: undo and redo of an addition.
@@ -157,6 +172,9 @@ private:
 
     std::vector<std::unique_ptr<KxDbObject>> m_objects;
     std::unordered_map<std::uint64_t, KxDbObjectId> m_handles;
+    std::unordered_set<std::uint64_t> m_reservedHandles;
+    // Where the search for a free handle goes on (below it none is free).
+    std::uint64_t m_lowestFreeHandle = 1;
     std::uint64_t m_changes = 0;
     KxDbObjectId m_namedObjects, m_blockTable, m_layerTable, m_linetypeTable;
     KxDbObjectId m_modelSpace, m_paperSpace, m_currentSpace;

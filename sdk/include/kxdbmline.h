@@ -110,15 +110,29 @@ struct KxDbMlineStoredVertex {
     std::vector<KxDbMlineElementParams> elements;
 };
 
+// One vertex of a multiline with its parameter record, which neighbours may
+// share.
+struct KxDbMlineVertex {
+    KxGePoint3d position;
+    KxGeVector3d axis;
+    KxGeVector3d miter;
+    KxDbMlineParamsPtr params;
+};
+
 // Raw access to a multiline's stored geometry, for editing tools that
 // compute it themselves and for file readers: nothing is recomputed.
+// Values that are not finite are refused (eInvalidInput), and the
+// multiline keeps what it had.
 class KxDbMlineImp {
 public:
-    // Replaces every vertex by the stored ones. Neighbours whose lists are
-    // equal bit for bit share one record.
-    void setStoredVertices(std::vector<KxDbMlineStoredVertex> vertices);
-    // The same from vertices the caller keeps (a file reader reuses their
-    // room from multiline to multiline): their lists are copied.
+    // Replaces every vertex by the given ones, taking their records over as
+    // they are (shared where the caller shares them); every vertex needs a
+    // record.
+    Kald::ErrorStatus setStoredVertices(std::vector<KxDbMlineVertex> vertices);
+    // Replaces every vertex by stored ones the caller keeps (a file reader
+    // reuses their room from multiline to multiline): their lists are
+    // copied, and neighbours whose lists are equal bit for bit share one
+    // record.
     void copyStoredVertices(std::span<const KxDbMlineStoredVertex> vertices);
     // Sets style, justification, scale, normal and flags as stored (a null
     // style is allowed; a normal must not be null, else eInvalidInput).
@@ -151,6 +165,9 @@ public:
     KxDbMline();
     ~KxDbMline() override;
 
+    // The setters of style, justification, scale and normal lay the
+    // multiline out anew; one that would give it a number that is not
+    // finite is refused (eInvalidInput) and changes nothing.
     KxDbObjectId style() const { return m_style; }
     Kald::ErrorStatus setStyle(KxDbObjectId style);
     int justification() const { return m_justification; }
@@ -185,7 +202,8 @@ public:
     // an index out of range).
     const KxDbMlineVertexParams* parametersAt(int index) const;
     // Makes the record params leads to the vertex's record (a reference is
-    // added for the multiline).
+    // added for the multiline); a list value that is not finite is refused
+    // (eInvalidInput).
     Kald::ErrorStatus setParametersAt(int index, const KxArray& params);
 
     // Positions, directions and miters are transformed; the scale and every
@@ -227,12 +245,12 @@ protected:
 private:
     friend class KxDbMlineImp;
     friend class KxDbSystemInternals;
-    struct Vertex {
-        KxGePoint3d position;
-        KxGeVector3d axis;
-        KxGeVector3d miter;
-        KxDbMlineParamsPtr params;
-    };
+    using Vertex = KxDbMlineVertex;
+    // Rebuilds every vertex after a property changed; when a number would
+    // not be finite, puts the vertices back as they were, undoes the change
+    // (restore) and refuses.
+    template <class Restore>
+    Kald::ErrorStatus rebuildAllOrRestore(Restore restore);
     // Recomputes axes, miters and entry 0 of every list of the given
     // vertices; those among freshVertices (or whose lists do not fit the
     // element count) get [entry0, 0]. An edit names only the vertices it

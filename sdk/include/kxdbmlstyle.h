@@ -7,6 +7,9 @@
 
 #include "kxdbobject.h"
 
+// The most elements a style holds: as many as the style editor's list holds.
+inline constexpr int kxdbMaxMlineStyleElements = 2049;
+
 class KxDbMlineStyle : public KxDbObject {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbMlineStyle)
@@ -45,19 +48,23 @@ public:
     bool endInnerArcs() const { return m_endInnerArcs; }
     void setEndInnerArcs(bool on) { m_endInnerArcs = on; }
 
-    // Cap angles in radians, measured from the multiline's direction.
+    // Cap angles in radians, measured from the multiline's direction. An
+    // angle that is not finite in radians, or in degrees as files carry it,
+    // is refused (eInvalidInput).
     double startAngle() const { return m_startAngle; }
-    void setStartAngle(double radians) { m_startAngle = radians; }
+    Kald::ErrorStatus setStartAngle(double radians);
     double endAngle() const { return m_endAngle; }
-    void setEndAngle(double radians) { m_endAngle = radians; }
+    Kald::ErrorStatus setEndAngle(double radians);
 
     int numElements() const { return static_cast<int>(m_elements.size()); }
     Kald::ErrorStatus getElementAt(int index, double& offset, KxCmColor& color, KxDbObjectId& linetype) const;
+    // Offsets that are not finite are refused (eInvalidInput).
     // Replaces element index; the element moves to its place by offset.
     Kald::ErrorStatus setElement(int index, double offset, const KxCmColor& color, KxDbObjectId linetype);
     // Inserts an element at its place by offset; index gets that place.
     // An element of the same offset goes after those already there.
-    // checkIfReferenced as in set().
+    // checkIfReferenced as in set(). A style that holds
+    // kxdbMaxMlineStyleElements already refuses it (eOutOfRange).
     Kald::ErrorStatus addElement(int& index, double offset, const KxCmColor& color, KxDbObjectId linetype,
                                  bool checkIfReferenced = true);
     Kald::ErrorStatus removeElementAt(int index);

@@ -16,7 +16,9 @@
 
 #include "kxtypes.h"
 
+#include <cstdarg>
 #include <cstddef>
+#include <string>
 
 constexpr std::size_t KXED_TEXT_SIZE = 2049;
 
@@ -31,7 +33,8 @@ int kxedGetPoint(const double* base, const wchar_t* prompt, double out[3]);
 // A real number; RSG_NOZERO and RSG_NONEG refuse zero and negative values.
 int kxedGetReal(const wchar_t* prompt, double* out);
 // A text into out (KXED_TEXT_SIZE characters). With acceptBlanks 0 the text
-// ends at its first blank and what follows feeds the next input.
+// ends at its first blank and what follows feeds the next input. A text that
+// selects a keyword of the kxedInitGet list returns RTKWORD.
 int kxedGetString(int acceptBlanks, const wchar_t* prompt, wchar_t* out);
 // A keyword of the kxedInitGet list; out (KXED_TEXT_SIZE characters)
 // receives its global word. With RSG_OTHER any text is returned as typed.
@@ -43,7 +46,7 @@ int kxedGetInput(wchar_t* out);
 // Selects an entity of the current space with a point: the entity nearest to
 // it within PICKBOX pixels of the current view. RTNORM with the entity's name
 // and the point (user coordinates); RTERROR with ERRNO 7 when the point hit
-// nothing, RTERROR with ERRNO 52 (OL_ENTSELNULL) on Enter; RTCAN on cancel;
+// nothing (the editor has then said "No object found."), RTERROR with ERRNO 52 (OL_ENTSELNULL) on Enter; RTCAN on cancel;
 // RTKWORD for a keyword. The name is cleared unless an entity was found.
 int kxedEntSel(const wchar_t* prompt, kxds_name out, double outPoint[3]);
 // ERRNO after a point that selected nothing.
@@ -51,8 +54,13 @@ constexpr int OL_ENTSELPICK = 7;
 
 // Writes text on the command line as it stands.
 int kxedPrompt(const wchar_t* text);
-// Writes formatted text (wide printf: %ls for wide strings) on the command line.
+// Writes formatted text (wide printf: %ls for wide strings) on the command
+// line. Fixed-point reals (%f) of magnitude 1e15 and more come out in
+// scientific form with the same precision ("%.4f" of 1e308 writes
+// "1.0000E+308"), as the host writes numbers too large to read in full.
 int kxutPrintf(const wchar_t* format, ...);
+// The text kxutPrintf would write; empty when the format cannot be applied.
+std::wstring kxutFormatV(const wchar_t* format, std::va_list args);
 // Switches to the text screen (the full command-line history).
 int kxedTextScr();
 // Asks the view to redraw one entity (or everything for null); mode as the
@@ -80,10 +88,15 @@ int kxedFindFile(const wchar_t* name, wchar_t* out, std::size_t size);
 // gave none, RTERROR when a file to open does not exist.
 // Flags: 0x1 asks for a file to write (any name), otherwise the file must
 // exist; 0x4 takes the name as typed, otherwise ".extension" is added to a
-// name without one. Other bits are accepted and ignored. A window dialog is
-// shown unless FILEDIA is 0, a script feeds input or there is no window
-// system; the command line then asks "Enter file name <default>: ".
-// outFlags, inOutValue and filter are accepted for callers that pass them.
+// name without one (in the dialog too). Other bits are accepted and
+// ignored. A window dialog is shown unless FILEDIA is 0, a script feeds
+// input or there is no window system; the command line then asks
+// "Enter file name <default>: ", listing the keywords that kxedInitGet set
+// ("Enter file name or [Exploded] <default>: "): typing one returns RTKWORD
+// (read it with kxedGetInput). A dialog offers the file types of filter
+// ("Name (*.ext);;Other (*.ext)"); inOutValue, when given, holds the index of
+// the type shown first and receives the one the file was chosen under.
+// outFlags is accepted for callers that pass it.
 int getFileNameByFileDialog(const wchar_t* title, const wchar_t* defaultName, const wchar_t* extension, int flags,
                             wchar_t*& outName, int* outFlags = nullptr, int* inOutValue = nullptr,
                             const wchar_t* filter = nullptr);

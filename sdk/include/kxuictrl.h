@@ -39,6 +39,8 @@ class CEdit : public CWnd {
 public:
     // The most characters a person can type (0: no limit).
     void SetLimitText(int count);
+    // Selects from start to end, counted in the text's wide characters
+    // (end -1: to the end); start equal to end places the caret.
     void SetSel(int start, int end);
     void ReplaceSel(const std::wstring& text);
 };
@@ -47,7 +49,9 @@ public:
 class CListBox : public CWnd {
 public:
     int GetCount() const;
-    int AddString(const std::wstring& text);  // index of the new row
+    // Index of the new row: the last, or in a list its template marks
+    // "sorted" the row's place in alphabetical order, case ignored.
+    int AddString(const std::wstring& text);
     int InsertString(int index, const std::wstring& text);
     int DeleteString(int index);  // rows left, -1 for a bad index
     void ResetContent();

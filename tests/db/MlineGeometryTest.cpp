@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <numbers>
 #include <random>
+#include <vector>
 
 #include "kaldo/db/EntityPlane.h"
 #include "kxdb.h"
@@ -215,6 +217,61 @@ TEST(MlineGeometry, PointsAndScalesThatOverflowAreRefused)
     for (int v = 0; v < m.numVertices(); ++v)
         for (const KxDbMlineElementParams& lists : paramsAt(m, v))
             EXPECT_TRUE(std::isfinite(lists.element[0])) << "vertex " << v;
+
+    // A style whose elements lie further apart than the largest number, and
+    // stored values that are not finite: refused, and the multiline keeps
+    // what it had, to the bit.
+    const KxDbObjectId huge = d.addStyle(L"HUGE", {1e308, 0.0, -1e308});
+    const KxDbObjectId style = m.style();
+    const std::vector<KxDbMlineElementParams> lists = paramsAt(m, 1);
+    const KxGeVector3d miter = m.miterAt(1);
+    EXPECT_EQ(m.setStyle(huge), Kald::eInvalidInput);
+    EXPECT_EQ(m.style(), style);
+    EXPECT_EQ(paramsAt(m, 1), lists);
+    const double inf = std::numeric_limits<double>::infinity();
+    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+    record->elements = paramsAt(m, 1);
+    record->elements[1].areaFill.push_back(inf);
+    KxArray changed;
+    changed.append(record.get());
+    EXPECT_EQ(m.setParametersAt(1, changed), Kald::eInvalidInput);
+    KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(&m);
+    std::vector<KxDbMlineVertex> stored;
+    for (int v = 0; v < m.numVertices(); ++v) {
+        KxArray params;
+        m.getParametersAt(v, params);
+        stored.push_back({m.vertexAt(v), m.axisAt(v), m.miterAt(v),
+                          KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params))});
+    }
+    stored[1].miter.x = inf;
+    EXPECT_EQ(imp->setStoredVertices(stored), Kald::eInvalidInput);
+    stored[1].miter = miter;
+    stored[2].params = KxDbMlineParamsPtr();
+    EXPECT_EQ(imp->setStoredVertices(stored), Kald::eInvalidInput);
+    EXPECT_EQ(imp->appendSegments({{0, 0, 0}, {inf, 0, 0}, {1, 1, 0}}), Kald::eInvalidInput);
+    EXPECT_EQ(imp->appendSeg({{0, 0, 1}, {0, 0, 1}, {0, inf, 1}}, false), Kald::eInvalidInput);
+    EXPECT_EQ(paramsAt(m, 1), lists);
+    EXPECT_EQ(m.miterAt(1).x, miter.x);
+    EXPECT_EQ(m.vertexAt(1).x, 10.0);
+}
+
+TEST(MlineGeometry, StylesHoldOnlyFiniteValuesAndAtMostTheirLimitOfElements)
+{
+    KxDbMlineStyle style;
+    EXPECT_EQ(style.setStartAngle(std::numeric_limits<double>::infinity()), Kald::eInvalidInput);
+    // Finite in radians, but not in degrees as files carry it.
+    EXPECT_EQ(style.setEndAngle(1e308), Kald::eInvalidInput);
+    EXPECT_EQ(style.startAngle(), std::numbers::pi / 2);
+    EXPECT_EQ(style.endAngle(), std::numbers::pi / 2);
+    ASSERT_EQ(style.setStartAngle(1e306), Kald::eOk);
+    int index = 0;
+    EXPECT_EQ(style.addElement(index, std::nan(""), KxCmColor(), {}), Kald::eInvalidInput);
+    for (int e = 0; e < kxdbMaxMlineStyleElements; ++e)
+        ASSERT_EQ(style.addElement(index, double(e), KxCmColor(), {}), Kald::eOk);
+    EXPECT_EQ(style.addElement(index, 0.5, KxCmColor(), {}), Kald::eOutOfRange);
+    EXPECT_EQ(index, -1);
+    EXPECT_EQ(style.setElement(0, -std::numeric_limits<double>::infinity(), KxCmColor(), {}), Kald::eInvalidInput);
+    EXPECT_EQ(style.numElements(), kxdbMaxMlineStyleElements);
 }
 
 TEST(MlineGeometry, OpenEndsFollowCapAngles)

@@ -1,6 +1,6 @@
 // Dialog placement in the profile and the item resizer, on a real dialog
-// (the template of the MLEDIT tool dialog, 458 by 330 pixels) driven by
-// scripts.
+// (the template of the style manager, the dialog a user can resize)
+// driven by scripts.
 #include "DialogFixture.h"
 
 #include "ui/DialogPlacement.h"
@@ -17,7 +17,7 @@ namespace {
 class PlacedDialog : public CDialog {
 public:
     PlacedDialog(const kdml::PlacementKeys& keys, bool onlyWhenNotSmaller)
-        : CDialog(5758), keys_(keys), onlyWhenNotSmaller_(onlyWhenNotSmaller)
+        : CDialog(101), keys_(keys), onlyWhenNotSmaller_(onlyWhenNotSmaller)
     {
     }
 
@@ -95,8 +95,9 @@ TEST_F(PlacementTest, StoredOnOkOnlyAndRestoredByTheRules)
     EXPECT_NE(three.opened.left, larger.left);
     EXPECT_EQ(three.opened.Width(), designedWidth);
 
-    // A rectangle smaller than the dialog: the style manager keeps its own
-    // place, the other dialogs of four keys take it.
+    // A rectangle smaller than the dialog: the style manager's rule keeps
+    // its own place; the rule of the other dialogs of four keys takes it
+    // (for a window that can be resized).
     const CRect smaller{100, 120, 300, 300};
     store(keys, smaller);
     EXPECT_EQ(open(keys, true).opened.Height(), designedHeight);
@@ -114,12 +115,12 @@ TEST_F(PlacementTest, StoredOnOkOnlyAndRestoredByTheRules)
 
 namespace {
 
-// A dialog whose items follow its edges: the first tool button stretches,
-// the last of the top row moves with the right edge, the corner joint
-// button stays, the plain button keeps to the bottom-right corner.
+// A dialog whose items follow its edges: the style list stretches, Set
+// Current moves with the right edge, the current name stays, OK keeps to
+// the bottom-right corner.
 class ResizedDialog : public CDialog {
 public:
-    ResizedDialog() : CDialog(5758) {}
+    ResizedDialog() : CDialog(101) {}
 
     std::map<int, CRect> confirmed;  // item rectangles on OK, by id
     CRect window;
@@ -162,10 +163,10 @@ protected:
 private:
     using Anchors = kdml::CDlgItemResizer;
     static constexpr std::pair<int, unsigned> kAnchors[] = {
-        {5759, Anchors::kLeft | Anchors::kRight | Anchors::kTop},
-        {5768, Anchors::kRight | Anchors::kTop},
-        {5765, Anchors::kLeft | Anchors::kTop},
-        {5771, Anchors::kRight | Anchors::kBottom},
+        {1021, Anchors::kLeft | Anchors::kRight | Anchors::kTop},
+        {1026, Anchors::kRight | Anchors::kTop},
+        {1022, Anchors::kLeft | Anchors::kTop},
+        {IDOK, Anchors::kRight | Anchors::kBottom},
     };
     kdml::CDlgItemResizer resizer_;
 };
@@ -188,10 +189,10 @@ TEST_F(PlacementTest, ResizerAnchorsOnWideningAndLimitsOnShrinking)
         const CRect& b = wider.confirmed[id];
         return CRect{b.left - a.left, b.top - a.top, b.right - a.right, b.bottom - a.bottom};
     };
-    EXPECT_EQ(moved(5759), (CRect{0, 0, 100, 0})) << "anchored left and right: grows";
-    EXPECT_EQ(moved(5768), (CRect{100, 0, 100, 0})) << "anchored right: moves";
-    EXPECT_EQ(moved(5765), (CRect{0, 0, 0, 0})) << "anchored left: stays";
-    EXPECT_EQ(moved(5771), (CRect{100, 50, 100, 50})) << "anchored right and bottom: follows the corner";
+    EXPECT_EQ(moved(1021), (CRect{0, 0, 100, 0})) << "anchored left and right: grows";
+    EXPECT_EQ(moved(1026), (CRect{100, 0, 100, 0})) << "anchored right: moves";
+    EXPECT_EQ(moved(1022), (CRect{0, 0, 0, 0})) << "anchored left: stays";
+    EXPECT_EQ(moved(IDOK), (CRect{100, 50, 100, 50})) << "anchored right and bottom: follows the corner";
 
     // Shrinking below the designed size stops there with the top-left
     // corner fixed; dragging the left edge in stops with the right fixed.
@@ -200,7 +201,7 @@ TEST_F(PlacementTest, ResizerAnchorsOnWideningAndLimitsOnShrinking)
     smaller.DoModal();
     EXPECT_EQ(smaller.window.Width(), designedWidth);
     EXPECT_EQ(smaller.window.Height(), designedHeight);
-    EXPECT_EQ(smaller.confirmed[5759], designed.confirmed[5759]);
+    EXPECT_EQ(smaller.confirmed[1021], designed.confirmed[1021]);
     EXPECT_EQ(smaller.leftDragged,
               (CRect{smaller.window.right - designedWidth, smaller.window.top, smaller.window.right,
                      smaller.window.bottom}));

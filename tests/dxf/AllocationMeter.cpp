@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -11,9 +12,12 @@ namespace {
 
 std::atomic<std::size_t> inUse{0};
 std::atomic<std::size_t> highest{0};
+std::atomic<std::size_t> largestAllowed{SIZE_MAX};
 
 void* counted(std::size_t size)
 {
+    if (size > largestAllowed.load())
+        throw std::bad_alloc();
     void* p = std::malloc(size == 0 ? 1 : size);
     if (!p)
         throw std::bad_alloc();
@@ -90,4 +94,14 @@ std::size_t peakAllocation(const std::function<void()>& run)
     highest = before;
     run();
     return highest.load() - before;
+}
+
+AllocationCap::AllocationCap(std::size_t largest)
+{
+    largestAllowed = largest;
+}
+
+AllocationCap::~AllocationCap()
+{
+    largestAllowed = SIZE_MAX;
 }

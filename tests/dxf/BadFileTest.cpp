@@ -7,7 +7,9 @@
 
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/RecordWriting.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
@@ -20,6 +22,8 @@
 #include <utility>
 #include <vector>
 #include <unistd.h>
+
+using ::testing::EndsWith;
 
 namespace {
 
@@ -61,12 +65,6 @@ TEST(DxfBadFiles, MessagesNameTheLine)
     badValue.replace(badValue.find("\n21\n4\n") + 4, 1, "four");
     EXPECT_EQ(readError(badValue), "line 34: group 21 needs a number, not \"four\".");
 
-    // A multiline whose style handle points nowhere.
-    const std::string mline = groupText({"0", "MLINE", "5", "31", "100", "AcDbEntity", "8", "0", "100", "AcDbMline",
-                                         "2", "STANDARD", "340", "ABC", "40", "1", "70", "0", "71", "0", "72", "0",
-                                         "73", "2"});
-    EXPECT_EQ(readError(smallDrawing(mline, "")),
-              "line 28: the multiline's style handle points to no multiline style.");
     // A dictionary entry that points nowhere.
     EXPECT_EQ(readError(smallDrawing("", groupText({"0", "DICTIONARY", "5", "C", "100", "AcDbDictionary", "3",
                                                     "ACAD_GROUP", "350", "D0"}))),
@@ -102,9 +100,58 @@ TEST(DxfBadFiles, NumbersThatAreNotFiniteAreNeitherReadNorWritten)
         kaldo::dxf::saveDxfFile(target, db, kept);
         FAIL() << "a number that is not finite was written";
     } catch (const kaldo::dxf::DxfError& e) {
-        EXPECT_NE(std::string(e.what()).find("the drawing holds a number that is not finite"), std::string::npos) << e.what();
+        EXPECT_THAT(e.what(), EndsWith(": the entity with handle " + kaldo::dxf::handleText(line->handle())
+                                       + ": the drawing holds a number that is not finite (group 11)."));
     }
     EXPECT_EQ(fileText(target), old);
+}
+
+// What the reader would refuse is not saved either: the message names it,
+// and the old file stays.
+TEST(DxfBadFiles, WhatWouldNotOpenIsNotSaved)
+{
+    QTemporaryDir dir;
+    const std::filesystem::path target = dir.filePath("drawing.dxf").toStdString();
+    const auto refusal = [&](KxDbDatabase& db) {
+        kaldo::dxf::KeptSections kept;
+        std::ofstream(target) << "old";
+        try {
+            kaldo::dxf::saveDxfFile(target, db, kept);
+        } catch (const kaldo::dxf::DxfError& e) {
+            EXPECT_EQ(fileText(target), "old");
+            return std::string(e.what());
+        }
+        return std::string("saved");
+    };
+
+    // A multiline whose style was erased.
+    KxDbDatabase erasedStyle;
+    auto* style = new KxDbMlineStyle;
+    style->setName(L"WALL");
+    int index = 0;
+    style->addElement(index, 0.1, KxCmColor(), erasedStyle.byLayerLinetype());
+    KxDbObjectId styleId;
+    KxDbObjectPtr<KxDbDictionary>(erasedStyle.mlineStyleDictionaryId(), KxDb::kForWrite)->setAt(L"WALL", style, styleId);
+    style->close();
+    auto* mline = addEntity(erasedStyle, new KxDbMline);
+    KxDbObjectPtr<KxDbMline>(mline->objectId(), KxDb::kForWrite)->setStyle(styleId);
+    KxDbObjectPtr<KxDbMlineStyle>(styleId, KxDb::kForWrite)->erase();
+    EXPECT_THAT(refusal(erasedStyle), EndsWith(": the entity with handle " + kaldo::dxf::handleText(mline->handle())
+                                        + ": the multiline has no multiline style (it was erased); give it one "
+                                          "before saving."));
+
+    // An entry of the style dictionary that names no style.
+    KxDbDatabase oddEntry;
+    KxDbObjectId entry;
+    KxDbObjectPtr<KxDbDictionary> styles(oddEntry.mlineStyleDictionaryId(), KxDb::kForWrite);
+    auto* dictionary = new KxDbDictionary;
+    styles->setAt(L"ODD", dictionary, entry);
+    dictionary->close();
+    const std::uint64_t stylesHandle = styles->handle();
+    styles.close();
+    EXPECT_THAT(refusal(oddEntry), EndsWith(": the object with handle " + kaldo::dxf::handleText(stylesHandle)
+                                            + ": the multiline style dictionary's entry \"ODD\" names no multiline "
+                                              "style."));
 }
 
 TEST(DxfBadFiles, AHugeLineIsRefusedWithoutReadingItWhole)

@@ -98,12 +98,15 @@ void expectSameDrawing(const char* gallery, const std::vector<std::string>& pick
     const std::string copyR12 = (kaldo.dir() / "copy-r12.dxf").string();
     const std::string optionR12 = (kaldo.dir() / "option-r12.dxf").string();
     const Drawn before =
-        runAndRead(kaldo, drawing + "SAVEAS\nExploded\n\n" + copy + "\nSAVEAS\nExploded\nr12\n" + copyR12 + "\n",
+        runAndRead(kaldo, drawing + "SAVEAS\nE\n\n" + copy + "\nSAVEAS\nExploded\nr12\n" + copyR12 + "\n",
                    "before",
                    {"--save-exploded", QString::fromStdString(option), "--save-exploded-r12",
                     QString::fromStdString(optionR12)});
     const Drawn after = runAndRead(kaldo, drawing + explode.str(), "after");
     EXPECT_THAT(before.transcript, HasSubstr("with " + std::to_string(picks.size()) + " multilines exploded."));
+    // The prompt names its keyword, chosen by its capital as keywords are.
+    EXPECT_THAT(before.transcript, HasSubstr("Enter file name or [Exploded] <Drawing1.dxf>: E\n"));
+    EXPECT_FALSE(std::filesystem::exists(kaldo.dir() / "E.dxf"));
     EXPECT_THAT(before.transcript, Not(HasSubstr("Left out")));
     for (const std::string& file : {copy, option, copyR12, optionR12}) {
         const EzdxfReport report = readWithEzdxf(file, "ezdxf_explode.py");

@@ -1,11 +1,14 @@
 // Input meant to break the host, typed or read: numbers that overflow,
 // overlong lines, control characters, files that are no files, odd line
-// ends. Each gets a message; the session goes on and nothing broken
-// reaches a saved file or the terminal.
+// ends, drawings that would keep the renderer busy for ever. Each gets a
+// message; the session goes on and nothing broken reaches a saved file,
+// a picture or the terminal.
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <QImage>
 
 #include <fstream>
 #include <iterator>
@@ -23,17 +26,31 @@ TEST(HostileInputSession, NumbersThatOverflowAreRefused)
                                                        "  0\nENDSEC\n  0\nEOF\n").string();
     const std::filesystem::path saved = kaldo.dir() / "saved.dxf";
     const KaldoRun run = kaldo.runScript("LINE\n1e308,0\n@1e308,0\n@1,0\n\nLINE\n0,0\n@1e308<45\n^C\n"
-                                         "SETVAR\nANGBASE\n1e308\nOPEN\n" + nan + "\n",
+                                         "SETVAR\nANGBASE\n1e309\nOPEN\n" + nan + "\n",
                                          {"--save", QString::fromStdString(saved.string())});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("@1e308,0\nInvalid point.\nSpecify next point or [Undo]: @1,0\n"));
-    EXPECT_THAT(run.out, HasSubstr("ANGBASE cannot be set to \"1e308\""));
+    EXPECT_THAT(run.out, HasSubstr("ANGBASE cannot be set to \"1e309\""));
     EXPECT_THAT(run.out, HasSubstr("Cannot open the drawing: nan.dxf, line 8: group 10 needs a number, not \"nan\"."));
     EXPECT_EQ(run.err, "");
     std::ifstream in(saved);
     const std::string text{std::istreambuf_iterator<char>(in), {}};
     EXPECT_THAT(text, HasSubstr("\n 11\n1e+308\n"));
     EXPECT_THAT(text, Not(HasSubstr("inf")));
+}
+
+// A number too large to read in full is written in scientific form, by
+// the module's texts as by the host's variables, in every linear unit.
+TEST(HostileInputSession, HugeNumbersAreWrittenReadably)
+{
+    KaldoProcess kaldo;
+    const KaldoRun run = kaldo.runScript("MLINE\nS\n1e308\nS\n^C\n^C\nCMLSCALE\n\nLUNITS\n4\nCMLSCALE\n\n");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Scale = 1.0000E+308, Style = STANDARD\n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter mline scale <1.0000E+308> :*Cancel*\n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <1.0000E+308>: \n"));
+    EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <1.0000E+308>: \nCommand: LUNITS"));
+    EXPECT_THAT(run.out, Not(::testing::ContainsRegex("[0-9]{20}")));
 }
 
 TEST(HostileInputSession, LongAndOddInput)
@@ -78,4 +95,47 @@ TEST(HostileInputSession, LongAndOddInput)
     run = kaldo.runScript("LIST\n2,3\n\n", {QString::fromStdString(old)});
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("to point: X=3.0000  Y=4.0000"));
+}
+
+TEST(HostileInputSession, DrawingsMadeToBreakTheRendererAreExportedWithBoundedWork)
+{
+    // Each drawing of tests/data/render as PNG and SVG: the transcript
+    // names what the picture drew once or coarsely or left out, and the
+    // picture shows the rest.
+    struct Drawing {
+        const char* name;
+        const char* said;
+    };
+    const Drawing drawings[] = {
+        {"block-inserts-itself", "Blocks that contain themselves, drawn once in the picture: LOOP.\n"},
+        {"nested-insert-fan",
+         "Drawn as boxes in the picture beyond 4194304 points: copies of blocks and lines of text.\n"},
+        {"ellipse-huge-sweep", "Not drawn in the picture: ELLIPSE.\n"},
+        {"spline-degree-1200", ""},
+        {"hatch-claims-huge-counts", ""},
+    };
+    KaldoProcess kaldo;
+    for (const Drawing& drawing : drawings) {
+        const QString dxf = QStringLiteral(KALDO_SOURCE_DIR "/tests/data/render/%1.dxf").arg(drawing.name);
+        const QString png = QString::fromStdString((kaldo.dir() / drawing.name).string()) + ".png";
+        KaldoRun run = kaldo.runScript("", {dxf, "--export", png, "--size", "300"});
+        ASSERT_EQ(run.exitCode, 0) << drawing.name << run.err;
+        EXPECT_EQ(run.err, "") << drawing.name;
+        EXPECT_THAT(run.out, HasSubstr(drawing.said)) << drawing.name;
+        const QImage image(png);
+        ASSERT_FALSE(image.isNull()) << drawing.name;
+        int drawn = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                drawn += image.pixel(x, y) != qRgb(255, 255, 255);
+        EXPECT_GT(drawn, 100) << drawing.name;
+
+        const QString svg = QString::fromStdString((kaldo.dir() / drawing.name).string()) + ".svg";
+        run = kaldo.runScript("", {dxf, "--export", svg});
+        ASSERT_EQ(run.exitCode, 0) << drawing.name << run.err;
+        EXPECT_THAT(run.out, HasSubstr(drawing.said)) << drawing.name;
+        std::ifstream in(svg.toStdString());
+        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        EXPECT_THAT(text, ::testing::ContainsRegex("<(polyline|polygon|path fill-rule)")) << drawing.name;
+    }
 }

@@ -1,10 +1,17 @@
 #include "KaldoProcess.h"
 
+#include "dxf/ReopenProperty.h"
+
+#include <gtest/gtest.h>
+
 #include <QProcess>
 
 #include <csignal>
 #include <fstream>
+#include <map>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <linux/capability.h>
 #include <sys/prctl.h>
@@ -29,10 +36,36 @@ KaldoProcess::KaldoProcess()
     writeFile("kaldo.ini", "[Settings]\n");
 }
 
+KaldoProcess::~KaldoProcess()
+{
+    const std::filesystem::path reopened = dir_ / "reopened";
+    std::filesystem::create_directory(reopened);
+    std::vector<std::filesystem::path> saved;
+    std::map<std::filesystem::path, std::filesystem::path> sources;
+    for (const std::filesystem::path& drawing : drawingsUnder(dir_)) {
+        if (drawing.parent_path() == reopened)
+            continue;
+        const std::filesystem::path copy =
+            reopened / (std::to_string(saved.size()) + "-" + drawing.filename().string());
+        bool opened = false;
+        const std::string problem = reopenProblem(drawing, copy, opened);
+        if (!problem.empty() && (opened || !written_.contains(drawing)))
+            ADD_FAILURE() << drawing.filename() << ": " << problem;
+        if (opened) {
+            saved.push_back(copy);
+            sources[copy] = drawing.filename();
+        }
+    }
+    for (const auto& [copy, findings] : ezdxfAuditFindings(saved))
+        if (!findings.empty())
+            ADD_FAILURE() << sources[copy] << " saved again, ezdxf's audit finds: " << findings;
+}
+
 std::filesystem::path KaldoProcess::writeFile(const std::string& name, const std::string& text) const
 {
     const std::filesystem::path path = dir_ / name;
     std::ofstream(path, std::ios::binary) << text;
+    written_.insert(path);
     return path;
 }
 

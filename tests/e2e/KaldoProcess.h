@@ -1,5 +1,9 @@
 // Runs the staged kaldo binary on a script in a private temporary folder
-// (its own profile and crash folder) and collects what it printed.
+// (its own profile and crash folder) and collects what it printed. When it
+// goes, every drawing left in the folder is checked: one that kaldo wrote
+// must open, and every one that opens must save into a file that kaldo
+// opens again to the same bytes and that ezdxf reads with nothing for its
+// audit to find; a drawing that does not is a failure of the test.
 #pragma once
 
 #include <QProcessEnvironment>
@@ -7,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 struct KaldoRun {
@@ -18,6 +23,9 @@ struct KaldoRun {
 class KaldoProcess {
 public:
     KaldoProcess();
+    ~KaldoProcess();
+    KaldoProcess(const KaldoProcess&) = delete;
+    KaldoProcess& operator=(const KaldoProcess&) = delete;
 
     const std::filesystem::path& dir() const { return dir_; }
     // Writes text into a file of the temporary folder and returns its path.
@@ -45,6 +53,8 @@ private:
 
     QTemporaryDir temp_;
     std::filesystem::path dir_;
+    // The files the test wrote (writeFile), which kaldo need not open.
+    mutable std::set<std::filesystem::path> written_;
     QProcessEnvironment env_;
     long fileSizeLimit_ = -1;
     bool keepToPermissions_ = false;

@@ -251,13 +251,14 @@ TEST(MleditJoinSession, UndoGivesBackTheSavedDrawingByteForByte)
 TEST(MleditJoinSession, MissesEnterAndCancel)
 {
     KaldoProcess kaldo;
-    // A miss asks again; Enter at the second prompt and ^C end the tools.
+    // A miss says so and asks again; Enter at the second prompt and ^C end
+    // the tools.
     const KaldoRun run = kaldo.runScript(kBar + mline({"50,-50", "50,-10"}) + "-MLEDIT\nCT\n55,-30\n500,500\n\n"
                                          + "-MLEDIT\nCJ\n500,500\n^C\n-MLEDIT\nAV\n500,500\n\n" + list({"55,-30"}));
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_THAT(run.out, HasSubstr("Select second mline: 500,500\nSelect second mline: \nCommand: "));
-    EXPECT_THAT(run.out, HasSubstr("Select first mline: 500,500\nSelect first mline: *Cancel*\n"));
-    EXPECT_THAT(run.out, HasSubstr("Select mline: 500,500\nSelect mline: \nCommand: "));
+    EXPECT_THAT(run.out, HasSubstr("Select second mline: 500,500\nNo object found.\nSelect second mline: \nCommand: "));
+    EXPECT_THAT(run.out, HasSubstr("Select first mline: 500,500\nNo object found.\nSelect first mline: *Cancel*\n"));
+    EXPECT_THAT(run.out, HasSubstr("Select mline: 500,500\nNo object found.\nSelect mline: \nCommand: "));
     EXPECT_THAT(positions(listedMlines(run.out), 0), ::testing::ElementsAre("50.0000,-50.0000", "50.0000,-10.0000"));
     EXPECT_THAT(run.out, Not(HasSubstr("undone")));
 }

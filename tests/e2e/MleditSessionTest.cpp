@@ -255,12 +255,13 @@ TEST(MleditSession, UndoOnceThenTheKeywordIsGone)
 TEST(MleditSession, NonMultilinesMissesAndOneMultilinePickedTwice)
 {
     KaldoProcess kaldo;
-    // A line is refused with a message, a miss silently; the prompt repeats.
+    // A line is refused with the tool's message, a miss with the host's; the
+    // prompt repeats.
     const KaldoRun refused = kaldo.runScript(kCrossingPair + "LINE\n0,80\n100,80\n\n"
                                              + "-MLEDIT\nCC\n20,80\n20,60\n20,5\n20,80\n45,30\n\n" + list({"20,5"}));
     EXPECT_EQ(refused.exitCode, 0) << refused.err;
     EXPECT_THAT(refused.out, HasSubstr("Select first mline: 20,80\nThe object selected is not a multiline.\n"
-                                       "Select first mline: 20,60\nSelect first mline: 20,5\n"
+                                       "Select first mline: 20,60\nNo object found.\nSelect first mline: 20,5\n"
                                        "Select second mline: 20,80\nThe object selected is not a multiline.\n"
                                        "Select second mline: 45,30\n"));
     EXPECT_THAT(runs(listedMlines(refused.out), 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));

@@ -140,7 +140,7 @@ TEST(MlineSession, OptionsWriteTheVariablesAndTheSettingsLine)
     EXPECT_EQ(listed[0].style, "STANDARD");
 }
 
-TEST(MlineSession, StyleListingCutsNamesAt35Characters)
+TEST(MlineSession, StyleListingCutsNamesAt35CharactersAndAlignsTheDescriptions)
 {
     KaldoProcess kaldo;
     const std::string longName = "corridor_wall_with_insulation_layers_40c";
@@ -151,11 +151,17 @@ TEST(MlineSession, StyleListingCutsNamesAt35Characters)
     EXPECT_THAT(run.out, HasSubstr("Enter mline style name or [?]: ?\n\n"
                                    "       Multiline Style                      Description                         \n"
                                    "----------------------------------  ---------------------------------------------\n"));
-    // Names are listed in the dictionary's order, each cut to 35 characters.
-    EXPECT_THAT(run.out, HasSubstr("\n" + longName.substr(0, 35) + "\t\t\t\t\t\t Two skins, 0.3 apart\n"
-                                   "STANDARD\t\t\t\t\t\t \n"
-                                   "Enter mline style name or [?]: \n"));
-    EXPECT_THAT(run.out, Not(HasSubstr(longName.substr(0, 36) + "\t")));
+    // Names are listed in the dictionary's order, each cut to 35 characters
+    // and filled up to them, so that every description starts under the
+    // second part of the rule.
+    auto row = [](const std::string& name, const std::string& description) {
+        std::string cut = name.substr(0, 35);
+        cut.resize(35, ' ');
+        return cut + " " + description + "\n";
+    };
+    EXPECT_THAT(run.out, HasSubstr("\n" + row(longName, "Two skins, 0.3 apart") + row("STANDARD", "")
+                                   + "Enter mline style name or [?]: \n"));
+    EXPECT_THAT(run.out, Not(HasSubstr("\n" + longName.substr(0, 36))));
 }
 
 TEST(MlineSession, MissingStyleLoadedFromAFileByScript)

@@ -150,7 +150,7 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
     run = kaldo.runScript(load, {"--save", QString::fromStdString(loaded.string())});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("Dialog 108 closed: OK"));
-    EXPECT_THAT(run.out, HasSubstr("selected 0\n    0: STANDARD\n    1: BRICK\n"));
+    EXPECT_THAT(run.out, HasSubstr("selected 1\n    0: BRICK\n    1: STANDARD\n"));
     EXPECT_EQ(stylesRead(loaded)["BRICK"].toObject(), brick);
     EXPECT_THAT(fileText(loaded), Not(HasSubstr("$TILEMODE"))) << "model space shown is not written";
 

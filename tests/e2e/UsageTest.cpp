@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -19,6 +21,12 @@ TEST(KaldoUsage, HelpVersionAndBadUsage)
     EXPECT_EQ(help.exitCode, 0);
     for (const char* option : {"--script", "--profile", "--support", "--crash-dir", "--load", "--no-modules"})
         EXPECT_THAT(help.out, HasSubstr(option));
+    // The program by its name, not the folder it was built in; the window
+    // is there.
+    EXPECT_THAT(help.out, HasSubstr("Usage: kaldo [options] [DRAWING]"));
+    EXPECT_THAT(help.out, Not(HasSubstr("/bin/kaldo")));
+    EXPECT_THAT(help.out, HasSubstr("the drawing window opens"));
+    EXPECT_THAT(help.out, Not(HasSubstr("comes later")));
 
     const KaldoRun version = kaldo.runArgs({"--version"});
     EXPECT_EQ(version.exitCode, 0);
@@ -53,10 +61,16 @@ TEST(KaldoUsage, MissingFilesGiveAMessageAndExitCodeTwo)
 
     const auto script = kaldo.writeFile("ok.scr", "LINE\n");
     const QString scriptArg = QString::fromStdString(script.string());
+    // A profile that does not exist yet is made, in a new folder too, as a
+    // first run makes the default one; one that cannot be made is refused.
+    const KaldoRun newProfile =
+        kaldo.runArgs({"--script", scriptArg, "--support", support, "--profile", "new/first.ini"});
+    EXPECT_EQ(newProfile.exitCode, 0) << newProfile.err;
+    EXPECT_TRUE(std::filesystem::is_regular_file(kaldo.dir() / "new" / "first.ini"));
     const KaldoRun noProfile =
-        kaldo.runArgs({"--script", scriptArg, "--support", support, "--profile", "missing.ini"});
+        kaldo.runArgs({"--script", scriptArg, "--support", support, "--profile", "ok.scr/under-a-file.ini"});
     EXPECT_EQ(noProfile.exitCode, 2);
-    EXPECT_THAT(noProfile.err, HasSubstr("missing.ini"));
+    EXPECT_THAT(noProfile.err, HasSubstr("cannot create the profile 'ok.scr/under-a-file.ini'"));
 
     const KaldoRun noSupport = kaldo.runArgs({"--script", scriptArg, "--support", "no-such-folder"});
     EXPECT_EQ(noSupport.exitCode, 2);

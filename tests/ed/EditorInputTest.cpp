@@ -144,6 +144,8 @@ TEST_F(EditorInput, PointsAreInUserCoordinates)
     ASSERT_EQ(editor.getPoint(nullptr, L"", p), RTNORM);
     EXPECT_NEAR(p.x, 6, 1e-12);
     EXPECT_NEAR(p.y, 0, 1e-12);
+    // The pick is echoed as its typed coordinates would be, in user units.
+    EXPECT_EQ(transcript, L"1,2\n5.0000,0.0000\n@1<0\n");
 }
 
 TEST_F(EditorInput, SdkFunctionsCopyIntoCallerBuffers)

@@ -3,6 +3,8 @@
 #include "kxed.h"
 #include "kxgs.h"
 
+#include <vector>
+
 namespace kaldo {
 namespace {
 
@@ -61,6 +63,8 @@ TEST_F(EntitySelection, PickBoxFollowsTheViewScale)
     EXPECT_EQ(errNo(), OL_ENTSELPICK);
     EXPECT_EQ(name[0], 0);
     EXPECT_EQ(point[1], 2);
+    // A miss says so for every command that picks.
+    EXPECT_TRUE(transcript.ends_with(L"5,2\nNo object found.\n"));
     editor.variables().set(L"PICKBOX", short(4));
     ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
     EXPECT_EQ(picked(name), line);
@@ -109,6 +113,30 @@ TEST_F(EntitySelection, ErasedEntitiesKeywordsAndUserCoordinates)
     wchar_t word[KXED_TEXT_SIZE];
     ASSERT_EQ(kxedGetInput(word), RTNORM);
     EXPECT_STREQ(word, L"UNDO");
+}
+
+// While a pick waits in a window, each cursor motion is looked up by the
+// pick's own rule; the listener hears the entity a click there would take,
+// and null once the pick has ended. A clicked point is echoed as typed.
+TEST_F(EntitySelection, CursorMotionShowsWhatAClickWouldTake)
+{
+    const KxDbObjectId line = addLine({0, 0, 0}, {10, 0, 0});
+    std::vector<KxDbObjectId> heard;
+    editor.setHoverListener([&heard](const KxDbObjectId& entity) { heard.push_back(entity); });
+    QueuedInputSource window;
+    editor.setInputSource(&window);
+    window.push(InputEvent::moved({5, 2, 0}));
+    window.push(InputEvent::picked({5, 3.5, 0}));
+    window.push(InputEvent::moved({5, 4, 0}));
+    window.push(InputEvent::picked({5, 1, 0}));
+    kxds_name name;
+    double point[3];
+    EXPECT_EQ(kxedEntSel(L"\nSelect object: ", name, point), RTERROR);
+    ASSERT_EQ(kxedEntSel(L"\nSelect object: ", name, point), RTNORM);
+    EXPECT_EQ(picked(name), line);
+    EXPECT_EQ(heard, std::vector<KxDbObjectId>({line, KxDbObjectId(), KxDbObjectId(), KxDbObjectId()}));
+    EXPECT_EQ(transcript, L"Select object: 5.0000,3.5000\nNo object found.\n"
+                          L"Select object: 5.0000,1.0000\n");
 }
 
 }  // namespace

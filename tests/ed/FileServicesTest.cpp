@@ -80,6 +80,22 @@ TEST_F(FileServices, ScriptsAnswerFileDialogsOnTheCommandLine)
     EXPECT_NE(transcript.find(L"Cannot find the file \"missing.mln\"."), std::wstring::npos);
 }
 
+// A command may offer keywords at the file prompt: the prompt lists them,
+// and a keyword typed comes back as one, not as a file name.
+TEST_F(FileServices, KeywordsOfTheFilePromptAreListedAndTyped)
+{
+    script("E\nE\n");
+    kxedInitGet(0, L"Exploded _Exploded");
+    std::wstring chosen;
+    EXPECT_EQ(choose(L"plan.dxf", 0x1, chosen), RTKWORD);
+    wchar_t word[KXED_TEXT_SIZE];
+    ASSERT_EQ(kxedGetInput(word), RTNORM);
+    EXPECT_STREQ(word, L"Exploded");
+    ASSERT_EQ(choose(L"plan.dxf", 0x1, chosen), 0);
+    EXPECT_EQ(chosen, L"E.mln");
+    EXPECT_EQ(transcript, L"Enter file name or [Exploded] <plan.dxf>: E\nEnter file name <plan.dxf>: E\n");
+}
+
 TEST_F(FileServices, FilediaZeroAsksOnTheCommandLineToo)
 {
     QueuedInputSource window;

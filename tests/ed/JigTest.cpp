@@ -107,8 +107,9 @@ TEST_F(Jig, CursorMotionUpdatesUntilAPointIsGiven)
     EXPECT_EQ(jig.updates[1].x, 3);
     ASSERT_EQ(drawn.size(), 1u);
     EXPECT_EQ(drawn[0].x, 2);
-    // The prompt is shown once however often the cursor moves.
-    EXPECT_EQ(transcript, L"Next point: \n");
+    // The prompt is shown once however often the cursor moves; the clicked
+    // point follows it as typed coordinates.
+    EXPECT_EQ(transcript, L"Next point: 3.0000,0.0000\n");
 }
 
 TEST_F(Jig, AppendHandsTheEntityToTheDrawing)

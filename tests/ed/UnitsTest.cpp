@@ -1,7 +1,10 @@
+#include "kaldo/ed/PrintfText.h"
 #include "kaldo/ed/Units.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdarg>
 #include <numbers>
 
 namespace kaldo {
@@ -29,8 +32,37 @@ TEST(Units, DecimalAndScientificWithZeroSuppression)
     EXPECT_EQ(formatDistance(15.0, 1, 4, 0), L"1.5000E+01");
     EXPECT_EQ(formatDistance(15.0, 1, 4, 8), L"1.5E+01");
     EXPECT_EQ(formatDistance(0.00025, 1, 2, 0), L"2.50E-04");
-    // Far too long for plain decimals: scientific instead.
-    EXPECT_EQ(formatDistance(1e200, 2, 2, 0), L"1.00E+200");
+}
+
+// Whole parts longer than a double's digits are no number to read: every
+// linear unit writes such values as the scientific unit does, and so does
+// the host's printf for fixed-point reals.
+TEST(Units, HugeValuesAreWrittenScientificInEveryUnitAndByPrintf)
+{
+    EXPECT_EQ(formatDistance(999999999999999.0, 2, 4, 0), L"999999999999999.0000");
+    EXPECT_EQ(formatDistance(1e15, 2, 4, 0), L"1.0000E+15");
+    EXPECT_EQ(formatDistance(-1e308, 2, 4, 8), L"-1E+308");
+    EXPECT_EQ(formatDistance(1e100, 2, 2, 0), L"1.00E+100");
+    for (int unit = 3; unit <= 5; ++unit)
+        EXPECT_EQ(formatDistance(1e308, unit, 4, 0), L"1.0000E+308") << unit;
+    EXPECT_EQ(formatDistance(1.2e14, 4, 0, 0), L"10000000000000'");
+
+    const auto printed = [](const wchar_t* format, ...) {
+        std::va_list args;
+        va_start(args, format);
+        const auto text = printfText(format, args);
+        va_end(args);
+        return text.value_or(L"(refused)");
+    };
+    EXPECT_EQ(printed(L"Scale = %.4f, Style = %ls", 1e308, L"STANDARD"), L"Scale = 1.0000E+308, Style = STANDARD");
+    EXPECT_EQ(printed(L"<%.4f> <%f> <%8.2F>", -2.5e15, 12.5, 3.14159), L"<-2.5000E+15> <12.500000> <    3.14>");
+    EXPECT_EQ(printed(L"%d%% %5s|%-4c|%#x %lld %zu %.3e %g %*.*f", 42, "ab", L'z', 255u, 1LL << 40, std::size_t(7),
+                      1234.5, 0.5, 7, 2, 1.005),
+              L"42%    ab|z   |0xff 1099511627776 7 1.234e+03 0.5    1.00");
+    EXPECT_EQ(printed(L"%.*f", -1, 2.5), L"2.500000");
+    EXPECT_EQ(printed(L"%Lf", 1e20L), L"1.000000E+20");
+    EXPECT_EQ(printed(L"broken %"), L"(refused)");
+    EXPECT_EQ(printed(L"%n", nullptr), L"(refused)");
 }
 
 TEST(Units, FeetInchesAndFractions)
@@ -93,8 +125,15 @@ TEST(Units, AnglesAreReadInTheirUnitOrBySuffix)
     EXPECT_TRUE(near(parseAngle(L"N45dW", 4), degrees(135)));
     EXPECT_TRUE(near(parseAngle(L"S 30d E", 4), degrees(300)));
     EXPECT_TRUE(near(parseAngle(L"W", 4), degrees(180)));
-    for (const wchar_t* junk : {L"", L"abc", L"45x", L"45d30", L"45d-3'", L"N 100d E", L"N 45d", L"1,5"})
+    for (const wchar_t* junk : {L"", L"abc", L"45x", L"45d30", L"45d-3'", L"N 100d E", L"N 45d", L"1,5", L"1e309"})
         EXPECT_FALSE(parseAngle(junk, 0)) << junk;
+    // Every finite angle has finite radians, however large.
+    const std::optional<double> huge = parseAngle(L"1e308", 0);
+    ASSERT_TRUE(huge && std::isfinite(*huge));
+    EXPECT_NEAR(*huge / 1e308 * 180, std::numbers::pi, 1e-12);
+    const std::optional<double> hugeGradians = parseAngle(L"-1.7e308g", 0);
+    ASSERT_TRUE(hugeGradians && std::isfinite(*hugeGradians));
+    EXPECT_NEAR(*hugeGradians / -1.7e308 * 200, std::numbers::pi, 1e-12);
     // What formatAngle writes reads back (to its precision).
     for (int unit = 0; unit <= 4; ++unit)
         EXPECT_TRUE(near(parseAngle(formatAngle(degrees(123.25), unit, 8, 0), unit), degrees(123.25), 1e-8)) << unit;

@@ -1,7 +1,7 @@
 // The style manager's dialogs on their real templates, driven by scripts:
 // the manager's buttons and preview, the name dialogs' rules, the new/modify
 // dialog's element list, checks and live preview, and the load dialog.
-#include "dlg/DialogFixture.h"
+#include "StyleDrawingFixture.h"
 #include "kaldo/dlg/DialogItems.h"
 
 #include "styledlg/MlineStyleDialog.h"
@@ -33,52 +33,8 @@ namespace {
 constexpr double kTol = 1e-10;
 constexpr double kDegree = std::numbers::pi / 180.0;
 
-class StyleDialogsTest : public DialogFixture {
+class StyleDialogsTest : public StyleDrawingFixture {
 protected:
-    KxDbObjectId addStyle(const wchar_t* name, int flags = 0, int elements = 2)
-    {
-        auto* style = new KxDbMlineStyle;
-        style->initMlineStyle();
-        style->setName(name);
-        style->setShowMiters(flags & 0x2);
-        style->setStartSquareCap(flags & 0x10);
-        for (int i = 0; i < elements; ++i) {
-            int index = 0;
-            style->addElement(index, elements == 2 ? 0.5 - i : 0.001 * i, KxCmColor(), db.byLayerLinetype());
-        }
-        KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        dictionary->setAt(name, style, id);
-        style->close();
-        return id;
-    }
-
-    void useStyle(KxDbObjectId style)
-    {
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(&db);
-        mline->setStyle(style);
-        mline->appendSeg({0, 0, 0});
-        mline->appendSeg({10, 0, 0});
-        db.addToCurrentSpace(mline);
-        mline->close();
-    }
-
-    void setCurrentStyle(const wchar_t* name)
-    {
-        kxresbuf rb;
-        rb.restype = RTSTR;
-        rb.resval.rstring = kxutNewString(name);
-        kxedSetVar(L"CMLSTYLE", &rb);
-        kxutDelBuffer(rb.resval.rstring);
-    }
-
-    bool hasStyle(const wchar_t* name)
-    {
-        const KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForRead);
-        return dictionary->has(name);
-    }
-
     // The printed state of item id in each SHOW, in order: "enabled" or
     // "disabled", then its text.
     std::vector<std::string> shown(int id) const
@@ -174,7 +130,7 @@ TEST_F(StyleDialogsTest, NewModifyDialogEditsTheWorkingCopyAndThePreviewFollows)
     EXPECT_THAT(transcript, HasSubstr(L"    0: -0.5 | ByLayer | ByLayer\n    1: 0.5 | ByLayer | ByLayer\n"));
     // The added row sorted in at its offset and stayed selected; a text
     // with two full stops left it as it was.
-    EXPECT_THAT(transcript, HasSubstr(L"selected 1\n    0: -0.5 | ByLayer | ByLayer\n    1: 0.25 | red | Continuous\n"
+    EXPECT_THAT(transcript, HasSubstr(L"selected 1\n    0: -0.5 | ByLayer | ByLayer\n    1: 0.25 | Continuous | red\n"
                                       L"    2: 0.5 | ByLayer | ByLayer\n"));
     EXPECT_THAT(shown(1048), ElementsAre("disabled ByLayer", "enabled ByLayer"));
     EXPECT_THAT(shown(1044), ElementsAre("enabled 90.00", "enabled 45"));

@@ -25,9 +25,15 @@ QApplication& application()
 
 }  // namespace
 
-WindowFixture::WindowFixture()
+WindowFixture::WindowFixture() : WindowFixture(nullptr) {}
+
+WindowFixture::WindowFixture(const std::function<void(kaldo::Profile&)>& prepare)
 {
     application();
+    if (prepare) {
+        kaldo::Profile profile(temp_.filePath("kaldo.ini").toStdString());
+        prepare(profile);
+    }
     kaldo::SessionPaths paths;
     paths.profile = temp_.filePath("kaldo.ini").toStdString();
     paths.supportDir = KALDO_STAGE_DIR "/share/kaldo/Support";
@@ -38,7 +44,8 @@ WindowFixture::WindowFixture()
         ADD_FAILURE() << "module not loaded: " << std::string(failure.begin(), failure.end());
     runner_ = std::make_unique<kaldo::ui::CommandRunner>(*session_);
     window_ = std::make_unique<kaldo::ui::MainWindow>(*runner_);
-    window_->resize(1000, 700);
+    if (!prepare)
+        window_->resize(1000, 700);
     window_->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(window_.get()));
     EXPECT_TRUE(waitForPrompt("Command: ", Kind::Command));
@@ -119,22 +126,24 @@ bool WindowFixture::closeWindow()
     return QTest::qWaitFor([&] { return !runner_->running() && !window_->isVisible(); }, kWaitMs);
 }
 
-void answerMessageBoxSoon(int button)
+void actOnModalSoon(std::function<bool(QWidget*)> takes)
 {
-    // A timer that looks every few milliseconds works inside whatever
-    // event loop runs then, the message box's own included.
     auto* timer = new QTimer;
     timer->setInterval(10);
     auto* deadline = new QDeadlineTimer(WindowFixture::kWaitMs);
-    QObject::connect(timer, &QTimer::timeout, [timer, deadline, button] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box && !deadline->hasExpired())
+    QObject::connect(timer, &QTimer::timeout, [timer, deadline, takes = std::move(takes)] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (!(modal && takes(modal)) && !deadline->hasExpired())
             return;
         timer->stop();
         timer->deleteLater();
         delete deadline;
-        if (box)
-            box->button(QMessageBox::StandardButton(button))->click();
     });
     timer->start();
+}
+
+void answerMessageBoxSoon(int button)
+{
+    actOnDialogSoon<QMessageBox>(
+        [button](QMessageBox& box) { box.button(QMessageBox::StandardButton(button))->click(); });
 }

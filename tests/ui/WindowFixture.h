@@ -8,11 +8,13 @@
 #include "kaldo/ui/CommandLine.h"
 #include "kaldo/ui/CommandRunner.h"
 #include "kaldo/ui/MainWindow.h"
+#include "kaldo/util/Profile.h"
 
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -26,6 +28,9 @@ protected:
     using Kind = kaldo::Editor::InputRequest::Kind;
 
     WindowFixture();
+    // Opens the window on a profile that prepare wrote first, at the size it
+    // chooses itself.
+    explicit WindowFixture(const std::function<void(kaldo::Profile&)>& prepare);
     ~WindowFixture() override;
 
     kaldo::ui::MainWindow& window() { return *window_; }
@@ -61,6 +66,23 @@ private:
     std::unique_ptr<kaldo::ui::CommandRunner> runner_;
     std::unique_ptr<kaldo::ui::MainWindow> window_;
 };
+
+// Offers each modal widget that shows, from a timer (so inside whatever
+// event loop runs then, the dialog's own included), to takes until it takes
+// one; gives up after WindowFixture::kWaitMs.
+void actOnModalSoon(std::function<bool(QWidget*)> takes);
+
+// Calls act on the first modal dialog of class Dialog that shows.
+template <class Dialog>
+void actOnDialogSoon(std::function<void(Dialog&)> act)
+{
+    actOnModalSoon([act = std::move(act)](QWidget* modal) {
+        auto* dialog = qobject_cast<Dialog*>(modal);
+        if (dialog)
+            act(*dialog);
+        return dialog != nullptr;
+    });
+}
 
 // Clicks the button of a message box that is about to open (or is open)
 // once it shows.

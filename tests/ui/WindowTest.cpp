@@ -1,9 +1,11 @@
 // The main window driven by mouse and keys as a user would: points by
-// clicks with snaps, picks for the editing tools, the command line's keys
-// and text window, zoom and pan, recent files and the progress window, and
-// the unsaved-changes question.
+// clicks with snaps, picks for the editing tools and what they would take,
+// the command line's keys and text window, zoom, zoom window and pan, recent
+// files and the progress window, the unsaved-changes question, and drawings
+// that would break the renderer.
 #include "WindowFixture.h"
 
+#include "../dxf/AllocationMeter.h"
 #include "../e2e/EzdxfReport.h"
 #include "kaldo/ui/ViewGeometry.h"
 #include "kaldo/util/Profile.h"
@@ -22,6 +24,7 @@
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -30,6 +33,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -65,6 +69,16 @@ int largestDifference(const QImage& a, const QImage& b)
                                 std::abs(qBlue(p) - qBlue(q))});
         }
     return largest;
+}
+
+// Pixels within radius of at whose colour passes test.
+int pixelsNear(const QImage& image, const QPoint& at, int radius, const std::function<bool(const QColor&)>& test)
+{
+    int found = 0;
+    for (int y = at.y() - radius; y <= at.y() + radius; ++y)
+        for (int x = at.x() - radius; x <= at.x() + radius; ++x)
+            found += image.valid(x, y) && test(QColor(image.pixel(x, y))) ? 1 : 0;
+    return found;
 }
 
 }  // namespace
@@ -158,6 +172,68 @@ TEST_F(Window, MultilinesPickedByClicksForTheClosedCrossAreHighlighted)
     ASSERT_EQ(runs.size(), 4);
     EXPECT_NEAR(runs[2].toDouble(), 45, kTol);
     EXPECT_NEAR(runs[3].toDouble(), 55, kTol);
+}
+
+// While a pick is asked for, the multiline a click would take shows under
+// the cursor, by the pick's own rule: inside a wide wall, between its
+// element lines, nothing does, and a click there says so. Clicked points are
+// echoed as typed coordinates.
+TEST_F(Window, PicksShowWhatAClickTakesAndSayWhenTheyMiss)
+{
+    ASSERT_TRUE(runTyped({"MLINE", "J", "Z", "S", "40", "0,0", "200,0", ""}));
+    ASSERT_TRUE(runTyped({"ZOOM", "E"}));
+    type("-MLEDIT");
+    type("CC");
+    ASSERT_TRUE(waitForPrompt("Select first mline: ", Kind::Entity));
+
+    const auto hoverShown = [&] {
+        const auto hover = [](const QColor& c) { return c.red() > 120 && c.green() > 190 && c.blue() > 235 && c.red() < 200; };
+        return pixelsNear(canvas().grab().toImage(), pixelOf(60, 20), 3, hover) > 0;
+    };
+    EXPECT_FALSE(hoverShown());
+    moveTo(pixelOf(100, 20));
+    EXPECT_TRUE(QTest::qWaitFor(hoverShown, kWaitMs));
+    moveTo(pixelOf(100, 0));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !hoverShown(); }, kWaitMs));
+
+    clickAt(pixelOf(100, 0));
+    static const QRegularExpression missed(
+        "Select first mline: -?[0-9]+\\.[0-9]{4},-?[0-9]+\\.[0-9]{4}\nNo object found\\.\nSelect first mline: $");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return missed.match(transcript()).hasMatch(); }, kWaitMs))
+        << transcript().right(120).toStdString();
+    clickAt(pixelOf(100, 20));
+    ASSERT_TRUE(waitForPrompt("Select second mline: ", Kind::Entity));
+    EXPECT_TRUE(QTest::qWaitFor(hoverShown, kWaitMs));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !hoverShown(); }, kWaitMs));
+}
+
+// The opposite corner of Zoom Window drags the box it will show, not a
+// line to the first corner.
+TEST_F(Window, ZoomWindowDrawsTheBoxBeingDragged)
+{
+    type("ZOOM");
+    type("W");
+    ASSERT_TRUE(waitForPrompt("Specify first corner: ", Kind::Point));
+    const QPoint first(200, 150);
+    const QPoint opposite(400, 300);
+    clickAt(first);
+    ASSERT_TRUE(waitForPrompt("Specify opposite corner: ", Kind::Point));
+    moveTo(opposite);
+    // The box's left and top edges, away from the crosshair at the cursor.
+    const auto lit = [](const QColor& c) { return c.rgb() != kBackground; };
+    const auto edgeDrawn = [&] {
+        const QImage image = canvas().grab().toImage();
+        return pixelsNear(image, {first.x(), 225}, 1, lit) > 0 && pixelsNear(image, {300, first.y()}, 1, lit) > 0;
+    };
+    EXPECT_TRUE(QTest::qWaitFor(edgeDrawn, kWaitMs));
+    const kaldo::view::Point2 a = kaldo::ui::worldAt(canvas().placement(), first);
+    const kaldo::view::Point2 b = kaldo::ui::worldAt(canvas().placement(), opposite);
+    clickAt(opposite);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_NEAR(canvas().placement().centre.x, (a.x + b.x) / 2, std::abs(b.x - a.x) / 100);
+    EXPECT_NEAR(canvas().placement().centre.y, (a.y + b.y) / 2, std::abs(b.y - a.y) / 100);
 }
 
 TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
@@ -475,18 +551,10 @@ TEST_F(Window, QuitTypedWithUnsavedChangesAsksAndSaves)
 TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
 {
     const auto actOnToolDialog = [this](const std::function<void(QDialog&)>& act) {
-        auto* timer = new QTimer;
-        timer->setInterval(10);
-        QObject::connect(timer, &QTimer::timeout, [this, timer, act] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (!dialog)
-                return;
-            timer->stop();
-            timer->deleteLater();
-            EXPECT_EQ(dialog->thread(), window().thread());
-            act(*dialog);
+        actOnDialogSoon<QDialog>([this, act](QDialog& dialog) {
+            EXPECT_EQ(dialog.thread(), window().thread());
+            act(dialog);
         });
-        timer->start();
     };
 
     // The command's echo is awaited before its prompt, so the prompt that
@@ -498,7 +566,7 @@ TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
     actOnToolDialog([](QDialog& dialog) {
         for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
             if (button->property("itemId").toInt() == 5767)
-                button->click();
+                QTest::mouseClick(button, Qt::LeftButton);
     });
     type("MLEDIT");
     ASSERT_TRUE(waitForPrompt("Select mline: ", Kind::Entity));
@@ -514,4 +582,90 @@ TEST_F(Window, ModuleDialogsOpenOverTheWindowAndTheirChoiceReachesTheCommand)
     type("MLSTYLE");
     ASSERT_TRUE(QTest::qWaitFor([&] { return managerShown; }, kWaitMs));
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    // The lines a script's transcript gets for dialogs are not the window's.
+    EXPECT_FALSE(transcript().contains("Dialog"));
+}
+
+// Drawings made to break the renderer (tests/data/render) open in the
+// window: the command thread draws each with bounded work, names what it
+// drew once or coarsely or left out, and the canvas shows the rest. Memory
+// that runs out while the canvas paints in bands, or while the command
+// thread draws, is said once and the session goes on.
+TEST_F(Window, DrawingsMadeToBreakTheRendererAreShownAndMemoryThatRunsOutIsSaid)
+{
+    const auto drawnPixels = [&] {
+        const QImage image = canvas().grab().toImage();
+        int drawn = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                drawn += image.pixel(x, y) != kBackground;
+        return drawn;
+    };
+    const auto open = [&](const QString& path) {
+        const unsigned serial = window().drawing().serial;
+        type("OPEN");
+        if (!QTest::qWaitFor([&] { return window().inputState().kind != Kind::Command; }, kWaitMs))
+            return false;
+        type(path);
+        return QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs);
+    };
+    ASSERT_TRUE(runTyped({"FILEDIA", "0"}));
+    const std::pair<const char*, const char*> drawings[] = {
+        {"block-inserts-itself", "Blocks that contain themselves, drawn once in the window: LOOP.\n"},
+        {"nested-insert-fan",
+         "Drawn as boxes in the window beyond 4194304 points: copies of blocks and lines of text.\n"},
+        {"ellipse-huge-sweep", "Not drawn in the window: ELLIPSE.\n"},
+        {"spline-degree-1200", "Opened"},
+        {"hatch-claims-huge-counts", "Opened"},
+    };
+    for (const auto& [name, said] : drawings) {
+        const QString path = QStringLiteral(KALDO_SOURCE_DIR "/tests/data/render/%1.dxf").arg(name);
+        const qsizetype before = transcript().size();
+        ASSERT_TRUE(open(path)) << name;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return transcript().indexOf(said, before) >= 0; }, kWaitMs)) << name;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return drawnPixels() > 100; }, kWaitMs)) << name;
+    }
+
+    // A polyline of 100 000 vertices, dashed: each band of the canvas
+    // gathers its pixels (1.6 MB) before it paints them, and drawing it
+    // needs more than a megabyte of points.
+    std::string dxf = "  0\nSECTION\n  2\nTABLES\n  0\nTABLE\n  2\nLTYPE\n 70\n1\n  0\nLTYPE\n  2\nLONGDASH\n 70\n0\n"
+                      "  3\n\n 72\n65\n 73\n2\n 40\n40000\n 49\n20000\n 49\n-20000\n  0\nENDTAB\n  0\nENDSEC\n"
+                      "  0\nSECTION\n  2\nENTITIES\n  0\nLWPOLYLINE\n  8\n0\n  6\nLONGDASH\n 90\n100000\n 70\n0\n";
+    for (int i = 0; i < 100000; ++i)
+        dxf += " 10\n" + std::to_string(i) + "\n 20\n" + std::to_string(i % 2 * 100) + "\n";
+    dxf += "  0\nENDSEC\n  0\nEOF\n";
+    const std::string path = dir() + "/dashed.dxf";
+    {
+        std::ofstream out(path);
+        out << dxf;
+    }
+    ASSERT_TRUE(open(QString::fromStdString(path)));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return drawnPixels() > 100; }, kWaitMs));
+    const QPointF cursor(200, 150);
+    QWheelEvent wheel(cursor, canvas().mapToGlobal(cursor), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    {
+        const AllocationCap cap(1 << 20);
+        QApplication::sendEvent(&canvas(), &wheel);
+        EXPECT_EQ(drawnPixels(), 0);
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return transcript().contains("\nThe drawing cannot be painted: the memory ran out.\n"); }, kWaitMs));
+        const qsizetype before = transcript().size();
+        type("LINE");
+        type("0,0");
+        type("10,0");
+        type("");
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] {
+                return transcript().indexOf("\nThe drawing cannot be shown in the window: the memory ran out.\n",
+                                            before) >= 0;
+            },
+            kWaitMs));
+        EXPECT_TRUE(window().drawing().scene->polylines().empty());
+    }
+    ASSERT_TRUE(runTyped({"LINE", "0,50", "10,50", ""}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window().drawing().scene->polylines().size() == 3; }, kWaitMs));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return drawnPixels() > 100; }, kWaitMs));
+    EXPECT_EQ(transcript().count("the memory ran out"), 2);
 }

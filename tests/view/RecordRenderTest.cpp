@@ -106,9 +106,9 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     // A quadratic spline over (60, 0), (61, 2), (62, 0), weighted 1.
     addRecord(d.db, "SPLINE", groups({{71, "2"}, {40, "0"}, {40, "0"}, {40, "0"}, {40, "1"}, {40, "1"}, {40, "1"},
                                       {10, "60"}, {20, "0"}, {10, "61"}, {20, "2"}, {10, "62"}, {20, "0"}}));
-    std::set<std::string> undrawn;
-    const Scene scene = renderDrawing(d.db, &undrawn);
-    EXPECT_EQ(undrawn, (std::set<std::string>{"HATCH"}));
+    RenderNotes notes;
+    const Scene scene = renderDrawing(d.db, &notes);
+    EXPECT_EQ(notes.undrawnKinds, (std::set<std::string>{"HATCH"}));
 
     // The door's line runs up from (10, 20) for 2; the leaf, placed at
     // (0, 3) of the scaled block and 6 long, runs left of it.

@@ -1,5 +1,6 @@
 #include "kaldo/app/commands/HostCommands.h"
 
+#include "kxed.h"
 #include "kxrxcommands.h"
 
 namespace kaldo {

@@ -49,6 +49,16 @@ class Session;
 void openDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report = {});
 void saveDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report = {});
 
+// The file types SAVEAS offers in a file dialog, in the order of SaveAsType:
+// the drawing itself, or a copy with every multiline exploded (2000 or R12).
+enum class SaveAsType { Drawing, Exploded, ExplodedR12 };
+inline constexpr const wchar_t* kSaveAsFileTypes =
+    L"Drawing (*.dxf);;Copy, multilines exploded (*.dxf);;R12 copy, multilines exploded (*.dxf)";
+// What SAVEAS does with a file chosen under a type, messages included; a
+// copy is never written over the drawing's own file, and takes no report.
+void saveAsReporting(Session& session, const std::filesystem::path& path, SaveAsType type,
+                     const dxf::ProgressReport& report = {});
+
 // Asks for the new value of the system variable name, as SETVAR does once it
 // has the name; Enter keeps the value.
 void promptForVariable(const std::wstring& name);

@@ -3,10 +3,10 @@
 // always asks. A failed save leaves the old file whole and says why; a
 // read-only file is replaced only when the user answers Yes. A save
 // cancelled before the file is replaced leaves it as it was too. The keyword
-// Exploded typed at SAVEAS's file prompt asks for the file version (2000,
-// or R12 for the oldest readers) and the file of a copy with every
-// multiline exploded; the working drawing keeps its multilines and its own
-// file.
+// Exploded at SAVEAS's file prompt asks for the file version (2000, or R12
+// for the oldest readers) and the file of a copy with every multiline
+// exploded; in the file dialog the copy is a file type. The working drawing
+// keeps its multilines and its own file.
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/dxf/DxfError.h"
@@ -14,8 +14,6 @@
 #include "kxed.h"
 #include "kxstring.h"
 
-#include <algorithm>
-#include <cwctype>
 #include <memory>
 #include <optional>
 #include <string>
@@ -56,25 +54,16 @@ void saveDrawingReporting(Session& session, const std::filesystem::path& path, c
 namespace {
 
 // The file name chosen in a file dialog or on the command line; empty when
-// none was.
-std::filesystem::path chooseFile(const wchar_t* title, const std::wstring& current)
+// none was. Keywords set before come back as RTKWORD in result.
+std::filesystem::path chooseFile(const wchar_t* title, const std::wstring& current, int& result,
+                                 int* fileType = nullptr, const wchar_t* fileTypes = nullptr)
 {
     wchar_t* name = nullptr;
-    if (getFileNameByFileDialog(title, current.c_str(), L"dxf", 1, name) != 0 || !name)
+    result = getFileNameByFileDialog(title, current.c_str(), L"dxf", 1, name, nullptr, fileType, fileTypes);
+    if (result != 0 || !name)
         return {};
     const std::unique_ptr<wchar_t, decltype(&kald_free)> owned(name, kald_free);
     return name;
-}
-
-// The keyword typed at the file prompt, which came back as a file name
-// without a folder.
-bool isExplodedKeyword(const std::filesystem::path& chosen)
-{
-    if (chosen.has_parent_path())
-        return false;
-    std::wstring stem = chosen.stem().wstring();
-    std::transform(stem.begin(), stem.end(), stem.begin(), [](wchar_t c) { return std::towlower(c); });
-    return stem == L"exploded" || stem == L"_exploded";
 }
 
 // Asks for the file version of an exploded copy; Enter keeps the usual one.
@@ -94,6 +83,11 @@ std::optional<CopyVersion> askCopyVersion()
 
 void saveExplodedReporting(Session& session, const std::filesystem::path& path, CopyVersion version)
 {
+    std::error_code ec;
+    if (!session.drawingPath().empty() && std::filesystem::equivalent(path, session.drawingPath(), ec)) {
+        kxutPrintf(L"\nThe copy was not saved: \"%ls\" is the drawing's own file.\n", path.wstring().c_str());
+        return;
+    }
     const bool readOnly = isReadOnlyFile(path);
     if (readOnly && !userAllowsReplacing(path)) {
         kxutPrintf(L"\nThe copy was not saved: \"%ls\" stays as it was.\n", path.wstring().c_str());
@@ -107,28 +101,46 @@ void saveExplodedReporting(Session& session, const std::filesystem::path& path, 
     }
 }
 
-void askAndSave(Session& session, bool offerExploded)
+// SAVEAS's keyword: the version of the copy, then its file.
+void askAndSaveExploded(Session& session)
 {
-    const std::wstring current = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().wstring();
-    const std::filesystem::path chosen = chooseFile(L"Save Drawing As", current);
-    if (chosen.empty())
-        return;
-    if (!offerExploded || !isExplodedKeyword(chosen)) {
-        saveDrawingReporting(session, chosen);
-        return;
-    }
     const std::optional<CopyVersion> version = askCopyVersion();
     if (!version)
         return;
     std::filesystem::path copy = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath();
     const wchar_t* suffix = *version == CopyVersion::R12 ? L"-exploded-r12.dxf" : L"-exploded.dxf";
     copy.replace_filename(copy.stem().wstring() + suffix);
-    const std::filesystem::path target = chooseFile(L"Save Exploded Copy As", copy.wstring());
+    int result = 0;
+    const std::filesystem::path target = chooseFile(L"Save Exploded Copy As", copy.wstring(), result);
     if (!target.empty())
         saveExplodedReporting(session, target, *version);
 }
 
+void askAndSave(Session& session, bool saveAs)
+{
+    const std::wstring current = session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().wstring();
+    if (saveAs)
+        kxedInitGet(0, L"Exploded _Exploded");
+    int result = 0;
+    int fileType = 0;
+    const std::filesystem::path chosen =
+        chooseFile(L"Save Drawing As", current, result, &fileType, saveAs ? kSaveAsFileTypes : nullptr);
+    if (result == RTKWORD)
+        askAndSaveExploded(session);
+    else if (!chosen.empty())
+        saveAsReporting(session, chosen, SaveAsType(fileType));
+}
+
 }  // namespace
+
+void saveAsReporting(Session& session, const std::filesystem::path& path, SaveAsType type,
+                     const dxf::ProgressReport& report)
+{
+    if (type == SaveAsType::Drawing)
+        saveDrawingReporting(session, path, report);
+    else
+        saveExplodedReporting(session, path, type == SaveAsType::ExplodedR12 ? CopyVersion::R12 : CopyVersion::Current);
+}
 
 void saveCommand()
 {

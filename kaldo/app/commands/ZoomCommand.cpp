@@ -52,7 +52,7 @@ void zoomWindow(Editor& editor, const KxGePoint3d* firstCorner)
     else if (editor.getPoint(nullptr, L"\nSpecify first corner: ", first) != RTNORM)
         return;
     KxGePoint3d second;
-    if (editor.getPoint(&first, L"\nSpecify opposite corner: ", second) != RTNORM)
+    if (editor.getCorner(first, L"\nSpecify opposite corner: ", second) != RTNORM)
         return;
     const Ucs ucs = currentUcs();
     fitBox(editor.view(), ucsToWorld(ucs, first), ucsToWorld(ucs, second));

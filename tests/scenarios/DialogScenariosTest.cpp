@@ -1,0 +1,222 @@
+// The dialogs of the module and the host in one table of scenarios, each
+// run by script and by a person's hand (mouse and keys on the real
+// widgets): both runs must leave the same drawing, profile, style files and
+// transcript. The drawing holds WALL_200MM, current and used by
+// multilines, ROAD_7M, used by none, and STANDARD.
+#include "Scenario.h"
+
+#include "kaldo/dxf/DxfFile.h"
+
+#include <gmock/gmock.h>
+
+#include <QTemporaryDir>
+
+#include <fstream>
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using namespace scenario;
+
+namespace {
+
+// Dialog items of the templates.
+enum Item : int {
+    kOk = 1,
+    kCancel = 2,
+    kYes = 6,
+    kNo = 7,
+    kStyleList = 1021,
+    kSetCurrent = 1026,
+    kNew = 1028,
+    kModify = 1029,
+    kRename = 1030,
+    kDelete = 1031,
+    kLoad = 1032,
+    kSave = 1033,
+    kNewName = 1035,
+    kStartStyle = 1036,
+    kDescription = 1037,
+    kStartLine = 1038,
+    kStartAngle = 1044,
+    kElements = 1046,
+    kFillColor = 1048,
+    kElementColor = 1049,
+    kOffset = 1050,
+    kAddElement = 1051,
+    kDeleteElement = 1052,
+    kFill = 1054,
+    kLinetype = 1055,
+    kBrowse = 1056,
+    kFileStyles = 1058,
+    kRenameNew = 1060,
+    kPlainButton = 5771,
+};
+
+// A style block of a .mln file: two elements by layer.
+std::string mlnStyle(const std::string& name, double half)
+{
+    return "MLSTYLE\n2\n " + name + "\n70\n 0\n3\n " + name + " from the file\n62\n 256\n51\n 90\n52\n 90\n71\n 2\n"
+         + "49\n " + std::to_string(half) + "\n62\n 256\n6\n BYLAYER\n49\n " + std::to_string(-half)
+         + "\n62\n 256\n6\n BYLAYER\n0\n";
+}
+
+class DialogScenarios : public ::testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        root_ = new QTemporaryDir;
+        styles_ = root() / "styles.mln";
+        std::ofstream(styles_) << mlnStyle("WALL_200MM", 0.1) << mlnStyle("ROAD_7M", 3.5) << mlnStyle("PIPE", 0.05);
+        const std::string mln = styles_.string();
+        drawing_ = prepareDrawing("MLSTYLE\nCLICK 1032\nCLICK 1056\n" + mln + "\nSELECT 1058 WALL_200MM\nCLICK 1\n"
+                                  "CLICK 1032\nSELECT 1058 ROAD_7M\nCLICK 1\nSELECT 1021 WALL_200MM\nCLICK 1026\n"
+                                  "CLICK 1\nMLINE\n0,0\n100,0\n\nMLINE\n0,50\n100,50\n\nMLINE\n50,-20\n50,80\n\n",
+                                  root() / "start");
+    }
+    static void TearDownTestSuite() { delete root_; }
+
+    static std::filesystem::path root() { return root_->path().toStdString(); }
+
+    static QString stylesFile() { return QString::fromStdString(styles_.string()); }
+
+    Scenario scenario(std::vector<Step> steps, std::vector<std::string> writtenFiles = {}) const
+    {
+        return {::testing::UnitTest::GetInstance()->current_test_info()->name(), drawing_, std::move(steps),
+                std::move(writtenFiles)};
+    }
+
+    // Runs it both ways and compares what they left; returns the script's.
+    Outcome runBothWays(const Scenario& scenario) const
+    {
+        const Outcome byScript = runByScript(scenario, root() / "script");
+        const Outcome byHand = runByHand(scenario, root() / "hand");
+        EXPECT_TRUE(byHand.finished) << "a step was not taken or a dialog stayed open";
+        EXPECT_EQ(byHand.commandLine, byScript.commandLine);
+        EXPECT_TRUE(byHand.drawing == byScript.drawing) << "the drawings differ";
+        EXPECT_EQ(byHand.profile, byScript.profile);
+        EXPECT_EQ(byHand.files, byScript.files);
+        // Whatever the dialogs did, the drawing saved opens again.
+        EXPECT_NO_THROW(kaldo::dxf::readDxfFile(root() / "hand" / "drawing.dxf"));
+        return byScript;
+    }
+
+private:
+    static inline QTemporaryDir* root_ = nullptr;
+    static inline std::filesystem::path styles_;
+    static inline std::filesystem::path drawing_;
+};
+
+}  // namespace
+
+// The current style in use, chosen after another row by the mouse, keeps
+// Delete, Rename and Modify disabled: none of them acts, and WALL_200MM
+// stays. Then each button on ROAD_7M, which nothing uses, and Set Current
+// by a double click.
+TEST_F(DialogScenarios, StyleManagerRowsByMouseThenEachButton)
+{
+    const Outcome outcome = runBothWays(scenario(
+        {command("MLSTYLE"), select(kStyleList, "STANDARD"), select(kStyleList, "WALL_200MM"), click(kDelete),
+         click(kYes), click(kRename), click(kModify), click(kCancel),
+         command("MLSTYLE"), select(kStyleList, "ROAD_7M"), click(kModify), click(kCancel), click(kRename),
+         type(kRenameNew, "ROAD_8M"), click(kOk), click(kSave), file("%RUN%/road.mln"), click(kDelete), click(kNo),
+         click(kDelete), click(kYes), click(kNew), type(kNewName, "BRICK"), click(kOk), click(kOk),
+         select(kStyleList, "STANDARD"), click(kSetCurrent), doubleClick(kStyleList, "BRICK"), click(kOk)},
+        {"road.mln"}));
+    EXPECT_THAT(outcome.drawing, HasSubstr("AcDbMlineStyle\n  2\nWALL_200MM\n"));
+    EXPECT_THAT(outcome.drawing, Not(HasSubstr("ROAD_")));
+    EXPECT_THAT(outcome.drawing, HasSubstr("$CMLSTYLE\n  2\nBRICK\n"));
+    EXPECT_THAT(outcome.files[0], HasSubstr("\r\n ROAD_8M\r\n"));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Message: Delete the multiline style \"ROAD_8M\"?\nMessage closed: No\n"));
+}
+
+// Rows chosen with the arrow keys, Enter on a push button that has the
+// focus (New, after Set Current) and Enter elsewhere (OK), Escape.
+TEST_F(DialogScenarios, StyleManagerByKeys)
+{
+    const Outcome outcome = runBothWays(scenario(
+        {command("MLSTYLE"), select(kStyleList, "STANDARD", Hand::Keys), select(kStyleList, "WALL_200MM", Hand::Keys),
+         click(kDelete), select(kStyleList, "ROAD_7M", Hand::Keys), click(kSetCurrent), key(Qt::Key_Return, ""),
+         type(kNewName, "KEYED"), key(Qt::Key_Return, ""), key(Qt::Key_Escape, "^C"),
+         select(kStyleList, "STANDARD", Hand::Keys), key(Qt::Key_Return, "")}));
+    EXPECT_THAT(outcome.drawing, HasSubstr("AcDbMlineStyle\n  2\nWALL_200MM\n"));
+    EXPECT_THAT(outcome.drawing, HasSubstr("$CMLSTYLE\n  2\nROAD_7M\n"));
+    EXPECT_THAT(outcome.drawing, Not(HasSubstr("KEYED")));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Dialog 107 closed: OK\nDialog 105: New Multiline Style: KEYED\n"
+                                              "Dialog 105 closed: Cancel\n"));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Dialog 101 closed: OK\n"));
+}
+
+// Element rows by mouse and keys, Add and Delete (after which no row is
+// selected and the element controls take nothing), typed offsets, the
+// colour combos by mouse and keys, the linetype by the wheel, the headings,
+// the caps, the fill and an angle.
+TEST_F(DialogScenarios, NewModifyDialogElementsCombosAndHeadings)
+{
+    const Outcome outcome = runBothWays(scenario(
+        {command("MLSTYLE"), select(kStyleList, "STANDARD"), click(kModify), click(kAddElement),
+         type(kOffset, "0.25"), select(kElementColor, "Red"), select(kLinetype, "Continuous", Hand::Wheel),
+         select(kElements, "-0.5"), select(kElementColor, "Blue", Hand::Keys), select(kElements, "0.25", Hand::Keys),
+         click(kDeleteElement), type(kOffset, "0.75"), select(kElementColor, "Green"), header(kElements, 1),
+         header(kElements, 0), select(kElements, "0.5"), type(kOffset, "0.3"), check(kStartLine, true),
+         check(kFill, true), select(kFillColor, "Yellow"), type(kStartAngle, "45"),
+         type(kDescription, "Edited by hand"), click(kOk), click(kOk)}));
+    EXPECT_THAT(outcome.drawing, HasSubstr("  3\nEdited by hand\n"));
+    // The deleted row took its offset and colour along; the typed 0.75 and
+    // the green went nowhere.
+    EXPECT_THAT(outcome.drawing, Not(HasSubstr("\n 49\n0.25\n")));
+    EXPECT_THAT(outcome.drawing, Not(HasSubstr("\n 49\n0.75\n")));
+    EXPECT_THAT(outcome.drawing, HasSubstr("\n 49\n0.3\n 62\n256\n"));
+    EXPECT_THAT(outcome.drawing, HasSubstr("\n 49\n-0.5\n 62\n5\n"));
+}
+
+// Typed names with forbidden characters, spaces or a name in use keep OK
+// disabled; the start style chosen by mouse in the editable combo box.
+TEST_F(DialogScenarios, NameDialogsRefuseNamesWhileTyped)
+{
+    const Outcome outcome = runBothWays(scenario(
+        {command("MLSTYLE"), click(kNew), type(kNewName, "A#B"), click(kOk), type(kNewName, "wall_200mm"), click(kOk),
+         type(kNewName, "HALL"), select(kStartStyle, "ROAD_7M"), click(kOk), click(kOk),
+         select(kStyleList, "HALL"), click(kRename), type(kRenameNew, "NEW HALL"), click(kOk),
+         type(kRenameNew, "HALL?"), click(kOk), type(kRenameNew, "HALL_2"), click(kOk), click(kOk)}));
+    EXPECT_THAT(outcome.drawing, HasSubstr("AcDbMlineStyle\n  2\nHALL_2\n"));
+    EXPECT_THAT(outcome.drawing, HasSubstr("  3\nROAD_7M from the file\n"));
+    EXPECT_THAT(outcome.drawing, Not(HasSubstr("A#B")));
+}
+
+// The load dialog: a file chosen in the host's file dialog, rows by mouse
+// and keys; Enter and Space close it without loading, a double click
+// loads, OK on a style in use is refused and the dialog stays.
+TEST_F(DialogScenarios, LoadDialogEnterAndSpaceNeverLoad)
+{
+    const Outcome outcome = runBothWays(scenario(
+        {command("MLSTYLE"), click(kLoad), click(kBrowse), file(stylesFile()), select(kFileStyles, "PIPE"),
+         key(Qt::Key_Return, ""), click(kLoad), select(kFileStyles, "PIPE"), key(Qt::Key_Space, "CLICK 2"),
+         click(kLoad), select(kFileStyles, "WALL_200MM", Hand::Keys), click(kOk), click(kCancel), click(kLoad),
+         doubleClick(kFileStyles, "PIPE"), click(kOk)}));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Dialog 108 closed: Cancel\nDialog 108: Load Multiline Styles\n"
+                                              "Dialog 108 closed: Cancel\nDialog 108: Load Multiline Styles\n"
+                                              "Dialog 108 closed: Cancel\nDialog 108: Load Multiline Styles\n"
+                                              "Dialog 108 closed: OK\n"));
+    EXPECT_THAT(outcome.drawing, HasSubstr("AcDbMlineStyle\n  2\nPIPE\n"));
+    EXPECT_THAT(outcome.profile, HasSubstr("MlstyleFile="));
+}
+
+// Each image button of the tool dialog chooses its tool (the tool's prompt
+// answered with Enter); the plain button, Enter and Escape choose none; a
+// closed cross by the dialog with typed picks.
+TEST_F(DialogScenarios, ToolDialogImageButtons)
+{
+    std::vector<Step> steps;
+    for (int button = 5759; button <= 5770; ++button)
+        steps.insert(steps.end(), {command("MLEDIT"), click(button), command("")});
+    steps.insert(steps.end(), {command("MLEDIT"), click(kPlainButton), command("MLEDIT"), key(Qt::Key_Return, ""),
+                               command("MLEDIT"), key(Qt::Key_Escape, "^C"), command("MLEDIT"), click(5759),
+                               command("20,0"), command("50,30"), command("")});
+    const Outcome outcome = runBothWays(scenario(steps));
+    for (const char* prompt : {"Select first mline: \n", "Select mline: \n"})
+        EXPECT_THAT(outcome.transcript, HasSubstr(prompt));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Dialog 5758 closed: OK\nCommand: MLEDIT\nDialog 5758: Multiline Edit "
+                                              "Tools\nDialog 5758 closed: OK\nCommand: MLEDIT\nDialog 5758: Multiline "
+                                              "Edit Tools\nDialog 5758 closed: Cancel\n"));
+    EXPECT_THAT(outcome.transcript, HasSubstr("Select first mline: 20,0\nSelect second mline: 50,30\n"));
+}

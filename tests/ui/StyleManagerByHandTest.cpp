@@ -1,0 +1,88 @@
+// The style manager in the window, used by hand as a new user would: a
+// style loaded from a file through the host's file dialog and made current
+// with the mouse, multilines drawn with it by clicks, and then the mouse on
+// another style and back, and on Delete. The style in use stays; the drawing
+// saved reopens and an independent reader finds nothing to repair.
+#include "WindowFixture.h"
+
+#include "../e2e/EzdxfReport.h"
+#include "scenarios/HandDriver.h"
+
+#include <QJsonArray>
+#include <QTest>
+
+#include <fstream>
+
+using namespace scenario;
+
+namespace {
+
+enum Item : int {
+    kOk = 1,
+    kYes = 6,
+    kStyleList = 1021,
+    kSetCurrent = 1026,
+    kRename = 1030,
+    kDelete = 1031,
+    kLoad = 1032,
+    kBrowse = 1056,
+    kFileStyles = 1058,
+};
+
+}  // namespace
+
+class StyleManagerByHand : public WindowFixture {
+protected:
+    // Makes the gestures on the dialogs MLSTYLE opens, then waits for the
+    // command prompt.
+    [[nodiscard]] bool mlstyleByHand(const std::vector<Step>& steps)
+    {
+        HandDriver hand(steps);
+        hand.start();
+        type("MLSTYLE");
+        const bool ended = QTest::qWaitFor([&] { return hand.idle(); }, kWaitMs)
+                           && waitForPrompt("Command: ", Kind::Command);
+        return hand.finish() && ended;
+    }
+};
+
+TEST_F(StyleManagerByHand, TheCurrentStyleInUseSurvivesMouseClicksOnAnotherRowAndBack)
+{
+    const std::string styles = dir() + "/walls.mln";
+    std::ofstream(styles) << "MLSTYLE\n2\n WALL_200MM\n70\n 0\n3\n Wall\n62\n 256\n51\n 90\n52\n 90\n71\n 2\n"
+                             "49\n 0.1\n62\n 256\n6\n BYLAYER\n49\n -0.1\n62\n 256\n6\n BYLAYER\n0\n";
+    ASSERT_TRUE(mlstyleByHand({click(kLoad), click(kBrowse), file(QString::fromStdString(styles)),
+                               select(kFileStyles, "WALL_200MM"), click(kOk), select(kStyleList, "WALL_200MM"),
+                               click(kSetCurrent), click(kOk)}));
+    ASSERT_TRUE(runTyped({"ZOOM", "W", "-10,-10", "110,110"}));
+    for (int row = 0; row < 10; ++row) {
+        type("MLINE");
+        ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
+        clickAt(pixelOf(0, 10 * row));
+        ASSERT_TRUE(waitForPrompt("Next point :", Kind::Drag));
+        clickAt(pixelOf(100, 10 * row));
+        ASSERT_TRUE(waitForPrompt("Specify next point or [Undo]:", Kind::Drag));
+        type("");
+        ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    }
+
+    // STANDARD by the mouse, then WALL_200MM: Delete and Rename stay
+    // disabled, and clicks on them do nothing.
+    ASSERT_TRUE(mlstyleByHand({select(kStyleList, "STANDARD"), select(kStyleList, "WALL_200MM"), click(kDelete),
+                               click(kYes), click(kRename), click(kOk)}));
+    EXPECT_FALSE(transcript().contains("Message: "));
+
+    const std::string path = dir() + "/after.dxf";
+    ASSERT_TRUE(saveAs(path));
+    const EzdxfReport report = readWithEzdxf(path);
+    ASSERT_TRUE(report.ran) << report.problem;
+    EXPECT_TRUE(report.file["errors"].toArray().isEmpty());
+    EXPECT_TRUE(report.file["fixes"].toArray().isEmpty());
+    const QJsonArray mlines = report.file["mlines"].toArray();
+    ASSERT_EQ(mlines.size(), 10);
+    for (const auto& mline : mlines)
+        EXPECT_EQ(mline.toObject()["style"].toString(), "WALL_200MM");
+    EXPECT_EQ(report.file["cmlstyle"].toString(), "WALL_200MM");
+    ASSERT_TRUE(runTyped({"FILEDIA", "0", "OPEN", QString::fromStdString(path)}));
+    EXPECT_TRUE(transcript().contains("Opened")) << transcript().toStdString();
+}
