@@ -31,6 +31,16 @@ bool validIndices(std::span<const int> indices, int count)
     return std::ranges::all_of(indices, [count](int i) { return i >= 0 && i < count; });
 }
 
+// The stretch of an entity that its one stretch point moves whole.
+Kald::ErrorStatus movedWhole(KxDbEntity& entity, std::span<const int> indices, const KxGeVector3d& offset)
+{
+    if (!validIndices(indices, 1))
+        return Kald::eInvalidIndex;
+    if (indices.empty())
+        return Kald::eOk;
+    return entity.transformBy(KxGeMatrix3d::translation(offset));
+}
+
 // The angle in plane of the image under m of the direction at angle in from.
 double imageAngle(const KxGeMatrix3d& m, const kaldo::EntityPlane& from, const kaldo::EntityPlane& plane, double angle)
 {
@@ -120,11 +130,7 @@ void KxDbArc::getStretchPoints(std::vector<KxGePoint3d>& points) const
 
 Kald::ErrorStatus KxDbArc::moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset)
 {
-    if (!validIndices(indices, 1))
-        return Kald::eInvalidIndex;
-    if (indices.empty())
-        return Kald::eOk;
-    return transformBy(KxGeMatrix3d::translation(offset));
+    return movedWhole(*this, indices, offset);
 }
 
 Kald::ErrorStatus KxDbCircle::transformBy(const KxGeMatrix3d& m)
@@ -150,11 +156,7 @@ void KxDbCircle::getStretchPoints(std::vector<KxGePoint3d>& points) const
 
 Kald::ErrorStatus KxDbCircle::moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset)
 {
-    if (!validIndices(indices, 1))
-        return Kald::eInvalidIndex;
-    if (indices.empty())
-        return Kald::eOk;
-    return transformBy(KxGeMatrix3d::translation(offset));
+    return movedWhole(*this, indices, offset);
 }
 
 Kald::ErrorStatus KxDbPolyline::transformBy(const KxGeMatrix3d& m)

@@ -6,7 +6,11 @@
 // double click shows everything. Left clicks give points: snapped and
 // ortho-constrained where the command line asks for a point. While an
 // entity pick waits, the cursor's motion goes to the command thread, which
-// answers with the entity under it.
+// answers with the entity under it. Where it picks objects (and at the
+// command prompt, selecting for the next command), a click on empty ground
+// starts a selection window, drawn solid to the right (window) and dashed
+// to the left (crossing), which a second click or the release of a drag
+// ends.
 #pragma once
 
 #include "kaldo/ed/View.h"
@@ -76,6 +80,10 @@ private:
                       const std::optional<QPoint>& shift);
     void reportFailure(const std::exception_ptr& failure);
     bool wantsPoint() const;
+    // Whether a click picks objects (or starts a selection window): at
+    // "Select objects:" and at the command prompt, which selects for the
+    // next command.
+    bool picksObjects() const;
     void paintOverlays(QPainter& painter);
     // Works out where the cursor aims (snapped, constrained) after it or
     // what it aims at changed.
@@ -99,6 +107,8 @@ private:
     view::Point2 aim_;
     std::optional<Snap> aimSnap_;
     std::optional<QPointF> panFrom_;
+    std::optional<QPointF> pressedAt_;   // a left press that picked objects
+    std::optional<QPointF> releasedAt_;  // its release, a drag away
 };
 
 }  // namespace kaldo::ui

@@ -23,7 +23,9 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <thread>
+#include <unordered_set>
 #include <vector>
 
 class KxDbEntity;
@@ -52,7 +54,8 @@ struct InputState {
     view::Point2 base;
     bool corner = false;  // the rubber band is the box from base
     bool acceptBlanks = false;
-    QStringList keywords;  // local words
+    bool selectionWindow = false;  // the box is a selection window (see Editor::InputRequest)
+    QStringList keywords;          // local words
     int pickbox = 3;
     int linearUnits = 2;
     int linearPrecision = 4;
@@ -117,7 +120,7 @@ private:
     void publishIfChanged();
     void requested(const Editor::InputRequest& request);
     void redrawn(const std::int64_t* entity, int mode);
-    void dragged(const KxDbEntity* entity);
+    void dragged(std::span<const KxDbEntity* const> entities);
     void hovered(const KxDbObjectId& entity);
     void publishHighlight();
     void runPromptWork();
@@ -142,6 +145,8 @@ private:
     } published_;
     std::vector<KxDbObjectId> highlighted_;
     KxDbObjectId hovered_;
+    std::unordered_set<KxDbObjectId> highlightedIds_;
+    bool highlightStale_ = false;
     bool dragShown_ = false;
     bool atPrompt_ = false;
 

@@ -236,6 +236,58 @@ TEST_F(Window, ZoomWindowDrawsTheBoxBeingDragged)
     EXPECT_NEAR(canvas().placement().centre.y, (a.y + b.y) / 2, std::abs(b.y - a.y) / 100);
 }
 
+TEST_F(Window, DraggedWindowsSelectAndAPickBeforeMoveIsTakenByIt)
+{
+    ASSERT_TRUE(runTyped({"MLINE", "0,0", "40,0", ""}));
+    ASSERT_TRUE(runTyped({"MLINE", "0,30", "40,30", ""}));
+    ASSERT_TRUE(runTyped({"ZOOM", "E"}));
+    ASSERT_TRUE(runTyped({"ZOOM", "0.5x"}));
+
+    // Dragged from left to right: a window, holding the lower wall only.
+    type("ERASE");
+    ASSERT_TRUE(waitForPrompt("Select objects: ", Kind::Entity));
+    QTest::mousePress(&canvas(), Qt::LeftButton, {}, pixelOf(-10, -10));
+    ASSERT_TRUE(waitForPrompt("Specify opposite corner: ", Kind::Point));
+    moveTo(pixelOf(50, 10));
+    QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, pixelOf(50, 10));
+    ASSERT_TRUE(waitForPrompt("Select objects: ", Kind::Entity));
+    EXPECT_TRUE(transcript().endsWith("\n1 found\nSelect objects: ")) << transcript().toStdString();
+
+    // Dragged from right to left: a crossing, drawn dashed in its own
+    // colour, taking both walls.
+    QTest::mousePress(&canvas(), Qt::LeftButton, {}, pixelOf(20, 35));
+    ASSERT_TRUE(waitForPrompt("Specify opposite corner: ", Kind::Point));
+    moveTo(pixelOf(-5, -5));
+    const auto crossingColour = [](const QColor& c) { return c.green() > 150 && c.red() < 150 && c.blue() < 180; };
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return pixelsNear(canvas().grab().toImage(), pixelOf(-5, 15), 8, crossingColour) > 0; }, kWaitMs));
+    QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, pixelOf(-5, -5));
+    ASSERT_TRUE(waitForPrompt("Select objects: ", Kind::Entity));
+    EXPECT_TRUE(transcript().endsWith("\n2 found (1 duplicate), 2 total\nSelect objects: "));
+    type("");
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    ASSERT_TRUE(runTyped({"U"}));
+
+    // A click at the command prompt selects the upper wall for the next
+    // command, which takes it without asking.
+    clickAt(pixelOf(20, 30));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    type("MOVE");
+    ASSERT_TRUE(waitForPrompt("Specify base point or [Displacement] <Displacement>: ", Kind::Point));
+    EXPECT_TRUE(transcript().contains("Command: MOVE\n1 found\n"));
+    ASSERT_TRUE(runTyped({"0,0", "5,5"}));
+
+    const std::string path = dir() + "/moved.dxf";
+    ASSERT_TRUE(saveAs(path));
+    const EzdxfReport report = readWithEzdxf(path);
+    ASSERT_TRUE(report.ran) << report.problem;
+    const QJsonArray mlines = report.file["mlines"].toArray();
+    ASSERT_EQ(mlines.size(), 2);
+    EXPECT_NEAR(location(mlines[0].toObject(), 0)[1].toDouble(), 0, kTol);
+    EXPECT_NEAR(location(mlines[1].toObject(), 0)[0].toDouble(), 5, kTol);
+    EXPECT_NEAR(location(mlines[1].toObject(), 1)[1].toDouble(), 35, kTol);
+}
+
 TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
 {
     QLineEdit* input = window().commandLine()->input();
@@ -283,7 +335,16 @@ TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
     EXPECT_TRUE(dock->isFloating());
     press(Qt::Key_F2);
     EXPECT_FALSE(dock->isFloating());
+    // F1 lists the commands at the command prompt, and describes the
+    // command that asks without ending it.
+    press(Qt::Key_F1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().contains("  MLINE"); }, kWaitMs));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_TRUE(transcript().contains("  MOVE        Moves the selected objects by a displacement.\n"));
     type("MLINE");
+    press(Qt::Key_F1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().contains("\nMLINE: Draws a multiline"); }, kWaitMs));
+    ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
     type("ST");
     ASSERT_TRUE(waitForPrompt("Enter mline style name or [?]: ", Kind::Text));
     EXPECT_FALSE(dock->isFloating());
