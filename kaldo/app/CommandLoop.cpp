@@ -2,13 +2,20 @@
 
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/db/StretchPreview.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/Text.h"
 #include "kaldo/rx/Runtime.h"
 #include "kaldo/util/CrashRecorder.h"
 #include "kxcrash.h"
+#include "kxdb.h"
 #include "kxstring.h"
+
+#include <array>
+#include <optional>
+#include <span>
+#include <vector>
 
 namespace kaldo {
 
@@ -75,6 +82,35 @@ bool runCommand(Session& session, const std::wstring& name)
         return true;
     }
     return false;
+}
+
+void runGripDrag(Session& session, const KxDbObjectId& entity, int index, const KxGePoint3d& grip)
+{
+    std::optional<StretchPreview> preview;
+    if (const KxDbObjectPtr<KxDbEntity> opened(entity, KxDb::kForRead); opened)
+        preview.emplace(*opened, std::vector<int>{index});
+    if (!preview)
+        return;
+    Editor& editor = session.editor();
+    const std::wstring_view prompt = L"\n** STRETCH **\nSpecify stretch point: ";
+    bool writePrompt = true;
+    while (true) {
+        const Editor::DragInput input = editor.readDragInput(prompt, writePrompt, L"", false, &grip);
+        writePrompt = false;
+        if (input.kind == Editor::DragInput::Kind::Motion) {
+            const KxDbEntity* shown = &preview->at(input.world - grip);
+            editor.dragged(std::span(&shown, 1));
+            continue;
+        }
+        if (input.kind != Editor::DragInput::Kind::Point)
+            return;
+        const UndoStep step(session, L"GRIP_STRETCH");
+        const std::array indices{index};
+        KxDbObjectPtr<KxDbEntity> opened(entity, KxDb::kForWrite);
+        if (!opened || opened->moveStretchPointsAt(indices, input.world - grip) != Kald::eOk)
+            editor.write(L"\nThe point cannot be moved there.\n");
+        return;
+    }
 }
 
 void runCommandLoop(Session& session)

@@ -1,5 +1,6 @@
 #include "kaldo/app/Session.h"
 
+#include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/MlineExplosion.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/dxf/DxfError.h"
@@ -66,6 +67,9 @@ Session::Session(SessionPaths paths) : paths_(std::move(paths))
         const KxRxFunctionPtr handler = command->handler;
         handler();
         return true;
+    });
+    editor_->setGripHandler([this](const KxDbObjectId& entity, int index, const KxGePoint3d& grip) {
+        runGripDrag(*this, entity, index, grip);
     });
 }
 

@@ -198,9 +198,14 @@ bool Editor::takeKeyword(const Controls& controls, std::wstring_view text)
 int Editor::getCommand(std::wstring& word)
 {
     clearControls();
-    redraw(nullptr, 4);
-    implied_ = implied_.withoutErased();
-    highlight(implied_.ids(), 3);
+    // The selection made here for the next command stays highlighted, as
+    // its entities are now.
+    const auto showImplied = [this] {
+        redraw(nullptr, 4);
+        implied_ = implied_.withoutErased();
+        highlight(implied_.ids(), 3);
+    };
+    showImplied();
     const std::wstring_view prompt = L"\nCommand: ";
     write(prompt);
     announce({});
@@ -208,8 +213,12 @@ int Editor::getCommand(std::wstring& word)
         const InputEvent event = next();
         switch (event.kind) {
         case InputEvent::Kind::Point:
-            // A pick selects for the next command (noun first, then verb).
-            selectForNextCommand(event.point);
+            // A pick on a grip drags it; elsewhere it selects for the next
+            // command (noun first, then verb).
+            if (ranGripDrag(event.point))
+                showImplied();
+            else
+                selectForNextCommand(event.point);
             write(prompt);
             announce({});
             break;

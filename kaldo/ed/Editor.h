@@ -43,6 +43,10 @@ public:
     // Runs a transparent command typed with a leading apostrophe ("'HELP")
     // at any prompt; false when name is none (the text is then an answer).
     using TransparentHandler = std::function<bool(std::wstring_view name)>;
+    // Runs a grip drag: a point given at the command prompt on a grip of
+    // the implied selection, the grip being the entity's stretch point at
+    // index, at world point grip.
+    using GripHandler = std::function<void(const KxDbObjectId& entity, int index, const KxGePoint3d& grip)>;
     // Called for kxedTextScr: a window shows its larger text window.
     using TextScreenListener = std::function<void()>;
     // Called while an entity pick waits, with the entity a click at the
@@ -82,6 +86,7 @@ public:
     void setDragListener(DragListener listener) { dragListener_ = std::move(listener); }
     void dragged(std::span<const KxDbEntity* const> entities);
     void setTransparentHandler(TransparentHandler handler) { transparentHandler_ = std::move(handler); }
+    void setGripHandler(GripHandler handler) { gripHandler_ = std::move(handler); }
     // The global name of the command that runs (empty at the command
     // prompt), for help about it.
     void setRunningCommand(std::wstring name) { runningCommand_ = std::move(name); }
@@ -209,6 +214,10 @@ private:
     // not as given, else by the side the corner lies on.
     StepResult windowFrom(const KxGePoint3d& first, std::optional<bool> crossing, std::vector<KxDbObjectId>& found,
                           SelectionSet& set);
+    // Hands a point at the command prompt that lies on a grip of the
+    // implied selection (within the pick box) to the grip handler; false
+    // when it lies on none.
+    bool ranGripDrag(const KxGePoint3d& world);
     // kxedRedraw of each entity with mode.
     void highlight(std::span<const KxDbObjectId> ids, int mode);
     // What lies in the window between two world corners: inside, or also
@@ -225,6 +234,7 @@ private:
     RedrawListener redrawListener_;
     DragListener dragListener_;
     TransparentHandler transparentHandler_;
+    GripHandler gripHandler_;
     std::wstring runningCommand_;
     RequestListener requestListener_;
     TextScreenListener textScreenListener_;

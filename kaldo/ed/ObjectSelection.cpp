@@ -7,6 +7,7 @@
 #include "kxdb.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <optional>
 
@@ -139,6 +140,25 @@ Editor::StepResult Editor::windowFrom(const KxGePoint3d& first, std::optional<bo
         return corner == RTCAN ? StepResult::Cancelled : StepResult::Found;
     found = windowed(first, other, crossing.value_or(other.x < first.x), set);
     return StepResult::Found;
+}
+
+bool Editor::ranGripDrag(const KxGePoint3d& world)
+{
+    if (!gripHandler_)
+        return false;
+    const double tolerance = variables_.shortValue(L"PICKBOX", 3) * view_.unitSquarePerPixel();
+    for (const KxDbObjectId& id : implied_.ids()) {
+        std::vector<KxGePoint3d> grips;
+        if (const KxDbObjectPtr<KxDbEntity> entity(id, KxDb::kForRead); entity)
+            entity->getStretchPoints(grips);
+        for (std::size_t i = 0; i < grips.size(); ++i) {
+            if (std::max(std::abs(grips[i].x - world.x), std::abs(grips[i].y - world.y)) <= tolerance) {
+                gripHandler_(id, int(i), grips[i]);
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 void Editor::highlight(std::span<const KxDbObjectId> ids, int mode)

@@ -32,6 +32,7 @@ const QColor kCursor(220, 220, 220);
 const QColor kSnapMark(255, 200, 0);
 const QColor kWindow(80, 120, 255);
 const QColor kCrossing(80, 200, 120);
+const QColor kGrip(40, 90, 255);
 // A button released this many pixels or more from where it was pressed
 // ends a dragged selection window there.
 constexpr double kDragPixels = 4;
@@ -133,9 +134,11 @@ void Canvas::showDragScene(std::shared_ptr<const view::Scene> scene)
     update();
 }
 
-void Canvas::showHighlight(std::shared_ptr<const view::Scene> scene)
+void Canvas::showHighlight(std::shared_ptr<const view::Scene> scene,
+                           std::shared_ptr<const std::vector<view::Point2>> grips)
 {
     highlight_ = std::move(scene);
+    grips_ = std::move(grips);
     update();
 }
 
@@ -305,6 +308,16 @@ void Canvas::paintOverlays(QPainter& painter)
         painter.setPen(QPen(kHover, 2));
         painter.setBrush(Qt::NoBrush);
         strokeScene(painter, *hover_, placement_);
+    }
+    if (grips_ && input_.kind == Kind::Command) {
+        // A grip is as large as the pick box that takes it.
+        const double half = input_.pickbox;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(kGrip);
+        for (const view::Point2& grip : *grips_) {
+            const QPointF at = pixelAt(placement_, grip);
+            painter.drawRect(QRectF(at.x() - half, at.y() - half, 2 * half, 2 * half));
+        }
     }
     if (dragScene_ && input_.kind == Kind::Drag)
         view::paintScene(painter, *dragScene_, frameOf(placement_), kBackground, 0, height());

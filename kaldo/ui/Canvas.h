@@ -10,7 +10,8 @@
 // command prompt, selecting for the next command), a click on empty ground
 // starts a selection window, drawn solid to the right (window) and dashed
 // to the left (crossing), which a second click or the release of a drag
-// ends.
+// ends. At the command prompt the selected entities show their grips
+// (stretch points); a click on one drags it (the command thread decides).
 #pragma once
 
 #include "kaldo/ed/View.h"
@@ -36,7 +37,9 @@ public:
     void setPlacement(const ViewPlacement& placement);
     void showDrawing(const PublishedDrawing& drawing);
     void showDragScene(std::shared_ptr<const view::Scene> scene);
-    void showHighlight(std::shared_ptr<const view::Scene> scene);
+    // The highlighted entities; their grips show at the command prompt.
+    void showHighlight(std::shared_ptr<const view::Scene> scene,
+                       std::shared_ptr<const std::vector<view::Point2>> grips);
     // The entity an entity pick would take at the cursor (null for none).
     void showHover(std::shared_ptr<const view::Scene> scene);
     void setInputState(const InputState& state);
@@ -99,6 +102,7 @@ private:
     const view::Scene* failedScene_ = nullptr;  // the scene whose failure was said
     std::shared_ptr<const view::Scene> dragScene_;
     std::shared_ptr<const view::Scene> highlight_;
+    std::shared_ptr<const std::vector<view::Point2>> grips_;
     std::shared_ptr<const view::Scene> hover_;
     InputState input_;
     bool snapsOn_ = true;

@@ -207,13 +207,21 @@ void CommandRunner::publishHighlight()
 {
     std::vector<KxDbObjectPtr<KxDbEntity>> opened;
     std::vector<const KxDbEntity*> entities;
+    auto grips = std::make_shared<std::vector<view::Point2>>();
+    std::vector<KxGePoint3d> points;
     for (const KxDbObjectId& id : highlighted_) {
         opened.emplace_back(id, KxDb::kForRead);
-        if (opened.back())
-            entities.push_back(opened.back().get());
+        if (!opened.back())
+            continue;
+        entities.push_back(opened.back().get());
+        points.clear();
+        opened.back()->getStretchPoints(points);
+        for (const KxGePoint3d& p : points)
+            grips->push_back({p.x, p.y});
     }
     auto scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), entities));
-    emitOnGui([this, scene] { emit highlightChanged(scene); });
+    std::shared_ptr<const std::vector<view::Point2>> shownGrips = std::move(grips);
+    emitOnGui([this, scene, shownGrips] { emit highlightChanged(scene, shownGrips); });
 }
 
 void CommandRunner::hovered(const KxDbObjectId& entity)

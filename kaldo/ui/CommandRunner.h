@@ -98,7 +98,9 @@ signals:
     void transcriptWritten(const QString& text);
     void drawingPublished(const kaldo::ui::PublishedDrawing& drawing);
     void dragSceneChanged(std::shared_ptr<const kaldo::view::Scene> scene);
-    void highlightChanged(std::shared_ptr<const kaldo::view::Scene> scene);
+    // The highlighted entities, and their grips (stretch points, world XY).
+    void highlightChanged(std::shared_ptr<const kaldo::view::Scene> scene,
+                          std::shared_ptr<const std::vector<kaldo::view::Point2>> grips);
     // The entity under the cursor while an entity pick waits; null for none.
     void hoverChanged(std::shared_ptr<const kaldo::view::Scene> scene);
     void inputRequested(const kaldo::ui::InputState& state);

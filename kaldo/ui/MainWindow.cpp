@@ -109,6 +109,13 @@ void MainWindow::buildActions()
     command(draw, bar, tr("&Multiline"), QStringLiteral("_MLINE"));
     QMenu* modify = menuBar()->addMenu(tr("&Modify"));
     command(modify, bar, tr("&Erase"), QStringLiteral("_ERASE"));
+    command(modify, nullptr, tr("&Move"), QStringLiteral("_MOVE"));
+    command(modify, nullptr, tr("&Copy"), QStringLiteral("_COPY"));
+    command(modify, nullptr, tr("&Rotate"), QStringLiteral("_ROTATE"));
+    command(modify, nullptr, tr("S&cale"), QStringLiteral("_SCALE"));
+    command(modify, nullptr, tr("M&irror"), QStringLiteral("_MIRROR"));
+    command(modify, nullptr, tr("S&tretch"), QStringLiteral("_STRETCH"));
+    command(modify, nullptr, tr("E&xplode"), QStringLiteral("_EXPLODE"));
     command(modify, bar, tr("Multiline &Edit..."), QStringLiteral("_MLEDIT"));
     command(modify, nullptr, tr("Multiline Edit (&Command Line)"), QStringLiteral("_-MLEDIT"));
     command(modify, nullptr, tr("L&ist"), QStringLiteral("_LIST"));

@@ -272,9 +272,14 @@ TEST_F(Window, DraggedWindowsSelectAndAPickBeforeMoveIsTakenByIt)
     // command, which takes it without asking.
     clickAt(pixelOf(20, 30));
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
-    type("MOVE");
+    QAction* move = nullptr;
+    for (QAction* action : window().menuBar()->findChildren<QAction*>())
+        if (action->text() == "&Move")
+            move = action;
+    ASSERT_NE(move, nullptr);
+    move->trigger();
     ASSERT_TRUE(waitForPrompt("Specify base point or [Displacement] <Displacement>: ", Kind::Point));
-    EXPECT_TRUE(transcript().contains("Command: MOVE\n1 found\n"));
+    EXPECT_TRUE(transcript().contains("Command: _MOVE\n1 found\n")) << transcript().right(200).toStdString();
     ASSERT_TRUE(runTyped({"0,0", "5,5"}));
 
     const std::string path = dir() + "/moved.dxf";
@@ -286,6 +291,51 @@ TEST_F(Window, DraggedWindowsSelectAndAPickBeforeMoveIsTakenByIt)
     EXPECT_NEAR(location(mlines[0].toObject(), 0)[1].toDouble(), 0, kTol);
     EXPECT_NEAR(location(mlines[1].toObject(), 0)[0].toDouble(), 5, kTol);
     EXPECT_NEAR(location(mlines[1].toObject(), 1)[1].toDouble(), 35, kTol);
+}
+
+// A multiline selected at the command prompt shows its vertices as grips;
+// a click on one drags it with the multiline following, the next click puts
+// it there (one step U takes back), and Esc takes the grips away.
+TEST_F(Window, AGripDragMovesOneVertexOfASelectedMultiline)
+{
+    ASSERT_TRUE(runTyped({"MLINE", "0,0", "40,0", "40,30", ""}));
+    ASSERT_TRUE(runTyped({"ZOOM", "E"}));
+    ASSERT_TRUE(runTyped({"ZOOM", "0.5x"}));
+    const double unitsPerPixel = canvas().placement().unitsPerPixel;
+    const auto grip = [](const QColor& c) { return c.blue() > 200 && c.red() < 60 && c.green() < 120; };
+    const auto gripShown = [&] { return pixelsNear(canvas().grab().toImage(), pixelOf(40, 0), 2, grip) > 0; };
+
+    clickAt(pixelOf(20, 0));
+    EXPECT_TRUE(QTest::qWaitFor(gripShown, kWaitMs));
+    clickAt(pixelOf(40, 0));
+    ASSERT_TRUE(waitForPrompt("Specify stretch point: ", Kind::Drag));
+    // The multiline follows the cursor before the click.
+    const auto lit = [](const QColor& c) { return c.rgb() != kBackground; };
+    EXPECT_EQ(pixelsNear(canvas().grab().toImage(), pixelOf(50, 10), 2, lit), 0);
+    moveTo(pixelOf(60, -10));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pixelsNear(canvas().grab().toImage(), pixelOf(50, 10), 2, lit) > 0; },
+                                kWaitMs));
+    clickAt(pixelOf(60, -10));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !gripShown(); }, kWaitMs));
+
+    const std::string dragged = dir() + "/dragged.dxf";
+    ASSERT_TRUE(saveAs(dragged));
+    const EzdxfReport report = readWithEzdxf(dragged);
+    ASSERT_TRUE(report.ran) << report.problem;
+    const QJsonObject mline = report.file["mlines"].toArray()[0].toObject();
+    EXPECT_NEAR(location(mline, 0)[0].toDouble(), 0, kTol);
+    EXPECT_NEAR(location(mline, 1)[0].toDouble(), 60, unitsPerPixel);
+    EXPECT_NEAR(location(mline, 1)[1].toDouble(), -10, unitsPerPixel);
+    EXPECT_NEAR(location(mline, 2)[1].toDouble(), 30, kTol);
+
+    ASSERT_TRUE(runTyped({"U"}));
+    const std::string undone = dir() + "/undone.dxf";
+    ASSERT_TRUE(saveAs(undone));
+    const EzdxfReport back = readWithEzdxf(undone);
+    ASSERT_TRUE(back.ran) << back.problem;
+    EXPECT_NEAR(location(back.file["mlines"].toArray()[0].toObject(), 1)[0].toDouble(), 40, kTol);
 }
 
 TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
