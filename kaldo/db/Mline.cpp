@@ -20,6 +20,7 @@ KX_RX_DEFINE_MEMBERS(KxDbMline, KxDbEntity)
 
 namespace {
 
+using kaldo::finiteLists;
 using kaldo::finiteVertex;
 using kaldo::isFinite;
 
