@@ -59,7 +59,7 @@ TEST(PickDistance, CirclesAndPolylineArcsArePickedWhereTheyAreDrawn)
     polyline.addVertexAt({4, 0, 0, 0, 0});
     polyline.addVertexAt({4, 6, 0, 0, 0});
     EXPECT_NEAR(kaldo::pickDistance(polyline, {2, -2, 0}), 0.0, 1e-12);
-    EXPECT_NEAR(kaldo::pickDistance(polyline, {2, 1, 0}), 1.0, 1e-12);
+    EXPECT_NEAR(kaldo::pickDistance(polyline, {2, -1, 0}), 1.0, 1e-12);
     EXPECT_NEAR(kaldo::pickDistance(polyline, {5, 4, 0}), 1.0, 1e-12);
     kaldo::Box box;
     ASSERT_TRUE(kaldo::pickExtents(polyline, box));
@@ -82,10 +82,10 @@ TEST(PickDistance, WindowsHoldAndCrossWhatIsDrawn)
     kaldo::collectPlanPieces(arc, pieces);
     EXPECT_TRUE(kaldo::meetsWindow(pieces, {1.9, 0.4, 3, 0.8}));      // crosses the arc near (1.95, 0.45)
     EXPECT_FALSE(kaldo::meetsWindow(pieces, {0.1, 0.1, 1, 1}));       // inside the circle, off the arc
-    EXPECT_FALSE(kaldo::meetsWindow(pieces, {-3, -3, -1.5, -1.5}));   // where the rest of the circle would be
+    EXPECT_FALSE(kaldo::meetsWindow(pieces, {-2.5, -0.5, -1.5, 0.5}));  // where the rest of the circle would be
     const KxDbCircle circle({0, 0, 0}, 2.0);
     kaldo::collectPlanPieces(circle, pieces);
-    EXPECT_TRUE(kaldo::meetsWindow(pieces, {-3, -3, -1.5, -1.5}));
+    EXPECT_TRUE(kaldo::meetsWindow(pieces, {-2.5, -0.5, -1.5, 0.5}));
 
     const KxDbLine line({0, 0, 0}, {10, 10, 0});
     kaldo::collectPlanPieces(line, pieces);
