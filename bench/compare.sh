@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
 # Prints, from one run, the table of kaldo's speed figures: a multiline of N
 # points drawn by a script, the rubber-band step, a closed cross pass, DXF
-# open and save beside ezdxf, peak memory, and SVG export. Whole runs of the
+# open and save beside ezdxf, peak memory, SVG export, and the first
+# picture of a mixed drawing (open only, PNG, SVG, the window's). Whole runs of the
 # host are timed here (median of three); the rest comes from the benchmarks.
 #   KALDO_STAGE              the staged build (default build/default/stage)
 #   KALDO_BENCH_MULTILINES   multilines in the DXF drawing (default 100000)
 #   KALDO_EZDXF_MULTILINES   multilines in the drawing ezdxf reads (default 5000)
+#   KALDO_BENCH_MIXED_ENTITIES  entities of the mixed drawing (lines, arcs,
+#                            circles, polylines, texts, block references;
+#                            default 100000)
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -13,6 +17,7 @@ stage=${KALDO_STAGE:-$root/build/default/stage}
 kaldo=$stage/bin/kaldo
 multilines=${KALDO_BENCH_MULTILINES:-100000}
 ezdxfMultilines=${KALDO_EZDXF_MULTILINES:-5000}
+mixedEntities=${KALDO_BENCH_MIXED_ENTITIES:-100000}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -117,3 +122,20 @@ echo "| Teardown of that drawing | object by object ${teardownMs} ms in-process 
 echo "| SVG export of that drawing | whole run ${svgSeconds} s, ${svgMemory} MB" \
     "(+$(printf '%.2f' "$(echo "$svgSeconds - $openSeconds" | bc -l)") s," \
     "+$((svgMemory - openMemory)) MB over opening alone) |"
+
+mixed=$work/mixed.dxf
+/usr/bin/python3 "$root/bench/make_mixed_drawing.py" "$mixedEntities" "$mixed"
+mixedMegabytes=$(du -m "$mixed" | cut -f1)
+read -r mixedOpenSeconds mixedOpenMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed")
+read -r mixedPngSeconds mixedPngMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.png")
+read -r mixedSvgSeconds mixedSvgMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.svg")
+KALDO_BENCH_MIXED_DXF=$mixed "$stage/bin/bench_picture" --benchmark_filter=BM_MixedWindowFirstPicture \
+    --benchmark_format=json >"$work/picture.json" 2>/dev/null
+read -r _ windowMs < <(counter "$work/picture.json" BM_MixedWindowFirstPicture real_time)
+read -r _ windowPeak < <(counter "$work/picture.json" BM_MixedWindowFirstPicture peak_MB)
+echo "| Mixed drawing of ${mixedEntities} entities, ${mixedMegabytes} MB: open only | whole run ${mixedOpenSeconds} s," \
+    "${mixedOpenMemory} MB |"
+echo "| Same drawing, \`--export\` PNG | whole run ${mixedPngSeconds} s, ${mixedPngMemory} MB |"
+echo "| Same drawing, \`--export\` SVG | whole run ${mixedSvgSeconds} s, ${mixedSvgMemory} MB |"
+echo "| Same drawing, the window's first picture (scene, index, coarse 1600 × 1000 picture; bench_picture) |" \
+    "$(printf '%.0f' "$windowMs") ms, peak $(printf '%.0f' "$windowPeak") MB with the drawing open |"
