@@ -288,6 +288,9 @@ void MainWindow::showTextWindow(bool show)
     commandDock_->setFloating(show);
     if (show)
         commandDock_->resize(900, 500);
+    // Typing goes on in the command line, floating or docked.
+    commandDock_->activateWindow();
+    commandLine_->input()->setFocus();
 }
 
 void MainWindow::rememberRecent(const QString& path)

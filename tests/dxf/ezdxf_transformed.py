@@ -61,20 +61,24 @@ def near(p, q):
     return math.hypot(p[0] - q[0], p[1] - q[1]) <= TOLERANCE
 
 
+def xy(v):
+    return v[0], v[1]
+
+
 def pieces(doc, move):
     """(kind, look, points): points ordered as the kind compares them."""
     found = []
     for e in doc.modelspace():
         look = (e.dxf.layer, e.dxf.color, e.dxf.linetype)
         if e.dxftype() == "LINE":
-            found.append(("LINE", look, [move(*e.dxf.start[:2]), move(*e.dxf.end[:2])]))
+            found.append(("LINE", look, [move(*xy(e.dxf.start)), move(*xy(e.dxf.end))]))
         elif e.dxftype() == "ARC":
             c = e.dxf.center
             sweep = (e.dxf.end_angle - e.dxf.start_angle) % 360 or 360
             mid = math.radians(e.dxf.start_angle + sweep / 2)
             r = e.dxf.radius
-            found.append(("ARC", look, [move(*e.start_point[:2]), move(c.x + r * math.cos(mid), c.y + r * math.sin(mid)),
-                                        move(*e.end_point[:2]), move(c.x, c.y)]))
+            found.append(("ARC", look, [move(*xy(e.start_point)), move(c.x + r * math.cos(mid), c.y + r * math.sin(mid)),
+                                        move(*xy(e.end_point)), move(c.x, c.y)]))
         elif e.dxftype() == "HATCH":
             for path in e.paths:
                 found.append(("HATCH", look, [move(v[0], v[1]) for v in path.vertices]))
@@ -131,7 +135,7 @@ def mline_mismatches(before, after, spec):
         if abs(n.dxf.scale_factor - m.dxf.scale_factor * k * sign) > TOLERANCE:
             problems.append(f"{name}: scale {n.dxf.scale_factor}, not {m.dxf.scale_factor * k * sign}")
         for i, (v, w) in enumerate(zip(m.vertices, n.vertices)):
-            checks = [("location", move(*v.location[:2]), w.location),
+            checks = [("location", move(*xy(v.location)), w.location),
                       ("direction", direction(v.line_direction), w.line_direction),
                       ("miter", direction(v.miter_direction), w.miter_direction)]
             for what, expected, got in checks:

@@ -90,7 +90,7 @@ TEST(DxfSession, OpenAsksToSaveChanges)
     const std::string open = "OPEN\n" + other.string() + "\n";
     const std::string question = "Save changes to Drawing1.dxf? [Yes/No/Cancel] <Yes>: ";
 
-    run = kaldo.runScript("LINE\n0,0\n0,10\n\n" + open + "Cancel\nLIST\n0,5\n" + open + "No\nLIST\n5,0\n" + open);
+    run = kaldo.runScript("LINE\n0,0\n0,10\n\n" + open + "Cancel\nLIST\n0,5\n\n" + open + "No\nLIST\n5,0\n\n" + open);
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr(question + "Cancel\nOpen cancelled.\n"));
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=0.0000  Z=0.0000", "X=0.0000  Y=10.0000  Z=0.0000")));

@@ -28,111 +28,111 @@ namespace {
 // everything. Each element in a colour of its own.
 const std::string kStyles = R"(MLSTYLE
 2
-W2
+ W2
 70
-273
+ 273
 3
-two
+ two
 62
-8
+ 8
 51
-90.0
+ 90.0
 52
-90.0
+ 90.0
 71
-2
+ 2
 49
-1.0
+ 1.0
 62
-1
+ 1
 6
-BYLAYER
+ BYLAYER
 49
--1.0
+ -1.0
 62
-2
+ 2
 6
-BYLAYER
+ BYLAYER
 0
 MLSTYLE
 2
-W3
+ W3
 70
-1634
+ 1634
 3
-three
+ three
 62
-256
+ 256
 51
-60.0
+ 60.0
 52
-120.0
+ 120.0
 71
-3
+ 3
 49
-1.5
+ 1.5
 62
-1
+ 1
 6
-BYLAYER
+ BYLAYER
 49
-0.25
+ 0.25
 62
-3
+ 3
 6
-BYLAYER
+ BYLAYER
 49
--1.5
+ -1.5
 62
-5
+ 5
 6
-BYLAYER
+ BYLAYER
 0
 MLSTYLE
 2
-W5
+ W5
 70
-1907
+ 1907
 3
-five
+ five
 62
-9
+ 9
 51
-90.0
+ 90.0
 52
-90.0
+ 90.0
 71
-5
+ 5
 49
-2.0
+ 2.0
 62
-1
+ 1
 6
-BYLAYER
+ BYLAYER
 49
-1.0
+ 1.0
 62
-2
+ 2
 6
-BYLAYER
+ BYLAYER
 49
-0.0
+ 0.0
 62
-3
+ 3
 6
-BYLAYER
+ BYLAYER
 49
--0.5
+ -0.5
 62
-4
+ 4
 6
-BYLAYER
+ BYLAYER
 49
--2.0
+ -2.0
 62
-5
+ 5
 6
-BYLAYER
+ BYLAYER
 0
 )";
 
@@ -226,7 +226,7 @@ TEST_F(ModifySession, MoveRotateScaleAndMirrorTransformEveryMultilineExactly)
     const std::string drawing = this->drawing();
     Outcome moved = modify("move", drawing, "MOVE\n" + kWindow + "10,5\n47.5,-12.25\n",
                            R"({"kind": "move", "dx": 37.5, "dy": -17.25})");
-    expectTransformed(moved, "move", 150);
+    expectTransformed(moved, "move", 90);
     EXPECT_THAT(moved.run.out, HasSubstr("Specify opposite corner: 200,120\n6 found\nSelect objects: \n"
                                          "Specify base point or [Displacement] <Displacement>: 10,5\n"
                                          "Specify second point or <use first point as displacement>: 47.5,-12.25\n"));
@@ -234,17 +234,17 @@ TEST_F(ModifySession, MoveRotateScaleAndMirrorTransformEveryMultilineExactly)
     // A pick on empty ground and the opposite corner to its right: a window.
     expectTransformed(modify("rotate", drawing, "ROTATE\n-20,-70\n200,120\n\n30,20\n37\n",
                              R"({"kind": "rotate", "cx": 30, "cy": 20, "degrees": 37})"),
-                      "rotate", 150);
+                      "rotate", 90);
     const Outcome scaled = modify("scale", drawing, "SCALE\n" + kWindow + "15,-5\n2.5\n",
                                   R"({"kind": "scale", "cx": 15, "cy": -5, "k": 2.5})");
-    expectTransformed(scaled, "scale", 150);
+    expectTransformed(scaled, "scale", 90);
     EXPECT_THAT(scaled.run.out, HasSubstr("Specify scale factor or [Copy/Reference] <1.0000>: 2.5\n"));
     expectTransformed(modify("scale by reference", drawing, "SCALE\n" + kWindow + "15,-5\nR\n4\n1.6\n",
                              R"({"kind": "scale", "cx": 15, "cy": -5, "k": 0.4})"),
-                      "scale by reference", 150);
+                      "scale by reference", 90);
     const Outcome mirrored = modify("mirror", drawing, "MIRROR\n" + kWindow + "-10,-20\n50,90\nY\n",
                                     R"({"kind": "mirror", "ax": -10, "ay": -20, "bx": 50, "by": 90})");
-    expectTransformed(mirrored, "mirror", 150);
+    expectTransformed(mirrored, "mirror", 90);
     EXPECT_THAT(mirrored.run.out, HasSubstr("Specify first point of mirror line: -10,-20\n"
                                             "Specify second point of mirror line: 50,90\n"
                                             "Erase source objects? [Yes/No] <No>: Y\n"));
@@ -256,15 +256,15 @@ TEST_F(ModifySession, CopiesKeepTheOriginalsAndMirrorsInTheirPlace)
     // A crossing from right to left through everything: every multiline.
     const Outcome copied = modify("copy", drawing, "COPY\nC\n200,120\n-20,-70\n\n0,0\n100,150\n\n",
                                   R"({"kind": "move", "dx": 100, "dy": 150, "copies": true})", false);
-    expectTransformed(copied, "copy", 300);
+    expectTransformed(copied, "copy", 180);
     EXPECT_THAT(copied.run.out, HasSubstr("6 found"));
     EXPECT_THAT(copied.run.out, HasSubstr("Specify second point or [Exit/Undo] <Exit>: \n"));
     expectTransformed(modify("mirror copy", drawing, "MIRROR\n" + kWindow + "0,100\n100,100\n\n",
                              R"({"kind": "mirror", "ax": 0, "ay": 100, "bx": 100, "by": 100, "copies": true})", false),
-                      "mirror copy", 300);
+                      "mirror copy", 180);
     expectTransformed(modify("rotate copy", drawing, "ROTATE\n" + kWindow + "0,0\nC\n180\n",
                              R"({"kind": "rotate", "cx": 0, "cy": 0, "degrees": 180, "copies": true})", false),
-                      "rotate copy", 300);
+                      "rotate copy", 180);
 }
 
 TEST_F(ModifySession, StretchMovesWhatLiesInTheCrossingAndKeepsTheRunsBehind)

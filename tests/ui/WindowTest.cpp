@@ -392,8 +392,9 @@ TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
     EXPECT_TRUE(transcript().contains("  MOVE        Moves the selected objects by a displacement.\n"));
     type("MLINE");
+    ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
     press(Qt::Key_F1);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().contains("\nMLINE: Draws a multiline"); }, kWaitMs));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().contains("\nMLINE: Draws a multiline"); }, kWaitMs)) << transcript().toStdString();
     ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
     type("ST");
     ASSERT_TRUE(waitForPrompt("Enter mline style name or [?]: ", Kind::Text));
