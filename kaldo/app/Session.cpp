@@ -105,6 +105,17 @@ std::vector<std::string> Session::openDrawing(const std::filesystem::path& path,
     return std::move(drawing.repairs);
 }
 
+void Session::newDrawing()
+{
+    database_ = std::make_unique<KxDbDatabase>();
+    keptSections_ = {};
+    drawingPath_.clear();
+    host().database = database_.get();
+    host().drawingDir.clear();
+    savedChanges_ = database_->changeCount();
+    ++drawingSerial_;
+}
+
 std::vector<std::wstring> Session::loadAliases()
 {
     const std::filesystem::path file = paths_.supportDir / "kaldo.pgp";

@@ -55,6 +55,8 @@ public:
     // working drawing then stays as it was. Returns what the reader
     // repaired (dxf::DxfDrawing::repairs).
     std::vector<std::string> openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report = {});
+    // Makes a new, empty drawing without a file the working drawing.
+    void newDrawing();
     // Saves the working drawing (atomically) as path, which then becomes
     // its file. Throws dxf::DxfError, or dxf::Cancelled when report stops
     // the writing; the old file and the modified state then stay as they

@@ -214,11 +214,11 @@ int Editor::getCommand(std::wstring& word)
         switch (event.kind) {
         case InputEvent::Kind::Point:
             // A pick on a grip drags it; elsewhere it selects for the next
-            // command (noun first, then verb).
-            if (ranGripDrag(event.point))
+            // command (noun first, then verb), or with Shift takes out.
+            if (!event.removing && ranGripDrag(event.point))
                 showImplied();
             else
-                selectForNextCommand(event.point);
+                selectForNextCommand(event.point, event.removing);
             write(prompt);
             announce({});
             break;

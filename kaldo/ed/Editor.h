@@ -146,8 +146,8 @@ public:
     // selectObjects takes it.
     void setImpliedSelection(SelectionSet set) { implied_ = std::move(set); }
     // Adds to the implied selection what a point picks at the command
-    // prompt (or the window it starts), highlighted.
-    void selectForNextCommand(const KxGePoint3d& picked);
+    // prompt (or the window it starts), highlighted; removing takes it out.
+    void selectForNextCommand(const KxGePoint3d& picked, bool removing = false);
     // Empties the implied selection and takes its highlight away.
     void clearImpliedSelection();
     const SelectionSet& impliedSelection() const { return implied_; }
@@ -209,8 +209,9 @@ private:
     // with corner, the opposite corner of a window from it (relative input
     // from it).
     int getWorldPoint(std::wstring_view prompt, const KxGePoint3d* corner, KxGePoint3d& world);
-    // One step of selectObjects: what it found, or nothing for Enter.
-    enum class StepResult { Found, Switched, Ended, Cancelled };
+    // One step of selectObjects: what it found (to take out of the set for
+    // a pick with Shift held), or nothing for Enter.
+    enum class StepResult { Found, FoundToRemove, Switched, Ended, Cancelled };
     StepResult selectionStep(bool removing, std::vector<KxDbObjectId>& found, SelectionSet& set);
     // What a point picks, or when it hits nothing the window it starts.
     StepResult pickedAt(const KxGePoint3d& picked, std::vector<KxDbObjectId>& found, SelectionSet& set);
@@ -222,6 +223,10 @@ private:
     // implied selection (within the pick box) to the grip handler; false
     // when it lies on none.
     bool ranGripDrag(const KxGePoint3d& world);
+    // Adds found to set, highlighted; how many were not in it yet.
+    std::size_t addToSelection(SelectionSet& set, std::span<const KxDbObjectId> found);
+    // Takes found out of set, unhighlighted; how many were in it.
+    std::size_t removeFromSelection(SelectionSet& set, std::span<const KxDbObjectId> found);
     // kxedRedraw of each entity with mode.
     void highlight(std::span<const KxDbObjectId> ids, int mode);
     // What lies in the window between two world corners: inside, or also

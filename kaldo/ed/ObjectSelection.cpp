@@ -78,6 +78,7 @@ Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId
     const Controls controls{0, parseKeywordList(kSelectKeywords)};
     const Ucs ucs = currentUcs();
     KxGePoint3d picked;
+    bool shiftPick = false;
     const InputRequest request{InputRequest::Kind::Entity, false, {}, false, controls.keywords};
     const int result = ask(prompt, 0, request, [&](const InputEvent& event) -> std::optional<int> {
         if (event.kind == InputEvent::Kind::Motion) {
@@ -87,6 +88,7 @@ Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId
         }
         if (event.kind == InputEvent::Kind::Point) {
             picked = event.point;
+            shiftPick = event.removing;
         } else if (const auto typed = parsePointInput(event.text, variables_.pointValue(L"LASTPOINT"), angleConvention())) {
             picked = ucsToWorld(ucs, *typed);
         } else if (takeKeyword(controls, trimmed(event.text))) {
@@ -103,8 +105,10 @@ Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId
         return StepResult::Cancelled;
     if (result == RTNONE)
         return StepResult::Ended;
-    if (result != RTKWORD)
-        return pickedAt(picked, found, set);
+    if (result != RTKWORD) {
+        const StepResult step = pickedAt(picked, found, set);
+        return shiftPick && step == StepResult::Found ? StepResult::FoundToRemove : step;
+    }
     const std::wstring keyword = keyword_.value_or(L"");
     if (keyword == L"Remove" || keyword == L"Add")
         return StepResult::Switched;
@@ -170,15 +174,33 @@ void Editor::highlight(std::span<const KxDbObjectId> ids, int mode)
     }
 }
 
-void Editor::selectForNextCommand(const KxGePoint3d& picked)
+void Editor::selectForNextCommand(const KxGePoint3d& picked, bool removing)
 {
     std::vector<KxDbObjectId> found;
     if (pickedAt(picked, found, implied_) != StepResult::Found)
         return;
+    if (removing)
+        removeFromSelection(implied_, found);
+    else
+        addToSelection(implied_, found);
+}
+
+std::size_t Editor::addToSelection(SelectionSet& set, std::span<const KxDbObjectId> found)
+{
     std::vector<KxDbObjectId> added;
-    std::copy_if(found.begin(), found.end(), std::back_inserter(added),
-                 [&](const KxDbObjectId& id) { return implied_.add(id); });
+    std::copy_if(found.begin(), found.end(), std::back_inserter(added), [&](const KxDbObjectId& id) { return set.add(id); });
     highlight(added, 3);
+    return added.size();
+}
+
+std::size_t Editor::removeFromSelection(SelectionSet& set, std::span<const KxDbObjectId> found)
+{
+    std::vector<KxDbObjectId> taken;
+    std::copy_if(found.begin(), found.end(), std::back_inserter(taken),
+                 [&](const KxDbObjectId& id) { return set.contains(id); });
+    set.remove(taken);
+    highlight(taken, 4);
+    return taken.size();
 }
 
 void Editor::clearImpliedSelection()
@@ -210,22 +232,12 @@ int Editor::selectObjects(SelectionSet& set)
             continue;
         }
         std::wstring report = L"\n" + std::to_wstring(found.size()) + L" found";
-        if (removing) {
-            std::vector<KxDbObjectId> taken;
-            std::copy_if(found.begin(), found.end(), std::back_inserter(taken),
-                         [&](const KxDbObjectId& id) { return set.contains(id); });
-            set.remove(taken);
-            highlight(taken, 4);
-            report += L", " + std::to_wstring(taken.size()) + L" removed, " + std::to_wstring(set.size()) + L" total";
-        } else {
-            std::vector<KxDbObjectId> added;
-            for (const KxDbObjectId& id : found)
-                if (set.add(id))
-                    added.push_back(id);
-            highlight(added, 3);
-            if (added.size() < found.size())
-                report += L" (" + std::to_wstring(found.size() - added.size()) + L" duplicate), "
-                    + std::to_wstring(set.size()) + L" total";
+        if (removing || step == StepResult::FoundToRemove) {
+            const std::size_t taken = removeFromSelection(set, found);
+            report += L", " + std::to_wstring(taken) + L" removed, " + std::to_wstring(set.size()) + L" total";
+        } else if (const std::size_t added = addToSelection(set, found); added < found.size()) {
+            report += L" (" + std::to_wstring(found.size() - added) + L" duplicate), " + std::to_wstring(set.size())
+                + L" total";
         }
         write(report + L"\n");
     }

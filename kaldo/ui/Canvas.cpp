@@ -383,7 +383,7 @@ void Canvas::mousePressEvent(QMouseEvent* event)
     pressedAt_ = picksObjects() ? std::optional(event->position()) : std::nullopt;
     releasedAt_.reset();
     if (wantsPoint() || picksObjects())
-        emit pointPicked(pointAt(event->position()));
+        emit pointPicked(pointAt(event->position()), picksObjects() && event->modifiers().testFlag(Qt::ShiftModifier));
 }
 
 void Canvas::mouseReleaseEvent(QMouseEvent* event)

@@ -10,7 +10,8 @@
 // command prompt, selecting for the next command), a click on empty ground
 // starts a selection window, drawn solid to the right (window) and dashed
 // to the left (crossing), which a second click or the release of a drag
-// ends. At the command prompt the selected entities show their grips
+// ends; with Shift held what the click or window takes leaves the
+// selection. At the command prompt the selected entities show their grips
 // (stretch points); a click on one drags it (the command thread decides).
 #pragma once
 
@@ -56,7 +57,9 @@ public:
     view::Point2 pointAt(const QPointF& pixel, std::optional<Snap>* snap = nullptr) const;
 
 signals:
-    void pointPicked(const kaldo::view::Point2& world);
+    // A click's point; removing when it picks objects with Shift held,
+    // taking them out of the selection.
+    void pointPicked(const kaldo::view::Point2& world, bool removing = false);
     void cursorMoved(const kaldo::view::Point2& world);
     // The cursor's drawing point as it is, for the status bar.
     void cursorAt(const kaldo::view::Point2& world);

@@ -87,6 +87,7 @@ void MainWindow::buildActions()
     bar->setObjectName("commandsToolBar");
 
     QMenu* file = menuBar()->addMenu(tr("&File"));
+    command(file, nullptr, tr("&New"), QStringLiteral("_NEW"), QKeySequence::New);
     QAction* open = file->addAction(tr("&Open..."), this, &MainWindow::chooseAndOpen);
     open->setShortcut(QKeySequence::Open);
     bar->addAction(open);
@@ -188,7 +189,7 @@ void MainWindow::connectRunner()
         runner_.post([this, placement] { runner_.session().editor().view().place(placement); });
     });
     connect(canvas_, &Canvas::pointPicked, this,
-            [this](const view::Point2& p) { runner_.push(InputEvent::picked({p.x, p.y, 0})); });
+            [this](const view::Point2& p, bool removing) { runner_.push(InputEvent::picked({p.x, p.y, 0}, removing)); });
     connect(canvas_, &Canvas::cursorMoved, this,
             [this](const view::Point2& p) { runner_.push(InputEvent::moved({p.x, p.y, 0})); });
     connect(canvas_, &Canvas::cursorAt, this, &MainWindow::showCoordinates);

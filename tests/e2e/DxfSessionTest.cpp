@@ -77,11 +77,11 @@ TEST(DxfSession, BadFilesAreRefusedAndTheDrawingStays)
     EXPECT_THAT(run.err, HasSubstr("the drawing was not saved"));
 }
 
-// OPEN on a drawing with unsaved changes asks on the command line, as the
-// window asks: Cancel keeps everything, No drops the changes, Yes (also
-// Enter) saves them first, to the drawing's file or, for a new drawing, to
-// a file asked for as SAVE asks.
-TEST(DxfSession, OpenAsksToSaveChanges)
+// OPEN and NEW on a drawing with unsaved changes ask on the command line,
+// as the window asks: Cancel keeps everything, No drops the changes, Yes
+// (also Enter) saves them first, to the drawing's file or, for a new
+// drawing, to a file asked for as SAVE asks.
+TEST(DxfSession, OpenAndNewAskToSaveChanges)
 {
     KaldoProcess kaldo;
     const std::filesystem::path other = kaldo.dir() / "other.dxf";
@@ -111,4 +111,14 @@ TEST(DxfSession, OpenAsksToSaveChanges)
     EXPECT_THAT(run.out, HasSubstr("Save changes to new.dxf? [Yes/No/Cancel] <Yes>: y\nSaved \"" + named.string()
                                    + "\".\nOpened"));
     EXPECT_THAT(fileText(named), HasSubstr("\n 11\n5\n 21\n20\n"));
+
+    // NEW: the drawing opened, with a line added, stays on Cancel; No
+    // leaves an empty drawing without a file.
+    run = kaldo.runScript("LINE\n0,20\n5,20\n\nNEW\nCancel\nLIST\nL\n\nNEW\nNo\nLIST\nL\n\nSAVE\n", {str(other)});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Save changes to other.dxf? [Yes/No/Cancel] <Yes>: Cancel\nNew drawing cancelled.\n"));
+    EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=20.0000  Z=0.0000", "X=5.0000  Y=20.0000  Z=0.0000")));
+    EXPECT_THAT(run.out, HasSubstr("Save changes to other.dxf? [Yes/No/Cancel] <Yes>: No\nNew drawing.\n"
+                                   "Command: LIST\nSelect objects: L\n0 found\n"));
+    EXPECT_THAT(run.out, HasSubstr("Command: SAVE\nEnter file name <Drawing1.dxf>: "));
 }

@@ -264,13 +264,26 @@ TEST_F(Window, DraggedWindowsSelectAndAPickBeforeMoveIsTakenByIt)
     QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, pixelOf(-5, -5));
     ASSERT_TRUE(waitForPrompt("Select objects: ", Kind::Entity));
     EXPECT_TRUE(transcript().endsWith("\n2 found (1 duplicate), 2 total\nSelect objects: "));
+    // Shift+click takes the upper wall out again: ERASE erases the lower.
+    clickAt(pixelOf(20, 30), Qt::ShiftModifier);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return transcript().endsWith("\n1 found, 1 removed, 1 total\nSelect objects: "); }, kWaitMs))
+        << transcript().toStdString();
     type("");
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    // (Away from the crosshair, which stands at the upper wall.)
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !drawnNear(canvas().grab().toImage(), pixelOf(30, 0), 4); }, kWaitMs));
+    EXPECT_TRUE(drawnNear(canvas().grab().toImage(), pixelOf(30, 30), 4));
     ASSERT_TRUE(runTyped({"U"}));
 
-    // A click at the command prompt selects the upper wall for the next
-    // command, which takes it without asking.
+    // Clicks at the command prompt select both walls for the next command,
+    // Shift+click takes the lower one out; MOVE takes the upper without
+    // asking.
     clickAt(pixelOf(20, 30));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    clickAt(pixelOf(20, 0));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    clickAt(pixelOf(20, 0), Qt::ShiftModifier);
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
     QAction* move = nullptr;
     for (QAction* action : window().menuBar()->findChildren<QAction*>())
@@ -552,6 +565,67 @@ TEST_F(Window, OpenTypedAsksToSaveChangesInAMessageBox)
     QFile saved(QString::fromStdString(path));
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll().count("\nLINE\n"), 1) << "the second line was not saved";
+}
+
+// File > New asks in a message box whether to save the drawing's changes,
+// as OPEN does: Cancel keeps the drawing with its changes, Yes saves them
+// into its file before the new drawing, No drops them. The new drawing is
+// empty and has no file.
+TEST_F(Window, FileNewAsksToSaveChangesAndStartsAnEmptyDrawing)
+{
+    const std::string path = dir() + "/kept.dxf";
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
+    ASSERT_TRUE(saveAs(path));
+    ASSERT_TRUE(runTyped({"FILEDIA", "1", "LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+
+    QMenu* file = nullptr;
+    for (QAction* menu : window().menuBar()->actions())
+        if (menu->text() == "&File")
+            file = menu->menu();
+    ASSERT_NE(file, nullptr);
+    QAction* newDrawing = nullptr;
+    for (QAction* action : file->actions())
+        if (action->text() == "&New")
+            newDrawing = action;
+    ASSERT_NE(newDrawing, nullptr);
+    EXPECT_EQ(newDrawing->shortcut(), QKeySequence(QKeySequence::New));
+    const auto newAnswering = [&](QMessageBox::StandardButton button) {
+        QString asked;
+        actOnDialogSoon<QMessageBox>([&asked, button](QMessageBox& box) {
+            asked = box.text();
+            QTest::mouseClick(box.button(button), Qt::LeftButton);
+        });
+        const qsizetype before = transcript().size();
+        newDrawing->trigger();
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return transcript().indexOf("Command: ", before + 1) >= 0 && !asked.isEmpty(); }, kWaitMs));
+        return asked;
+    };
+    EXPECT_EQ(newAnswering(QMessageBox::Cancel), "Save changes to kept.dxf?");
+    EXPECT_TRUE(transcript().endsWith("New drawing cancelled.\nCommand: ")) << transcript().toStdString();
+    EXPECT_TRUE(window().drawing().modified);
+
+    unsigned serial = window().drawing().serial;
+    EXPECT_EQ(newAnswering(QMessageBox::Yes), "Save changes to kept.dxf?");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
+    EXPECT_FALSE(window().drawing().modified);
+    EXPECT_TRUE(window().drawing().path.isEmpty());
+    EXPECT_EQ(window().windowTitle(), "Drawing1.dxf[*] - kaldo");
+    QFile saved(QString::fromStdString(path));
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll().count("\nLINE\n"), 2);
+
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,10", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+    serial = window().drawing().serial;
+    EXPECT_EQ(newAnswering(QMessageBox::No), "Save changes to Drawing1.dxf?");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
+    const std::string empty = dir() + "/empty.dxf";
+    ASSERT_TRUE(saveAs(empty));
+    QFile emptySaved(QString::fromStdString(empty));
+    ASSERT_TRUE(emptySaved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(emptySaved.readAll().count("\nLINE\n"), 0);
 }
 
 // Files opened or saved are listed latest first under File > Recent Files,

@@ -31,6 +31,7 @@ void registerHostCommands(KxEdCommandStack& stack)
         {L"U", uCommand, kModal, L"Takes back the last command."},
         {L"UNDO", undoCommand, kModal, L"Takes back commands, or sets and goes back to marks."},
         {L"REDO", redoCommand, kModal, L"Restores what U or UNDO took back."},
+        {L"NEW", newCommand, kModal, L"Starts a new, empty drawing."},
         {L"OPEN", openCommand, kModal, L"Opens a drawing."},
         {L"SAVE", saveCommand, kModal, L"Saves the drawing to its file."},
         {L"SAVEAS", saveasCommand, kModal, L"Saves the drawing under a new name, or an exploded copy."},

@@ -26,6 +26,7 @@ void appunloadCommand();
 void commandsCommand();
 void listCommand();
 void openCommand();
+void newCommand();
 void saveCommand();
 void saveasCommand();
 void zoomCommand();
@@ -51,6 +52,10 @@ void saveDrawingReporting(Session& session, const std::filesystem::path& path, c
 // What SAVE does: saves the working drawing to its file, or to a file
 // asked for when it has none yet.
 void saveWorkingDrawing(Session& session);
+
+// Whether the working drawing may be replaced (OPEN, NEW): it holds no
+// unsaved changes, or the user drops them, or saves them when asked.
+bool mayReplaceDrawing(Session& session);
 
 // The question asked before a drawing's unsaved changes would be lost, in
 // the window's message box and by OPEN: "Save changes to NAME?", NAME the
