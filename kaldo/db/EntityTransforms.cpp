@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 #include "kaldo/db/ArcAngles.h"
@@ -39,6 +40,23 @@ Kald::ErrorStatus movedWhole(KxDbEntity& entity, std::span<const int> indices, c
     if (indices.empty())
         return Kald::eOk;
     return entity.transformBy(KxGeMatrix3d::translation(offset));
+}
+
+// A circle (or an arc's circle) under m, which keeps shapes: nothing when
+// m flattens it or its image is no finite circle.
+struct CircleImage {
+    KxGePoint3d center;
+    double radius = 0;
+    KxGeVector3d normal;
+};
+std::optional<CircleImage> circleImage(const KxGeMatrix3d& m, const KxGePoint3d& center, double radius,
+                                       const KxGeVector3d& normal)
+{
+    const double k = m.uniformScale();
+    CircleImage image{m * center, radius * k, {}};
+    if (k == 0 || !transformedNormal(m, normal, image.normal) || !isFinite(image.center) || !std::isfinite(image.radius))
+        return std::nullopt;
+    return image;
 }
 
 // The angle in plane of the image under m of the direction at angle in from.
@@ -101,23 +119,18 @@ Kald::ErrorStatus KxDbLine::moveStretchPointsAt(std::span<const int> indices, co
 
 Kald::ErrorStatus KxDbArc::transformBy(const KxGeMatrix3d& m)
 {
-    const double k = m.uniformScale();
-    KxGeVector3d normal;
-    if (k == 0 || !transformedNormal(m, m_normal, normal))
-        return Kald::eInvalidInput;
-    const KxGePoint3d center = m * m_center;
-    const double radius = m_radius * k;
-    if (!isFinite(center) || !std::isfinite(radius))
+    const auto image = circleImage(m, m_center, m_radius, m_normal);
+    if (!image)
         return Kald::eInvalidInput;
     const kaldo::EntityPlane from(m_normal);
-    const kaldo::EntityPlane plane(normal);
+    const kaldo::EntityPlane plane(image->normal);
     // A reflection runs the arc the other way round: it starts at the
     // image of its end.
     const double sweep = kaldo::arcSweep(m_startAngle, m_endAngle);
     const double start = imageAngle(m, from, plane, m.determinant() < 0 ? m_endAngle : m_startAngle);
-    m_center = center;
-    m_normal = normal;
-    m_radius = radius;
+    m_center = image->center;
+    m_normal = image->normal;
+    m_radius = image->radius;
     m_startAngle = start;
     m_endAngle = kaldo::wrappedAngle(start + sweep);
     return Kald::eOk;
@@ -135,17 +148,12 @@ Kald::ErrorStatus KxDbArc::moveStretchPointsAt(std::span<const int> indices, con
 
 Kald::ErrorStatus KxDbCircle::transformBy(const KxGeMatrix3d& m)
 {
-    const double k = m.uniformScale();
-    KxGeVector3d normal;
-    if (k == 0 || !transformedNormal(m, m_normal, normal))
+    const auto image = circleImage(m, m_center, m_radius, m_normal);
+    if (!image)
         return Kald::eInvalidInput;
-    const KxGePoint3d center = m * m_center;
-    const double radius = m_radius * k;
-    if (!isFinite(center) || !std::isfinite(radius))
-        return Kald::eInvalidInput;
-    m_center = center;
-    m_normal = normal;
-    m_radius = radius;
+    m_center = image->center;
+    m_normal = image->normal;
+    m_radius = image->radius;
     return Kald::eOk;
 }
 

@@ -217,26 +217,23 @@ bool arcMeets(const PlanArc& arc, const Box& box)
 {
     if (inside(box, arcPoint(arc, arc.start)) || inside(box, arcPoint(arc, arc.start + arc.sweep)))
         return true;
-    const auto crossesAt = [&](double x, double y) { return inside(box, {x, y}) && onArc(arc, std::atan2(y - arc.centre.y, x - arc.centre.x)); };
-    for (const double x : {box.minX, box.maxX}) {
-        const double dx = x - arc.centre.x;
-        const double h2 = arc.radius * arc.radius - dx * dx;
+    const auto crossesAt = [&](double x, double y) {
+        return inside(box, {x, y}) && onArc(arc, std::atan2(y - arc.centre.y, x - arc.centre.x));
+    };
+    // Where an edge's line (x = edge when vertical, else y = edge) meets the
+    // circle: the centre's other coordinate plus or minus h.
+    const auto edgeCrossed = [&](double edge, bool vertical) {
+        const double d = edge - (vertical ? arc.centre.x : arc.centre.y);
+        const double h2 = arc.radius * arc.radius - d * d;
         if (h2 < 0)
-            continue;
+            return false;
         const double h = std::sqrt(h2);
-        if (crossesAt(x, arc.centre.y + h) || crossesAt(x, arc.centre.y - h))
-            return true;
-    }
-    for (const double y : {box.minY, box.maxY}) {
-        const double dy = y - arc.centre.y;
-        const double h2 = arc.radius * arc.radius - dy * dy;
-        if (h2 < 0)
-            continue;
-        const double h = std::sqrt(h2);
-        if (crossesAt(arc.centre.x + h, y) || crossesAt(arc.centre.x - h, y))
-            return true;
-    }
-    return false;
+        const double across = vertical ? arc.centre.y : arc.centre.x;
+        return vertical ? crossesAt(edge, across + h) || crossesAt(edge, across - h)
+                        : crossesAt(across + h, edge) || crossesAt(across - h, edge);
+    };
+    return edgeCrossed(box.minX, true) || edgeCrossed(box.maxX, true) || edgeCrossed(box.minY, false)
+        || edgeCrossed(box.maxY, false);
 }
 
 }  // namespace

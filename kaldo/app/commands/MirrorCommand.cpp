@@ -24,10 +24,8 @@ std::optional<KxGeMatrix3d> mirrorIn(const KxGePoint3d& a, const KxGePoint3d& b)
 void mirrorCommand()
 {
     SelectionSet set;
-    if (!selectForCommand(set))
-        return;
     KxGePoint3d first;
-    if (getWorldPoint(L"\nSpecify first point of mirror line: ", nullptr, first) != RTNORM)
+    if (!selectThenPoint(set, L"\nSpecify first point of mirror line: ", first))
         return;
     SelectionDrag drag(set.ids());
     std::optional<KxGeMatrix3d> mirror;

@@ -28,6 +28,11 @@ int getWorldPoint(std::wstring_view prompt, const wchar_t* keywords, KxGePoint3d
     return result;
 }
 
+bool selectThenPoint(SelectionSet& set, std::wstring_view prompt, KxGePoint3d& world)
+{
+    return selectForCommand(set) && getWorldPoint(prompt, nullptr, world) == RTNORM;
+}
+
 Editor::DragInput askDragged(SelectionDrag& drag, std::wstring_view prompt, std::wstring_view keywords,
                              const KxGePoint3d& base, Editor::DragNumbers numbers, const SelectionDrag::Follow& follow)
 {

@@ -21,6 +21,11 @@ bool selectForCommand(SelectionSet& set);
 // the RTNORM, RTNONE, RTKWORD or RTCAN of getPoint.
 int getWorldPoint(std::wstring_view prompt, const wchar_t* keywords, KxGePoint3d& world);
 
+// "Select objects:", then a point at prompt (world): the base point of
+// ROTATE and SCALE, the first point of MIRROR's line. False when cancelled
+// or nothing was selected.
+bool selectThenPoint(SelectionSet& set, std::wstring_view prompt, KxGePoint3d& world);
+
 // How the shown entities follow an offset (world).
 using FollowOffset = std::function<void(const KxGeVector3d& offset, std::size_t index, KxDbEntity& shown)>;
 

@@ -26,36 +26,12 @@ void eraseCopies(const std::vector<KxDbObjectId>& made)
     }
 }
 
-}  // namespace
-
-void moveCommand()
+// COPY's further copies from base, one displacement after another until
+// Enter; Undo takes back the latest copies, down to first's.
+void copyAgain(const SelectionSet& set, SelectionDrag& drag, const KxGePoint3d& base, std::vector<KxDbObjectId> first)
 {
-    SelectionSet set;
-    if (!selectForCommand(set))
-        return;
-    SelectionDrag drag(set.ids());
-    const auto displacement = askDisplacement(drag, translated);
-    if (!displacement)
-        return;
-    reportUnchanged(transformEntities(set.ids(), KxGeMatrix3d::translation(displacement->offset), false));
-}
-
-void copyCommand()
-{
-    SelectionSet set;
-    if (!selectForCommand(set))
-        return;
-    SelectionDrag drag(set.ids());
-    const auto displacement = askDisplacement(drag, translated);
-    if (!displacement)
-        return;
-    EditTally first = transformEntities(set.ids(), KxGeMatrix3d::translation(displacement->offset), true);
-    reportUnchanged(first);
-    if (!displacement->base)
-        return;
     // The copies of each point, latest last, for Undo.
-    std::vector<std::vector<KxDbObjectId>> made{first.made};
-    const KxGePoint3d base = *displacement->base;
+    std::vector<std::vector<KxDbObjectId>> made{std::move(first)};
     for (;;) {
         const Editor::DragInput next =
             askDragged(drag, L"\nSpecify second point or [Exit/Undo] <Exit>: ", L"Exit Undo _Exit Undo", base,
@@ -78,6 +54,35 @@ void copyCommand()
         reportUnchanged(copies);
         made.push_back(copies.made);
     }
+}
+
+// MOVE moves the selection once; COPY copies it, and goes on copying from
+// the same base point.
+void moveOrCopy(bool copies)
+{
+    SelectionSet set;
+    if (!selectForCommand(set))
+        return;
+    SelectionDrag drag(set.ids());
+    const auto displacement = askDisplacement(drag, translated);
+    if (!displacement)
+        return;
+    EditTally first = transformEntities(set.ids(), KxGeMatrix3d::translation(displacement->offset), copies);
+    reportUnchanged(first);
+    if (copies && displacement->base)
+        copyAgain(set, drag, *displacement->base, std::move(first.made));
+}
+
+}  // namespace
+
+void moveCommand()
+{
+    moveOrCopy(false);
+}
+
+void copyCommand()
+{
+    moveOrCopy(true);
 }
 
 }  // namespace kaldo

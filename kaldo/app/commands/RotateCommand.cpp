@@ -52,10 +52,8 @@ std::optional<double> referenceRotation(SelectionDrag& drag, const KxGePoint3d& 
 void rotateCommand()
 {
     SelectionSet set;
-    if (!selectForCommand(set))
-        return;
     KxGePoint3d base;
-    if (getWorldPoint(L"\nSpecify base point: ", nullptr, base) != RTNORM)
+    if (!selectThenPoint(set, L"\nSpecify base point: ", base))
         return;
     SelectionDrag drag(set.ids());
     const KxGeVector3d axis = ucsNormal();

@@ -46,10 +46,8 @@ std::optional<double> positiveLength(SelectionDrag& drag, const std::wstring& pr
 void scaleCommand()
 {
     SelectionSet set;
-    if (!selectForCommand(set))
-        return;
     KxGePoint3d base;
-    if (getWorldPoint(L"\nSpecify base point: ", nullptr, base) != RTNORM)
+    if (!selectThenPoint(set, L"\nSpecify base point: ", base))
         return;
     SelectionDrag drag(set.ids());
     const auto scaledBy = [&](double factor) { return KxGeMatrix3d::scaling(factor, base); };
