@@ -6,6 +6,7 @@
 // matches MLINE drawn through the moved vertices, and a grip drag's copy
 // stretched frame after frame ends as one stretch does.
 #include "MlinePicture.h"
+#include "TestStyles.h"
 #include "kaldo/db/MlineRuns.h"
 #include "kaldo/db/StretchPreview.h"
 
@@ -23,20 +24,10 @@ constexpr double kTol = 1e-10;
 
 KxDbObjectId addStyle(KxDbDatabase& db, const wchar_t* name, double startAngle = kPi / 2, double endAngle = kPi / 2)
 {
-    auto* style = new KxDbMlineStyle;
-    style->setName(name);
-    style->setStartAngle(startAngle);
-    style->setEndAngle(endAngle);
-    style->setStartSquareCap(true);
-    style->setEndSquareCap(true);
-    int index = 0;
-    for (double o : {0.5, -0.5})
-        style->addElement(index, o, KxCmColor(), db.byLayerLinetype());
-    KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-    KxDbObjectId id;
-    dict->setAt(name, style, id);
-    style->close();
-    return id;
+    return addTestStyle(db, name, {0.5, -0.5}, startAngle, endAngle, [](KxDbMlineStyle& style) {
+        style.setStartSquareCap(true);
+        style.setEndSquareCap(true);
+    });
 }
 
 // A wall 2 wide about its axis: element 0 one to the left, element 1 one to

@@ -5,6 +5,7 @@
 // scale and list entries follow the factor, and a mirror turns the scale's
 // sign while the entries stay.
 #include "MlinePicture.h"
+#include "TestStyles.h"
 
 #include <gtest/gtest.h>
 
@@ -23,24 +24,14 @@ struct Drawing {
     KxDbObjectId addStyle(const wchar_t* name, std::initializer_list<double> offsets, double startAngle = kPi / 2,
                           double endAngle = kPi / 2)
     {
-        auto* style = new KxDbMlineStyle;
-        style->setName(name);
-        style->setStartAngle(startAngle);
-        style->setEndAngle(endAngle);
-        style->setStartSquareCap(true);
-        style->setStartInnerArcs(true);
-        style->setEndRoundCap(true);
-        style->setEndInnerArcs(true);
-        style->setShowMiters(true);
-        style->setFilled(true);
-        int index = 0;
-        for (double o : offsets)
-            style->addElement(index, o, KxCmColor(), db.byLayerLinetype());
-        KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        dict->setAt(name, style, id);
-        style->close();
-        return id;
+        return addTestStyle(db, name, offsets, startAngle, endAngle, [](KxDbMlineStyle& style) {
+            style.setStartSquareCap(true);
+            style.setStartInnerArcs(true);
+            style.setEndRoundCap(true);
+            style.setEndInnerArcs(true);
+            style.setShowMiters(true);
+            style.setFilled(true);
+        });
     }
 
     std::unique_ptr<KxDbMline> make(KxDbObjectId style, std::initializer_list<KxGePoint3d> points, int justification,
