@@ -127,7 +127,7 @@ TEST(HostileInputSession, C1ControlsAreShownNotSent)
     const std::string bad = kaldo.writeFile("bad.dxf", "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1021\n"
                                                        "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n"
                                                            + csi + "31m\n  0\nENDSEC\n  0\nEOF\n").string();
-    KaldoRun run = kaldo.runScript(csi + "2J\nMLINE\nST\nWall" + csi + "1\nwalls\nST\n?\n\n0,0\n10,0\n\nLIST\n5,0.5\n"
+    KaldoRun run = kaldo.runScript(csi + "2J\nMLINE\nST\nWall" + csi + "1\nwalls\nST\n?\n\n0,0\n10,0\n\nLIST\n5,0.5\n\n"
                                    "OPEN\n" + bad + "\nNo\n");
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("Command: M-^[2J\nUnknown command \"M-^[2J\"."));
