@@ -25,18 +25,25 @@ RecordBasics rawRecordBasics(const Record& record)
 }
 
 void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const std::vector<KxDbFileGroup>& groups,
-                           std::uint64_t handle)
+                           std::uint64_t handle, std::uint64_t owner)
 {
     const auto handleGroup = std::find_if(groups.begin(), groups.end(),
                                           [](const KxDbFileGroup& g) { return g.code == 5 || g.code == 105; });
+    const bool addOwner =
+        owner != 0 && std::none_of(groups.begin(), groups.end(), [](const KxDbFileGroup& g) { return g.code == 330; });
     w.text(0, kind);
     if (handleGroup == groups.end())
         w.handle(5, handle);
+    if (addOwner && handleGroup == groups.end())
+        w.handle(330, owner);
     for (auto it = groups.begin(); it != groups.end(); ++it) {
-        if (it == handleGroup)
+        if (it == handleGroup) {
             w.handle(it->code, handle);
-        else
+            if (addOwner)
+                w.handle(330, owner);
+        } else {
             w.text(it->code, it->value);
+        }
     }
 }
 

@@ -14,7 +14,7 @@ struct EzdxfReport {
     QJsonObject file;
 };
 
-// script: the reading script in tests/dxf that prints the report; more:
-// further arguments after the path.
+// script: the script in tests/dxf that prints the report, given the
+// drawing's path and then arguments.
 EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script = "ezdxf_mlines.py",
-                          const QStringList& more = {});
+                          const QStringList& arguments = {});
