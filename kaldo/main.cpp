@@ -172,6 +172,8 @@ int main(int argc, char** argv)
         for (const std::wstring& message : session->loadModulesFolder())
             complain(message);
     }
+    for (const std::wstring& problem : session->loadAliases())
+        std::cerr << "kaldo: " << kxutToMultiByte(problem) << "\n";
 
     if (window) {
         kaldo::ui::runWindowSession(*session);

@@ -2,13 +2,20 @@
 
 #include "kaldo/app/Session.h"
 #include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/db/StretchPreview.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/Text.h"
 #include "kaldo/rx/Runtime.h"
 #include "kaldo/util/CrashRecorder.h"
 #include "kxcrash.h"
+#include "kxdb.h"
 #include "kxstring.h"
+
+#include <array>
+#include <optional>
+#include <span>
+#include <vector>
 
 namespace kaldo {
 
@@ -61,9 +68,12 @@ private:
 
 bool runCommand(Session& session, const std::wstring& name)
 {
-    if (const KxEdCommand* command = session.runtime().commands().lookupCmd(name.c_str())) {
-        const UndoStep step(session, command->globalName);
-        runGuarded(session, command->globalName, command->handler);
+    if (const KxEdCommand* found = session.findCommand(name)) {
+        const KxEdCommand command = *found;
+        const UndoStep step(session, command.globalName);
+        session.editor().setRunningCommand(command.globalName);
+        runGuarded(session, command.globalName, command.handler);
+        session.editor().setRunningCommand({});
         return true;
     }
     if (session.editor().variables().exists(name)) {
@@ -72,6 +82,35 @@ bool runCommand(Session& session, const std::wstring& name)
         return true;
     }
     return false;
+}
+
+void runGripDrag(Session& session, const KxDbObjectId& entity, int index, const KxGePoint3d& grip)
+{
+    std::optional<StretchPreview> preview;
+    if (const KxDbObjectPtr<KxDbEntity> opened(entity, KxDb::kForRead); opened)
+        preview.emplace(*opened, std::vector<int>{index});
+    if (!preview)
+        return;
+    Editor& editor = session.editor();
+    const std::wstring_view prompt = L"\n** STRETCH **\nSpecify stretch point: ";
+    bool writePrompt = true;
+    while (true) {
+        const Editor::DragInput input = editor.readDragInput(prompt, writePrompt, L"", false, &grip);
+        writePrompt = false;
+        if (input.kind == Editor::DragInput::Kind::Motion) {
+            const KxDbEntity* shown = &preview->at(input.world - grip);
+            editor.dragged(std::span(&shown, 1));
+            continue;
+        }
+        if (input.kind != Editor::DragInput::Kind::Point)
+            return;
+        const UndoStep step(session, L"GRIP_STRETCH");
+        const std::array indices{index};
+        KxDbObjectPtr<KxDbEntity> opened(entity, KxDb::kForWrite);
+        if (!opened || opened->moveStretchPointsAt(indices, input.world - grip) != Kald::eOk)
+            editor.write(L"\nThe point cannot be moved there.\n");
+        return;
+    }
 }
 
 void runCommandLoop(Session& session)
@@ -87,12 +126,18 @@ void runCommandLoop(Session& session)
             name = last;
         else if (result != RTNORM)
             continue;
+        // An apostrophe asks for a transparent run, which the prompt gives anyway.
+        if (name.starts_with(L'\''))
+            name.erase(0, 1);
         if (name.empty())
             continue;
-        if (runCommand(session, name))
+        if (runCommand(session, name)) {
+            // A selection made before the command was for it alone.
+            editor.setImpliedSelection({});
             last = name;
-        else
+        } else {
             editor.write(L"\nUnknown command \"" + toUpper(name) + L"\". Type COMMANDS to list the commands.\n");
+        }
     }
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kaldo/app/SortTables.h"
+#include "kaldo/db/ArcAngles.h"
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/util/Utf8.h"
 #include "kaldo/view/MlinePieces.h"
@@ -259,12 +260,7 @@ private:
         }
         const double start = sweep < 0 ? from + sweep : from;
         const double end = start + std::abs(sweep);
-        const auto wrapped = [](double angle) {
-            const double turn = 2 * std::numbers::pi;
-            const double a = std::fmod(angle, turn);
-            return a < 0 ? a + turn : a;
-        };
-        place(std::make_unique<KxDbArc>(arc.centre, normal, arc.radius, wrapped(start), wrapped(end)),
+        place(std::make_unique<KxDbArc>(arc.centre, normal, arc.radius, wrappedAngle(start), wrappedAngle(end)),
               arc.element, true);
     }
 

@@ -1,5 +1,6 @@
 #include "kaldo/app/Session.h"
 
+#include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/MlineExplosion.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/dxf/DxfError.h"
@@ -11,9 +12,11 @@
 #include "kaldo/ed/Editor.h"
 #include "kaldo/rx/Runtime.h"
 #include "kaldo/util/CrashRecorder.h"
+#include "kaldo/util/FileAccess.h"
 #include "kaldo/util/Profile.h"
 #include "kaldo/view/ColorPalette.h"
 #include "kxdbdatabase.h"
+#include "kxrxcommands.h"
 #include "kxstring.h"
 
 #include <sys/mman.h>
@@ -56,6 +59,19 @@ Session::Session(SessionPaths paths) : paths_(std::move(paths))
     running = this;
 
     registerHostCommands(runtime_->commands());
+    // A transparent command typed with an apostrophe at a prompt runs
+    // there, unless it is the command that asks.
+    editor_->setTransparentHandler([this](std::wstring_view typed) {
+        const KxEdCommand* command = findCommand(std::wstring(typed));
+        if (!command || !(command->flags & KxCmdFlags::kTransparent) || command->globalName == editor_->runningCommand())
+            return false;
+        const KxRxFunctionPtr handler = command->handler;
+        handler();
+        return true;
+    });
+    editor_->setGripHandler([this](const KxDbObjectId& entity, int index, const KxGePoint3d& grip) {
+        runGripDrag(*this, entity, index, grip);
+    });
 }
 
 Session::~Session()
@@ -93,6 +109,49 @@ std::vector<std::string> Session::openDrawing(const std::filesystem::path& path,
     savedChanges_ = database_->changeCount();
     ++drawingSerial_;
     return std::move(drawing.repairs);
+}
+
+void Session::newDrawing()
+{
+    database_ = std::make_unique<KxDbDatabase>();
+    keptSections_ = {};
+    drawingPath_.clear();
+    host().database = database_.get();
+    host().drawingDir.clear();
+    savedChanges_ = database_->changeCount();
+    ++drawingSerial_;
+}
+
+std::vector<std::wstring> Session::loadAliases()
+{
+    const std::filesystem::path file = paths_.supportDir / "kaldo.pgp";
+    std::error_code ec;
+    if (!std::filesystem::exists(file, ec))
+        return {};
+    std::vector<std::wstring> problems;
+    std::string bytes;
+    try {
+        bytes = readFile(file);
+    } catch (const FileError& e) {
+        return {kxutFromMultiByte(e.what())};
+    }
+    aliases_ = CommandAliases::parse(kxutFromMultiByte(bytes), problems);
+    for (const CommandAliases::Alias& alias : aliases_.aliases()) {
+        if (!runtime_->commands().lookupCmd(alias.command.c_str()))
+            problems.push_back(L"line " + std::to_wstring(alias.line) + L": the alias " + alias.alias
+                               + L" names no command (" + alias.command + L").");
+    }
+    for (std::wstring& problem : problems)
+        problem = L"kaldo.pgp " + problem;
+    return problems;
+}
+
+const KxEdCommand* Session::findCommand(const std::wstring& typed) const
+{
+    if (const KxEdCommand* command = runtime_->commands().lookupCmd(typed.c_str()))
+        return command;
+    const std::wstring aliased = aliases_.commandFor(typed);
+    return aliased.empty() ? nullptr : runtime_->commands().lookupCmd(aliased.c_str());
 }
 
 void Session::saveDrawing(const std::filesystem::path& path, bool replaceReadOnly, const dxf::ProgressReport& report)

@@ -4,6 +4,7 @@
 // "KALDO_HOSTCOMMANDS" when the session starts.
 #pragma once
 
+#include "kaldo/app/CommandAliases.h"
 #include "kaldo/app/SessionPaths.h"
 #include "kaldo/dxf/DxfFile.h"
 
@@ -16,6 +17,7 @@
 #include <vector>
 
 class KxDbDatabase;
+struct KxEdCommand;
 
 namespace kaldo {
 
@@ -54,6 +56,8 @@ public:
     // working drawing then stays as it was. Returns what the reader
     // repaired (dxf::DxfDrawing::repairs).
     std::vector<std::string> openDrawing(const std::filesystem::path& path, const dxf::ProgressReport& report = {});
+    // Makes a new, empty drawing without a file the working drawing.
+    void newDrawing();
     // Saves the working drawing (atomically) as path, which then becomes
     // its file. Throws dxf::DxfError, or dxf::Cancelled when report stops
     // the writing; the old file and the modified state then stay as they
@@ -92,6 +96,16 @@ public:
     // order. Returns the messages of the modules that failed.
     std::vector<std::wstring> loadModulesFolder();
 
+    // Reads the command aliases of kaldo.pgp in the Support folder (none
+    // without the file). What is wrong with it, each once: lines of
+    // another form, aliases that name no command, a file that cannot be
+    // read.
+    std::vector<std::wstring> loadAliases();
+    const CommandAliases& aliases() const { return aliases_; }
+    // The command a typed name runs: a command's name, else an alias's
+    // command; null when neither.
+    const KxEdCommand* findCommand(const std::wstring& typed) const;
+
     // Gives up the working drawing to a process about to end, which keeps
     // it until then so that its objects are never torn down one by one.
     std::unique_ptr<KxDbDatabase> releaseDrawingAtExit();
@@ -111,6 +125,7 @@ private:
     unsigned drawingSerial_ = 0;
     std::unique_ptr<Editor> editor_;
     std::unique_ptr<Runtime> runtime_;
+    CommandAliases aliases_;
     bool quit_ = false;
 };
 

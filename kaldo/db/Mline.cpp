@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/db/FiniteValues.h"
 #include "kaldo/db/MlineGeometry.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kxdbdatabase.h"
@@ -19,26 +20,9 @@ KX_RX_DEFINE_MEMBERS(KxDbMline, KxDbEntity)
 
 namespace {
 
-template <class Xyz>
-bool isFinite(const Xyz& p)
-{
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
-bool finiteLists(const std::vector<KxDbMlineElementParams>& elements)
-{
-    return std::ranges::all_of(elements, [](const KxDbMlineElementParams& lists) {
-        const auto finite = [](double value) { return std::isfinite(value); };
-        return std::ranges::all_of(lists.element, finite) && std::ranges::all_of(lists.areaFill, finite);
-    });
-}
-
-// Whether every value of a vertex is a number: a point or a scale so large
-// that a miter or a list overflows is refused.
-bool finiteVertex(const KxDbMlineVertex& v)
-{
-    return isFinite(v.position) && isFinite(v.axis) && isFinite(v.miter) && finiteLists(v.params->elements);
-}
+using kaldo::finiteLists;
+using kaldo::finiteVertex;
+using kaldo::isFinite;
 
 template <class Vertices>
 bool finiteGeometry(const Vertices& vertices)

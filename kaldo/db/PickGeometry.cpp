@@ -1,18 +1,24 @@
 #include "kaldo/db/PickGeometry.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
 
+#include "kaldo/db/ArcAngles.h"
 #include "kaldo/db/EntityPlane.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
+#include "kxdbmlstyle.h"
 
 namespace kaldo {
 namespace {
 
 constexpr double kNothing = std::numeric_limits<double>::infinity();
+constexpr double kTurn = 2 * std::numbers::pi;
+// Pieces of arcs in tilted planes per whole turn.
+constexpr int kStepsPerTurn = 720;
 
 double segmentDistanceXY(const KxGePoint3d& p, const KxGePoint3d& a, const KxGePoint3d& b)
 {
@@ -24,81 +30,142 @@ double segmentDistanceXY(const KxGePoint3d& p, const KxGePoint3d& a, const KxGeP
     return std::hypot(p.x - (a.x + t * dx), p.y - (a.y + t * dy));
 }
 
-// Sweep of an arc from start to end angle, counter-clockwise, in (0, 2pi].
-double arcSweep(double startAngle, double endAngle)
+KxGePoint3d arcPoint(const PlanArc& arc, double angle)
 {
-    const double twoPi = 2 * std::numbers::pi;
-    double sweep = std::fmod(endAngle - startAngle, twoPi);
-    if (sweep <= 0)
-        sweep += twoPi;
-    return sweep;
+    return {arc.centre.x + arc.radius * std::cos(angle), arc.centre.y + arc.radius * std::sin(angle), arc.centre.z};
 }
 
-double arcDistance(const KxDbArc& arc, const KxGePoint3d& p)
+// Whether the XY angle lies on the arc.
+bool onArc(const PlanArc& arc, double angle)
 {
-    const EntityPlane plane(arc.normal());
-    const double sweep = arcSweep(arc.startAngle(), arc.endAngle());
+    return arc.sweep >= 0 ? wrappedAngle(angle - arc.start) <= arc.sweep
+                          : wrappedAngle(arc.start - angle) <= -arc.sweep;
+}
+
+double arcDistance(const PlanArc& arc, const KxGePoint3d& p)
+{
+    const double dx = p.x - arc.centre.x;
+    const double dy = p.y - arc.centre.y;
+    const double fromCentre = std::hypot(dx, dy);
+    if (fromCentre == 0 || onArc(arc, std::atan2(dy, dx)))
+        return std::abs(fromCentre - arc.radius);
+    const KxGePoint3d a = arcPoint(arc, arc.start);
+    const KxGePoint3d b = arcPoint(arc, arc.start + arc.sweep);
+    return std::min(std::hypot(p.x - a.x, p.y - a.y), std::hypot(p.x - b.x, p.y - b.y));
+}
+
+// An arc of a plane (start and sweep in the plane's angles, centre a world
+// point) as it shows in plan.
+void addPlaneArc(PlanPieces& pieces, const EntityPlane& plane, const KxGePoint3d& centre, double radius, double start,
+                 double sweep)
+{
+    const auto direction = [&](double angle) { return plane.toWorld(KxGeVector3d(std::cos(angle), std::sin(angle))); };
     if (std::abs(std::abs(plane.normal().z) - 1.0) < 1e-12) {
-        // The arc's plane is parallel to XY: measure exactly in it.
-        const KxGePoint3d c = plane.toPlane(arc.center());
-        const KxGePoint3d q = plane.toPlane(p);
-        const double angle = std::atan2(q.y - c.y, q.x - c.x);
-        if (arcSweep(arc.startAngle(), angle) <= sweep || std::hypot(q.x - c.x, q.y - c.y) == 0)
-            return std::abs(std::hypot(q.x - c.x, q.y - c.y) - arc.radius());
-        return std::min(segmentDistanceXY(p, arc.startPoint(), arc.startPoint()),
-                        segmentDistanceXY(p, arc.endPoint(), arc.endPoint()));
+        const KxGeVector3d d = direction(start);
+        pieces.arcs.push_back({centre, radius, std::atan2(d.y, d.x), plane.normal().z > 0 ? sweep : -sweep});
+        return;
     }
-    constexpr int kSteps = 720;
-    double best = kNothing;
-    KxGePoint3d previous = arc.startPoint();
-    for (int i = 1; i <= kSteps; ++i) {
-        const double a = arc.startAngle() + sweep * i / kSteps;
-        const KxGePoint3d next = arc.center() + plane.toWorld(KxGeVector3d(std::cos(a), std::sin(a))) * arc.radius();
-        best = std::min(best, segmentDistanceXY(p, previous, next));
+    const int steps = std::max(8, int(std::ceil(std::abs(sweep) / kTurn * kStepsPerTurn)));
+    KxGePoint3d previous = centre + direction(start) * radius;
+    for (int i = 1; i <= steps; ++i) {
+        const KxGePoint3d next = centre + direction(start + sweep * i / steps) * radius;
+        pieces.segments.push_back({previous, next});
         previous = next;
     }
-    return best;
 }
 
-// Calls visit(from, to) for every drawn run of every element line, as the
-// parameter lists place it.
-template <class Visit>
-void forEachRun(const KxDbMline& mline, Visit&& visit)
+void collectPolyline(const KxDbPolyline& polyline, PlanPieces& pieces)
+{
+    const EntityPlane plane(polyline.normal());
+    const int n = polyline.numVerts();
+    const int segments = polyline.isClosed() ? n : n - 1;
+    for (int i = 0; i < segments && n > 1; ++i) {
+        const KxDbPolyline::Vertex& v = polyline.vertices()[std::size_t(i)];
+        const KxDbPolyline::Vertex& w = polyline.vertices()[std::size_t((i + 1) % n)];
+        const KxGePoint3d from = polyline.pointAt(i);
+        const KxGePoint3d to = polyline.pointAt((i + 1) % n);
+        const double chord = std::hypot(w.x - v.x, w.y - v.y);
+        if (v.bulge == 0 || chord == 0 || !std::isfinite(v.bulge)) {
+            pieces.segments.push_back({from, to});
+            continue;
+        }
+        // In the plane: the included angle is 4 atan(bulge), positive
+        // counter-clockwise; the centre lies off the chord's middle.
+        const double included = 4 * std::atan(v.bulge);
+        const double radius = chord / (2 * std::sin(std::abs(included) / 2));
+        const double toCentre = radius * std::cos(included / 2) * (v.bulge > 0 ? 1 : -1);
+        const double mx = (v.x + w.x) / 2 - (w.y - v.y) / chord * toCentre;
+        const double my = (v.y + w.y) / 2 + (w.x - v.x) / chord * toCentre;
+        const double start = std::atan2(v.y - my, v.x - mx);
+        addPlaneArc(pieces, plane, plane.toWorld(KxGePoint3d(mx, my, polyline.elevation())), radius, start, included);
+    }
+}
+
+// Every drawn run of every element line, as the parameter lists place it;
+// with the style, the line caps, joints and arc caps.
+void collectMline(const KxDbMline& mline, PlanPieces& pieces)
 {
     const int n = mline.numVertices();
-    const int segments = mline.closedMline() ? n : n - 1;
-    KxArray here;
-    KxArray there;
-    for (int v = 0; v < segments; ++v) {
+    if (n < 2)
+        return;
+    std::size_t elements = std::numeric_limits<std::size_t>::max();
+    for (int v = 0; v < n; ++v) {
+        const KxDbMlineVertexParams* record = mline.parametersAt(v);
+        elements = std::min(elements, record ? record->elements.size() : 0);
+    }
+    const auto elementPoint = [&](int v, std::size_t e) {
+        const std::vector<double>& list = mline.parametersAt(v)->elements[e].element;
+        return mline.vertexAt(v) + mline.miterAt(v) * (list.empty() ? 0.0 : list.front());
+    };
+    const bool closed = mline.closedMline() && n > 2;
+    for (int v = 0; v < (closed ? n : n - 1); ++v) {
         const int next = (v + 1) % n;
-        mline.getParametersAt(v, here);
-        mline.getParametersAt(next, there);
-        const auto start = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(here));
-        const auto end = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(there));
         const KxGeVector3d axis = mline.axisAt(v);
-        const std::size_t elements = std::min(start->elements.size(), end->elements.size());
         for (std::size_t e = 0; e < elements; ++e) {
-            const std::vector<double>& list = start->elements[e].element;
-            const std::vector<double>& endList = end->elements[e].element;
-            if (list.size() < 2 || endList.empty())
-                continue;
-            const KxGePoint3d a = mline.vertexAt(v) + mline.miterAt(v) * list[0];
-            const KxGePoint3d b = mline.vertexAt(next) + mline.miterAt(next) * endList[0];
-            const double length = dot(b - a, axis);
+            const std::vector<double>& list = mline.parametersAt(v)->elements[e].element;
+            const KxGePoint3d a = elementPoint(v, e);
+            const double length = dot(elementPoint(next, e) - a, axis);
             for (std::size_t i = 1; i < list.size(); i += 2) {
-                const double from = list[i];
                 const double to = i + 1 < list.size() ? list[i + 1] : length;
-                visit(a + axis * from, a + axis * to);
+                pieces.segments.push_back({a + axis * list[i], a + axis * to});
             }
         }
     }
-}
-
-double mlineDistance(const KxDbMline& mline, const KxGePoint3d& p)
-{
-    double best = kNothing;
-    forEachRun(mline, [&](const KxGePoint3d& a, const KxGePoint3d& b) { best = std::min(best, segmentDistanceXY(p, a, b)); });
-    return best;
+    const KxDbObjectPtr<KxDbMlineStyle> style(mline.style(), KxDb::kForRead);
+    if (!style || elements < 2 || elements == std::numeric_limits<std::size_t>::max())
+        return;
+    const std::size_t last = elements - 1;
+    const auto across = [&](int v) { pieces.segments.push_back({elementPoint(v, 0), elementPoint(v, last)}); };
+    const EntityPlane plane(mline.normal());
+    const auto arcPair = [&](int v, std::size_t first, std::size_t second, const KxGeVector3d& outward) {
+        const KxGePoint3d p = elementPoint(v, first);
+        const KxGePoint3d q = elementPoint(v, second);
+        const KxGePoint3d centre = p + (q - p) * 0.5;
+        const double radius = distance(p, q) / 2;
+        if (radius <= kxGeTolerance)
+            return;
+        const KxGeVector3d toFirst = plane.toPlane(p - centre);
+        const KxGeVector3d out = plane.toPlane(outward);
+        const double firstAngle = std::atan2(toFirst.y, toFirst.x);
+        const double sweep = std::remainder(std::atan2(out.y, out.x) - firstAngle, kTurn);
+        addPlaneArc(pieces, plane, centre, radius, firstAngle, sweep < 0 ? -std::numbers::pi : std::numbers::pi);
+    };
+    const auto caps = [&](int v, bool line, bool outer, bool inner, const KxGeVector3d& outward) {
+        if (line)
+            across(v);
+        if (outer)
+            arcPair(v, 0, last, outward);
+        for (std::size_t k = 1; inner && k < elements / 2; ++k)
+            arcPair(v, k, last - k, outward);
+    };
+    if (style->showMiters()) {
+        for (int v = closed ? 0 : 1; v < (closed ? n : n - 1); ++v)
+            across(v);
+    }
+    if (!closed && !mline.supressStartCaps())
+        caps(0, style->startSquareCap(), style->startRoundCap(), style->startInnerArcs(), -mline.axisAt(0));
+    if (!closed && !mline.supressEndCaps())
+        caps(n - 1, style->endSquareCap(), style->endRoundCap(), style->endInnerArcs(), mline.axisAt(n - 1));
 }
 
 void addToBox(Box& box, bool& empty, const KxGePoint3d& p)
@@ -114,37 +181,116 @@ void addToBox(Box& box, bool& empty, const KxGePoint3d& p)
     box.maxY = std::max(box.maxY, p.y);
 }
 
+bool inside(const Box& box, const KxGePoint3d& p)
+{
+    return p.x >= box.minX && p.x <= box.maxX && p.y >= box.minY && p.y <= box.maxY;
+}
+
+// Whether the segment meets the box (Liang-Barsky clipping).
+bool segmentMeets(const PlanSegment& s, const Box& box)
+{
+    const double dx = s.to.x - s.from.x;
+    const double dy = s.to.y - s.from.y;
+    double enter = 0;
+    double leave = 1;
+    const std::array<std::pair<double, double>, 4> sides{{
+        {-dx, s.from.x - box.minX}, {dx, box.maxX - s.from.x}, {-dy, s.from.y - box.minY}, {dy, box.maxY - s.from.y}}};
+    for (const auto& [p, q] : sides) {
+        if (p == 0) {
+            if (q < 0)
+                return false;
+            continue;
+        }
+        const double t = q / p;
+        if (p < 0)
+            enter = std::max(enter, t);
+        else
+            leave = std::min(leave, t);
+        if (enter > leave)
+            return false;
+    }
+    return true;
+}
+
+// Whether the arc meets the box: an end inside it, or a crossing of an edge.
+bool arcMeets(const PlanArc& arc, const Box& box)
+{
+    if (inside(box, arcPoint(arc, arc.start)) || inside(box, arcPoint(arc, arc.start + arc.sweep)))
+        return true;
+    const auto crossesAt = [&](double x, double y) {
+        return inside(box, {x, y}) && onArc(arc, std::atan2(y - arc.centre.y, x - arc.centre.x));
+    };
+    // Where an edge's line (x = edge when vertical, else y = edge) meets the
+    // circle: the centre's other coordinate plus or minus h.
+    const auto edgeCrossed = [&](double edge, bool vertical) {
+        const double d = edge - (vertical ? arc.centre.x : arc.centre.y);
+        const double h2 = arc.radius * arc.radius - d * d;
+        if (h2 < 0)
+            return false;
+        const double h = std::sqrt(h2);
+        const double across = vertical ? arc.centre.y : arc.centre.x;
+        return vertical ? crossesAt(edge, across + h) || crossesAt(edge, across - h)
+                        : crossesAt(across + h, edge) || crossesAt(across - h, edge);
+    };
+    return edgeCrossed(box.minX, true) || edgeCrossed(box.maxX, true) || edgeCrossed(box.minY, false)
+        || edgeCrossed(box.maxY, false);
+}
+
 }  // namespace
+
+void collectPlanPieces(const KxDbEntity& entity, PlanPieces& pieces)
+{
+    pieces.segments.clear();
+    pieces.arcs.clear();
+    if (const auto* line = KxDbLine::cast(&entity)) {
+        pieces.segments.push_back({line->startPoint(), line->endPoint()});
+    } else if (const auto* arc = KxDbArc::cast(&entity)) {
+        addPlaneArc(pieces, EntityPlane(arc->normal()), arc->center(), arc->radius(), arc->startAngle(),
+                    arcSweep(arc->startAngle(), arc->endAngle()));
+    } else if (const auto* circle = KxDbCircle::cast(&entity)) {
+        addPlaneArc(pieces, EntityPlane(circle->normal()), circle->center(), circle->radius(), 0, kTurn);
+    } else if (const auto* polyline = KxDbPolyline::cast(&entity)) {
+        collectPolyline(*polyline, pieces);
+    } else if (const auto* mline = KxDbMline::cast(&entity)) {
+        collectMline(*mline, pieces);
+    }
+}
 
 double pickDistance(const KxDbEntity& entity, const KxGePoint3d& worldPoint)
 {
-    if (const auto* line = KxDbLine::cast(&entity))
-        return segmentDistanceXY(worldPoint, line->startPoint(), line->endPoint());
-    if (const auto* arc = KxDbArc::cast(&entity))
-        return arcDistance(*arc, worldPoint);
-    if (const auto* mline = KxDbMline::cast(&entity))
-        return mlineDistance(*mline, worldPoint);
-    return kNothing;
+    PlanPieces pieces;
+    collectPlanPieces(entity, pieces);
+    double best = kNothing;
+    for (const PlanSegment& s : pieces.segments)
+        best = std::min(best, segmentDistanceXY(worldPoint, s.from, s.to));
+    for (const PlanArc& a : pieces.arcs)
+        best = std::min(best, arcDistance(a, worldPoint));
+    return best;
 }
 
 bool pickExtents(const KxDbEntity& entity, Box& box)
 {
+    PlanPieces pieces;
+    collectPlanPieces(entity, pieces);
     bool empty = true;
-    if (const auto* line = KxDbLine::cast(&entity)) {
-        addToBox(box, empty, line->startPoint());
-        addToBox(box, empty, line->endPoint());
-    } else if (const auto* arc = KxDbArc::cast(&entity)) {
-        // The sphere round the arc's circle holds it in any plane.
-        const KxGeVector3d reach(arc->radius(), arc->radius(), 0);
-        addToBox(box, empty, arc->center() - reach);
-        addToBox(box, empty, arc->center() + reach);
-    } else if (const auto* mline = KxDbMline::cast(&entity)) {
-        forEachRun(*mline, [&](const KxGePoint3d& a, const KxGePoint3d& b) {
-            addToBox(box, empty, a);
-            addToBox(box, empty, b);
-        });
+    for (const PlanSegment& s : pieces.segments) {
+        addToBox(box, empty, s.from);
+        addToBox(box, empty, s.to);
+    }
+    for (const PlanArc& a : pieces.arcs) {
+        addToBox(box, empty, arcPoint(a, a.start));
+        addToBox(box, empty, arcPoint(a, a.start + a.sweep));
+        for (int quarter = 0; quarter < 4; ++quarter)
+            if (onArc(a, quarter * std::numbers::pi / 2))
+                addToBox(box, empty, arcPoint(a, quarter * std::numbers::pi / 2));
     }
     return !empty;
+}
+
+bool meetsWindow(const PlanPieces& pieces, const Box& window)
+{
+    return std::ranges::any_of(pieces.segments, [&](const PlanSegment& s) { return segmentMeets(s, window); })
+        || std::ranges::any_of(pieces.arcs, [&](const PlanArc& a) { return arcMeets(a, window); });
 }
 
 }  // namespace kaldo

@@ -39,16 +39,35 @@ void Editor::showTextScreen()
         textScreenListener_();
 }
 
-void Editor::dragged(const KxDbEntity* entity)
+void Editor::dragged(std::span<const KxDbEntity* const> entities)
 {
     if (dragListener_)
-        dragListener_(entity);
+        dragListener_(entities);
+}
+
+bool Editor::ranTransparent(std::wstring_view text)
+{
+    text = trimmed(text);
+    return text.size() > 1 && text.front() == L'\'' && transparentHandler_ && transparentHandler_(text.substr(1));
 }
 
 void Editor::announce(const InputRequest& request) const
 {
     if (requestListener_)
         requestListener_(request);
+}
+
+std::optional<double> Editor::typedNumber(std::wstring_view text, DragNumbers numbers) const
+{
+    if (numbers == DragNumbers::Real)
+        return parseReal(text);
+    if (numbers != DragNumbers::Angle)
+        return std::nullopt;
+    const AngleConvention angles = angleConvention();
+    const auto angle = parseAngle(text, angles.unit);
+    if (!angle)
+        return std::nullopt;
+    return angles.clockwise ? -*angle : *angle;
 }
 
 std::wstring Editor::typedCoordinates(const KxGePoint3d& world) const
@@ -144,6 +163,10 @@ int Editor::ask(std::wstring_view prompt, int flags, const InputRequest& request
     while (true) {
         // An entity pick follows the cursor, to show what a click would take.
         const InputEvent event = next(request.kind == InputRequest::Kind::Entity);
+        if (event.kind == InputEvent::Kind::Text && ranTransparent(event.text)) {
+            write(prompt);
+            continue;
+        }
         const bool empty = event.kind == InputEvent::Kind::Enter
             || (event.kind == InputEvent::Kind::Text && trimmed(event.text).empty());
         if (event.kind == InputEvent::Kind::Cancel || event.kind == InputEvent::Kind::EndOfInput)
@@ -175,13 +198,30 @@ bool Editor::takeKeyword(const Controls& controls, std::wstring_view text)
 int Editor::getCommand(std::wstring& word)
 {
     clearControls();
-    redraw(nullptr, 4);
+    // The selection made here for the next command stays highlighted, as
+    // its entities are now.
+    const auto showImplied = [this] {
+        redraw(nullptr, 4);
+        implied_ = implied_.withoutErased();
+        highlight(implied_.ids(), 3);
+    };
+    showImplied();
     const std::wstring_view prompt = L"\nCommand: ";
     write(prompt);
     announce({});
     while (true) {
         const InputEvent event = next();
         switch (event.kind) {
+        case InputEvent::Kind::Point:
+            // A pick on a grip drags it; elsewhere it selects for the next
+            // command (noun first, then verb), or with Shift takes out.
+            if (!event.removing && ranGripDrag(event.point))
+                showImplied();
+            else
+                selectForNextCommand(event.point, event.removing);
+            write(prompt);
+            announce({});
+            break;
         case InputEvent::Kind::Text: {
             const std::wstring_view text = trimmed(event.text);
             if (text.empty())
@@ -193,7 +233,9 @@ int Editor::getCommand(std::wstring& word)
             return RTNORM;
         }
         case InputEvent::Kind::Enter: return RTNONE;
-        case InputEvent::Kind::Cancel: return RTCAN;
+        case InputEvent::Kind::Cancel:
+            clearImpliedSelection();
+            return RTCAN;
         case InputEvent::Kind::EndOfInput: return kEndOfInput;
         default: write(prompt); break;
         }
@@ -307,7 +349,7 @@ int Editor::lastKeyword(std::wstring& out) const
 }
 
 Editor::DragInput Editor::readDragInput(std::wstring_view prompt, bool writePrompt, std::wstring_view keywords,
-                                        bool acceptEnter, const KxGePoint3d* worldBase)
+                                        bool acceptEnter, const KxGePoint3d* worldBase, DragNumbers numbers)
 {
     const std::vector<Keyword> list = parseKeywordList(keywords);
     const Ucs ucs = currentUcs();
@@ -326,6 +368,12 @@ Editor::DragInput Editor::readDragInput(std::wstring_view prompt, bool writeProm
         default: break;
         }
         const std::wstring_view text = trimmed(event.text);
+        if (ranTransparent(text)) {
+            write(prompt);
+            continue;
+        }
+        if (const auto number = typedNumber(text, numbers))
+            return {DragInput::Kind::Number, {}, 0, *number};
         if (text.empty()) {
             if (acceptEnter)
                 return {DragInput::Kind::Enter, {}};

@@ -13,6 +13,7 @@
 #include "kaldo/ed/Keywords.h"
 #include "kaldo/ed/PickIndex.h"
 #include "kaldo/ed/PointInput.h"
+#include "kaldo/ed/SelectionSet.h"
 #include "kaldo/ed/SystemVariables.h"
 #include "kaldo/ed/View.h"
 #include "kxdbid.h"
@@ -22,6 +23,7 @@
 #include <utility>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,8 +37,16 @@ public:
     using TranscriptSink = std::function<void(std::wstring_view)>;
     // Called for kxedRedraw: the entity (null for everything) and the mode.
     using RedrawListener = std::function<void(const std::int64_t* entity, int mode)>;
-    // Called while a drag moves its entity with the cursor.
-    using DragListener = std::function<void(const KxDbEntity* entity)>;
+    // Called while a drag moves its entities with the cursor: they show
+    // where the drag would put them.
+    using DragListener = std::function<void(std::span<const KxDbEntity* const> entities)>;
+    // Runs a transparent command typed with a leading apostrophe ("'HELP")
+    // at any prompt; false when name is none (the text is then an answer).
+    using TransparentHandler = std::function<bool(std::wstring_view name)>;
+    // Runs a grip drag: a point given at the command prompt on a grip of
+    // the implied selection, the grip being the entity's stretch point at
+    // index, at world point grip.
+    using GripHandler = std::function<void(const KxDbObjectId& entity, int index, const KxGePoint3d& grip)>;
     // Called for kxedTextScr: a window shows its larger text window.
     using TextScreenListener = std::function<void()>;
     // Called while an entity pick waits, with the entity a click at the
@@ -52,6 +62,9 @@ public:
         bool acceptBlanks = false;  // a blank is part of the answer
         std::vector<Keyword> keywords;
         bool corner = false;  // the rubber band is the box from base to the cursor
+        // The box is a selection window: to the right of base a window, to
+        // the left a crossing.
+        bool selectionWindow = false;
     };
     using RequestListener = std::function<void(const InputRequest&)>;
 
@@ -75,7 +88,13 @@ public:
     void setRedrawListener(RedrawListener listener) { redrawListener_ = std::move(listener); }
     void redraw(const std::int64_t* entity, int mode);
     void setDragListener(DragListener listener) { dragListener_ = std::move(listener); }
-    void dragged(const KxDbEntity* entity);
+    void dragged(std::span<const KxDbEntity* const> entities);
+    void setTransparentHandler(TransparentHandler handler) { transparentHandler_ = std::move(handler); }
+    void setGripHandler(GripHandler handler) { gripHandler_ = std::move(handler); }
+    // The global name of the command that runs (empty at the command
+    // prompt), for help about it.
+    void setRunningCommand(std::wstring name) { runningCommand_ = std::move(name); }
+    const std::wstring& runningCommand() const { return runningCommand_; }
     void setRequestListener(RequestListener listener) { requestListener_ = std::move(listener); }
     void setTextScreenListener(TextScreenListener listener) { textScreenListener_ = std::move(listener); }
     void setHoverListener(HoverListener listener) { hoverListener_ = std::move(listener); }
@@ -112,16 +131,43 @@ public:
     // waits goes to the hover listener.
     int entSel(std::wstring_view prompt, std::int64_t name[2], KxGePoint3d& point);
 
+    // "Select objects:" until Enter: a point picks the entity within the
+    // pick box there, or when there is none starts a window whose opposite
+    // corner to the right makes it a window (what lies wholly inside), to
+    // the left a crossing (what it crosses too); Window and Crossing ask for
+    // two corners, Last takes the last entity of the current space,
+    // Previous the previous selection, Remove and Add switch between taking
+    // out and adding. Each step says how many it found. Entities in the set
+    // are highlighted. An implied selection is taken instead, without a
+    // prompt. RTNORM (the set may be empty) or RTCAN; the set becomes the
+    // previous selection.
+    int selectObjects(SelectionSet& set);
+    // A selection made before a command (a window's picks): the next
+    // selectObjects takes it.
+    void setImpliedSelection(SelectionSet set) { implied_ = std::move(set); }
+    // Adds to the implied selection what a point picks at the command
+    // prompt (or the window it starts), highlighted; removing takes it out.
+    void selectForNextCommand(const KxGePoint3d& picked, bool removing = false);
+    // Empties the implied selection and takes its highlight away.
+    void clearImpliedSelection();
+    const SelectionSet& impliedSelection() const { return implied_; }
+    const SelectionSet& previousSelection() const { return previous_; }
+
     // One response for a drag: a point (world), a keyword or an end. The
     // drag gives its keyword list and whether Enter ends it; the prompt is
     // written when writePrompt is true and again after invalid input.
+    // With numbers, typed text that is a number (Real) or an angle in the
+    // angular units (Angle: radians, counter-clockwise unless ANGDIR says
+    // clockwise) comes as a Number.
     struct DragInput {
-        enum class Kind { Point, Motion, Keyword, Enter, Cancel } kind = Kind::Cancel;
+        enum class Kind { Point, Motion, Keyword, Enter, Cancel, Number } kind = Kind::Cancel;
         KxGePoint3d world;
         int keyword = 0;  // 1-based position in the list
+        double number = 0;
     };
+    enum class DragNumbers { None, Real, Angle };
     DragInput readDragInput(std::wstring_view prompt, bool writePrompt, std::wstring_view keywords,
-                            bool acceptEnter, const KxGePoint3d* worldBase);
+                            bool acceptEnter, const KxGePoint3d* worldBase, DragNumbers numbers = DragNumbers::None);
 
     SystemVariables& variables() { return variables_; }
     View& view() { return view_; }
@@ -155,6 +201,37 @@ private:
     void announce(const InputRequest& request) const;
     // Writes message on a line of its own, then prompt again.
     void complain(std::wstring_view message, std::wstring_view prompt);
+    // The number typed text stands for, when numbers are read.
+    std::optional<double> typedNumber(std::wstring_view text, DragNumbers numbers) const;
+    // Whether text runs a transparent command; the prompt then stands again.
+    bool ranTransparent(std::wstring_view text);
+    // A point in world coordinates, typed (in user coordinates) or picked;
+    // with corner, the opposite corner of a window from it (relative input
+    // from it).
+    int getWorldPoint(std::wstring_view prompt, const KxGePoint3d* corner, KxGePoint3d& world);
+    // One step of selectObjects: what it found (to take out of the set for
+    // a pick with Shift held), or nothing for Enter.
+    enum class StepResult { Found, FoundToRemove, Switched, Ended, Cancelled };
+    StepResult selectionStep(bool removing, std::vector<KxDbObjectId>& found, SelectionSet& set);
+    // What a point picks, or when it hits nothing the window it starts.
+    StepResult pickedAt(const KxGePoint3d& picked, std::vector<KxDbObjectId>& found, SelectionSet& set);
+    // The window from first to an opposite corner asked for: a crossing or
+    // not as given, else by the side the corner lies on.
+    StepResult windowFrom(const KxGePoint3d& first, std::optional<bool> crossing, std::vector<KxDbObjectId>& found,
+                          SelectionSet& set);
+    // Hands a point at the command prompt that lies on a grip of the
+    // implied selection (within the pick box) to the grip handler; false
+    // when it lies on none.
+    bool ranGripDrag(const KxGePoint3d& world);
+    // Adds found to set, highlighted; how many were not in it yet.
+    std::size_t addToSelection(SelectionSet& set, std::span<const KxDbObjectId> found);
+    // Takes found out of set, unhighlighted; how many were in it.
+    std::size_t removeFromSelection(SelectionSet& set, std::span<const KxDbObjectId> found);
+    // kxedRedraw of each entity with mode.
+    void highlight(std::span<const KxDbObjectId> ids, int mode);
+    // What lies in the window between two world corners: inside, or also
+    // what crosses its edges.
+    std::vector<KxDbObjectId> windowed(const KxGePoint3d& a, const KxGePoint3d& b, bool crossing, SelectionSet& set);
     // Whether text selects a keyword of controls (or RSG_OTHER takes any
     // text); remembers it for lastKeyword.
     bool takeKeyword(const Controls& controls, std::wstring_view text);
@@ -165,6 +242,9 @@ private:
     bool atLineStart_ = true;
     RedrawListener redrawListener_;
     DragListener dragListener_;
+    TransparentHandler transparentHandler_;
+    GripHandler gripHandler_;
+    std::wstring runningCommand_;
     RequestListener requestListener_;
     TextScreenListener textScreenListener_;
     HoverListener hoverListener_;
@@ -173,6 +253,8 @@ private:
     SystemVariables variables_;
     View view_;
     PickIndex pickIndex_;
+    SelectionSet implied_;
+    SelectionSet previous_;
 };
 
 // The host's editor, or null outside a session.

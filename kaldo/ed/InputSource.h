@@ -20,7 +20,7 @@ namespace kaldo {
 struct InputEvent {
     enum class Kind {
         Text,        // a line typed by the user (text holds it, without line end)
-        Point,       // a point picked in the window (point, world coordinates)
+        Point,       // a point picked in the window (point, world coordinates; removing with Shift held)
         Motion,      // the cursor moved (point, world coordinates); drags and entity picks use it
         Enter,       // an empty response
         Cancel,      // the user cancelled (^C, Escape); text may say why
@@ -29,9 +29,12 @@ struct InputEvent {
     Kind kind = Kind::EndOfInput;
     std::wstring text;
     KxGePoint3d point;
+    // A pick that takes what it picks out of the selection instead of
+    // adding it.
+    bool removing = false;
 
     static InputEvent typed(std::wstring text) { return {Kind::Text, std::move(text), {}}; }
-    static InputEvent picked(const KxGePoint3d& p) { return {Kind::Point, {}, p}; }
+    static InputEvent picked(const KxGePoint3d& p, bool removing = false) { return {Kind::Point, {}, p, removing}; }
     static InputEvent moved(const KxGePoint3d& p) { return {Kind::Motion, {}, p}; }
     static InputEvent enter() { return {Kind::Enter, {}, {}}; }
     static InputEvent cancel(std::wstring why = {}) { return {Kind::Cancel, std::move(why), {}}; }

@@ -17,7 +17,8 @@ KxEdJig::DragStatus KxEdJig::drag()
         update();
         if (!m_moving)
             return kNormal;
-        kaldo::currentEditor()->dragged(entity());
+        const KxDbEntity* const shown = entity();
+        kaldo::currentEditor()->dragged(std::span(&shown, 1));
     }
 }
 

@@ -8,12 +8,27 @@
 
 namespace kaldo {
 
+namespace {
+
+bool within(const Box& box, const Box& window)
+{
+    return box.minX >= window.minX && box.maxX <= window.maxX && box.minY >= window.minY && box.maxY <= window.maxY;
+}
+
+}  // namespace
+
+void PickIndex::refresh(const KxDbDatabase& db)
+{
+    if (db.currentSpaceId() != m_space || db.changeCount() != m_changes)
+        rebuild(db);
+}
+
 void PickIndex::rebuild(const KxDbDatabase& db)
 {
     m_space = db.currentSpaceId();
     m_changes = db.changeCount();
     m_ids.clear();
-    std::vector<Box> boxes;
+    m_boxes.clear();
     KxDbObjectPtr<KxDbBlockTableRecord> space(m_space, KxDb::kForRead);
     if (space) {
         const auto it = space->newIterator();
@@ -22,24 +37,27 @@ void PickIndex::rebuild(const KxDbDatabase& db)
             Box box;
             if (entity && pickExtents(*entity, box)) {
                 m_ids.push_back(entity->objectId());
-                boxes.push_back(box);
+                m_boxes.push_back(box);
             }
         }
     }
-    m_index = BoxIndex(boxes);
+    m_index = BoxIndex(m_boxes);
+}
+
+std::vector<std::uint32_t> PickIndex::near(const Box& window) const
+{
+    std::vector<std::uint32_t> items;
+    m_index.query(window, [&](std::uint32_t item) { items.push_back(item); });
+    std::sort(items.begin(), items.end());
+    return items;
 }
 
 KxDbObjectId PickIndex::nearest(const KxDbDatabase& db, const KxGePoint3d& world, double tolerance)
 {
-    if (db.currentSpaceId() != m_space || db.changeCount() != m_changes)
-        rebuild(db);
-    std::vector<std::uint32_t> near;
-    m_index.query({world.x - tolerance, world.y - tolerance, world.x + tolerance, world.y + tolerance},
-                  [&](std::uint32_t item) { near.push_back(item); });
-    std::sort(near.begin(), near.end());
+    refresh(db);
     KxDbObjectId best;
     double bestDistance = std::numeric_limits<double>::infinity();
-    for (const std::uint32_t item : near) {
+    for (const std::uint32_t item : near({world.x - tolerance, world.y - tolerance, world.x + tolerance, world.y + tolerance})) {
         KxDbObjectPtr<KxDbEntity> entity(m_ids[item], KxDb::kForRead);
         if (!entity)
             continue;
@@ -50,6 +68,35 @@ KxDbObjectId PickIndex::nearest(const KxDbDatabase& db, const KxGePoint3d& world
         }
     }
     return best;
+}
+
+std::vector<KxDbObjectId> PickIndex::inside(const KxDbDatabase& db, const Box& window)
+{
+    refresh(db);
+    std::vector<KxDbObjectId> found;
+    for (const std::uint32_t item : near(window))
+        if (within(m_boxes[item], window))
+            found.push_back(m_ids[item]);
+    return found;
+}
+
+std::vector<KxDbObjectId> PickIndex::crossing(const KxDbDatabase& db, const Box& window)
+{
+    refresh(db);
+    std::vector<KxDbObjectId> found;
+    PlanPieces pieces;
+    for (const std::uint32_t item : near(window)) {
+        if (!within(m_boxes[item], window)) {
+            KxDbObjectPtr<KxDbEntity> entity(m_ids[item], KxDb::kForRead);
+            if (!entity)
+                continue;
+            collectPlanPieces(*entity, pieces);
+            if (!meetsWindow(pieces, window))
+                continue;
+        }
+        found.push_back(m_ids[item]);
+    }
+    return found;
 }
 
 }  // namespace kaldo

@@ -1,6 +1,7 @@
-// The entities of a drawing's current space with an index over their pick
-// boxes, so that a pick looks at the few entities near the point. It is
-// rebuilt at the first pick after the drawing changed.
+// The entities of a drawing's current space with an index over the boxes
+// of what they draw in plan, so that a pick or a selection window looks at
+// the few entities near it. It is rebuilt at the first use after the
+// drawing changed.
 #pragma once
 
 #include "kaldo/util/BoxIndex.h"
@@ -20,13 +21,23 @@ public:
     // within tolerance, the first in the space's order among equally near
     // ones; null when there is none.
     KxDbObjectId nearest(const KxDbDatabase& db, const KxGePoint3d& world, double tolerance);
+    // The entities of the current space that lie wholly inside window, in
+    // the space's order.
+    std::vector<KxDbObjectId> inside(const KxDbDatabase& db, const Box& window);
+    // The entities of the current space that lie inside window or cross
+    // its edges, in the space's order.
+    std::vector<KxDbObjectId> crossing(const KxDbDatabase& db, const Box& window);
 
 private:
+    void refresh(const KxDbDatabase& db);
     void rebuild(const KxDbDatabase& db);
+    // The items whose boxes meet window, in the space's order.
+    std::vector<std::uint32_t> near(const Box& window) const;
 
     KxDbObjectId m_space;  // ids are never reused, so this names the drawing too
     std::uint64_t m_changes = 0;
     std::vector<KxDbObjectId> m_ids;  // in the space's order
+    std::vector<Box> m_boxes;         // of m_ids
     BoxIndex m_index;
 };
 

@@ -47,10 +47,26 @@ Kald::ErrorStatus KxEdCommandStack::addCommand(const wchar_t* group, const wchar
         it = groups_.end() - 1;
     }
     it->commands.push_back(KxEdCommand{group, globalName, localName, flags, handler, uiContext,
-                                       functionCode, resourceHandle});
+                                       functionCode, resourceHandle, {}});
     if (created)
         *created = &it->commands.back();
     return Kald::eOk;
+}
+
+Kald::ErrorStatus KxEdCommandStack::setDescription(const wchar_t* group, const wchar_t* globalName,
+                                                  const wchar_t* description)
+{
+    for (KxEdCommandGroup& g : groups_) {
+        if (!group || g.name != group)
+            continue;
+        for (KxEdCommand& c : g.commands) {
+            if (globalName && sameName(c.globalName, globalName)) {
+                c.description = description ? description : L"";
+                return Kald::eOk;
+            }
+        }
+    }
+    return Kald::eKeyNotFound;
 }
 
 Kald::ErrorStatus KxEdCommandStack::removeGroup(const wchar_t* group)

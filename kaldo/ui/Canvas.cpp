@@ -13,6 +13,7 @@
 #include <numbers>
 #include <span>
 #include <thread>
+#include <utility>
 
 namespace kaldo::ui {
 
@@ -30,6 +31,12 @@ const QColor kHighlight(80, 160, 255);
 const QColor kHover(150, 220, 255);
 const QColor kCursor(220, 220, 220);
 const QColor kSnapMark(255, 200, 0);
+const QColor kWindow(80, 120, 255);
+const QColor kCrossing(80, 200, 120);
+const QColor kGrip(40, 90, 255);
+// A button released this many pixels or more from where it was pressed
+// ends a dragged selection window there.
+constexpr double kDragPixels = 4;
 
 using Kind = Editor::InputRequest::Kind;
 
@@ -128,9 +135,11 @@ void Canvas::showDragScene(std::shared_ptr<const view::Scene> scene)
     update();
 }
 
-void Canvas::showHighlight(std::shared_ptr<const view::Scene> scene)
+void Canvas::showHighlight(std::shared_ptr<const view::Scene> scene,
+                           std::shared_ptr<const std::vector<view::Point2>> grips)
 {
     highlight_ = std::move(scene);
+    grips_ = std::move(grips);
     update();
 }
 
@@ -143,6 +152,11 @@ void Canvas::showHover(std::shared_ptr<const view::Scene> scene)
 void Canvas::setInputState(const InputState& state)
 {
     input_ = state;
+    // A drag released before the command line asked for the opposite
+    // corner gives it now.
+    if (input_.selectionWindow && releasedAt_)
+        emit pointPicked(pointAt(*std::exchange(releasedAt_, std::nullopt)));
+    releasedAt_.reset();
     aim();
     // A pick shows what it would take before the cursor moves.
     if (input_.kind == Kind::Entity && cursor_)
@@ -161,12 +175,17 @@ bool Canvas::wantsPoint() const
     return input_.kind == Kind::Point || input_.kind == Kind::Drag;
 }
 
+bool Canvas::picksObjects() const
+{
+    return input_.kind == Kind::Entity || input_.kind == Kind::Command;
+}
+
 view::Point2 Canvas::pointAt(const QPointF& pixel, std::optional<Snap>* snap) const
 {
     const view::Point2 raw = worldAt(placement_, pixel);
     if (snap)
         snap->reset();
-    if (!wantsPoint())
+    if (!wantsPoint() || input_.selectionWindow)
         return raw;
     if (snapsOn_ && drawing_.snaps) {
         const auto found =
@@ -291,12 +310,32 @@ void Canvas::paintOverlays(QPainter& painter)
         painter.setBrush(Qt::NoBrush);
         strokeScene(painter, *hover_, placement_);
     }
+    if (grips_ && input_.kind == Kind::Command) {
+        // A grip is as large as the pick box that takes it.
+        const double half = input_.pickbox;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(kGrip);
+        for (const view::Point2& grip : *grips_) {
+            const QPointF at = pixelAt(placement_, grip);
+            painter.drawRect(QRectF(at.x() - half, at.y() - half, 2 * half, 2 * half));
+        }
+    }
     if (dragScene_ && input_.kind == Kind::Drag)
         view::paintScene(painter, *dragScene_, frameOf(placement_), kBackground, 0, height());
     if (!cursor_)
         return;
     const QPointF at = pixelAt(placement_, aim_);
-    if (input_.kind == Kind::Point && input_.hasBase) {
+    if (input_.selectionWindow && input_.hasBase) {
+        // A window (to the right of its first corner) is drawn solid, a
+        // crossing (to the left) dashed.
+        const bool crossing = aim_.x < input_.base.x;
+        const QColor& colour = crossing ? kCrossing : kWindow;
+        painter.setPen(QPen(colour, 1, crossing ? Qt::DashLine : Qt::SolidLine));
+        QColor fill = colour;
+        fill.setAlpha(40);
+        painter.setBrush(fill);
+        painter.drawRect(QRectF(pixelAt(placement_, input_.base), at).normalized());
+    } else if (input_.kind == Kind::Point && input_.hasBase) {
         painter.setPen(QPen(kCursor, 1, Qt::DashLine));
         painter.setBrush(Qt::NoBrush);
         const QPointF base = pixelAt(placement_, input_.base);
@@ -339,14 +378,27 @@ void Canvas::mousePressEvent(QMouseEvent* event)
     }
     if (event->button() != Qt::LeftButton)
         return;
-    if (wantsPoint() || input_.kind == Kind::Entity)
-        emit pointPicked(pointAt(event->position()));
+    // A press that picks objects may start a selection window, which its
+    // release ends when the mouse moved.
+    pressedAt_ = picksObjects() ? std::optional(event->position()) : std::nullopt;
+    releasedAt_.reset();
+    if (wantsPoint() || picksObjects())
+        emit pointPicked(pointAt(event->position()), picksObjects() && event->modifiers().testFlag(Qt::ShiftModifier));
 }
 
 void Canvas::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::MiddleButton)
         panFrom_.reset();
+    if (event->button() != Qt::LeftButton || !pressedAt_)
+        return;
+    const QPointF delta = event->position() - *std::exchange(pressedAt_, std::nullopt);
+    if (std::hypot(delta.x(), delta.y()) < kDragPixels)
+        return;
+    if (input_.selectionWindow)
+        emit pointPicked(pointAt(event->position()));
+    else
+        releasedAt_ = event->position();
 }
 
 void Canvas::mouseMoveEvent(QMouseEvent* event)

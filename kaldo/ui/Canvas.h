@@ -6,7 +6,13 @@
 // double click shows everything. Left clicks give points: snapped and
 // ortho-constrained where the command line asks for a point. While an
 // entity pick waits, the cursor's motion goes to the command thread, which
-// answers with the entity under it.
+// answers with the entity under it. Where it picks objects (and at the
+// command prompt, selecting for the next command), a click on empty ground
+// starts a selection window, drawn solid to the right (window) and dashed
+// to the left (crossing), which a second click or the release of a drag
+// ends; with Shift held what the click or window takes leaves the
+// selection. At the command prompt the selected entities show their grips
+// (stretch points); a click on one drags it (the command thread decides).
 #pragma once
 
 #include "kaldo/ed/View.h"
@@ -32,7 +38,9 @@ public:
     void setPlacement(const ViewPlacement& placement);
     void showDrawing(const PublishedDrawing& drawing);
     void showDragScene(std::shared_ptr<const view::Scene> scene);
-    void showHighlight(std::shared_ptr<const view::Scene> scene);
+    // The highlighted entities; their grips show at the command prompt.
+    void showHighlight(std::shared_ptr<const view::Scene> scene,
+                       std::shared_ptr<const std::vector<view::Point2>> grips);
     // The entity an entity pick would take at the cursor (null for none).
     void showHover(std::shared_ptr<const view::Scene> scene);
     void setInputState(const InputState& state);
@@ -49,7 +57,9 @@ public:
     view::Point2 pointAt(const QPointF& pixel, std::optional<Snap>* snap = nullptr) const;
 
 signals:
-    void pointPicked(const kaldo::view::Point2& world);
+    // A click's point; removing when it picks objects with Shift held,
+    // taking them out of the selection.
+    void pointPicked(const kaldo::view::Point2& world, bool removing = false);
     void cursorMoved(const kaldo::view::Point2& world);
     // The cursor's drawing point as it is, for the status bar.
     void cursorAt(const kaldo::view::Point2& world);
@@ -76,6 +86,10 @@ private:
                       const std::optional<QPoint>& shift);
     void reportFailure(const std::exception_ptr& failure);
     bool wantsPoint() const;
+    // Whether a click picks objects (or starts a selection window): at
+    // "Select objects:" and at the command prompt, which selects for the
+    // next command.
+    bool picksObjects() const;
     void paintOverlays(QPainter& painter);
     // Works out where the cursor aims (snapped, constrained) after it or
     // what it aims at changed.
@@ -91,6 +105,7 @@ private:
     const view::Scene* failedScene_ = nullptr;  // the scene whose failure was said
     std::shared_ptr<const view::Scene> dragScene_;
     std::shared_ptr<const view::Scene> highlight_;
+    std::shared_ptr<const std::vector<view::Point2>> grips_;
     std::shared_ptr<const view::Scene> hover_;
     InputState input_;
     bool snapsOn_ = true;
@@ -99,6 +114,8 @@ private:
     view::Point2 aim_;
     std::optional<Snap> aimSnap_;
     std::optional<QPointF> panFrom_;
+    std::optional<QPointF> pressedAt_;   // a left press that picked objects
+    std::optional<QPointF> releasedAt_;  // its release, a drag away
 };
 
 }  // namespace kaldo::ui

@@ -8,7 +8,9 @@
 #include "kxstring.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
+#include <utility>
 
 namespace kaldo::ui {
 
@@ -23,7 +25,7 @@ CommandRunner::CommandRunner(Session& session) : session_(session)
     });
     editor.setRequestListener([this](const Editor::InputRequest& request) { requested(request); });
     editor.setRedrawListener([this](const std::int64_t* entity, int mode) { redrawn(entity, mode); });
-    editor.setDragListener([this](const KxDbEntity* entity) { dragged(entity); });
+    editor.setDragListener([this](std::span<const KxDbEntity* const> entities) { dragged(entities); });
     editor.setTextScreenListener([this] { emitOnGui([this] { emit textScreenRequested(); }); });
     editor.setHoverListener([this](const KxDbObjectId& entity) { hovered(entity); });
     editor.view().setListener([this](const ViewPlacement& placement) {
@@ -101,6 +103,8 @@ void CommandRunner::runPromptWork()
 
 void CommandRunner::publishIfChanged()
 {
+    if (std::exchange(highlightStale_, false))
+        publishHighlight();
     const KxDbDatabase& db = session_.database();
     const bool redraw = !published_.valid || published_.database != &db
         || published_.serial != session_.drawingSerial() || published_.changes != db.changeCount();
@@ -157,6 +161,7 @@ void CommandRunner::requested(const Editor::InputRequest& request)
     state.base = {request.base.x, request.base.y};
     state.corner = request.corner;
     state.acceptBlanks = request.acceptBlanks;
+    state.selectionWindow = request.selectionWindow;
     for (const Keyword& keyword : request.keywords)
         if (!keyword.local.empty())
             state.keywords << QString::fromStdWString(keyword.local);
@@ -180,29 +185,43 @@ void CommandRunner::redrawn(const std::int64_t* entity, int mode)
     KxDbObjectId id;
     if (entity && kxdbGetObjectId(id, entity) != Kald::eOk)
         return;
-    const auto found = std::find(highlighted_.begin(), highlighted_.end(), id);
-    if (mode == kHighlight && entity && found == highlighted_.end())
+    const bool shown = highlightedIds_.contains(id);
+    if (mode == kHighlight && entity && !shown) {
         highlighted_.push_back(id);
-    else if (mode == kUnhighlight && !entity && !highlighted_.empty())
+        highlightedIds_.insert(id);
+    } else if (mode == kUnhighlight && !entity && !highlighted_.empty()) {
         highlighted_.clear();
-    else if (mode == kUnhighlight && found != highlighted_.end())
-        highlighted_.erase(found);
-    else
+        highlightedIds_.clear();
+    } else if (mode == kUnhighlight && shown) {
+        highlighted_.erase(std::find(highlighted_.begin(), highlighted_.end(), id));
+        highlightedIds_.erase(id);
+    } else {
         return;
-    publishHighlight();
+    }
+    // Published once the command waits again: a window of many entities
+    // highlights them one by one.
+    highlightStale_ = true;
 }
 
 void CommandRunner::publishHighlight()
 {
     std::vector<KxDbObjectPtr<KxDbEntity>> opened;
     std::vector<const KxDbEntity*> entities;
+    auto grips = std::make_shared<std::vector<view::Point2>>();
+    std::vector<KxGePoint3d> points;
     for (const KxDbObjectId& id : highlighted_) {
         opened.emplace_back(id, KxDb::kForRead);
-        if (opened.back())
-            entities.push_back(opened.back().get());
+        if (!opened.back())
+            continue;
+        entities.push_back(opened.back().get());
+        points.clear();
+        opened.back()->getStretchPoints(points);
+        for (const KxGePoint3d& p : points)
+            grips->push_back({p.x, p.y});
     }
     auto scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), entities));
-    emitOnGui([this, scene] { emit highlightChanged(scene); });
+    std::shared_ptr<const std::vector<view::Point2>> shownGrips = std::move(grips);
+    emitOnGui([this, scene, shownGrips] { emit highlightChanged(scene, shownGrips); });
 }
 
 void CommandRunner::hovered(const KxDbObjectId& entity)
@@ -216,12 +235,14 @@ void CommandRunner::hovered(const KxDbObjectId& entity)
     emitOnGui([this, scene] { emit hoverChanged(scene); });
 }
 
-void CommandRunner::dragged(const KxDbEntity* entity)
+void CommandRunner::dragged(std::span<const KxDbEntity* const> entities)
 {
-    if (!entity)
+    std::vector<const KxDbEntity*> shown;
+    std::copy_if(entities.begin(), entities.end(), std::back_inserter(shown), [](const KxDbEntity* e) { return e; });
+    if (shown.empty())
         return;
     dragShown_ = true;
-    auto scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), {entity}));
+    auto scene = std::make_shared<const view::Scene>(view::renderEntities(session_.database(), shown));
     emitOnGui([this, scene] { emit dragSceneChanged(scene); });
 }
 

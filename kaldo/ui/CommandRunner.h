@@ -23,7 +23,9 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <thread>
+#include <unordered_set>
 #include <vector>
 
 class KxDbEntity;
@@ -52,7 +54,8 @@ struct InputState {
     view::Point2 base;
     bool corner = false;  // the rubber band is the box from base
     bool acceptBlanks = false;
-    QStringList keywords;  // local words
+    bool selectionWindow = false;  // the box is a selection window (see Editor::InputRequest)
+    QStringList keywords;          // local words
     int pickbox = 3;
     int linearUnits = 2;
     int linearPrecision = 4;
@@ -95,7 +98,9 @@ signals:
     void transcriptWritten(const QString& text);
     void drawingPublished(const kaldo::ui::PublishedDrawing& drawing);
     void dragSceneChanged(std::shared_ptr<const kaldo::view::Scene> scene);
-    void highlightChanged(std::shared_ptr<const kaldo::view::Scene> scene);
+    // The highlighted entities, and their grips (stretch points, world XY).
+    void highlightChanged(std::shared_ptr<const kaldo::view::Scene> scene,
+                          std::shared_ptr<const std::vector<kaldo::view::Point2>> grips);
     // The entity under the cursor while an entity pick waits; null for none.
     void hoverChanged(std::shared_ptr<const kaldo::view::Scene> scene);
     void inputRequested(const kaldo::ui::InputState& state);
@@ -117,7 +122,7 @@ private:
     void publishIfChanged();
     void requested(const Editor::InputRequest& request);
     void redrawn(const std::int64_t* entity, int mode);
-    void dragged(const KxDbEntity* entity);
+    void dragged(std::span<const KxDbEntity* const> entities);
     void hovered(const KxDbObjectId& entity);
     void publishHighlight();
     void runPromptWork();
@@ -142,6 +147,8 @@ private:
     } published_;
     std::vector<KxDbObjectId> highlighted_;
     KxDbObjectId hovered_;
+    std::unordered_set<KxDbObjectId> highlightedIds_;
+    bool highlightStale_ = false;
     bool dragShown_ = false;
     bool atPrompt_ = false;
 

@@ -87,6 +87,7 @@ void MainWindow::buildActions()
     bar->setObjectName("commandsToolBar");
 
     QMenu* file = menuBar()->addMenu(tr("&File"));
+    command(file, nullptr, tr("&New"), QStringLiteral("_NEW"), QKeySequence::New);
     QAction* open = file->addAction(tr("&Open..."), this, &MainWindow::chooseAndOpen);
     open->setShortcut(QKeySequence::Open);
     bar->addAction(open);
@@ -111,6 +112,13 @@ void MainWindow::buildActions()
     command(draw, bar, tr("&Multiline"), QStringLiteral("_MLINE"));
     QMenu* modify = menuBar()->addMenu(tr("&Modify"));
     command(modify, bar, tr("&Erase"), QStringLiteral("_ERASE"));
+    command(modify, nullptr, tr("&Move"), QStringLiteral("_MOVE"));
+    command(modify, nullptr, tr("&Copy"), QStringLiteral("_COPY"));
+    command(modify, nullptr, tr("&Rotate"), QStringLiteral("_ROTATE"));
+    command(modify, nullptr, tr("S&cale"), QStringLiteral("_SCALE"));
+    command(modify, nullptr, tr("M&irror"), QStringLiteral("_MIRROR"));
+    command(modify, nullptr, tr("S&tretch"), QStringLiteral("_STRETCH"));
+    command(modify, nullptr, tr("E&xplode"), QStringLiteral("_EXPLODE"));
     command(modify, bar, tr("Multiline &Edit..."), QStringLiteral("_MLEDIT"));
     command(modify, nullptr, tr("Multiline Edit (&Command Line)"), QStringLiteral("_-MLEDIT"));
     command(modify, nullptr, tr("L&ist"), QStringLiteral("_LIST"));
@@ -147,6 +155,20 @@ void MainWindow::buildActions()
         toggle->setAutoRaise(true);
         statusBar()->addPermanentWidget(toggle);
     }
+
+    // F1 describes the command that runs, or lists every command at the
+    // command prompt.
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    QAction* commandsHelp = help->addAction(tr("&Commands"), this, [this] {
+        if (input_.kind == Editor::InputRequest::Kind::Command) {
+            runner_.push(InputEvent::typed(L"_HELP"));
+            runner_.push(InputEvent::enter());
+        } else {
+            runner_.push(InputEvent::typed(L"'_HELP"));
+        }
+    });
+    commandsHelp->setShortcut(Qt::Key_F1);
+    commandsHelp->setShortcutContext(Qt::ApplicationShortcut);
 }
 
 void MainWindow::connectRunner()
@@ -169,7 +191,7 @@ void MainWindow::connectRunner()
         runner_.post([this, placement] { runner_.session().editor().view().place(placement); });
     });
     connect(canvas_, &Canvas::pointPicked, this,
-            [this](const view::Point2& p) { runner_.push(InputEvent::picked({p.x, p.y, 0})); });
+            [this](const view::Point2& p, bool removing) { runner_.push(InputEvent::picked({p.x, p.y, 0}, removing)); });
     connect(canvas_, &Canvas::cursorMoved, this,
             [this](const view::Point2& p) { runner_.push(InputEvent::moved({p.x, p.y, 0})); });
     connect(canvas_, &Canvas::cursorAt, this, &MainWindow::showCoordinates);
@@ -269,6 +291,9 @@ void MainWindow::showTextWindow(bool show)
     commandDock_->setFloating(show);
     if (show)
         commandDock_->resize(900, 500);
+    // Typing goes on in the command line, floating or docked.
+    commandDock_->activateWindow();
+    commandLine_->input()->setFocus();
 }
 
 void MainWindow::rememberRecent(const QString& path)

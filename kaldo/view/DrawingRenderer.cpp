@@ -7,6 +7,7 @@
 #include <numbers>
 #include <unordered_map>
 
+#include "kaldo/db/ArcAngles.h"
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/view/MlineRenderer.h"
 #include "kaldo/view/OldPolylines.h"
@@ -34,7 +35,7 @@ void drawLine(const KxDbLine& line, int pen, Scene& scene)
 void drawArc(const KxDbArc& arc, int pen, Scene& scene)
 {
     addPlaneArc(scene, EntityPlane(arc.normal()), arc.center(), arc.radius(), arc.startAngle(),
-                sweepWithinTurn(arc.startAngle(), arc.endAngle()), pen);
+                arcSweep(arc.startAngle(), arc.endAngle()), pen);
 }
 
 void drawCircle(const KxDbCircle& circle, int pen, Scene& scene)

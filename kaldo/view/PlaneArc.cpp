@@ -43,13 +43,4 @@ void addPlaneArc(Scene& scene, const EntityPlane& plane, const KxGePoint3d& cent
     scene.endPolyline(std::abs(sweep) >= full);
 }
 
-double sweepWithinTurn(double from, double to)
-{
-    const double full = 2 * std::numbers::pi;
-    const double sweep = std::fmod(to - from, full);
-    if (!std::isfinite(sweep))
-        return full;
-    return sweep <= 0 ? sweep + full : sweep;
-}
-
 }  // namespace kaldo::view

@@ -15,9 +15,5 @@ namespace kaldo::view {
 void addPlaneArc(Scene& scene, const EntityPlane& plane, const KxGePoint3d& centre, double radius, double start,
                  double sweep, int pen);
 
-// The counter-clockwise sweep from angle from to angle to, within one
-// turn: in (0, 2 pi], a whole turn when they coincide or the difference is
-// no finite number.
-double sweepWithinTurn(double from, double to);
 
 }  // namespace kaldo::view

@@ -1,5 +1,6 @@
 #include "kaldo/view/RecordShapes.h"
 
+#include "kaldo/db/ArcAngles.h"
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/view/HatchPattern.h"
 #include "kaldo/view/PlaneArc.h"
@@ -350,7 +351,7 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& s
                     // clockwise one (73 = 0) gives its angles negated.
                     const double radius = cursor.next(40);
                     const double start = degrees(cursor.next(50));
-                    const double sweep = sweepWithinTurn(start, degrees(cursor.next(51)));
+                    const double sweep = arcSweep(start, degrees(cursor.next(51)));
                     const double turn = cursor.next(73) != 0 ? 1.0 : -1.0;
                     constexpr int kSteps = 32;
                     for (int i = 0; i <= kSteps; ++i) {
@@ -479,7 +480,7 @@ bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene&
     const double first = groupNumber(groups, 41, 0), last = groupNumber(groups, 42, full);
     double sweep = last - first;
     if (!(sweep > 0))
-        sweep = sweepWithinTurn(first, last);
+        sweep = arcSweep(first, last);
     const bool closed = !(sweep < full - 1e-12);
     if (closed)
         sweep = full;

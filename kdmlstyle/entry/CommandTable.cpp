@@ -33,10 +33,10 @@ void mleditHandler()
 }
 
 constexpr CommandRow kRows[] = {
-    {L"MLSTYLE", 4013, 2, &handler<runMlstyle>},
-    {L"MLEDIT", 4014, 2, &mleditHandler},
-    {L"-MLEDIT", 4015, 2, &handler<runMleditKeywords>},
-    {L"MLINE", 5000, 0, &handler<runMline>},
+    {L"MLSTYLE", 4013, 7001, 2, &handler<runMlstyle>},
+    {L"MLEDIT", 4014, 7002, 2, &mleditHandler},
+    {L"-MLEDIT", 4015, 7003, 2, &handler<runMleditKeywords>},
+    {L"MLINE", 5000, 7004, 0, &handler<runMline>},
 };
 
 }  // namespace

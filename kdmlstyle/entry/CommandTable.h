@@ -1,4 +1,5 @@
-// The module's commands: their group, names, flags and handlers.
+// The module's commands: their group, names, descriptions, flags and
+// handlers.
 #pragma once
 
 #include "kxrxcommands.h"
@@ -11,7 +12,8 @@ inline constexpr const wchar_t* kCommandGroup = L"KALDO_KDMLSTYLEGROUP";
 
 struct CommandRow {
     const wchar_t* globalName;
-    unsigned localNameId;  // string id in the entry-time resource library
+    unsigned localNameId;    // string id in the entry-time resource library
+    unsigned descriptionId;  // the same for the one line HELP shows
     int flags;
     KxRxFunctionPtr handler;
 };

@@ -63,6 +63,10 @@ int initModule(void* appHandle)
                      static_cast<int>(localName.size()));
         commands->addCommand(kCommandGroup, row.globalName, localName.data(), row.flags, row.handler,
                              nullptr, -1, nullptr, nullptr);
+        std::array<wchar_t, 1024> description{};
+        kxLoadString(state.entryResources, row.descriptionId, description.data(),
+                     static_cast<int>(description.size()));
+        commands->setDescription(kCommandGroup, row.globalName, description.data());
     }
     return Kald::eRetOK;
 }

@@ -73,6 +73,10 @@ constexpr ResourceString kStrings[] = {
     {6019, L"Load Multiline Style from File"},
     {6021, L"\nMultiline style to load: "},
     {6023, L"Undo _Undo"},
+    {7001, L"Creates, changes, loads and saves multiline styles."},
+    {7002, L"Edits crossings, tees, corners, vertices, cuts and welds of multilines, chosen from a dialog."},
+    {7003, L"Edits crossings, tees, corners, vertices, cuts and welds of multilines, chosen by keyword."},
+    {7004, L"Draws a multiline in the current style, justification and scale."},
 };
 
 static_assert(std::adjacent_find(std::begin(kStrings), std::end(kStrings),

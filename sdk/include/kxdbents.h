@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "kxdbobject.h"
+#include "kxgematrix.h"
 
 class KxDbLine : public KxDbEntity {
 public:
@@ -17,6 +18,11 @@ public:
     Kald::ErrorStatus setEndPoint(const KxGePoint3d& point);
     const KxGeVector3d& normal() const { return m_normal; }
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
+
+    // Stretch points: the two ends.
+    Kald::ErrorStatus transformBy(const KxGeMatrix3d& m) override;
+    void getStretchPoints(std::vector<KxGePoint3d>& points) const override;
+    Kald::ErrorStatus moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset) override;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
@@ -58,6 +64,13 @@ public:
     KxGePoint3d startPoint() const;
     KxGePoint3d endPoint() const;
 
+    // Stretch point: the centre (a stretch moves the whole arc). The normal
+    // is transformed as a direction; a reflection then runs the arc from
+    // the image of its end to the image of its start.
+    Kald::ErrorStatus transformBy(const KxGeMatrix3d& m) override;
+    void getStretchPoints(std::vector<KxGePoint3d>& points) const override;
+    Kald::ErrorStatus moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset) override;
+
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
@@ -81,6 +94,11 @@ public:
     Kald::ErrorStatus setRadius(double radius);
     const KxGeVector3d& normal() const { return m_normal; }
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
+
+    // Stretch point: the centre.
+    Kald::ErrorStatus transformBy(const KxGeMatrix3d& m) override;
+    void getStretchPoints(std::vector<KxGePoint3d>& points) const override;
+    Kald::ErrorStatus moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset) override;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
@@ -126,6 +144,13 @@ public:
     void setThickness(double thickness) { m_thickness = thickness; }
     const KxGeVector3d& normal() const { return m_normal; }
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
+
+    // Stretch points: the vertices; arc segments keep their bulges. The
+    // normal is transformed as a direction; a reflection turns the bulges'
+    // signs.
+    Kald::ErrorStatus transformBy(const KxGeMatrix3d& m) override;
+    void getStretchPoints(std::vector<KxGePoint3d>& points) const override;
+    Kald::ErrorStatus moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset) override;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }

@@ -28,6 +28,7 @@
 #include <vector>
 
 #include "kxdbobject.h"
+#include "kxgematrix.h"
 
 class KxDbMlineStyle;
 
@@ -204,6 +205,34 @@ public:
     // added for the multiline); a list value that is not finite is refused
     // (eInvalidInput).
     Kald::ErrorStatus setParametersAt(int index, const KxArray& params);
+
+    // Positions, directions and miters are transformed; the scale and every
+    // list entry (miter distances, runs, fill runs) are multiplied by m's
+    // factor k. The normal is transformed as a direction (a mirror line in
+    // the plan keeps it); a reflection then turns the scale's sign, which
+    // swaps the sides the elements lie on, so that each element line lands
+    // on the image of its own while the entries stay as they were (times k).
+    Kald::ErrorStatus transformBy(const KxGeMatrix3d& m) override;
+    // Stretch points: the vertices.
+    void getStretchPoints(std::vector<KxGePoint3d>& points) const override;
+    // stretchFrom(*this, indices, offset).
+    Kald::ErrorStatus moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset) override;
+    // Gives the vertices that moving source's vertices at indices by offset
+    // changes (those vertices, their neighbours and the vertices before
+    // those) what the stretch makes of them, and leaves every other vertex
+    // as it is. So this multiline must hold source's vertices elsewhere: be
+    // source itself, a copy of it, or a copy stretched from it before at the
+    // same indices; a drag then stretches its copy frame after frame at the
+    // cost of the moved vertices, not of the multiline.
+    // Vertices whose segments turn get the host's directions and miters,
+    // except the free ends of an open multiline, whose miters turn with
+    // their segments (keeping the cap angle as drawn). Runs stay where they
+    // were drawn on segments that keep their direction (a segment moved
+    // whole, or along itself); a segment that turns keeps them measured
+    // from its end that did not move. Where a segment grows, the new part
+    // is drawn as the element was at the end that moved, and what lay
+    // beyond an end that moved is dropped.
+    Kald::ErrorStatus stretchFrom(const KxDbMline& source, std::span<const int> indices, const KxGeVector3d& offset);
 
     // Copies style, flags and every vertex with its own copy of the records.
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;

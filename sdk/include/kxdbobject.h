@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,6 +27,7 @@
 #include "kxtypes.h"
 
 class KxDbDatabase;
+class KxGeMatrix3d;
 namespace kaldo {
 class UndoHistory;
 }
@@ -133,6 +135,21 @@ public:
     // Takes the database's current layer, colour and linetype (and what a
     // kind of entity takes besides); null means the host's working drawing.
     Kald::ErrorStatus setDatabaseDefaults(KxDbDatabase* db = nullptr);
+
+    // Moves, turns, scales or mirrors the entity: m must keep shapes (its
+    // linear part k times a rotation or a reflection, see
+    // KxGeMatrix3d::uniformScale), else eInvalidInput. eNotApplicable for
+    // kinds the host does not transform; eInvalidInput when a value would
+    // not be finite. On failure the entity stays as it was.
+    virtual Kald::ErrorStatus transformBy(const KxGeMatrix3d& m);
+    // The points a stretch moves and grips show, in world coordinates;
+    // none for kinds the host does not stretch.
+    virtual void getStretchPoints(std::vector<KxGePoint3d>& points) const;
+    // Moves the stretch points at indices (into getStretchPoints' list)
+    // by offset, the rest of the entity following as each kind says.
+    // eInvalidIndex for an index out of range, eNotApplicable for kinds
+    // without stretch points; on failure the entity stays as it was.
+    virtual Kald::ErrorStatus moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset);
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
 

@@ -28,6 +28,7 @@ struct KxEdCommand {
     void* uiContext = nullptr;       // kept for the caller, never used by the stack
     int functionCode = -1;           // kept for the caller, never used by the stack
     void* resourceHandle = nullptr;  // kept for the caller, never used by the stack
+    std::wstring description;        // one line saying what it does (HELP lists it)
 };
 
 struct KxEdCommandGroup {
@@ -49,6 +50,9 @@ public:
                                  const wchar_t* localName, int flags, KxRxFunctionPtr handler,
                                  void* uiContext = nullptr, int functionCode = -1,
                                  void* resourceHandle = nullptr, KxEdCommand** created = nullptr);
+    // Gives the command of group with that global name its one-line
+    // description (eKeyNotFound when there is none).
+    Kald::ErrorStatus setDescription(const wchar_t* group, const wchar_t* globalName, const wchar_t* description);
     // Removes the group and all its commands (eKeyNotFound when missing).
     Kald::ErrorStatus removeGroup(const wchar_t* group);
 

@@ -1,3 +1,5 @@
+#include "TestStyles.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -18,21 +20,10 @@ struct Drawing {
     KxDbDatabase db;
 
     // A style of the given offsets added to the drawing.
-    KxDbObjectId addStyle(const wchar_t* name, std::initializer_list<double> offsets, double startAngle = std::numbers::pi / 2,
-                          double endAngle = std::numbers::pi / 2)
+    KxDbObjectId addStyle(const wchar_t* name, std::initializer_list<double> offsets,
+                          double startAngle = std::numbers::pi / 2, double endAngle = std::numbers::pi / 2)
     {
-        auto* style = new KxDbMlineStyle;
-        style->setName(name);
-        style->setStartAngle(startAngle);
-        style->setEndAngle(endAngle);
-        int index = 0;
-        for (double o : offsets)
-            style->addElement(index, o, KxCmColor(), db.byLayerLinetype());
-        KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        dict->setAt(name, style, id);
-        style->close();
-        return id;
+        return addTestStyle(db, name, offsets, startAngle, endAngle);
     }
 
     std::unique_ptr<KxDbMline> make(std::initializer_list<KxGePoint3d> points, int justification = Mline::kZero,

@@ -17,10 +17,11 @@ std::string listedLine(const std::string& from, const std::string& to)
     return "  from point: " + from + "\n    to point: " + to + "\n";
 }
 
-// A LIST whose pick found nothing says so and goes back to the command prompt.
+// A LIST whose pick found nothing: the pick is a window's first corner, and
+// Enter there finds nothing.
 std::string listedNothing(const std::string& pick)
 {
-    return "Command: LIST\nSelect object: " + pick + "\nNo object found.\nCommand: ";
+    return "Command: LIST\nSelect objects: " + pick + "\nSpecify opposite corner: \n0 found\nSelect objects: \nCommand: ";
 }
 
 }  // namespace
@@ -31,7 +32,7 @@ TEST(DrawingSession, LineUndoCloseAndCancel)
     const KaldoRun run = kaldo.runScript(
         "LINE\n0,0\n10,0\n10,10\nu\n20,0\n@0,10\nc\n"
         "LINE\n100,0\n110,0\n110,10\n^C\n"
-        "LIST\n10,9\nLIST\n15,0\nLIST\n20,5\nLIST\n10,5\nLIST\n110,5\nLIST\n105,0\n");
+        "LIST\n10,9\n\n\nLIST\n15,0\n\nLIST\n20,5\n\nLIST\n10,5\n\nLIST\n110,5\n\nLIST\n105,0\n\n");
     EXPECT_EQ(run.exitCode, 0);
     // Undo took back 10,0 -> 10,10; Close joined 20,10 to 0,0.
     EXPECT_THAT(run.out, HasSubstr("Specify next point or [Close/Undo]: c\n"));
@@ -45,16 +46,18 @@ TEST(DrawingSession, LineUndoCloseAndCancel)
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=100.0000  Y=0.0000  Z=0.0000", "X=110.0000  Y=0.0000  Z=0.0000")));
 }
 
-TEST(DrawingSession, EraseByPick)
+TEST(DrawingSession, EraseBySelection)
 {
     KaldoProcess kaldo;
     const KaldoRun run = kaldo.runScript(
         "LINE\n0,0\n10,0\n\nLINE\n0,50\n10,50\n\nLINE\n0,100\n10,100\n\n"
         "ERASE\n5,0\n5,25\n5,0\n5,50\n\n"
         "ERASE\n5,100\n^C\n"
-        "LIST\n5,0\nLIST\n5,50\nLIST\n5,100\n");
+        "LIST\n5,0\n\n\nLIST\n5,50\n\n\nLIST\n5,100\n\n");
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_THAT(run.out, HasSubstr("Select object: 5,25\nNo object found.\n"));
+    // A pick that finds nothing starts a window: from there to 5,0 it holds
+    // nothing.
+    EXPECT_THAT(run.out, HasSubstr("Select objects: 5,25\nSpecify opposite corner: 5,0\n0 found\n"));
     EXPECT_THAT(run.out, HasSubstr("2 erased."));
     EXPECT_THAT(run.out, HasSubstr(listedNothing("5,0")));
     EXPECT_THAT(run.out, HasSubstr(listedNothing("5,50")));
@@ -66,10 +69,10 @@ TEST(DrawingSession, UcsRotationChangesWhereTypedPointsLand)
 {
     KaldoProcess kaldo;
     const KaldoRun run = kaldo.runScript(
-        "UCS\nZ\n90\nLINE\n10,0\n20,0\n\nLIST\n15,0\n"
+        "UCS\nZ\n90\nLINE\n10,0\n20,0\n\nLIST\n15,0\n\n"
         "UCS\nz\n\nLINE\n1,1\n2,1\n\n"
-        "UCS\n\nLIST\n0,15\nLIST\n-1.5,-1\n"
-        "UCS\nZ\n30\nUCS\nW\nLINE\n0,0\n5,0\n\nLIST\n2,0\n");
+        "UCS\n\nLIST\n0,15\n\nLIST\n-1.5,-1\n\n"
+        "UCS\nZ\n30\nUCS\nW\nLINE\n0,0\n5,0\n\nLIST\n2,0\n\n");
     EXPECT_EQ(run.exitCode, 0);
     const std::string rotated = listedLine("X=0.0000  Y=10.0000  Z=0.0000", "X=0.0000  Y=20.0000  Z=0.0000");
     // Picked in the rotated system at 15,0, then in the world at 0,15.
@@ -85,7 +88,7 @@ TEST(DrawingSession, UcsRotationChangesWhereTypedPointsLand)
 TEST(DrawingSession, EnterRepeatsTheLastCommandAndUnknownNamesAreReported)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("\nLINE\n0,0\n1,0\n\n\n5,5\n6,5\n\nfrob\n\n7,7\n8,7\n\nLIST\n5.5,5\nLIST\n7.5,7\n");
+    const KaldoRun run = kaldo.runScript("\nLINE\n0,0\n1,0\n\n\n5,5\n6,5\n\nfrob\n\n7,7\n8,7\n\nLIST\n5.5,5\n\nLIST\n7.5,7\n\n");
     EXPECT_EQ(run.exitCode, 0);
     // Enter before any command does nothing.
     EXPECT_THAT(run.out, HasSubstr("Command: \nCommand: LINE\n"));

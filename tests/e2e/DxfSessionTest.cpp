@@ -35,17 +35,17 @@ TEST(DxfSession, DrawSaveOpenAndSaveAgain)
 
     // The drawing argument opens it; SAVEAS with FILEDIA 0 asks on the command line.
     const std::filesystem::path second = kaldo.dir() / "second";
-    run = kaldo.runScript("SETVAR\nFILEDIA\n0\nLIST\n5,0\nLINE\n0,5\n10,5\n\nSAVEAS\n" + second.string() + "\n",
+    run = kaldo.runScript("SETVAR\nFILEDIA\n0\nLIST\n5,0\n\nLINE\n0,5\n10,5\n\nSAVEAS\n" + second.string() + "\n",
                           {str(first)});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=0.0000  Z=0.0000", "X=10.0000  Y=0.0000  Z=0.0000")));
     EXPECT_THAT(run.out, HasSubstr("Saved \"" + second.string() + ".dxf\"."));
 
     // OPEN reads it back in the same session; SAVE writes to its own file.
-    run = kaldo.runScript("OPEN\n" + second.string() + ".dxf\nLIST\n5,5\nLINE\n0,9\n1,9\n\nSAVE\n");
+    run = kaldo.runScript("OPEN\n" + second.string() + ".dxf\nLIST\n5,5\n\nLINE\n0,9\n1,9\n\nSAVE\n");
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=5.0000  Z=0.0000", "X=10.0000  Y=5.0000  Z=0.0000")));
-    run = kaldo.runScript("LIST\n0.5,9\n", {str(second) + ".dxf"});
+    run = kaldo.runScript("LIST\n0.5,9\n\n", {str(second) + ".dxf"});
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=9.0000  Z=0.0000", "X=1.0000  Y=9.0000  Z=0.0000")));
 }
 
@@ -60,7 +60,7 @@ TEST(DxfSession, BadFilesAreRefusedAndTheDrawingStays)
     // OPEN of a broken file keeps the drawing in hand (its changes not to
     // be saved), which still saves.
     const std::filesystem::path saved = kaldo.dir() / "kept.dxf";
-    run = kaldo.runScript("LINE\n0,0\n10,0\n\nOPEN\n" + broken.string() + "\nNo\nLIST\n5,0\nSAVEAS\n" + saved.string()
+    run = kaldo.runScript("LINE\n0,0\n10,0\n\nOPEN\n" + broken.string() + "\nNo\nLIST\n5,0\n\nSAVEAS\n" + saved.string()
                           + "\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Cannot open the drawing: broken.dxf, line 8"));
@@ -77,11 +77,11 @@ TEST(DxfSession, BadFilesAreRefusedAndTheDrawingStays)
     EXPECT_THAT(run.err, HasSubstr("the drawing was not saved"));
 }
 
-// OPEN on a drawing with unsaved changes asks on the command line, as the
-// window asks: Cancel keeps everything, No drops the changes, Yes (also
-// Enter) saves them first, to the drawing's file or, for a new drawing, to
-// a file asked for as SAVE asks.
-TEST(DxfSession, OpenAsksToSaveChanges)
+// OPEN and NEW on a drawing with unsaved changes ask on the command line,
+// as the window asks: Cancel keeps everything, No drops the changes, Yes
+// (also Enter) saves them first, to the drawing's file or, for a new
+// drawing, to a file asked for as SAVE asks.
+TEST(DxfSession, OpenAndNewAskToSaveChanges)
 {
     KaldoProcess kaldo;
     const std::filesystem::path other = kaldo.dir() / "other.dxf";
@@ -90,7 +90,7 @@ TEST(DxfSession, OpenAsksToSaveChanges)
     const std::string open = "OPEN\n" + other.string() + "\n";
     const std::string question = "Save changes to Drawing1.dxf? [Yes/No/Cancel] <Yes>: ";
 
-    run = kaldo.runScript("LINE\n0,0\n0,10\n\n" + open + "Cancel\nLIST\n0,5\n" + open + "No\nLIST\n5,0\n" + open);
+    run = kaldo.runScript("LINE\n0,0\n0,10\n\n" + open + "Cancel\nLIST\n0,5\n\n" + open + "No\nLIST\n5,0\n\n" + open);
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr(question + "Cancel\nOpen cancelled.\n"));
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=0.0000  Z=0.0000", "X=0.0000  Y=10.0000  Z=0.0000")));
@@ -111,4 +111,14 @@ TEST(DxfSession, OpenAsksToSaveChanges)
     EXPECT_THAT(run.out, HasSubstr("Save changes to new.dxf? [Yes/No/Cancel] <Yes>: y\nSaved \"" + named.string()
                                    + "\".\nOpened"));
     EXPECT_THAT(fileText(named), HasSubstr("\n 11\n5\n 21\n20\n"));
+
+    // NEW: the drawing opened, with a line added, stays on Cancel; No
+    // leaves an empty drawing without a file.
+    run = kaldo.runScript("LINE\n0,20\n5,20\n\nNEW\nCancel\nLIST\nL\n\nNEW\nNo\nLIST\nL\n\nSAVE\n", {str(other)});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Save changes to other.dxf? [Yes/No/Cancel] <Yes>: Cancel\nNew drawing cancelled.\n"));
+    EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=20.0000  Z=0.0000", "X=5.0000  Y=20.0000  Z=0.0000")));
+    EXPECT_THAT(run.out, HasSubstr("Save changes to other.dxf? [Yes/No/Cancel] <Yes>: No\nNew drawing.\n"
+                                   "Command: LIST\nSelect objects: L\n0 found\n"));
+    EXPECT_THAT(run.out, HasSubstr("Command: SAVE\nEnter file name <Drawing1.dxf>: "));
 }

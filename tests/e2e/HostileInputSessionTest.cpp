@@ -106,7 +106,7 @@ TEST(HostileInputSession, LongAndOddInput)
     const std::string text = "\xEF\xBB\xBF  0\rSECTION\r  2\rENTITIES\r  0\rLINE\r  8\r0\r 10\r1\r 20\r2\r 30\r0\r"
                              " 11\r3\r 21\r4\r 31\r0\r  0\rENDSEC\r  0\rEOF\r";
     const std::string old = kaldo.writeFile("old-mac.dxf", text).string();
-    run = kaldo.runScript("LIST\n2,3\n", {QString::fromStdString(old)});
+    run = kaldo.runScript("LIST\n2,3\n\n", {QString::fromStdString(old)});
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("to point: X=3.0000  Y=4.0000"));
 }
@@ -127,7 +127,7 @@ TEST(HostileInputSession, C1ControlsAreShownNotSent)
     const std::string bad = kaldo.writeFile("bad.dxf", "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1021\n"
                                                        "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n"
                                                            + csi + "31m\n  0\nENDSEC\n  0\nEOF\n").string();
-    KaldoRun run = kaldo.runScript(csi + "2J\nMLINE\nST\nWall" + csi + "1\nwalls\nST\n?\n\n0,0\n10,0\n\nLIST\n5,0.5\n"
+    KaldoRun run = kaldo.runScript(csi + "2J\nMLINE\nST\nWall" + csi + "1\nwalls\nST\n?\n\n0,0\n10,0\n\nLIST\n5,0.5\n\n"
                                    "OPEN\n" + bad + "\nNo\n");
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("Command: M-^[2J\nUnknown command \"M-^[2J\"."));

@@ -41,7 +41,7 @@ inline std::string list(const std::vector<std::string>& points)
 {
     std::string text;
     for (const std::string& p : points)
-        text += "LIST\n" + p + "\n";
+        text += "LIST\n" + p + "\n\n";
     return text;
 }
 

@@ -50,12 +50,12 @@ std::string mlnStyle(const std::string& name, const std::string& description, co
 TEST(MlineSession, EnterOrCancelAtTheStartDrawsNothing)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("MLINE\n\nMLINE\n^C\nMLINE\n0,0\n\nMLINE\n0,0\n^C\nLIST\n0,0\n");
+    const KaldoRun run = kaldo.runScript("MLINE\n\nMLINE\n^C\nMLINE\n0,0\n\nMLINE\n0,0\n^C\nLIST\n0,0\n\n\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr(std::string("Command: MLINE\n") + settingsLine("Top", "1.0000", "STANDARD")
                                    + kStartPrompt + "\nCommand: MLINE\n"));
     EXPECT_THAT(run.out, HasSubstr(std::string(kStartPrompt) + "0,0\nNext point :\nCommand: "));
-    EXPECT_THAT(run.out, HasSubstr("Select object: 0,0\nNo object found.\nCommand: "));
+    EXPECT_THAT(run.out, HasSubstr("Select objects: 0,0\nSpecify opposite corner: \n0 found\nSelect objects: \nCommand: "));
     EXPECT_THAT(listedMlines(run.out), SizeIs(0));
 }
 
@@ -64,7 +64,7 @@ TEST(MlineSession, UndoBackToTheStartAndLastpoint)
     KaldoProcess kaldo;
     const KaldoRun run = kaldo.runScript("MLINE\n5,5\n15,5\nU\n\nSETVAR\nLASTPOINT\n\n"
                                          "MLINE\n0,20\n10,20\n10,30\n20,30\nU\nU\n@0,-5\n\nSETVAR\nLASTPOINT\n\n"
-                                         "LIST\n5,20\n");
+                                         "LIST\n5,20\n\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Next point :15,5\nSpecify next point or [Undo]:U\nNext point :\n"));
     // Undo wrote the start point; Enter then drew nothing.
@@ -89,7 +89,7 @@ TEST(MlineSession, CloseAndCancelKeepTheirVertices)
     KaldoProcess kaldo;
     const KaldoRun run = kaldo.runScript("MLINE\n0,0\n10,0\n10,10\nC\n"
                                          "MLINE\n100,0\n110,0\n110,10\n^C\n"
-                                         "LIST\n5,0\nLIST\n105,0\n");
+                                         "LIST\n5,0\n\nLIST\n105,0\n\n");
     EXPECT_EQ(run.exitCode, 0);
     // Close ends the command at once.
     EXPECT_THAT(run.out, HasSubstr("Specify next point or [Close/Undo]: C\nCommand: MLINE"));
@@ -111,7 +111,7 @@ TEST(MlineSession, OptionsWriteTheVariablesAndTheSettingsLine)
     const KaldoRun run = kaldo.runScript(
         "MLINE\nJ\nz\nJ\n^C\nS\n2.5\nS\n^C\nST\nstandard\n\n"
         "SETVAR\nCMLJUST\n\nSETVAR\nCMLSCALE\n\nSETVAR\nCMLSTYLE\n\n"
-        "MLINE\nS\n0\nj\nBOTTOM\nS\n-3\n0,0\n10,0\n\nLIST\n5,0\n"
+        "MLINE\nS\n0\nj\nBOTTOM\nS\n-3\n0,0\n10,0\n\nLIST\n5,0\n\n"
         "SETVAR\nCMLJUST\n\nSETVAR\nCMLSCALE\n\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Enter justification type [Top/Zero/Bottom] <Top>: z\n"
@@ -178,7 +178,7 @@ TEST(MlineSession, MissingStyleLoadedFromAFileByScript)
         "MLINE\nST\nROAD\n" + dir + "/my|styles/roads.v2\n0,50\n10,50\n\n"
         // Cancel at the file-name prompt: silent, asked again for a style.
         "MLINE\nST\nlost\n^C\n\n\n"
-        "LIST\n5,0.2\nLIST\n5,51\nSETVAR\nCMLSTYLE\n\n");
+        "LIST\n5,0.2\n\nLIST\n5,51\n\nSETVAR\nCMLSTYLE\n\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Enter mline style name or [?]: Wall\nMultiline style to load: nosuch\n"
                                    "Unable to find file \"nosuch.mln\".\n"
@@ -205,7 +205,7 @@ TEST(MlineSession, MissingStyleLoadedFromAFileByScript)
 TEST(MlineSession, RotatedUserSystemPlacesTheVertices)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("UCS\nZ\n30\nMLINE\n10,0\n20,0\n20,5\n\nUCS\nW\nLIST\n12.99,7.5\n");
+    const KaldoRun run = kaldo.runScript("UCS\nZ\n30\nMLINE\n10,0\n20,0\n20,5\n\nUCS\nW\nLIST\n12.99,7.5\n\n");
     EXPECT_EQ(run.exitCode, 0);
     const auto listed = listedMlines(run.out);
     ASSERT_THAT(listed, SizeIs(1));
@@ -291,7 +291,7 @@ TEST(MlineSession, ElementsLieAtTheirOffsetsFromEverySegment)
                 double px = 0, py = 0;
                 std::sscanf(shape.pick.c_str(), "%lf,%lf", &px, &py);
                 script += std::string("MLINE\nJ\n") + justifications[j] + "\nS\n" + std::to_string(scale) + "\n" + points
-                    + "LIST\n" + std::to_string(px + dx) + "," + std::to_string(py) + "\n";
+                    + "LIST\n" + std::to_string(px + dx) + "," + std::to_string(py) + "\n\n";
                 settings.emplace_back(j, scale);
             }
         }
@@ -346,7 +346,7 @@ TEST(MlineSession, ElementsLieAtTheirOffsetsFromEverySegment)
 TEST(MlineSession, TurningMultilineListedExactly)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("MLINE\n0,0\n10,0\n10,10\n\nLIST\n5,0\n");
+    const KaldoRun run = kaldo.runScript("MLINE\n0,0\n10,0\n10,10\n\nLIST\n5,0\n\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("  scale: 1.0000  justification: 0\n"
                                    "  style: STANDARD  normal: X=0.0000  Y=0.0000  Z=1.0000\n"
@@ -397,7 +397,7 @@ TEST(MlineSession, DrawnMultilineAndSettingsSurviveTheSavedFile)
 
     // Opened again: the settings come back with the drawing, and so does
     // the multiline with its style.
-    const KaldoRun reopened = kaldo.runScript("MLINE\n\nLIST\n5,0\n", {QString::fromStdString(saved)});
+    const KaldoRun reopened = kaldo.runScript("MLINE\n\nLIST\n5,0\n\n", {QString::fromStdString(saved)});
     EXPECT_EQ(reopened.exitCode, 0) << reopened.err;
     EXPECT_THAT(reopened.out, HasSubstr(settingsLine("Bottom", "2.0000", "WALL")));
     const auto listed = listedMlines(reopened.out);

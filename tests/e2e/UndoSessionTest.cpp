@@ -110,7 +110,7 @@ TEST(UndoSession, CountsMarksRedoSaveAndOpen)
                                + save("three") + "UNDO\nM\n" + line(30) + "MLINE\n0,40\n100,40\n\n" + save("five")
                                + "UNDO\nB\n" + save("back") + "REDO\n" + save("redone") + "UNDO\n2\n"
                                + save("two") + "U\n" + "U\nU\n" + save("none") + "U\n"
-                               + "REDO\n" + line(50) + "REDO\n" + "U\nLIST\n50,50\nREDO\n" + save("last")
+                               + "REDO\n" + line(50) + "REDO\n" + "U\nLIST\n50,50\n\n\nREDO\n" + save("last")
                                // OPEN starts a new history.
                                + "OPEN\n" + file("three").string() + "\nU\n";
     const KaldoRun run = kaldo.runScript(script);

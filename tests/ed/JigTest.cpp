@@ -92,8 +92,9 @@ TEST_F(Jig, CursorMotionUpdatesUntilAPointIsGiven)
     QueuedInputSource window;
     editor.setInputSource(&window);
     std::vector<KxGePoint3d> drawn;
-    editor.setDragListener([&drawn](const KxDbEntity* entity) {
-        drawn.push_back(static_cast<const KxDbLine*>(entity)->endPoint());
+    editor.setDragListener([&drawn](std::span<const KxDbEntity* const> entities) {
+        ASSERT_EQ(entities.size(), 1u);
+        drawn.push_back(static_cast<const KxDbLine*>(entities.front())->endPoint());
     });
     window.push(InputEvent::moved({1, 0, 0}));
     window.push(InputEvent::moved({2, 0, 0}));

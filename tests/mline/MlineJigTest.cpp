@@ -76,8 +76,9 @@ TEST_F(MlineJigTest, RubberBandVertexFollowsTheCursor)
     // What the window sees while the cursor moves: the vertex count and the
     // last vertex of the multiline being dragged.
     std::vector<std::pair<int, KxGePoint3d>> seen;
-    editor.setDragListener([&](const KxDbEntity* entity) {
-        const KxDbMline* mline = KxDbMline::cast(entity);
+    editor.setDragListener([&](std::span<const KxDbEntity* const> entities) {
+        ASSERT_EQ(entities.size(), 1u);
+        const KxDbMline* mline = KxDbMline::cast(entities.front());
         ASSERT_NE(mline, nullptr);
         seen.emplace_back(mline->numVertices(), mline->vertexAt(mline->numVertices() - 1));
     });

@@ -100,6 +100,7 @@ reopen_wall() {
     out=$(run_kaldo "$program" "$drawing" --script - 2>&1 <<'EOF'
 LIST
 2000,0
+
 EOF
 ) || { echo "$out"; fail "$program did not reopen $drawing"; }
     grep -q "^MLINE " <<<"$out" && grep -q "style: wall_200mm" <<<"$out" &&

@@ -110,10 +110,10 @@ QPoint WindowFixture::pixelOf(double x, double y)
     return kaldo::ui::pixelAt(canvas().placement(), {x, y}).toPoint();
 }
 
-void WindowFixture::clickAt(const QPoint& pixel)
+void WindowFixture::clickAt(const QPoint& pixel, Qt::KeyboardModifiers modifiers)
 {
     QTest::mouseMove(&canvas(), pixel);
-    QTest::mouseClick(&canvas(), Qt::LeftButton, {}, pixel);
+    QTest::mouseClick(&canvas(), Qt::LeftButton, modifiers, pixel);
 }
 
 void WindowFixture::moveTo(const QPoint& pixel)

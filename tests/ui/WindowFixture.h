@@ -49,7 +49,7 @@ protected:
     QString transcript() const;
     // The canvas pixel of a drawing point.
     QPoint pixelOf(double x, double y);
-    void clickAt(const QPoint& pixel);
+    void clickAt(const QPoint& pixel, Qt::KeyboardModifiers modifiers = {});
     void moveTo(const QPoint& pixel);
     // Types a command and its answers, each waited for (prompt ends, any
     // kind), then waits for the command prompt.

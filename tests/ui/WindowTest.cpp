@@ -238,6 +238,121 @@ TEST_F(Window, ZoomWindowDrawsTheBoxBeingDragged)
     EXPECT_NEAR(canvas().placement().centre.y, (a.y + b.y) / 2, std::abs(b.y - a.y) / 100);
 }
 
+TEST_F(Window, DraggedWindowsSelectAndAPickBeforeMoveIsTakenByIt)
+{
+    ASSERT_TRUE(runTyped({"MLINE", "0,0", "40,0", ""}));
+    ASSERT_TRUE(runTyped({"MLINE", "0,30", "40,30", ""}));
+    ASSERT_TRUE(runTyped({"ZOOM", "E"}));
+    ASSERT_TRUE(runTyped({"ZOOM", "0.5x"}));
+
+    // Dragged from left to right: a window, holding the lower wall only.
+    type("ERASE");
+    ASSERT_TRUE(waitForPrompt("Select objects: ", Kind::Entity));
+    QTest::mousePress(&canvas(), Qt::LeftButton, {}, pixelOf(-10, -10));
+    ASSERT_TRUE(waitForPrompt("Specify opposite corner: ", Kind::Point));
+    moveTo(pixelOf(50, 10));
+    QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, pixelOf(50, 10));
+    ASSERT_TRUE(waitForPrompt("Select objects: ", Kind::Entity));
+    EXPECT_TRUE(transcript().endsWith("\n1 found\nSelect objects: ")) << transcript().toStdString();
+
+    // Dragged from right to left: a crossing, drawn dashed in its own
+    // colour, taking both walls.
+    QTest::mousePress(&canvas(), Qt::LeftButton, {}, pixelOf(20, 35));
+    ASSERT_TRUE(waitForPrompt("Specify opposite corner: ", Kind::Point));
+    moveTo(pixelOf(-5, -5));
+    const auto crossingColour = [](const QColor& c) { return c.green() > 150 && c.red() < 150 && c.blue() < 180; };
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return pixelsNear(canvas().grab().toImage(), pixelOf(-5, 15), 8, crossingColour) > 0; }, kWaitMs));
+    QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, pixelOf(-5, -5));
+    ASSERT_TRUE(waitForPrompt("Select objects: ", Kind::Entity));
+    EXPECT_TRUE(transcript().endsWith("\n2 found (1 duplicate), 2 total\nSelect objects: "));
+    // Shift+click takes the upper wall out again: ERASE erases the lower.
+    clickAt(pixelOf(20, 30), Qt::ShiftModifier);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return transcript().endsWith("\n1 found, 1 removed, 1 total\nSelect objects: "); }, kWaitMs))
+        << transcript().toStdString();
+    type("");
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    // (Away from the crosshair, which stands at the upper wall.)
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !drawnNear(canvas().grab().toImage(), pixelOf(30, 0), 4); }, kWaitMs));
+    EXPECT_TRUE(drawnNear(canvas().grab().toImage(), pixelOf(30, 30), 4));
+    ASSERT_TRUE(runTyped({"U"}));
+
+    // Clicks at the command prompt select both walls for the next command,
+    // Shift+click takes the lower one out; MOVE takes the upper without
+    // asking.
+    clickAt(pixelOf(20, 30));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    clickAt(pixelOf(20, 0));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    clickAt(pixelOf(20, 0), Qt::ShiftModifier);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    QAction* move = nullptr;
+    for (QAction* action : window().menuBar()->findChildren<QAction*>())
+        if (action->text() == "&Move")
+            move = action;
+    ASSERT_NE(move, nullptr);
+    move->trigger();
+    ASSERT_TRUE(waitForPrompt("Specify base point or [Displacement] <Displacement>: ", Kind::Point));
+    EXPECT_TRUE(transcript().contains("Command: _MOVE\n1 found\n")) << transcript().right(200).toStdString();
+    ASSERT_TRUE(runTyped({"0,0", "5,5"}));
+
+    const std::string path = dir() + "/moved.dxf";
+    ASSERT_TRUE(saveAs(path));
+    const EzdxfReport report = readWithEzdxf(path);
+    ASSERT_TRUE(report.ran) << report.problem;
+    const QJsonArray mlines = report.file["mlines"].toArray();
+    ASSERT_EQ(mlines.size(), 2);
+    EXPECT_NEAR(location(mlines[0].toObject(), 0)[1].toDouble(), 0, kTol);
+    EXPECT_NEAR(location(mlines[1].toObject(), 0)[0].toDouble(), 5, kTol);
+    EXPECT_NEAR(location(mlines[1].toObject(), 1)[1].toDouble(), 35, kTol);
+}
+
+// A multiline selected at the command prompt shows its vertices as grips;
+// a click on one drags it with the multiline following, the next click puts
+// it there (one step U takes back), and Esc takes the grips away.
+TEST_F(Window, AGripDragMovesOneVertexOfASelectedMultiline)
+{
+    ASSERT_TRUE(runTyped({"MLINE", "0,0", "40,0", "40,30", ""}));
+    ASSERT_TRUE(runTyped({"ZOOM", "E"}));
+    ASSERT_TRUE(runTyped({"ZOOM", "0.5x"}));
+    const double unitsPerPixel = canvas().placement().unitsPerPixel;
+    const auto grip = [](const QColor& c) { return c.blue() > 200 && c.red() < 60 && c.green() < 120; };
+    const auto gripShown = [&] { return pixelsNear(canvas().grab().toImage(), pixelOf(40, 0), 2, grip) > 0; };
+
+    clickAt(pixelOf(20, 0));
+    EXPECT_TRUE(QTest::qWaitFor(gripShown, kWaitMs));
+    clickAt(pixelOf(40, 0));
+    ASSERT_TRUE(waitForPrompt("Specify stretch point: ", Kind::Drag));
+    // The multiline follows the cursor before the click.
+    const auto lit = [](const QColor& c) { return c.rgb() != kBackground; };
+    EXPECT_EQ(pixelsNear(canvas().grab().toImage(), pixelOf(50, 10), 2, lit), 0);
+    moveTo(pixelOf(60, -10));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pixelsNear(canvas().grab().toImage(), pixelOf(50, 10), 2, lit) > 0; },
+                                kWaitMs));
+    clickAt(pixelOf(60, -10));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !gripShown(); }, kWaitMs));
+
+    const std::string dragged = dir() + "/dragged.dxf";
+    ASSERT_TRUE(saveAs(dragged));
+    const EzdxfReport report = readWithEzdxf(dragged);
+    ASSERT_TRUE(report.ran) << report.problem;
+    const QJsonObject mline = report.file["mlines"].toArray()[0].toObject();
+    EXPECT_NEAR(location(mline, 0)[0].toDouble(), 0, kTol);
+    EXPECT_NEAR(location(mline, 1)[0].toDouble(), 60, unitsPerPixel);
+    EXPECT_NEAR(location(mline, 1)[1].toDouble(), -10, unitsPerPixel);
+    EXPECT_NEAR(location(mline, 2)[1].toDouble(), 30, kTol);
+
+    ASSERT_TRUE(runTyped({"U"}));
+    const std::string undone = dir() + "/undone.dxf";
+    ASSERT_TRUE(saveAs(undone));
+    const EzdxfReport back = readWithEzdxf(undone);
+    ASSERT_TRUE(back.ran) << back.problem;
+    EXPECT_NEAR(location(back.file["mlines"].toArray()[0].toObject(), 1)[0].toDouble(), 40, kTol);
+}
+
 TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
 {
     QLineEdit* input = window().commandLine()->input();
@@ -285,7 +400,17 @@ TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
     EXPECT_TRUE(dock->isFloating());
     press(Qt::Key_F2);
     EXPECT_FALSE(dock->isFloating());
+    // F1 lists the commands at the command prompt, and describes the
+    // command that asks without ending it.
+    press(Qt::Key_F1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().contains("  MLINE"); }, kWaitMs));
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    EXPECT_TRUE(transcript().contains("  MOVE        Moves the selected objects by a displacement.\n"));
     type("MLINE");
+    ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
+    press(Qt::Key_F1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return transcript().contains("\nMLINE: Draws a multiline"); }, kWaitMs)) << transcript().toStdString();
+    ASSERT_TRUE(waitForPrompt("Specify start point or [Justification/Scale/STyle]: ", Kind::Point));
     type("ST");
     ASSERT_TRUE(waitForPrompt("Enter mline style name or [?]: ", Kind::Text));
     EXPECT_FALSE(dock->isFloating());
@@ -442,6 +567,67 @@ TEST_F(Window, OpenTypedAsksToSaveChangesInAMessageBox)
     QFile saved(QString::fromStdString(path));
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll().count("\nLINE\n"), 1) << "the second line was not saved";
+}
+
+// File > New asks in a message box whether to save the drawing's changes,
+// as OPEN does: Cancel keeps the drawing with its changes, Yes saves them
+// into its file before the new drawing, No drops them. The new drawing is
+// empty and has no file.
+TEST_F(Window, FileNewAsksToSaveChangesAndStartsAnEmptyDrawing)
+{
+    const std::string path = dir() + "/kept.dxf";
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
+    ASSERT_TRUE(saveAs(path));
+    ASSERT_TRUE(runTyped({"FILEDIA", "1", "LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+
+    QMenu* file = nullptr;
+    for (QAction* menu : window().menuBar()->actions())
+        if (menu->text() == "&File")
+            file = menu->menu();
+    ASSERT_NE(file, nullptr);
+    QAction* newDrawing = nullptr;
+    for (QAction* action : file->actions())
+        if (action->text() == "&New")
+            newDrawing = action;
+    ASSERT_NE(newDrawing, nullptr);
+    EXPECT_EQ(newDrawing->shortcut(), QKeySequence(QKeySequence::New));
+    const auto newAnswering = [&](QMessageBox::StandardButton button) {
+        QString asked;
+        actOnDialogSoon<QMessageBox>([&asked, button](QMessageBox& box) {
+            asked = box.text();
+            QTest::mouseClick(box.button(button), Qt::LeftButton);
+        });
+        const qsizetype before = transcript().size();
+        newDrawing->trigger();
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return transcript().indexOf("Command: ", before + 1) >= 0 && !asked.isEmpty(); }, kWaitMs));
+        return asked;
+    };
+    EXPECT_EQ(newAnswering(QMessageBox::Cancel), "Save changes to kept.dxf?");
+    EXPECT_TRUE(transcript().endsWith("New drawing cancelled.\nCommand: ")) << transcript().toStdString();
+    EXPECT_TRUE(window().drawing().modified);
+
+    unsigned serial = window().drawing().serial;
+    EXPECT_EQ(newAnswering(QMessageBox::Yes), "Save changes to kept.dxf?");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
+    EXPECT_FALSE(window().drawing().modified);
+    EXPECT_TRUE(window().drawing().path.isEmpty());
+    EXPECT_EQ(window().windowTitle(), "Drawing1.dxf[*] - kaldo");
+    QFile saved(QString::fromStdString(path));
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll().count("\nLINE\n"), 2);
+
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,10", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+    serial = window().drawing().serial;
+    EXPECT_EQ(newAnswering(QMessageBox::No), "Save changes to Drawing1.dxf?");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
+    const std::string empty = dir() + "/empty.dxf";
+    ASSERT_TRUE(saveAs(empty));
+    QFile emptySaved(QString::fromStdString(empty));
+    ASSERT_TRUE(emptySaved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(emptySaved.readAll().count("\nLINE\n"), 0);
 }
 
 // Files opened or saved are listed latest first under File > Recent Files,

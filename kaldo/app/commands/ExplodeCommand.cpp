@@ -1,52 +1,46 @@
-// EXPLODE: picks multilines one at a time until Enter and turns each into
-// the lines, arcs and fill it is drawn with as it is picked. Other kinds of
-// entities are refused with a message.
+// EXPLODE: turns the selected multilines into the lines, arcs and fill they
+// are drawn with. Other kinds of entities stay as they were and are named.
+#include "kaldo/app/EntityEdits.h"
 #include "kaldo/app/MlineExplosion.h"
 #include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/app/commands/ModifyPrompts.h"
 #include "kaldo/core/Host.h"
+#include "kaldo/db/EntityKinds.h"
 #include "kxdb.h"
 #include "kxed.h"
 
 namespace kaldo {
 
-namespace {
-
-bool isMline(KxDbObjectId id)
-{
-    const KxDbObjectPtr<KxDbEntity> entity(id, KxDb::kForRead);
-    return entity && KxDbMline::cast(entity.get());
-}
-
-}  // namespace
-
 void explodeCommand()
 {
     KxDbDatabase* db = host().database;
-    if (!db)
+    SelectionSet set;
+    if (!db || !selectForCommand(set))
         return;
-    int exploded = 0;
-    for (;;) {
-        kxds_name name = {0, 0};
-        double point[3] = {};
-        const int result = kxedEntSel(L"\nSelect multiline to explode: ", name, point);
-        if (result == RTERROR && pickMissed())
-            continue;
-        KxDbObjectId id;
-        if (result != RTNORM || kxdbGetObjectId(id, name) != Kald::eOk)
-            break;
-        if (!isMline(id)) {
-            kxutPrintf(L"\nNot a multiline.\n");
+    EditTally tally;
+    Explosion made;
+    for (const KxDbObjectId& id : set.ids()) {
+        std::wstring kind;
+        {
+            const KxDbObjectPtr<KxDbEntity> entity(id, KxDb::kForRead);
+            if (!entity)
+                continue;
+            kind = entityKindName(*entity);
+        }
+        const Explosion pieces = kind == L"MLINE" ? explodeMline(*db, id) : Explosion{};
+        if (!pieces.exploded) {
+            ++tally.unchanged[kind];
             continue;
         }
-        const Explosion made = explodeMline(*db, id);
-        if (!made.exploded) {
-            kxutPrintf(L"\nThe multiline cannot be exploded.\n");
-            continue;
-        }
-        ++exploded;
-        kxutPrintf(L"\n%d lines, %d arcs, %d hatches.\n", made.lines, made.arcs, made.hatches);
+        ++tally.changed;
+        made.lines += pieces.lines;
+        made.arcs += pieces.arcs;
+        made.hatches += pieces.hatches;
     }
-    kxutPrintf(L"\n%d exploded.\n", exploded);
+    reportUnchanged(tally);
+    if (tally.changed > 0)
+        kxutPrintf(L"\n%d lines, %d arcs, %d hatches.\n", made.lines, made.arcs, made.hatches);
+    kxutPrintf(L"\n%d exploded.\n", tally.changed);
 }
 
 }  // namespace kaldo

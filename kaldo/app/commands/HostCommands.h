@@ -26,10 +26,18 @@ void appunloadCommand();
 void commandsCommand();
 void listCommand();
 void openCommand();
+void newCommand();
 void saveCommand();
 void saveasCommand();
 void zoomCommand();
 void explodeCommand();
+void moveCommand();
+void copyCommand();
+void rotateCommand();
+void scaleCommand();
+void mirrorCommand();
+void stretchCommand();
+void helpCommand();
 void uCommand();
 void undoCommand();
 void redoCommand();
@@ -47,6 +55,10 @@ void saveDrawingReporting(Session& session, const std::filesystem::path& path, c
 // asked for when it has none yet.
 void saveWorkingDrawing(Session& session);
 
+// Whether the working drawing may be replaced (OPEN, NEW): it holds no
+// unsaved changes, or the user drops them, or saves them when asked.
+bool mayReplaceDrawing(Session& session);
+
 // The question asked before a drawing's unsaved changes would be lost, in
 // the window's message box and by OPEN: "Save changes to NAME?", NAME the
 // drawing's file name (Drawing1.dxf for a new drawing).
@@ -61,10 +73,6 @@ inline constexpr const wchar_t* kSaveAsFileTypes =
 // copy is never written over the drawing's own file, and takes no report.
 void saveAsReporting(Session& session, const std::filesystem::path& path, SaveAsType type,
                      const dxf::ProgressReport& report = {});
-
-// Whether the last entity selection failed because its point hit nothing
-// (ERRNO 7; the editor has said so): the picking commands then ask again.
-bool pickMissed();
 
 // Asks for the new value of the system variable name, as SETVAR does once it
 // has the name; Enter keeps the value.

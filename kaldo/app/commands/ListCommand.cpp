@@ -1,8 +1,10 @@
-// LIST: shows a picked entity: its kind, handle and points in world
+// LIST: shows each selected entity: its kind, handle and points in world
 // coordinates, in the drawing's units. A multiline also shows its style and
 // normal, and per vertex its segment direction, miter and the element and
 // fill parameter lists.
 #include "kaldo/app/commands/HostCommands.h"
+#include "kaldo/app/commands/ModifyPrompts.h"
+#include "kaldo/db/EntityKinds.h"
 #include "kxdb.h"
 #include "kxed.h"
 #include "kxedunits.h"
@@ -86,23 +88,23 @@ std::wstring describe(const KxDbEntity& entity)
             text += L"\n  vertex " + std::to_wstring(i) + L": " + point(mline->vertexAt(i)) + vertexDetails(*mline, i);
         return text;
     }
-    return entity.isA()->name() + handle;
+    return entityKindName(entity) + handle;
 }
 
 }  // namespace
 
 void listCommand()
 {
-    kxds_name name = {0, 0};
-    double picked[3] = {};
-    KxDbObjectId id;
-    if (kxedEntSel(L"\nSelect object: ", name, picked) != RTNORM || kxdbGetObjectId(id, name) != Kald::eOk)
+    SelectionSet set;
+    if (!selectForCommand(set))
         return;
-    KxDbObjectPtr<KxDbEntity> entity(id, KxDb::kForRead);
-    if (!entity)
-        return;
-    const std::wstring text = L"\n" + describe(*entity) + L"\n";
-    kxedPrompt(text.c_str());
+    for (const KxDbObjectId& id : set.ids()) {
+        KxDbObjectPtr<KxDbEntity> entity(id, KxDb::kForRead);
+        if (!entity)
+            continue;
+        const std::wstring text = L"\n" + describe(*entity) + L"\n";
+        kxedPrompt(text.c_str());
+    }
 }
 
 }  // namespace kaldo

@@ -55,8 +55,8 @@ SaveFirst askSaveChanges(Session& session)
     }
 }
 
-// Whether the working drawing may be replaced: it holds no unsaved changes,
-// or they are to be dropped, or they were saved.
+}  // namespace
+
 bool mayReplaceDrawing(Session& session)
 {
     if (!session.modified())
@@ -72,8 +72,6 @@ bool mayReplaceDrawing(Session& session)
     }
     return false;
 }
-
-}  // namespace
 
 void openDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report)
 {

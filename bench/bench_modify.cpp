@@ -1,0 +1,110 @@
+// What the modify commands cost on large drawings: MOVE of 100 000
+// multilines selected by one window (the pick index rebuilt after the
+// previous move, the window's query, each multiline opened for write with
+// its undo copy and moved, the step closed), and its parts; a grip drag's
+// frame on a multiline of 10 000 vertices (one vertex stretched on the
+// drag's copy, and that copy drawn).
+#include "ZigzagMultilines.h"
+#include "kaldo/app/EntityEdits.h"
+#include "kaldo/core/Host.h"
+#include "kaldo/db/StretchPreview.h"
+#include "kaldo/db/UndoHistory.h"
+#include "kaldo/ed/PickIndex.h"
+#include "kaldo/view/DrawingRenderer.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+constexpr int kMultilines = 100000;
+
+// The window round every multiline of buildZigzagMultilines.
+const kaldo::Box kEverything{-1e6, -1e6, 1e6, 1e6};
+
+void BM_MoveOfAWindowOfMultilines(benchmark::State& state)
+{
+    const std::unique_ptr<KxDbDatabase> db = buildZigzagMultilines(kMultilines);
+    kaldo::host().database = db.get();
+    kaldo::PickIndex index;
+    double dx = 1;
+    std::size_t moved = 0;
+    for (auto _ : state) {
+        db->undoHistory().beginStep(L"MOVE");
+        const std::vector<KxDbObjectId> ids = index.inside(*db, kEverything);
+        moved = std::size_t(kaldo::transformEntities(ids, KxGeMatrix3d::translation({dx, 0, 0}), false).changed);
+        db->undoHistory().endStep();
+        dx = -dx;
+    }
+    state.counters["moved"] = double(moved);
+    kaldo::host().database = nullptr;
+}
+BENCHMARK(BM_MoveOfAWindowOfMultilines)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void BM_WindowSelectionAfterAChange(benchmark::State& state)
+{
+    const std::unique_ptr<KxDbDatabase> db = buildZigzagMultilines(kMultilines);
+    kaldo::PickIndex index;
+    for (auto _ : state) {
+        db->noteChange();
+        benchmark::DoNotOptimize(index.inside(*db, kEverything));
+    }
+}
+BENCHMARK(BM_WindowSelectionAfterAChange)->Unit(benchmark::kMillisecond);
+
+void BM_WindowSelectionOfAnIndexedDrawing(benchmark::State& state)
+{
+    const std::unique_ptr<KxDbDatabase> db = buildZigzagMultilines(kMultilines);
+    kaldo::PickIndex index;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(index.inside(*db, kEverything));
+}
+BENCHMARK(BM_WindowSelectionOfAnIndexedDrawing)->Unit(benchmark::kMillisecond);
+
+void BM_MoveWithoutUndo(benchmark::State& state)
+{
+    const std::unique_ptr<KxDbDatabase> db = buildZigzagMultilines(kMultilines);
+    kaldo::host().database = db.get();
+    const std::vector<KxDbObjectId> ids = kaldo::PickIndex().inside(*db, kEverything);
+    double dx = 1;
+    for (auto _ : state) {
+        kaldo::transformEntities(ids, KxGeMatrix3d::translation({dx, 0, 0}), false);
+        dx = -dx;
+    }
+    kaldo::host().database = nullptr;
+}
+BENCHMARK(BM_MoveWithoutUndo)->Unit(benchmark::kMillisecond);
+
+// A multiline of n vertices in zigzag, and the drag of its middle vertex.
+std::unique_ptr<KxDbMline> longMultiline(KxDbDatabase& db, int n)
+{
+    auto mline = std::make_unique<KxDbMline>();
+    mline->setDatabaseDefaults(&db);
+    mline->setStyle(addFourElementStyle(db));
+    for (int v = 0; v < n; ++v)
+        mline->appendSeg({v * 9.0, (v % 2) * 12.0, 0.0});
+    return mline;
+}
+
+// One frame of a grip drag on a multiline of range(0) vertices: the
+// stretched preview, and with range(1) its drawing too.
+void BM_GripDragFrame(benchmark::State& state)
+{
+    KxDbDatabase db;
+    const int n = int(state.range(0));
+    const bool drawn = state.range(1) != 0;
+    const auto mline = longMultiline(db, n);
+    kaldo::StretchPreview preview(*mline, {n / 2});
+    double y = 0;
+    for (auto _ : state) {
+        const KxDbEntity& shown = preview.at({0.5, y += 0.25, 0});
+        if (drawn)
+            benchmark::DoNotOptimize(kaldo::view::renderEntities(db, {&shown}));
+        else
+            benchmark::DoNotOptimize(&shown);
+    }
+}
+BENCHMARK(BM_GripDragFrame)->ArgNames({"vertices", "drawn"})->Args({10000, 0})->Args({10000, 1})->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,239 @@
+// Transforms and stretches of multilines: the stored vertices, directions,
+// miters and parameter lists change so that the element lines and runs lie
+// where the transformed (or stretched) picture of the multiline puts them.
+#include "kxdbmline.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "kaldo/db/EntityPlane.h"
+#include "kaldo/db/FiniteValues.h"
+#include "kaldo/db/MlineGeometry.h"
+#include "kaldo/db/MlineRuns.h"
+
+namespace {
+
+using kaldo::isFinite;
+
+// The lists of a record with every entry multiplied by factor.
+KxDbMlineParamsPtr scaledRecord(const KxDbMlineVertexParams& record, double factor)
+{
+    auto scaled = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+    scaled->elements = record.elements;
+    for (KxDbMlineElementParams& lists : scaled->elements)
+        for (std::vector<double>* list : {&lists.element, &lists.areaFill})
+            for (double& value : *list)
+                value *= factor;
+    return scaled;
+}
+
+double planeAngleOf(const kaldo::EntityPlane& plane, const KxGeVector3d& world)
+{
+    const KxGeVector3d d = plane.toPlane(world);
+    return kaldo::planeAngle(KxGePoint3d(), KxGePoint3d(d.x, d.y));
+}
+
+// The perpendicular distance of an element from the segment, from its
+// distance along the miter (the inverse of miterDistance).
+double elementOffset(double entry0, double miterAngle, double axisAngle)
+{
+    const double turn = miterAngle - axisAngle;
+    return entry0 * std::sin(turn + (turn == 0 ? 0.005 : 0.0));
+}
+
+bool sortedHolds(const std::vector<int>& sorted, int value)
+{
+    return std::ranges::binary_search(sorted, value);
+}
+
+void sortUnique(std::vector<int>& values)
+{
+    std::ranges::sort(values);
+    values.erase(std::unique(values.begin(), values.end()), values.end());
+}
+
+}  // namespace
+
+Kald::ErrorStatus KxDbMline::transformBy(const KxGeMatrix3d& m)
+{
+    const double k = m.uniformScale();
+    if (k == 0)
+        return Kald::eInvalidInput;
+    const KxGeVector3d normalImage = m * m_normal;
+    if (!isFinite(normalImage) || normalImage.length() <= kxGeTolerance)
+        return Kald::eInvalidInput;
+    const double scale = m_scale * (m.determinant() < 0 ? -k : k);
+    if (!std::isfinite(scale))
+        return Kald::eInvalidInput;
+    std::vector<Vertex> vertices;
+    vertices.reserve(m_vertices.size());
+    for (const Vertex& v : m_vertices) {
+        Vertex image{m * v.position, normalized(m * v.axis), normalized(m * v.miter), v.params};
+        if (k != 1 && v.params) {
+            // Neighbours that shared a record share its scaled copy.
+            if (!vertices.empty() && m_vertices[vertices.size() - 1].params.get() == v.params.get())
+                image.params = vertices.back().params;
+            else
+                image.params = scaledRecord(*v.params.get(), k);
+            if (!kaldo::finiteLists(image.params->elements))
+                return Kald::eInvalidInput;
+        }
+        if (!isFinite(image.position) || !isFinite(image.axis) || !isFinite(image.miter))
+            return Kald::eInvalidInput;
+        vertices.push_back(std::move(image));
+    }
+    m_vertices = std::move(vertices);
+    m_normal = normalized(normalImage);
+    m_scale = scale;
+    return Kald::eOk;
+}
+
+void KxDbMline::getStretchPoints(std::vector<KxGePoint3d>& points) const
+{
+    points.clear();
+    for (const Vertex& v : m_vertices)
+        points.push_back(v.position);
+}
+
+Kald::ErrorStatus KxDbMline::moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset)
+{
+    return stretchFrom(*this, indices, offset);
+}
+
+Kald::ErrorStatus KxDbMline::stretchFrom(const KxDbMline& source, std::span<const int> indices,
+                                         const KxGeVector3d& offset)
+{
+    const int n = source.numVertices();
+    if (numVertices() != n)
+        return Kald::eInvalidInput;
+    if (!std::ranges::all_of(indices, [n](int i) { return i >= 0 && i < n; }))
+        return Kald::eInvalidIndex;
+    if (!isFinite(offset))
+        return Kald::eInvalidInput;
+    std::vector<int> moved(indices.begin(), indices.end());
+    sortUnique(moved);
+    const std::vector<Vertex>& old = source.m_vertices;
+    const bool closed = source.m_closed;
+    const auto isMoved = [&](int v) { return sortedHolds(moved, v); };
+    const auto next = [&](int v) { return v + 1 < n ? v + 1 : closed && n > 1 ? 0 : -1; };
+    const auto previous = [&](int v) { return v > 0 ? v - 1 : closed && n > 1 ? n - 1 : -1; };
+    const auto position = [&](int v) { return isMoved(v) ? old[std::size_t(v)].position + offset : old[std::size_t(v)].position; };
+    // A segment turns when one of its ends moved and the other did not.
+    const auto turns = [&](int s) { return s >= 0 && next(s) >= 0 && isMoved(s) != isMoved(next(s)); };
+
+    // Vertices whose direction or miter change (the ends of turning
+    // segments), segments whose runs are refit (those at such a vertex),
+    // and every vertex written.
+    std::vector<int> turned;
+    for (const int v : moved) {
+        for (const int s : {previous(v), v}) {
+            if (turns(s)) {
+                turned.push_back(s);
+                turned.push_back(next(s));
+            }
+        }
+    }
+    sortUnique(turned);
+    std::vector<int> refit;
+    for (const int v : turned) {
+        if (next(v) >= 0)
+            refit.push_back(v);
+        if (previous(v) >= 0)
+            refit.push_back(previous(v));
+    }
+    sortUnique(refit);
+    std::vector<int> written = moved;
+    written.insert(written.end(), turned.begin(), turned.end());
+    written.insert(written.end(), refit.begin(), refit.end());
+    sortUnique(written);
+
+    const kaldo::EntityPlane plane(source.m_normal);
+    const auto planePoint = [&](std::size_t i) { return plane.toPlane(position(int(i))); };
+    std::vector<Vertex> updated;
+    updated.reserve(written.size());
+    const auto updatedAt = [&](int v) -> Vertex& {
+        return updated[std::size_t(std::ranges::lower_bound(written, v) - written.begin())];
+    };
+    for (const int v : written) {
+        const Vertex& was = old[std::size_t(v)];
+        Vertex now{position(v), was.axis, was.miter, was.params};
+        if (sortedHolds(turned, v) && was.params) {
+            const double oldAxis = planeAngleOf(plane, was.axis);
+            const double oldMiter = planeAngleOf(plane, was.miter);
+            kaldo::VertexAngles a = kaldo::vertexAnglesAt(planePoint, std::size_t(n), std::size_t(v), closed, 0, 0);
+            // A free end's miter turns with its segment: the cap keeps its
+            // angle to the segment as it was drawn.
+            if (!closed && (v == 0 || v == n - 1))
+                a.miter = oldMiter + (a.axis - oldAxis);
+            now.axis = plane.toWorld(KxGeVector3d(std::cos(a.axis), std::sin(a.axis)));
+            now.miter = plane.toWorld(KxGeVector3d(std::cos(a.miter), std::sin(a.miter)));
+            auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+            record->elements = was.params->elements;
+            for (KxDbMlineElementParams& lists : record->elements) {
+                if (lists.element.empty())
+                    continue;
+                const double entry0 = kaldo::miterDistance(elementOffset(lists.element.front(), oldMiter, oldAxis),
+                                                           a.miter, a.axis);
+                lists.element.front() = entry0;
+                if (!lists.areaFill.empty())
+                    lists.areaFill.front() = entry0;
+            }
+            now.params = std::move(record);
+        }
+        updated.push_back(std::move(now));
+    }
+
+    for (const int s : refit) {
+        const int t = next(s);
+        Vertex& start = updatedAt(s);
+        const Vertex& end = sortedHolds(written, t) ? updatedAt(t) : old[std::size_t(t)];
+        const Vertex& oldStart = old[std::size_t(s)];
+        const Vertex& oldEnd = old[std::size_t(t)];
+        if (!start.params || !end.params || !oldStart.params || !oldEnd.params)
+            continue;
+        // A segment whose ends both moved moved whole; otherwise an end
+        // that moved changed.
+        const KxGeVector3d wholeMove = isMoved(s) && isMoved(t) ? offset : KxGeVector3d();
+        const bool keepsDirection = isMoved(s) == isMoved(t) || (start.axis - oldStart.axis).length() <= kxGeTolerance;
+        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
+        record->elements = start.params->elements;
+        const std::size_t elements = std::min({record->elements.size(), end.params->elements.size(),
+                                               oldStart.params->elements.size(), oldEnd.params->elements.size()});
+        for (std::size_t e = 0; e < elements; ++e) {
+            const auto entry0 = [e](const Vertex& v) {
+                const std::vector<double>& list = v.params->elements[e].element;
+                return list.empty() ? 0.0 : list.front();
+            };
+            const KxGePoint3d a = oldStart.position + oldStart.miter * entry0(oldStart);
+            const KxGePoint3d b = oldEnd.position + oldEnd.miter * entry0(oldEnd);
+            const KxGePoint3d aNow = start.position + start.miter * entry0(start);
+            const KxGePoint3d bNow = end.position + end.miter * entry0(end);
+            kaldo::SegmentChange change;
+            change.oldLength = std::max(0.0, dot(b - a, oldStart.axis));
+            change.newLength = std::max(0.0, dot(bNow - aNow, start.axis));
+            if (keepsDirection) {
+                change.shift = dot(aNow - (a + wholeMove), oldStart.axis);
+                change.startChanged = (aNow - (a + wholeMove)).length() > kxGeTolerance;
+                change.endChanged = (bNow - (b + wholeMove)).length() > kxGeTolerance;
+            } else if (isMoved(s)) {
+                // Kept from the end that stayed.
+                change.shift = change.oldLength - change.newLength;
+                change.startChanged = true;
+            } else {
+                change.endChanged = true;
+            }
+            KxDbMlineElementParams& lists = record->elements[e];
+            lists.element = kaldo::refitRuns(lists.element, change);
+            lists.areaFill = kaldo::refitRuns(lists.areaFill, change);
+        }
+        start.params = std::move(record);
+    }
+
+    if (!std::ranges::all_of(updated, kaldo::finiteVertex))
+        return Kald::eInvalidInput;
+    for (std::size_t i = 0; i < written.size(); ++i)
+        m_vertices[std::size_t(written[i])] = std::move(updated[i]);
+    return Kald::eOk;
+}
