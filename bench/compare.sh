@@ -14,7 +14,7 @@
 #   KALDO_BENCH_MULTILINES   multilines in the DXF drawing (default 100000)
 #   KALDO_EZDXF_MULTILINES   multilines in the drawing ezdxf reads (default 5000)
 #   KALDO_BENCH_MIXED        entity counts of the large mixed drawings
-#                            (default "1000000 4000000")
+#                            (default "1000000 4000000"; empty for none)
 #   KALDO_EZDXF_MIXED        entities of the mixed drawing ezdxf reads (default 50000)
 #   KALDO_BENCH_RUNS         runs of each whole process in the second table (default 3)
 set -euo pipefail
@@ -24,7 +24,7 @@ stage=${KALDO_STAGE:-$root/build/default/stage}
 kaldo=$stage/bin/kaldo
 multilines=${KALDO_BENCH_MULTILINES:-100000}
 ezdxfMultilines=${KALDO_EZDXF_MULTILINES:-5000}
-mixedCounts=${KALDO_BENCH_MIXED:-1000000 4000000}
+mixedCounts=${KALDO_BENCH_MIXED-1000000 4000000}
 ezdxfMixed=${KALDO_EZDXF_MIXED:-50000}
 runs=${KALDO_BENCH_RUNS:-3}
 work=$(mktemp -d)

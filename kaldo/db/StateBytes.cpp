@@ -70,9 +70,9 @@ std::size_t contentBytes(const KxDbObject& obj)
     if (const auto* table = KxDbSymbolTable::cast(&obj))
         return tableBytes(*table);
     if (const auto* record = KxDbUnmodelledObject::cast(&obj))
-        return groupBytes(record->groups());
+        return record->packedGroups().byteSize();
     if (const auto* record = KxDbUnmodelledEntity::cast(&obj))
-        return groupBytes(record->groups());
+        return record->packedGroups().byteSize();
     return 0;
 }
 

@@ -29,14 +29,14 @@ void Record::read(GroupReader& reader, const Group& head)
     }
 }
 
-std::vector<KxDbFileGroup> Record::allGroups() const
+KxDbPackedGroups Record::packedGroups() const
 {
-    std::vector<KxDbFileGroup> groups;
-    groups.reserve(size_);
+    KxDbPackedGroups groups;
     for (std::size_t i = 0; i < size_; ++i) {
         const Group g = at(i);
-        groups.push_back(KxDbFileGroup{std::int16_t(g.code), 0, std::string(g.value)});
+        groups.append(g.code, 0, g.value);
     }
+    groups.shrink();
     return groups;
 }
 

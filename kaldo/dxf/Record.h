@@ -9,6 +9,7 @@
 
 #include "kaldo/dxf/GroupReader.h"
 #include "kxdbobject.h"
+#include "kxdbunmodelled.h"
 
 namespace kaldo::dxf {
 
@@ -26,8 +27,8 @@ public:
         const Field& f = fields_[index];
         return Group{f.code, std::string_view(text_).substr(f.offset, f.length), f.line};
     }
-    // Every group as read, for a record that is kept whole.
-    std::vector<KxDbFileGroup> allGroups() const;
+    // Every group as read, packed, for a record that is kept whole.
+    KxDbPackedGroups packedGroups() const;
 
 private:
     // Values live one after the other in text_, reused from record to

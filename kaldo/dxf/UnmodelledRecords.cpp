@@ -24,20 +24,23 @@ RecordBasics rawRecordBasics(const Record& record)
     return basics;
 }
 
-void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const std::vector<KxDbFileGroup>& groups,
+void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const KxDbPackedGroups& groups,
                            std::uint64_t handle)
 {
-    const auto handleGroup = std::find_if(groups.begin(), groups.end(),
-                                          [](const KxDbFileGroup& g) { return g.code == 5 || g.code == 105; });
+    bool hasHandle = false;
+    groups.forEach([&](int code, std::uint8_t, std::string_view) { hasHandle = hasHandle || code == 5 || code == 105; });
     w.text(0, kind);
-    if (handleGroup == groups.end())
+    if (!hasHandle)
         w.handle(5, handle);
-    for (auto it = groups.begin(); it != groups.end(); ++it) {
-        if (it == handleGroup)
-            w.handle(it->code, handle);
-        else
-            w.text(it->code, it->value);
-    }
+    bool handleWritten = false;
+    groups.forEach([&](int code, std::uint8_t, std::string_view value) {
+        if ((code == 5 || code == 105) && !handleWritten) {
+            w.handle(code, handle);
+            handleWritten = true;
+        } else {
+            w.text(code, value);
+        }
+    });
 }
 
 }  // namespace kaldo::dxf

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kaldo/dxf/Record.h"
+#include "kxdbunmodelled.h"
 
 namespace kaldo::dxf {
 
@@ -16,7 +17,7 @@ class GroupWriter;
 // of a record; nothing is kept aside, the record keeps every group.
 RecordBasics rawRecordBasics(const Record& record);
 
-void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const std::vector<KxDbFileGroup>& groups,
+void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const KxDbPackedGroups& groups,
                            std::uint64_t handle);
 
 }  // namespace kaldo::dxf
