@@ -69,8 +69,8 @@ TEST(DxfMemoryBound, CountsThatPromiseMoreThanFollowsAreRefused)
 }
 
 // Records the host keeps as read (text, block references, kinds it does not
-// know) hold their groups packed: a drawing of them takes less than twice
-// the file, where a group object per value took five times.
+// know) hold their groups packed: a drawing of them takes less than three
+// times the file, where a group object per value took more than five.
 TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 {
     std::string entities;
@@ -85,7 +85,7 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
     const std::string text = smallDrawing(entities, "");
     const auto [peak, error] = readMeasured(text);
     EXPECT_EQ(error, "");
-    EXPECT_LT(peak, kBase + 2 * text.size()) << text.size() << " bytes";
+    EXPECT_LT(peak, kBase + 3 * text.size()) << text.size() << " bytes";
 }
 
 TEST(DxfMemoryBound, EveryCorpusInputStaysWithinTheBound)
