@@ -3,7 +3,7 @@ PRESET ?= default
 BUILD_DIR := build/$(PRESET)
 STAGE := $(BUILD_DIR)/stage
 
-.PHONY: all deps build test run screenshots asan fuzz fuzz-build bench clean
+.PHONY: all deps build test run package screenshots asan fuzz fuzz-build bench clean
 
 all: build
 
@@ -29,6 +29,13 @@ run: build
 	    --save $(BUILD_DIR)/first-session.dxf --export $(BUILD_DIR)/first-session.png --background dark
 	@echo "Saved $(BUILD_DIR)/first-session.dxf and its picture $(BUILD_DIR)/first-session.png"
 	@if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then $(STAGE)/bin/kaldo $(BUILD_DIR)/first-session.dxf; fi
+
+# The Debian package, kaldo_<version>_<arch>.deb in this folder, for
+# 'sudo apt install ./kaldo_*.deb'.
+package: build
+	@rm -f kaldo_*.deb
+	cmake --build --preset $(PRESET) --target package
+	cp $(BUILD_DIR)/package/kaldo_*.deb .
 
 # Pictures of the window for the README, taken on a virtual display.
 screenshots: build

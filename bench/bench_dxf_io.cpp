@@ -8,6 +8,7 @@
 // KALDO_BENCH_MULTILINES changes the count (ezdxf needs minutes and
 // gigabytes for the full file); KALDO_BENCH_DXF names a file to write the
 // drawing to and keep, for timing whole runs of the host on it.
+#include "PeakMemory.h"
 #include "kaldo/dxf/DxfFile.h"
 #include "kxdb.h"
 
@@ -18,14 +19,11 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <memory>
 
@@ -88,25 +86,6 @@ SharedFile& sharedFile()
 {
     static SharedFile file;
     return file;
-}
-
-// Starts measuring this process's peak memory afresh (Linux: clear_refs 5
-// resets the high-water mark), after giving back what earlier benchmarks
-// freed, so that the peak is the opening's own.
-void resetPeakMemory()
-{
-    malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5";
-}
-
-// The peak resident memory since the last reset, in megabytes.
-double peakMegabytes()
-{
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.rfind("VmHWM:", 0) == 0)
-            return std::stod(line.substr(6)) / 1024.0;
-    return 0;
 }
 
 void report(benchmark::State& state, double seconds)

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kMultilines = 10000;
 
-std::unique_ptr<KxDbDatabase> explodedDrawing(kaldo::FillForm fillForm)
+std::unique_ptr<KxDbDatabase> explodedDrawing(const kaldo::ExplodeForm& form)
 {
     auto db = buildZigzagMultilines(kMultilines);
     {
@@ -27,15 +27,15 @@ std::unique_ptr<KxDbDatabase> explodedDrawing(kaldo::FillForm fillForm)
         KxDbObjectPtr<KxDbMlineStyle> style(styleId, KxDb::kForWrite);
         style->setFilled(true);
     }
-    kaldo::explodeAllMlines(*db, fillForm);
+    kaldo::explodeAllMlines(*db, form);
     return db;
 }
 
 // Writes with write into a fresh memory file per iteration; reports its size.
 template <class Write>
-void measure(benchmark::State& state, kaldo::FillForm fillForm, Write write)
+void measure(benchmark::State& state, const kaldo::ExplodeForm& form, Write write)
 {
-    auto db = explodedDrawing(fillForm);
+    auto db = explodedDrawing(form);
     off_t size = 0;
     for (auto _ : state) {
         const int fd = memfd_create("kaldo-bench", MFD_CLOEXEC);
@@ -49,14 +49,14 @@ void measure(benchmark::State& state, kaldo::FillForm fillForm, Write write)
 void BM_WriteExplodedCopy(benchmark::State& state)
 {
     kaldo::dxf::KeptSections kept;
-    measure(state, kaldo::FillForm::Hatch, [&](int fd, KxDbDatabase& db) { kaldo::dxf::writeDxf(fd, db, kept); });
+    measure(state, {kaldo::FillForm::Hatch, true, true}, [&](int fd, KxDbDatabase& db) { kaldo::dxf::writeDxf(fd, db, kept); });
 }
 BENCHMARK(BM_WriteExplodedCopy)->Unit(benchmark::kMillisecond);
 
 void BM_WriteExplodedCopyR12(benchmark::State& state)
 {
     const kaldo::dxf::KeptSections kept;
-    measure(state, kaldo::FillForm::Solids, [&](int fd, const KxDbDatabase& db) {
+    measure(state, {kaldo::FillForm::Solids, true, false}, [&](int fd, const KxDbDatabase& db) {
         kaldo::dxf::writeDxfR12(fd, db, kept, kaldo::view::nearestColorIndex);
     });
 }

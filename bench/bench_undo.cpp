@@ -1,12 +1,27 @@
 // What the undo history costs: a command that moves a vertex of a long
-// multiline (its copy is recorded, taken back and restored), and a command
-// that adds a line to a drawing of many multilines (the model space block's
-// entity list is recorded; undo takes the line out again).
+// multiline (its copy is recorded, taken back and restored), a command that
+// adds a line to a drawing of many multilines (undo takes the line out
+// again), and whole runs of the host on scripts of N LINE commands, each
+// one step of the history (wall time and the run's peak memory).
 #include "ZigzagMultilines.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kxdb.h"
 
 #include <benchmark/benchmark.h>
+
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+extern char** environ;
 
 namespace {
 
@@ -53,6 +68,76 @@ void BM_UndoLineAddedToLargeDrawing(benchmark::State& state)
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_UndoLineAddedToLargeDrawing)->Arg(1000)->Arg(100000);
+
+// A script of count LINE commands, each drawing one segment.
+void writeLineScript(const std::string& path, int count)
+{
+    std::ofstream script(path);
+    for (int i = 0; i < count; ++i) {
+        const int x = i % 1000, y = i / 1000;
+        script << "LINE\n" << x << ',' << y << '\n' << x + 1 << ',' << y << "\n\n";
+    }
+}
+
+struct RunFigures {
+    double seconds = 0;
+    double processorSeconds = 0;
+    double peakMegabytes = 0;
+    bool ok = false;
+};
+
+// Runs the staged host (KALDO_STAGE names another staged build) on the
+// script, its transcript thrown away; the wall time, and the child's own
+// processor time and peak resident memory.
+RunFigures runHost(const std::string& script)
+{
+    const char* stage = std::getenv("KALDO_STAGE");
+    const std::string kaldo = std::string(stage ? stage : KALDO_STAGE_DIR) + "/bin/kaldo";
+    const char* argv[] = {kaldo.c_str(), "--script", script.c_str(), nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    RunFigures figures;
+    const auto start = std::chrono::steady_clock::now();
+    pid_t child = 0;
+    const int spawned = posix_spawn(&child, kaldo.c_str(), &actions, nullptr, const_cast<char**>(argv), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned != 0)
+        return figures;
+    int status = 0;
+    rusage usage{};
+    if (wait4(child, &status, 0, &usage) != child)
+        return figures;
+    figures.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const auto toSeconds = [](const timeval& t) { return double(t.tv_sec) + double(t.tv_usec) * 1e-6; };
+    figures.processorSeconds = toSeconds(usage.ru_utime) + toSeconds(usage.ru_stime);
+    figures.peakMegabytes = double(usage.ru_maxrss) / 1024.0;
+    figures.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return figures;
+}
+
+void BM_LineScript(benchmark::State& state)
+{
+    const QTemporaryDir dir;
+    const std::string script = dir.filePath("lines.scr").toStdString();
+    const int count = int(state.range(0));
+    writeLineScript(script, count);
+    for (auto _ : state) {
+        const RunFigures run = runHost(script);
+        if (!run.ok) {
+            state.SkipWithError("the host did not run the script to its end");
+            return;
+        }
+        state.SetIterationTime(run.seconds);
+        state.counters["s"] = run.seconds;
+        state.counters["cpu_s"] = run.processorSeconds;
+        state.counters["us_per_LINE"] = run.seconds * 1e6 / count;
+        state.counters["peak_MB"] = run.peakMegabytes;
+    }
+}
+BENCHMARK(BM_LineScript)->Arg(10000)->Arg(100000)->Arg(1000000)->UseManualTime()->Unit(benchmark::kSecond)
+    ->Iterations(1);
 
 }  // namespace
 

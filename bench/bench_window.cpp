@@ -35,8 +35,8 @@ public:
     {
         canvas_.resize(target_.size());
         auto scene = std::make_shared<const kaldo::view::Scene>(kaldo::view::renderDrawing(*db_));
-        auto snaps = std::make_shared<const kaldo::ui::SnapGeometry>(*scene);
         auto index = std::make_shared<const kaldo::view::SceneIndex>(*scene);
+        auto snaps = std::make_shared<const kaldo::ui::SnapGeometry>(scene, index);
         canvas_.showDrawing({scene, snaps, index, 1, false, {}});
         KxDbMline dragged;
         dragged.setDatabaseDefaults(db_.get());
@@ -114,12 +114,12 @@ BENCHMARK(BM_RedrawAfterZoom)->Unit(benchmark::kMillisecond)->Iterations(10)->Us
 void BM_SnapAmongAMillionSegments(benchmark::State& state)
 {
     // A grid of short lines, 1000 by 1000.
-    kaldo::view::Scene scene;
+    auto scene = std::make_shared<kaldo::view::Scene>();
     for (int i = 0; i < kSegments; ++i) {
         const double x = (i % 1000) * 10.0, y = (i / 1000) * 10.0;
-        scene.addLine({x, y}, {x + 7, y + 3}, 0);
+        scene->addLine({x, y}, {x + 7, y + 3}, 0);
     }
-    const kaldo::ui::SnapGeometry snaps(scene);
+    const kaldo::ui::SnapGeometry snaps(scene, std::make_shared<const kaldo::view::SceneIndex>(*scene));
     std::mt19937 random(1);
     std::uniform_real_distribution<double> place(0, 10000);
     for (auto _ : state) {

@@ -9,10 +9,10 @@
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
-#include "kaldo/ed/Text.h"
 #include "kaldo/ui/WindowSession.h"
 #include "kaldo/util/FileAccess.h"
 #include "kaldo/util/FileStreamBuffer.h"
+#include "kaldo/util/TerminalText.h"
 #include "kaldo/view/PictureExport.h"
 #include "kxdbdatabase.h"
 #include "kxstring.h"
@@ -37,9 +37,21 @@ void chooseOffscreenWithoutDisplay()
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
 }
 
+// Messages name files and quote drawings: they reach the terminal with
+// their control characters shown.
+void complain(std::string_view message)
+{
+    std::cerr << "kaldo: " << kaldo::terminalText(message) << "\n";
+}
+
+void complain(std::wstring_view message)
+{
+    std::cerr << "kaldo: " << kaldo::terminalText(message) << "\n";
+}
+
 int fail(const std::string& message, int code)
 {
-    std::cerr << "kaldo: " << message << "\n";
+    complain(message);
     return code;
 }
 
@@ -83,7 +95,7 @@ std::string checkPaths(const kaldo::Options& options, const kaldo::SessionPaths&
 
 void printTranscript(std::wstring_view text)
 {
-    std::cout << kxutToMultiByte(kaldo::withControlsShown(text)) << std::flush;
+    std::cout << kaldo::terminalText(text) << std::flush;
 }
 
 }  // namespace
@@ -95,7 +107,8 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     const kaldo::ParsedOptions parsed = kaldo::parseOptions(app.arguments());
     if (!parsed.error.empty()) {
-        std::cerr << "kaldo: " << parsed.error << "\n" << kaldo::usageText();
+        complain(parsed.error);
+        std::cerr << kaldo::usageText();
         return kaldo::kExitUsage;
     }
     const kaldo::Options& options = parsed.options;
@@ -149,12 +162,14 @@ int main(int argc, char** argv)
 
     for (const std::filesystem::path& module : options.modules) {
         std::wstring message;
-        if (!session->loadModule(module, message))
-            return fail(kxutToMultiByte(message), kaldo::kExitBadFile);
+        if (!session->loadModule(module, message)) {
+            complain(message);
+            return kaldo::kExitBadFile;
+        }
     }
     if (options.autoloadModules) {
         for (const std::wstring& message : session->loadModulesFolder())
-            std::cerr << "kaldo: " << kxutToMultiByte(message) << "\n";
+            complain(message);
     }
 
     if (window) {

@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "kaldo/app/SortTables.h"
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/util/Utf8.h"
 #include "kaldo/view/MlinePieces.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
@@ -15,7 +17,6 @@
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 namespace kaldo {
 
@@ -23,6 +24,9 @@ namespace {
 
 // Runs shorter than this are left out: they draw nothing.
 constexpr double kShortest = 1e-10;
+// A dashed run that would break into more pieces than this stays one LINE
+// in its linetype: a pattern that fine prints as a line anyway.
+constexpr double kMostDashes = 1000;
 
 std::string numberText(double value)
 {
@@ -119,11 +123,19 @@ std::vector<KxDbFileGroup> hatchGroups(const std::vector<std::array<KxGePoint3d,
     return groups;
 }
 
+// What the pieces of one multiline share: where they go and how they are made.
+struct PieceOwner {
+    const KxDbDatabase& db;
+    const KxDbMline& mline;
+    std::string blockHandle;
+    std::string layer;
+    ExplodeForm form;
+};
+
 // Turns the pieces of one multiline into new entities.
 class Exploder : private view::MlinePieceSink {
 public:
-    Exploder(const KxDbDatabase& db, const KxDbMline& mline, const KxDbMlineStyle* style)
-        : m_db(db), m_mline(mline)
+    Exploder(const PieceOwner& owner, const KxDbMlineStyle* style) : m_owner(owner), m_mline(owner.mline)
     {
         const int stylePens = style ? style->numElements() : 0;
         for (int e = 0; e < stylePens; ++e) {
@@ -132,7 +144,7 @@ public:
             style->getElementAt(e, offset, look.color, look.linetype);
             m_looks.push_back(look);
         }
-        view::MlinePieces().collect(mline, style, *this);
+        view::MlinePieces().collect(m_mline, style, *this);
     }
 
     std::vector<std::unique_ptr<KxDbEntity>>& entities() { return m_entities; }
@@ -151,7 +163,7 @@ private:
         const ElementLook how = look(element);
         entity->setLayer(m_mline.layerId());
         entity->setColor(how.color);
-        entity->setLinetype(continuous ? m_db.continuousLinetype() : how.linetype);
+        entity->setLinetype(continuous ? m_owner.db.continuousLinetype() : how.linetype);
         m_entities.push_back(std::move(entity));
     }
 
@@ -162,8 +174,72 @@ private:
         place(std::make_unique<KxDbLine>(from, to), element, continuous);
     }
 
+    void addPoint(const KxGePoint3d& at, int element)
+    {
+        const ElementLook how = look(element);
+        std::vector<KxDbFileGroup> groups = entityHead(m_owner.blockHandle, m_owner.layer, how.color);
+        groups.push_back({100, 0, "AcDbPoint"});
+        groups.push_back({10, 0, numberText(at.x)});
+        groups.push_back({20, 0, numberText(at.y)});
+        groups.push_back({30, 0, numberText(at.z)});
+        auto point = std::make_unique<KxDbUnmodelledEntity>("POINT", std::move(groups));
+        point->setLayer(m_mline.layerId());
+        point->setColor(how.color);
+        point->setLinetype(m_owner.db.byLayerLinetype());
+        m_entities.push_back(std::move(point));
+    }
+
+    // The dashes of a linetype that has gaps, as drawn (ByLayer is the
+    // layer's); null for continuous ones.
+    const std::vector<double>* dashesOf(KxDbObjectId linetype) const
+    {
+        if (linetype == m_owner.db.byLayerLinetype())
+            if (const auto* layer = KxDbLayerTableRecord::cast(m_owner.db.peekObject(m_mline.layerId())))
+                linetype = layer->linetypeObjectId();
+        const auto* record = KxDbLinetypeTableRecord::cast(m_owner.db.peekObject(linetype));
+        if (!record || linetype == m_owner.db.byBlockLinetype() || linetype == m_owner.db.byLayerLinetype())
+            return nullptr;
+        const std::vector<double>& dashes = record->dashes();
+        const bool gaps = std::any_of(dashes.begin(), dashes.end(), [](double d) { return d < -kShortest; });
+        return gaps ? &dashes : nullptr;
+    }
+
+    // A run in a dashed linetype as its dashes, continuous, the pattern
+    // starting at the run's start as the renderer starts it: dashes are
+    // LINEs, dots POINTs, gaps nothing.
+    void addDashes(const view::MlineRun& run, const std::vector<double>& dashes)
+    {
+        const double length = distance(run.from, run.to);
+        double repeat = 0;
+        for (const double d : dashes)
+            repeat += std::abs(d);
+        if (length <= kShortest || length / repeat * double(dashes.size()) > kMostDashes) {
+            addLine(run.from, run.to, run.element, false);
+            return;
+        }
+        const KxGeVector3d along = (run.to - run.from) * (1 / length);
+        double at = 0;
+        for (std::size_t i = 0; at < length - kShortest; i = (i + 1) % dashes.size()) {
+            const double piece = dashes[i];
+            if (piece > kShortest)
+                addLine(run.from + along * at, run.from + along * std::min(at + piece, length), run.element, true);
+            else if (piece >= -kShortest)
+                addPoint(run.from + along * at, run.element);
+            at += std::abs(piece);
+        }
+    }
+
     void fill(const view::MlineFill& fill) override { m_fills.push_back(fill.corners); }
-    void run(const view::MlineRun& run) override { addLine(run.from, run.to, run.element, false); }
+
+    void run(const view::MlineRun& run) override
+    {
+        const std::vector<double>* dashes = m_owner.form.dashesAsLines ? dashesOf(look(run.element).linetype) : nullptr;
+        if (dashes)
+            addDashes(run, *dashes);
+        else
+            addLine(run.from, run.to, run.element, false);
+    }
+
     void capLine(const view::MlineCapLine& line) override { addLine(line.from, line.to, line.element, true); }
 
     // An arc in a plane seen from below (normal -Z) is written as the same
@@ -192,7 +268,7 @@ private:
               arc.element, true);
     }
 
-    const KxDbDatabase& m_db;
+    const PieceOwner& m_owner;
     const KxDbMline& m_mline;
     std::vector<ElementLook> m_looks;
     std::vector<std::unique_ptr<KxDbEntity>> m_entities;
@@ -202,85 +278,116 @@ private:
 std::string layerName(KxDbObjectId layer)
 {
     const KxDbObjectPtr<KxDbLayerTableRecord> record(layer, KxDb::kForRead);
-    return record ? kxutToMultiByte(record->name()) : "0";
+    return record ? utf8FromWide(record->name()) : "0";
+}
+
+// Adds the pieces of an open multiline to its open block, the fill first,
+// and erases the multiline; pieces gets the new entities in that order.
+Explosion explodeInto(KxDbDatabase& db, KxDbMline& mline, KxDbBlockTableRecord& block, const ExplodeForm& form,
+                      std::vector<KxDbObjectId>& pieces)
+{
+    Explosion made;
+    KxDbObjectPtr<KxDbMlineStyle> style;
+    if (!mline.style().isNull())
+        style.open(mline.style(), KxDb::kForRead);
+    const PieceOwner owner{db, mline, utf8FromWide(block.handleText()), layerName(mline.layerId()), form};
+    Exploder exploder(owner, style.get());
+    const auto add = [&](KxDbEntity* entity) {
+        KxDbObjectId id;
+        if (block.appendKxDbEntity(id, entity) != Kald::eOk)
+            return false;
+        KxDbObjectPtr<KxDbEntity> added(entity);
+        pieces.push_back(id);
+        return true;
+    };
+    const auto addFill = [&](const char* kind, std::vector<KxDbFileGroup> groups) {
+        auto fill = std::make_unique<KxDbUnmodelledEntity>(kind, std::move(groups));
+        fill->setLayer(mline.layerId());
+        fill->setColor(style->fillColor());
+        fill->setLinetype(db.byLayerLinetype());
+        return add(fill.get()) && fill.release();
+    };
+    if (!exploder.fills().empty() && style) {
+        if (form.fill == FillForm::Hatch)
+            made.hatches += addFill("HATCH", hatchGroups(exploder.fills(), EntityPlane(mline.normal()),
+                                                         owner.blockHandle, owner.layer, style->fillColor()));
+        else
+            for (const auto& quad : exploder.fills())
+                made.solids += addFill("SOLID", solidGroups(quad, mline.normal(), owner.blockHandle, owner.layer,
+                                                            style->fillColor()));
+    }
+    for (std::unique_ptr<KxDbEntity>& entity : exploder.entities()) {
+        int& count = KxDbArc::cast(entity.get())    ? made.arcs
+                     : KxDbLine::cast(entity.get()) ? made.lines
+                                                    : made.points;
+        if (add(entity.get())) {
+            entity.release();
+            ++count;
+        }
+    }
+    made.exploded = mline.erase() == Kald::eOk;
+    return made;
 }
 
 }  // namespace
 
-Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id, FillForm fillForm)
+Explosion explodeMline(KxDbDatabase& db, KxDbObjectId id, const ExplodeForm& form)
 {
-    Explosion made;
     KxDbObjectPtr<KxDbMline> mline(id, KxDb::kForWrite);
     if (!mline)
-        return made;
+        return {};
     KxDbObjectPtr<KxDbBlockTableRecord> block(mline->ownerId(), KxDb::kForWrite);
     if (!block)
-        return made;
-    KxDbObjectPtr<KxDbMlineStyle> style;
-    if (!mline->style().isNull())
-        style.open(mline->style(), KxDb::kForRead);
-    Exploder exploder(db, *mline, style.get());
-    for (std::unique_ptr<KxDbEntity>& entity : exploder.entities()) {
-        const bool arc = KxDbArc::cast(entity.get()) != nullptr;
-        if (block->appendKxDbEntity(entity.get()) != Kald::eOk)
-            continue;
-        KxDbObjectPtr<KxDbEntity> added(entity.release());
-        ++(arc ? made.arcs : made.lines);
-    }
-    const auto addFill = [&](const char* kind, std::vector<KxDbFileGroup> groups) {
-        auto fill = std::make_unique<KxDbUnmodelledEntity>(kind, std::move(groups));
-        fill->setLayer(mline->layerId());
-        fill->setColor(style->fillColor());
-        fill->setLinetype(db.byLayerLinetype());
-        if (block->appendKxDbEntity(fill.get()) != Kald::eOk)
-            return false;
-        KxDbObjectPtr<KxDbEntity> added(fill.release());
-        return true;
-    };
-    if (!exploder.fills().empty() && style) {
-        const std::string owner = kxutToMultiByte(block->handleText());
-        const std::string layer = layerName(mline->layerId());
-        if (fillForm == FillForm::Hatch)
-            made.hatches += addFill("HATCH", hatchGroups(exploder.fills(), EntityPlane(mline->normal()), owner, layer,
-                                                         style->fillColor()));
-        else
-            for (const auto& quad : exploder.fills())
-                made.solids += addFill("SOLID", solidGroups(quad, mline->normal(), owner, layer, style->fillColor()));
-    }
-    made.exploded = mline->erase() == Kald::eOk;
-    return made;
+        return {};
+    // The pieces are appended (fill first): the undo history keeps a block's
+    // list as appended to, so an undoable explosion never reorders it.
+    std::vector<KxDbObjectId> pieces;
+    return explodeInto(db, *mline, *block, form, pieces);
 }
 
-int explodeAllMlines(KxDbDatabase& db, FillForm fillForm)
+int explodeAllMlines(KxDbDatabase& db, const ExplodeForm& form)
 {
-    std::vector<KxDbObjectId> mlines;
+    std::vector<KxDbObjectId> blocks;
     {
         KxDbBlockTable* opened = nullptr;
         if (db.getBlockTable(opened, KxDb::kForRead) != Kald::eOk)
             return 0;
         const KxDbObjectPtr<KxDbBlockTable> table(opened);
-        const auto blocks = table->newIterator();
-        for (blocks->start(); !blocks->done(); blocks->step()) {
-            KxDbObjectId blockId;
-            if (blocks->getRecordId(blockId) != Kald::eOk)
-                continue;
-            const KxDbObjectPtr<KxDbBlockTableRecord> block(blockId, KxDb::kForRead);
-            if (!block)
-                continue;
-            const auto entities = block->newIterator();
-            for (entities->start(); !entities->done(); entities->step()) {
-                KxDbEntity* entity = nullptr;
-                if (entities->getEntity(entity, KxDb::kForRead) != Kald::eOk)
-                    continue;
-                const KxDbObjectPtr<KxDbEntity> open(entity);
-                if (KxDbMline::cast(entity))
-                    mlines.push_back(entity->objectId());
+        for (auto it = table->newIterator(); !it->done(); it->step())
+            blocks.push_back(it->getRecordId());
+    }
+    // Each block's entities are put in the order readers that honour its
+    // sort table draw them, with the pieces in their multilines' places:
+    // readers that draw in file order then agree with them.
+    SortTables sortTables(db);
+    int exploded = 0;
+    for (const KxDbObjectId& blockId : blocks) {
+        KxDbObjectPtr<KxDbBlockTableRecord> block(blockId, KxDb::kForWrite);
+        if (!block)
+            continue;
+        const std::vector<KxDbObjectId> drawn = sortTables.drawingOrder(*block);
+        std::vector<KxDbObjectId> order;
+        bool changed = false;
+        for (const KxDbObjectId& id : drawn) {
+            if (KxDbMline::cast(db.peekObject(id))) {
+                KxDbObjectPtr<KxDbMline> mline(id, KxDb::kForWrite);
+                std::vector<KxDbObjectId> pieces;
+                const Explosion made = mline ? explodeInto(db, *mline, *block, form, pieces) : Explosion{};
+                order.insert(order.end(), pieces.begin(), pieces.end());
+                if (!made.exploded)
+                    order.push_back(id);
+                exploded += made.exploded ? 1 : 0;
+                changed = true;
+            } else {
+                order.push_back(id);
             }
         }
+        if (!changed)
+            continue;
+        block->setEntityOrder(order);
+        if (form.sortTables)
+            sortTables.writeTable(*block);
     }
-    int exploded = 0;
-    for (const KxDbObjectId& id : mlines)
-        exploded += explodeMline(db, id, fillForm).exploded ? 1 : 0;
     return exploded;
 }
 

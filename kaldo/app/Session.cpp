@@ -121,11 +121,11 @@ int Session::saveExplodedCopy(const std::filesystem::path& path, bool replaceRea
     dxf::GroupReader reader(text);
     dxf::DxfDrawing copy = dxf::readDxf(reader);
     if (version == CopyVersion::Current) {
-        const int exploded = explodeAllMlines(*copy.database);
+        const int exploded = explodeAllMlines(*copy.database, {FillForm::Hatch, true, true});
         dxf::saveDxfFile(path, *copy.database, copy.kept, replaceReadOnly);
         return exploded;
     }
-    const int exploded = explodeAllMlines(*copy.database, FillForm::Solids);
+    const int exploded = explodeAllMlines(*copy.database, {FillForm::Solids, true, false});
     const dxf::LeftOutKinds leftOut =
         dxf::saveDxfFileR12(path, *copy.database, copy.kept, view::nearestColorIndex, replaceReadOnly);
     if (!leftOut.empty()) {

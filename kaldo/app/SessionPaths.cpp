@@ -20,11 +20,10 @@ std::filesystem::path baseDir(const char* variable, const char* fallback)
 
 SessionPaths defaultSessionPaths(const std::filesystem::path& exeDir)
 {
-    const std::filesystem::path root = (exeDir / "..").lexically_normal();
     SessionPaths paths;
     paths.profile = baseDir("XDG_CONFIG_HOME", ".config") / "kaldo" / "kaldo.ini";
-    paths.supportDir = root / "share" / "kaldo" / "Support";
-    paths.modulesDir = root / "modules";
+    paths.supportDir = (exeDir / KALDO_SUPPORT_FROM_BIN).lexically_normal();
+    paths.modulesDir = (exeDir / KALDO_MODULES_FROM_BIN).lexically_normal();
     paths.crashDir = baseDir("XDG_STATE_HOME", ".local/state") / "kaldo" / "crash";
     return paths;
 }

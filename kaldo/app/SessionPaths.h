@@ -12,10 +12,11 @@ struct SessionPaths {
     std::filesystem::path crashDir;    // crash reports
 };
 
-// The defaults for an executable in exeDir:
+// The defaults for an executable in exeDir (bin/ of the stage or of an
+// installation under any prefix; the build fixes the relative folders):
 //   profile  $XDG_CONFIG_HOME/kaldo/kaldo.ini (else ~/.config/kaldo/kaldo.ini)
 //   support  <exeDir>/../share/kaldo/Support
-//   modules  <exeDir>/../modules
+//   modules  <exeDir>/../lib/<multiarch>/kaldo/modules
 //   crash    $XDG_STATE_HOME/kaldo/crash (else ~/.local/state/kaldo/crash)
 SessionPaths defaultSessionPaths(const std::filesystem::path& exeDir);
 

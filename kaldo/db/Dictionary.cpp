@@ -33,10 +33,26 @@ const KxDbDictionary::Entry* KxDbDictionary::find(const wchar_t* name) const
 
 const KxDbDictionary::Entry* KxDbDictionary::find(KxDbObjectId id) const
 {
-    for (const auto& [key, entry] : m_entries)
-        if (entry.id == id && isLive(id))
-            return &entry;
-    return nullptr;
+    const auto key = m_keys.find(id);
+    return key != m_keys.end() && isLive(id) ? &m_entries.at(key->second) : nullptr;
+}
+
+void KxDbDictionary::putEntry(const std::wstring& key, Entry entry)
+{
+    if (const auto old = m_keys.find(entry.id); old != m_keys.end() && old->second != key)
+        m_entries.erase(old->second);
+    if (const auto old = m_entries.find(key); old != m_entries.end() && old->second.id != entry.id)
+        m_keys.erase(old->second.id);
+    m_keys[entry.id] = key;
+    m_entries[key] = std::move(entry);
+}
+
+void KxDbDictionary::eraseEntry(const std::wstring& key)
+{
+    if (const auto it = m_entries.find(key); it != m_entries.end()) {
+        m_keys.erase(it->second.id);
+        m_entries.erase(it);
+    }
 }
 
 Kald::ErrorStatus KxDbDictionary::getAt(const wchar_t* name, KxDbObjectId& id) const
@@ -101,13 +117,7 @@ Kald::ErrorStatus KxDbDictionary::setAt(const wchar_t* name, KxDbObject* obj, Kx
             }
         }
     }
-    for (auto it = m_entries.begin(); it != m_entries.end();) {
-        if (it->second.id == obj->objectId() && it->first != key)
-            it = m_entries.erase(it);
-        else
-            ++it;
-    }
-    m_entries[key] = Entry{name, obj->objectId()};
+    putEntry(key, Entry{name, obj->objectId()});
     obj->setOwnerId(objectId());
     id = obj->objectId();
     return Kald::eOk;
@@ -127,7 +137,7 @@ Kald::ErrorStatus KxDbDictionary::remove(const wchar_t* name, KxDbObjectId& id)
         return Kald::eKeyNotFound;
     id = entry->id;
     kaldo::recordBeforeChange(*this);
-    m_entries.erase(kaldo::foldName(name));
+    eraseEntry(kaldo::foldName(name));
     if (KxDbObject* obj = kaldo::lookupObject(id); obj && obj->ownerId() == objectId())
         obj->setOwnerId(KxDbObjectId::kNull);
     return Kald::eOk;
@@ -155,8 +165,8 @@ Kald::ErrorStatus KxDbDictionary::setName(const wchar_t* oldName, const wchar_t*
         return Kald::eDuplicateKey;
     const KxDbObjectId id = entry->id;
     kaldo::recordBeforeChange(*this);
-    m_entries.erase(oldKey);
-    m_entries[newKey] = Entry{newName, id};
+    eraseEntry(oldKey);
+    putEntry(newKey, Entry{newName, id});
     return Kald::eOk;
 }
 
@@ -192,6 +202,7 @@ Kald::ErrorStatus KxDbDictionary::copyFrom(const KxDbObject* other)
     if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
         return es;
     m_entries = static_cast<const KxDbDictionary*>(other)->m_entries;
+    m_keys = static_cast<const KxDbDictionary*>(other)->m_keys;
     m_hardOwner = static_cast<const KxDbDictionary*>(other)->m_hardOwner;
     return Kald::eOk;
 }

@@ -45,14 +45,6 @@ std::size_t mlineBytes(const KxDbMline& mline)
     return bytes;
 }
 
-std::size_t tableBytes(const KxDbSymbolTable& table)
-{
-    std::size_t records = 0;
-    for (auto it = table.newIterator(); !it->done(); it->step())
-        ++records;
-    return records * sizeof(KxDbObjectId);
-}
-
 std::size_t contentBytes(const KxDbObject& obj)
 {
     if (const auto* mline = KxDbMline::cast(&obj))
@@ -63,12 +55,12 @@ std::size_t contentBytes(const KxDbObject& obj)
         return std::size_t(dictionary->numEntries()) * kDictionaryEntryBytes;
     if (const auto* style = KxDbMlineStyle::cast(&obj))
         return std::size_t(style->numElements()) * kStyleElementBytes + std::wcslen(style->description()) * sizeof(wchar_t);
-    if (const auto* block = KxDbBlockTableRecord::cast(&obj))
-        return std::size_t(block->numEntities()) * sizeof(KxDbObjectId);
+    // A table's records and a block's entities are no part of a copy.
     if (const auto* linetype = KxDbLinetypeTableRecord::cast(&obj))
-        return linetype->dashes().size() * sizeof(double) + linetype->description().size() * sizeof(wchar_t);
-    if (const auto* table = KxDbSymbolTable::cast(&obj))
-        return tableBytes(*table);
+        return linetype->dashes().size() * sizeof(double) + linetype->description().size() * sizeof(wchar_t)
+               + linetype->name().size() * sizeof(wchar_t);
+    if (const auto* record = KxDbSymbolTableRecord::cast(&obj))
+        return record->name().size() * sizeof(wchar_t);
     if (const auto* record = KxDbUnmodelledObject::cast(&obj))
         return record->packedGroups().byteSize();
     if (const auto* record = KxDbUnmodelledEntity::cast(&obj))

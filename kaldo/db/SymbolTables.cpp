@@ -5,6 +5,8 @@
 #include "kaldo/db/UndoHistory.h"
 #include "kxdbdatabase.h"
 
+#include <algorithm>
+
 KX_RX_DEFINE_MEMBERS(KxDbSymbolTableRecord, KxDbObject)
 KX_RX_DEFINE_MEMBERS(KxDbSymbolTable, KxDbObject)
 KX_RX_DEFINE_MEMBERS(KxDbBlockTableRecord, KxDbSymbolTableRecord)
@@ -27,6 +29,22 @@ void skipErasedIds(const std::vector<KxDbObjectId>& ids, std::size_t& pos)
         ++pos;
 }
 
+// Ids a table lists name records.
+KxDbSymbolTableRecord* recordOf(KxDbObjectId id)
+{
+    return static_cast<KxDbSymbolTableRecord*>(kaldo::lookupObject(id));
+}
+
+// Cuts ids after their first keep and appends tail, which receives the ids cut.
+void exchangeIdTail(std::vector<KxDbObjectId>& ids, std::size_t keep, std::vector<KxDbObjectId>& tail)
+{
+    const auto cutAt = ids.begin() + std::ptrdiff_t(std::min(keep, ids.size()));
+    std::vector<KxDbObjectId> cut(cutAt, ids.end());
+    ids.erase(cutAt, ids.end());
+    ids.insert(ids.end(), tail.begin(), tail.end());
+    tail = std::move(cut);
+}
+
 }  // namespace
 
 Kald::ErrorStatus KxDbSymbolTableRecord::getName(const wchar_t*& name) const
@@ -39,31 +57,81 @@ Kald::ErrorStatus KxDbSymbolTableRecord::setName(const wchar_t* name)
 {
     if (!name || !*name)
         return Kald::eInvalidInput;
-    if (const auto* table = KxDbSymbolTable::cast(kaldo::lookupObject(ownerId()))) {
+    if (const auto* table = KxDbSymbolTable::cast(kaldo::lookupObject(m_table))) {
         const KxDbObjectId other = table->findId(name, false);
         if (!other.isNull() && other != objectId())
             return Kald::eDuplicateKey;
     }
-    m_name = name;
+    rename(name);
     return Kald::eOk;
+}
+
+void KxDbSymbolTableRecord::rename(const std::wstring& name)
+{
+    if (name == m_name)
+        return;
+    auto* table = KxDbSymbolTable::cast(kaldo::lookupObject(m_table));
+    if (table)
+        table->unindex(*this);
+    m_name = name;
+    if (table)
+        table->index(*this);
 }
 
 Kald::ErrorStatus KxDbSymbolTableRecord::copyFrom(const KxDbObject* other)
 {
     if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
         return es;
-    m_name = static_cast<const KxDbSymbolTableRecord*>(other)->m_name;
+    rename(static_cast<const KxDbSymbolTableRecord*>(other)->m_name);
     return Kald::eOk;
 }
 
 KxDbObjectId KxDbSymbolTable::findId(const std::wstring& name, bool getErased) const
 {
-    for (const KxDbObjectId& id : m_records) {
-        const auto* record = static_cast<const KxDbSymbolTableRecord*>(kaldo::lookupObject(id));
-        if (record && (getErased || !record->isErased()) && kaldo::sameName(record->name(), name))
-            return id;
+    const auto [first, last] = m_byName.equal_range(kaldo::foldName(name));
+    for (auto it = first; it != last; ++it) {
+        const KxDbSymbolTableRecord* record = recordOf(it->second);
+        if (record && (getErased || !record->isErased()))
+            return it->second;
     }
     return KxDbObjectId::kNull;
+}
+
+void KxDbSymbolTable::index(const KxDbSymbolTableRecord& record)
+{
+    m_byName.emplace(kaldo::foldName(record.name()), record.objectId());
+}
+
+void KxDbSymbolTable::unindex(const KxDbSymbolTableRecord& record)
+{
+    const auto [first, last] = m_byName.equal_range(kaldo::foldName(record.name()));
+    const auto it = std::find_if(first, last, [&](const auto& entry) { return entry.second == record.objectId(); });
+    if (it != last)
+        m_byName.erase(it);
+}
+
+void KxDbSymbolTable::exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail)
+{
+    // Records taken out and put back are in the database while this runs
+    // (the undo history sees to it), so their names can be read.
+    const auto listing = [this](KxDbObjectId id, bool listed) {
+        KxDbSymbolTableRecord* record = recordOf(id);
+        if (!record)
+            return;
+        if (listed) {
+            record->m_table = objectId();
+            index(*record);
+        } else {
+            unindex(*record);
+            record->m_table.setNull();
+        }
+    };
+    const std::size_t from = std::min(keep, m_records.size());
+    for (std::size_t i = from; i < m_records.size(); ++i)
+        listing(m_records[i], false);
+    exchangeIdTail(m_records, from, tail);
+    for (std::size_t i = from; i < m_records.size(); ++i)
+        listing(m_records[i], true);
 }
 
 Kald::ErrorStatus KxDbSymbolTable::getAt(const wchar_t* name, KxDbObjectId& id, bool getErased) const
@@ -89,10 +157,8 @@ bool KxDbSymbolTable::has(const wchar_t* name) const
 
 bool KxDbSymbolTable::has(KxDbObjectId id) const
 {
-    for (const KxDbObjectId& record : m_records)
-        if (record == id)
-            return isLive(id);
-    return false;
+    const KxDbSymbolTableRecord* record = KxDbSymbolTableRecord::cast(kaldo::lookupObject(id));
+    return record && record->m_table == objectId() && isLive(id);
 }
 
 Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record)
@@ -112,6 +178,8 @@ Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObject
         return Kald::eNotApplicable;
     if (!findId(record->name(), false).isNull())
         return Kald::eDuplicateKey;
+    if (!record->m_table.isNull())
+        return Kald::eInvalidInput;
     if (!record->database()) {
         if (const Kald::ErrorStatus es = database()->addObject(record); es != Kald::eOk)
             return es;
@@ -120,6 +188,8 @@ Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObject
     }
     kaldo::recordBeforeChange(*this);
     m_records.push_back(record->objectId());
+    record->m_table = objectId();
+    index(*record);
     record->setOwnerId(objectId());
     id = record->objectId();
     return Kald::eOk;
@@ -128,14 +198,6 @@ Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObject
 std::unique_ptr<KxDbSymbolTableIterator> KxDbSymbolTable::newIterator() const
 {
     return std::make_unique<KxDbSymbolTableIterator>(m_records);
-}
-
-Kald::ErrorStatus KxDbSymbolTable::copyFrom(const KxDbObject* other)
-{
-    if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
-        return es;
-    m_records = static_cast<const KxDbSymbolTable*>(other)->m_records;
-    return Kald::eOk;
 }
 
 KxDbSymbolTableIterator::KxDbSymbolTableIterator(std::vector<KxDbObjectId> ids) : m_ids(std::move(ids))
@@ -222,6 +284,23 @@ int KxDbBlockTableRecord::numEntities() const
     return n;
 }
 
+Kald::ErrorStatus KxDbBlockTableRecord::setEntityOrder(const std::vector<KxDbObjectId>& order)
+{
+    std::vector<KxDbObjectId> live;
+    std::vector<KxDbObjectId> erased;
+    for (const KxDbObjectId& id : m_entities)
+        (isLive(id) ? live : erased).push_back(id);
+    std::vector<KxDbObjectId> given = order;
+    std::sort(live.begin(), live.end());
+    std::sort(given.begin(), given.end());
+    if (given != live)
+        return Kald::eInvalidInput;
+    kaldo::recordBeforeChange(*this);
+    m_entities = order;
+    m_entities.insert(m_entities.end(), erased.begin(), erased.end());
+    return Kald::eOk;
+}
+
 std::unique_ptr<KxDbBlockTableRecordIterator> KxDbBlockTableRecord::newIterator() const
 {
     return std::make_unique<KxDbBlockTableRecordIterator>(m_entities);
@@ -232,8 +311,12 @@ Kald::ErrorStatus KxDbBlockTableRecord::copyFrom(const KxDbObject* other)
     if (const Kald::ErrorStatus es = KxDbSymbolTableRecord::copyFrom(other); es != Kald::eOk)
         return es;
     m_origin = static_cast<const KxDbBlockTableRecord*>(other)->m_origin;
-    m_entities = static_cast<const KxDbBlockTableRecord*>(other)->m_entities;
     return Kald::eOk;
+}
+
+void KxDbBlockTableRecord::exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail)
+{
+    exchangeIdTail(m_entities, keep, tail);
 }
 
 KxDbBlockTableRecordIterator::KxDbBlockTableRecordIterator(std::vector<KxDbObjectId> ids) : m_ids(std::move(ids))

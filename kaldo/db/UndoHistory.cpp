@@ -6,6 +6,7 @@
 
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/StateBytes.h"
+#include "kxdbsymtb.h"
 
 namespace kaldo {
 
@@ -44,6 +45,39 @@ bool UndoHistory::firstRecordOf(const KxDbObject& obj)
     return recording() && obj.database() == &m_db && m_recorded.insert(obj.objectId().asOldId()).second;
 }
 
+std::optional<std::size_t> UndoHistory::listedCount(const KxDbObject& obj)
+{
+    if (const auto* table = KxDbSymbolTable::cast(&obj))
+        return table->m_records.size();
+    if (const auto* block = KxDbBlockTableRecord::cast(&obj))
+        return block->m_entities.size();
+    return std::nullopt;
+}
+
+void UndoHistory::exchangeListedTail(KxDbObject& obj, std::size_t keep, std::vector<KxDbObjectId>& tail)
+{
+    if (auto* table = KxDbSymbolTable::cast(&obj))
+        table->exchangeTail(keep, tail);
+    else if (auto* block = KxDbBlockTableRecord::cast(&obj))
+        block->exchangeTail(keep, tail);
+}
+
+std::size_t UndoHistory::bytesOf(const ObjectRecord& record)
+{
+    return (record.object ? stateBytes(*record.object) : 0) + record.listedTail.capacity() * sizeof(KxDbObjectId);
+}
+
+std::size_t UndoHistory::Step::ownBytes() const
+{
+    return sizeof(Step) + name.capacity() * sizeof(wchar_t) + objects.capacity() * sizeof(ObjectRecord);
+}
+
+void UndoHistory::addBytes(std::size_t bytes)
+{
+    m_open.bytes += bytes;
+    m_bytes += bytes;
+}
+
 void UndoHistory::recordBefore(KxDbObject& obj)
 {
     if (!firstRecordOf(obj))
@@ -54,9 +88,9 @@ void UndoHistory::recordBefore(KxDbObject& obj)
     record.object = obj.clone();
     record.owner = obj.ownerId();
     record.erased = obj.isErased();
-    record.bytes = stateBytes(*record.object);
-    m_open.bytes += record.bytes;
-    m_bytes += record.bytes;
+    record.listed = listedCount(obj);
+    record.bytes = bytesOf(record);
+    addBytes(record.bytes);
     m_open.objects.push_back(std::move(record));
 }
 
@@ -76,13 +110,13 @@ void UndoHistory::recordHeader()
     if (!recording() || m_open.header)
         return;
     m_open.header = m_db.m_header;
-    m_open.bytes += sizeof(KxDbDatabase::Header);
-    m_bytes += sizeof(KxDbDatabase::Header);
 }
 
 void UndoHistory::keepOpenStep()
 {
     clearRedo();
+    m_open.objects.shrink_to_fit();
+    addBytes(m_open.ownBytes());
     m_undo.push_back(std::move(m_open));
     m_open = Step{};
     dropOverBudget();
@@ -145,24 +179,36 @@ void UndoHistory::exchange(ObjectRecord& record)
         // Walks over ids read the erased flag from the id table.
         setErased(record.id, live->m_erased);
         record.object = std::move(current);
+        if (record.listed)
+            exchangeListedTail(*live, *record.listed, record.listedTail);
         break;
     }
     }
-    record.bytes = record.object ? stateBytes(*record.object) : 0;
+    record.bytes = bytesOf(record);
 }
 
 void UndoHistory::exchange(Step& step, bool backwards)
 {
     m_bytes -= step.bytes;
-    step.bytes = step.header ? sizeof(KxDbDatabase::Header) : 0;
-    const auto exchangeOne = [&](ObjectRecord& record) {
-        exchange(record);
-        step.bytes += record.bytes;
+    step.bytes = step.ownBytes();
+    // States first and added objects after when going back, the other way
+    // round when going forward: added objects are present while the states
+    // are exchanged.
+    const auto isState = [](const ObjectRecord& record) { return record.kind == ObjectRecord::Kind::Copy; };
+    const auto exchangeWhere = [&](bool states) {
+        const auto exchangeOne = [&](ObjectRecord& record) {
+            if (isState(record) != states)
+                return;
+            exchange(record);
+            step.bytes += record.bytes;
+        };
+        if (backwards)
+            std::for_each(step.objects.rbegin(), step.objects.rend(), exchangeOne);
+        else
+            std::for_each(step.objects.begin(), step.objects.end(), exchangeOne);
     };
-    if (backwards)
-        std::for_each(step.objects.rbegin(), step.objects.rend(), exchangeOne);
-    else
-        std::for_each(step.objects.begin(), step.objects.end(), exchangeOne);
+    exchangeWhere(backwards);
+    exchangeWhere(!backwards);
     if (step.header) {
         std::swap(*step.header, m_db.m_header);
         m_db.m_header.handseed = std::max(m_db.m_header.handseed, m_handleFloor);

@@ -9,12 +9,21 @@
 // them changes. A step is one command; a step that recorded nothing is
 // dropped, and one that recorded something clears what could be redone.
 //
+// A table's records and a block's entities are no part of the copy: these
+// lists only grow by appending, so the record keeps how many ids the list
+// held, and taking the step back cuts what came after (and keeps it to put
+// back). A step costs what it changes, however many entities a block holds.
+//
 // Taking a step back exchanges every recorded state with the object's
 // current one (an added object is taken out of the database, its handle
 // given back; taking it back again puts it in under its id and handle), so
-// the same exchange in the opposite order restores the step.
+// the same exchange in the opposite order restores the step. Objects added
+// within the step are in the database while the states are exchanged
+// (taken out after them, put back before them), so that a table reads the
+// names of the records it lists again.
 //
-// Recorded state is counted in bytes (stateBytes); when undoable and
+// Recorded state is counted in bytes (stateBytes, the ids cut from lists,
+// and what the history spends on each record and step); when undoable and
 // redoable steps together hold more than the budget, the oldest undoable
 // steps are dropped, the newest always kept.
 #pragma once
@@ -95,6 +104,10 @@ private:
         std::unique_ptr<KxDbObject> object;
         KxDbObjectId owner;
         bool erased = false;
+        // A table's or block's list: how many ids it held when recorded,
+        // and the ids the next exchange appends after them.
+        std::optional<std::size_t> listed;
+        std::vector<KxDbObjectId> listedTail;
         std::size_t bytes = 0;
     };
     struct Step {
@@ -103,11 +116,17 @@ private:
         std::vector<ObjectRecord> objects;
         std::optional<KxDbDatabase::Header> header;
         std::size_t bytes = 0;
+        // What the step holds besides the states its records point to.
+        std::size_t ownBytes() const;
     };
 
     bool recording() const { return m_depth > 0 && m_paused == 0; }
     bool firstRecordOf(const KxDbObject& obj);
+    static std::optional<std::size_t> listedCount(const KxDbObject& obj);
+    static void exchangeListedTail(KxDbObject& obj, std::size_t keep, std::vector<KxDbObjectId>& tail);
+    static std::size_t bytesOf(const ObjectRecord& record);
     void exchange(ObjectRecord& record);
+    void addBytes(std::size_t bytes);
     // Undoes (backwards) or redoes a step; the step then records the state
     // it replaced.
     void exchange(Step& step, bool backwards);

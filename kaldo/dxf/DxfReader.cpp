@@ -14,13 +14,13 @@
 #include "kaldo/dxf/TablesSection.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
 #include "kaldo/util/FileAccess.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
 #include "kxdbdict.h"
 #include "kxdbmline.h"
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -62,7 +62,7 @@ KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, Re
     std::wstring name;
     for (std::size_t i = 0; i < record.size(); ++i)
         if (record.at(i).code == 2)
-            name = kxutFromMultiByte(std::string(trimmed(record.at(i).value)));
+            name = wideFromUtf8(trimmed(record.at(i).value));
     if (name.empty())
         throw DxfError(record.line(), "a block without a name.");
     if (kaldo::sameName(name, L"$MODEL_SPACE"))
@@ -173,11 +173,11 @@ void resolveReferences(ReadContext& context)
         auto* dict = KxDbDictionary::cast(db.peekObject(entry.dictionary));
         KxDbObject* obj = db.peekObject(target);
         if (!obj)
-            throw DxfError(entry.line, "the dictionary entry \"" + kxutToMultiByte(entry.name) + "\" points to handle "
+            throw DxfError(entry.line, "the dictionary entry \"" + utf8FromWide(entry.name) + "\" points to handle "
                                            + handleText(entry.handle) + ", which no object has.");
         auto* style = KxDbMlineStyle::cast(obj);
         if (dict->handle() == context.mlineStyleDictionaryHandle && !style)
-            throw DxfError(entry.line, "the multiline style \"" + kxutToMultiByte(entry.name) + "\" points to handle "
+            throw DxfError(entry.line, "the multiline style \"" + utf8FromWide(entry.name) + "\" points to handle "
                                            + handleText(entry.handle) + ", which is no multiline style.");
         // Keys are the same without regard to case here: a second spelling
         // of a key would take the first one's place and drop its object.
@@ -185,8 +185,8 @@ void resolveReferences(ReadContext& context)
         if (KxDbObjectId taken; dict->getAt(key.c_str(), taken) == Kald::eOk && taken != target) {
             key = freeKey(*dict, entry.name);
             context.repairs.push_back("line " + std::to_string(entry.line) + ": the dictionary entry \""
-                                      + kxutToMultiByte(entry.name) + "\" repeats a name of the dictionary "
-                                      + "(case aside); it is kept as \"" + kxutToMultiByte(key) + "\".");
+                                      + utf8FromWide(entry.name) + "\" repeats a name of the dictionary "
+                                      + "(case aside); it is kept as \"" + utf8FromWide(key) + "\".");
             if (style && kaldo::sameName(style->name(), entry.name))
                 style->setName(key.c_str());
         }

@@ -13,11 +13,11 @@
 #include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/dxf/TablesSection.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 namespace kaldo::dxf {
 
@@ -31,7 +31,7 @@ KxDbObjectId addBlockEnd(KxDbDatabase& db, const KxDbBlockTableRecord& block, bo
         groups.push_back({67, 0, "1"});
     groups.push_back({8, 0, "0"});
     if (begin) {
-        const std::string name = kxutToMultiByte(block.name());
+        const std::string name = utf8FromWide(block.name());
         groups.insert(groups.end(), {{100, 0, "AcDbBlockBegin"}, {2, 0, name}, {70, 0, "0"}, {10, 0, "0"},
                                      {20, 0, "0"}, {30, 0, "0"}, {3, 0, name}, {1, 0, ""}});
     } else {
@@ -78,7 +78,7 @@ void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
 {
     std::string named = "the object with handle " + handleText(obj.handle());
     if (const auto* style = KxDbMlineStyle::cast(&obj))
-        named = "the multiline style \"" + kxutToMultiByte(style->name()) + "\" (handle " + handleText(obj.handle()) + ")";
+        named = "the multiline style \"" + utf8FromWide(style->name()) + "\" (handle " + handleText(obj.handle()) + ")";
     else if (KxDbEntity::cast(&obj))
         named = "the entity with handle " + handleText(obj.handle());
     throw DxfError(0, named + ": " + error.what());
@@ -116,6 +116,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     ProgressMeter meter(report, ids.size());
     meter.report();
     GroupWriter w(fd);
+    w.encodeAs(writtenVersion(kept), kept.codePage);
     NameCache names(db);
     writeHeaderSection(w, db, kept);
     if (kept.hasClasses)

@@ -8,11 +8,11 @@
 #include "kaldo/dxf/RecordColor.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <memory>
@@ -270,7 +270,7 @@ const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)
     const auto [it, added] = names_.try_emplace(id.asOldId());
     if (added) {
         const auto* record = KxDbSymbolTableRecord::cast(db_.peekObject(id));
-        it->second = record ? kxutToMultiByte(record->name()) : fallback;
+        it->second = record ? utf8FromWide(record->name()) : fallback;
     }
     return it->second;
 }
@@ -281,7 +281,7 @@ namespace {
 const std::string& spelled(const KxDbEntity& e, int code, const std::string& name)
 {
     for (const KxDbFileGroup& g : e.keptGroups())
-        if (g.code == code && g.part == 1 && kaldo::sameName(kxutFromMultiByte(g.value), kxutFromMultiByte(name)))
+        if (g.code == code && g.part == 1 && kaldo::sameName(wideFromUtf8(g.value), wideFromUtf8(name)))
             return g.value;
     return name;
 }

@@ -39,14 +39,22 @@ const char* lineEnd(const char* p, const char* const end)
 }
 }  // namespace
 
-GroupReader::GroupReader(std::FILE* file) : file_(file), buffer_(kBlockSize + kMaxLineLength)
+GroupReader::GroupReader(std::FILE* file)
+    : file_(file), buffer_(kBlockSize + kMaxLineLength),
+      codec_(std::make_unique<TextCodec>("", kDefaultCodePage))
 {
     begin_ = end_ = buffer_.data();
 }
 
 GroupReader::GroupReader(std::string_view text)
-    : memory_(text), begin_(text.data()), end_(text.data() + text.size()), eof_(true)
+    : memory_(text), begin_(text.data()), end_(text.data() + text.size()), eof_(true),
+      codec_(std::make_unique<TextCodec>("", kDefaultCodePage))
 {
+}
+
+void GroupReader::decodeAs(std::string_view version, std::string_view codePage)
+{
+    codec_ = std::make_unique<TextCodec>(version, codePage);
 }
 
 bool GroupReader::refill()
@@ -170,7 +178,7 @@ bool GroupReader::nextPlain(Group& group)
                                  : lineEnd(value, end_);
     if (stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
         return false;
-    const Group read{code, std::string_view(value, std::size_t(stop - value)), lineNumber_ + 1};
+    const Group read{code, decoded(std::string_view(value, std::size_t(stop - value))), lineNumber_ + 1};
     begin_ = stop + 1;
     lineNumber_ += 2;
     current_ = read;
@@ -199,7 +207,7 @@ bool GroupReader::nextGeneral(Group& group)
                                            + " without its value.");
     // Both copies are made from the values in hand: reading current_ back
     // right after storing it would stall on the fresh stores.
-    const Group read{code, valueLine, codeLineNumber};
+    const Group read{code, decoded(valueLine), codeLineNumber};
     current_ = read;
     group = read;
     return true;

@@ -1,15 +1,18 @@
 // Reads the groups of an ASCII drawing file one by one: a line with the
 // group code, a line with the value. The file is read in blocks, never
 // whole; a line longer than kMaxLineLength stops reading with a message,
-// so that a huge line is never held in memory.
+// so that a huge line is never held in memory. Values are given as UTF-8:
+// until decodeAs says otherwise, the file is taken to be in ANSI_1252.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "kaldo/dxf/TextCodec.h"
 #include "kxdbdatabase.h"
 
 namespace kaldo::dxf {
@@ -41,6 +44,9 @@ public:
     }
     // Makes the next call give the same group again.
     void pushBack() { pushedBack_ = true; }
+    // The file's version and code page, as its header gives them: values
+    // read from now on are decoded accordingly (TextCodec.h).
+    void decodeAs(std::string_view version, std::string_view codePage);
 
 private:
     // The usual group, read straight from the buffer: a code of blanks and
@@ -51,6 +57,14 @@ private:
     bool nextGeneral(Group& group);
     bool readLine(std::string_view& line);
     bool refill();
+    // The value as UTF-8, kept in decoded_ when it had to change.
+    std::string_view decoded(std::string_view value)
+    {
+        if (!codec_->needsDecoding(value))
+            return value;
+        decoded_ = codec_->decode(value);
+        return decoded_;
+    }
 
     std::FILE* file_ = nullptr;
     std::vector<char> buffer_;
@@ -61,6 +75,8 @@ private:
     long lineNumber_ = 0;
     Group current_;
     bool pushedBack_ = false;
+    std::unique_ptr<TextCodec> codec_;
+    std::string decoded_;
 };
 
 // Value conversions that name the group's line when the text is no number.

@@ -2,7 +2,7 @@
 
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/util/FileAccess.h"
-#include "kxstring.h"
+#include "kaldo/util/Utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -41,7 +41,16 @@ void requireFinite(int groupCode, double value)
 }
 }  // namespace
 
-GroupWriter::GroupWriter(int fd) : fd_(fd), buffer_(kBufferSize, '\0'), realTexts_(kRealSlots) {}
+GroupWriter::GroupWriter(int fd)
+    : fd_(fd), buffer_(kBufferSize, '\0'), realTexts_(kRealSlots),
+      codec_(std::make_unique<TextCodec>("", kDefaultCodePage))
+{
+}
+
+void GroupWriter::encodeAs(std::string_view version, std::string_view codePage)
+{
+    codec_ = std::make_unique<TextCodec>(version, codePage);
+}
 
 void GroupWriter::makeRoom(std::size_t bytes)
 {
@@ -74,6 +83,14 @@ inline void GroupWriter::code(int code)
 
 void GroupWriter::text(int groupCode, std::string_view value)
 {
+    if (codec_->needsEncoding(value))
+        line(groupCode, codec_->encode(value));
+    else
+        line(groupCode, value);
+}
+
+void GroupWriter::line(int groupCode, std::string_view value)
+{
     code(groupCode);
     ensure(value.size() + 1);
     std::memcpy(buffer_.data() + used_, value.data(), value.size());
@@ -86,7 +103,7 @@ void GroupWriter::wide(int groupCode, const std::wstring& value)
     // A value is one line of the file: a line end within a text of the
     // drawing (a style file may hold a lone carriage return) is written as
     // a blank, so that the file reads back in step.
-    std::string line = kxutToMultiByte(value);
+    std::string line = utf8FromWide(value);
     std::replace_if(line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     text(groupCode, line);
 }

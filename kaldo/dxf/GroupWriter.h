@@ -1,14 +1,17 @@
 // Writes groups of an ASCII drawing file into a buffer that goes to the
 // file descriptor in large blocks. Numbers are written in their shortest
-// form that reads back to the same value.
+// form that reads back to the same value; texts, UTF-8 in memory, in the
+// file's encoding (TextCodec.h), ANSI_1252 until encodeAs says otherwise.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "kaldo/dxf/TextCodec.h"
 #include "kxtypes.h"
 
 namespace kaldo::dxf {
@@ -20,6 +23,13 @@ public:
     explicit GroupWriter(int fd);
     GroupWriter(const GroupWriter&) = delete;
     GroupWriter& operator=(const GroupWriter&) = delete;
+
+    // Texts written from now on are encoded for a file of this version
+    // and code page (the code page kept for $DWGCODEPAGE even where the
+    // version holds UTF-8).
+    void encodeAs(std::string_view version, std::string_view codePage);
+    // The code page's name for $DWGCODEPAGE ("ANSI_1252").
+    const std::string& codePage() const { return codec_->codePage(); }
 
     void text(int code, std::string_view value);
     void wide(int code, const std::wstring& value);
@@ -38,6 +48,8 @@ public:
 
 private:
     void code(int code);
+    // The code and the value as they stand.
+    void line(int code, std::string_view value);
     // Room for bytes more in the buffer, flushing it when full.
     void ensure(std::size_t bytes)
     {
@@ -62,6 +74,7 @@ private:
     };
     static constexpr std::size_t kRealSlots = 4096;
     std::vector<RealText> realTexts_;
+    std::unique_ptr<TextCodec> codec_;
 };
 
 }  // namespace kaldo::dxf

@@ -5,10 +5,10 @@
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/ReadContext.h"
 #include "kaldo/dxf/RecordColor.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbdict.h"
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <array>
@@ -18,9 +18,9 @@ namespace kaldo::dxf {
 namespace {
 
 // The variables the database holds; every other one is kept.
-constexpr std::array<std::string_view, 16> kModelled = {
-    "$ACADVER", "$HANDSEED", "$CMLSTYLE", "$CMLJUST", "$CMLSCALE", "$MEASUREMENT", "$DIMZIN", "$TILEMODE",
-    "$CLAYER", "$CELTYPE", "$CECOLOR", "$UCSORG", "$UCSXDIR", "$UCSYDIR", "$EXTMIN", "$EXTMAX"};
+constexpr std::array<std::string_view, 17> kModelled = {
+    "$ACADVER", "$DWGCODEPAGE", "$HANDSEED", "$CMLSTYLE", "$CMLJUST", "$CMLSCALE", "$MEASUREMENT", "$DIMZIN",
+    "$TILEMODE", "$CLAYER", "$CELTYPE", "$CECOLOR", "$UCSORG", "$UCSXDIR", "$UCSYDIR", "$EXTMIN", "$EXTMAX"};
 
 bool isModelled(std::string_view name)
 {
@@ -55,6 +55,8 @@ void apply(const Variable& v, ReadContext& context, KxGePoint3d ucs[3])
     const auto badValue = [&] { throw DxfError(first.line + 1, "the value of " + v.name + " is out of range."); };
     if (v.name == "$ACADVER") {
         context.kept.version = std::string(trimmed(first.value));
+    } else if (v.name == "$DWGCODEPAGE") {
+        context.kept.codePage = std::string(trimmed(first.value));
     } else if (v.name == "$HANDSEED") {
         const std::uint64_t seed = toHandle(first, kxdbHighestHandle + 1);
         if (db.setHandseed(std::max<std::uint64_t>(seed, db.handseed())) != Kald::eOk)
@@ -99,6 +101,8 @@ void apply(const Variable& v, ReadContext& context, KxGePoint3d ucs[3])
 void readHeaderSection(GroupReader& reader, ReadContext& context)
 {
     std::vector<Variable> modelled;
+    std::string version;
+    std::string codePage(kDefaultCodePage);
     Variable* current = nullptr;
     KeptHeaderVariable* kept = nullptr;
     Group g;
@@ -122,6 +126,11 @@ void readHeaderSection(GroupReader& reader, ReadContext& context)
             continue;
         }
         const KxDbFileGroup group{std::int16_t(g.code), 0, std::string(g.value)};
+        // The values after these are read in the encoding they give.
+        if (current && current->groups.empty() && (current->name == "$ACADVER" || current->name == "$DWGCODEPAGE")) {
+            (current->name == "$ACADVER" ? version : codePage) = std::string(trimmed(g.value));
+            reader.decodeAs(version, codePage);
+        }
         if (current) {
             current->groups.push_back(group);
             current->lines.push_back(g.line);
@@ -151,7 +160,7 @@ void resolveHeaderReferences(ReadContext& context)
         return;
     const auto* styles = KxDbDictionary::cast(context.db.peekObject(context.db.mlineStyleDictionaryId()));
     KxDbObjectId style;
-    const std::wstring name = kxutFromMultiByte(context.cmlstyleName);
+    const std::wstring name = wideFromUtf8(context.cmlstyleName);
     if (styles && styles->getAt(name.c_str(), style) == Kald::eOk)
         context.db.setCmlstyleID(style, name.c_str());
 }
@@ -161,17 +170,24 @@ namespace {
 std::string recordName(const KxDbDatabase& db, KxDbObjectId id, const char* fallback)
 {
     const auto* record = KxDbSymbolTableRecord::cast(db.peekObject(id));
-    return record ? kxutToMultiByte(record->name()) : fallback;
+    return record ? utf8FromWide(record->name()) : fallback;
 }
 
 }  // namespace
+
+std::string writtenVersion(const KeptSections& kept)
+{
+    return kept.version > kWrittenVersion ? kept.version : std::string(kWrittenVersion);
+}
 
 void writeHeaderSection(GroupWriter& w, const KxDbDatabase& db, const KeptSections& kept)
 {
     w.text(0, "SECTION");
     w.text(2, "HEADER");
     w.text(9, "$ACADVER");
-    w.text(1, kept.version > kWrittenVersion ? kept.version : std::string(kWrittenVersion));
+    w.text(1, writtenVersion(kept));
+    w.text(9, "$DWGCODEPAGE");
+    w.text(3, w.codePage());
     w.text(9, "$HANDSEED");
     w.handle(5, db.handseed());
     const std::wstring cmlstyle = db.cmlstyleName();

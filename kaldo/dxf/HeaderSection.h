@@ -1,5 +1,7 @@
 // The HEADER section: the variables the host uses go to the database, the
-// others are kept as read. Written with the host's values first.
+// others are kept as read. Written with the host's values first. The
+// version ($ACADVER) and code page ($DWGCODEPAGE) tell the reader how the
+// file's texts are encoded as soon as they are read.
 #pragma once
 
 #include "kaldo/dxf/GroupReader.h"
@@ -14,6 +16,8 @@ class GroupWriter;
 
 // The version written when a drawing has none of its own or an older one.
 inline constexpr const char* kWrittenVersion = "AC1015";
+// The version a drawing is written in: its own, or kWrittenVersion.
+std::string writtenVersion(const KeptSections& kept);
 
 // Reads the variables after "2 HEADER" up to and including ENDSEC.
 void readHeaderSection(GroupReader& reader, ReadContext& context);

@@ -32,6 +32,7 @@ struct BlockEnds {
 
 struct KeptSections {
     std::string version;  // $ACADVER as read; empty for a new drawing
+    std::string codePage;  // $DWGCODEPAGE as read; empty for a new drawing
     std::vector<KeptHeaderVariable> header;
     bool hasClasses = false;
     std::vector<KxDbFileGroup> classes;

@@ -3,10 +3,10 @@
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/RecordWriting.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
 #include "kxdbmline.h"
 #include "kxdbmlstyle.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <memory>
@@ -162,7 +162,7 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
             return true;
         switch (g.code) {
         case 2:
-            style.name = kxutFromMultiByte(std::string(g.value));
+            style.name = wideFromUtf8(g.value);
             return true;
         case 340:
             style.handle = toHandle(g);

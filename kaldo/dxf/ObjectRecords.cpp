@@ -7,11 +7,11 @@
 #include "kaldo/dxf/RecordColor.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbdict.h"
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <memory>
@@ -41,7 +41,7 @@ void readDictionary(const Record& record, ReadContext& context, bool isRoot)
     walkRecord(record, basics, [&](const Group& g) {
         switch (g.code) {
         case 3:
-            entries.push_back({{}, kxutFromMultiByte(std::string(g.value)), 0, g.line});
+            entries.push_back({{}, wideFromUtf8(g.value), 0, g.line});
             return true;
         case 350:
         case 360:
@@ -59,7 +59,7 @@ void readDictionary(const Record& record, ReadContext& context, bool isRoot)
     const KxDbObjectId id = context.add(added, basics);
     for (ReadContext::DictionaryEntry& entry : entries) {
         if (entry.handle == 0)
-            throw DxfError(entry.line, "the dictionary entry \"" + kxutToMultiByte(entry.name) + "\" has no handle.");
+            throw DxfError(entry.line, "the dictionary entry \"" + utf8FromWide(entry.name) + "\" has no handle.");
         entry.dictionary = id;
         if (isRoot && kaldo::sameName(entry.name, kxdbMlineStyleDictionaryName))
             context.mlineStyleDictionaryHandle = entry.handle;
@@ -87,10 +87,10 @@ void readMlineStyle(const Record& record, ReadContext& context)
     walkRecord(record, basics, [&](const Group& g) {
         switch (g.code) {
         case 2:
-            style->setName(kxutFromMultiByte(std::string(g.value)).c_str());
+            style->setName(wideFromUtf8(g.value).c_str());
             return true;
         case 3:
-            style->setDescription(kxutFromMultiByte(std::string(g.value)).c_str());
+            style->setDescription(wideFromUtf8(g.value).c_str());
             return true;
         case 70: {
             const auto flags = toInteger(g);
@@ -143,7 +143,7 @@ void readMlineStyle(const Record& record, ReadContext& context)
     }
     if (kept < elements.size())
         context.repairs.push_back("line " + std::to_string(record.line()) + ": the multiline style \""
-                                  + kxutToMultiByte(style->name()) + "\" lists " + std::to_string(elements.size())
+                                  + utf8FromWide(style->name()) + "\" lists " + std::to_string(elements.size())
                                   + " elements; the first " + std::to_string(kept) + " are kept and "
                                   + std::to_string(elements.size() - kept) + " left out, from its multilines too.");
     // The style keeps its elements by offset, largest first (equal offsets
@@ -172,7 +172,7 @@ void writeDictionary(GroupWriter& w, const KxDbDatabase& db, const KxDbDictionar
         // The reader refuses an entry of the style dictionary that names
         // something else: such a drawing is not saved either.
         if (styles && !KxDbMlineStyle::cast(db.peekObject(it->objectId())))
-            throw DxfError(0, "the multiline style dictionary's entry \"" + kxutToMultiByte(it->name())
+            throw DxfError(0, "the multiline style dictionary's entry \"" + utf8FromWide(it->name())
                                   + "\" names no multiline style.");
         w.wide(3, it->name());
         w.handle(entryCode, handleOf(db, it->objectId()));
@@ -222,7 +222,7 @@ void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyl
         else if (linetype == db.byBlockLinetype())
             w.text(6, "BYBLOCK");
         else
-            w.text(6, kxutToMultiByte(record->name()));
+            w.text(6, utf8FromWide(record->name()));
     }
     writeKeptPart(w, style, 1);
     writeKeptPart(w, style, kxdbExtendedDataPart);

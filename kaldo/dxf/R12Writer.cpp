@@ -5,12 +5,12 @@
 #include "kaldo/dxf/DrawingExtents.h"
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,7 +46,7 @@ const std::set<int>* keptGeometryCodes(const std::string& kind)
 bool inStandardStyle(const std::vector<KxDbFileGroup>& groups)
 {
     return std::none_of(groups.begin(), groups.end(), [](const KxDbFileGroup& g) {
-        return g.code == 7 && !kaldo::sameName(kxutFromMultiByte(std::string(trimmed(g.value))), L"STANDARD");
+        return g.code == 7 && !kaldo::sameName(wideFromUtf8(trimmed(g.value)), L"STANDARD");
     });
 }
 
@@ -55,6 +55,8 @@ bool hasAttributes(const std::vector<KxDbFileGroup>& groups)
     return std::any_of(groups.begin(), groups.end(),
                        [](const KxDbFileGroup& g) { return g.code == 66 && trimmed(g.value) == "1"; });
 }
+
+constexpr const char* kVersion = "AC1009";
 
 bool isWorldNormal(const KxGeVector3d& n)
 {
@@ -66,6 +68,7 @@ public:
     R12Writer(int fd, const KxDbDatabase& db, const KeptSections& kept, NearestColorIndex nearestIndex)
         : w_(fd), db_(db), kept_(kept), nearestIndex_(nearestIndex)
     {
+        w_.encodeAs(kVersion, kept.codePage);
     }
 
     LeftOutKinds write()
@@ -87,7 +90,7 @@ private:
     std::string nameOf(KxDbObjectId id, const char* fallback) const
     {
         const auto* record = KxDbSymbolTableRecord::cast(db_.peekObject(id));
-        return record ? kxutToMultiByte(record->name()) : fallback;
+        return record ? utf8FromWide(record->name()) : fallback;
     }
 
     // 0 by block, 256 by layer, an index as it is, a true colour the
@@ -102,7 +105,9 @@ private:
         w_.text(0, "SECTION");
         w_.text(2, "HEADER");
         w_.text(9, "$ACADVER");
-        w_.text(1, "AC1009");
+        w_.text(1, kVersion);
+        w_.text(9, "$DWGCODEPAGE");
+        w_.text(3, w_.codePage());
         w_.text(9, "$INSBASE");
         w_.point(10, 0, 0, 0);
         const Extents extents = drawingExtents(db_);

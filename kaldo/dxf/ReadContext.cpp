@@ -1,9 +1,9 @@
 #include "kaldo/dxf/ReadContext.h"
 
 #include "kaldo/dxf/DefaultRecords.h"
+#include "kaldo/util/Utf8.h"
 
 #include "kxdbsymtb.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <memory>
@@ -45,7 +45,7 @@ KxDbObjectId ReadContext::record(KxDbObjectId tableId, std::unordered_map<std::s
     auto* table = KxDbSymbolTable::cast(db.peekObject(tableId));
     if (!table || name.empty())
         return {};
-    const std::wstring wideName = kxutFromMultiByte(key);
+    const std::wstring wideName = wideFromUtf8(key);
     KxDbObjectId id;
     if (table->getAt(wideName.c_str(), id) != Kald::eOk) {
         KxDbSymbolTableRecord* rec = isLayer ? static_cast<KxDbSymbolTableRecord*>(new KxDbLayerTableRecord)

@@ -1,7 +1,7 @@
 #include "kaldo/dxf/RecordColor.h"
 
 #include "kaldo/dxf/GroupWriter.h"
-#include "kxstring.h"
+#include "kaldo/util/Utf8.h"
 
 #include <cstdlib>
 
@@ -25,7 +25,7 @@ bool readColorGroup(const Group& g, KxCmColor& color)
         return true;
     }
     case 430:
-        color.setNamesFromDictionaryKey(kxutFromMultiByte(std::string(g.value)).c_str());
+        color.setNamesFromDictionaryKey(wideFromUtf8(g.value).c_str());
         return true;
     default:
         return false;

@@ -6,8 +6,8 @@
 #include "kaldo/dxf/RecordColor.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/db/NameKey.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbsymtb.h"
-#include "kxstring.h"
 
 #include <algorithm>
 #include <array>
@@ -36,10 +36,10 @@ void readLinetype(const Record& record, ReadContext& context, KxDbSymbolTable& t
     walkRecord(record, basics, [&](const Group& g) {
         switch (g.code) {
         case 2:
-            name = kxutFromMultiByte(std::string(g.value));
+            name = wideFromUtf8(g.value);
             return true;
         case 3:
-            record_->setDescription(kxutFromMultiByte(std::string(g.value)).c_str());
+            record_->setDescription(wideFromUtf8(g.value).c_str());
             return true;
         case 73:
         case 40:
@@ -82,7 +82,7 @@ void readLayer(const Record& record, ReadContext& context, KxDbSymbolTable& tabl
     walkRecord(record, basics, [&](const Group& g) {
         switch (g.code) {
         case 2:
-            name = kxutFromMultiByte(std::string(g.value));
+            name = wideFromUtf8(g.value);
             return true;
         case 70:
             layer->setIsFrozen(toInteger(g) & 1);
@@ -116,7 +116,7 @@ void readBlockRecord(const Record& record, ReadContext& context, KxDbSymbolTable
     walkRecord(record, basics, [&](const Group& g) {
         if (g.code != 2)
             return false;
-        name = kxutFromMultiByte(std::string(g.value));
+        name = wideFromUtf8(g.value);
         return true;
     });
     if (name.empty())
@@ -125,7 +125,7 @@ void readBlockRecord(const Record& record, ReadContext& context, KxDbSymbolTable
     KxDbBlockTableRecord* rec = block.release();
     const KxDbObjectId id = context.add(rec, basics);
     if (table.add(rec) != Kald::eOk)
-        throw DxfError(record.line(), "the block record \"" + kxutToMultiByte(name) + "\" is there twice.");
+        throw DxfError(record.line(), "the block record \"" + utf8FromWide(name) + "\" is there twice.");
     if (kaldo::sameName(name, kxdbModelSpaceName))
         context.roots.modelSpace = id;
     else if (kaldo::sameName(name, kxdbPaperSpaceName))
@@ -268,7 +268,7 @@ void writeRecordStart(GroupWriter& w, const char* kind, const KxDbSymbolTableRec
 std::string nameOf(const KxDbDatabase& db, KxDbObjectId id, const char* fallback)
 {
     const auto* record = KxDbSymbolTableRecord::cast(db.peekObject(id));
-    return record ? kxutToMultiByte(record->name()) : fallback;
+    return record ? utf8FromWide(record->name()) : fallback;
 }
 
 void writeLinetype(GroupWriter& w, const KxDbLinetypeTableRecord& lt)

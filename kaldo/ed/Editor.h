@@ -63,6 +63,10 @@ public:
     void setInputSource(InputSource* source) { source_ = source; }
     InputSource* inputSource() const { return source_; }
     bool scriptFeedsInput() const { return source_ && source_->isScript(); }
+    // Whether a file choice or a question that a dialog would ask is asked
+    // on the command line: while a script feeds input, with FILEDIA 0, and
+    // without a window system (kaldo/ed/FileServices.cpp).
+    bool asksOnCommandLine();
 
     void setTranscript(TranscriptSink sink) { transcript_ = std::move(sink); }
     // Writes text on the command line as it stands.

@@ -132,6 +132,12 @@ int chooseInDialog(const wchar_t* title, const wchar_t* defaultName, const wchar
 
 }  // namespace
 
+bool kaldo::Editor::asksOnCommandLine()
+{
+    return variables().shortValue(L"FILEDIA", 1) == 0 || scriptFeedsInput()
+           || !qobject_cast<QApplication*>(QCoreApplication::instance());
+}
+
 int kxedFindFile(const wchar_t* name, wchar_t* out, std::size_t size)
 {
     if (!name || !*name || !out || size == 0)
@@ -150,12 +156,10 @@ int getFileNameByFileDialog(const wchar_t* title, const wchar_t* defaultName, co
     kaldo::Editor* editor = kaldo::currentEditor();
     if (!editor)
         return RTERROR;
-    const bool onCommandLine = editor->variables().shortValue(L"FILEDIA", 1) == 0 || editor->scriptFeedsInput()
-        || !qobject_cast<QApplication*>(QCoreApplication::instance());
     const bool scriptInDialog = editor->scriptFeedsInput() && QApplication::activeModalWidget();
     std::wstring chosen;
     int result = RTCAN;
-    if (onCommandLine && !scriptInDialog) {
+    if (editor->asksOnCommandLine() && !scriptInDialog) {
         result = chooseOnCommandLine(*editor, defaultName, extension, flags, chosen);
     } else {
         // Keywords are typed on the command line only; kxedInitGet's end

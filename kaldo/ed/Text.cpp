@@ -84,19 +84,6 @@ std::optional<double> parseReal(std::wstring_view text)
     return value;
 }
 
-std::wstring withControlsShown(std::wstring_view text)
-{
-    std::wstring shown;
-    shown.reserve(text.size());
-    for (const wchar_t c : text) {
-        if ((c < 0x20 && c != L'\n' && c != L'\t') || c == 0x7F)
-            shown += {L'^', static_cast<wchar_t>(c ^ 0x40)};
-        else
-            shown += c;
-    }
-    return shown;
-}
-
 void copyToBuffer(std::wstring_view text, wchar_t* out, std::size_t size)
 {
     if (!out || size == 0)

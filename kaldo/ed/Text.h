@@ -21,10 +21,6 @@ std::optional<double> parseReal(std::wstring_view text);
 // The number at the start of text; count receives the characters it used.
 std::optional<double> parseLeadingReal(std::wstring_view text, std::size_t& count);
 
-// Control characters other than line ends and tabs (a script or a file may
-// hold any) shown as ^X, so that none reaches a terminal.
-std::wstring withControlsShown(std::wstring_view text);
-
 // Copies text into a caller's buffer of size characters (size >= 1),
 // cutting it to size - 1 characters.
 void copyToBuffer(std::wstring_view text, wchar_t* out, std::size_t size);

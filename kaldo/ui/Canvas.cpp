@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <span>
 #include <thread>
 
 namespace kaldo::ui {
@@ -35,15 +36,15 @@ using Kind = Editor::InputRequest::Kind;
 // Strokes every line and arc of scene with one pen (highlights).
 void strokeScene(QPainter& painter, const view::Scene& scene, const ViewPlacement& placement)
 {
-    for (const view::Polyline& polyline : scene.polylines()) {
+    scene.visitPolylines([&](int, bool closed, std::span<const view::Point2> polyline) {
         QPolygonF points;
-        for (std::uint32_t i = 0; i < polyline.count; ++i)
-            points << pixelAt(placement, scene.points()[polyline.first + i]);
-        if (polyline.closed)
+        for (const view::Point2& p : polyline)
+            points << pixelAt(placement, p);
+        if (closed)
             painter.drawPolygon(points);
         else
             painter.drawPolyline(points);
-    }
+    });
     for (const view::Arc& arc : scene.arcs()) {
         const QPointF centre = pixelAt(placement, arc.centre);
         const double radius = arc.radius / placement.unitsPerPixel;

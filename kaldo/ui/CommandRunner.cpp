@@ -116,8 +116,8 @@ void CommandRunner::publishIfChanged()
         std::wstring said;
         try {
             auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db, &notes));
-            published_.snaps = std::make_shared<const SnapGeometry>(*scene);
             published_.index = std::make_shared<const view::SceneIndex>(*scene);
+            published_.snaps = std::make_shared<const SnapGeometry>(scene, published_.index);
             published_.scene = std::move(scene);
             published_.failed = false;
         } catch (...) {
@@ -125,8 +125,8 @@ void CommandRunner::publishIfChanged()
                 said = L"The drawing cannot be shown in the window: "
                     + kxutFromMultiByte(view::failureReason(std::current_exception())) + L".\n";
             published_.scene = std::make_shared<const view::Scene>();
-            published_.snaps = std::make_shared<const SnapGeometry>(*published_.scene);
             published_.index = std::make_shared<const view::SceneIndex>(*published_.scene);
+            published_.snaps = std::make_shared<const SnapGeometry>(published_.scene, published_.index);
             published_.failed = true;
         }
         if (another)

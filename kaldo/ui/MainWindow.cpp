@@ -297,8 +297,8 @@ MainWindow::SaveFirst MainWindow::askToSave()
 {
     if (!drawing_.modified)
         return SaveFirst::No;
-    const QString name = drawing_.path.isEmpty() ? QStringLiteral("Drawing1.dxf") : QFileInfo(drawing_.path).fileName();
-    const auto answer = QMessageBox::question(this, QStringLiteral("kaldo"), tr("Save changes to %1?").arg(name),
+    const QString question = QString::fromStdWString(saveChangesQuestion(drawing_.path.toStdWString()));
+    const auto answer = QMessageBox::question(this, QStringLiteral("kaldo"), question,
                                               QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
     return answer == QMessageBox::Yes ? SaveFirst::Yes : answer == QMessageBox::No ? SaveFirst::No : SaveFirst::Cancel;
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <span>
+#include <tuple>
 
 namespace kaldo::ui {
 
@@ -98,27 +100,89 @@ private:
     std::optional<Snap> m_snap;
 };
 
+// Segments and arcs within the aperture of the cursor, each with its
+// distance from it.
+class NearGeometry {
+public:
+    struct Segment {
+        Point2 a, b;
+    };
+    // An item: a segment (index into segments) or an arc (into arcs).
+    struct Item {
+        double distance = 0;
+        bool arc = false;
+        std::uint32_t index = 0;
+        friend bool operator<(const Item& x, const Item& y)
+        {
+            return std::tie(x.distance, x.arc, x.index) < std::tie(y.distance, y.arc, y.index);
+        }
+    };
+
+    NearGeometry(const Point2& cursor, double aperture)
+        : m_cursor(cursor), m_aperture(aperture),
+          m_box{cursor.x - aperture, cursor.y - aperture, cursor.x + aperture, cursor.y + aperture}
+    {
+    }
+
+    const Box& box() const { return m_box; }
+
+    void addPolyline(std::span<const Point2> points, bool closed)
+    {
+        const std::size_t segments = closed ? points.size() : points.size() - 1;
+        for (std::size_t i = 0; i < segments; ++i) {
+            const Segment segment{points[i], points[(i + 1) % points.size()]};
+            if (!boxOf(segment.a, segment.b).meets(m_box))
+                continue;
+            const double d = distance(m_cursor, nearestOnSegment(segment, m_cursor));
+            if (d <= m_aperture) {
+                m_items.push_back({d, false, std::uint32_t(m_segments.size())});
+                m_segments.push_back(segment);
+            }
+        }
+    }
+
+    void addArc(const view::Arc& arc)
+    {
+        const double d = distance(m_cursor, nearestOnArc(arc, m_cursor));
+        if (d <= m_aperture) {
+            m_items.push_back({d, true, std::uint32_t(m_arcs.size())});
+            m_arcs.push_back(arc);
+        }
+    }
+
+    // The items, nearest first.
+    std::vector<Item> sorted() const
+    {
+        std::vector<Item> items = m_items;
+        std::sort(items.begin(), items.end());
+        return items;
+    }
+    const Segment& segment(std::uint32_t i) const { return m_segments[i]; }
+    const view::Arc& arc(std::uint32_t i) const { return m_arcs[i]; }
+    Point2 nearestPoint(const Item& item) const
+    {
+        return item.arc ? nearestOnArc(m_arcs[item.index], m_cursor) : nearestOnSegment(m_segments[item.index], m_cursor);
+    }
+
+private:
+    static Point2 nearestOnSegment(const Segment& s, const Point2& p)
+    {
+        return along(s.a, s.b, std::clamp(footParameter(s.a, s.b, p), 0.0, 1.0));
+    }
+
+    Point2 m_cursor;
+    double m_aperture;
+    Box m_box;
+    std::vector<Segment> m_segments;
+    std::vector<view::Arc> m_arcs;
+    std::vector<Item> m_items;
+};
+
 }  // namespace
 
-SnapGeometry::SnapGeometry(const view::Scene& scene)
+SnapGeometry::SnapGeometry(std::shared_ptr<const view::Scene> scene, std::shared_ptr<const view::SceneIndex> index)
+    : m_scene(std::move(scene)), m_index(std::move(index))
 {
-    const std::vector<Point2>& points = scene.points();
-    for (const view::Polyline& polyline : scene.polylines()) {
-        const std::uint32_t segments = polyline.closed ? polyline.count : polyline.count - 1;
-        for (std::uint32_t i = 0; i < segments; ++i)
-            m_segments.push_back({points[polyline.first + i], points[polyline.first + (i + 1) % polyline.count]});
-    }
-    m_arcs = scene.arcs();
-    std::vector<Box> boxes;
-    boxes.reserve(m_segments.size() + m_arcs.size());
-    for (const Segment& segment : m_segments)
-        boxes.push_back(boxOf(segment.a, segment.b));
-    for (const view::Arc& arc : m_arcs) {
-        view::Bounds bounds;
-        view::addArcBounds(bounds, arc);
-        boxes.push_back({bounds.minX, bounds.minY, bounds.maxX, bounds.maxY});
-    }
-    m_index = BoxIndex(boxes);
 }
 
 std::optional<Snap> SnapGeometry::find(const Point2& cursor, double aperture, const Point2* base) const
@@ -127,19 +191,29 @@ std::optional<Snap> SnapGeometry::find(const Point2& cursor, double aperture, co
     // looked for among the nearest few only, so that a dense, zoomed-out
     // view costs no more than a sparse one.
     constexpr std::size_t kCrossingCandidates = 48;
-    std::vector<std::pair<double, std::uint32_t>> near;
-    m_index.query({cursor.x - aperture, cursor.y - aperture, cursor.x + aperture, cursor.y + aperture},
-                  [&](std::uint32_t item) {
-                      const double d = distance(cursor, nearestPoint(item, cursor));
-                      if (d <= aperture)
-                          near.emplace_back(d, item);
-                  });
-    std::sort(near.begin(), near.end());
+    NearGeometry geometry(cursor, aperture);
+    const view::Scene& scene = *m_scene;
+    m_index->query(geometry.box(), [&](view::SceneIndex::Kind kind, std::uint32_t i) {
+        switch (kind) {
+        case view::SceneIndex::Kind::Polyline: {
+            const view::Polyline& polyline = scene.polylines()[i];
+            geometry.addPolyline({scene.points().data() + polyline.first, polyline.count}, polyline.closed);
+            break;
+        }
+        case view::SceneIndex::Kind::Arc: geometry.addArc(scene.arcs()[i]); break;
+        case view::SceneIndex::Kind::Instance:
+            scene.visitPolylines(scene.instances()[i], [&](int, bool closed, std::span<const Point2> points) {
+                geometry.addPolyline(points, closed);
+            });
+            break;
+        case view::SceneIndex::Kind::Polygon: break;
+        }
+    });
+    const std::vector<NearGeometry::Item> near = geometry.sorted();
     Best best(cursor, aperture);
     for (std::size_t i = 0; i < near.size(); ++i) {
-        const std::uint32_t item = near[i].second;
-        if (item >= m_segments.size()) {
-            const view::Arc& arc = m_arcs[item - m_segments.size()];
+        if (near[i].arc) {
+            const view::Arc& arc = geometry.arc(near[i].index);
             if (!fullCircle(arc)) {
                 best.offer(arcPoint(arc, arc.start), SnapKind::Endpoint);
                 best.offer(arcPoint(arc, arc.start + arc.sweep), SnapKind::Endpoint);
@@ -147,7 +221,7 @@ std::optional<Snap> SnapGeometry::find(const Point2& cursor, double aperture, co
             }
             continue;
         }
-        const Segment& s = m_segments[item];
+        const NearGeometry::Segment& s = geometry.segment(near[i].index);
         best.offer(s.a, SnapKind::Endpoint);
         best.offer(s.b, SnapKind::Endpoint);
         best.offer(along(s.a, s.b, 0.5), SnapKind::Midpoint);
@@ -157,9 +231,9 @@ std::optional<Snap> SnapGeometry::find(const Point2& cursor, double aperture, co
                 best.offer(along(s.a, s.b, t), SnapKind::Perpendicular);
         }
         for (std::size_t j = i + 1; j < std::min(near.size(), kCrossingCandidates); ++j) {
-            if (near[j].second >= m_segments.size())
+            if (near[j].arc)
                 continue;
-            const Segment& other = m_segments[near[j].second];
+            const NearGeometry::Segment& other = geometry.segment(near[j].index);
             if (const auto point = crossing(s.a, s.b, other.a, other.b))
                 best.offer(*point, SnapKind::Intersection);
         }
@@ -168,15 +242,7 @@ std::optional<Snap> SnapGeometry::find(const Point2& cursor, double aperture, co
         return best.snap();
     if (near.empty())
         return std::nullopt;
-    return Snap{nearestPoint(near.front().second, cursor), SnapKind::Nearest};
-}
-
-Point2 SnapGeometry::nearestPoint(std::uint32_t item, const Point2& p) const
-{
-    if (item >= m_segments.size())
-        return nearestOnArc(m_arcs[item - m_segments.size()], p);
-    const Segment& s = m_segments[item];
-    return along(s.a, s.b, std::clamp(footParameter(s.a, s.b, p), 0.0, 1.0));
+    return Snap{geometry.nearestPoint(near.front()), SnapKind::Nearest};
 }
 
 }  // namespace kaldo::ui

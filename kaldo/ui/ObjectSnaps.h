@@ -4,9 +4,10 @@
 // published scene, so the window finds them without the drawing.
 #pragma once
 
-#include "kaldo/util/BoxIndex.h"
 #include "kaldo/view/Scene.h"
+#include "kaldo/view/SceneIndex.h"
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -19,11 +20,13 @@ struct Snap {
     SnapKind kind = SnapKind::Nearest;
 };
 
-// The line segments (of every polyline) and arcs of a scene, indexed by
-// their boxes.
+// The line segments (of every polyline, those of instances placed) and
+// arcs of a scene, found near the cursor through the scene's index: only
+// what lies within the aperture is looked at, so that snapping costs no
+// memory of its own and the same on any drawing.
 class SnapGeometry {
 public:
-    explicit SnapGeometry(const view::Scene& scene);
+    SnapGeometry(std::shared_ptr<const view::Scene> scene, std::shared_ptr<const view::SceneIndex> index);
 
     // Of the ends, middles, crossings of two segments and (with a base
     // point) feet of perpendiculars within aperture of cursor, the one
@@ -33,16 +36,8 @@ public:
     std::optional<Snap> find(const view::Point2& cursor, double aperture, const view::Point2* base) const;
 
 private:
-    // The point of a segment or arc (an item of the index) nearest to p.
-    view::Point2 nearestPoint(std::uint32_t item, const view::Point2& p) const;
-
-    struct Segment {
-        view::Point2 a, b;
-    };
-
-    std::vector<Segment> m_segments;
-    std::vector<view::Arc> m_arcs;
-    BoxIndex m_index;  // items: the segments, then the arcs
+    std::shared_ptr<const view::Scene> m_scene;
+    std::shared_ptr<const view::SceneIndex> m_index;
 };
 
 }  // namespace kaldo::ui

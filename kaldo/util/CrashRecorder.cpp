@@ -3,6 +3,7 @@
 #include "kaldo/core/Host.h"
 #include "kaldo/util/FileAccess.h"
 #include "kaldo/util/FileWriting.h"
+#include "kaldo/util/TerminalText.h"
 #include "kxstring.h"
 
 #include "kxuidialog.h"
@@ -123,13 +124,13 @@ void CrashRecorder::startReport()
     }
     // The crash folder cannot be written: keep the report on standard error.
     latest_.clear();
-    std::fprintf(stderr, "kaldo: cannot write a crash report in %s\n", crashDir_.string().c_str());
+    std::fprintf(stderr, "kaldo: cannot write a crash report in %s\n", terminalText(crashDir_.string()).c_str());
 }
 
 void CrashRecorder::appendLine(const std::string& line)
 {
     if (latest_.empty()) {
-        std::fprintf(stderr, "kaldo: crash report: %s\n", line.c_str());
+        std::fprintf(stderr, "kaldo: crash report: %s\n", terminalText(line).c_str());
         return;
     }
     std::ofstream(latest_ / "report.txt", std::ios::app) << line << '\n';

@@ -52,7 +52,9 @@ std::string notRegularReason(mode_t mode)
 
 std::string fileMessage(std::string_view verb, const std::filesystem::path& path, std::string_view reason)
 {
-    return "cannot " + std::string(verb) + " '" + path.string() + "': " + std::string(reason) + ".";
+    // A reason that is a sentence of its own (a writer's refusal) ends itself.
+    const bool ended = reason.ends_with('.') || reason.ends_with('?') || reason.ends_with('!');
+    return "cannot " + std::string(verb) + " '" + path.string() + "': " + std::string(reason) + (ended ? "" : ".");
 }
 
 FileDescriptor openRegularFile(const std::filesystem::path& path, int flags, mode_t mode)

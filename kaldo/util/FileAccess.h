@@ -49,7 +49,8 @@ private:
 // file; empty for a regular file.
 std::string notRegularReason(mode_t mode);
 
-// "cannot <verb> '<path>': <reason>."
+// "cannot <verb> '<path>': <reason>." (no second full stop after a reason
+// that ends a sentence already)
 std::string fileMessage(std::string_view verb, const std::filesystem::path& path, std::string_view reason);
 
 // Opens path for reading. Throws FileError when it cannot be opened or is

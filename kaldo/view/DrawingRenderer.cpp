@@ -12,6 +12,7 @@
 #include "kaldo/view/PenResolver.h"
 #include "kaldo/view/PlaneArc.h"
 #include "kaldo/view/PolylineRenderer.h"
+#include "kaldo/util/Utf8.h"
 #include "kaldo/view/RecordShapes.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
@@ -19,7 +20,6 @@
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
-#include "kxstring.h"
 
 namespace kaldo::view {
 
@@ -47,71 +47,18 @@ using OpenStyles = std::unordered_map<KxDbObjectId, KxDbObjectPtr<KxDbMlineStyle
 
 // Blocks inside blocks are drawn this deep at most.
 constexpr int kDeepestBlock = 8;
-constexpr int kBlockArcSegments = 64;
 
 // Where a block's points go: p -> origin + rotation * (scaleX x, scaleY y).
-class Placement {
-public:
-    Placement() = default;
-    Placement(const Point2& origin, double scaleX, double scaleY, double angle)
-        : m_origin(origin), m_scaleX(scaleX), m_scaleY(scaleY), m_cos(std::cos(angle)), m_sin(std::sin(angle))
-    {
-    }
-    Point2 operator()(const Point2& p) const
-    {
-        const double x = p.x * m_scaleX, y = p.y * m_scaleY;
-        return {m_origin.x + x * m_cos - y * m_sin, m_origin.y + x * m_sin + y * m_cos};
-    }
-
-private:
-    Point2 m_origin;
-    double m_scaleX = 1, m_scaleY = 1, m_cos = 1, m_sin = 0;
-};
-
-// Points of the polyline that stands for a block's arc when it is placed.
-int placedArcSteps(const Arc& arc)
+Affine blockPlacement(const Point2& origin, double scaleX, double scaleY, double angle)
 {
-    return std::max(2, int(std::ceil(kBlockArcSegments * std::abs(arc.sweep) / (2 * std::numbers::pi))));
-}
-
-// Adds a block's scene to scene, placed; arcs become polylines, as a
-// scaled block may turn them into ellipses.
-void appendPlaced(const Scene& block, const Placement& place, Scene& scene)
-{
-    std::vector<int> patterns(block.patterns().size(), 0);
-    for (std::size_t p = 1; p < patterns.size(); ++p)
-        patterns[p] = scene.addPattern(block.patterns()[p]);
-    std::vector<int> pens;
-    for (const Pen& pen : block.pens())
-        pens.push_back(scene.pen({pen.color, patterns[std::size_t(pen.pattern)]}));
-    for (const Polyline& polyline : block.polylines()) {
-        scene.beginPolyline(pens[std::size_t(polyline.pen)]);
-        for (std::uint32_t i = 0; i < polyline.count; ++i)
-            scene.addPoint(place(block.points()[polyline.first + i]));
-        scene.endPolyline(polyline.closed);
-    }
-    for (const Arc& arc : block.arcs()) {
-        const int steps = placedArcSteps(arc);
-        scene.beginPolyline(pens[std::size_t(arc.pen)]);
-        for (int i = 0; i <= steps; ++i) {
-            const double a = arc.start + arc.sweep * i / steps;
-            scene.addPoint(place({arc.centre.x + arc.radius * std::cos(a), arc.centre.y + arc.radius * std::sin(a)}));
-        }
-        scene.endPolyline();
-    }
-    for (const Polygon& polygon : block.polygons()) {
-        scene.beginPolygon();
-        for (std::uint32_t i = 0; i < polygon.count; ++i)
-            scene.addPoint(place(block.points()[polygon.first + i]));
-        scene.endPolygon(polygon.color);
-    }
+    const double c = std::cos(angle), s = std::sin(angle);
+    return {c * scaleX, -s * scaleY, s * scaleX, c * scaleY, origin.x, origin.y};
 }
 
 // A block drawn in its own coordinates, placed at each of its references.
 struct BlockDrawing {
     Scene scene;
     Bounds bounds;
-    std::size_t placedPoints = 0;  // what placing it adds to a scene
 };
 
 // What drawing one picture shares among the blocks it enters: the budget,
@@ -127,13 +74,42 @@ struct DrawingPass {
     RenderNotes* notes;
     PointBudget budget;
     std::unordered_map<KxDbObjectId, std::unique_ptr<BlockDrawing>> blocks;
+
+    // The block of a name, looked up once for each name.
+    KxDbObjectId blockId(const std::string& name)
+    {
+        if (const auto found = blockIds.find(name); found != blockIds.end())
+            return found->second;
+        KxDbObjectId id;
+        KxDbBlockTable* opened = nullptr;
+        if (db.getBlockTable(opened, KxDb::kForRead) == Kald::eOk) {
+            const KxDbObjectPtr<KxDbBlockTable> table(opened);
+            if (table->getAt(wideFromUtf8(name).c_str(), id) != Kald::eOk)
+                id = {};
+        }
+        return blockIds.emplace(name, id).first->second;
+    }
+    std::unordered_map<std::string, KxDbObjectId> blockIds;
+};
+
+// A block as a shape of one scene: what placing it costs and the box
+// drawn instead when the budget cannot pay.
+struct BlockShape {
+    std::uint32_t shape = 0;
+    std::size_t points = 0;
+    Bounds bounds;
 };
 
 // Draws entities one by one into a scene.
 class EntityDrawer {
 public:
     EntityDrawer(DrawingPass& pass, Scene& scene, int depth = 0)
-        : m_pass(pass), m_scene(scene), m_pens(pass.db, scene), m_mlines(m_pens), m_depth(depth)
+        : m_pass(pass),
+          m_scene(scene),
+          m_pens(pass.db, scene),
+          m_mlines(m_pens),
+          m_text(scene, pass.budget),
+          m_depth(depth)
     {
     }
 
@@ -164,9 +140,9 @@ private:
         const auto& groups = record.groups();
         const int pen = m_pens.pen(record.color(), record.linetypeId(), layer);
         if (kind == "TEXT" || kind == "ATTRIB")
-            return drawTextRecord(groups, pen, m_scene, m_pass.budget);
+            return drawTextRecord(groups, pen, m_text);
         if (kind == "MTEXT")
-            return drawMtextRecord(groups, pen, m_scene, m_pass.budget);
+            return drawMtextRecord(groups, pen, m_text);
         if (kind == "SOLID")
             return drawSolidRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
         if (kind == "ELLIPSE")
@@ -174,7 +150,7 @@ private:
         if (kind == "SPLINE")
             return drawSplineRecord(groups, pen, m_scene);
         if (kind == "HATCH")
-            return drawHatchRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
+            return drawHatchRecord(groups, pen, m_scene, m_pass.budget);
         if (kind == "POINT") {
             // A dot: a line of no length, which the painters show as a pixel.
             const Point2 at{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
@@ -183,8 +159,9 @@ private:
         }
         if (kind == "INSERT")
             return drawBlock(groups,
-                             {{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)}, groupNumber(groups, 41, 1),
-                              groupNumber(groups, 42, 1), groupNumber(groups, 50, 0) * std::numbers::pi / 180},
+                             blockPlacement({groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)},
+                                            groupNumber(groups, 41, 1), groupNumber(groups, 42, 1),
+                                            groupNumber(groups, 50, 0) * std::numbers::pi / 180),
                              pen);
         if (kind == "DIMENSION")
             return drawBlock(groups, {}, pen);
@@ -230,29 +207,40 @@ private:
     // The block named by group 2, placed; as the box of its drawing when
     // the budget cannot pay for a copy, and without the references that
     // lead back into a block being drawn.
-    bool drawBlock(const std::vector<KxDbFileGroup>& groups, const Placement& place, int pen)
+    bool drawBlock(const std::vector<KxDbFileGroup>& groups, const Affine& place, int pen)
     {
         const KxDbFileGroup* name = findGroup(groups, 2);
         if (!name || m_depth >= kDeepestBlock)
             return false;
-        KxDbBlockTable* opened = nullptr;
-        if (m_pass.db.getBlockTable(opened, KxDb::kForRead) != Kald::eOk)
-            return false;
-        const KxDbObjectPtr<KxDbBlockTable> table(opened);
-        KxDbObjectId id;
-        if (table->getAt(kxutFromMultiByte(name->value).c_str(), id) != Kald::eOk)
+        const KxDbObjectId id = m_pass.blockId(name->value);
+        if (id.isNull())
             return false;
         const KxDbObjectPtr<KxDbBlockTableRecord> block(id, KxDb::kForRead);
         if (!block)
             return false;
-        const BlockDrawing* drawing = blockDrawing(id, *block);
-        if (!drawing)
+        const BlockShape* shape = blockShape(id, *block);
+        if (!shape)
             return true;
-        if (m_pass.budget.take(drawing->placedPoints))
-            appendPlaced(drawing->scene, place, m_scene);
-        else
-            drawBox(drawing->bounds, place, pen);
+        if (!m_pass.budget.take(shape->points) || !m_scene.addInstance(shape->shape, place, pen))
+            drawBox(shape->bounds, place, pen);
         return true;
+    }
+
+    // The block as a shape of this scene, its drawing made at the first
+    // reference of the picture; null for a reference inside the block
+    // itself (noted).
+    const BlockShape* blockShape(KxDbObjectId id, const KxDbBlockTableRecord& block)
+    {
+        if (const auto found = m_blockShapes.find(id); found != m_blockShapes.end())
+            return &found->second;
+        const BlockDrawing* drawing = blockDrawing(id, block);
+        if (!drawing)
+            return nullptr;
+        const std::uint32_t part = m_scene.addPart(drawing->scene);
+        const ShapeRun run{part, 0};
+        const std::uint32_t shape = m_scene.addShape({&run, 1}, drawing->bounds, false);
+        return &m_blockShapes.emplace(id, BlockShape{shape, m_scene.shapePoints(shape), drawing->bounds})
+                    .first->second;
     }
 
     // The block's drawing, made now at its first reference; null for a
@@ -262,7 +250,7 @@ private:
         if (const auto found = m_pass.blocks.find(id); found != m_pass.blocks.end()) {
             const wchar_t* name = nullptr;
             if (!found->second && m_pass.notes && block.getName(name) == Kald::eOk)
-                m_pass.notes->selfReachingBlocks.insert(kxutToMultiByte(name));
+                m_pass.notes->selfReachingBlocks.insert(utf8FromWide(name));
             return found->second.get();
         }
         // References to the slot stay valid while the blocks inside add theirs.
@@ -278,15 +266,12 @@ private:
             inner.draw(*open);
         }
         drawing->bounds = drawing->scene.bounds();
-        drawing->placedPoints = drawing->scene.points().size();
-        for (const Arc& arc : drawing->scene.arcs())
-            drawing->placedPoints += std::size_t(placedArcSteps(arc)) + 1;
         slot = std::move(drawing);
         return slot.get();
     }
 
     // The placed corners of a block's extents, as a closed polyline.
-    void drawBox(const Bounds& bounds, const Placement& place, int pen)
+    void drawBox(const Bounds& bounds, const Affine& place, int pen)
     {
         if (bounds.empty)
             return;
@@ -315,6 +300,8 @@ private:
     PenResolver m_pens;
     MlineRenderer m_mlines;
     OpenStyles m_styles;
+    TextShapes m_text;
+    std::unordered_map<KxDbObjectId, BlockShape> m_blockShapes;
     int m_depth;
     // The old-form polyline whose vertices are being read.
     std::unique_ptr<KxDbPolyline> m_oldPolyline;
@@ -366,7 +353,7 @@ std::wstring describeNotes(const RenderNotes& notes, const std::wstring& picture
     const auto listed = [](const std::set<std::string>& names) {
         std::wstring list;
         for (const std::string& name : names)
-            list += (list.empty() ? L"" : L", ") + kxutFromMultiByte(name);
+            list += (list.empty() ? L"" : L", ") + wideFromUtf8(name);
         return list;
     };
     std::wstring text;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <span>
 #include <map>
 #include <numeric>
 
@@ -98,30 +100,108 @@ PixelDashes pixelDashes(const LinePattern& pattern, double scale)
     return {std::move(runs), offset};
 }
 
-FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* chosen)
+namespace {
+
+// Calls visit(item) for the polylines (or fills) and instances chosen, in
+// scene order: an instance comes before the item it was added before.
+template <class Visit>
+void visitInOrder(std::size_t items, const std::vector<std::uint32_t>* chosenItems,
+                  const std::vector<Instance>& all, const std::vector<std::uint32_t>* chosenInstances,
+                  std::uint32_t Instance::*before, Visit&& visit)
+{
+    const std::size_t itemCount = chosenItems ? chosenItems->size() : items;
+    const std::size_t instanceCount = chosenInstances ? chosenInstances->size() : all.size();
+    const auto itemAt = [&](std::size_t i) { return chosenItems ? (*chosenItems)[i] : std::uint32_t(i); };
+    const auto instanceAt = [&](std::size_t i) { return chosenInstances ? (*chosenInstances)[i] : std::uint32_t(i); };
+    std::size_t next = 0;
+    for (std::size_t i = 0; i <= itemCount; ++i) {
+        const std::uint32_t item = i < itemCount ? itemAt(i) : std::numeric_limits<std::uint32_t>::max();
+        for (; next < instanceCount && all[instanceAt(next)].*before <= item; ++next)
+            visit(SceneItem{instanceAt(next), true});
+        if (i < itemCount)
+            visit(SceneItem{item, false});
+    }
+}
+
+}  // namespace
+
+LineGroups groupLines(const Scene& scene, const std::vector<std::uint32_t>* polylines,
+                      const std::vector<std::uint32_t>* instances)
+{
+    LineGroups groups;
+    groups.starts.assign(scene.pens().size() + 1, 0);
+    const auto visit = [&](auto&& take) {
+        visitInOrder(scene.polylines().size(), polylines, scene.instances(), instances, &Instance::polylinesBefore,
+                     [&](const SceneItem& item) {
+                         if (!item.instance)
+                             take(scene.polylines()[item.index].pen, item);
+                         else
+                             scene.visitPens(scene.instances()[item.index], [&](int pen) { take(pen, item); });
+                     });
+    };
+    visit([&](int pen, const SceneItem&) { ++groups.starts[std::size_t(pen) + 1]; });
+    for (std::size_t p = 0; p + 1 < groups.starts.size(); ++p)
+        groups.starts[p + 1] += groups.starts[p];
+    groups.order.resize(groups.starts.back());
+    std::vector<std::uint32_t> next(groups.starts.begin(), groups.starts.end() - 1);
+    visit([&](int pen, const SceneItem& item) { groups.order[next[std::size_t(pen)]++] = item; });
+    return groups;
+}
+
+FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* polygons,
+                      const std::vector<std::uint32_t>* instances)
 {
     FillGroups groups;
     std::map<std::pair<bool, std::uint32_t>, std::uint32_t> colorIndex;
-    std::vector<std::uint32_t> colorOf(scene.polygons().size());
-    for (std::size_t i = 0; i < scene.polygons().size(); ++i) {
-        const DrawColor& color = scene.polygons()[i].color;
+    const auto indexOf = [&](const DrawColor& color) {
         const auto [it, added] =
             colorIndex.try_emplace({color.foreground, color.rgb}, static_cast<std::uint32_t>(groups.colors.size()));
         if (added)
             groups.colors.push_back(color);
-        colorOf[i] = it->second;
-    }
-    const std::size_t count = chosen ? chosen->size() : scene.polygons().size();
-    const auto fillAt = [&](std::size_t i) { return chosen ? (*chosen)[i] : static_cast<std::uint32_t>(i); };
+        return it->second;
+    };
+    // Each instance's colours, each once.
+    const auto instanceColors = [&](const Instance& instance, auto&& take) {
+        std::vector<std::uint32_t> seen;
+        scene.visitPolygons(instance, [&](const DrawColor& color, std::span<const Point2>) {
+            const std::uint32_t c = indexOf(color);
+            if (std::find(seen.begin(), seen.end(), c) == seen.end()) {
+                seen.push_back(c);
+                take(c);
+            }
+        });
+    };
+    // Colours in order of first use over the whole scene.
+    const auto filled = [&](const SceneItem& item) {
+        return !item.instance || scene.shapes()[scene.instances()[item.index].shape].fills;
+    };
+    visitInOrder(scene.polygons().size(), nullptr, scene.instances(), nullptr, &Instance::polygonsBefore,
+                 [&](const SceneItem& item) {
+                     if (!filled(item))
+                         return;
+                     if (item.instance)
+                         instanceColors(scene.instances()[item.index], [](std::uint32_t) {});
+                     else
+                         indexOf(scene.polygons()[item.index].color);
+                 });
+    const auto visit = [&](auto&& take) {
+        visitInOrder(scene.polygons().size(), polygons, scene.instances(), instances, &Instance::polygonsBefore,
+                     [&](const SceneItem& item) {
+                         if (!filled(item))
+                             return;
+                         if (item.instance)
+                             instanceColors(scene.instances()[item.index], [&](std::uint32_t c) { take(c, item); });
+                         else
+                             take(indexOf(scene.polygons()[item.index].color), item);
+                     });
+    };
     groups.starts.assign(groups.colors.size() + 1, 0);
-    for (std::size_t i = 0; i < count; ++i)
-        ++groups.starts[colorOf[fillAt(i)] + 1];
+    visit([&](std::uint32_t c, const SceneItem&) { ++groups.starts[c + 1]; });
     for (std::size_t c = 0; c < groups.colors.size(); ++c)
         groups.starts[c + 1] += groups.starts[c];
-    groups.order.resize(count);
+    groups.order.resize(groups.starts.back());
     std::vector<std::uint32_t> next(groups.starts.begin(), groups.starts.end() - 1);
-    for (std::size_t i = 0; i < count; ++i)
-        groups.order[next[colorOf[fillAt(i)]]++] = fillAt(i);
+    visit([&](std::uint32_t c, const SceneItem& item) { groups.order[next[c]++] = item; });
     return groups;
 }
 

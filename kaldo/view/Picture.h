@@ -33,6 +33,8 @@ public:
     double y(double worldY) const { return m_originY - worldY * m_scale; }
     double worldX(double x) const { return (x - m_originX) / m_scale; }
     double worldY(double y) const { return (m_originY - y) / m_scale; }
+    // The map from drawing units to pixels.
+    Affine pixels() const { return {m_scale, 0, 0, -m_scale, m_originX, m_originY}; }
 
 private:
     int m_width = 0;
@@ -87,15 +89,35 @@ PenGroups groupByPen(const std::vector<Item>& items, std::size_t penCount,
     return groups;
 }
 
+// A polyline of the scene, or an instance (whose polylines of the pen are
+// drawn at its place), or a fill of either.
+struct SceneItem {
+    std::uint32_t index = 0;
+    bool instance = false;
+};
+
+// The polylines and instances of each pen: those drawing in pen p are
+// order[starts[p]] .. order[starts[p + 1] - 1], in scene order (an
+// instance of several pens is listed under each). Only the items listed in
+// polylines and instances (in scene order) when they are given.
+struct LineGroups {
+    std::vector<std::uint32_t> starts;
+    std::vector<SceneItem> order;
+};
+LineGroups groupLines(const Scene& scene, const std::vector<std::uint32_t>* polylines = nullptr,
+                      const std::vector<std::uint32_t>* instances = nullptr);
+
 // The scene's fills grouped by colour: the distinct colours of the whole
 // scene in order of first use, and the fills of colors[c] as
-// order[starts[c]] .. order[starts[c + 1] - 1], in scene order. Only the
-// fills listed in chosen (in scene order) when it is given.
+// order[starts[c]] .. order[starts[c + 1] - 1], in scene order; an
+// instance is listed under each colour of its fills. Only the fills and
+// instances listed (in scene order) when they are given.
 struct FillGroups {
     std::vector<DrawColor> colors;
     std::vector<std::uint32_t> starts;
-    std::vector<std::uint32_t> order;
+    std::vector<SceneItem> order;
 };
-FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* chosen = nullptr);
+FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* polygons = nullptr,
+                      const std::vector<std::uint32_t>* instances = nullptr);
 
 }  // namespace kaldo::view

@@ -10,6 +10,7 @@
 #include <numbers>
 #include <numeric>
 #include <optional>
+#include <span>
 #include <tuple>
 #include <thread>
 #include <vector>
@@ -47,6 +48,7 @@ struct PixelBox {
 // Paints the part of a scene that falls in some areas of the picture;
 // only items reaching one of them are drawn, in scene order. With the
 // scene's index only the items it finds near the areas are looked at.
+// Whatever is smaller than a pixel is a dot.
 class ScenePainter {
 public:
     ScenePainter(const Scene& scene, Background background, QPainter& painter, const PictureFrame& frame,
@@ -54,6 +56,7 @@ public:
         : m_scene(scene),
           m_background(background),
           m_frame(frame),
+          m_toPixels(frame.pixels()),
           m_bands(std::move(bands)),
           m_painter(painter),
           m_coarse(detail.coarse),
@@ -67,24 +70,19 @@ public:
     void paint()
     {
         paintFills();
-        const PenGroups polylines =
-            groupByPen(m_scene.polylines(), m_scene.pens().size(), m_near ? &m_near->polylines : nullptr);
+        const LineGroups lines =
+            groupLines(m_scene, m_near ? &m_near->polylines : nullptr, m_near ? &m_near->instances : nullptr);
         const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size(), m_near ? &m_near->arcs : nullptr);
         const std::vector<std::size_t> order = penOrder();
         const std::vector<bool> hidden = m_coarse ? hiddenInNarrowGroups(order) : std::vector<bool>();
         for (const std::size_t p : order) {
             const bool dashed = choosePen(m_scene.pens()[p]);
-            for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i) {
-                if (!hidden.empty() && hidden[polylines.order[i]])
-                    continue;
-                const Polyline& polyline = m_scene.polylines()[polylines.order[i]];
-                const PixelBox box = pixelBox(polylines.order[i]);
-                if (!reachesBand(box))
-                    continue;
-                if (m_coarse && box.underAPixel())
-                    addDot(pixel(m_scene.points()[polyline.first]));
-                else
-                    dashed ? paintDashed(polyline) : addSegments(polyline);
+            for (std::uint32_t i = lines.starts[p]; i < lines.starts[p + 1]; ++i) {
+                const SceneItem item = lines.order[i];
+                if (item.instance)
+                    paintInstance(m_scene.instances()[item.index], int(p), dashed);
+                else if (hidden.empty() || !hidden[item.index])
+                    paintPolyline(item.index, dashed);
             }
             flushSegments();
             for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i) {
@@ -92,7 +90,7 @@ public:
                 const PixelBox box = pixelBox(arc);
                 if (!reachesBand(box))
                     continue;
-                if (m_coarse && box.underAPixel())
+                if (box.underAPixel())
                     addDot(pixel(arc.centre));
                 else
                     paintArc(arc);
@@ -106,6 +104,9 @@ private:
     // How far past its points an antialiased line with its caps may colour
     // pixels, with room to spare.
     static constexpr double kReach = 2.0;
+    // A line of text whose box is lower than this is drawn as its box in a
+    // coarse picture: its letters would be a smudge.
+    static constexpr double kSmallTextPixels = 4.0;
 
     QPointF pixel(const Point2& p) const { return {m_frame.x(p.x), m_frame.y(p.y)}; }
 
@@ -149,11 +150,16 @@ private:
         return box;
     }
 
+    PixelBox pixelBox(const Box& box) const
+    {
+        return {m_frame.y(box.maxY), m_frame.y(box.minY), m_frame.x(box.minX), m_frame.x(box.maxX)};
+    }
+
     // From the index's box when it knows it.
     PixelBox pixelBox(std::uint32_t polyline) const
     {
         if (const Box* box = m_index ? m_index->polylineBox(polyline) : nullptr)
-            return {m_frame.y(box->maxY), m_frame.y(box->minY), m_frame.x(box->minX), m_frame.x(box->maxX)};
+            return pixelBox(*box);
         return pixelBox(m_scene.polylines()[polyline].first, m_scene.polylines()[polyline].count);
     }
 
@@ -167,18 +173,32 @@ private:
 
     void paintFills()
     {
-        const FillGroups fills = groupFills(m_scene, m_near ? &m_near->polygons : nullptr);
+        const FillGroups fills =
+            groupFills(m_scene, m_near ? &m_near->polygons : nullptr, m_near ? &m_near->instances : nullptr);
         for (std::size_t c = 0; c < fills.colors.size(); ++c) {
             QPainterPath path;
             path.setFillRule(Qt::WindingFill);
-            for (std::uint32_t i = fills.starts[c]; i < fills.starts[c + 1]; ++i) {
-                const Polygon& polygon = m_scene.polygons()[fills.order[i]];
-                if (!reachesBand(pixelBox(polygon.first, polygon.count)))
-                    continue;
-                path.moveTo(pixel(m_scene.points()[polygon.first]));
-                for (std::uint32_t p = 1; p < polygon.count; ++p)
-                    path.lineTo(pixel(m_scene.points()[polygon.first + p]));
+            const auto addPolygon = [&](std::span<const Point2> corners) {
+                path.moveTo(pixel(corners[0]));
+                for (std::size_t p = 1; p < corners.size(); ++p)
+                    path.lineTo(pixel(corners[p]));
                 path.closeSubpath();
+            };
+            for (std::uint32_t i = fills.starts[c]; i < fills.starts[c + 1]; ++i) {
+                const SceneItem item = fills.order[i];
+                if (!item.instance) {
+                    const Polygon& polygon = m_scene.polygons()[item.index];
+                    if (reachesBand(pixelBox(polygon.first, polygon.count)))
+                        addPolygon({m_scene.points().data() + polygon.first, polygon.count});
+                    continue;
+                }
+                const Instance& instance = m_scene.instances()[item.index];
+                if (!reachesBand(pixelBox(instance.box)))
+                    continue;
+                m_scene.visitPolygons(instance, [&](const DrawColor& color, std::span<const Point2> corners) {
+                    if (color == fills.colors[c])
+                        addPolygon(corners);
+                });
             }
             if (!path.isEmpty())
                 m_painter.fillPath(path, qtColor(pictureRgb(fills.colors[c], m_background)));
@@ -242,16 +262,79 @@ private:
         return !dashes.lengths.empty();
     }
 
+    void paintPolyline(std::uint32_t index, bool dashed)
+    {
+        const Polyline& polyline = m_scene.polylines()[index];
+        const PixelBox box = pixelBox(index);
+        if (!reachesBand(box))
+            return;
+        const Point2* points = m_scene.points().data() + polyline.first;
+        const auto at = [&](std::uint32_t i) { return pixel(points[i]); };
+        if (box.underAPixel())
+            addDot(at(0));
+        else if (dashed)
+            paintDashed(polyline.count, polyline.closed, at);
+        else
+            addSegments(polyline.count, polyline.closed, at);
+    }
+
+    // The polylines of pen of an instance, placed; the instance smaller
+    // than a pixel is a dot (drawn with the first of its pens), a line of
+    // text too small to read in a coarse picture its box.
+    void paintInstance(const Instance& instance, int pen, bool dashed)
+    {
+        const PixelBox box = pixelBox(instance.box);
+        if (!reachesBand(box))
+            return;
+        if (box.underAPixel()) {
+            int first = -1;
+            m_scene.visitPens(instance, [&](int each) {
+                if (first < 0)
+                    first = each;
+            });
+            if (pen == first)
+                addDot({(box.left + box.right) / 2, (box.top + box.bottom) / 2});
+            return;
+        }
+        const Shape& shape = m_scene.shapes()[instance.shape];
+        const Affine toPixels = m_toPixels.after(instance.place);
+        if (m_coarse && shape.text
+            && (shape.box.maxY - shape.box.minY) * std::hypot(toPixels.xy, toPixels.yy) < kSmallTextPixels) {
+            const Bounds& b = shape.box;
+            const Point2 corners[] = {{b.minX, b.minY}, {b.maxX, b.minY}, {b.maxX, b.maxY}, {b.minX, b.maxY}};
+            addSegments(4, true, [&](std::uint32_t i) { return qtPoint(toPixels(corners[i])); });
+            return;
+        }
+        for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
+            const ShapeRun& run = m_scene.runs()[r];
+            const Part& part = m_scene.parts()[run.part];
+            const Affine place = toPixels.shiftedAlongX(run.shift);
+            for (std::uint32_t i = part.firstPolyline; i < part.endPolyline; ++i) {
+                const Polyline& polyline = m_scene.partPolylines()[i];
+                if ((polyline.pen == kInstancePen ? instance.pen : polyline.pen) != pen)
+                    continue;
+                const Point2* points = m_scene.partPoints().data() + polyline.first;
+                const auto at = [&](std::uint32_t p) { return qtPoint(place(points[p])); };
+                if (dashed)
+                    paintDashed(polyline.count, polyline.closed, at);
+                else
+                    addSegments(polyline.count, polyline.closed, at);
+            }
+        }
+    }
+
+    static QPointF qtPoint(const Point2& p) { return {p.x, p.y}; }
+
     // Continuous lines go to the painter as batches of separate segments;
     // coarse, a point that lies within a pixel of the last one drawn to is
-    // passed over, unless it ends the line.
-    void addSegments(const Polyline& polyline)
+    // passed over, unless it ends the line. at(i) is the pixel of point i.
+    template <class PixelOf>
+    void addSegments(std::uint32_t count, bool closed, const PixelOf& at)
     {
-        const Point2* points = m_scene.points().data() + polyline.first;
-        const std::uint32_t end = polyline.closed ? polyline.count + 1 : polyline.count;
-        QPointF from = pixel(points[0]);
+        const std::uint32_t end = closed ? count + 1 : count;
+        QPointF from = at(0);
         for (std::uint32_t i = 1; i < end; ++i) {
-            const QPointF to = pixel(points[i % polyline.count]);
+            const QPointF to = at(i % count);
             if (m_coarse && i + 1 < end && std::abs(to.x() - from.x()) < 1 && std::abs(to.y() - from.y()) < 1)
                 continue;
             m_lines.emplace_back(from, to);
@@ -279,12 +362,13 @@ private:
     }
 
     // Dashed lines go whole, so that the pattern runs on across vertices.
-    void paintDashed(const Polyline& polyline)
+    template <class PixelOf>
+    void paintDashed(std::uint32_t count, bool closed, const PixelOf& at)
     {
         m_points.clear();
-        for (std::uint32_t i = 0; i < polyline.count; ++i)
-            m_points.push_back(pixel(m_scene.points()[polyline.first + i]));
-        if (polyline.closed)
+        for (std::uint32_t i = 0; i < count; ++i)
+            m_points.push_back(at(i));
+        if (closed)
             m_painter.drawPolygon(m_points.data(), int(m_points.size()));
         else
             m_painter.drawPolyline(m_points.data(), int(m_points.size()));
@@ -304,6 +388,7 @@ private:
     const Scene& m_scene;
     Background m_background;
     const PictureFrame& m_frame;
+    Affine m_toPixels;
     std::vector<Band> m_bands;
     QPainter& m_painter;
     std::vector<QLineF> m_lines;

@@ -22,10 +22,11 @@ struct PaintDetail {
     // paints the same pixels.
     const SceneIndex* index = nullptr;
     // Coarse: a continuous line's runs of segments shorter than a pixel are
-    // drawn as one, an item smaller than a pixel as a dot, and a multiline
-    // narrower than a pixel by the elements of the pen painted last only,
-    // so that a view of a whole large drawing costs less. Lines longer than
-    // a pixel, of multilines wider than one, come out the same.
+    // drawn as one, a multiline narrower than a pixel by the elements of the
+    // pen painted last only, and a line of text less than a few pixels high
+    // as its box, so that a view of a whole large drawing costs less. Lines
+    // longer than a pixel, of multilines wider than one, come out the same.
+    // (Every picture draws an item smaller than a pixel as a dot.)
     bool coarse = false;
 };
 

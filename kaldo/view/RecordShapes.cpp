@@ -1,13 +1,9 @@
 #include "kaldo/view/RecordShapes.h"
 
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/view/HatchPattern.h"
 #include "kaldo/view/PlaneArc.h"
 
-#include <QCoreApplication>
-#include <QFont>
-#include <QFontMetricsF>
-#include <QGuiApplication>
-#include <QPainterPath>
 #include <QStringList>
 
 #include <algorithm>
@@ -21,20 +17,15 @@ namespace kaldo::view {
 
 namespace {
 
-// Letters are laid out at this size and then scaled, so that their
-// outlines keep their detail.
-constexpr int kLayoutPixels = 200;
-// Distance between MTEXT lines, in text heights.
-constexpr double kLineSpacing = 5.0 / 3.0;
 constexpr int kEllipseSegments = 96;
-// Outlines are drawn only while the budget holds this many points for
-// each letter of a line: a letter never has fewer.
-constexpr std::size_t kLeastPointsPerLetter = 4;
 // Splines of a higher degree are drawn as their control polygon: each
 // point of the curve costs the square of the degree.
 constexpr int kHighestSplineDegree = 11;
 // Points of a spline's curve for each control point.
 constexpr std::size_t kSplinePointsPerControlPoint = 16;
+// A pattern hatch of more lines than this across its extents is drawn
+// solid: at any scale that shows it whole, its lines run together.
+constexpr std::size_t kMostPatternLines = 20000;
 
 // value without its fraction when that lies in the range of int, else
 // fallback.
@@ -47,86 +38,6 @@ int wholeNumber(double value, int fallback)
 double degrees(double value)
 {
     return value * std::numbers::pi / 180;
-}
-
-// Where lines of text go: anchor point, direction, height, and how the
-// block of lines sits on the anchor (0, 0.5 or 1 of its width to the left;
-// the anchor on the first line's top, the middle, the last baseline or the
-// last line's bottom).
-struct TextPlacement {
-    Point2 anchor;
-    double angle = 0;
-    double height = 1;
-    double widthFactor = 1;
-    double horizontal = 0;
-    enum class Vertical { Baseline, Bottom, Middle, Top } vertical = Vertical::Baseline;
-};
-
-// Each line's letters as outlines while the budget holds, else the line's
-// box (from the descent to the height of a capital).
-void drawLines(const QStringList& lines, const TextPlacement& place, int pen, Scene& scene, PointBudget& budget)
-{
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(kLayoutPixels);
-    const QFontMetricsF metrics(font);
-    const double cap = metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent();
-    const double scale = place.height / cap;
-    const double spacing = kLineSpacing * cap;
-    const double blockHeight = cap + spacing * double(lines.size() - 1);
-    // Vertical shift of the first baseline above the anchor, in layout units.
-    double firstBaseline = 0;
-    switch (place.vertical) {
-    case TextPlacement::Vertical::Baseline: firstBaseline = spacing * double(lines.size() - 1); break;
-    case TextPlacement::Vertical::Bottom: firstBaseline = spacing * double(lines.size() - 1) + metrics.descent(); break;
-    case TextPlacement::Vertical::Middle: firstBaseline = blockHeight / 2 - cap; break;
-    case TextPlacement::Vertical::Top: firstBaseline = -cap; break;
-    }
-    const double c = std::cos(place.angle), s = std::sin(place.angle);
-    for (qsizetype i = 0; i < lines.size(); ++i) {
-        if (lines[i].trimmed().isEmpty())
-            continue;
-        const double width = metrics.horizontalAdvance(lines[i]);
-        const double up = firstBaseline - spacing * double(i);
-        const auto add = [&](const QPointF& p) {
-            const double x = p.x() * scale * place.widthFactor;
-            const double y = (up - p.y()) * scale;
-            scene.addPoint({place.anchor.x + x * c - y * s, place.anchor.y + x * s + y * c});
-        };
-        QList<QPolygonF> outlines;
-        if (budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size())) {
-            QPainterPath path;
-            path.addText(-place.horizontal * width, 0, font, lines[i]);
-            outlines = path.toSubpathPolygons();
-            std::size_t points = 0;
-            for (const QPolygonF& outline : outlines)
-                points += std::size_t(outline.size());
-            if (!budget.take(points))
-                outlines.clear();
-        } else {
-            budget.markSpent();
-        }
-        if (outlines.isEmpty()) {
-            const double left = -place.horizontal * width;
-            scene.beginPolyline(pen);
-            for (const QPointF& corner : {QPointF(left, metrics.descent()), QPointF(left + width, metrics.descent()),
-                                          QPointF(left + width, -cap), QPointF(left, -cap)})
-                add(corner);
-            scene.endPolyline(true);
-            continue;
-        }
-        for (const QPolygonF& outline : outlines) {
-            scene.beginPolyline(pen);
-            for (const QPointF& p : outline)
-                add(p);
-            scene.endPolyline(true);
-        }
-    }
-}
-
-bool haveFonts()
-{
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
 // The text of MTEXT without its formatting: "\\P" breaks the line, "\\~"
@@ -217,10 +128,10 @@ int groupInteger(const std::vector<KxDbFileGroup>& groups, int code, int fallbac
     return wholeNumber(groupNumber(groups, code, fallback), fallback);
 }
 
-bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget)
+bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text)
 {
     const KxDbFileGroup* value = findGroup(groups, 1);
-    if (!value || !haveFonts())
+    if (!value)
         return false;
     TextPlacement place;
     place.height = groupNumber(groups, 40, 1);
@@ -234,18 +145,15 @@ bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& sc
     place.horizontal = horizontal == 1 || horizontal == 4 ? 0.5 : horizontal == 2 ? 1.0 : 0.0;
     place.vertical = horizontal == 4 ? TextPlacement::Vertical::Middle
                                      : static_cast<TextPlacement::Vertical>(std::clamp(vertical, 0, 3));
-    drawLines({QString::fromLocal8Bit(value->value.c_str())}, place, pen, scene, budget);
-    return true;
+    return text.drawLines({QString::fromStdString(value->value)}, place, pen);
 }
 
-bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget)
+bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text)
 {
-    if (!haveFonts())
-        return false;
-    QString text;
+    QString value;
     for (const KxDbFileGroup& g : groups)
         if (g.code == 3 || g.code == 1)
-            text += QString::fromLocal8Bit(g.value.c_str());
+            value += QString::fromStdString(g.value);
     TextPlacement place;
     place.anchor = {groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
     place.height = groupNumber(groups, 40, 1);
@@ -257,8 +165,7 @@ bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& s
     constexpr TextPlacement::Vertical rows[] = {TextPlacement::Vertical::Top, TextPlacement::Vertical::Middle,
                                                 TextPlacement::Vertical::Bottom};
     place.vertical = rows[attachment / 3];
-    drawLines(stripMtextCodes(text).split('\n'), place, pen, scene, budget);
-    return true;
+    return text.drawLines(stripMtextCodes(value).split('\n'), place, pen);
 }
 
 bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene)
@@ -278,25 +185,25 @@ bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
     return true;
 }
 
-bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene)
+bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget)
 {
-    if (groupNumber(groups, 70, 0) != 1)
-        return false;  // patterns are not drawn, solid fills are
     // Boundaries are in the hatch's own plane (extrusion 210-230, elevation 30).
     const EntityPlane plane({groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
     const double elevation = groupNumber(groups, 30, 0);
-    const auto add = [&](double x, double y) {
-        const KxGePoint3d p = plane.toWorld(KxGePoint3d(x, y, elevation));
-        scene.addPoint({p.x, p.y});
+    const auto world = [&](const Point2& p) {
+        const KxGePoint3d w = plane.toWorld(KxGePoint3d(p.x, p.y, elevation));
+        return Point2{w.x, w.y};
     };
     // The boundary paths follow group 91; each starts with its flags (92).
+    std::vector<std::vector<Point2>> loops;
     GroupCursor cursor(groups);
     const std::size_t paths = cursor.nextCount(91);
     for (std::size_t path = 0; path < paths; ++path) {
         const std::optional<double> flags = cursor.find(92);
         if (!flags)
             break;
-        scene.beginPolygon();
+        std::vector<Point2>& loop = loops.emplace_back();
+        const auto add = [&](double x, double y) { loop.push_back({x, y}); };
         if (wholeNumber(*flags, 0) & 2) {
             // A polyline path: its vertices (bulges are drawn as chords).
             const std::size_t vertices = cursor.nextCount(93);
@@ -331,6 +238,35 @@ bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
                 }
             }
         }
+    }
+    // A pattern (70 = 0) draws its line families (78 of them, after the
+    // paths); one without them, or too fine to draw line by line, is
+    // drawn solid.
+    if (groupNumber(groups, 70, 1) == 0) {
+        std::vector<PatternFamily> families;
+        const std::size_t count = cursor.nextCount(78);
+        for (std::size_t f = 0; f < count; ++f) {
+            PatternFamily& family = families.emplace_back();
+            family.angle = degrees(cursor.next(53));
+            family.base = {cursor.next(43), cursor.next(44)};
+            family.offset = {cursor.next(45), cursor.next(46)};
+            const std::size_t dashes = cursor.nextCount(79);
+            for (std::size_t d = 0; d < dashes; ++d)
+                family.dashes.push_back(cursor.next(49));
+        }
+        bool withinBudget = true;
+        if (patternPieces(loops, families, kMostPatternLines, [&](const Point2& from, const Point2& to) {
+                withinBudget = withinBudget && budget.take(2);
+                if (withinBudget)
+                    scene.addLine(world(from), world(to), pen);
+            }))
+            return true;
+    }
+    const DrawColor color = scene.pens()[std::size_t(pen)].color;
+    for (const std::vector<Point2>& loop : loops) {
+        scene.beginPolygon();
+        for (const Point2& p : loop)
+            scene.addPoint(world(p));
         scene.endPolygon(color);
     }
     return true;

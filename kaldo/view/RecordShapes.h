@@ -1,17 +1,15 @@
 // Shapes of entities that the host keeps as records as read (TEXT, ATTRIB,
-// MTEXT, SOLID, solid HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts are
-// the outlines of their letters in Qt's sans-serif font, scaled so that a
-// capital is as tall as the text height, while the budget holds (then the
-// box of each line); MTEXT's paragraph breaks start new lines and its other
-// formatting codes are left out. Texts need a QGuiApplication (fonts);
-// without one they are not drawn. Counts are read as far as the groups
+// MTEXT, SOLID, HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts go
+// through TextShapes (the outlines of their letters while the budget
+// holds, else the box of each line); MTEXT's paragraph breaks start new
+// lines and its other formatting codes are left out. Counts are read as far as the groups
 // that follow bear them out, and every curve gets a bounded number of
 // points: an ellipse 96 for a whole turn, a spline 16 for each control
 // point read.
 #pragma once
 
-#include "kaldo/view/PointBudget.h"
 #include "kaldo/view/Scene.h"
+#include "kaldo/view/TextShapes.h"
 #include "kxdbobject.h"
 
 #include <vector>
@@ -19,12 +17,14 @@
 namespace kaldo::view {
 
 // Each returns false when the record cannot be drawn.
-bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget);
-bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget);
+bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text);
+bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text);
 bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
-// Solid fills only; polyline paths with bulges and edges other than lines
-// and arcs are drawn by their corners.
-bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
+// Solid fills, and patterns by their line families (HatchPattern.h) in
+// the pen, solid when the record gives no lines or too many to draw one by
+// one; polyline paths with bulges and edges other than lines and arcs are
+// drawn by their corners.
+bool drawHatchRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene, PointBudget& budget);
 // From its start parameter to its end, one turn at most; not drawn when
 // its axes are beyond the largest number.
 bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);

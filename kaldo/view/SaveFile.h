@@ -1,5 +1,7 @@
-// Writing an output file (a picture) whole: the bytes are made in memory,
-// then replace the file through the host's checked, atomic file writing.
+// Writing an output file (a picture) whole: the bytes go as they are made
+// into the temporary file of the host's checked, atomic file replacing,
+// which then takes the target's place, so that memory does not grow with
+// the file.
 #pragma once
 
 #include <filesystem>

@@ -8,6 +8,54 @@
 
 namespace kaldo::view {
 
+namespace {
+
+// Points of the polyline that stands for an arc of a part: a part may be
+// placed scaled differently along x and y, which turns arcs into ellipses.
+constexpr int kPartArcSegments = 64;
+
+int partArcSteps(const Arc& arc)
+{
+    return std::max(2, int(std::ceil(kPartArcSegments * std::abs(arc.sweep) / (2 * std::numbers::pi))));
+}
+
+Point2 arcPoint(const Arc& arc, int step, int steps)
+{
+    const double a = arc.start + arc.sweep * step / steps;
+    return {arc.centre.x + arc.radius * std::cos(a), arc.centre.y + arc.radius * std::sin(a)};
+}
+
+// The corners of the convex hull of points (Andrew's monotone chain), in
+// order; points that are not finite numbers are left out.
+std::vector<Point2> convexHull(std::vector<Point2> points)
+{
+    std::erase_if(points, [](const Point2& p) { return !std::isfinite(p.x) || !std::isfinite(p.y); });
+    std::sort(points.begin(), points.end(),
+              [](const Point2& a, const Point2& b) { return a.x < b.x || (a.x == b.x && a.y < b.y); });
+    if (points.size() < 3)
+        return points;
+    const auto turn = [](const Point2& o, const Point2& a, const Point2& b) {
+        return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+    };
+    std::vector<Point2> hull(2 * points.size());
+    std::size_t k = 0;
+    for (const Point2& p : points) {
+        while (k >= 2 && turn(hull[k - 2], hull[k - 1], p) <= 0)
+            --k;
+        hull[k++] = p;
+    }
+    const std::size_t lower = k + 1;
+    for (auto p = points.rbegin() + 1; p != points.rend(); ++p) {
+        while (k >= lower && turn(hull[k - 2], hull[k - 1], *p) <= 0)
+            --k;
+        hull[k++] = *p;
+    }
+    hull.resize(k - 1);
+    return hull;
+}
+
+}  // namespace
+
 void Bounds::add(const Point2& p)
 {
     if (!std::isfinite(p.x) || !std::isfinite(p.y))
@@ -22,6 +70,13 @@ void Bounds::add(const Point2& p)
     maxX = std::max(maxX, p.x);
     minY = std::min(minY, p.y);
     maxY = std::max(maxY, p.y);
+}
+
+Affine Affine::after(const Affine& first) const
+{
+    return {xx * first.xx + xy * first.yx, xx * first.xy + xy * first.yy,
+            yx * first.xx + yy * first.yx, yx * first.xy + yy * first.yy,
+            xx * first.dx + xy * first.dy + dx, yx * first.dx + yy * first.dy + dy};
 }
 
 Scene::Scene() : m_patterns(1) {}
@@ -90,6 +145,129 @@ void Scene::endPolygon(const DrawColor& color)
     m_polygons.push_back({static_cast<std::uint32_t>(m_openFirst), static_cast<std::uint32_t>(count), color});
 }
 
+int Scene::takePen(const Scene& from, int pen, std::vector<int>& pens, std::vector<int>& patterns)
+{
+    if (patterns.empty()) {
+        patterns.assign(from.patterns().size(), 0);
+        for (std::size_t p = 1; p < patterns.size(); ++p)
+            patterns[p] = addPattern(from.patterns()[p]);
+        for (const Pen& each : from.pens())
+            pens.push_back(this->pen({each.color, patterns[std::size_t(each.pattern)]}));
+    }
+    return pens[std::size_t(pen)];
+}
+
+std::uint32_t Scene::addPart(const Scene& scene)
+{
+    const auto firstPoint = std::uint32_t(m_partPoints.size());
+    const auto firstPolyline = std::uint32_t(m_partPolylines.size());
+    const auto firstPolygon = std::uint32_t(m_partPolygons.size());
+    std::vector<int> pens, patterns;
+    const auto addPolyline = [&](int pen, bool closed, std::span<const Point2> points) {
+        m_partPolylines.push_back(
+            {std::uint32_t(m_partPoints.size()), std::uint32_t(points.size()), takePen(scene, pen, pens, patterns), closed});
+        m_partPoints.insert(m_partPoints.end(), points.begin(), points.end());
+    };
+    scene.visitPolylines(addPolyline);
+    std::vector<Point2> points;
+    for (const Arc& arc : scene.arcs()) {
+        const int steps = partArcSteps(arc);
+        points.clear();
+        for (int i = 0; i <= steps; ++i)
+            points.push_back(arcPoint(arc, i, steps));
+        addPolyline(arc.pen, false, points);
+    }
+    const auto addPolygon = [&](const DrawColor& color, std::span<const Point2> corners) {
+        m_partPolygons.push_back({std::uint32_t(m_partPoints.size()), std::uint32_t(corners.size()), color});
+        m_partPoints.insert(m_partPoints.end(), corners.begin(), corners.end());
+    };
+    scene.visitPolygons(addPolygon);
+    return endPart(firstPoint, firstPolyline, firstPolygon);
+}
+
+std::uint32_t Scene::addOutlinePart(std::span<const std::vector<Point2>> outlines)
+{
+    const auto firstPoint = std::uint32_t(m_partPoints.size());
+    const auto firstPolyline = std::uint32_t(m_partPolylines.size());
+    for (const std::vector<Point2>& outline : outlines) {
+        std::size_t count = outline.size();
+        // As a closed polyline does not repeat its first point.
+        if (count > 2 && outline.back().x == outline.front().x && outline.back().y == outline.front().y)
+            --count;
+        if (count < 2)
+            continue;
+        m_partPolylines.push_back({std::uint32_t(m_partPoints.size()), std::uint32_t(count), kInstancePen, true});
+        m_partPoints.insert(m_partPoints.end(), outline.begin(), outline.begin() + std::ptrdiff_t(count));
+    }
+    return endPart(firstPoint, firstPolyline, std::uint32_t(m_partPolygons.size()));
+}
+
+std::uint32_t Scene::endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon)
+{
+    const std::vector<Point2> hull =
+        convexHull({m_partPoints.begin() + firstPoint, m_partPoints.end()});
+    const auto firstHull = std::uint32_t(m_hulls.size());
+    m_hulls.insert(m_hulls.end(), hull.begin(), hull.end());
+    m_parts.push_back({firstPolyline, std::uint32_t(m_partPolylines.size()), firstPolygon,
+                       std::uint32_t(m_partPolygons.size()), firstHull, std::uint32_t(m_hulls.size())});
+    return std::uint32_t(m_parts.size() - 1);
+}
+
+std::uint32_t Scene::addShape(std::span<const ShapeRun> runs, const Bounds& box, bool text)
+{
+    Shape shape;
+    shape.firstRun = std::uint32_t(m_runs.size());
+    m_runs.insert(m_runs.end(), runs.begin(), runs.end());
+    shape.endRun = std::uint32_t(m_runs.size());
+    std::vector<int> pens;
+    for (const ShapeRun& run : runs)
+        for (std::uint32_t i = m_parts[run.part].firstPolyline; i < m_parts[run.part].endPolyline; ++i)
+            pens.push_back(m_partPolylines[i].pen);
+    std::sort(pens.begin(), pens.end());
+    pens.erase(std::unique(pens.begin(), pens.end()), pens.end());
+    shape.firstPen = std::uint32_t(m_shapePens.size());
+    m_shapePens.insert(m_shapePens.end(), pens.begin(), pens.end());
+    shape.endPen = std::uint32_t(m_shapePens.size());
+    shape.box = box;
+    shape.text = text;
+    shape.fills = std::any_of(runs.begin(), runs.end(), [&](const ShapeRun& run) {
+        return m_parts[run.part].endPolygon > m_parts[run.part].firstPolygon;
+    });
+    m_shapes.push_back(shape);
+    return std::uint32_t(m_shapes.size() - 1);
+}
+
+bool Scene::addInstance(std::uint32_t shapeIndex, const Affine& place, int pen)
+{
+    const Shape& shape = m_shapes[shapeIndex];
+    Bounds bounds;
+    for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
+        const Part& part = m_parts[m_runs[r].part];
+        const Affine shifted = place.shiftedAlongX(m_runs[r].shift);
+        for (std::uint32_t h = part.firstHull; h < part.endHull; ++h)
+            bounds.add(shifted(m_hulls[h]));
+    }
+    if (bounds.empty)
+        return false;
+    m_instances.push_back({place, Box{bounds.minX, bounds.minY, bounds.maxX, bounds.maxY}, shapeIndex, pen,
+                           std::uint32_t(m_polylines.size()), std::uint32_t(m_polygons.size())});
+    return true;
+}
+
+std::size_t Scene::shapePoints(std::uint32_t shapeIndex) const
+{
+    const Shape& shape = m_shapes[shapeIndex];
+    std::size_t points = 0;
+    for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
+        const Part& part = m_parts[m_runs[r].part];
+        for (std::uint32_t i = part.firstPolyline; i < part.endPolyline; ++i)
+            points += m_partPolylines[i].count;
+        for (std::uint32_t i = part.firstPolygon; i < part.endPolygon; ++i)
+            points += m_partPolygons[i].count;
+    }
+    return points;
+}
+
 void Scene::groupPolylines(std::uint32_t first, double width)
 {
     const auto end = static_cast<std::uint32_t>(m_polylines.size());
@@ -104,6 +282,10 @@ Bounds Scene::bounds() const
         b.add(p);
     for (const Arc& arc : m_arcs)
         addArcBounds(b, arc);
+    for (const Instance& instance : m_instances) {
+        b.add(Point2{instance.box.minX, instance.box.minY});
+        b.add(Point2{instance.box.maxX, instance.box.maxY});
+    }
     return b;
 }
 

@@ -1,14 +1,22 @@
 // What the renderer makes of a drawing: a plan view of the world XY plane
-// as flat lists of primitives (polylines, arcs, filled polygons) that share
-// one array of points, so that building a scene of millions of segments
-// allocates only when those arrays grow. The exporters and the drawing
-// window turn a scene into pixels.
+// as flat lists of compact records (polylines, arcs, filled polygons) that
+// share one array of points, so that building a scene of millions of
+// segments allocates only when those arrays grow. What a drawing repeats
+// is drawn once: a block's drawing and a letter's outline are parts, in
+// their own coordinates, and each reference or line of text is one
+// instance that places a shape (parts side by side) by an affine map. The
+// exporters and the drawing window turn a scene into pixels, placing the
+// parts as they paint.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
+#include <span>
 #include <tuple>
 #include <vector>
+
+#include "kaldo/util/BoxIndex.h"
 
 namespace kaldo::view {
 
@@ -35,6 +43,10 @@ struct Pen {
     int pattern = 0;
     friend bool operator==(const Pen&, const Pen&) = default;
 };
+
+// The pen of a part's polyline that takes the pen of the instance placing
+// it (a letter is drawn in the colour of its text).
+constexpr int kInstancePen = -1;
 
 struct Polyline {
     std::uint32_t first = 0;  // index of the first point
@@ -75,6 +87,55 @@ struct Bounds {
     void add(const Point2& p);
 };
 
+// Where a part's points go: (xx x + xy y + dx, yx x + yy y + dy).
+struct Affine {
+    double xx = 1, xy = 0, yx = 0, yy = 1, dx = 0, dy = 0;
+    Point2 operator()(const Point2& p) const { return {xx * p.x + xy * p.y + dx, yx * p.x + yy * p.y + dy}; }
+    // This map after a move by (x, 0) in the part's own coordinates.
+    Affine shiftedAlongX(double x) const { return {xx, xy, yx, yy, dx + xx * x, dy + yx * x}; }
+    // The map that applies first, then this one.
+    Affine after(const Affine& first) const;
+};
+
+// A drawing in its own coordinates: polylines and fills in the scene's
+// part lists, over the part points, and the corners of the convex hull of
+// those points (placed, they give an instance's exact extents).
+struct Part {
+    std::uint32_t firstPolyline = 0, endPolyline = 0;
+    std::uint32_t firstPolygon = 0, endPolygon = 0;
+    std::uint32_t firstHull = 0, endHull = 0;
+};
+
+// A part moved along x within a shape (a letter along its line).
+struct ShapeRun {
+    std::uint32_t part = 0;
+    double shift = 0;
+};
+
+// Parts side by side: one for a block, one for each letter of a line of
+// text. box is its extent in its own coordinates (a text line's box from
+// the descent to the height of a capital); pens lists the distinct pens of
+// its parts' polylines, the instance's own pen for kInstancePen.
+struct Shape {
+    std::uint32_t firstRun = 0, endRun = 0;
+    std::uint32_t firstPen = 0, endPen = 0;
+    Bounds box;
+    bool text = false;   // small in a coarse picture, it is drawn as its box
+    bool fills = false;  // whether its parts have fills
+};
+
+// A shape placed. box is its exact extent in the drawing; the instance
+// lies among the scene's polylines and fills where it was added (before
+// the polyline and the fill of those numbers), which paints it in order.
+struct Instance {
+    Affine place;
+    Box box;
+    std::uint32_t shape = 0;
+    int pen = 0;  // for kInstancePen, and for the instance drawn as a dot
+    std::uint32_t polylinesBefore = 0;
+    std::uint32_t polygonsBefore = 0;
+};
+
 class Scene {
 public:
     Scene();
@@ -96,6 +157,20 @@ public:
     void beginPolygon() { m_openFirst = m_points.size(); }
     void endPolygon(const DrawColor& color);
 
+    // Adds what scene draws as a part (its pens and patterns taken over,
+    // its arcs as polylines of 64 points a turn, its instances placed);
+    // returns the part's index.
+    std::uint32_t addPart(const Scene& scene);
+    // Adds a part of closed outlines drawn in the instance's pen; returns
+    // its index.
+    std::uint32_t addOutlinePart(std::span<const std::vector<Point2>> outlines);
+    // Adds a shape of the parts of runs; returns its index.
+    std::uint32_t addShape(std::span<const ShapeRun> runs, const Bounds& box, bool text);
+    // Places a shape; returns false (adding nothing) when it has no points.
+    bool addInstance(std::uint32_t shape, const Affine& place, int pen);
+    // Points that placing the shape adds to a picture drawn in full.
+    std::size_t shapePoints(std::uint32_t shape) const;
+
     const std::vector<Point2>& points() const { return m_points; }
     const std::vector<Polyline>& polylines() const { return m_polylines; }
     const std::vector<Arc>& arcs() const { return m_arcs; }
@@ -103,8 +178,36 @@ public:
     const std::vector<Pen>& pens() const { return m_pens; }
     const std::vector<LinePattern>& patterns() const { return m_patterns; }
     const std::vector<PolylineGroup>& groups() const { return m_groups; }
+    const std::vector<Instance>& instances() const { return m_instances; }
+    const std::vector<Shape>& shapes() const { return m_shapes; }
+    const std::vector<ShapeRun>& runs() const { return m_runs; }
+    const std::vector<Part>& parts() const { return m_parts; }
+    const std::vector<Point2>& partPoints() const { return m_partPoints; }
+    const std::vector<Polyline>& partPolylines() const { return m_partPolylines; }
+    const std::vector<Polygon>& partPolygons() const { return m_partPolygons; }
+    const std::vector<int>& shapePens() const { return m_shapePens; }
     // Groups the polylines added since first.
     void groupPolylines(std::uint32_t first, double width);
+
+    // Calls visit(pen, closed, points) for every polyline the scene draws,
+    // those of instances placed (in a buffer valid during the call), in
+    // the order of the scene.
+    template <class Visit>
+    void visitPolylines(Visit&& visit) const;
+    // The same for the polylines of one instance.
+    template <class Visit>
+    void visitPolylines(const Instance& instance, Visit&& visit) const;
+    // Calls visit(color, points) for every fill the scene draws, those of
+    // instances placed, in the order of the scene.
+    template <class Visit>
+    void visitPolygons(Visit&& visit) const;
+    // The same for the fills of one instance.
+    template <class Visit>
+    void visitPolygons(const Instance& instance, Visit&& visit) const;
+    // Calls visit(pen) for each pen an instance draws in (its own for
+    // kInstancePen), each once, in ascending order of the shape's pens.
+    template <class Visit>
+    void visitPens(const Instance& instance, Visit&& visit) const;
 
     // The extents of everything drawn.
     Bounds bounds() const;
@@ -112,6 +215,14 @@ public:
     void reserve(std::size_t points, std::size_t polylines);
 
 private:
+    // Calls visit(item, its points placed) for the items of the instance's
+    // parts that [part.*first, part.*end) selects in items.
+    template <class Item, class Visit>
+    void visitPlaced(const Instance& instance, std::uint32_t Part::*first, std::uint32_t Part::*end,
+                     const std::vector<Item>& items, Visit&& visit) const;
+    int takePen(const Scene& from, int pen, std::vector<int>& pens, std::vector<int>& patterns);
+    std::uint32_t endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon);
+
     std::vector<Point2> m_points;
     std::vector<Polyline> m_polylines;
     std::vector<Arc> m_arcs;
@@ -119,6 +230,15 @@ private:
     std::vector<Pen> m_pens;
     std::vector<LinePattern> m_patterns;
     std::vector<PolylineGroup> m_groups;
+    std::vector<Instance> m_instances;
+    std::vector<Shape> m_shapes;
+    std::vector<ShapeRun> m_runs;
+    std::vector<int> m_shapePens;
+    std::vector<Part> m_parts;
+    std::vector<Point2> m_partPoints;
+    std::vector<Polyline> m_partPolylines;
+    std::vector<Polygon> m_partPolygons;
+    std::vector<Point2> m_hulls;
     // Pens and patterns by what they are: copies of blocks look theirs up
     // for each copy.
     std::map<std::tuple<bool, std::uint32_t, int>, int> m_penIndex;
@@ -129,5 +249,82 @@ private:
 
 // The extents of an arc: its end points and the quadrant points it passes.
 void addArcBounds(Bounds& bounds, const Arc& arc);
+
+template <class Item, class Visit>
+void Scene::visitPlaced(const Instance& instance, std::uint32_t Part::*first, std::uint32_t Part::*end,
+                        const std::vector<Item>& items, Visit&& visit) const
+{
+    std::vector<Point2> placed;
+    const Shape& shape = m_shapes[instance.shape];
+    for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
+        const Part& part = m_parts[m_runs[r].part];
+        const Affine place = instance.place.shiftedAlongX(m_runs[r].shift);
+        for (std::uint32_t i = part.*first; i < part.*end; ++i) {
+            const Item& item = items[i];
+            placed.clear();
+            for (std::uint32_t p = 0; p < item.count; ++p)
+                placed.push_back(place(m_partPoints[item.first + p]));
+            visit(item, std::span<const Point2>(placed));
+        }
+    }
+}
+
+template <class Visit>
+void Scene::visitPolylines(const Instance& instance, Visit&& visit) const
+{
+    visitPlaced(instance, &Part::firstPolyline, &Part::endPolyline, m_partPolylines,
+                [&](const Polyline& polyline, std::span<const Point2> placed) {
+                    visit(polyline.pen == kInstancePen ? instance.pen : polyline.pen, polyline.closed, placed);
+                });
+}
+
+template <class Visit>
+void Scene::visitPolygons(const Instance& instance, Visit&& visit) const
+{
+    visitPlaced(instance, &Part::firstPolygon, &Part::endPolygon, m_partPolygons,
+                [&](const Polygon& polygon, std::span<const Point2> placed) { visit(polygon.color, placed); });
+}
+
+template <class Visit>
+void Scene::visitPens(const Instance& instance, Visit&& visit) const
+{
+    const Shape& shape = m_shapes[instance.shape];
+    const int* first = m_shapePens.data() + shape.firstPen;
+    const int* end = m_shapePens.data() + shape.endPen;
+    for (const int* pen = first; pen != end; ++pen) {
+        if (*pen != kInstancePen)
+            visit(*pen);
+        else if (!std::binary_search(pen + 1, end, instance.pen))
+            visit(instance.pen);
+    }
+}
+
+template <class Visit>
+void Scene::visitPolylines(Visit&& visit) const
+{
+    std::size_t next = 0;
+    for (std::uint32_t i = 0; i <= m_polylines.size(); ++i) {
+        for (; next < m_instances.size() && m_instances[next].polylinesBefore <= i; ++next)
+            visitPolylines(m_instances[next], visit);
+        if (i == m_polylines.size())
+            break;
+        const Polyline& polyline = m_polylines[i];
+        visit(polyline.pen, polyline.closed, std::span<const Point2>(m_points.data() + polyline.first, polyline.count));
+    }
+}
+
+template <class Visit>
+void Scene::visitPolygons(Visit&& visit) const
+{
+    std::size_t next = 0;
+    for (std::uint32_t i = 0; i <= m_polygons.size(); ++i) {
+        for (; next < m_instances.size() && m_instances[next].polygonsBefore <= i; ++next)
+            visitPolygons(m_instances[next], visit);
+        if (i == m_polygons.size())
+            break;
+        const Polygon& polygon = m_polygons[i];
+        visit(polygon.color, std::span<const Point2>(m_points.data() + polygon.first, polygon.count));
+    }
+}
 
 }  // namespace kaldo::view

@@ -38,15 +38,18 @@ Box boxOfArc(const Arc& arc)
 
 }  // namespace
 
-SceneIndex::SceneIndex(const Scene& scene) : m_polylines(scene.polylines().size()), m_arcs(scene.arcs().size())
+SceneIndex::SceneIndex(const Scene& scene)
+    : m_polylines(scene.polylines().size()), m_arcs(scene.arcs().size()), m_polygons(scene.polygons().size())
 {
-    m_boxes.reserve(m_polylines + m_arcs + scene.polygons().size());
+    m_boxes.reserve(m_polylines + m_arcs + m_polygons + scene.instances().size());
     for (const Polyline& polyline : scene.polylines())
         m_boxes.push_back(boxOfPoints(scene, polyline.first, polyline.count));
     for (const Arc& arc : scene.arcs())
         m_boxes.push_back(boxOfArc(arc));
     for (const Polygon& polygon : scene.polygons())
         m_boxes.push_back(boxOfPoints(scene, polygon.first, polygon.count));
+    for (const Instance& instance : scene.instances())
+        m_boxes.push_back(instance.box);
     // Items of unknown extent are always found; in the tree, whose order
     // needs numbers, a point at the origin stands in for them.
     m_finite.resize(m_boxes.size());
@@ -77,8 +80,10 @@ SceneItems SceneIndex::near(const std::vector<Box>& boxes) const
             items.polylines.push_back(item);
         else if (item < m_polylines + m_arcs)
             items.arcs.push_back(std::uint32_t(item - m_polylines));
-        else
+        else if (item < m_polylines + m_arcs + m_polygons)
             items.polygons.push_back(std::uint32_t(item - m_polylines - m_arcs));
+        else
+            items.instances.push_back(std::uint32_t(item - m_polylines - m_arcs - m_polygons));
     }
     return items;
 }

@@ -1,6 +1,6 @@
 // Where a scene's items lie: a packed R-tree over the drawing-unit boxes of
-// its polylines, arcs and fills, so that painting a part of a large scene
-// looks only at the items near that part. Built once per scene.
+// its polylines, arcs, fills and instances, so that painting a part of a
+// large scene looks only at the items near that part. Built once per scene.
 #pragma once
 
 #include "kaldo/util/BoxIndex.h"
@@ -16,6 +16,7 @@ struct SceneItems {
     std::vector<std::uint32_t> polylines;
     std::vector<std::uint32_t> arcs;
     std::vector<std::uint32_t> polygons;
+    std::vector<std::uint32_t> instances;
 };
 
 class SceneIndex {
@@ -28,10 +29,29 @@ public:
     // The box of polyline i; null when a coordinate is not a finite number.
     const Box* polylineBox(std::uint32_t i) const { return m_finite[i] ? &m_boxes[i] : nullptr; }
 
+    enum class Kind { Polyline, Arc, Polygon, Instance };
+    // Calls visit(kind, index) for each item whose box meets box, in no set
+    // order (items of unknown extent may come too).
+    template <class Visit>
+    void query(const Box& box, Visit&& visit) const
+    {
+        m_index.query(box, [&](std::uint32_t item) {
+            if (item < m_polylines)
+                visit(Kind::Polyline, item);
+            else if (item < m_polylines + m_arcs)
+                visit(Kind::Arc, std::uint32_t(item - m_polylines));
+            else if (item < m_polylines + m_arcs + m_polygons)
+                visit(Kind::Polygon, std::uint32_t(item - m_polylines - m_arcs));
+            else
+                visit(Kind::Instance, std::uint32_t(item - m_polylines - m_arcs - m_polygons));
+        });
+    }
+
 private:
     std::size_t m_polylines = 0;
     std::size_t m_arcs = 0;
-    // Items: the polylines, then the arcs, then the polygons.
+    std::size_t m_polygons = 0;
+    // Items: the polylines, then the arcs, the polygons and the instances.
     std::vector<Box> m_boxes;
     std::vector<bool> m_finite;
     BoxIndex m_index;

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cmath>
 #include <numbers>
+#include <span>
 
 #include "kaldo/view/SaveFile.h"
 
@@ -92,14 +93,25 @@ public:
               << "<rect width=\"100%\" height=\"100%\" fill=\"";
         m_svg.rgb(backgroundRgb(m_options.background)) << "\"/>\n";
         writeFills();
-        const PenGroups polylines = groupByPen(m_scene.polylines(), m_scene.pens().size());
+        const LineGroups lines = groupLines(m_scene);
         const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size());
         for (std::size_t p = 0; p < m_scene.pens().size(); ++p) {
-            if (polylines.starts[p] == polylines.starts[p + 1] && arcs.starts[p] == arcs.starts[p + 1])
+            if (lines.starts[p] == lines.starts[p + 1] && arcs.starts[p] == arcs.starts[p + 1])
                 continue;
             openPenGroup(m_scene.pens()[p]);
-            for (std::uint32_t i = polylines.starts[p]; i < polylines.starts[p + 1]; ++i)
-                writePolyline(m_scene.polylines()[polylines.order[i]]);
+            for (std::uint32_t i = lines.starts[p]; i < lines.starts[p + 1]; ++i) {
+                const SceneItem item = lines.order[i];
+                if (!item.instance) {
+                    const Polyline& polyline = m_scene.polylines()[item.index];
+                    writePolyline(polyline.closed, {m_scene.points().data() + polyline.first, polyline.count});
+                    continue;
+                }
+                m_scene.visitPolylines(m_scene.instances()[item.index],
+                                       [&](int pen, bool closed, std::span<const Point2> points) {
+                                           if (pen == int(p))
+                                               writePolyline(closed, points);
+                                       });
+            }
             for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i)
                 writeArc(m_scene.arcs()[arcs.order[i]]);
             m_svg << "</g>\n";
@@ -119,13 +131,25 @@ private:
         for (std::size_t c = 0; c < fills.colors.size(); ++c) {
             m_svg << "<path fill-rule=\"nonzero\" stroke=\"none\" fill=\"";
             m_svg.rgb(pictureRgb(fills.colors[c], m_options.background)) << "\" d=\"";
-            for (std::uint32_t f = fills.starts[c]; f < fills.starts[c + 1]; ++f) {
-                const Polygon& polygon = m_scene.polygons()[fills.order[f]];
-                for (std::uint32_t i = 0; i < polygon.count; ++i) {
+            const auto writePolygon = [&](std::span<const Point2> corners) {
+                for (std::size_t i = 0; i < corners.size(); ++i) {
                     m_svg << (i == 0 ? "M" : " L");
-                    point(m_scene.points()[polygon.first + i]);
+                    point(corners[i]);
                 }
                 m_svg << " Z ";
+            };
+            for (std::uint32_t f = fills.starts[c]; f < fills.starts[c + 1]; ++f) {
+                const SceneItem item = fills.order[f];
+                if (!item.instance) {
+                    const Polygon& polygon = m_scene.polygons()[item.index];
+                    writePolygon({m_scene.points().data() + polygon.first, polygon.count});
+                    continue;
+                }
+                m_scene.visitPolygons(m_scene.instances()[item.index],
+                                      [&](const DrawColor& color, std::span<const Point2> corners) {
+                                          if (color == fills.colors[c])
+                                              writePolygon(corners);
+                                      });
             }
             m_svg << "\"/>\n";
         }
@@ -146,13 +170,13 @@ private:
         m_svg << "\" stroke-dashoffset=\"" << dashes.offset << "\">\n";
     }
 
-    void writePolyline(const Polyline& polyline)
+    void writePolyline(bool closed, std::span<const Point2> points)
     {
-        m_svg << (polyline.closed ? "<polygon points=\"" : "<polyline points=\"");
-        for (std::uint32_t i = 0; i < polyline.count; ++i) {
+        m_svg << (closed ? "<polygon points=\"" : "<polyline points=\"");
+        for (std::size_t i = 0; i < points.size(); ++i) {
             if (i > 0)
                 m_svg << " ";
-            point(m_scene.points()[polyline.first + i]);
+            point(points[i]);
         }
         m_svg << "\"/>\n";
     }

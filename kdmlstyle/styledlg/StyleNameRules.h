@@ -1,6 +1,6 @@
 // The rules a new multiline style name must follow in the name dialogs: not
-// empty, no space, no forbidden character, and not the name of an existing
-// style (case ignored).
+// empty, no space, no forbidden character, no control character, and not
+// the name of an existing style (case ignored).
 #pragma once
 
 #include <string>

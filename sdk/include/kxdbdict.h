@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "kxdbobject.h"
@@ -58,7 +59,13 @@ private:
     const Entry* find(const wchar_t* name) const;
     const Entry* find(KxDbObjectId id) const;
 
+    // Puts an entry under key, replacing the key's old entry and the
+    // object's entry under another key.
+    void putEntry(const std::wstring& key, Entry entry);
+    void eraseEntry(const std::wstring& key);
+
     std::map<std::wstring, Entry> m_entries;  // key: name folded to upper case
+    std::unordered_map<KxDbObjectId, std::wstring> m_keys;  // each entry's key by its object
     bool m_hardOwner = false;
 };
 

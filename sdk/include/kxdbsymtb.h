@@ -1,6 +1,12 @@
 // Symbol tables: the block, layer and linetype tables and their records.
-// Record names are unique within a table without regard to case. Iterators
+// Record names are unique within a table without regard to case; a table
+// finds a record by name through an ordered index of the names. Iterators
 // skip erased records; a block record's iterator skips erased entities.
+//
+// A table's records and a block's entities belong to that one table or
+// block: copyFrom does not copy these lists (nor a record's place in its
+// table). They only grow by appending, so the undo history records how
+// many ids a list held and takes back what was appended after.
 #pragma once
 
 #include <map>
@@ -27,7 +33,12 @@ public:
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
 
 private:
+    friend class KxDbSymbolTable;
+    // Takes another name, which the table listing the record indexes.
+    void rename(const std::wstring& name);
+
     std::wstring m_name;
+    KxDbObjectId m_table;  // the table listing the record, if any
 };
 
 class KxDbSymbolTable : public KxDbObject {
@@ -48,16 +59,23 @@ public:
     // Records in the order they were added.
     std::unique_ptr<KxDbSymbolTableIterator> newIterator() const;
 
-    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
-
 protected:
     virtual const KxRxClass* recordClass() const = 0;
 
 private:
     friend class KxDbSymbolTableRecord;
+    friend class kaldo::UndoHistory;
     KxDbObjectId findId(const std::wstring& name, bool getErased) const;
+    void index(const KxDbSymbolTableRecord& record);
+    void unindex(const KxDbSymbolTableRecord& record);
+    // Undo: cuts the list after its first keep records and appends tail,
+    // which receives the records cut.
+    void exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail);
 
     std::vector<KxDbObjectId> m_records;
+    // Record ids by name in upper case; records of one name (erased ones
+    // beside a live one) in the order they were indexed.
+    std::multimap<std::wstring, KxDbObjectId> m_byName;
 };
 
 class KxDbSymbolTableIterator {
@@ -92,6 +110,10 @@ public:
     Kald::ErrorStatus appendKxDbEntity(KxDbObjectId& id, KxDbEntity* entity);
     Kald::ErrorStatus appendKxDbEntity(KxDbEntity* entity);
     int numEntities() const;  // not erased
+    // Puts the entities in a new drawing order: order holds each entity of
+    // the block that is not erased, once; the erased ones follow them.
+    // eInvalidInput, and no change, for any other list.
+    Kald::ErrorStatus setEntityOrder(const std::vector<KxDbObjectId>& order);
     // Entities in drawing order.
     std::unique_ptr<KxDbBlockTableRecordIterator> newIterator() const;
 
@@ -99,6 +121,11 @@ public:
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
+    friend class kaldo::UndoHistory;
+    // Undo: cuts the list after its first keep entities and appends tail,
+    // which receives the entities cut.
+    void exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail);
+
     KxGePoint3d m_origin;
     std::vector<KxDbObjectId> m_entities;
 };

@@ -2,6 +2,7 @@
 
 #include "kxdb.h"
 #include "kaldo/core/Host.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kxstring.h"
 
 namespace {
@@ -89,6 +90,39 @@ TEST(Dictionary, RemoveAndIterationSkipErased)
     EXPECT_EQ(names, (std::vector<std::wstring>{L"Keep", L"STANDARD"}));
     EXPECT_EQ(s.dict->numEntries(), 2);
     EXPECT_TRUE(s.dict->has(keep));
+}
+
+// Each object has one entry: put under another key it leaves its old one;
+// its key follows renames and removal, and undo brings both back.
+TEST(Dictionary, ObjectsFoundByIdThroughMovesRenamesAndUndo)
+{
+    StyleDictionary s;
+    const KxDbObjectId a = s.add(L"A");
+    const KxDbObjectId b = s.add(L"B");
+    KxDbObjectId id;
+    ASSERT_EQ(s.dict->setAt(L"C", s.db.peekObject(b), id), Kald::eOk);
+    EXPECT_FALSE(s.dict->has(L"B"));
+    std::wstring name;
+    EXPECT_EQ(s.dict->nameAt(b, name), Kald::eOk);
+    EXPECT_EQ(name, L"C");
+    s.add(L"a");
+    EXPECT_EQ(s.dict->nameAt(a, name), Kald::eKeyNotFound) << "the replaced object";
+    EXPECT_EQ(s.dict->numEntries(), 3);
+
+    kaldo::UndoHistory& history = s.db.undoHistory();
+    history.beginStep(L"RENAME");
+    EXPECT_EQ(s.dict->setName(L"c", L"D"), Kald::eOk);
+    EXPECT_EQ(s.dict->nameAt(b, name), Kald::eOk);
+    EXPECT_EQ(name, L"D");
+    EXPECT_EQ(s.dict->remove(b), Kald::eOk);
+    EXPECT_FALSE(s.dict->has(b));
+    history.endStep();
+    history.undo(1);
+    EXPECT_TRUE(s.dict->has(b));
+    EXPECT_EQ(s.dict->nameAt(b, name), Kald::eOk);
+    EXPECT_EQ(name, L"C");
+    EXPECT_EQ(s.dict->getAt(L"c", id), Kald::eOk);
+    EXPECT_EQ(id, b);
 }
 
 TEST(Dictionary, SearchByEntityNames)

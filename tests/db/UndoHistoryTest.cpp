@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "dxf/AllocationMeter.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kxdb.h"
+
+#include <memory>
 
 namespace {
 
@@ -18,6 +21,33 @@ KxDbObjectId addLongMline(KxDbDatabase& db)
     db.addToCurrentSpace(mline, id);
     mline->close();
     return id;
+}
+
+std::unique_ptr<KxDbDatabase> drawingOfLines(int count)
+{
+    auto db = std::make_unique<KxDbDatabase>();
+    for (int i = 0; i < count; ++i) {
+        auto* line = new KxDbLine(KxGePoint3d{0, double(i), 0}, KxGePoint3d{1, double(i), 0});
+        db->addToCurrentSpace(line);
+        line->close();
+    }
+    return db;
+}
+
+KxDbObjectId lineStep(KxDbDatabase& db)
+{
+    db.undoHistory().beginStep(L"LINE");
+    auto* line = new KxDbLine(KxGePoint3d{0, 0, 0}, KxGePoint3d{5, 5, 0});
+    KxDbObjectId id;
+    db.addToCurrentSpace(line, id);
+    line->close();
+    db.undoHistory().endStep();
+    return id;
+}
+
+int modelSpaceCount(KxDbDatabase& db)
+{
+    return KxDbObjectPtr<KxDbBlockTableRecord>(db.modelSpaceId(), KxDb::kForRead)->numEntities();
 }
 
 double firstY(KxDbObjectId id)
@@ -71,4 +101,44 @@ TEST(UndoHistory, OldestStepsDroppedPastTheBudget)
     EXPECT_EQ(history.undoableSteps(), 1u);
     history.undo(1);
     EXPECT_NEAR(firstY(id), kSteps - 1, 1e-10);
+}
+
+// A step that adds a line to model space records the line and what it
+// appended, not the space's list: it holds and costs the same on a drawing
+// of ten lines and on one of fifty thousand, taken back and restored.
+TEST(UndoHistory, StepCostsWhatItChanges)
+{
+    const std::unique_ptr<KxDbDatabase> small = drawingOfLines(10);
+    const std::unique_ptr<KxDbDatabase> large = drawingOfLines(50000);
+    const auto stepBytes = [](KxDbDatabase& db) {
+        const std::size_t before = db.undoHistory().bytes();
+        lineStep(db);
+        return db.undoHistory().bytes() - before;
+    };
+    EXPECT_EQ(stepBytes(*small), stepBytes(*large));
+
+    KxDbObjectId added;
+    const std::size_t peak = peakAllocation([&] {
+        added = lineStep(*large);
+        large->undoHistory().undo(1);
+        EXPECT_EQ(large->peekObject(added), nullptr);
+        EXPECT_EQ(modelSpaceCount(*large), 50001);
+        large->undoHistory().redo();
+    });
+    EXPECT_LT(peak, std::size_t(16) << 10);
+    EXPECT_NE(large->peekObject(added), nullptr);
+    EXPECT_EQ(modelSpaceCount(*large), 50002);
+    auto it = KxDbObjectPtr<KxDbBlockTableRecord>(large->modelSpaceId(), KxDb::kForRead)->newIterator();
+    for (int i = 0; i < 50001; ++i)
+        it->step();
+    EXPECT_EQ(it->getEntityId(), added) << "the line comes back at the end of the list";
+
+    // Small steps count what the history spends on them: with a budget of
+    // 64 KiB a thousand of them do not all stay.
+    small->undoHistory().setByteBudget(std::size_t(64) << 10);
+    for (int i = 0; i < 1000; ++i)
+        lineStep(*small);
+    EXPECT_LE(small->undoHistory().bytes(), std::size_t(64) << 10);
+    EXPECT_LT(small->undoHistory().undoableSteps(), 500u);
+    EXPECT_GT(small->undoHistory().undoableSteps(), 20u);
 }

@@ -36,7 +36,7 @@ protected:
         kaldo::host().profile = &profile;
         kaldo::host().crashRecorder = &recorder;
         editor.setTranscript([this](std::wstring_view text) { transcript += text; });
-        library_ = dlopen(KALDO_STAGE_DIR "/modules/KdMLStyleRes.so", RTLD_NOW | RTLD_LOCAL);
+        library_ = dlopen(KALDO_MODULES_DIR "/KdMLStyleRes.so", RTLD_NOW | RTLD_LOCAL);
         kxrxSetResourceHandle(library_);
     }
     ~DialogFixture() override

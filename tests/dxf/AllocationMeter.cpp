@@ -12,6 +12,7 @@ namespace {
 
 std::atomic<std::size_t> inUse{0};
 std::atomic<std::size_t> highest{0};
+std::atomic<std::size_t> allocations{0};
 std::atomic<std::size_t> largestAllowed{SIZE_MAX};
 
 void* counted(std::size_t size)
@@ -21,6 +22,7 @@ void* counted(std::size_t size)
     void* p = std::malloc(size == 0 ? 1 : size);
     if (!p)
         throw std::bad_alloc();
+    ++allocations;
     const std::size_t now = inUse += malloc_usable_size(p);
     std::size_t seen = highest.load();
     while (now > seen && !highest.compare_exchange_weak(seen, now)) {
@@ -94,6 +96,13 @@ std::size_t peakAllocation(const std::function<void()>& run)
     highest = before;
     run();
     return highest.load() - before;
+}
+
+std::size_t allocationCount(const std::function<void()>& run)
+{
+    const std::size_t before = allocations.load();
+    run();
+    return allocations.load() - before;
 }
 
 AllocationCap::AllocationCap(std::size_t largest)

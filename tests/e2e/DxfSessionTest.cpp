@@ -57,9 +57,11 @@ TEST(DxfSession, BadFilesAreRefusedAndTheDrawingStays)
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_THAT(run.err, HasSubstr("broken.dxf, line 8: group 10 needs a number, not \"ten\"."));
 
-    // OPEN of a broken file keeps the drawing in hand, which still saves.
+    // OPEN of a broken file keeps the drawing in hand (its changes not to
+    // be saved), which still saves.
     const std::filesystem::path saved = kaldo.dir() / "kept.dxf";
-    run = kaldo.runScript("LINE\n0,0\n10,0\n\nOPEN\n" + broken.string() + "\nLIST\n5,0\nSAVEAS\n" + saved.string() + "\n");
+    run = kaldo.runScript("LINE\n0,0\n10,0\n\nOPEN\n" + broken.string() + "\nNo\nLIST\n5,0\nSAVEAS\n" + saved.string()
+                          + "\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Cannot open the drawing: broken.dxf, line 8"));
     EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=0.0000  Z=0.0000", "X=10.0000  Y=0.0000  Z=0.0000")));
@@ -73,4 +75,40 @@ TEST(DxfSession, BadFilesAreRefusedAndTheDrawingStays)
     run = kaldo.runScript("", {"--save", str(kaldo.dir() / "nowhere" / "x.dxf")});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_THAT(run.err, HasSubstr("the drawing was not saved"));
+}
+
+// OPEN on a drawing with unsaved changes asks on the command line, as the
+// window asks: Cancel keeps everything, No drops the changes, Yes (also
+// Enter) saves them first, to the drawing's file or, for a new drawing, to
+// a file asked for as SAVE asks.
+TEST(DxfSession, OpenAsksToSaveChanges)
+{
+    KaldoProcess kaldo;
+    const std::filesystem::path other = kaldo.dir() / "other.dxf";
+    KaldoRun run = kaldo.runScript("LINE\n0,0\n10,0\n\n", {"--save", str(other)});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const std::string open = "OPEN\n" + other.string() + "\n";
+    const std::string question = "Save changes to Drawing1.dxf? [Yes/No/Cancel] <Yes>: ";
+
+    run = kaldo.runScript("LINE\n0,0\n0,10\n\n" + open + "Cancel\nLIST\n0,5\n" + open + "No\nLIST\n5,0\n" + open);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr(question + "Cancel\nOpen cancelled.\n"));
+    EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=0.0000  Z=0.0000", "X=0.0000  Y=10.0000  Z=0.0000")));
+    EXPECT_THAT(run.out, HasSubstr(question + "No\nOpened \"" + other.string() + "\"."));
+    EXPECT_THAT(run.out, HasSubstr(listedLine("X=0.0000  Y=0.0000  Z=0.0000", "X=10.0000  Y=0.0000  Z=0.0000")));
+    EXPECT_EQ(run.out.find("Save changes", run.out.rfind("Command: OPEN")), std::string::npos)
+        << "a drawing just opened holds no changes";
+
+    const std::filesystem::path named = kaldo.dir() / "new.dxf";
+    run = kaldo.runScript("LINE\n0,0\n0,10\n\n" + open + "\n" + named.string() + "\n");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr(question + "\nEnter file name <Drawing1.dxf>: "));
+    EXPECT_THAT(run.out, HasSubstr("Saved \"" + named.string() + "\".\nOpened"));
+    EXPECT_THAT(fileText(named), HasSubstr("\n 11\n0\n 21\n10\n"));
+
+    run = kaldo.runScript("LINE\n0,20\n5,20\n\n" + open + "y\nLIST\n5,0\n", {str(named)});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Save changes to new.dxf? [Yes/No/Cancel] <Yes>: y\nSaved \"" + named.string()
+                                   + "\".\nOpened"));
+    EXPECT_THAT(fileText(named), HasSubstr("\n 11\n5\n 21\n20\n"));
 }

@@ -19,6 +19,20 @@
 using ::testing::HasSubstr;
 using ::testing::Not;
 
+namespace {
+
+// Whether text holds a C1 control (U+0080 to U+009F) in UTF-8.
+bool holdsC1Control(const std::string& text)
+{
+    for (std::size_t i = 0; i + 1 < text.size(); ++i)
+        if (static_cast<unsigned char>(text[i]) == 0xC2 && static_cast<unsigned char>(text[i + 1]) >= 0x80
+            && static_cast<unsigned char>(text[i + 1]) <= 0x9F)
+            return true;
+    return false;
+}
+
+}  // namespace
+
 TEST(HostileInputSession, NumbersThatOverflowAreRefused)
 {
     KaldoProcess kaldo;
@@ -26,7 +40,7 @@ TEST(HostileInputSession, NumbersThatOverflowAreRefused)
                                                        "  0\nENDSEC\n  0\nEOF\n").string();
     const std::filesystem::path saved = kaldo.dir() / "saved.dxf";
     const KaldoRun run = kaldo.runScript("LINE\n1e308,0\n@1e308,0\n@1,0\n\nLINE\n0,0\n@1e308<45\n^C\n"
-                                         "SETVAR\nANGBASE\n1e309\nOPEN\n" + nan + "\n",
+                                         "SETVAR\nANGBASE\n1e309\nOPEN\n" + nan + "\nNo\n",
                                          {"--save", QString::fromStdString(saved.string())});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("@1e308,0\nInvalid point.\nSpecify next point or [Undo]: @1,0\n"));
@@ -95,6 +109,39 @@ TEST(HostileInputSession, LongAndOddInput)
     run = kaldo.runScript("LIST\n2,3\n", {QString::fromStdString(old)});
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("to point: X=3.0000  Y=4.0000"));
+}
+
+// C1 controls (here CSI, U+009B) from a script, a style file and a file
+// name reach neither standard output nor standard error: in the command
+// echo, messages, the style listing and LIST they show as M-^X, as C0
+// controls show as ^X.
+TEST(HostileInputSession, C1ControlsAreShownNotSent)
+{
+    KaldoProcess kaldo;
+    kaldo.setEnv("LC_ALL", "C.UTF-8");
+    const std::string csi = "\u009B";
+    kaldo.writeFile("walls.mln", "MLSTYLE\n2\n WALL" + csi + "1\n70\n 0\n3\n Brick " + csi + "31m wall\n62\n 256\n"
+                                 "51\n 90\n52\n 90\n71\n 2\n49\n 0.5\n62\n 256\n6\n BYLAYER\n49\n -0.5\n62\n 256\n"
+                                 "6\n BYLAYER\n0\n");
+    // A version whose strings are UTF-8, so that the reader meets U+009B.
+    const std::string bad = kaldo.writeFile("bad.dxf", "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1021\n"
+                                                       "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n"
+                                                           + csi + "31m\n  0\nENDSEC\n  0\nEOF\n").string();
+    KaldoRun run = kaldo.runScript(csi + "2J\nMLINE\nST\nWall" + csi + "1\nwalls\nST\n?\n\n0,0\n10,0\n\nLIST\n5,0.5\n"
+                                   "OPEN\n" + bad + "\nNo\n");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Command: M-^[2J\nUnknown command \"M-^[2J\"."));
+    EXPECT_THAT(run.out, ::testing::ContainsRegex("\nwallM-\\^\\[1 +Brick M-\\^\\[31m wall\n"));
+    EXPECT_THAT(run.out, HasSubstr("  style: wallM-^[1  "));
+    EXPECT_THAT(run.out, HasSubstr("group 10 needs a number, not \"M-^[31m\"."));
+    EXPECT_FALSE(holdsC1Control(run.out)) << run.out;
+    EXPECT_FALSE(holdsC1Control(run.err)) << run.err;
+
+    const std::string missing = (kaldo.dir() / ("gone" + csi + ".dxf")).string();
+    run = kaldo.runScript("", {QString::fromStdString(missing)});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.err, HasSubstr("goneM-^[.dxf"));
+    EXPECT_FALSE(holdsC1Control(run.err)) << run.err;
 }
 
 TEST(HostileInputSession, DrawingsMadeToBreakTheRendererAreExportedWithBoundedWork)

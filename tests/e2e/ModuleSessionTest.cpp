@@ -69,7 +69,7 @@ TEST(ModuleSession, NoModulesThenLoadByPath)
     EXPECT_THAT(bare.out, HasSubstr("Unknown command \"MLINE\"."));
 
     const KaldoRun loaded =
-        kaldo.runScript("COMMANDS\n", {"--no-modules", "--load", KALDO_STAGE_DIR "/modules/KdMLStyle.krx"});
+        kaldo.runScript("COMMANDS\n", {"--no-modules", "--load", KALDO_MODULES_DIR "/KdMLStyle.krx"});
     EXPECT_EQ(loaded.exitCode, 0);
     EXPECT_THAT(loaded.out, HasSubstr(moduleListing));
 

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const fs::path kModulesDir = KALDO_STAGE_DIR "/modules";
+const fs::path kModulesDir = KALDO_MODULES_DIR;
 const fs::path kModule = kModulesDir / "KdMLStyle.krx";
 constexpr const wchar_t* kGroup = L"KALDO_KDMLSTYLEGROUP";
 constexpr const wchar_t* kService = L"KdMLStyleApps";

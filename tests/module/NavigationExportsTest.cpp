@@ -18,7 +18,7 @@ Function exported(void* module, const char* symbol)
 
 TEST(NavigationExports, ArraysAndDestructorsCallableThroughTheModule)
 {
-    void* module = dlopen(KALDO_STAGE_DIR "/modules/KdMLStyle.krx", RTLD_NOW | RTLD_LOCAL);
+    void* module = dlopen(KALDO_MODULES_DIR "/KdMLStyle.krx", RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(module, nullptr) << dlerror();
 
     // Member functions take the object as their first argument.

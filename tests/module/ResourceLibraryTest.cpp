@@ -37,7 +37,7 @@ TEST(ResourceLibraryScope, SwapsTheResourceLibraryForItsLifeOnly)
     // The module finds the library beside itself through its RUNPATH; this
     // test program has none, so the library is made resident first and the
     // bare name then resolves to it.
-    void* resident = dlopen(KALDO_STAGE_DIR "/modules/KdMLStyleRes.so", RTLD_NOW | RTLD_LOCAL);
+    void* resident = dlopen(KALDO_MODULES_DIR "/KdMLStyleRes.so", RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(resident, nullptr) << dlerror();
 
     installed.runtime.setProductPreName(std::nullopt);

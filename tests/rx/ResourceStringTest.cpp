@@ -14,7 +14,7 @@
 
 namespace {
 
-const char* kResourceLibrary = KALDO_STAGE_DIR "/modules/KdMLStyleRes.so";
+const char* kResourceLibrary = KALDO_MODULES_DIR "/KdMLStyleRes.so";
 
 // The library opened by path for the length of a test.
 struct OpenedLibrary {
@@ -101,7 +101,7 @@ TEST(ResourceStrings, ResourceLibrariesAreFoundBesideTheModuleOrInTheModulesFold
 {
     InstalledRuntime installed;
     EXPECT_EQ(LoadResourceDll(L"KdMLStyleRes.so"), nullptr) << "no modules folder set";
-    installed.runtime.setModulesDir(KALDO_STAGE_DIR "/modules");
+    installed.runtime.setModulesDir(KALDO_MODULES_DIR);
     void* handle = LoadResourceDll(L"KdMLStyleRes.so");
     ASSERT_NE(handle, nullptr);
     EXPECT_NE(kxResourceText(handle, 4013), nullptr);

@@ -70,7 +70,7 @@ private:
         kaldo::SessionPaths made;
         made.profile = folder / "kaldo.ini";
         made.supportDir = KALDO_STAGE_DIR "/share/kaldo/Support";
-        made.modulesDir = KALDO_STAGE_DIR "/modules";
+        made.modulesDir = KALDO_MODULES_DIR;
         made.crashDir = folder / "crash";
         return made;
     }

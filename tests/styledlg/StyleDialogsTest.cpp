@@ -15,7 +15,9 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QImage>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QTest>
 #include <QTimer>
@@ -114,6 +116,58 @@ TEST_F(StyleDialogsTest, NameDialogsRefuseBrokenNamesAndCutLongOnes)
     EXPECT_THAT(shown(1059), ElementsAre("enabled Roads"));
     EXPECT_THAT(transcript, HasSubstr(L"Dialog action refused: CLICK 1"));
     EXPECT_EQ(AfxGetApp()->GetProfileInt(L"Settings", L"MlstyleRenamePosRight", -10000) != -10000, true);
+}
+
+// A name holding a control character (C0 or C1) keeps OK disabled, typed
+// by a script or pasted with the keyboard into either name dialog.
+TEST_F(StyleDialogsTest, NameDialogsRefuseControlCharacters)
+{
+    script("TEXT 1035 Wall\x1bX\nSHOW\nTEXT 1035 Wall\u009BX\nSHOW\nTEXT 1035 Wall\nSHOW\nCLICK 2\n");
+    kdml::CKaldMlineStyleNewDialog scripted;
+    scripted.setDictionary(db.mlineStyleDictionaryId());
+    EXPECT_EQ(scripted.DoModal(), IDCANCEL);
+    EXPECT_THAT(shown(1), ElementsAre("disabled OK", "disabled OK", "enabled OK"));
+
+    std::vector<bool> okEnabled;
+    QStringList pasted;
+    const auto pasteThenType = [&](int editId) {
+        okEnabled.clear();
+        pasted.clear();
+        QTimer::singleShot(0, [editId, &okEnabled, &pasted] {
+            QWidget* window = QApplication::activeModalWidget();
+            auto* edit = qobject_cast<QLineEdit*>(kaldo::dlg::findItem(window, editId));
+            QWidget* ok = kaldo::dlg::findItem(window, IDOK);
+            edit->setFocus();
+            for (const char16_t control : {u'\x1b', u'\x9b'}) {
+                QApplication::clipboard()->setText(QStringLiteral("Wall") + QChar(control) + QStringLiteral("X"));
+                QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+                QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
+                pasted.push_back(edit->text());
+                okEnabled.push_back(ok->isEnabled());
+            }
+            QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+            QTest::keyClicks(edit, QStringLiteral("Wall"));
+            okEnabled.push_back(ok->isEnabled());
+            QTest::mouseClick(ok, Qt::LeftButton);
+        });
+    };
+    const QStringList withControls = {QStringLiteral("Wall\x1bX"), QStringLiteral("Wall\u009BX")};
+    pasteThenType(1035);
+    kdml::CKaldMlineStyleNewDialog created;
+    created.setDictionary(db.mlineStyleDictionaryId());
+    ASSERT_EQ(created.DoModal(), IDOK);
+    EXPECT_EQ(created.newName(), L"Wall");
+    EXPECT_EQ(pasted, withControls);
+    EXPECT_THAT(okEnabled, ElementsAre(false, false, true));
+
+    pasteThenType(1060);
+    kdml::CKaldMlineStyleRenameDialog renamed;
+    renamed.setCurrentName(L"STANDARD");
+    renamed.setDictionary(db.mlineStyleDictionaryId());
+    ASSERT_EQ(renamed.DoModal(), IDOK);
+    EXPECT_EQ(renamed.newName(), L"Wall");
+    EXPECT_EQ(pasted, withControls);
+    EXPECT_THAT(okEnabled, ElementsAre(false, false, true));
 }
 
 TEST_F(StyleDialogsTest, NewModifyDialogEditsTheWorkingCopyAndThePreviewFollows)

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <numbers>
 #include <random>
 
@@ -30,7 +31,8 @@ view::Scene snapScene()
 
 TEST(ObjectSnaps, EachKindNearTheCursorAndNothingFarAway)
 {
-    const SnapGeometry snaps(snapScene());
+    const auto scene = std::make_shared<const view::Scene>(snapScene());
+    const SnapGeometry snaps(scene, std::make_shared<const view::SceneIndex>(*scene));
     struct Case {
         view::Point2 cursor;
         std::optional<view::Point2> base;

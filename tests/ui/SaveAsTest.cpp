@@ -6,43 +6,9 @@
 
 #include "../e2e/EzdxfReport.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QComboBox>
-#include <QFileDialog>
 #include <QJsonObject>
-#include <QLineEdit>
 #include <QMenuBar>
 #include <QTest>
-
-namespace {
-
-// Pastes path into the file name of the file dialog about to open, under
-// its file type at index type (chosen with the arrow keys), and presses
-// Enter. Pasted whole, the path never names a folder on its way, which the
-// dialog would select (and take) while its folder listing loads.
-void saveInFileDialogSoon(const QString& path, int type)
-{
-    actOnDialogSoon<QFileDialog>([path, type](QFileDialog& dialog) {
-        auto* types = dialog.findChild<QComboBox*>("fileTypeCombo");
-        auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
-        ASSERT_TRUE(types && edit);
-        EXPECT_EQ(types->count(), 3);
-        for (int i = types->currentIndex(); i < type; ++i)
-            QTest::keyClick(types, Qt::Key_Down);
-        // The name field holds the focus as the user types, so that the
-        // typed name replaces the file the dialog selected at first.
-        dialog.activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
-        QTest::mouseClick(edit, Qt::LeftButton);
-        QApplication::clipboard()->setText(path);
-        QTest::keySequence(edit, QKeySequence::SelectAll);
-        QTest::keySequence(edit, QKeySequence::Paste);
-        QTest::keyClick(edit, Qt::Key_Return);
-    });
-}
-
-}  // namespace
 
 class SaveAs : public WindowFixture {
 protected:
@@ -66,7 +32,7 @@ TEST_F(SaveAs, TheDialogAddsTheExtensionAndOffersTheExplodedCopy)
     QAction* saveAsItem = saveAsAction();
     ASSERT_NE(saveAsItem, nullptr);
 
-    saveInFileDialogSoon(dirName + "/plan-edited", 0);
+    chooseInFileDialogSoon(dirName + "/plan-edited", 0);
     saveAsItem->trigger();
     const QString plan = dirName + "/plan-edited.dxf";
     ASSERT_TRUE(waitForTranscript("Saved \"" + plan + "\""));
@@ -75,7 +41,7 @@ TEST_F(SaveAs, TheDialogAddsTheExtensionAndOffersTheExplodedCopy)
     ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().path == plan; }, kWaitMs));
 
     // The copy's type writes the exploded copy; the drawing keeps its file.
-    saveInFileDialogSoon(dirName + "/copy", 1);
+    chooseInFileDialogSoon(dirName + "/copy", 1);
     saveAsItem->trigger();
     ASSERT_TRUE(waitForTranscript("Saved \"" + dirName + "/copy.dxf\" with 1 multilines exploded."));
     const EzdxfReport copy = readWithEzdxf(dir() + "/copy.dxf", "ezdxf_explode.py");
@@ -87,7 +53,7 @@ TEST_F(SaveAs, TheDialogAddsTheExtensionAndOffersTheExplodedCopy)
     EXPECT_EQ(window().drawing().path, plan);
 
     // SAVEAS typed opens the same dialog.
-    saveInFileDialogSoon(dirName + "/typed", 0);
+    chooseInFileDialogSoon(dirName + "/typed", 0);
     type("SAVEAS");
     ASSERT_TRUE(waitForTranscript("Saved \"" + dirName + "/typed.dxf\""));
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));

@@ -4,7 +4,10 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
 #include <QDeadlineTimer>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
@@ -37,7 +40,7 @@ WindowFixture::WindowFixture(const std::function<void(kaldo::Profile&)>& prepare
     kaldo::SessionPaths paths;
     paths.profile = temp_.filePath("kaldo.ini").toStdString();
     paths.supportDir = KALDO_STAGE_DIR "/share/kaldo/Support";
-    paths.modulesDir = KALDO_STAGE_DIR "/modules";
+    paths.modulesDir = KALDO_MODULES_DIR;
     paths.crashDir = temp_.filePath("crash").toStdString();
     session_ = std::make_unique<kaldo::Session>(paths);
     for (const std::wstring& failure : session_->loadModulesFolder())
@@ -146,4 +149,24 @@ void answerMessageBoxSoon(int button)
 {
     actOnDialogSoon<QMessageBox>(
         [button](QMessageBox& box) { box.button(QMessageBox::StandardButton(button))->click(); });
+}
+
+void chooseInFileDialogSoon(const QString& path, int type)
+{
+    actOnDialogSoon<QFileDialog>([path, type](QFileDialog& dialog) {
+        auto* types = dialog.findChild<QComboBox*>("fileTypeCombo");
+        auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
+        ASSERT_TRUE(types && edit);
+        for (int i = types->currentIndex(); i < type; ++i)
+            QTest::keyClick(types, Qt::Key_Down);
+        // The name field holds the focus as the user types, so that the
+        // typed name replaces the file the dialog selected at first.
+        dialog.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        QTest::mouseClick(edit, Qt::LeftButton);
+        QApplication::clipboard()->setText(path);
+        QTest::keySequence(edit, QKeySequence::SelectAll);
+        QTest::keySequence(edit, QKeySequence::Paste);
+        QTest::keyClick(edit, Qt::Key_Return);
+    });
 }

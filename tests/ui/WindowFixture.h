@@ -87,3 +87,9 @@ void actOnDialogSoon(std::function<void(Dialog&)> act)
 // Clicks the button of a message box that is about to open (or is open)
 // once it shows.
 void answerMessageBoxSoon(int button);
+
+// Pastes path into the file name of the file dialog about to open, under
+// its file type at index type (chosen with the arrow keys), and presses
+// Enter. Pasted whole, the path never names a folder on its way, which the
+// dialog would select (and take) while its folder listing loads.
+void chooseInFileDialogSoon(const QString& path, int type = 0);

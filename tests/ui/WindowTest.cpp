@@ -404,6 +404,44 @@ TEST_F(Window, UnsavedChangesAreAskedForOnClose)
     EXPECT_TRUE(profile.getBinary(L"Window", L"Geometry").has_value());
 }
 
+// OPEN typed in the window asks in a message box, once the file is chosen
+// in the file dialog, whether to save the drawing's changes: Cancel keeps
+// the drawing with its changes, No drops them for the file opened.
+TEST_F(Window, OpenTypedAsksToSaveChangesInAMessageBox)
+{
+    const std::string path = dir() + "/kept.dxf";
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
+    ASSERT_TRUE(saveAs(path));
+    ASSERT_TRUE(runTyped({"FILEDIA", "1", "LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+
+    const auto openAnswering = [&](QMessageBox::StandardButton button) {
+        QString asked;
+        chooseInFileDialogSoon(QString::fromStdString(path));
+        actOnDialogSoon<QMessageBox>([&asked, button](QMessageBox& box) {
+            asked = box.text();
+            QTest::mouseClick(box.button(button), Qt::LeftButton);
+        });
+        const qsizetype before = transcript().size();
+        type("OPEN");
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return transcript().indexOf("Command: ", before + 1) >= 0 && !asked.isEmpty(); }, kWaitMs));
+        return asked;
+    };
+    EXPECT_EQ(openAnswering(QMessageBox::Cancel), "Save changes to kept.dxf?");
+    EXPECT_TRUE(transcript().endsWith("Open cancelled.\nCommand: ")) << transcript().toStdString();
+    EXPECT_TRUE(window().drawing().modified);
+
+    const unsigned serial = window().drawing().serial;
+    EXPECT_EQ(openAnswering(QMessageBox::No), "Save changes to kept.dxf?");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
+    EXPECT_FALSE(window().drawing().modified);
+    EXPECT_TRUE(transcript().contains("Opened \"" + QString::fromStdString(path) + "\"."));
+    QFile saved(QString::fromStdString(path));
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll().count("\nLINE\n"), 1) << "the second line was not saved";
+}
+
 // Files opened or saved are listed latest first under File > Recent Files,
 // and one is opened by clicking it there. Opening or saving that lasts
 // longer than half a second shows a progress bar with Cancel; a held

@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <fstream>
 #include <sstream>
 
@@ -58,12 +59,21 @@ TEST(CrashRecorder, FaultReportWithMessageAndAttachedFile)
     EXPECT_EQ(kaldGetCrashRecorder(), nullptr);
 }
 
+// The report goes to standard error instead, its control characters
+// shown: a message may quote a file.
 TEST(CrashRecorder, UnwritableFolderNeverStopsTheHost)
 {
+    const std::string locale = std::setlocale(LC_CTYPE, nullptr);
+    std::setlocale(LC_CTYPE, "C.UTF-8");
     kaldo::CrashRecorder recorder("/proc/no-crash-reports-here");
+    testing::internal::CaptureStderr();
     recorder.report("something happened");
-    recorder.logMessage(L"and more");
+    recorder.logMessage(L"and more \x1b[2J \u009B2J");
+    const std::string printed = testing::internal::GetCapturedStderr();
+    std::setlocale(LC_CTYPE, locale.c_str());
     EXPECT_TRUE(recorder.latestReport().empty());
+    EXPECT_NE(printed.find("kaldo: crash report: something happened\n"), std::string::npos) << printed;
+    EXPECT_NE(printed.find("Message: and more ^[[2J M-^[2J\n"), std::string::npos) << printed;
 }
 
 }  // namespace

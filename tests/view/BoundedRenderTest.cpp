@@ -5,6 +5,7 @@
 // out while a picture is painted in bands or exported is reported where
 // the picture is made, never thrown out of a thread.
 #include "../dxf/AllocationMeter.h"
+#include "PlacedScene.h"
 #include "ViewDrawing.h"
 
 #include "kaldo/dxf/DxfFile.h"
@@ -29,7 +30,7 @@ Scene renderHostile(const char* name, RenderNotes& notes)
 {
     const kaldo::dxf::DxfDrawing drawing =
         kaldo::dxf::readDxfFile(std::string(KALDO_SOURCE_DIR "/tests/data/render/") + name);
-    return renderDrawing(*drawing.database, &notes);
+    return placedScene(renderDrawing(*drawing.database, &notes));
 }
 
 }  // namespace

@@ -1,14 +1,21 @@
 // Records kept as read that the renderer draws: a block inserted scaled and
-// rotated (with a block inside it), a solid, solid hatches, an ellipse, a
-// point, a spline, texts placed by their justification; what it cannot draw (hatch
-// patterns) is named.
+// rotated (with a block inside it), a solid, solid hatches, pattern
+// hatches by their line families, an ellipse, a point, a spline, texts
+// placed by their justification, their letters outlined once per scene
+// where Qt lays them out; what it cannot draw is named.
+#include "PlacedScene.h"
 #include "ViewDrawing.h"
 
 #include "kxdbunmodelled.h"
 
+#include <QFont>
+#include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QPainterPath>
 
 #include <cmath>
+#include <numbers>
+#include <span>
 #include <set>
 #include <string>
 
@@ -94,7 +101,7 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     addRecord(d.db, "SOLID", groups({{10, "0"}, {20, "0"}, {11, "4"}, {21, "0"}, {12, "0"}, {22, "4"},
                                      {13, "4"}, {23, "4"}}));
     addRecord(d.db, "ELLIPSE", groups({{10, "50"}, {20, "0"}, {11, "3"}, {21, "0"}, {40, "0.5"}}));
-    addRecord(d.db, "HATCH", groups({{2, "ANSI31"}, {70, "0"}, {91, "0"}}));
+    addRecord(d.db, "3DSOLID", groups({{70, "1"}}));
     // A solid hatch: a triangle by its polyline path, and a half disc of
     // radius 1 at (30, 0) by a line edge and an arc edge.
     addRecord(d.db, "HATCH", groups({{10, "0"}, {20, "0"}, {2, "SOLID"}, {70, "1"}, {91, "2"}, {92, "2"}, {72, "0"},
@@ -107,8 +114,8 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     addRecord(d.db, "SPLINE", groups({{71, "2"}, {40, "0"}, {40, "0"}, {40, "0"}, {40, "1"}, {40, "1"}, {40, "1"},
                                       {10, "60"}, {20, "0"}, {10, "61"}, {20, "2"}, {10, "62"}, {20, "0"}}));
     RenderNotes notes;
-    const Scene scene = renderDrawing(d.db, &notes);
-    EXPECT_EQ(notes.undrawnKinds, (std::set<std::string>{"HATCH"}));
+    const Scene scene = placedScene(renderDrawing(d.db, &notes));
+    EXPECT_EQ(notes.undrawnKinds, (std::set<std::string>{"3DSOLID"}));
 
     // The door's line runs up from (10, 20) for 2; the leaf, placed at
     // (0, 3) of the scaled block and 6 long, runs left of it.
@@ -174,4 +181,105 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     EXPECT_NEAR(mtext.maxY, 0, 0.1);
     EXPECT_NEAR(mtext.minY, -(1 + 5.0 / 3.0), 0.35);
     EXPECT_GT(mtext.minX, -0.2);
+}
+
+TEST(RecordRender, PatternHatchesDrawTheirLineFamiliesWithinTheirBoundaries)
+{
+    ViewDrawing d;
+    // A square from (100, 0) to (104, 4) with a hole from (101, 1) to
+    // (103, 3), hatched by horizontal lines 1 apart through (0, 0.5),
+    // dashed 0.5 on and 0.5 off from each line's point at x = 0.
+    const auto square = [](double low, double high) {
+        const std::string a = std::to_string(low), b = std::to_string(high);
+        const std::string x0 = std::to_string(100 + low), x1 = std::to_string(100 + high);
+        return std::vector<std::pair<std::int16_t, std::string>>{{92, "2"}, {72, "0"}, {73, "1"}, {93, "4"},
+                                                                 {10, x0}, {20, a}, {10, x1}, {20, a},
+                                                                 {10, x1}, {20, b}, {10, x0}, {20, b}, {97, "0"}};
+    };
+    std::vector<KxDbFileGroup> hatch = groups({{10, "0"}, {20, "0"}, {2, "DASHES"}, {70, "0"}, {91, "2"}});
+    for (const auto& loop : {square(0, 4), square(1, 3)})
+        for (const auto& [code, value] : loop)
+            hatch.push_back({code, 0, value});
+    for (const KxDbFileGroup& g : groups({{75, "0"}, {76, "1"}, {52, "0"}, {41, "1"}, {77, "0"}, {78, "1"},
+                                           {53, "0"}, {43, "0"}, {44, "0.5"}, {45, "0"}, {46, "1"}, {79, "2"},
+                                           {49, "0.5"}, {49, "-0.5"}, {98, "0"}}))
+        hatch.push_back(g);
+    addRecord(d.db, "HATCH", hatch);
+    // A pattern whose record lists no lines is drawn solid.
+    addRecord(d.db, "HATCH", groups({{2, "UNKNOWN"}, {70, "0"}, {91, "1"}, {92, "2"}, {93, "3"}, {10, "0"},
+                                     {20, "0"}, {10, "2"}, {20, "0"}, {10, "0"}, {20, "2"}, {78, "0"}}));
+    RenderNotes notes;
+    const Scene scene = renderDrawing(d.db, &notes);
+    EXPECT_TRUE(notes.undrawnKinds.empty());
+    ASSERT_EQ(scene.polygons().size(), 1u);
+    EXPECT_EQ(scene.polygons()[0].count, 3u);
+    // Rows 0.5 and 3.5 cross the whole square: dashes from 100, 101, 102
+    // and 103; rows 1.5 and 2.5 stop at the hole: dashes from 100 and 103.
+    std::multiset<std::pair<long, long>> dashes;  // (y, x) of each start, in tenths
+    for (const Polyline& line : scene.polylines()) {
+        ASSERT_EQ(line.count, 2u);
+        const Point2& from = scene.points()[line.first];
+        const Point2& to = scene.points()[line.first + 1];
+        EXPECT_NEAR(to.x - from.x, 0.5, kTol);
+        EXPECT_NEAR(to.y, from.y, kTol);
+        dashes.insert({std::lround(from.y * 10), std::lround(from.x * 10)});
+    }
+    std::multiset<std::pair<long, long>> expected;
+    for (const long y : {5, 35})
+        for (const long x : {1000, 1010, 1020, 1030})
+            expected.insert({y, x});
+    for (const long y : {15, 25})
+        for (const long x : {1000, 1030})
+            expected.insert({y, x});
+    EXPECT_EQ(dashes, expected);
+}
+
+TEST(RecordRender, LettersAreOutlinedOncePerSceneWhereQtLaysThemOut)
+{
+    ensureFonts();
+    // 300 texts of the same five letters, 2.5 high, turned by 30 degrees.
+    ViewDrawing d;
+    for (int i = 0; i < 300; ++i)
+        addRecord(d.db, "TEXT", groups({{10, std::to_string(i * 20)}, {20, "5"}, {40, "2.5"}, {50, "30"},
+                                        {1, "Tag 7"}}));
+    const Scene scene = renderDrawing(d.db);
+    // Each letter's outline once, each text one placing of them.
+    EXPECT_EQ(scene.parts().size(), 5u);
+    EXPECT_EQ(scene.instances().size(), 300u);
+    EXPECT_TRUE(scene.polylines().empty());
+
+    // The placed outlines of the first text are Qt's own outlines of the
+    // whole line, scaled so that a capital is 2.5 high, turned and moved.
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(200);
+    const QFontMetricsF metrics(font);
+    const double scale = 2.5 / (metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent());
+    const double c = std::cos(std::numbers::pi / 6), s = std::sin(std::numbers::pi / 6);
+    QPainterPath line;
+    line.addText(0, 0, font, QStringLiteral("Tag 7"));
+    std::vector<std::vector<Point2>> expected;
+    for (const QPolygonF& outline : line.toSubpathPolygons()) {
+        std::vector<Point2>& points = expected.emplace_back();
+        for (const QPointF& p : outline) {
+            const double x = p.x() * scale, y = -p.y() * scale;
+            points.push_back({x * c - y * s, 5 + x * s + y * c});
+        }
+        // A closed polyline does not repeat its first point.
+        if (points.size() > 2 && std::hypot(points.back().x - points.front().x, points.back().y - points.front().y) < kTol)
+            points.pop_back();
+    }
+    std::vector<std::vector<Point2>> placed;
+    scene.visitPolylines(scene.instances()[0], [&](int, bool closed, std::span<const Point2> points) {
+        EXPECT_TRUE(closed);
+        placed.emplace_back(points.begin(), points.end());
+    });
+    ASSERT_EQ(placed.size(), expected.size());
+    for (std::size_t o = 0; o < placed.size(); ++o) {
+        ASSERT_EQ(placed[o].size(), expected[o].size()) << "outline " << o;
+        for (std::size_t p = 0; p < placed[o].size(); ++p) {
+            EXPECT_NEAR(placed[o][p].x, expected[o][p].x, kTol);
+            EXPECT_NEAR(placed[o][p].y, expected[o][p].y, kTol);
+        }
+    }
 }

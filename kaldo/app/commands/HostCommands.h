@@ -41,6 +41,14 @@ class Session;
 // work ("Open cancelled." or "Save cancelled." is then printed).
 void openDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report = {});
 void saveDrawingReporting(Session& session, const std::filesystem::path& path, const dxf::ProgressReport& report = {});
+// What SAVE does: saves the working drawing to its file, or to a file
+// asked for when it has none yet.
+void saveWorkingDrawing(Session& session);
+
+// The question asked before a drawing's unsaved changes would be lost, in
+// the window's message box and by OPEN: "Save changes to NAME?", NAME the
+// drawing's file name (Drawing1.dxf for a new drawing).
+std::wstring saveChangesQuestion(const std::filesystem::path& drawingPath);
 
 // The file types SAVEAS offers in a file dialog, in the order of SaveAsType:
 // the drawing itself, or a copy with every multiline exploded (2000 or R12).

@@ -133,6 +133,20 @@ void askAndSave(Session& session, bool saveAs)
 
 }  // namespace
 
+void saveWorkingDrawing(Session& session)
+{
+    if (session.drawingPath().empty())
+        askAndSave(session, false);
+    else
+        saveDrawingReporting(session, session.drawingPath());
+}
+
+std::wstring saveChangesQuestion(const std::filesystem::path& drawingPath)
+{
+    const std::wstring name = drawingPath.empty() ? L"Drawing1.dxf" : drawingPath.filename().wstring();
+    return L"Save changes to " + name + L"?";
+}
+
 void saveAsReporting(Session& session, const std::filesystem::path& path, SaveAsType type,
                      const dxf::ProgressReport& report)
 {
@@ -144,13 +158,8 @@ void saveAsReporting(Session& session, const std::filesystem::path& path, SaveAs
 
 void saveCommand()
 {
-    Session* session = Session::current();
-    if (!session)
-        return;
-    if (session->drawingPath().empty())
-        askAndSave(*session, false);
-    else
-        saveDrawingReporting(*session, session->drawingPath());
+    if (Session* session = Session::current())
+        saveWorkingDrawing(*session);
 }
 
 void saveasCommand()
