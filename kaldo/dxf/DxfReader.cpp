@@ -334,6 +334,8 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
         throw DxfError(g.line, "the file ends without EOF: it is cut short.");
     if (!sawEntities)
         throw DxfError(0, "the file has no ENTITIES section: it is no drawing.");
+    // The reading room goes before multilines may be laid out anew.
+    context.mlineVertices = {};
     resolveReferences(context);
     addMissingRecords(context);
     resolveMlineStyles(context);
