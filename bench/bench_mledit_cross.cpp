@@ -1,6 +1,7 @@
 // How fast the closed cross finds and opens a crossing between two long
 // multilines (10 000 vertices each, crossing once): the whole edit of one
 // pass, and the axis crossing search alone, pruned and plain.
+#include "CrossingMultilines.h"
 #include "kxdb.h"
 #include "mledit/AxisCrossing.h"
 #include "mledit/CrossTools.h"
@@ -8,45 +9,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <memory>
-
 namespace {
-
-constexpr int kVertices = 10000;
-
-// Two zigzag multilines: one along x, one along y near x = 5000; they cross
-// once, near (5000.5, 0.25).
-struct CrossingPair {
-    KxDbDatabase db;
-    KxDbObjectId along;
-    KxDbObjectId across;
-
-    CrossingPair()
-    {
-        along = add([](int i) { return KxGePoint3d(i, (i % 2) * 0.5); });
-        across = add([](int i) { return KxGePoint3d(5000.3 + (i % 2) * 0.5, i - kVertices / 2.0); });
-    }
-
-    template <class Vertex>
-    KxDbObjectId add(Vertex vertex)
-    {
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(&db);
-        mline->setScale(0.1);
-        for (int i = 0; i < kVertices; ++i)
-            mline->appendSeg(vertex(i));
-        KxDbObjectId id;
-        db.addToCurrentSpace(mline, id);
-        mline->close();
-        return id;
-    }
-};
-
-CrossingPair& pair()
-{
-    static CrossingPair built;
-    return built;
-}
 
 // Picks a few segments away from the crossing, so that the search has to
 // weigh every candidate.
@@ -62,7 +25,7 @@ void pickNearCrossing(kdml::MlinePick& pick, std::int64_t entity, int segment)
 
 void BM_ClosedCrossPass(benchmark::State& state)
 {
-    CrossingPair& p = pair();
+    CrossingMultilines& p = crossingMultilines();
     KxDbObjectPtr<KxDbMline> along(p.along, KxDb::kForWrite);
     KxDbObjectPtr<KxDbMline> across(p.across, KxDb::kForWrite);
     kdml::MlineEditContext context;
@@ -80,7 +43,7 @@ BENCHMARK(BM_ClosedCrossPass)->Unit(benchmark::kMillisecond);
 template <std::optional<kdml::AxisCrossing> (*search)(const kdml::MlinePick&, const kdml::MlinePick&, bool)>
 void BM_AxisCrossing(benchmark::State& state)
 {
-    CrossingPair& p = pair();
+    CrossingMultilines& p = crossingMultilines();
     KxDbObjectPtr<KxDbMline> along(p.along, KxDb::kForRead);
     KxDbObjectPtr<KxDbMline> across(p.across, KxDb::kForRead);
     kdml::MlinePick first, second;

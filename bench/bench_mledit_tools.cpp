@@ -3,6 +3,7 @@
 // multilines (10 000 vertices each, crossing once). Each pass starts from
 // the same multilines: they are put back, and picked again, outside the
 // timing.
+#include "CrossingMultilines.h"
 #include "kxdb.h"
 #include "mledit/CornerJoint.h"
 #include "mledit/CrossTools.h"
@@ -17,45 +18,10 @@
 
 namespace {
 
-constexpr int kVertices = 10000;
 constexpr int kPicked = 4990;
 // Passes of the tools that take microseconds: the multilines are put back
 // before each, which takes far longer than the pass.
 constexpr int kShortPasses = 200;
-
-// A zigzag multiline along x and one along y near x = 5000; they cross
-// once, near (5000.5, 0.25).
-struct Pair {
-    KxDbDatabase db;
-    KxDbObjectId along;
-    KxDbObjectId across;
-
-    Pair()
-    {
-        along = add([](int i) { return KxGePoint3d(i, (i % 2) * 0.5); });
-        across = add([](int i) { return KxGePoint3d(5000.3 + (i % 2) * 0.5, i - kVertices / 2.0); });
-    }
-
-    template <class Vertex>
-    KxDbObjectId add(Vertex vertex)
-    {
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(&db);
-        mline->setScale(0.1);
-        for (int i = 0; i < kVertices; ++i)
-            mline->appendSeg(vertex(i));
-        KxDbObjectId id;
-        db.addToCurrentSpace(mline, id);
-        mline->close();
-        return id;
-    }
-};
-
-Pair& pair()
-{
-    static Pair built;
-    return built;
-}
 
 // Picks the middle of a segment of element 0 (where a weld pick lands too).
 void pick(kdml::MlinePick& pick, KxDbMline* mline, std::int64_t entity, int segment)
@@ -96,7 +62,7 @@ using Edit = std::function<void(kdml::MlineEditContext&)>;
 void runPasses(benchmark::State& state, const Edit& edit, Picks picks = Picks::TwoMultilines,
                const Edit& prepare = nullptr)
 {
-    Pair& p = pair();
+    CrossingMultilines& p = crossingMultilines();
     KxDbObjectPtr<KxDbMline> along(p.along, KxDb::kForWrite);
     KxDbObjectPtr<KxDbMline> across(p.across, KxDb::kForWrite);
     KxDbMline alongDrawn, acrossDrawn;

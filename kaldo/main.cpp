@@ -210,7 +210,8 @@ int main(int argc, char** argv)
                                                        : kaldo::view::Background::White;
         kaldo::view::RenderNotes notes;
         const std::string problem = kaldo::view::exportPicture(session->database(), *options.exportTo,
-                                                               {options.exportSize, background}, &notes);
+                                                               {options.exportSize, background}, &notes,
+                                                               session->textStyleFonts());
         session->editor().write(kaldo::view::describeNotes(notes, L"the picture"));
         if (!problem.empty())
             return fail(problem, kaldo::kExitBadFile);

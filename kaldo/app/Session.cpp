@@ -6,6 +6,7 @@
 #include "kaldo/dxf/DxfFile.h"
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/R12Writer.h"
+#include "kaldo/dxf/TablesSection.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/rx/Runtime.h"
@@ -69,6 +70,11 @@ Session::~Session()
 std::unique_ptr<KxDbDatabase> Session::releaseDrawingAtExit()
 {
     return std::move(database_);
+}
+
+std::map<std::string, std::string> Session::textStyleFonts() const
+{
+    return dxf::textStyleFonts(keptSections_);
 }
 
 Session* Session::current()

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -69,6 +70,9 @@ public:
     // Whether the working drawing changed since it was opened, saved or
     // started.
     bool modified() const;
+    // The font file each text style of the working drawing names, by the
+    // style's name in capitals (kaldo/dxf keeps text styles as read).
+    std::map<std::string, std::string> textStyleFonts() const;
     // Grows by one each time another drawing becomes the working drawing.
     unsigned drawingSerial() const { return drawingSerial_; }
     Editor& editor() { return *editor_; }

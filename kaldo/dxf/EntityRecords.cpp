@@ -315,7 +315,8 @@ void writeNormal(GroupWriter& w, const KxGeVector3d& n)
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
     if (const auto* unmodelled = KxDbUnmodelledEntity::cast(&entity)) {
-        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->packedGroups(), unmodelled->handle());
+        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->packedGroups(), unmodelled->handle(),
+                              handleOf(db, entity.ownerId()));
         return;
     }
     if (const auto* line = KxDbLine::cast(&entity)) {

@@ -370,4 +370,30 @@ void writeTablesSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
     w.text(0, "ENDSEC");
 }
 
+std::map<std::string, std::string> textStyleFonts(const KeptSections& kept)
+{
+    std::map<std::string, std::string> fonts;
+    for (const KeptBlock& table : kept.tables) {
+        if (table.name != "STYLE")
+            continue;
+        std::string name, font;
+        const auto keep = [&] {
+            if (!name.empty())
+                fonts[utf8FromWide(kaldo::foldName(wideFromUtf8(name)))] = font;
+            name.clear();
+            font.clear();
+        };
+        for (const KxDbFileGroup& g : table.groups) {
+            if (g.code == 0)
+                keep();
+            else if (g.code == 2)
+                name = std::string(trimmed(g.value));
+            else if (g.code == 3)
+                font = std::string(trimmed(g.value));
+        }
+        keep();
+    }
+    return fonts;
+}
+
 }  // namespace kaldo::dxf

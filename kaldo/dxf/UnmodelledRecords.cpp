@@ -25,17 +25,27 @@ RecordBasics rawRecordBasics(const Record& record)
 }
 
 void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const KxDbPackedGroups& groups,
-                           std::uint64_t handle)
+                           std::uint64_t handle, std::uint64_t owner)
 {
     bool hasHandle = false;
-    groups.forEach([&](int code, std::uint8_t, std::string_view) { hasHandle = hasHandle || code == 5 || code == 105; });
+    bool hasOwner = false;
+    groups.forEach([&](int code, std::uint8_t, std::string_view) {
+        hasHandle = hasHandle || code == 5 || code == 105;
+        hasOwner = hasOwner || code == 330;
+    });
+    const bool addOwner = owner != 0 && !hasOwner;
     w.text(0, kind);
-    if (!hasHandle)
+    if (!hasHandle) {
         w.handle(5, handle);
+        if (addOwner)
+            w.handle(330, owner);
+    }
     bool handleWritten = false;
     groups.forEach([&](int code, std::uint8_t, std::string_view value) {
         if ((code == 5 || code == 105) && !handleWritten) {
             w.handle(code, handle);
+            if (addOwner)
+                w.handle(330, owner);
             handleWritten = true;
         } else {
             w.text(code, value);

@@ -17,7 +17,9 @@ class GroupWriter;
 // of a record; nothing is kept aside, the record keeps every group.
 RecordBasics rawRecordBasics(const Record& record);
 
+// owner, when not 0, is written after the handle if the record names no
+// owner (an entity of an R12 file has none; the 2000 form needs it).
 void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const KxDbPackedGroups& groups,
-                           std::uint64_t handle);
+                           std::uint64_t handle, std::uint64_t owner = 0);
 
 }  // namespace kaldo::dxf

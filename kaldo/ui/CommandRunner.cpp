@@ -115,7 +115,7 @@ void CommandRunner::publishIfChanged()
         view::RenderNotes notes;
         std::wstring said;
         try {
-            auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db, &notes));
+            auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db, &notes, view::PointBudget::kPicture, session_.textStyleFonts()));
             published_.index = std::make_shared<const view::SceneIndex>(*scene);
             published_.snaps = std::make_shared<const SnapGeometry>(scene, published_.index);
             published_.scene = std::move(scene);

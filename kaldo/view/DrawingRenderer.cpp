@@ -9,6 +9,7 @@
 
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/view/MlineRenderer.h"
+#include "kaldo/view/OldPolylines.h"
 #include "kaldo/view/PenResolver.h"
 #include "kaldo/view/PlaneArc.h"
 #include "kaldo/view/PolylineRenderer.h"
@@ -65,13 +66,15 @@ struct BlockDrawing {
 // and each block's drawing, made at its first reference (an empty slot
 // while the block is being drawn).
 struct DrawingPass {
-    DrawingPass(const KxDbDatabase& db, RenderNotes* notes, std::size_t points = PointBudget::kPicture)
-        : db(db), notes(notes), budget(points)
+    DrawingPass(const KxDbDatabase& db, RenderNotes* notes, const TextStyleFonts& styles,
+                std::size_t points = PointBudget::kPicture)
+        : db(db), notes(notes), styles(styles), budget(points)
     {
     }
 
     const KxDbDatabase& db;
     RenderNotes* notes;
+    const TextStyleFonts& styles;
     PointBudget budget;
     std::unordered_map<KxDbObjectId, std::unique_ptr<BlockDrawing>> blocks;
 
@@ -108,7 +111,7 @@ public:
           m_scene(scene),
           m_pens(pass.db, scene),
           m_mlines(m_pens),
-          m_text(scene, pass.budget),
+          m_text(scene, pass.budget, pass.styles),
           m_depth(depth)
     {
     }
@@ -139,18 +142,32 @@ private:
         const std::string& kind = record.dxfName();
         const auto& groups = record.groups();
         const int pen = m_pens.pen(record.color(), record.linetypeId(), layer);
-        if (kind == "TEXT" || kind == "ATTRIB")
+        if (kind == "TEXT")
             return drawTextRecord(groups, pen, m_text);
+        if (kind == "ATTRIB")
+            return drawAttributeRecord(groups, false, pen, m_text);
+        // A definition of an attribute shows in the drawing of its own
+        // space, not in the references of the block it belongs to.
+        if (kind == "ATTDEF")
+            return m_depth > 0 || drawAttributeRecord(groups, true, pen, m_text);
         if (kind == "MTEXT")
             return drawMtextRecord(groups, pen, m_text);
-        if (kind == "SOLID")
+        if (kind == "SOLID" || kind == "TRACE")
             return drawSolidRecord(groups, m_scene.pens()[std::size_t(pen)].color, m_scene);
+        if (kind == "3DFACE")
+            return drawFaceRecord(groups, pen, m_scene);
         if (kind == "ELLIPSE")
             return drawEllipseRecord(groups, pen, m_scene);
         if (kind == "SPLINE")
             return drawSplineRecord(groups, pen, m_scene);
         if (kind == "HATCH")
             return drawHatchRecord(groups, pen, m_scene, m_pass.budget);
+        if (kind == "LEADER")
+            return drawLeaderRecord(groups, pen, m_scene);
+        if (kind == "MESH")
+            return drawMeshRecord(groups, pen, m_scene);
+        if (kind == "WIPEOUT" || kind == "IMAGE")
+            return drawFrameRecord(groups, pen, m_scene);
         if (kind == "POINT") {
             // A dot: a line of no length, which the painters show as a pixel.
             const Point2 at{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
@@ -164,44 +181,28 @@ private:
                                             groupNumber(groups, 50, 0) * std::numbers::pi / 180),
                              pen);
         if (kind == "DIMENSION")
-            return drawBlock(groups, {}, pen);
-        if (kind == "POLYLINE" || kind == "VERTEX")
-            return collectOldPolyline(kind, groups, pen);
-        if (kind == "SEQEND" && m_oldPolyline) {
-            m_oldPolyline->setVertices(std::move(m_oldVertices));
-            drawPolyline(*m_oldPolyline, m_oldPolylinePen, m_scene);
-            m_oldPolyline.reset();
-            m_oldVertices.clear();
-        }
-        // What the file keeps beside its entities draws nothing by itself.
-        return kind == "SEQEND" || kind == "ATTDEF";
-    }
-
-    // A polyline of the old form is its POLYLINE record, a VERTEX record
-    // per vertex and SEQEND, which draws it. Only plane polylines are
-    // drawn (not 3D polylines or meshes, flags 8, 16 and 64).
-    bool collectOldPolyline(const std::string& kind, const std::vector<KxDbFileGroup>& groups, int pen)
-    {
-        if (kind == "VERTEX") {
-            if (!m_oldPolyline)
-                return false;
-            m_oldVertices.push_back({groupNumber(groups, 10, 0), groupNumber(groups, 20, 0), groupNumber(groups, 40, 0),
-                                     groupNumber(groups, 41, 0), groupNumber(groups, 42, 0)});
+            return drawBlock(groups, dimensionPlacement(groups), pen);
+        if (kind == "POLYLINE") {
+            m_oldPolyline.begin(groups, pen);
             return true;
         }
-        const int flags = groupInteger(groups, 70, 0);
-        m_oldVertices.clear();
-        m_oldPolyline.reset();
-        if (flags & (8 | 16 | 64))
-            return false;
-        m_oldPolyline = std::make_unique<KxDbPolyline>();
-        m_oldPolyline->setClosed(flags & 1);
-        m_oldPolyline->setElevation(groupNumber(groups, 30, 0));
-        m_oldPolyline->setConstantWidth(groupNumber(groups, 40, 0));
-        m_oldPolyline->setNormal(
-            {groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
-        m_oldPolylinePen = pen;
-        return true;
+        if (kind == "VERTEX")
+            return m_oldPolyline.addVertex(groups);
+        if (kind == "SEQEND")
+            m_oldPolyline.end(m_scene);
+        // What the file keeps beside its entities draws nothing by itself.
+        return kind == "SEQEND";
+    }
+
+    // A dimension's block holds its drawing where it is; the block moves
+    // by the dimension's insertion point (12-32, in the dimension's plane)
+    // when it has one.
+    static Affine dimensionPlacement(const std::vector<KxDbFileGroup>& groups)
+    {
+        const EntityPlane plane({groupNumber(groups, 210, 0), groupNumber(groups, 220, 0), groupNumber(groups, 230, 1)});
+        const KxGePoint3d insert = plane.toWorld(
+            KxGePoint3d(groupNumber(groups, 12, 0), groupNumber(groups, 22, 0), groupNumber(groups, 32, 0)));
+        return {1, 0, 0, 1, insert.x, insert.y};
     }
 
     // The block named by group 2, placed; as the box of its drawing when
@@ -304,14 +305,12 @@ private:
     std::unordered_map<KxDbObjectId, BlockShape> m_blockShapes;
     int m_depth;
     // The old-form polyline whose vertices are being read.
-    std::unique_ptr<KxDbPolyline> m_oldPolyline;
-    std::vector<KxDbPolyline::Vertex> m_oldVertices;
-    int m_oldPolylinePen = 0;
+    OldPolyline m_oldPolyline;
 };
 
 }  // namespace
 
-Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points)
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, const TextStyleFonts& styles)
 {
     Scene scene;
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
@@ -321,7 +320,7 @@ Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t poin
     // written, and growing by copies would write everything twice.
     const std::size_t entities = std::size_t(space->numEntities());
     scene.reserve(entities * 48, entities * 8);
-    DrawingPass pass(db, notes, points);
+    DrawingPass pass(db, notes, styles, points);
     EntityDrawer drawer(pass, scene);
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step()) {
@@ -339,7 +338,8 @@ Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t poin
 Scene renderEntities(const KxDbDatabase& db, const std::vector<const KxDbEntity*>& entities)
 {
     Scene scene;
-    DrawingPass pass(db, nullptr);
+    const TextStyleFonts styles;
+    DrawingPass pass(db, nullptr, styles);
     EntityDrawer drawer(pass, scene);
     for (const KxDbEntity* entity : entities) {
         if (entity)

@@ -1,9 +1,9 @@
 // The renderer: turns a drawing's model space into a scene. Entities on
 // layers that are off or frozen are left out. Besides the modelled
-// entities it draws records kept as read: TEXT, ATTRIB, MTEXT, SOLID,
-// ELLIPSE, SPLINE, POINT (a dot), solid HATCH, and INSERT and DIMENSION
-// through their blocks (nested, scaled, rotated; the block's base point
-// taken as its origin). Each block is drawn once per picture and its
+// entities it draws records kept as read (RecordShapes.h): texts and
+// attributes, solids, faces, hatches, curves, points, leaders, meshes and
+// old-form polylines, and INSERT and DIMENSION through their blocks
+// (nested, scaled, rotated; the block's base point taken as its origin). Each block is drawn once per picture and its
 // drawing placed at every reference; a block that reaches itself is drawn
 // without the references inside it that lead back to it. Copies of blocks
 // and outlines of letters share the picture's point budget: beyond it a
@@ -12,6 +12,7 @@
 
 #include "kaldo/view/PointBudget.h"
 #include "kaldo/view/Scene.h"
+#include "kaldo/view/TextShapes.h"
 
 #include <exception>
 #include <set>
@@ -31,9 +32,11 @@ struct RenderNotes {
 };
 
 // points is the budget of points for copies of blocks and outlines of
-// letters (smaller ones reach the coarse drawing sooner).
+// letters (smaller ones reach the coarse drawing sooner); styles gives the
+// font of each text style (its file's name), as the drawing's file keeps
+// them.
 Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes = nullptr,
-                    std::size_t points = PointBudget::kPicture);
+                    std::size_t points = PointBudget::kPicture, const TextStyleFonts& styles = {});
 
 // A scene of a few entities (open for read, or in no database yet) with
 // the layers, linetypes and styles of db: what a window draws over the

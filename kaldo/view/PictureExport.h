@@ -13,8 +13,9 @@ namespace kaldo::view {
 
 // Returns why the picture could not be written, empty on success; a
 // drawing that cannot be drawn (memory runs out) is such a reason. notes,
-// when given, receives what the picture left out or drew coarsely.
+// when given, receives what the picture left out or drew coarsely;
+// styles gives the fonts of text styles.
 std::string exportPicture(const KxDbDatabase& db, const std::filesystem::path& file, const PictureOptions& options,
-                          RenderNotes* notes = nullptr);
+                          RenderNotes* notes = nullptr, const TextStyleFonts& styles = {});
 
 }  // namespace kaldo::view

@@ -193,7 +193,8 @@ private:
                     continue;
                 }
                 const Instance& instance = m_scene.instances()[item.index];
-                if (!reachesBand(pixelBox(instance.box)))
+                const PixelBox box = pixelBox(instance.box);
+                if (!reachesBand(box) || !drawnInFull(instance, box))
                     continue;
                 m_scene.visitPolygons(instance, [&](const DrawColor& color, std::span<const Point2> corners) {
                     if (color == fills.colors[c])
@@ -298,8 +299,7 @@ private:
         }
         const Shape& shape = m_scene.shapes()[instance.shape];
         const Affine toPixels = m_toPixels.after(instance.place);
-        if (m_coarse && shape.text
-            && (shape.box.maxY - shape.box.minY) * std::hypot(toPixels.xy, toPixels.yy) < kSmallTextPixels) {
+        if (!drawnInFull(instance, box)) {
             const Bounds& b = shape.box;
             const Point2 corners[] = {{b.minX, b.minY}, {b.maxX, b.minY}, {b.maxX, b.maxY}, {b.minX, b.maxY}};
             addSegments(4, true, [&](std::uint32_t i) { return qtPoint(toPixels(corners[i])); });
@@ -321,6 +321,18 @@ private:
                     addSegments(polyline.count, polyline.closed, at);
             }
         }
+    }
+
+    // False for an instance smaller than a pixel, drawn as a dot, and for a
+    // line of text too small to read in a coarse picture, drawn as its box.
+    bool drawnInFull(const Instance& instance, const PixelBox& box) const
+    {
+        if (box.underAPixel())
+            return false;
+        const Shape& shape = m_scene.shapes()[instance.shape];
+        const Affine toPixels = m_toPixels.after(instance.place);
+        return !(m_coarse && shape.text
+                 && (shape.box.maxY - shape.box.minY) * std::hypot(toPixels.xy, toPixels.yy) < kSmallTextPixels);
     }
 
     static QPointF qtPoint(const Point2& p) { return {p.x, p.y}; }

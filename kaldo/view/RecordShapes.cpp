@@ -71,6 +71,13 @@ QString stripMtextCodes(const QString& text)
     return plain;
 }
 
+// The text style a record names (7), STANDARD when it names none.
+std::string textStyle(const std::vector<KxDbFileGroup>& groups)
+{
+    const KxDbFileGroup* style = findGroup(groups, 7);
+    return style ? QString::fromStdString(style->value).trimmed().toStdString() : std::string("STANDARD");
+}
+
 // Reads a record's groups in their order: each value is the next group
 // of its code after the one read last. A count is at most the number of
 // groups left, as each thing counted takes at least one.
@@ -128,24 +135,55 @@ int groupInteger(const std::vector<KxDbFileGroup>& groups, int code, int fallbac
     return wholeNumber(groupNumber(groups, code, fallback), fallback);
 }
 
-bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text)
+namespace {
+
+// A line of text of TEXT, ATTRIB or ATTDEF, whose vertical alignment is
+// group vertical.
+bool drawTextLine(const std::vector<KxDbFileGroup>& groups, const KxDbFileGroup* value, int verticalCode, int pen,
+                  TextShapes& text)
 {
-    const KxDbFileGroup* value = findGroup(groups, 1);
     if (!value)
         return false;
     TextPlacement place;
+    place.style = textStyle(groups);
     place.height = groupNumber(groups, 40, 1);
     place.angle = degrees(groupNumber(groups, 50, 0));
     place.widthFactor = groupNumber(groups, 41, 1);
+    place.oblique = degrees(groupNumber(groups, 51, 0));
     const int horizontal = groupInteger(groups, 72, 0);
-    const int vertical = groupInteger(groups, 73, 0);
+    const int vertical = groupInteger(groups, verticalCode, 0);
     const bool aligned = horizontal != 0 || vertical != 0;
-    place.anchor = aligned && findGroup(groups, 11) ? Point2{groupNumber(groups, 11, 0), groupNumber(groups, 21, 0)}
-                                                    : Point2{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
+    const Point2 first{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
+    const Point2 second{groupNumber(groups, 11, 0), groupNumber(groups, 21, 0)};
+    const bool hasSecond = findGroup(groups, 11) != nullptr;
+    // Aligned (3) and fitted (5) text runs from the first point to the
+    // second, along the line between them.
+    if ((horizontal == 3 || horizontal == 5) && hasSecond) {
+        place.anchor = first;
+        place.angle = std::atan2(second.y - first.y, second.x - first.x);
+        place.fitLength = std::hypot(second.x - first.x, second.y - first.y);
+        place.keepProportions = horizontal == 3;
+        return text.drawLines({QString::fromStdString(value->value)}, place, pen);
+    }
+    place.anchor = aligned && hasSecond ? second : first;
     place.horizontal = horizontal == 1 || horizontal == 4 ? 0.5 : horizontal == 2 ? 1.0 : 0.0;
     place.vertical = horizontal == 4 ? TextPlacement::Vertical::Middle
                                      : static_cast<TextPlacement::Vertical>(std::clamp(vertical, 0, 3));
     return text.drawLines({QString::fromStdString(value->value)}, place, pen);
+}
+
+}  // namespace
+
+bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text)
+{
+    return drawTextLine(groups, findGroup(groups, 1), 73, pen, text);
+}
+
+bool drawAttributeRecord(const std::vector<KxDbFileGroup>& groups, bool definition, int pen, TextShapes& text)
+{
+    if (groupInteger(groups, 70, 0) & 1)
+        return true;
+    return drawTextLine(groups, findGroup(groups, definition ? 2 : 1), 74, pen, text);
 }
 
 bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text)
@@ -155,6 +193,7 @@ bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShap
         if (g.code == 3 || g.code == 1)
             value += QString::fromStdString(g.value);
     TextPlacement place;
+    place.style = textStyle(groups);
     place.anchor = {groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
     place.height = groupNumber(groups, 40, 1);
     place.angle = findGroup(groups, 11) ? std::atan2(groupNumber(groups, 21, 0), groupNumber(groups, 11, 1))
@@ -182,6 +221,91 @@ bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& 
         scene.addPoint({p.x, p.y});
     }
     scene.endPolygon(color);
+    return true;
+}
+
+bool drawFaceRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    // Corners 10..13 in order; bit e of 70 hides the edge from corner e.
+    const int hidden = groupInteger(groups, 70, 0);
+    for (int edge = 0; edge < 4; ++edge) {
+        if (hidden & (1 << edge))
+            continue;
+        const int next = (edge + 1) % 4;
+        scene.addLine({groupNumber(groups, 10 + edge, 0), groupNumber(groups, 20 + edge, 0)},
+                      {groupNumber(groups, 10 + next, 0), groupNumber(groups, 20 + next, 0)}, pen);
+    }
+    return true;
+}
+
+bool drawLeaderRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    GroupCursor cursor(groups);
+    const std::size_t vertices = cursor.nextCount(76);
+    scene.beginPolyline(pen);
+    for (std::size_t v = 0; v < vertices; ++v) {
+        const std::optional<double> x = cursor.find(10), y = cursor.find(20);
+        if (!x || !y)
+            break;
+        scene.addPoint({*x, *y});
+    }
+    scene.endPolyline();
+    return true;
+}
+
+bool drawMeshRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    // The vertices follow 92; the faces follow 93 as 90 groups, each
+    // face its corner count and then its vertex numbers from 0.
+    GroupCursor cursor(groups);
+    std::vector<Point2> vertices;
+    const std::size_t count = cursor.nextCount(92);
+    for (std::size_t v = 0; v < count; ++v) {
+        const std::optional<double> x = cursor.find(10), y = cursor.find(20);
+        if (!x || !y)
+            return false;
+        vertices.push_back({*x, *y});
+    }
+    std::size_t left = cursor.nextCount(93);
+    const auto vertex = [&]() -> const Point2* {
+        const double number = cursor.next(90);
+        return number >= 0 && number < double(vertices.size()) ? &vertices[std::size_t(number)] : nullptr;
+    };
+    while (left > 0) {
+        const std::size_t corners = std::min(std::size_t(std::max(0.0, cursor.next(90))), left - 1);
+        left -= corners + 1;
+        scene.beginPolyline(pen);
+        for (std::size_t c = 0; c < corners; ++c)
+            if (const Point2* p = vertex())
+                scene.addPoint(*p);
+        scene.endPolyline(true);
+    }
+    return true;
+}
+
+bool drawFrameRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene)
+{
+    // Boundary vertices (14, 24) are in pixels from the picture's top left
+    // corner; pixel (0, 0) is centred half a pixel along u and v from the
+    // insertion point. Two vertices are opposite corners of a rectangle.
+    const Point2 insert{groupNumber(groups, 10, 0), groupNumber(groups, 20, 0)};
+    const Point2 u{groupNumber(groups, 11, 1), groupNumber(groups, 21, 0)};
+    const Point2 v{groupNumber(groups, 12, 0), groupNumber(groups, 22, 1)};
+    const double height = groupNumber(groups, 23, 1);
+    std::vector<Point2> boundary;
+    for (std::size_t i = 0; i + 1 < groups.size(); ++i)
+        if (groups[i].code == 14 && groups[i + 1].code == 24)
+            boundary.push_back({numberIn(groups[i], 0), numberIn(groups[i + 1], 0)});
+    if (boundary.empty())
+        boundary = {{-0.5, -0.5}, {groupNumber(groups, 13, 1) - 0.5, height - 0.5}};
+    if (boundary.size() == 2)
+        boundary = {boundary[0], {boundary[1].x, boundary[0].y}, boundary[1], {boundary[0].x, boundary[1].y}};
+    scene.beginPolyline(pen);
+    for (const Point2& p : boundary) {
+        const double along = p.x + 0.5, up = height - p.y - 0.5;
+        scene.addPoint({insert.x + u.x * along + v.x * up, insert.y + u.y * along + v.y * up});
+    }
+    scene.endPolyline(true);
     return true;
 }
 

@@ -1,6 +1,6 @@
 // Shapes of entities that the host keeps as records as read (TEXT, ATTRIB,
 // MTEXT, SOLID, HATCH, ELLIPSE, SPLINE), drawn from their groups into a scene. Texts go
-// through TextShapes (the outlines of their letters while the budget
+// through TextShapes (their letters filled while the budget
 // holds, else the box of each line); MTEXT's paragraph breaks start new
 // lines and its other formatting codes are left out. Counts are read as far as the groups
 // that follow bear them out, and every curve gets a bounded number of
@@ -18,8 +18,21 @@ namespace kaldo::view {
 
 // Each returns false when the record cannot be drawn.
 bool drawTextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text);
+// ATTRIB shows its value, an ATTDEF (definition) its tag; invisible ones
+// (flag 1 of 70) draw nothing.
+bool drawAttributeRecord(const std::vector<KxDbFileGroup>& groups, bool definition, int pen, TextShapes& text);
 bool drawMtextRecord(const std::vector<KxDbFileGroup>& groups, int pen, TextShapes& text);
+// SOLID and TRACE.
 bool drawSolidRecord(const std::vector<KxDbFileGroup>& groups, const DrawColor& color, Scene& scene);
+// 3DFACE: its visible edges, seen from above.
+bool drawFaceRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
+// LEADER: the line through its vertices (without its arrowhead).
+bool drawLeaderRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
+// MESH: the edges of its faces, seen from above.
+bool drawMeshRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
+// WIPEOUT and IMAGE: the frame of their boundary (the picture or the
+// masking is not drawn).
+bool drawFrameRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
 // Solid fills, and patterns by their line families (HatchPattern.h) in
 // the pen, solid when the record gives no lines or too many to draw one by
 // one; polyline paths with bulges and edges other than lines and arcs are

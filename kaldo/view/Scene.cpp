@@ -188,18 +188,18 @@ std::uint32_t Scene::addPart(const Scene& scene)
 std::uint32_t Scene::addOutlinePart(std::span<const std::vector<Point2>> outlines)
 {
     const auto firstPoint = std::uint32_t(m_partPoints.size());
-    const auto firstPolyline = std::uint32_t(m_partPolylines.size());
+    const auto firstPolygon = std::uint32_t(m_partPolygons.size());
     for (const std::vector<Point2>& outline : outlines) {
         std::size_t count = outline.size();
-        // As a closed polyline does not repeat its first point.
+        // As a fill does not repeat its first point.
         if (count > 2 && outline.back().x == outline.front().x && outline.back().y == outline.front().y)
             --count;
-        if (count < 2)
+        if (count < 3)
             continue;
-        m_partPolylines.push_back({std::uint32_t(m_partPoints.size()), std::uint32_t(count), kInstancePen, true});
+        m_partPolygons.push_back({std::uint32_t(m_partPoints.size()), std::uint32_t(count), {}, true});
         m_partPoints.insert(m_partPoints.end(), outline.begin(), outline.begin() + std::ptrdiff_t(count));
     }
-    return endPart(firstPoint, firstPolyline, std::uint32_t(m_partPolygons.size()));
+    return endPart(firstPoint, std::uint32_t(m_partPolylines.size()), firstPolygon);
 }
 
 std::uint32_t Scene::endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon)
@@ -220,9 +220,14 @@ std::uint32_t Scene::addShape(std::span<const ShapeRun> runs, const Bounds& box,
     m_runs.insert(m_runs.end(), runs.begin(), runs.end());
     shape.endRun = std::uint32_t(m_runs.size());
     std::vector<int> pens;
-    for (const ShapeRun& run : runs)
-        for (std::uint32_t i = m_parts[run.part].firstPolyline; i < m_parts[run.part].endPolyline; ++i)
+    for (const ShapeRun& run : runs) {
+        const Part& part = m_parts[run.part];
+        for (std::uint32_t i = part.firstPolyline; i < part.endPolyline; ++i)
             pens.push_back(m_partPolylines[i].pen);
+        for (std::uint32_t i = part.firstPolygon; i < part.endPolygon; ++i)
+            if (m_partPolygons[i].instanceColor)
+                pens.push_back(kInstancePen);
+    }
     std::sort(pens.begin(), pens.end());
     pens.erase(std::unique(pens.begin(), pens.end()), pens.end());
     shape.firstPen = std::uint32_t(m_shapePens.size());

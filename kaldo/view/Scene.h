@@ -65,10 +65,13 @@ struct Arc {
     int pen = 0;
 };
 
+// A fill; one of a part may take the colour of the pen of the instance
+// placing it (a letter is filled in the colour of its text).
 struct Polygon {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
     DrawColor color;
+    bool instanceColor = false;
 };
 
 // Consecutive polylines [first, end) that draw one multiline, and its width
@@ -115,7 +118,9 @@ struct ShapeRun {
 // Parts side by side: one for a block, one for each letter of a line of
 // text. box is its extent in its own coordinates (a text line's box from
 // the descent to the height of a capital); pens lists the distinct pens of
-// its parts' polylines, the instance's own pen for kInstancePen.
+// its parts' polylines, and kInstancePen, standing for the instance's own
+// pen, also for fills in the instance's colour (drawn as a dot or a box
+// when small, in that pen).
 struct Shape {
     std::uint32_t firstRun = 0, endRun = 0;
     std::uint32_t firstPen = 0, endPen = 0;
@@ -161,8 +166,8 @@ public:
     // its arcs as polylines of 64 points a turn, its instances placed);
     // returns the part's index.
     std::uint32_t addPart(const Scene& scene);
-    // Adds a part of closed outlines drawn in the instance's pen; returns
-    // its index.
+    // Adds a part of closed outlines filled together (a hole winds against
+    // its outline) in the colour of the instance's pen; returns its index.
     std::uint32_t addOutlinePart(std::span<const std::vector<Point2>> outlines);
     // Adds a shape of the parts of runs; returns its index.
     std::uint32_t addShape(std::span<const ShapeRun> runs, const Bounds& box, bool text);
@@ -282,7 +287,9 @@ template <class Visit>
 void Scene::visitPolygons(const Instance& instance, Visit&& visit) const
 {
     visitPlaced(instance, &Part::firstPolygon, &Part::endPolygon, m_partPolygons,
-                [&](const Polygon& polygon, std::span<const Point2> placed) { visit(polygon.color, placed); });
+                [&](const Polygon& polygon, std::span<const Point2> placed) {
+                    visit(polygon.instanceColor ? m_pens[std::size_t(instance.pen)].color : polygon.color, placed);
+                });
 }
 
 template <class Visit>

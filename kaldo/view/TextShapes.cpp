@@ -1,6 +1,8 @@
 #include "kaldo/view/TextShapes.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QGlyphRun>
 #include <QGuiApplication>
 #include <QPainterPath>
@@ -21,32 +23,88 @@ constexpr double kLineSpacing = 5.0 / 3.0;
 // each letter of a line: a letter never has fewer.
 constexpr std::size_t kLeastPointsPerLetter = 4;
 
-QFont layoutFont()
+// Font files of other systems and the families they hold, where the
+// file's name does not say it.
+const std::map<QString, QString>& familiesOfFiles()
 {
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(kLayoutPixels);
-    return font;
+    static const std::map<QString, QString> families = {
+        {"arial", "Arial"}, {"arialn", "Arial Narrow"}, {"times", "Times New Roman"}, {"cour", "Courier New"},
+        {"verdana", "Verdana"}, {"tahoma", "Tahoma"}, {"georgia", "Georgia"}, {"calibri", "Calibri"},
+        {"cambria", "Cambria"}, {"consola", "Consolas"}, {"segoeui", "Segoe UI"}, {"trebuc", "Trebuchet MS"},
+    };
+    return families;
 }
 
 }  // namespace
 
-TextShapes::Font::Font() : font(layoutFont()), metrics(font)
+QFont fontForFile(const std::string& file)
+{
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(kLayoutPixels);
+    const QFileInfo info(QString::fromStdString(file));
+    const QString stem = info.completeBaseName().section('-', 0, 0);
+    if (stem.isEmpty() || info.suffix().compare(QStringLiteral("shx"), Qt::CaseInsensitive) == 0)
+        return font;
+    const QString key = stem.toLower();
+    QString family = stem;
+    if (const auto known = familiesOfFiles().find(key); known != familiesOfFiles().end()) {
+        family = known->second;
+    } else {
+        // "LiberationSerif" names "Liberation Serif".
+        static const QRegularExpression wordStart(QStringLiteral("(?<=[a-z])(?=[A-Z])"));
+        family.replace(wordStart, QStringLiteral(" "));
+    }
+    font.setFamily(family);
+    if (key.contains(QStringLiteral("mono")) || key.startsWith(QStringLiteral("cour"))
+        || key.startsWith(QStringLiteral("consol")))
+        font.setStyleHint(QFont::Monospace);
+    else if ((key.contains(QStringLiteral("serif")) && !key.contains(QStringLiteral("sans")))
+             || key.startsWith(QStringLiteral("times")) || key.startsWith(QStringLiteral("georgia"))
+             || key.startsWith(QStringLiteral("cambria")))
+        font.setStyleHint(QFont::Serif);
+    return font;
+}
+
+TextShapes::Font::Font(const QFont& font) : font(font), metrics(font)
 {
     cap = metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent();
 }
 
-TextShapes::TextShapes(Scene& scene, PointBudget& budget) : m_scene(scene), m_budget(budget) {}
+TextShapes::TextShapes(Scene& scene, PointBudget& budget, const TextStyleFonts& styles)
+    : m_scene(scene), m_budget(budget), m_styles(styles)
+{
+}
+
+const TextShapes::Font& TextShapes::styleFont(const std::string& style)
+{
+    if (const auto found = m_styleFonts.find(style); found != m_styleFonts.end())
+        return *found->second;
+    const auto file = m_styles.find(QString::fromStdString(style).toUpper().toStdString());
+    const std::string& fontFile = file == m_styles.end() ? std::string() : file->second;
+    auto font = m_fonts.find(fontFile);
+    if (font == m_fonts.end())
+        font = m_fonts.emplace(fontFile, Font(fontForFile(fontFile))).first;
+    return *m_styleFonts.emplace(style, &font->second).first->second;
+}
 
 bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place, int pen)
 {
     if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
         return false;
-    if (!m_font)
-        m_font.emplace();
-    const double cap = m_font->cap;
-    const double descent = m_font->metrics.descent();
-    const double scale = place.height / cap;
+    const Font& font = styleFont(place.style);
+    const double cap = font.cap;
+    const double descent = font.metrics.descent();
+    double scale = place.height / cap;
+    double along = scale * place.widthFactor;
+    if (place.fitLength > 0 && lines.size() == 1) {
+        const double width = font.metrics.horizontalAdvance(lines.front());
+        if (width > 0) {
+            along = place.fitLength / width;
+            if (place.keepProportions)
+                scale = along / place.widthFactor;
+        }
+    }
     const double spacing = kLineSpacing * cap;
     const double blockHeight = cap + spacing * double(lines.size() - 1);
     // Vertical shift of the first baseline above the anchor, in layout units.
@@ -60,22 +118,24 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
     case TextPlacement::Vertical::Top: firstBaseline = -cap; break;
     }
     const double c = std::cos(place.angle), s = std::sin(place.angle);
-    const double along = scale * place.widthFactor;
+    // Letters lean by moving each point along the line by its height
+    // above the baseline times this.
+    const double lean = std::tan(place.oblique);
     std::vector<ShapeRun> runs;
     for (qsizetype i = 0; i < lines.size(); ++i) {
         if (lines[i].trimmed().isEmpty())
             continue;
-        const double width = m_font->metrics.horizontalAdvance(lines[i]);
+        const double width = font.metrics.horizontalAdvance(lines[i]);
         const double left = -place.horizontal * width;
         const double up = firstBaseline - spacing * double(i);
         // Layout units (y down from the baseline) to the drawing.
-        const Affine toDrawing{c * along, s * scale, s * along, -c * scale,
+        const Affine toDrawing{c * along, (s - c * lean) * scale, s * along, -(c + s * lean) * scale,
                                place.anchor.x - s * scale * up, place.anchor.y + c * scale * up};
         runs.clear();
         std::size_t points = 0;
         bool outlined = false;
         if (m_budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size())) {
-            outlined = letterRuns(lines[i], left, runs);
+            outlined = letterRuns(font, lines[i], left, runs);
             for (const ShapeRun& run : runs)
                 points += m_partPoints[run.part];
             outlined = outlined && m_budget.take(points);
@@ -94,21 +154,21 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
     return true;
 }
 
-bool TextShapes::letterRuns(const QString& line, double left, std::vector<ShapeRun>& runs)
+bool TextShapes::letterRuns(const Font& font, const QString& line, double left, std::vector<ShapeRun>& runs)
 {
-    QTextLayout layout(line, m_font->font);
+    QTextLayout layout(line, font.font);
     layout.setCacheEnabled(true);
     layout.beginLayout();
     layout.createLine();
     layout.endLayout();
     for (const QGlyphRun& glyphRun : layout.glyphRuns()) {
-        const QRawFont font = glyphRun.rawFont();
-        if (!font.isValid())
+        const QRawFont raw = glyphRun.rawFont();
+        if (!raw.isValid())
             return false;
         const QList<quint32> glyphs = glyphRun.glyphIndexes();
         const QList<QPointF> positions = glyphRun.positions();
         for (qsizetype g = 0; g < glyphs.size(); ++g)
-            runs.push_back({glyphPart(font, glyphs[g]), left + positions[g].x()});
+            runs.push_back({glyphPart(raw, glyphs[g]), left + positions[g].x()});
     }
     return true;
 }

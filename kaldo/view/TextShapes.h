@@ -1,7 +1,8 @@
-// Lines of text as shapes of a scene: each letter's outline (in Qt's
-// sans-serif font, laid out at a large size) is a part made once per
-// scene, and a line is one instance placing its letters side by side, so
-// that a drawing of many texts shapes and flattens each letter once.
+// Lines of text as shapes of a scene: each letter's outline (in the font
+// that stands for its text style's font, laid out at a large size) is a
+// part made once per scene, filled in the colour of its text, and a line
+// is one instance placing its letters side by side, so that a drawing of
+// many texts shapes and flattens each letter once.
 // Without a QGuiApplication (no fonts) nothing is drawn.
 #pragma once
 
@@ -11,7 +12,8 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <optional>
+#include <map>
+#include <string>
 
 #include <unordered_map>
 #include <utility>
@@ -22,22 +24,40 @@
 
 namespace kaldo::view {
 
-// Where lines of text go: anchor point, direction, height, and how the
-// block of lines sits on the anchor (0, 0.5 or 1 of its width to the left;
-// the anchor on the first line's top, the middle, the last baseline or the
-// last line's bottom).
+// The font file each text style names ("arial.ttf", "romans.shx"), by the
+// style's name in capitals.
+using TextStyleFonts = std::map<std::string, std::string>;
+
+// The font that stands for a font file: the family its name gives, which
+// the system's font configuration may substitute by a font of the same
+// kind (serif, monospace or sans-serif, as the name suggests); Qt's
+// sans-serif font for shape fonts (.shx) and for no file at all.
+QFont fontForFile(const std::string& file);
+
+// Where lines of text go: anchor point, direction, height, how much wider
+// than the font the letters are and how far they lean (oblique, radians
+// from upright, positive to the right), and how the block of lines sits
+// on the anchor (0, 0.5 or 1 of its width to the left; the anchor on the
+// first line's top, the middle, the last baseline or the last line's
+// bottom). A line fitted to a length (fitLength > 0) is stretched to run
+// that length from the anchor; when it also keeps its proportions, its
+// height follows.
 struct TextPlacement {
+    std::string style;  // the text style's name as the record gives it
     Point2 anchor;
     double angle = 0;
     double height = 1;
     double widthFactor = 1;
+    double oblique = 0;
+    double fitLength = 0;
+    bool keepProportions = false;
     double horizontal = 0;
     enum class Vertical { Baseline, Bottom, Middle, Top } vertical = Vertical::Baseline;
 };
 
 class TextShapes {
 public:
-    TextShapes(Scene& scene, PointBudget& budget);
+    TextShapes(Scene& scene, PointBudget& budget, const TextStyleFonts& styles);
 
     // Draws each line's letters, scaled so that a capital is as tall as the
     // text height, while the budget holds; else the line's box (from the
@@ -46,17 +66,20 @@ public:
     bool drawLines(const QStringList& lines, const TextPlacement& place, int pen);
 
 private:
+    struct Font;
+    // The font of a style, made at its first text.
+    const Font& styleFont(const std::string& style);
     // The runs of a line's letters, laid out from x = left on the
     // baseline; false when a letter's font has no outlines.
-    bool letterRuns(const QString& line, double left, std::vector<ShapeRun>& runs);
+    bool letterRuns(const Font& font, const QString& line, double left, std::vector<ShapeRun>& runs);
     // The part of a glyph's outline, made at its first use.
     std::uint32_t glyphPart(const QRawFont& font, quint32 glyph);
     // The corners of box (layout units), placed, as a closed polyline.
     void drawBox(const Box& box, const Affine& place, int pen);
 
-    // The font and its measures, made at the first text.
+    // A font and its measures.
     struct Font {
-        Font();
+        explicit Font(const QFont& font);
         QFont font;
         QFontMetricsF metrics;
         double cap = 0;
@@ -64,7 +87,10 @@ private:
 
     Scene& m_scene;
     PointBudget& m_budget;
-    std::optional<Font> m_font;
+    const TextStyleFonts& m_styles;
+    // Fonts by the file they stand for, and by style.
+    std::map<std::string, Font> m_fonts;
+    std::map<std::string, const Font*> m_styleFonts;
     // Parts of glyphs by font (a line may fall back on other fonts), and
     // the points of each part as the budget counts them.
     std::vector<std::pair<QRawFont, std::unordered_map<quint32, std::uint32_t>>> m_glyphs;

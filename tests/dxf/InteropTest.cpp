@@ -3,6 +3,8 @@
 // same multiline geometry, and what it writes we read and save without loss.
 #include "DxfText.h"
 
+#include "kaldo/dxf/TablesSection.h"
+
 #include <gtest/gtest.h>
 
 #include <QJsonArray>
@@ -163,6 +165,10 @@ TEST(DxfInterop, FilesEzdxfWritesSurviveOurOpenAndSave)
     for (KxDbObjectId id : db.objectIds())
         unmodelled += KxDbUnmodelledEntity::cast(db.peekObject(id)) ? 1 : 0;
     EXPECT_GE(unmodelled, 4);  // text, spline, hatch, block reference, ...
+    // The text styles' fonts, by name in capitals, for the renderer.
+    const std::map<std::string, std::string> fonts = kaldo::dxf::textStyleFonts(drawing.kept);
+    EXPECT_EQ(fonts.at("STANDARD"), "txt");
+    EXPECT_EQ(fonts.at("OPENSANS"), "OpenSans-Regular.ttf");
 
     kaldo::dxf::saveDxfFile(ours.toStdString(), db, drawing.kept);
     const QJsonObject result = runPythonJson("ezdxf_compare.py", {theirs, ours});

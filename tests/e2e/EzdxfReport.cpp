@@ -3,13 +3,14 @@
 #include <QJsonDocument>
 #include <QProcess>
 
-EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script)
+EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script, const QStringList& arguments)
 {
     EzdxfReport report;
     QProcess python;
     // Debian's interpreter: the one on PATH may lack ezdxf.
-    python.start("/usr/bin/python3",
-                 {QStringLiteral(KALDO_SOURCE_DIR "/tests/dxf/") + script, QString::fromStdString(dxfPath)});
+    python.start("/usr/bin/python3", QStringList{QStringLiteral(KALDO_SOURCE_DIR "/tests/dxf/") + script,
+                                                 QString::fromStdString(dxfPath)}
+                                         + arguments);
     if (!python.waitForFinished(120000)) {
         report.problem = "ezdxf did not finish";
         return report;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QStringList>
 
 #include <string>
 
@@ -13,5 +14,7 @@ struct EzdxfReport {
     QJsonObject file;
 };
 
-// script: the reading script in tests/dxf that prints the report.
-EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script = "ezdxf_mlines.py");
+// script: the script in tests/dxf that prints the report, given the
+// drawing's path and then arguments.
+EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script = "ezdxf_mlines.py",
+                          const QStringList& arguments = {});

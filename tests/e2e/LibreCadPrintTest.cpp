@@ -1,11 +1,12 @@
-// Exploded copies as a program without multilines prints them: LibreCAD
+// Our files as a program without multilines prints them: LibreCAD
 // ("librecad dxf2pdf") prints kaldo's copies, 2000 and R12, of a filled
 // multiline with arc and line caps, a dashed element and a cut through
 // all its elements; the print, rasterised by pdftoppm, is compared with
 // kaldo's own picture of the drawing by what a person sees: each
 // element's colour where kaldo draws it (not hidden under the fill), the
 // fill, a gap in the elements where the cut is, and the dashed element's
-// gaps.
+// gaps. Texts outside ASCII print from kaldo's saved copy as from the
+// original another program wrote.
 #include "KaldoProcess.h"
 
 #include <gtest/gtest.h>
@@ -127,6 +128,38 @@ std::string runTool(const QString& program, const QStringList& args, const QProc
     return {};
 }
 
+// LibreCAD's print of a drawing, rasterised: LibreCAD keeps its settings
+// in a home of its own in the test's folder.
+class LibreCad {
+public:
+    explicit LibreCad(const std::filesystem::path& folder)
+        : m_home(QString::fromStdString((folder / "home").string())), m_env(QProcessEnvironment::systemEnvironment())
+    {
+        m_env.insert("QT_QPA_PLATFORM", "offscreen");
+        m_env.insert("HOME", m_home);
+        m_env.insert("XDG_CONFIG_HOME", m_home + "/config");
+        m_env.insert("XDG_RUNTIME_DIR", m_home);
+        std::filesystem::create_directories(folder / "home");
+        QFile::setPermissions(m_home, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    // Prints drawing.dxf fitted to its page into drawing.pdf and reads the
+    // page at 150 dpi; a null image when either program failed.
+    QImage print(const QString& drawing) const
+    {
+        const QString pdf = drawing + ".pdf";
+        const std::string printed = runTool("librecad", {"dxf2pdf", "--fit", "-o", pdf, drawing + ".dxf"}, m_env);
+        const std::string rasterised =
+            printed.empty() ? runTool("pdftoppm", {"-png", "-r", "150", "-singlefile", pdf, drawing}, m_env) : printed;
+        EXPECT_EQ(rasterised, "") << drawing.toStdString();
+        return rasterised.empty() ? QImage(drawing + ".png").convertToFormat(QImage::Format_RGB32) : QImage();
+    }
+
+private:
+    QString m_home;
+    QProcessEnvironment m_env;
+};
+
 // What a person sees on one picture of the wall.
 void expectWallSeen(const Print& print, const std::string& what)
 {
@@ -171,19 +204,45 @@ TEST(LibreCadPrint, ExplodedCopiesPrintAsKaldoDrawsThem)
     ASSERT_EQ(run.exitCode, 0) << run.err;
     expectWallSeen(Print(QImage(path("kaldo.png"))), "kaldo's picture");
 
-    // LibreCAD keeps its settings in a home of its own here.
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("QT_QPA_PLATFORM", "offscreen");
-    env.insert("HOME", path("home"));
-    env.insert("XDG_CONFIG_HOME", path("home/config"));
-    env.insert("XDG_RUNTIME_DIR", path("home"));
-    QFile::Permissions privateFolder = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
-    ASSERT_TRUE(std::filesystem::create_directories(kaldo.dir() / "home"));
-    QFile::setPermissions(path("home"), privateFolder);
-    for (const char* copy : {"wall-2000", "wall-r12"}) {
-        const QString dxf = path(copy) + ".dxf", pdf = path(copy) + ".pdf", png = path(copy);
-        ASSERT_EQ(runTool("librecad", {"dxf2pdf", "--fit", "-o", pdf, dxf}, env), "") << copy;
-        ASSERT_EQ(runTool("pdftoppm", {"-png", "-r", "150", "-singlefile", pdf, png}, env), "") << copy;
-        expectWallSeen(Print(QImage(png + ".png")), std::string("LibreCAD's print of ") + copy);
+    const LibreCad libreCad(kaldo.dir());
+    for (const char* copy : {"wall-2000", "wall-r12"})
+        expectWallSeen(Print(libreCad.print(path(copy))), std::string("LibreCAD's print of ") + copy);
+}
+
+// Names and texts outside ASCII as LibreCAD reads them: a drawing ezdxf
+// writes (2000: code page and \U+ escapes; 2010: UTF-8), opened and saved
+// by kaldo, prints exactly as the original does, while the same drawing
+// with its letters decoded in the wrong code page prints otherwise.
+TEST(LibreCadPrint, TextsOutsideAsciiReadAsTheOriginalAfterKaldoSavesThem)
+{
+    KaldoProcess kaldo;
+    const auto path = [&](const std::string& name) { return QString::fromStdString((kaldo.dir() / name).string()); };
+    const LibreCad libreCad(kaldo.dir());
+    const std::string writer = "import ezdxf, sys\n"
+                               "d = ezdxf.new(sys.argv[1], units=4)\n"
+                               "d.layers.add(sys.argv[2])\n"
+                               "d.modelspace().add_text(sys.argv[2] + ' Kl\u00e4ger \u00d8re \u03a9', "
+                               "dxfattribs={'height': 5, 'layer': sys.argv[2]})\n"
+                               "d.modelspace().add_line((0, -5), (100, -5))\n"
+                               "d.saveas(sys.argv[3])\n";
+    for (const char* version : {"R2000", "R2010"}) {
+        SCOPED_TRACE(version);
+        const std::string original = std::string("ezdxf-") + version, saved = std::string("kaldo-") + version,
+                          misread = std::string("misread-") + version;
+        ASSERT_EQ(runTool("/usr/bin/python3", {"-c", QString::fromStdString(writer), version,
+                                               QStringLiteral("MUR_\u00c9PAIS"), path(original + ".dxf")},
+                          QProcessEnvironment::systemEnvironment()),
+                  "");
+        ASSERT_EQ(runTool("/usr/bin/python3", {"-c", QString::fromStdString(writer), version,
+                                               QStringLiteral("MUR_\u00c3\u2030PAIS"), path(misread + ".dxf")},
+                          QProcessEnvironment::systemEnvironment()),
+                  "");
+        const KaldoRun run = kaldo.runArgs({"--no-modules", "--script", "-", "--save", path(saved + ".dxf"),
+                                            path(original + ".dxf")});
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        const QImage printedOriginal = libreCad.print(path(original));
+        ASSERT_FALSE(printedOriginal.isNull());
+        EXPECT_EQ(libreCad.print(path(saved)), printedOriginal);
+        EXPECT_NE(libreCad.print(path(misread)), printedOriginal) << "the print shows which letters were read";
     }
 }

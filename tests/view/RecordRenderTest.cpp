@@ -1,11 +1,16 @@
 // Records kept as read that the renderer draws: a block inserted scaled and
 // rotated (with a block inside it), a solid, solid hatches, pattern
 // hatches by their line families, an ellipse, a point, a spline, texts
-// placed by their justification, their letters outlined once per scene
-// where Qt lays them out; what it cannot draw is named.
+// placed by their justification, leant and fitted, their letters filled
+// once per scene where Qt lays them out in their style's font;
+// attributes with their reference, definitions only outside blocks,
+// dimensions at their insertion point, polyface meshes by their visible
+// edges; what it cannot draw is named.
 #include "PlacedScene.h"
 #include "ViewDrawing.h"
 
+#include "kaldo/view/PngExport.h"
+#include "kaldo/view/SvgExport.h"
 #include "kxdbunmodelled.h"
 
 #include <QFont>
@@ -58,7 +63,8 @@ KxDbObjectId addRecord(KxDbDatabase& db, const char* kind, std::vector<KxDbFileG
     return id;
 }
 
-KxDbObjectId addBlock(KxDbDatabase& db, const wchar_t* name)
+// A block of one line.
+KxDbObjectId addBlockOfLine(KxDbDatabase& db, const wchar_t* name, const KxGePoint3d& from, const KxGePoint3d& to)
 {
     auto* block = new KxDbBlockTableRecord;
     block->setName(name);
@@ -67,6 +73,10 @@ KxDbObjectId addBlock(KxDbDatabase& db, const wchar_t* name)
     KxDbObjectId id;
     table->add(block, id);
     table->close();
+    auto* line = new KxDbLine(from, to);
+    line->setDatabaseDefaults(&db);
+    block->appendKxDbEntity(line);
+    line->close();
     block->close();
     return id;
 }
@@ -79,22 +89,8 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     ViewDrawing d;
     // DOOR: a line from the origin to (1, 0) and the block LEAF inserted
     // at (0, 1); LEAF: a line from the origin to (0, 2).
-    const KxDbObjectId leaf = addBlock(d.db, L"LEAF");
-    {
-        KxDbObjectPtr<KxDbBlockTableRecord> block(leaf, KxDb::kForWrite);
-        auto* line = new KxDbLine({0, 0, 0}, {0, 2, 0});
-        line->setDatabaseDefaults(&d.db);
-        block->appendKxDbEntity(line);
-        line->close();
-    }
-    const KxDbObjectId door = addBlock(d.db, L"DOOR");
-    {
-        KxDbObjectPtr<KxDbBlockTableRecord> block(door, KxDb::kForWrite);
-        auto* line = new KxDbLine({0, 0, 0}, {1, 0, 0});
-        line->setDatabaseDefaults(&d.db);
-        block->appendKxDbEntity(line);
-        line->close();
-    }
+    addBlockOfLine(d.db, L"LEAF", {0, 0, 0}, {0, 2, 0});
+    const KxDbObjectId door = addBlockOfLine(d.db, L"DOOR", {0, 0, 0}, {1, 0, 0});
     addRecord(d.db, "INSERT", groups({{2, "LEAF"}, {10, "0"}, {20, "1"}}), door);
     // DOOR at (10, 20), scaled 2 by 3, turned a quarter.
     addRecord(d.db, "INSERT", groups({{2, "DOOR"}, {10, "10"}, {20, "20"}, {41, "2"}, {42, "3"}, {50, "90"}}));
@@ -234,52 +230,175 @@ TEST(RecordRender, PatternHatchesDrawTheirLineFamiliesWithinTheirBoundaries)
     EXPECT_EQ(dashes, expected);
 }
 
-TEST(RecordRender, LettersAreOutlinedOncePerSceneWhereQtLaysThemOut)
+TEST(RecordRender, LettersAreFilledOncePerSceneWhereQtLaysThemOut)
 {
     ensureFonts();
-    // 300 texts of the same five letters, 2.5 high, turned by 30 degrees.
+    // 300 texts of the same five letters, 2.5 high, turned by 30 degrees,
+    // in red.
     ViewDrawing d;
-    for (int i = 0; i < 300; ++i)
-        addRecord(d.db, "TEXT", groups({{10, std::to_string(i * 20)}, {20, "5"}, {40, "2.5"}, {50, "30"},
-                                        {1, "Tag 7"}}));
+    for (int i = 0; i < 300; ++i) {
+        const KxDbObjectId text = addRecord(
+            d.db, "TEXT", groups({{10, std::to_string(i * 20)}, {20, "5"}, {40, "2.5"}, {50, "30"}, {1, "Tag 7"}}));
+        KxDbObjectPtr<KxDbEntity>(text, KxDb::kForWrite)->setColorIndex(1);
+    }
+    // Leaning by 20 degrees, and fitted (72 = 5) between (0, -20) and
+    // (30, -20).
+    addRecord(d.db, "TEXT", groups({{10, "0"}, {20, "-10"}, {40, "2.5"}, {51, "20"}, {1, "Tag 7"}}));
+    addRecord(d.db, "TEXT", groups({{10, "0"}, {20, "-20"}, {11, "30"}, {21, "-20"}, {40, "2.5"}, {72, "5"},
+                                    {1, "Tag 7"}}));
     const Scene scene = renderDrawing(d.db);
-    // Each letter's outline once, each text one placing of them.
+    // Each letter's outline once, each text one placing of them, its
+    // outlines filled in the text's colour and no lines.
     EXPECT_EQ(scene.parts().size(), 5u);
-    EXPECT_EQ(scene.instances().size(), 300u);
+    EXPECT_EQ(scene.instances().size(), 302u);
     EXPECT_TRUE(scene.polylines().empty());
+    scene.visitPolylines([](int, bool, std::span<const Point2>) { ADD_FAILURE() << "a letter drawn as lines"; });
 
-    // The placed outlines of the first text are Qt's own outlines of the
-    // whole line, scaled so that a capital is 2.5 high, turned and moved.
+    // The placed outlines of a text are Qt's own outlines of the whole
+    // line, scaled so that a capital is 2.5 high, leant, turned and moved.
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setStyleHint(QFont::SansSerif);
     font.setPixelSize(200);
     const QFontMetricsF metrics(font);
     const double scale = 2.5 / (metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent());
-    const double c = std::cos(std::numbers::pi / 6), s = std::sin(std::numbers::pi / 6);
     QPainterPath line;
     line.addText(0, 0, font, QStringLiteral("Tag 7"));
-    std::vector<std::vector<Point2>> expected;
-    for (const QPolygonF& outline : line.toSubpathPolygons()) {
-        std::vector<Point2>& points = expected.emplace_back();
-        for (const QPointF& p : outline) {
-            const double x = p.x() * scale, y = -p.y() * scale;
-            points.push_back({x * c - y * s, 5 + x * s + y * c});
+    const auto expectPlaced = [&](const Instance& instance, double along, double lean, double angle, Point2 at) {
+        const double c = std::cos(angle), s = std::sin(angle);
+        std::vector<std::vector<Point2>> expected;
+        for (const QPolygonF& outline : line.toSubpathPolygons()) {
+            std::vector<Point2>& points = expected.emplace_back();
+            for (const QPointF& p : outline) {
+                const double y = -p.y() * scale, x = p.x() * along + y * lean;
+                points.push_back({at.x + x * c - y * s, at.y + x * s + y * c});
+            }
+            // A fill does not repeat its first point.
+            if (points.size() > 2
+                && std::hypot(points.back().x - points.front().x, points.back().y - points.front().y) < kTol)
+                points.pop_back();
         }
-        // A closed polyline does not repeat its first point.
-        if (points.size() > 2 && std::hypot(points.back().x - points.front().x, points.back().y - points.front().y) < kTol)
-            points.pop_back();
-    }
-    std::vector<std::vector<Point2>> placed;
-    scene.visitPolylines(scene.instances()[0], [&](int, bool closed, std::span<const Point2> points) {
-        EXPECT_TRUE(closed);
-        placed.emplace_back(points.begin(), points.end());
-    });
-    ASSERT_EQ(placed.size(), expected.size());
-    for (std::size_t o = 0; o < placed.size(); ++o) {
-        ASSERT_EQ(placed[o].size(), expected[o].size()) << "outline " << o;
-        for (std::size_t p = 0; p < placed[o].size(); ++p) {
-            EXPECT_NEAR(placed[o][p].x, expected[o][p].x, kTol);
-            EXPECT_NEAR(placed[o][p].y, expected[o][p].y, kTol);
+        std::vector<std::vector<Point2>> placed;
+        scene.visitPolygons(instance, [&](const DrawColor& color, std::span<const Point2> points) {
+            EXPECT_EQ(color, scene.pens()[std::size_t(instance.pen)].color);
+            placed.emplace_back(points.begin(), points.end());
+        });
+        ASSERT_EQ(placed.size(), expected.size());
+        for (std::size_t o = 0; o < placed.size(); ++o) {
+            ASSERT_EQ(placed[o].size(), expected[o].size()) << "outline " << o;
+            for (std::size_t p = 0; p < placed[o].size(); ++p) {
+                EXPECT_NEAR(placed[o][p].x, expected[o][p].x, kTol);
+                EXPECT_NEAR(placed[o][p].y, expected[o][p].y, kTol);
+            }
+        }
+    };
+    EXPECT_EQ(scene.pens()[std::size_t(scene.instances()[0].pen)].color, DrawColor::fixed(0xFF0000));
+    expectPlaced(scene.instances()[0], scale, 0, std::numbers::pi / 6, {0, 5});
+    expectPlaced(scene.instances()[300], scale, std::tan(20 * std::numbers::pi / 180), 0, {0, -10});
+    expectPlaced(scene.instances()[301], 30 / metrics.horizontalAdvance(QStringLiteral("Tag 7")), 0, 0, {0, -20});
+}
+
+TEST(RecordRender, PicturesFillLettersAndLeaveTheirHolesOpen)
+{
+    ensureFonts();
+    // An I and an O, capitals 100 high, side by side.
+    ViewDrawing d;
+    addRecord(d.db, "TEXT", groups({{10, "0"}, {20, "0"}, {40, "100"}, {1, "I"}}));
+    addRecord(d.db, "TEXT", groups({{10, "100"}, {20, "0"}, {40, "100"}, {1, "O"}}));
+    const Scene scene = renderDrawing(d.db);
+    ASSERT_EQ(scene.instances().size(), 2u);
+    const PictureOptions options{400, Background::White};
+    const QImage image = paintScene(scene, options);
+    const PictureFrame frame(scene.bounds(), options.size);
+    const auto pixelAtMiddle = [&](const Instance& instance) {
+        const kaldo::Box& b = instance.box;
+        return image.pixel(int(frame.x((b.minX + b.maxX) / 2)), int(frame.y((b.minY + b.maxY) / 2)));
+    };
+    // The middle of the I is its stem, inked; the middle of the O its hole.
+    EXPECT_EQ(pixelAtMiddle(scene.instances()[0]), qRgb(0, 0, 0));
+    EXPECT_EQ(pixelAtMiddle(scene.instances()[1]), qRgb(255, 255, 255));
+    // The SVG fills the letters: one path of the text's colour.
+    const std::string svg = svgDocument(scene, options);
+    EXPECT_NE(svg.find("<path fill-rule=\"nonzero\" stroke=\"none\" fill=\"#000000\""), std::string::npos);
+}
+
+TEST(RecordRender, AttributesDimensionsAndPolyfaceMeshes)
+{
+    ensureFonts();
+    ViewDrawing d;
+    // TAG: a line from the origin to (1, 0) and the definition of the
+    // attribute NAME at (2, 0), which shows in no reference.
+    const KxDbObjectId tag = addBlockOfLine(d.db, L"TAG", {0, 0, 0}, {1, 0, 0});
+    addRecord(d.db, "ATTDEF", groups({{10, "2"}, {20, "0"}, {40, "1"}, {1, "?"}, {3, "Name?"}, {2, "NAME"}}), tag);
+    addRecord(d.db, "INSERT", groups({{66, "1"}, {2, "TAG"}, {10, "10"}, {20, "0"}}));
+    // Its attribute, and one hidden (flag 1), follow the reference.
+    addRecord(d.db, "ATTRIB", groups({{10, "12"}, {20, "0"}, {40, "1"}, {1, "A1"}, {2, "NAME"}}));
+    addRecord(d.db, "ATTRIB", groups({{10, "12"}, {20, "-5"}, {40, "1"}, {1, "B2"}, {2, "HIDDEN"}, {70, "1"}}));
+    addRecord(d.db, "SEQEND", {});
+    // A definition in the drawing's own space shows its tag, its top
+    // (74 = 3) on its point.
+    addRecord(d.db, "ATTDEF", groups({{10, "0"}, {20, "20"}, {11, "0"}, {21, "20"}, {40, "1"}, {1, "?"}, {3, "Top?"},
+                                      {2, "TOP"}, {74, "3"}}));
+    // A dimension's block moved up by 3 by its insertion point.
+    addBlockOfLine(d.db, L"*D0", {30, 0, 0}, {35, 0, 0});
+    addRecord(d.db, "DIMENSION", groups({{2, "*D0"}, {10, "30"}, {20, "0"}, {12, "0"}, {22, "3"}}));
+    // A polyface mesh of one triangle whose edge from its third corner is
+    // invisible.
+    addRecord(d.db, "POLYLINE", groups({{66, "1"}, {70, "64"}, {71, "3"}, {72, "1"}}));
+    for (const auto& [x, y] : {std::pair{"40", "0"}, std::pair{"44", "0"}, std::pair{"44", "4"}})
+        addRecord(d.db, "VERTEX", groups({{10, x}, {20, y}, {70, "192"}}));
+    addRecord(d.db, "VERTEX", groups({{10, "0"}, {20, "0"}, {70, "128"}, {71, "1"}, {72, "2"}, {73, "-3"}}));
+    addRecord(d.db, "SEQEND", {});
+    RenderNotes notes;
+    const Scene drawn = renderDrawing(d.db, &notes);
+    EXPECT_TRUE(notes.undrawnKinds.empty());
+
+    // The reference of TAG spans its line only; the attribute A1 and the
+    // tag TOP are the texts.
+    std::vector<kaldo::Box> texts;
+    for (const Instance& instance : drawn.instances()) {
+        if (drawn.shapes()[instance.shape].text) {
+            texts.push_back(instance.box);
+        } else if (instance.box.minX < 20) {
+            EXPECT_NEAR(instance.box.maxX, 11, kTol);
         }
     }
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_NEAR(texts[0].minX, 12, 0.3);
+    EXPECT_NEAR(texts[0].minY, 0, 0.1);
+    EXPECT_NEAR(texts[1].maxY, 20, 0.1);
+    EXPECT_NEAR(texts[1].minX, 0, 0.3);
+
+    const Scene scene = placedScene(drawn);
+    std::vector<std::pair<Point2, Point2>> lines;
+    for (const Polyline& polyline : scene.polylines())
+        lines.push_back({scene.points()[polyline.first], scene.points()[polyline.first + polyline.count - 1]});
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_NEAR(lines[1].first.x, 30, kTol);
+    EXPECT_NEAR(lines[1].first.y, 3, kTol);
+    EXPECT_NEAR(lines[1].second.x, 35, kTol);
+    EXPECT_NEAR(lines[2].second.x, 44, kTol);
+    EXPECT_NEAR(lines[3].first.x, 44, kTol);
+    EXPECT_NEAR(lines[3].second.y, 4, kTol);
+}
+
+TEST(RecordRender, TextsAreSetInTheFontOfTheirStyle)
+{
+    ensureFonts();
+    // The same word in the styles SERIF (a serif font file), MONO (a
+    // monospaced one) and Standard (a shape font: Qt's sans-serif).
+    ViewDrawing d;
+    for (const char* style : {"Serif", "MONO", "Standard"})
+        addRecord(d.db, "TEXT", groups({{10, "0"}, {20, "0"}, {40, "10"}, {7, style}, {1, "Milling"}}));
+    const TextStyleFonts fonts = {{"SERIF", "times.ttf"}, {"MONO", "cour.ttf"}, {"STANDARD", "romans.shx"}};
+    const Scene scene = renderDrawing(d.db, nullptr, PointBudget::kPicture, fonts);
+    ASSERT_EQ(scene.instances().size(), 3u);
+    // Each font's letters are parts of their own, and each sets the word
+    // to its own width: the monospaced one gives its narrow letters room.
+    const auto width = [&](std::size_t i) { return scene.instances()[i].box.maxX - scene.instances()[i].box.minX; };
+    EXPECT_EQ(scene.parts().size(), 3 * 5u);
+    EXPECT_GT(width(1), width(2) * 1.1);
+    EXPECT_GT(std::abs(width(0) - width(2)), 0.1);
+    EXPECT_EQ(fontForFile("LiberationSerif-Regular.ttf").family(), QStringLiteral("Liberation Serif"));
+    EXPECT_EQ(fontForFile("times.ttf").styleHint(), QFont::Serif);
+    EXPECT_EQ(fontForFile("txt.shx").family(), QStringLiteral("DejaVu Sans"));
 }
