@@ -1,6 +1,6 @@
 // The first picture of a large mixed drawing (lines, arcs, circles,
 // lightweight polylines of 20 vertices, texts and references to a small
-// block in equal shares, written by make_mixed_drawing.py): opening it
+// block in turn, written by bench/drawings/generate_drawing): opening it
 // alone, turning it into a scene, the PNG and the SVG export of the whole
 // drawing, and the window's first picture (the scene, its index and a
 // coarse 1600 x 1000 picture of the whole drawing). Each reports the
@@ -39,8 +39,8 @@ struct MixedDrawing {
         } else {
             const char* count = std::getenv("KALDO_BENCH_MIXED_ENTITIES");
             path = dir.filePath("mixed.dxf").toStdString();
-            QProcess::execute("/usr/bin/python3", {KALDO_SOURCE_DIR "/bench/make_mixed_drawing.py",
-                                                   count ? count : "100000", QString::fromStdString(path.string())});
+            QProcess::execute(KALDO_GENERATE_DRAWING,
+                              {"mixed", count ? count : "100000", QString::fromStdString(path.string())});
         }
         megabytes = double(std::filesystem::file_size(path)) / 1e6;
         drawing = kaldo::dxf::readDxfFile(path);

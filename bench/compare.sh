@@ -1,15 +1,26 @@
 #!/usr/bin/env bash
-# Prints, from one run, the table of kaldo's speed figures: a multiline of N
-# points drawn by a script, the rubber-band step, a closed cross pass, DXF
-# open and save beside ezdxf, peak memory, SVG export, and the first
-# picture of a mixed drawing (open only, PNG, SVG, the window's). Whole runs of the
-# host are timed here (median of three); the rest comes from the benchmarks.
+# Prints, from one run, two tables of kaldo's speed figures.
+# The first: a multiline of N points drawn by a script, the rubber-band step,
+# a closed cross pass, DXF open and save beside ezdxf, peak memory, SVG
+# export, and the first picture of a mixed drawing (open only, PNG, SVG, the
+# window's). Whole runs of the host are timed here (median of three); the
+# rest comes from the benchmarks.
+# The second: opening the drawings users open, mixed entities and
+# multilines whose vertices all differ (bench/drawings/generate_drawing),
+# kaldo beside a dxflib reader, ezdxf (on the smaller drawings: it needs
+# minutes and gigabytes for the large ones) and cat as the floor. Whole
+# processes: median time of the runs, their largest peak memory.
+# "compare.sh files" prints the second table only.
 #   KALDO_STAGE              the staged build (default build/default/stage)
 #   KALDO_BENCH_MULTILINES   multilines in the DXF drawing (default 100000)
 #   KALDO_EZDXF_MULTILINES   multilines in the drawing ezdxf reads (default 5000)
-#   KALDO_BENCH_MIXED_ENTITIES  entities of the mixed drawing (lines, arcs,
-#                            circles, polylines, texts, block references;
-#                            default 100000)
+#   KALDO_BENCH_MIXED_ENTITIES  entities of the mixed drawing of the first
+#                            table (lines, arcs, circles, polylines, texts,
+#                            block references; default 100000)
+#   KALDO_BENCH_MIXED        entity counts of the large mixed drawings
+#                            (default "1000000 4000000"; empty for none)
+#   KALDO_EZDXF_MIXED        entities of the mixed drawing ezdxf reads (default 50000)
+#   KALDO_BENCH_RUNS         runs of each whole process in the second table (default 3)
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -17,6 +28,9 @@ stage=${KALDO_STAGE:-$root/build/default/stage}
 kaldo=$stage/bin/kaldo
 multilines=${KALDO_BENCH_MULTILINES:-100000}
 ezdxfMultilines=${KALDO_EZDXF_MULTILINES:-5000}
+mixedCounts=${KALDO_BENCH_MIXED-1000000 4000000}
+ezdxfMixed=${KALDO_EZDXF_MIXED:-50000}
+runs=${KALDO_BENCH_RUNS:-3}
 mixedEntities=${KALDO_BENCH_MIXED_ENTITIES:-100000}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -58,6 +72,76 @@ mlineScript() {
 }
 
 : >"$work/empty.scr"
+
+# Runs a command KALDO_BENCH_RUNS times under /usr/bin/time; prints its
+# median wall seconds and its largest peak resident memory in MB.
+timed() {
+    : >"$work/times"
+    for ((run = 0; run < runs; ++run)); do
+        /usr/bin/time -f "%e %M" -o "$work/time" "$@" </dev/null >/dev/null 2>&1
+        cat "$work/time" >>"$work/times"
+    done
+    sort -n "$work/times" | awk '{ t[NR] = $1; if ($2 > peak) peak = $2 }
+        END { printf "%.2f %.0f\n", t[int((NR + 1) / 2)], peak / 1024 }'
+}
+
+megabytesOf() { echo "$(stat -c %s "$1") / 1000000" | bc -l | xargs printf '%.1f'; }
+# "S s (R MB/s), P MB (F× the file)" for S seconds and P MB of peak memory
+# on a file of M MB.
+figure() {
+    printf '%s s (%.0f MB/s), %s MB (%.2f× the file)' "$1" "$(echo "$3 / ($1 + 0.005)" | bc -l)" "$2" \
+        "$(echo "$2 / $3" | bc -l)"
+}
+
+# ezdxf reading and writing a drawing of MB megabytes: read time and rate,
+# read and write time, peak memory.
+ezdxfFigure() {
+    /usr/bin/python3 "$root/bench/ezdxf_io.py" "$1" "$work/ezdxf-saved.dxf" >"$work/ezdxf.json"
+    rm -f "$work/ezdxf-saved.dxf"
+    /usr/bin/python3 - "$work/ezdxf.json" "$2" <<'EOF'
+import json, sys
+r = json.load(open(sys.argv[1])); mb = float(sys.argv[2])
+print(f"read {r['read_seconds']:.2f} s ({mb / r['read_seconds']:.1f} MB/s), "
+      f"read + write {r['read_seconds'] + r['write_seconds']:.2f} s, "
+      f"{r['peak_mb']:.0f} MB ({r['peak_mb'] / mb:.1f}× the file)")
+EOF
+}
+
+# One row per drawing of KIND with COUNT entities: kaldo opening it and
+# opening and saving it, dxflib reading it, cat reading it; with EZDXF above
+# 0, a second row for a drawing of that many, which ezdxf reads as well.
+fileRow() {
+    local kind=$1 count=$2 ezdxfCount=$3 file=$work/$1.dxf s p
+    "$stage/bin/generate_drawing" "$kind" "$count" "$file"
+    local mb open save dxflib="not built (libdxflib-dev missing)" ezdxf="–" floor
+    mb=$(megabytesOf "$file")
+    read -r s p < <(timed cat "$file"); floor="$s s"
+    read -r s p < <(timed "$kaldo" --script "$work/empty.scr" "$file"); open=$(figure "$s" "$p" "$mb")
+    read -r s p < <(timed "$kaldo" --script "$work/empty.scr" "$file" --save "$work/saved.dxf")
+    save=$(figure "$s" "$p" "$mb")
+    rm -f "$work/saved.dxf"
+    if [ -x "$stage/bin/dxflib_read" ]; then
+        read -r s p < <(timed "$stage/bin/dxflib_read" "$file"); dxflib=$(figure "$s" "$p" "$mb")
+    fi
+    [ "$ezdxfCount" = "$count" ] && ezdxf=$(ezdxfFigure "$file" "$mb")
+    rm -f "$file"
+    echo "| $kind, $count, $mb MB | $open | $save | $dxflib | $ezdxf | $floor |"
+}
+
+fileTable() {
+    echo "| Drawing | kaldo open | kaldo open + save | dxflib (callbacks only) | ezdxf | cat |"
+    echo "|---|---|---|---|---|---|"
+    fileRow mixed "$ezdxfMixed" "$ezdxfMixed"
+    for count in $mixedCounts; do fileRow mixed "$count" 0; done
+    fileRow multilines "$ezdxfMultilines" "$ezdxfMultilines"
+    fileRow multilines "$multilines" 0
+}
+
+if [ "${1:-}" = files ]; then
+    fileTable
+    exit 0
+fi
+
 read -r startSeconds _ < <(measure "$kaldo" --script "$work/empty.scr")
 echo "| Work | Figure |"
 echo "|---|---|"
@@ -124,7 +208,7 @@ echo "| SVG export of that drawing | whole run ${svgSeconds} s, ${svgMemory} MB"
     "+$((svgMemory - openMemory)) MB over opening alone) |"
 
 mixed=$work/mixed.dxf
-/usr/bin/python3 "$root/bench/make_mixed_drawing.py" "$mixedEntities" "$mixed"
+"$stage/bin/generate_drawing" mixed "$mixedEntities" "$mixed"
 mixedMegabytes=$(du -m "$mixed" | cut -f1)
 read -r mixedOpenSeconds mixedOpenMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed")
 read -r mixedPngSeconds mixedPngMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.png")
@@ -139,3 +223,6 @@ echo "| Same drawing, \`--export\` PNG | whole run ${mixedPngSeconds} s, ${mixed
 echo "| Same drawing, \`--export\` SVG | whole run ${mixedSvgSeconds} s, ${mixedSvgMemory} MB |"
 echo "| Same drawing, the window's first picture (scene, index, coarse 1600 × 1000 picture; bench_picture) |" \
     "$(printf '%.0f' "$windowMs") ms, peak $(printf '%.0f' "$windowPeak") MB with the drawing open |"
+
+echo
+fileTable

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build and the tests need, only those that
-# are missing, so that a second run costs nothing.
+# are missing, so that a second run costs nothing. libdxflib-dev serves the
+# benchmarks only (a second reader timed beside kaldo in bench/compare.sh).
 set -euo pipefail
-packages=(cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libbenchmark-dev
+packages=(cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libbenchmark-dev libdxflib-dev
           qt6-base-dev libqt6opengl6-dev qt6-tools-dev qt6-svg-dev python3-ezdxf xvfb xauth
           dpkg-dev lintian man-db librecad poppler-utils)
 missing=()

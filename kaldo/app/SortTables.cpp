@@ -153,8 +153,9 @@ void SortTables::writeTable(KxDbBlockTableRecord& block)
     const std::string blockHandle = handleText(block.handle());
     if (const auto table = m_tables.find(block.handle()); table != m_tables.end()) {
         const auto* record = KxDbUnmodelledObject::cast(m_db.peekObject(table->second));
-        std::vector<KxDbFileGroup> groups(record->groups().begin(),
-                                          record->groups().begin() + std::ptrdiff_t(entriesStart(record->groups())));
+        // groups() unpacks a copy each time: one copy, cut after its header.
+        std::vector<KxDbFileGroup> groups = record->groups();
+        groups.resize(entriesStart(groups));
         groups.insert(groups.end(), entries.begin(), entries.end());
         setGroups(table->second, std::move(groups));
         return;

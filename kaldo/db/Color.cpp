@@ -153,9 +153,14 @@ std::uint8_t KxCmColor::blue() const
 
 Kald::ErrorStatus KxCmColor::setNames(const wchar_t* colorName, const wchar_t* bookName)
 {
-    m_colorName = colorName ? colorName : L"";
-    m_bookName = bookName ? bookName : L"";
-    updateKey();
+    std::wstring color = colorName ? colorName : L"";
+    std::wstring book = bookName ? bookName : L"";
+    if (color.empty() && book.empty()) {
+        m_names.reset();
+        return Kald::eOk;
+    }
+    std::wstring key = color.empty() || book.empty() ? std::wstring() : book + L"$" + color;
+    m_names = std::make_unique<Names>(Names{std::move(color), std::move(book), std::move(key)});
     return Kald::eOk;
 }
 
@@ -173,15 +178,10 @@ bool KxCmColor::setNamesFromDictionaryKey(const wchar_t* key)
     return true;
 }
 
-void KxCmColor::updateKey()
-{
-    m_key = m_bookName.empty() || m_colorName.empty() ? std::wstring() : m_bookName + L"$" + m_colorName;
-}
-
 std::wstring KxCmColor::colorNameForDisplay() const
 {
-    if (!m_colorName.empty())
-        return m_colorName;
+    if (m_names && !m_names->colorName.empty())
+        return m_names->colorName;
     switch (colorMethod()) {
     case kByLayer:
         return L"ByLayer";

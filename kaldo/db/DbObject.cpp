@@ -74,8 +74,19 @@ Kald::ErrorStatus KxDbObject::copyFrom(const KxDbObject* other)
 {
     if (!other || !other->isKindOf(isA()) || !isKindOf(other->isA()))
         return Kald::eWrongObjectType;
-    m_keptGroups = other->m_keptGroups;
+    m_keptGroups = other->m_keptGroups ? std::make_unique<std::vector<KxDbFileGroup>>(*other->m_keptGroups) : nullptr;
     return Kald::eOk;
+}
+
+const std::vector<KxDbFileGroup>& KxDbObject::keptGroups() const
+{
+    static const std::vector<KxDbFileGroup> none;
+    return m_keptGroups ? *m_keptGroups : none;
+}
+
+void KxDbObject::setKeptGroups(std::vector<KxDbFileGroup> groups)
+{
+    m_keptGroups = groups.empty() ? nullptr : std::make_unique<std::vector<KxDbFileGroup>>(std::move(groups));
 }
 
 Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int mode, bool openErased,

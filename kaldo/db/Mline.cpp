@@ -414,6 +414,10 @@ void KxDbMline::rebuild(std::span<const std::size_t> vertices, std::span<const s
     const double startAngle = style ? style->startAngle() : std::numbers::pi / 2;
     const double endAngle = style ? style->endAngle() : std::numbers::pi / 2;
 
+    // The record made for the vertex before, which an equal one shares:
+    // straight runs keep one record, as they do when read from a file.
+    KxDbMlineVertexParams* madeBefore = nullptr;
+    std::size_t madeAt = n;
     for (const std::size_t v : vertices) {
         if (v >= n)
             continue;
@@ -441,6 +445,12 @@ void KxDbMline::rebuild(std::span<const std::size_t> vertices, std::span<const s
                     list->front() = entry0;
             }
         }
-        vertex.params = std::move(record);
+        if (madeBefore && madeAt + 1 == v && sameLists(madeBefore->elements, record->elements)) {
+            vertex.params = KxDbMlineParamsPtr::share(madeBefore);
+        } else {
+            vertex.params = std::move(record);
+            madeBefore = vertex.params.get();
+        }
+        madeAt = v;
     }
 }

@@ -62,9 +62,9 @@ std::size_t contentBytes(const KxDbObject& obj)
     if (const auto* record = KxDbSymbolTableRecord::cast(&obj))
         return record->name().size() * sizeof(wchar_t);
     if (const auto* record = KxDbUnmodelledObject::cast(&obj))
-        return groupBytes(record->groups());
+        return record->packedGroups().byteSize();
     if (const auto* record = KxDbUnmodelledEntity::cast(&obj))
-        return groupBytes(record->groups());
+        return record->packedGroups().byteSize();
     return 0;
 }
 

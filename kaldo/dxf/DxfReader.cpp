@@ -105,13 +105,13 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
                 throw DxfError(g.line, "a block begins inside another one.");
             const RecordBasics basics = rawRecordBasics(record);
             block = blockRecordFor(record, basics, context);
-            context.kept.blockEnds[block].begin = context.add(new KxDbUnmodelledObject("BLOCK", record.allGroups()),
+            context.kept.blockEnds[block].begin = context.add(new KxDbUnmodelledObject("BLOCK", record.packedGroups()),
                                                               RecordBasics{basics.handle, 0, {}});
         } else if (kind == "ENDBLK") {
             if (block.isNull())
                 throw DxfError(g.line, "ENDBLK without its BLOCK.");
             const RecordBasics basics = rawRecordBasics(record);
-            context.kept.blockEnds[block].end = context.add(new KxDbUnmodelledObject("ENDBLK", record.allGroups()),
+            context.kept.blockEnds[block].end = context.add(new KxDbUnmodelledObject("ENDBLK", record.packedGroups()),
                                                             RecordBasics{basics.handle, 0, {}});
             block = KxDbObjectId();
         } else {
@@ -334,6 +334,8 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
         throw DxfError(g.line, "the file ends without EOF: it is cut short.");
     if (!sawEntities)
         throw DxfError(0, "the file has no ENTITIES section: it is no drawing.");
+    // The reading room goes before multilines may be laid out anew.
+    context.mlineVertices = {};
     resolveReferences(context);
     addMissingRecords(context);
     resolveMlineStyles(context);

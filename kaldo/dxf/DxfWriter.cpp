@@ -69,7 +69,7 @@ void addMissingBlockEnds(KxDbDatabase& db, KeptSections& kept)
 void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
 {
     const auto* record = KxDbUnmodelledObject::cast(db.peekObject(id));
-    writeUnmodelledRecord(w, record->dxfName(), record->groups(), record->handle());
+    writeUnmodelledRecord(w, record->dxfName(), record->packedGroups(), record->handle());
 }
 
 // A record that cannot be written: the message names it, so that the user

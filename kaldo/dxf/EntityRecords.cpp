@@ -14,6 +14,7 @@
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
 
+#include <algorithm>
 #include <memory>
 #include <numbers>
 
@@ -141,6 +142,10 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
         switch (g.code) {
         case 90:
             count = long(toInteger(g));
+            // Room for the vertices at once, never more than the record's
+            // groups can hold, so that a polyline keeps no spare room.
+            if (count > 0)
+                vertices.reserve(std::min(std::size_t(count), record.size() / 2));
             return true;
         case 70: {
             const auto flags = toInteger(g);
@@ -184,6 +189,7 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
                                           + std::to_string(vertices.size()) + ".");
     if (pline->setNormal(asVector(normal)) != Kald::eOk)
         throw DxfError(record.line(), "the polyline has a null normal.");
+    vertices.shrink_to_fit();
     pline->setVertices(std::move(vertices));
     return pline.release();
 }
@@ -239,7 +245,7 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
                                context.mlineVertices));
     if (!entity) {
         basics = rawRecordBasics(record);
-        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.allGroups());
+        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
         // Its layer, linetype and colour, so that it is drawn in them; the
         // groups are written back as read.
         for (std::size_t i = 0; i < record.size(); ++i) {
@@ -309,7 +315,7 @@ void writeNormal(GroupWriter& w, const KxGeVector3d& n)
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
     if (const auto* unmodelled = KxDbUnmodelledEntity::cast(&entity)) {
-        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->groups(), unmodelled->handle(),
+        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->packedGroups(), unmodelled->handle(),
                               handleOf(db, entity.ownerId()));
         return;
     }

@@ -261,7 +261,7 @@ void readObject(const Record& record, ReadContext& context)
         return;
     }
     const RecordBasics basics = rawRecordBasics(record);
-    context.add(new KxDbUnmodelledObject(kind, record.allGroups()), basics);
+    context.add(new KxDbUnmodelledObject(kind, record.packedGroups()), basics);
 }
 
 bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj)
@@ -273,7 +273,7 @@ bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj)
     } else if (const auto* unmodelled = KxDbUnmodelledObject::cast(&obj)) {
         if (unmodelled->dxfName() == "BLOCK" || unmodelled->dxfName() == "ENDBLK")
             return false;
-        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->groups(), unmodelled->handle());
+        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->packedGroups(), unmodelled->handle());
     } else {
         return false;
     }

@@ -10,7 +10,7 @@ void Record::read(GroupReader& reader, const Group& head)
     kind_.assign(trimmed(head.value));
     line_ = head.line;
     size_ = 0;
-    std::size_t used = 0;
+    used_ = 0;
     Group g;
     while (reader.next(g)) {
         if (g.code == 0) {
@@ -21,22 +21,22 @@ void Record::read(GroupReader& reader, const Group& head)
         // size needs no allocation and no checks beyond these two.
         if (size_ == fields_.size())
             fields_.resize(std::max<std::size_t>(kFirstFields, 2 * size_));
-        if (used + g.value.size() > text_.size())
-            text_.resize(std::max(2 * text_.size(), used + g.value.size()));
-        std::memcpy(text_.data() + used, g.value.data(), g.value.size());
-        fields_[size_++] = Field{g.code, std::uint32_t(used), std::uint32_t(g.value.size()), g.line};
-        used += g.value.size();
+        if (used_ + g.value.size() > text_.size())
+            text_.resize(std::max(2 * text_.size(), used_ + g.value.size()));
+        std::memcpy(text_.data() + used_, g.value.data(), g.value.size());
+        fields_[size_++] = Field{g.code, std::uint32_t(used_), std::uint32_t(g.line - line_)};
+        used_ += g.value.size();
     }
 }
 
-std::vector<KxDbFileGroup> Record::allGroups() const
+KxDbPackedGroups Record::packedGroups() const
 {
-    std::vector<KxDbFileGroup> groups;
-    groups.reserve(size_);
+    KxDbPackedGroups groups;
     for (std::size_t i = 0; i < size_; ++i) {
         const Group g = at(i);
-        groups.push_back(KxDbFileGroup{std::int16_t(g.code), 0, std::string(g.value)});
+        groups.append(g.code, 0, g.value);
     }
+    groups.shrink();
     return groups;
 }
 

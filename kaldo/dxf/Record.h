@@ -9,6 +9,7 @@
 
 #include "kaldo/dxf/GroupReader.h"
 #include "kxdbobject.h"
+#include "kxdbunmodelled.h"
 
 namespace kaldo::dxf {
 
@@ -24,26 +25,30 @@ public:
     Group at(std::size_t index) const
     {
         const Field& f = fields_[index];
-        return Group{f.code, std::string_view(text_).substr(f.offset, f.length), f.line};
+        const std::size_t end = index + 1 < size_ ? fields_[index + 1].offset : used_;
+        return Group{f.code, std::string_view(text_).substr(f.offset, end - f.offset), line_ + long(f.lineAfterHead)};
     }
-    // Every group as read, for a record that is kept whole.
-    std::vector<KxDbFileGroup> allGroups() const;
+    // Every group as read, packed, for a record that is kept whole.
+    KxDbPackedGroups packedGroups() const;
 
 private:
     // Values live one after the other in text_, reused from record to
-    // record; fields_ and text_ are longer than the record they hold.
+    // record; fields_ and text_ are longer than the record they hold. A
+    // value ends where the next begins, and a group's line counts from the
+    // record's first: twelve bytes a group, so that a record of many short
+    // groups takes about what the file spends on them.
     static constexpr std::size_t kFirstFields = 64;
     struct Field {
-        int code = 0;
+        std::int32_t code = 0;
         std::uint32_t offset = 0;
-        std::uint32_t length = 0;
-        long line = 0;
+        std::uint32_t lineAfterHead = 0;
     };
     std::string kind_;
     long line_ = 0;
     std::vector<Field> fields_;
     std::size_t size_ = 0;
     std::string text_;
+    std::size_t used_ = 0;
 };
 
 // The handle, owner and unmodelled groups of a record being taken apart.

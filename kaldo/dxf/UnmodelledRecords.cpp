@@ -24,27 +24,33 @@ RecordBasics rawRecordBasics(const Record& record)
     return basics;
 }
 
-void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const std::vector<KxDbFileGroup>& groups,
+void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const KxDbPackedGroups& groups,
                            std::uint64_t handle, std::uint64_t owner)
 {
-    const auto handleGroup = std::find_if(groups.begin(), groups.end(),
-                                          [](const KxDbFileGroup& g) { return g.code == 5 || g.code == 105; });
-    const bool addOwner =
-        owner != 0 && std::none_of(groups.begin(), groups.end(), [](const KxDbFileGroup& g) { return g.code == 330; });
+    bool hasHandle = false;
+    bool hasOwner = false;
+    groups.forEach([&](int code, std::uint8_t, std::string_view) {
+        hasHandle = hasHandle || code == 5 || code == 105;
+        hasOwner = hasOwner || code == 330;
+    });
+    const bool addOwner = owner != 0 && !hasOwner;
     w.text(0, kind);
-    if (handleGroup == groups.end())
+    if (!hasHandle) {
         w.handle(5, handle);
-    if (addOwner && handleGroup == groups.end())
-        w.handle(330, owner);
-    for (auto it = groups.begin(); it != groups.end(); ++it) {
-        if (it == handleGroup) {
-            w.handle(it->code, handle);
+        if (addOwner)
+            w.handle(330, owner);
+    }
+    bool handleWritten = false;
+    groups.forEach([&](int code, std::uint8_t, std::string_view value) {
+        if ((code == 5 || code == 105) && !handleWritten) {
+            w.handle(code, handle);
             if (addOwner)
                 w.handle(330, owner);
+            handleWritten = true;
         } else {
-            w.text(it->code, it->value);
+            w.text(code, value);
         }
-    }
+    });
 }
 
 }  // namespace kaldo::dxf

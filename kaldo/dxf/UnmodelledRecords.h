@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kaldo/dxf/Record.h"
+#include "kxdbunmodelled.h"
 
 namespace kaldo::dxf {
 
@@ -18,7 +19,7 @@ RecordBasics rawRecordBasics(const Record& record);
 
 // owner, when not 0, is written after the handle if the record names no
 // owner (an entity of an R12 file has none; the 2000 form needs it).
-void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const std::vector<KxDbFileGroup>& groups,
+void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const KxDbPackedGroups& groups,
                            std::uint64_t handle, std::uint64_t owner = 0);
 
 }  // namespace kaldo::dxf

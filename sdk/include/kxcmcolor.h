@@ -2,10 +2,12 @@
 // the colour method in the top byte and, below it, either a colour index
 // (methods by layer, by block, by index) or red * 65536 + green * 256 + blue
 // (true colour, method 0xC2). A colour may also carry colour-book names,
-// written as a dictionary key "book$colour".
+// written as a dictionary key "book$colour"; those are rare and held
+// apart, so that a colour without them costs its value and a null pointer.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "kxtypes.h"
@@ -23,6 +25,17 @@ public:
     static constexpr int kIndexByLayer = 256;
 
     KxCmColor() = default;  // by layer
+    KxCmColor(const KxCmColor& other) : m_value(other.m_value), m_names(other.copyOfNames()) {}
+    KxCmColor& operator=(const KxCmColor& other)
+    {
+        if (this != &other) {
+            m_value = other.m_value;
+            m_names = other.copyOfNames();
+        }
+        return *this;
+    }
+    KxCmColor(KxCmColor&&) noexcept = default;
+    KxCmColor& operator=(KxCmColor&&) noexcept = default;
 
     ColorMethod colorMethod() const { return static_cast<ColorMethod>(m_value >> 24); }
     // Switches the method; the index or rgb part is kept when it fits the
@@ -55,12 +68,12 @@ public:
 
     // Colour-book names; both empty when the colour has none.
     Kald::ErrorStatus setNames(const wchar_t* colorName, const wchar_t* bookName = nullptr);
-    const wchar_t* colorName() const { return m_colorName.c_str(); }
-    const wchar_t* bookName() const { return m_bookName.c_str(); }
-    bool hasColorBookNames() const { return !m_colorName.empty() && !m_bookName.empty(); }
+    const wchar_t* colorName() const { return m_names ? m_names->colorName.c_str() : L""; }
+    const wchar_t* bookName() const { return m_names ? m_names->bookName.c_str() : L""; }
+    bool hasColorBookNames() const { return m_names && !m_names->key.empty(); }
     // "book$colour", or an empty text when the colour has no book names.
-    const wchar_t* getDictionaryKey() const { return m_key.c_str(); }
-    int dictionaryKeyLength() const { return static_cast<int>(m_key.size()); }
+    const wchar_t* getDictionaryKey() const { return m_names ? m_names->key.c_str() : L""; }
+    int dictionaryKeyLength() const { return m_names ? static_cast<int>(m_names->key.size()) : 0; }
     // Splits "book$colour" into the two names; an empty or null text clears
     // them; a text without "$" is a colour name without a book. Returns false
     // when the text has more than one "$".
@@ -71,13 +84,21 @@ public:
     // shows its colour name.
     std::wstring colorNameForDisplay() const;
 
-    friend bool operator==(const KxCmColor&, const KxCmColor&) = default;
+    friend bool operator==(const KxCmColor& a, const KxCmColor& b)
+    {
+        return a.m_value == b.m_value && (a.m_names && b.m_names ? *a.m_names == *b.m_names : a.m_names == b.m_names);
+    }
 
 private:
-    void updateKey();
+    // Held only while at least one name is set.
+    struct Names {
+        std::wstring colorName;
+        std::wstring bookName;
+        std::wstring key;  // "book$colour" when both are set
+        friend bool operator==(const Names&, const Names&) = default;
+    };
+    std::unique_ptr<Names> copyOfNames() const { return m_names ? std::make_unique<Names>(*m_names) : nullptr; }
 
     std::uint32_t m_value = std::uint32_t(kByLayer) << 24 | kIndexByLayer;
-    std::wstring m_colorName;
-    std::wstring m_bookName;
-    std::wstring m_key;
+    std::unique_ptr<Names> m_names;
 };

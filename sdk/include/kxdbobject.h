@@ -90,8 +90,8 @@ public:
 
     // Groups of the object's file record that the host does not model
     // (reactors, extended data, codes of newer versions), in file order.
-    const std::vector<KxDbFileGroup>& keptGroups() const { return m_keptGroups; }
-    void setKeptGroups(std::vector<KxDbFileGroup> groups) { m_keptGroups = std::move(groups); }
+    const std::vector<KxDbFileGroup>& keptGroups() const;
+    void setKeptGroups(std::vector<KxDbFileGroup> groups);
 
 private:
     friend class KxDbDatabase;
@@ -101,7 +101,8 @@ private:
     KxDbObjectId m_id;
     KxDbObjectId m_owner;
     KxDbDatabase* m_database = nullptr;
-    std::vector<KxDbFileGroup> m_keptGroups;
+    // Held only when there are any: most objects keep none.
+    std::unique_ptr<std::vector<KxDbFileGroup>> m_keptGroups;
     std::uint64_t m_handle = 0;
     bool m_erased = false;
     bool m_openForWrite = false;

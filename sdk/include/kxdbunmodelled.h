@@ -4,32 +4,85 @@
 // and their owner, and are written back unchanged.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "kxdbobject.h"
+
+// The groups of a file record packed one after another in one string: per
+// group its code (two bytes), its part (one byte), the length of its value
+// (one byte below 128, else more) and the value's bytes. A record of many
+// short values costs about what the file spends on it, where a group object
+// per value costs several times as much.
+class KxDbPackedGroups {
+public:
+    KxDbPackedGroups() = default;
+    explicit KxDbPackedGroups(const std::vector<KxDbFileGroup>& groups);
+
+    void append(int code, std::uint8_t part, std::string_view value);
+    bool empty() const { return m_bytes.empty(); }
+    // The bytes held, for the host's accounting of memory.
+    std::size_t byteSize() const { return m_bytes.capacity(); }
+    // Gives back room reserved beyond what the groups need.
+    void shrink() { m_bytes.shrink_to_fit(); }
+
+    // Calls visit(code, part, value) for every group, in order.
+    template <class Visit>
+    void forEach(Visit&& visit) const
+    {
+        const auto* at = reinterpret_cast<const unsigned char*>(m_bytes.data());
+        const auto* end = at + m_bytes.size();
+        while (at < end) {
+            const auto code = std::int16_t(std::uint16_t(at[0] | (at[1] << 8)));
+            const std::uint8_t part = at[2];
+            at += 3;
+            std::size_t length = 0;
+            for (int shift = 0;; shift += 7) {
+                length |= std::size_t(*at & 0x7F) << shift;
+                if (!(*at++ & 0x80))
+                    break;
+            }
+            visit(code, part, std::string_view(reinterpret_cast<const char*>(at), length));
+            at += length;
+        }
+    }
+    std::vector<KxDbFileGroup> unpacked() const;
+
+    friend bool operator==(const KxDbPackedGroups&, const KxDbPackedGroups&) = default;
+
+private:
+    std::string m_bytes;
+};
 
 // The kind and groups of an unmodelled record, shared by objects and
 // entities.
 class KxDbUnmodelledRecord {
 public:
     KxDbUnmodelledRecord() = default;
-    KxDbUnmodelledRecord(std::string dxfName, std::vector<KxDbFileGroup> groups)
+    KxDbUnmodelledRecord(std::string dxfName, const std::vector<KxDbFileGroup>& groups)
+        : m_dxfName(std::move(dxfName)), m_groups(groups)
+    {
+    }
+    KxDbUnmodelledRecord(std::string dxfName, KxDbPackedGroups groups)
         : m_dxfName(std::move(dxfName)), m_groups(std::move(groups))
     {
     }
 
     // The record's kind as the file names it ("LAYOUT", "XRECORD", ...).
     const std::string& dxfName() const { return m_dxfName; }
-    // Every group after the kind, handle and owner included.
-    const std::vector<KxDbFileGroup>& groups() const { return m_groups; }
+    // Every group after the kind, handle and owner included, unpacked.
+    std::vector<KxDbFileGroup> groups() const { return m_groups.unpacked(); }
+    // The same as stored, to walk without unpacking.
+    const KxDbPackedGroups& packedGroups() const { return m_groups; }
 
 protected:
     void copyRecord(const KxDbUnmodelledRecord& other) { *this = other; }
 
 private:
     std::string m_dxfName;
-    std::vector<KxDbFileGroup> m_groups;
+    KxDbPackedGroups m_groups;
 };
 
 class KxDbUnmodelledObject : public KxDbObject, public KxDbUnmodelledRecord {
