@@ -51,21 +51,6 @@ KxDbObjectId addLayer(KxDbDatabase& db, const wchar_t* name, std::vector<KxDbFil
     return id;
 }
 
-KxDbObjectId addRecord(KxDbDatabase& db, const char* kind, std::vector<KxDbFileGroup> groups, KxDbObjectId into = {})
-{
-    auto* record = new KxDbUnmodelledEntity(kind, std::move(groups));
-    record->setDatabaseDefaults(&db);
-    KxDbObjectId id;
-    if (into.isNull()) {
-        db.addToCurrentSpace(record, id);
-    } else {
-        KxDbObjectPtr<KxDbBlockTableRecord> block(into, KxDb::kForWrite);
-        block->appendKxDbEntity(id, record);
-    }
-    record->close();
-    return id;
-}
-
 }  // namespace
 
 TEST(PlotSettings, PapersScalesAndOffsetsAsTyped)

@@ -37,22 +37,6 @@ std::vector<KxDbFileGroup> groups(std::initializer_list<std::pair<std::int16_t, 
     return result;
 }
 
-KxDbObjectId addRecord(KxDbDatabase& db, const char* kind, std::vector<KxDbFileGroup> values,
-                       KxDbObjectId into = {})
-{
-    auto* record = new KxDbUnmodelledEntity(kind, std::move(values));
-    record->setDatabaseDefaults(&db);
-    KxDbObjectId id;
-    if (into.isNull()) {
-        db.addToCurrentSpace(record, id);
-    } else {
-        KxDbObjectPtr<KxDbBlockTableRecord> block(into, KxDb::kForWrite);
-        block->appendKxDbEntity(id, record);
-    }
-    record->close();
-    return id;
-}
-
 // A block of one line.
 KxDbObjectId addBlockOfLine(KxDbDatabase& db, const wchar_t* name, const KxGePoint3d& from, const KxGePoint3d& to)
 {

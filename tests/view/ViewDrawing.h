@@ -12,6 +12,7 @@
 
 #include "kaldo/view/DrawingRenderer.h"
 #include "kxdb.h"
+#include "kxdbunmodelled.h"
 
 // A QGuiApplication for the tests that lay out texts (fonts), made once.
 inline void ensureFonts()
@@ -106,4 +107,22 @@ inline void setRuns(KxDbMline& mline, int vertex, int element, std::vector<doubl
     out.append(copy);
     mline.setParametersAt(vertex, out);
     copy->release();
+}
+
+// Adds a record of a kind the database keeps as read (its groups as in a
+// file) to the current space, or to the block into.
+inline KxDbObjectId addRecord(KxDbDatabase& db, const char* kind, std::vector<KxDbFileGroup> groups,
+                              KxDbObjectId into = {})
+{
+    auto* record = new KxDbUnmodelledEntity(kind, std::move(groups));
+    record->setDatabaseDefaults(&db);
+    KxDbObjectId id;
+    if (into.isNull()) {
+        db.addToCurrentSpace(record, id);
+    } else {
+        KxDbObjectPtr<KxDbBlockTableRecord> block(into, KxDb::kForWrite);
+        block->appendKxDbEntity(id, record);
+    }
+    record->close();
+    return id;
 }
