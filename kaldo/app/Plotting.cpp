@@ -42,6 +42,24 @@ view::Bounds displayed(const ViewPlacement& view)
     return box;
 }
 
+// Entities drawn into one piece of a plot: a few megabytes of scene for
+// multilines, and few enough pieces that what each costs beside its
+// entities does not show.
+constexpr std::size_t kEntitiesPerPiece = 4096;
+
+view::Bounds extents(const std::function<void(const std::function<void(const view::Scene&)>&)>& pieces)
+{
+    view::Bounds box;
+    pieces([&](const view::Scene& scene) {
+        const view::Bounds piece = scene.bounds();
+        if (piece.empty)
+            return;
+        box.add({piece.minX, piece.minY});
+        box.add({piece.maxX, piece.maxY});
+    });
+    return box;
+}
+
 std::wstring quoted(const std::filesystem::path& file)
 {
     return L"\"" + file.wstring() + L"\"";
@@ -50,19 +68,33 @@ std::wstring quoted(const std::filesystem::path& file)
 }  // namespace
 
 DrawingPlot::DrawingPlot(Session& session)
-    : scene_(view::renderDrawing(session.database(), &notes_, view::PointBudget::kPicture,
-                                 session.textStyleFonts(), true)),
-      source_{scene_.bounds(), displayed(session.editor().view().placement()),
-              view::unitMillimetres(drawingUnits(session))},
+    : session_(session),
+      source_{extents([&](const auto& piece) { drawPieces(piece, &notes_); }),
+              displayed(session.editor().view().placement()), view::unitMillimetres(drawingUnits(session))},
       title_(session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().filename().wstring())
 {
+}
+
+const view::Scene& DrawingPlot::scene() const
+{
+    if (!scene_)
+        scene_ = view::renderDrawing(session_.database(), nullptr, view::PointBudget::kPicture,
+                                     session_.textStyleFonts(), true);
+    return *scene_;
+}
+
+void DrawingPlot::drawPieces(const std::function<void(const view::Scene&)>& piece, view::RenderNotes* notes) const
+{
+    view::renderDrawingInPieces(session_.database(), kEntitiesPerPiece, piece, notes, view::PointBudget::kPicture,
+                                session_.textStyleFonts(), true);
 }
 
 std::string DrawingPlot::write(const view::PlotSettings& settings, const std::filesystem::path& file,
                                std::wstring& report) const
 {
     const view::SheetPlacement placement = view::placeOnSheet(settings, source_);
-    if (std::string problem = view::writePdf(scene_, placement, settings.look, file, title_); !problem.empty())
+    const view::ScenePieces pieces = [&](const auto& piece) { drawPieces(piece, nullptr); };
+    if (std::string problem = view::writePdf(pieces, placement, settings.look, file, title_); !problem.empty())
         return problem;
     report = L"Plotted " + quoted(file) + L": " + sheetText(settings) + L", scale "
         + view::placedScaleText(placement, source_.unitMillimetres) + (settings.scale.fit ? L" (Fit)" : L"")
