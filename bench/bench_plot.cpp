@@ -54,8 +54,29 @@ void BM_RenderDrawingForPlot(benchmark::State& state)
 }
 BENCHMARK(BM_RenderDrawingForPlot)->ArgName("multilines")->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(3);
 
-// The peak is measured above what the process held before painting (the
-// drawing and its scene).
+// Runs plot(file) once an iteration, measuring the peak memory above
+// what the process held before (the drawing, and what the benchmark drew
+// before), and the file's size.
+void measurePlot(benchmark::State& state, const std::function<void(const std::filesystem::path&)>& plot)
+{
+    QTemporaryDir dir;
+    const std::filesystem::path file = dir.filePath("plot.pdf").toStdString();
+    for (auto _ : state) {
+        resetPeakMemory();
+        const double before = residentMegabytes();
+        plot(file);
+        state.counters["peak_rise_MB"] = peakMegabytes() - before;
+    }
+    state.counters["pdf_MB"] = megabytes(std::filesystem::file_size(file));
+}
+
+void writeOrSkip(benchmark::State& state, const std::string& problem)
+{
+    if (!problem.empty())
+        state.SkipWithError(problem.c_str());
+}
+
+// The peak is above the drawing and its scene.
 void BM_PaintSceneIntoPdf(benchmark::State& state)
 {
     const auto db = buildZigzagMultilines(int(state.range(0)));
@@ -63,16 +84,9 @@ void BM_PaintSceneIntoPdf(benchmark::State& state)
     PlotSource source;
     source.extents = scene.bounds();
     const SheetPlacement placement = placeOnSheet(a0Fitted(), source);
-    QTemporaryDir dir;
-    const std::filesystem::path file = dir.filePath("plot.pdf").toStdString();
-    for (auto _ : state) {
-        resetPeakMemory();
-        const double before = residentMegabytes();
-        if (const std::string problem = writePdf(scene, placement, {}, file, L"bench"); !problem.empty())
-            state.SkipWithError(problem.c_str());
-        state.counters["peak_rise_MB"] = peakMegabytes() - before;
-    }
-    state.counters["pdf_MB"] = megabytes(std::filesystem::file_size(file));
+    measurePlot(state, [&](const std::filesystem::path& file) {
+        writeOrSkip(state, writePdf(scene, placement, {}, file, L"bench"));
+    });
     state.counters["scene_MB"] = sceneMegabytes(scene);
 }
 BENCHMARK(BM_PaintSceneIntoPdf)
@@ -83,23 +97,17 @@ BENCHMARK(BM_PaintSceneIntoPdf)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(3);
 
-// The whole drawing drawn into one scene, then plotted.
+// The whole drawing drawn into one scene, then plotted; the peak is above
+// the drawing.
 void BM_PlotWholeSceneToPdf(benchmark::State& state)
 {
     const auto db = buildZigzagMultilines(int(state.range(0)));
-    QTemporaryDir dir;
-    const std::filesystem::path file = dir.filePath("plot.pdf").toStdString();
-    for (auto _ : state) {
-        resetPeakMemory();
-        const double before = residentMegabytes();
+    measurePlot(state, [&](const std::filesystem::path& file) {
         const Scene scene = renderDrawing(*db, nullptr, PointBudget::kPicture, {}, true);
         PlotSource source;
         source.extents = scene.bounds();
-        if (const std::string problem = writePdf(scene, placeOnSheet(a0Fitted(), source), {}, file, L"bench");
-            !problem.empty())
-            state.SkipWithError(problem.c_str());
-        state.counters["peak_rise_MB"] = peakMegabytes() - before;
-    }
+        writeOrSkip(state, writePdf(scene, placeOnSheet(a0Fitted(), source), {}, file, L"bench"));
+    });
 }
 BENCHMARK(BM_PlotWholeSceneToPdf)
     ->ArgName("multilines")
@@ -110,32 +118,19 @@ BENCHMARK(BM_PlotWholeSceneToPdf)
     ->Iterations(3);
 
 // What PLOT does once it has its settings: the extents measured piece by
-// piece, then the drawing plotted piece by piece (pieces as PLOT takes
-// them). The peak is measured above the drawing.
+// piece, then the drawing plotted piece by piece; the peak is above the
+// drawing.
 void BM_PlotDrawingToPdf(benchmark::State& state)
 {
-    constexpr std::size_t kEntitiesPerPiece = 4096;
     const auto db = buildZigzagMultilines(int(state.range(0)));
     const ScenePieces pieces = [&](const std::function<void(const Scene&)>& piece) {
-        renderDrawingInPieces(*db, kEntitiesPerPiece, piece, nullptr, PointBudget::kPicture, {}, true);
+        renderDrawingInPieces(*db, kPlotPieceEntities, piece, nullptr, PointBudget::kPicture, {}, true);
     };
-    QTemporaryDir dir;
-    const std::filesystem::path file = dir.filePath("plot.pdf").toStdString();
-    for (auto _ : state) {
-        resetPeakMemory();
-        const double before = residentMegabytes();
+    measurePlot(state, [&](const std::filesystem::path& file) {
         PlotSource source;
-        pieces([&](const Scene& scene) {
-            const Bounds box = scene.bounds();
-            source.extents.add({box.minX, box.minY});
-            source.extents.add({box.maxX, box.maxY});
-        });
-        if (const std::string problem = writePdf(pieces, placeOnSheet(a0Fitted(), source), {}, file, L"bench");
-            !problem.empty())
-            state.SkipWithError(problem.c_str());
-        state.counters["peak_rise_MB"] = peakMegabytes() - before;
-    }
-    state.counters["pdf_MB"] = megabytes(std::filesystem::file_size(file));
+        source.extents = piecesExtents(pieces);
+        writeOrSkip(state, writePdf(pieces, placeOnSheet(a0Fitted(), source), {}, file, L"bench"));
+    });
 }
 BENCHMARK(BM_PlotDrawingToPdf)
     ->ArgName("multilines")

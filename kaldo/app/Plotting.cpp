@@ -42,24 +42,6 @@ view::Bounds displayed(const ViewPlacement& view)
     return box;
 }
 
-// Entities drawn into one piece of a plot: a few megabytes of scene for
-// multilines, and few enough pieces that what each costs beside its
-// entities does not show.
-constexpr std::size_t kEntitiesPerPiece = 4096;
-
-view::Bounds extents(const std::function<void(const std::function<void(const view::Scene&)>&)>& pieces)
-{
-    view::Bounds box;
-    pieces([&](const view::Scene& scene) {
-        const view::Bounds piece = scene.bounds();
-        if (piece.empty)
-            return;
-        box.add({piece.minX, piece.minY});
-        box.add({piece.maxX, piece.maxY});
-    });
-    return box;
-}
-
 std::wstring quoted(const std::filesystem::path& file)
 {
     return L"\"" + file.wstring() + L"\"";
@@ -69,7 +51,7 @@ std::wstring quoted(const std::filesystem::path& file)
 
 DrawingPlot::DrawingPlot(Session& session)
     : session_(session),
-      source_{extents([&](const auto& piece) { drawPieces(piece, &notes_); }),
+      source_{view::piecesExtents([&](const auto& piece) { drawPieces(piece, &notes_); }),
               displayed(session.editor().view().placement()), view::unitMillimetres(drawingUnits(session))},
       title_(session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().filename().wstring())
 {
@@ -85,8 +67,8 @@ const view::Scene& DrawingPlot::scene() const
 
 void DrawingPlot::drawPieces(const std::function<void(const view::Scene&)>& piece, view::RenderNotes* notes) const
 {
-    view::renderDrawingInPieces(session_.database(), kEntitiesPerPiece, piece, notes, view::PointBudget::kPicture,
-                                session_.textStyleFonts(), true);
+    view::renderDrawingInPieces(session_.database(), view::kPlotPieceEntities, piece, notes,
+                                view::PointBudget::kPicture, session_.textStyleFonts(), true);
 }
 
 std::string DrawingPlot::write(const view::PlotSettings& settings, const std::filesystem::path& file,

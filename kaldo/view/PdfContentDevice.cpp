@@ -48,8 +48,8 @@ private:
             m_stream.avail_out = uInt(m_buffer.size());
             result = deflate(&m_stream, flush);
             const qint64 produced = qint64(m_buffer.size() - m_stream.avail_out);
-            if (result == Z_STREAM_ERROR
-                || (produced > 0 && m_out.write(reinterpret_cast<const char*>(m_buffer.data()), produced) != produced)) {
+            const char* bytes = reinterpret_cast<const char*>(m_buffer.data());
+            if (result == Z_STREAM_ERROR || (produced > 0 && m_out.write(bytes, produced) != produced)) {
                 m_ok = false;
                 return;
             }

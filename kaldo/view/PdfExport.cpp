@@ -100,6 +100,19 @@ void paintPage(QIODevice& out, const ScenePieces& pieces, const SheetPlacement& 
 
 }  // namespace
 
+Bounds piecesExtents(const ScenePieces& pieces)
+{
+    Bounds box;
+    pieces([&](const Scene& scene) {
+        const Bounds piece = scene.bounds();
+        if (piece.empty)
+            return;
+        box.add({piece.minX, piece.minY});
+        box.add({piece.maxX, piece.maxY});
+    });
+    return box;
+}
+
 std::string writePdf(const ScenePieces& pieces, const SheetPlacement& placement, const PlotLook& look,
                      const std::filesystem::path& file, const std::wstring& title)
 {

@@ -13,6 +13,7 @@
 #include "kaldo/view/Scene.h"
 #include "kaldo/view/SheetPlacement.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -21,6 +22,14 @@ namespace kaldo::view {
 
 // Calls paint once for each piece of a drawing, in the drawing's order.
 using ScenePieces = std::function<void(const std::function<void(const Scene&)>& paint)>;
+
+// Entities drawn into one piece of a plot: a few megabytes of scene for
+// multilines, and few enough pieces that what each costs beside its
+// entities does not show.
+inline constexpr std::size_t kPlotPieceEntities = 4096;
+
+// The extents of everything the pieces draw.
+Bounds piecesExtents(const ScenePieces& pieces);
 
 // Returns why the file could not be written, empty on success; title is
 // the document's title.

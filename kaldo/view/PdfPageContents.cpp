@@ -35,7 +35,8 @@ QByteArray readAt(QIODevice& device, qint64 offset, qint64 size)
 // The number captured first by pattern in text.
 qint64 capturedNumber(const QByteArray& text, const char* pattern, const char* what)
 {
-    const QRegularExpressionMatch match = QRegularExpression(QString::fromLatin1(pattern)).match(QString::fromLatin1(text));
+    const QRegularExpressionMatch match =
+        QRegularExpression(QString::fromLatin1(pattern)).match(QString::fromLatin1(text));
     if (!match.hasMatch())
         unreadable(what);
     return match.captured(1).toLongLong();
