@@ -350,6 +350,7 @@ void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const 
         if (drawn >= entitiesPerPiece && drawer->betweenEntities()) {
             drawer.reset();
             done(*scene);
+            scene.reset();
             scene = newPiece();
             drawer = std::make_unique<EntityDrawer>(pass, *scene);
             drawn = 0;
