@@ -1,9 +1,9 @@
 // -MLEDIT through the real binary where picks and crossings come close to
 // a vertex: every tool picked near either end of a segment of a wall 100
 // wide cuts and keeps where the pick was made; elements end exactly on the
-// element lines they meet next to a bend, as those are drawn; a multiline
-// of one segment picked twice for a corner is told that there is no
-// crossing. (Runs beyond a vertex added in a gap: VertexEditTest.)
+// element lines they meet next to a bend, as those are drawn; add vertex
+// keeps the runs beyond the new vertex; a multiline of one segment picked
+// twice for a corner is told that there is no crossing.
 #include "KaldoProcess.h"
 #include "ListedMlines.h"
 #include "MleditScripts.h"
@@ -268,4 +268,17 @@ TEST(MleditEdgeSession, AnIndependentReaderFindsTheStemEndingOnTheBarAsDrawn)
     EXPECT_NEAR(barStarts[0].first, 103, 1e-9);
     EXPECT_NEAR(barStarts[0].second, y, 1e-9);
     EXPECT_NEAR(barStarts[0].second - barStarts[0].first, 5 * kSqrt2 - 100, 1e-9) << "on y = x - 100 + 5 sqrt 2";
+}
+
+TEST(MleditEdgeSession, AddVertexKeepsTheRunsBeyondTheNewVertex)
+{
+    // Element 0 (y = 5) cut from 20 to 40, then a vertex added at x = 30 in
+    // the gap: segment 0 keeps 0 to 20, the new segment from (30, 5) is not
+    // drawn up to 40, 10 along it, and drawn on from there.
+    KaldoProcess kaldo;
+    expectSession(kaldo, {"add vertex in a gap",
+                          mline({"0,0", "100,0"}) + "-MLEDIT\nCS\n20,5\n40,5\n\n-MLEDIT\nAV\n30,-5\n\n",
+                          {"60,-5"},
+                          {{"0.0000,0.0000", "30.0000,0.0000", "100.0000,0.0000"}},
+                          {{0, 0, 0, {5, 0, 20}}, {0, 1, 0, {5, 10}}, {0, 0, 1, {-5, 0}}, {0, 1, 1, {-5, 0}}}});
 }
