@@ -280,8 +280,7 @@ TEST_F(MlnReaderTest, CrLfAndBareLfReadAlike)
         EXPECT_EQ(kdml::listMlnStyleNames(path.c_str()), std::vector<std::wstring>{L"WALL"});
         ASSERT_EQ(read(path, L"WALL", MlnReadMode::strict), MlnReadResult::found);
         ASSERT_EQ(style.numElements(), 2);
-        EXPECT_EQ(elementOf(style, 1).linetype, L"Continuous");
-        EXPECT_DOUBLE_EQ(elementOf(style, 1).offset, -0.5);
+        EXPECT_THAT(elementOf(style, 1), IsElement(-0.5, 256, L"Continuous"));
     }
     EXPECT_EQ(read(strayCr, L"WALL", MlnReadMode::strict), MlnReadResult::notFound);
 }
