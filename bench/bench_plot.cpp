@@ -54,6 +54,12 @@ void BM_RenderDrawingForPlot(benchmark::State& state)
 }
 BENCHMARK(BM_RenderDrawingForPlot)->ArgName("multilines")->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(3);
 
+// 10 000, 30 000 and 100 000 multilines, three times each.
+void atPlotSizes(benchmark::internal::Benchmark* run)
+{
+    run->ArgName("multilines")->Arg(10000)->Arg(30000)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(3);
+}
+
 // Runs plot(file) once an iteration, measuring the peak memory above
 // what the process held before (the drawing, and what the benchmark drew
 // before), and the file's size.
@@ -89,13 +95,7 @@ void BM_PaintSceneIntoPdf(benchmark::State& state)
     });
     state.counters["scene_MB"] = sceneMegabytes(scene);
 }
-BENCHMARK(BM_PaintSceneIntoPdf)
-    ->ArgName("multilines")
-    ->Arg(10000)
-    ->Arg(30000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
+BENCHMARK(BM_PaintSceneIntoPdf)->Apply(atPlotSizes);
 
 // The whole drawing drawn into one scene, then plotted; the peak is above
 // the drawing.
@@ -109,13 +109,7 @@ void BM_PlotWholeSceneToPdf(benchmark::State& state)
         writeOrSkip(state, writePdf(scene, placeOnSheet(a0Fitted(), source), {}, file, L"bench"));
     });
 }
-BENCHMARK(BM_PlotWholeSceneToPdf)
-    ->ArgName("multilines")
-    ->Arg(10000)
-    ->Arg(30000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
+BENCHMARK(BM_PlotWholeSceneToPdf)->Apply(atPlotSizes);
 
 // What PLOT does once it has its settings: the extents measured piece by
 // piece, then the drawing plotted piece by piece; the peak is above the
@@ -132,13 +126,7 @@ void BM_PlotDrawingToPdf(benchmark::State& state)
         writeOrSkip(state, writePdf(pieces, placeOnSheet(a0Fitted(), source), {}, file, L"bench"));
     });
 }
-BENCHMARK(BM_PlotDrawingToPdf)
-    ->ArgName("multilines")
-    ->Arg(10000)
-    ->Arg(30000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
+BENCHMARK(BM_PlotDrawingToPdf)->Apply(atPlotSizes);
 
 }  // namespace
 
