@@ -5,7 +5,7 @@
 set -euo pipefail
 packages=(cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libbenchmark-dev libdxflib-dev
           qt6-base-dev libqt6opengl6-dev qt6-tools-dev qt6-svg-dev python3-ezdxf xvfb xauth
-          dpkg-dev lintian man-db librecad poppler-utils)
+          dpkg-dev lintian man-db librecad poppler-utils zlib1g-dev)
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -50,19 +50,33 @@ std::wstring quoted(const std::filesystem::path& file)
 }  // namespace
 
 DrawingPlot::DrawingPlot(Session& session)
-    : scene_(view::renderDrawing(session.database(), &notes_, view::PointBudget::kPicture,
-                                 session.textStyleFonts(), true)),
-      source_{scene_.bounds(), displayed(session.editor().view().placement()),
-              view::unitMillimetres(drawingUnits(session))},
+    : session_(session),
+      source_{view::piecesExtents([&](const auto& piece) { drawPieces(piece, &notes_); }),
+              displayed(session.editor().view().placement()), view::unitMillimetres(drawingUnits(session))},
       title_(session.drawingPath().empty() ? L"Drawing1.dxf" : session.drawingPath().filename().wstring())
 {
+}
+
+const view::Scene& DrawingPlot::scene() const
+{
+    if (!scene_)
+        scene_ = view::renderDrawing(session_.database(), nullptr, view::PointBudget::kPicture,
+                                     session_.textStyleFonts(), true);
+    return *scene_;
+}
+
+void DrawingPlot::drawPieces(const std::function<void(const view::Scene&)>& piece, view::RenderNotes* notes) const
+{
+    view::renderDrawingInPieces(session_.database(), view::kPlotPieceEntities, piece, notes,
+                                view::PointBudget::kPicture, session_.textStyleFonts(), true);
 }
 
 std::string DrawingPlot::write(const view::PlotSettings& settings, const std::filesystem::path& file,
                                std::wstring& report) const
 {
     const view::SheetPlacement placement = view::placeOnSheet(settings, source_);
-    if (std::string problem = view::writePdf(scene_, placement, settings.look, file, title_); !problem.empty())
+    const view::ScenePieces pieces = [&](const auto& piece) { drawPieces(piece, nullptr); };
+    if (std::string problem = view::writePdf(pieces, placement, settings.look, file, title_); !problem.empty())
         return problem;
     report = L"Plotted " + quoted(file) + L": " + sheetText(settings) + L", scale "
         + view::placedScaleText(placement, source_.unitMillimetres) + (settings.scale.fit ? L" (Fit)" : L"")

@@ -1,7 +1,10 @@
-// A plot of the working drawing: its scene with texts kept as text, the
-// areas a plot can take (the extents, the view shown, a window), the
-// drawing's unit from $INSUNITS, and the PDF written from it with the
-// transcript's report. The settings of the last plot are kept in the
+// A plot of the working drawing: the areas a plot can take (the extents,
+// the view shown, a window), the drawing's unit from $INSUNITS, and the
+// PDF written with the transcript's report. The drawing is drawn with texts
+// kept as text, in pieces of a few thousand entities, each painted and
+// dropped before the next is drawn, so that plotting a large drawing holds
+// no more than a piece; its extents come from such a pass before. The
+// whole drawing as one scene is made only for a preview. The settings of the last plot are kept in the
 // profile (section "Plot") and offered as the next plot's defaults.
 #pragma once
 
@@ -10,6 +13,8 @@
 #include "kaldo/view/SheetPlacement.h"
 
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <string>
 
 namespace kaldo {
@@ -19,11 +24,12 @@ class Session;
 
 class DrawingPlot {
 public:
-    // Draws the working drawing (on the command thread); throws what the
-    // renderer throws (std::bad_alloc).
+    // Measures the working drawing's extents (on the command thread);
+    // throws what the renderer throws (std::bad_alloc).
     explicit DrawingPlot(Session& session);
 
-    const view::Scene& scene() const { return scene_; }
+    // The whole drawing in one scene, drawn at the first call.
+    const view::Scene& scene() const;
     const view::PlotSource& source() const { return source_; }
     // Writes the plot as a PDF file; returns why it could not be written,
     // empty on success, when report receives the transcript's lines about
@@ -33,8 +39,12 @@ public:
                       std::wstring& report) const;
 
 private:
+    // Calls piece with each piece of the drawing in turn.
+    void drawPieces(const std::function<void(const view::Scene&)>& piece, view::RenderNotes* notes) const;
+
+    Session& session_;
     view::RenderNotes notes_;
-    view::Scene scene_;
+    mutable std::optional<view::Scene> scene_;
     view::PlotSource source_;
     std::wstring title_;
 };

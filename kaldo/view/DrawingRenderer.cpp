@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <new>
 #include <numbers>
@@ -116,6 +117,10 @@ public:
           m_depth(depth)
     {
     }
+
+    // Whether the entities drawn so far are whole (no old-form polyline
+    // waits for more vertices).
+    bool betweenEntities() const { return !m_oldPolyline.open(); }
 
     void draw(const KxDbEntity& entity)
     {
@@ -311,33 +316,70 @@ private:
     OldPolyline m_oldPolyline;
 };
 
-}  // namespace
-
-Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, const TextStyleFonts& styles,
-                    bool keepTexts)
+// Draws model space into scenes of at most entitiesPerPiece entities
+// (more to finish an old-form polyline), calling done with each.
+void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const std::function<void(Scene&)>& done,
+                    RenderNotes* notes, std::size_t points, const TextStyleFonts& styles, bool keepTexts)
 {
-    Scene scene;
-    scene.keepTexts(keepTexts);
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
-    if (!space)
-        return scene;
+    if (!space) {
+        Scene scene;
+        scene.keepTexts(keepTexts);
+        done(scene);
+        return;
+    }
     // Room for a typical multiline per entity: pages only count once
     // written, and growing by copies would write everything twice.
-    const std::size_t entities = std::size_t(space->numEntities());
-    scene.reserve(entities * 48, entities * 8);
+    const std::size_t entities = std::min(std::size_t(space->numEntities()), entitiesPerPiece);
     DrawingPass pass(db, notes, styles, points);
-    EntityDrawer drawer(pass, scene);
+    const auto newPiece = [&] {
+        auto scene = std::make_unique<Scene>();
+        scene->keepTexts(keepTexts);
+        scene->reserve(entities * 48, entities * 8);
+        return scene;
+    };
+    std::unique_ptr<Scene> scene = newPiece();
+    auto drawer = std::make_unique<EntityDrawer>(pass, *scene);
+    std::size_t drawn = 0;
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step()) {
         KxDbEntity* opened = nullptr;
         if (it->getEntity(opened, KxDb::kForRead) != Kald::eOk)
             continue;
         const KxDbObjectPtr<KxDbEntity> entity(opened);
-        drawer.draw(*entity);
+        if (drawn >= entitiesPerPiece && drawer->betweenEntities()) {
+            drawer.reset();
+            done(*scene);
+            scene.reset();
+            scene = newPiece();
+            drawer = std::make_unique<EntityDrawer>(pass, *scene);
+            drawn = 0;
+        }
+        drawer->draw(*entity);
+        ++drawn;
     }
+    drawer.reset();
     if (notes)
         notes->coarse = notes->coarse || pass.budget.spent();
-    return scene;
+    done(*scene);
+}
+
+}  // namespace
+
+Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, const TextStyleFonts& styles,
+                    bool keepTexts)
+{
+    Scene drawing;
+    drawModelSpace(db, std::numeric_limits<std::size_t>::max(), [&](Scene& scene) { drawing = std::move(scene); },
+                   notes, points, styles, keepTexts);
+    return drawing;
+}
+
+void renderDrawingInPieces(const KxDbDatabase& db, std::size_t entitiesPerPiece,
+                           const std::function<void(const Scene&)>& piece, RenderNotes* notes, std::size_t points,
+                           const TextStyleFonts& styles, bool keepTexts)
+{
+    drawModelSpace(db, entitiesPerPiece, piece, notes, points, styles, keepTexts);
 }
 
 Scene renderEntities(const KxDbDatabase& db, const std::vector<const KxDbEntity*>& entities)

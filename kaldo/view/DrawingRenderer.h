@@ -15,6 +15,7 @@
 #include "kaldo/view/TextShapes.h"
 
 #include <exception>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -38,6 +39,16 @@ struct RenderNotes {
 Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes = nullptr,
                     std::size_t points = PointBudget::kPicture, const TextStyleFonts& styles = {},
                     bool keepTexts = false);
+
+// The same drawn in pieces of about entitiesPerPiece entities each, in the
+// drawing's order (an old-form polyline is not cut): piece is called with
+// each piece's scene, which is dropped after the call, so that no more
+// than a piece is held at a time. Blocks are drawn once for all pieces,
+// and the budget is shared by all.
+void renderDrawingInPieces(const KxDbDatabase& db, std::size_t entitiesPerPiece,
+                           const std::function<void(const Scene&)>& piece, RenderNotes* notes = nullptr,
+                           std::size_t points = PointBudget::kPicture, const TextStyleFonts& styles = {},
+                           bool keepTexts = false);
 
 // A scene of a few entities (open for read, or in no database yet) with
 // the layers, linetypes and styles of db: what a window draws over the

@@ -21,6 +21,8 @@ public:
     bool addVertex(const std::vector<KxDbFileGroup>& groups);
     // Draws the polyline begun, if any, and forgets it.
     void end(Scene& scene);
+    // Whether a polyline was begun and not yet ended.
+    bool open() const { return m_open; }
 
 private:
     struct Vertex {

@@ -45,14 +45,17 @@ public:
         }
     }
 
-    void paint()
+    void paint(const PlotLayers& layers)
     {
         m_painter.save();
         m_painter.setRenderHint(QPainter::Antialiasing);
         m_painter.setClipRect(m_clip);
-        paintFills();
-        paintLines();
-        paintTexts();
+        if (layers.fills)
+            paintFills();
+        if (layers.lines)
+            paintLines();
+        if (layers.texts)
+            paintTexts();
         m_painter.restore();
     }
 
@@ -210,9 +213,9 @@ private:
 }  // namespace
 
 void paintPlot(QPainter& painter, const Scene& scene, const SheetPlacement& placement, const QRectF& sheet,
-               const PlotLook& look)
+               const PlotLook& look, const PlotLayers& layers)
 {
-    PlotPainter(painter, scene, placement, sheet, look).paint();
+    PlotPainter(painter, scene, placement, sheet, look).paint(layers);
 }
 
 QRectF printableRect(const SheetPlacement& placement, const QRectF& sheet)

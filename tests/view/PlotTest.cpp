@@ -2,9 +2,13 @@
 // (exact at scale, offset, centred, fitted, cut); lineweights of the
 // entity, its layer or the default; texts kept as text where their
 // outlines would lie, in blocks too; dashes measured on paper whatever the
-// lineweight.
+// lineweight; a drawing plotted in pieces drawn whole, its PDF showing what
+// the preview shows (read back with poppler).
+#include "../e2e/PdfPages.h"
 #include "ViewDrawing.h"
 
+#include "kaldo/view/DrawingRenderer.h"
+#include "kaldo/view/PdfExport.h"
 #include "kaldo/view/PlotPainter.h"
 #include "kaldo/view/PlotSettings.h"
 #include "kaldo/view/SheetPlacement.h"
@@ -12,6 +16,7 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QTemporaryDir>
 
 #include <cmath>
 
@@ -313,4 +318,100 @@ TEST(PlotPainter, DashesMeasuredOnPaperWhateverTheLineweight)
         EXPECT_NEAR(rows, weight == 0 ? 1 : 10, 0.5) << "weight " << weight;
         EXPECT_EQ(image.pixel(150, 300), qRgb(0xFF, 0, 0)) << "in colour";
     }
+}
+
+TEST(PlotRender, PiecesDrawEveryEntityOnceAndKeepOldPolylinesWhole)
+{
+    ViewDrawing d;
+    addRecord(d.db, "POINT", {{10, 0, "0"}, {20, 0, "0"}});
+    addRecord(d.db, "POLYLINE", {{66, 0, "1"}, {70, 0, "0"}});
+    for (const char* x : {"1", "2", "3"})
+        addRecord(d.db, "VERTEX", {{10, 0, x}, {20, 0, x}});
+    addRecord(d.db, "SEQEND", {});
+    addRecord(d.db, "POINT", {{10, 0, "5"}, {20, 0, "0"}});
+    const Scene whole = renderDrawing(d.db);
+    ASSERT_EQ(whole.polylines().size(), 3u);
+    // One entity a piece: the polyline's records stay in one piece.
+    std::vector<std::size_t> pointsOfPolylines;
+    int pieces = 0;
+    renderDrawingInPieces(d.db, 1, [&](const Scene& piece) {
+        ++pieces;
+        for (const Polyline& polyline : piece.polylines())
+            pointsOfPolylines.push_back(polyline.count);
+    });
+    EXPECT_EQ(pieces, 3);
+    EXPECT_EQ(pointsOfPolylines, (std::vector<std::size_t>{2, 3, 2}));
+}
+
+TEST(PdfExport, PiecesShowWhatThePreviewShowsFillsUnderAllLines)
+{
+    // A thick red line with round ends, a dashed blue one and a circle in
+    // one piece; a grey square over the red line in the next. The sheet is
+    // 360 x 180 points, 10 pixels to the millimetre at 254 dots per inch.
+    Scene lines;
+    lines.addLine({10, 25}, {90, 25}, lines.pen({DrawColor::fixed(0xFF0000), 0, 100}));
+    const int dashes = lines.addPattern({10, -5});
+    lines.addLine({10, 10}, {90, 10}, lines.pen({DrawColor::fixed(0x0000FF), dashes, 50}));
+    lines.addArc({{20, 40}, 5, 0, 7, lines.pen({DrawColor{}, 0, 35})});
+    Scene square;
+    const auto addSquare = [](Scene& scene) {
+        scene.beginPolygon();
+        for (const Point2& corner : {Point2{40, 15}, Point2{60, 15}, Point2{60, 35}, Point2{40, 35}})
+            scene.addPoint(corner);
+        scene.endPolygon(DrawColor::fixed(0x808080));
+    };
+    addSquare(square);
+    Scene both = lines;
+    addSquare(both);
+
+    PlotSettings settings = settingsFor(L"127x63.5", L"1:1");
+    const SheetPlacement placement = placeOnSheet(settings, sourceOf({0, 0}, {100, 50}));
+    QImage preview(1270, 635, QImage::Format_RGB32);
+    preview.fill(Qt::white);
+    {
+        QPainter painter(&preview);
+        paintPlot(painter, both, placement, QRectF(0, 0, 1270, 635), settings.look);
+    }
+    QTemporaryDir dir;
+    const std::filesystem::path file = dir.filePath("pieces.pdf").toStdString();
+    const ScenePieces pieces = [&](const std::function<void(const Scene&)>& paint) {
+        paint(lines);
+        paint(square);
+    };
+    ASSERT_EQ(writePdf(pieces, placement, settings.look, file, L"pieces"), "");
+    const QImage page = pdf::rasterise(file, 254).convertToFormat(QImage::Format_RGB32);
+    ASSERT_EQ(page.size(), preview.size());
+
+    // Pixels inside areas of one colour in the preview (not on edges,
+    // which the two rasterisers shade differently) that the page shows
+    // nowhere within a pixel.
+    const auto near = [](QRgb a, QRgb b) {
+        return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))})
+            <= 64;
+    };
+    const auto inside = [&](const QImage& image, int x, int y, QRgb color) {
+        for (int dy = -1; dy <= 1; ++dy)
+            for (int dx = -1; dx <= 1; ++dx)
+                if (image.pixel(x + dx, y + dy) != color)
+                    return false;
+        return true;
+    };
+    int dark = 0, differing = 0;
+    for (int y = 1; y + 1 < page.height(); ++y)
+        for (int x = 1; x + 1 < page.width(); ++x) {
+            const QRgb shown = preview.pixel(x, y);
+            if (!inside(preview, x, y, shown))
+                continue;
+            dark += qGray(shown) < 200 ? 1 : 0;
+            bool found = false;
+            for (int dy = -1; dy <= 1 && !found; ++dy)
+                for (int dx = -1; dx <= 1 && !found; ++dx)
+                    found = near(shown, page.pixel(x + dx, y + dy));
+            differing += found ? 0 : 1;
+        }
+    EXPECT_GT(dark, 20000);
+    EXPECT_LT(differing, 20) << "of " << dark;
+    // The red line runs over the square, painted in the piece before it.
+    const Point2 middle = placement.toPaper({50, 25});
+    EXPECT_EQ(page.pixel(int(middle.x * 10), int(635 - middle.y * 10)), qRgb(0xFF, 0, 0));
 }
