@@ -49,6 +49,8 @@ public:
     void setInputState(const InputState& state);
     // Shows the whole drawing.
     void zoomExtents();
+    // Whether the drawing shows as a preview while its picture is painted.
+    bool refining() const { return picture_.refining(); }
 
     bool snapsOn() const { return snapsOn_; }
     void setSnapsOn(bool on) { snapsOn_ = on; }
