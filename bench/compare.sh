@@ -2,7 +2,7 @@
 # Prints, from one run, two tables of kaldo's speed figures.
 # The first: a multiline of N points drawn by a script, the rubber-band step,
 # a closed cross pass, DXF open and save beside ezdxf, peak memory, SVG
-# export, and the first picture of a mixed drawing (open only, PNG, SVG, the
+# export, and the first picture of mixed drawings (open only, PNG, SVG, the
 # window's). Whole runs of the host are timed here (median of three); the
 # rest comes from the benchmarks.
 # The second: opening the drawings users open, mixed entities and
@@ -14,9 +14,9 @@
 #   KALDO_STAGE              the staged build (default build/default/stage)
 #   KALDO_BENCH_MULTILINES   multilines in the DXF drawing (default 100000)
 #   KALDO_EZDXF_MULTILINES   multilines in the drawing ezdxf reads (default 5000)
-#   KALDO_BENCH_MIXED_ENTITIES  entities of the mixed drawing of the first
-#                            table (lines, arcs, circles, polylines, texts,
-#                            block references; default 100000)
+#   KALDO_BENCH_MIXED_ENTITIES  entity counts of the mixed drawings of the
+#                            first table (lines, arcs, circles, polylines,
+#                            texts, block references; default "100000 1000000")
 #   KALDO_BENCH_MIXED        entity counts of the large mixed drawings
 #                            (default "1000000 4000000"; empty for none)
 #   KALDO_EZDXF_MIXED        entities of the mixed drawing ezdxf reads (default 50000)
@@ -31,7 +31,7 @@ ezdxfMultilines=${KALDO_EZDXF_MULTILINES:-5000}
 mixedCounts=${KALDO_BENCH_MIXED-1000000 4000000}
 ezdxfMixed=${KALDO_EZDXF_MIXED:-50000}
 runs=${KALDO_BENCH_RUNS:-3}
-mixedEntities=${KALDO_BENCH_MIXED_ENTITIES:-100000}
+pictureCounts=${KALDO_BENCH_MIXED_ENTITIES:-100000 1000000}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -207,22 +207,33 @@ echo "| SVG export of that drawing | whole run ${svgSeconds} s, ${svgMemory} MB"
     "(+$(printf '%.2f' "$(echo "$svgSeconds - $openSeconds" | bc -l)") s," \
     "+$((svgMemory - openMemory)) MB over opening alone) |"
 
-mixed=$work/mixed.dxf
-"$stage/bin/generate_drawing" mixed "$mixedEntities" "$mixed"
-mixedMegabytes=$(du -m "$mixed" | cut -f1)
-read -r mixedOpenSeconds mixedOpenMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed")
-read -r mixedPngSeconds mixedPngMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.png")
-read -r mixedSvgSeconds mixedSvgMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.svg")
-KALDO_BENCH_MIXED_DXF=$mixed "$stage/bin/bench_picture" --benchmark_filter=BM_MixedWindowFirstPicture \
-    --benchmark_format=json >"$work/picture.json" 2>/dev/null
-read -r _ windowMs < <(counter "$work/picture.json" BM_MixedWindowFirstPicture real_time)
-read -r _ windowPeak < <(counter "$work/picture.json" BM_MixedWindowFirstPicture peak_MB)
-echo "| Mixed drawing of ${mixedEntities} entities, ${mixedMegabytes} MB: open only | whole run ${mixedOpenSeconds} s," \
-    "${mixedOpenMemory} MB |"
-echo "| Same drawing, \`--export\` PNG | whole run ${mixedPngSeconds} s, ${mixedPngMemory} MB |"
-echo "| Same drawing, \`--export\` SVG | whole run ${mixedSvgSeconds} s, ${mixedSvgMemory} MB |"
-echo "| Same drawing, the window's first picture (scene, index, coarse 1600 × 1000 picture; bench_picture) |" \
-    "$(printf '%.0f' "$windowMs") ms, peak $(printf '%.0f' "$windowPeak") MB with the drawing open |"
+# Rows of the first picture of a mixed drawing of COUNT entities: open
+# only, PNG and SVG export (whole runs), and the window's (bench_picture).
+pictureRows() {
+    local mixed=$work/mixed.dxf megabytes
+    "$stage/bin/generate_drawing" mixed "$1" "$mixed"
+    megabytes=$(du -m "$mixed" | cut -f1)
+    read -r openSeconds openMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed")
+    read -r pngSeconds pngMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.png")
+    read -r svgSeconds svgMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.svg")
+    KALDO_BENCH_MIXED_DXF=$mixed "$stage/bin/bench_picture" --benchmark_filter=BM_MixedWindow \
+        --benchmark_format=json >"$work/picture.json" 2>/dev/null
+    rm -f "$mixed" "$work/mixed.png" "$work/mixed.svg"
+    share() { echo "$1 / $megabytes" | bc -l | xargs printf '%.1f'; }
+    value() { counter "$work/picture.json" "$1" "$2" | awk '{printf "%.0f", $2}'; }
+    echo "| Mixed drawing of $1 entities, ${megabytes} MB: open only | whole run ${openSeconds} s," \
+        "${openMemory} MB ($(share "$openMemory")× the file) |"
+    echo "| Same drawing, \`--export\` PNG | whole run ${pngSeconds} s, ${pngMemory} MB ($(share "$pngMemory")× the file) |"
+    echo "| Same drawing, \`--export\` SVG | whole run ${svgSeconds} s, ${svgMemory} MB ($(share "$svgMemory")× the file) |"
+    echo "| Same drawing, the window's first picture (scene, index, 1600 × 1000 picture; bench_picture) |" \
+        "first frame $(value BM_MixedWindowFirstPicture first_frame_ms) ms," \
+        "complete $(value BM_MixedWindowFirstPicture complete_ms) ms," \
+        "peak $(value BM_MixedWindowFirstPicture peak_MB) MB with the drawing open |"
+    echo "| Same drawing in the window: a pan of a few pixels; a wheel step |" \
+        "$(value BM_MixedWindowPan complete_ms) ms; frame $(value BM_MixedWindowZoom frame_ms) ms," \
+        "complete $(value BM_MixedWindowZoom complete_ms) ms |"
+}
+for count in $pictureCounts; do pictureRows "$count"; done
 
 echo
 fileTable

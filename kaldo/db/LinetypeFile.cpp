@@ -1,9 +1,9 @@
 #include "kaldo/db/LinetypeFile.h"
 
-#include <charconv>
 #include <optional>
 #include <sstream>
 
+#include "kaldo/util/Numbers.h"
 #include "kxstring.h"
 
 namespace kaldo {
@@ -16,18 +16,6 @@ std::string_view trim(std::string_view s)
         return {};
     const auto last = s.find_last_not_of(" \t\r\n");
     return s.substr(first, last - first + 1);
-}
-
-std::optional<double> parseNumber(std::string_view s)
-{
-    s = trim(s);
-    if (!s.empty() && s.front() == '+')
-        s.remove_prefix(1);
-    double value = 0;
-    const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), value);
-    if (ec != std::errc() || end != s.data() + s.size())
-        return std::nullopt;
-    return value;
 }
 
 // The dashes of an "A,..." line, or nothing when the line is not one.

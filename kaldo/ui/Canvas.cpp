@@ -6,13 +6,11 @@
 
 #include <QMouseEvent>
 #include <QPainter>
-#include <QRegion>
 #include <QWheelEvent>
 
 #include <cmath>
 #include <numbers>
 #include <span>
-#include <thread>
 #include <utility>
 
 namespace kaldo::ui {
@@ -90,6 +88,8 @@ void drawSnapMarker(QPainter& painter, const QPointF& at, SnapKind kind)
 
 Canvas::Canvas(QWidget* parent) : QWidget(parent)
 {
+    connect(&picture_, &DrawingPicture::refined, this, qOverload<>(&QWidget::update));
+    connect(&picture_, &DrawingPicture::failed, this, &Canvas::reportFailure);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::BlankCursor);
@@ -101,7 +101,6 @@ void Canvas::setPlacement(const ViewPlacement& placement)
     placement_ = placement;
     placement_.widthPixels = width();
     placement_.heightPixels = height();
-    pictureValid_ = false;
     aim();
     update();
 }
@@ -109,7 +108,6 @@ void Canvas::setPlacement(const ViewPlacement& placement)
 void Canvas::place(const ViewPlacement& placement)
 {
     placement_ = placement;
-    pictureValid_ = false;
     aim();
     update();
     emit placementChanged(placement_);
@@ -118,8 +116,6 @@ void Canvas::place(const ViewPlacement& placement)
 void Canvas::showDrawing(const PublishedDrawing& drawing)
 {
     const bool another = !fittedOnce_ || drawing.serial != drawing_.serial;
-    if (drawing.scene != drawing_.scene)
-        pictureValid_ = false;
     drawing_ = drawing;
     aim();
     if (another) {
@@ -209,70 +205,16 @@ view::Point2 Canvas::pointAt(const QPointF& pixel, std::optional<Snap>* snap) co
     return raw;
 }
 
-const QImage& Canvas::drawingPicture()
+QImage Canvas::drawingPicture()
 {
     const qreal ratio = devicePixelRatioF();
-    const QSize pixels(int(width() * ratio), int(height() * ratio));
-    if (pictureValid_ && picture_.size() == pixels)
-        return picture_;
-    const QColor background = QColor::fromRgb(QRgb(0xFF000000u | view::backgroundRgb(kBackground)));
     ViewPlacement scaled = placement_;
     scaled.unitsPerPixel /= ratio;
-    scaled.widthPixels = pixels.width();
-    scaled.heightPixels = pixels.height();
-    const view::PictureFrame frame = frameOf(scaled);
-    // A pan by whole pixels moves the picture and paints the strips it
-    // uncovers only.
-    const double shiftX = (pictureFor_.centre.x - placement_.centre.x) / scaled.unitsPerPixel;
-    const double shiftY = (placement_.centre.y - pictureFor_.centre.y) / scaled.unitsPerPixel;
-    const bool scroll = picture_.size() == pixels && pictureScene_ == drawing_.scene.get() && drawing_.scene
-        && pictureFor_.unitsPerPixel == placement_.unitsPerPixel && std::abs(shiftX - std::round(shiftX)) < 1e-6
-        && std::abs(shiftY - std::round(shiftY)) < 1e-6 && std::abs(shiftX) < pixels.width()
-        && std::abs(shiftY) < pixels.height();
-    try {
-        paintPicture(pixels, background, frame, scroll ? std::optional<QPoint>(QPoint(int(std::lround(shiftX)),
-                                                                                    int(std::lround(shiftY))))
-                                                      : std::nullopt);
-    } catch (...) {
-        // The picture stays empty; why is said once for each scene.
-        picture_ = QImage(pixels, QImage::Format_RGB32);
-        picture_.fill(background);
-        reportFailure(std::current_exception());
-    }
-    picture_.setDevicePixelRatio(ratio);
-    pictureFor_ = placement_;
-    pictureScene_ = drawing_.scene.get();
-    pictureValid_ = true;
-    return picture_;
-}
-
-void Canvas::paintPicture(const QSize& pixels, const QColor& background, const view::PictureFrame& frame,
-                          const std::optional<QPoint>& shift)
-{
-    const view::PaintDetail detail{drawing_.index.get(), true};
-    if (shift) {
-        const int dx = shift->x();
-        const int dy = shift->y();
-        QImage moved(pixels, QImage::Format_RGB32);
-        moved.fill(background);
-        QPainter painter(&moved);
-        painter.drawImage(dx, dy, picture_);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QRegion uncovered(QRect(QPoint(0, 0), pixels));
-        uncovered -= QRect(QPoint(dx, dy), pixels);
-        painter.setClipRegion(uncovered);
-        view::paintScene(painter, *drawing_.scene, frame, kBackground, uncovered, detail);
-        painter.end();
-        picture_ = std::move(moved);
-    } else {
-        if (picture_.size() != pixels)
-            picture_ = QImage(pixels, QImage::Format_RGB32);
-        picture_.fill(background);
-        constexpr int kMostBands = 4;
-        if (drawing_.scene)
-            view::paintScene(picture_, *drawing_.scene, frame, kBackground,
-                             std::clamp(int(std::thread::hardware_concurrency()), 1, kMostBands), detail);
-    }
+    scaled.widthPixels = int(width() * ratio);
+    scaled.heightPixels = int(height() * ratio);
+    QImage picture = picture_.picture(drawing_, frameOf(scaled));
+    picture.setDevicePixelRatio(ratio);
+    return picture;
 }
 
 void Canvas::reportFailure(const std::exception_ptr& failure)

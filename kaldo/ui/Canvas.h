@@ -2,7 +2,9 @@
 // it, with the drag's entity, highlights, the entity a pick would take, the
 // crosshair, the pick box and the snap marker on top. The drawing is painted once per view into a
 // picture that each frame only copies, so that a frame costs the same for
-// any drawing; a pan moves the picture and paints what it uncovers. Middle drag pans, the wheel zooms at the cursor, a middle
+// any drawing; a pan moves the picture and paints what it uncovers, and a
+// large drawing is painted on a thread of its own behind a preview
+// (DrawingPicture). Middle drag pans, the wheel zooms at the cursor, a middle
 // double click shows everything. Left clicks give points: snapped and
 // ortho-constrained where the command line asks for a point. While an
 // entity pick waits, the cursor's motion goes to the command thread, which
@@ -17,6 +19,7 @@
 
 #include "kaldo/ed/View.h"
 #include "kaldo/ui/CommandRunner.h"
+#include "kaldo/ui/DrawingPicture.h"
 #include "kaldo/view/Picture.h"
 
 #include <QImage>
@@ -46,6 +49,8 @@ public:
     void setInputState(const InputState& state);
     // Shows the whole drawing.
     void zoomExtents();
+    // Whether the drawing shows as a preview while its picture is painted.
+    bool refining() const { return picture_.refining(); }
 
     bool snapsOn() const { return snapsOn_; }
     void setSnapsOn(bool on) { snapsOn_ = on; }
@@ -79,11 +84,9 @@ protected:
 
 private:
     void place(const ViewPlacement& placement);
-    const QImage& drawingPicture();
-    // Paints the drawing into picture_: whole, or after moving it by shift
-    // pixels only the strips that the move uncovers.
-    void paintPicture(const QSize& pixels, const QColor& background, const view::PictureFrame& frame,
-                      const std::optional<QPoint>& shift);
+    // The drawing's picture for the current view (a preview while a large
+    // drawing is painted).
+    QImage drawingPicture();
     void reportFailure(const std::exception_ptr& failure);
     bool wantsPoint() const;
     // Whether a click picks objects (or starts a selection window): at
@@ -98,10 +101,7 @@ private:
     ViewPlacement placement_;
     PublishedDrawing drawing_;
     bool fittedOnce_ = false;
-    QImage picture_;
-    bool pictureValid_ = false;
-    ViewPlacement pictureFor_;                  // what picture_ shows
-    const view::Scene* pictureScene_ = nullptr;
+    DrawingPicture picture_;
     const view::Scene* failedScene_ = nullptr;  // the scene whose failure was said
     std::shared_ptr<const view::Scene> dragScene_;
     std::shared_ptr<const view::Scene> highlight_;

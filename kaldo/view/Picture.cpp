@@ -163,7 +163,7 @@ FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* poly
     // Each instance's colours, each once.
     const auto instanceColors = [&](const Instance& instance, auto&& take) {
         std::vector<std::uint32_t> seen;
-        scene.visitPolygons(instance, [&](const DrawColor& color, std::span<const Point2>) {
+        scene.visitFillColors(instance, [&](const DrawColor& color) {
             const std::uint32_t c = indexOf(color);
             if (std::find(seen.begin(), seen.end(), c) == seen.end()) {
                 seen.push_back(c);

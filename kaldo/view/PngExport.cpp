@@ -60,7 +60,8 @@ public:
           m_bands(std::move(bands)),
           m_painter(painter),
           m_coarse(detail.coarse),
-          m_index(detail.index)
+          m_index(detail.index),
+          m_stop(detail.stop)
     {
         m_lines.reserve(kBatch);
         if (m_index)
@@ -77,7 +78,7 @@ public:
         const std::vector<bool> hidden = m_coarse ? hiddenInNarrowGroups(order) : std::vector<bool>();
         for (const std::size_t p : order) {
             const bool dashed = choosePen(m_scene.pens()[p]);
-            for (std::uint32_t i = lines.starts[p]; i < lines.starts[p + 1]; ++i) {
+            for (std::uint32_t i = lines.starts[p]; i < lines.starts[p + 1] && !stopped(); ++i) {
                 const SceneItem item = lines.order[i];
                 if (item.instance)
                     paintInstance(m_scene.instances()[item.index], int(p), dashed);
@@ -85,7 +86,7 @@ public:
                     paintPolyline(item.index, dashed);
             }
             flushSegments();
-            for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1]; ++i) {
+            for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1] && !stopped(); ++i) {
                 const Arc& arc = m_scene.arcs()[arcs.order[i]];
                 const PixelBox box = pixelBox(arc);
                 if (!reachesBand(box))
@@ -107,6 +108,8 @@ private:
     // A line of text whose box is lower than this is drawn as its box in a
     // coarse picture: its letters would be a smudge.
     static constexpr double kSmallTextPixels = 4.0;
+
+    bool stopped() const { return m_stop && m_stop->load(std::memory_order_relaxed); }
 
     QPointF pixel(const Point2& p) const { return {m_frame.x(p.x), m_frame.y(p.y)}; }
 
@@ -184,7 +187,7 @@ private:
                     path.lineTo(pixel(corners[p]));
                 path.closeSubpath();
             };
-            for (std::uint32_t i = fills.starts[c]; i < fills.starts[c + 1]; ++i) {
+            for (std::uint32_t i = fills.starts[c]; i < fills.starts[c + 1] && !stopped(); ++i) {
                 const SceneItem item = fills.order[i];
                 if (!item.instance) {
                     const Polygon& polygon = m_scene.polygons()[item.index];
@@ -408,6 +411,7 @@ private:
     std::vector<QPointF> m_dots;
     bool m_coarse;
     const SceneIndex* m_index;
+    const std::atomic<bool>* m_stop;
     std::optional<SceneItems> m_near;
 };
 

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QRegion>
 
+#include <atomic>
 #include <filesystem>
 #include <string>
 
@@ -28,6 +29,9 @@ struct PaintDetail {
     // longer than a pixel, of multilines wider than one, come out the same.
     // (Every picture draws an item smaller than a pixel as a dot.)
     bool coarse = false;
+    // Once this is set, painting ends early and leaves the picture
+    // unfinished (a painting that is no longer wanted).
+    const std::atomic<bool>* stop = nullptr;
 };
 
 // Paints a scene with painter as frame places it, drawing only the items

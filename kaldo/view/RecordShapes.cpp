@@ -2,6 +2,7 @@
 
 #include "kaldo/db/ArcAngles.h"
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/util/Numbers.h"
 #include "kaldo/view/HatchPattern.h"
 #include "kaldo/view/PlaneArc.h"
 
@@ -120,9 +121,8 @@ const KxDbFileGroup* findGroup(const std::vector<KxDbFileGroup>& groups, int cod
 
 double numberIn(const KxDbFileGroup& group, double fallback)
 {
-    bool ok = false;
-    const double value = QString::fromStdString(group.value).trimmed().toDouble(&ok);
-    return ok && std::isfinite(value) ? value : fallback;
+    const std::optional<double> value = parseNumber(group.value);
+    return value && std::isfinite(*value) ? *value : fallback;
 }
 
 double groupNumber(const std::vector<KxDbFileGroup>& groups, int code, double fallback)

@@ -245,6 +245,10 @@ public:
     // (the scene's own first, then each instance's).
     template <class Visit>
     void visitTexts(Visit&& visit) const;
+    // Calls visit(color) for each fill of one instance, in the order of
+    // visitPolygons, without placing its points.
+    template <class Visit>
+    void visitFillColors(const Instance& instance, Visit&& visit) const;
     // Calls visit(pen) for each pen an instance draws in (its own for
     // kInstancePen), each once, in ascending order of the shape's pens.
     template <class Visit>
@@ -330,6 +334,19 @@ void Scene::visitPolygons(const Instance& instance, Visit&& visit) const
                 [&](const Polygon& polygon, std::span<const Point2> placed) {
                     visit(polygon.instanceColor ? m_pens[std::size_t(instance.pen)].color : polygon.color, placed);
                 });
+}
+
+template <class Visit>
+void Scene::visitFillColors(const Instance& instance, Visit&& visit) const
+{
+    const Shape& shape = m_shapes[instance.shape];
+    for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
+        const Part& part = m_parts[m_runs[r].part];
+        for (std::uint32_t i = part.firstPolygon; i < part.endPolygon; ++i) {
+            const Polygon& polygon = m_partPolygons[i];
+            visit(polygon.instanceColor ? m_pens[std::size_t(instance.pen)].color : polygon.color);
+        }
+    }
 }
 
 template <class Visit>

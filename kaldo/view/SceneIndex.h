@@ -47,6 +47,17 @@ public:
         });
     }
 
+    // Calls visit(item's box) for each item of known extent whose box
+    // meets box, in no set order.
+    template <class Visit>
+    void queryBoxes(const Box& box, Visit&& visit) const
+    {
+        m_index.query(box, [&](std::uint32_t item) {
+            if (m_finite[item])
+                visit(m_boxes[item]);
+        });
+    }
+
 private:
     std::size_t m_polylines = 0;
     std::size_t m_arcs = 0;

@@ -9,6 +9,7 @@
 #include <QTextLayout>
 
 #include <cmath>
+#include <optional>
 
 namespace kaldo::view {
 
@@ -125,13 +126,13 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
     for (qsizetype i = 0; i < lines.size(); ++i) {
         if (lines[i].trimmed().isEmpty())
             continue;
-        const double width = font.metrics.horizontalAdvance(lines[i]);
-        const double left = -place.horizontal * width;
         const double up = firstBaseline - spacing * double(i);
         // Layout units (y down from the baseline) to the drawing.
         const Affine toDrawing{c * along, (s - c * lean) * scale, s * along, -(c + s * lean) * scale,
                                place.anchor.x - s * scale * up, place.anchor.y + c * scale * up};
         if (m_scene.keepsTexts()) {
+            const double width = font.metrics.horizontalAdvance(lines[i]);
+            const double left = -place.horizontal * width;
             m_scene.addText(
                 {lines[i].toStdString(), font.file, left, Box{left, -cap, left + width, descent}, toDrawing, pen});
             continue;
@@ -139,14 +140,20 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
         runs.clear();
         std::size_t points = 0;
         bool outlined = false;
+        std::optional<double> laidOut;
         if (m_budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size())) {
-            outlined = letterRuns(font, lines[i], left, runs);
+            laidOut = letterRuns(font, lines[i], runs);
+            outlined = laidOut.has_value();
             for (const ShapeRun& run : runs)
                 points += m_partPoints[run.part];
             outlined = outlined && m_budget.take(points);
         } else {
             m_budget.markSpent();
         }
+        const double width = laidOut ? *laidOut : font.metrics.horizontalAdvance(lines[i]);
+        const double left = -place.horizontal * width;
+        for (ShapeRun& run : runs)
+            run.shift += left;
         if (!outlined) {
             drawBox({left, descent, left + width, -cap}, toDrawing, pen);
             continue;
@@ -159,23 +166,23 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
     return true;
 }
 
-bool TextShapes::letterRuns(const Font& font, const QString& line, double left, std::vector<ShapeRun>& runs)
+std::optional<double> TextShapes::letterRuns(const Font& font, const QString& line, std::vector<ShapeRun>& runs)
 {
     QTextLayout layout(line, font.font);
     layout.setCacheEnabled(true);
     layout.beginLayout();
-    layout.createLine();
+    const QTextLine laidOut = layout.createLine();
     layout.endLayout();
     for (const QGlyphRun& glyphRun : layout.glyphRuns()) {
         const QRawFont raw = glyphRun.rawFont();
         if (!raw.isValid())
-            return false;
+            return std::nullopt;
         const QList<quint32> glyphs = glyphRun.glyphIndexes();
         const QList<QPointF> positions = glyphRun.positions();
         for (qsizetype g = 0; g < glyphs.size(); ++g)
-            runs.push_back({glyphPart(raw, glyphs[g]), left + positions[g].x()});
+            runs.push_back({glyphPart(raw, glyphs[g]), positions[g].x()});
     }
-    return true;
+    return laidOut.horizontalAdvance();
 }
 
 std::uint32_t TextShapes::glyphPart(const QRawFont& font, quint32 glyph)

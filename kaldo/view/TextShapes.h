@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <string>
 
 #include <unordered_map>
@@ -70,9 +71,10 @@ private:
     struct Font;
     // The font of a style, made at its first text.
     const Font& styleFont(const std::string& style);
-    // The runs of a line's letters, laid out from x = left on the
-    // baseline; false when a letter's font has no outlines.
-    bool letterRuns(const Font& font, const QString& line, double left, std::vector<ShapeRun>& runs);
+    // The runs of a line's letters, laid out from x = 0 on the baseline,
+    // and the line's advance (its width with trailing blanks); nothing
+    // when a letter's font has no outlines.
+    std::optional<double> letterRuns(const Font& font, const QString& line, std::vector<ShapeRun>& runs);
     // The part of a glyph's outline, made at its first use.
     std::uint32_t glyphPart(const QRawFont& font, quint32 glyph);
     // The corners of box (layout units), placed, as a closed polyline.
