@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
-#include <numeric>
+#include <ranges>
 #include <optional>
 #include <span>
 #include <utility>
@@ -383,9 +383,7 @@ void KxDbMline::subSetDatabaseDefaults(KxDbDatabase* db)
 
 void KxDbMline::rebuildAll()
 {
-    std::vector<std::size_t> all(m_vertices.size());
-    std::iota(all.begin(), all.end(), std::size_t{0});
-    rebuild(all, all);
+    rebuildVertices(std::views::iota(std::size_t{0}, m_vertices.size()), [](std::size_t) { return true; });
 }
 
 void KxDbMline::dropUnusedLists()
@@ -404,13 +402,18 @@ void KxDbMline::dropUnusedLists()
 
 void KxDbMline::rebuild(std::span<const std::size_t> vertices, std::span<const std::size_t> freshVertices)
 {
+    std::vector<std::size_t> fresh(freshVertices.begin(), freshVertices.end());
+    std::ranges::sort(fresh);
+    rebuildVertices(vertices, [&](std::size_t v) { return std::ranges::binary_search(fresh, v); });
+}
+
+template <class Vertices, class IsFresh>
+void KxDbMline::rebuildVertices(const Vertices& vertices, const IsFresh& isFresh)
+{
     const std::size_t n = m_vertices.size();
     if (n == 0)
         return;
     const Layout layout = layoutOf(*this);
-    std::vector<std::size_t> fresh(freshVertices.begin(), freshVertices.end());
-    if (!std::ranges::is_sorted(fresh))
-        std::ranges::sort(fresh);
 
     // The lists made for the vertex before, which an equal one shares:
     // straight runs keep one set of lists, as they do when read from a file.
@@ -426,16 +429,15 @@ void KxDbMline::rebuild(std::span<const std::size_t> vertices, std::span<const s
         vertex.miter = frame.miter;
 
         const KxDbMlineVertexLists old = listsOf(vertex);
-        const bool isFresh =
-            std::size_t(old.numElements()) != layout.offsets.size() || std::ranges::binary_search(fresh, v);
-        if (isFresh)
+        const bool fresh = std::size_t(old.numElements()) != layout.offsets.size() || isFresh(v);
+        if (fresh)
             lists.setNumElements(0);
         else
             lists.assign(old);
         lists.setNumElements(int(layout.offsets.size()));
         for (std::size_t e = 0; e < layout.offsets.size(); ++e) {
             const double entry0 = frame.entry0(layout, e);
-            if (isFresh) {
+            if (fresh) {
                 const std::array whole{entry0, 0.0};
                 lists.setElement(int(e), whole);
                 lists.setAreaFill(int(e), whole);

@@ -345,6 +345,9 @@ private:
     // touches, so its cost does not grow with the multiline.
     void rebuild(std::span<const std::size_t> vertices, std::span<const std::size_t> freshVertices);
     void rebuildAll();
+    // The same for a range of vertex indices, isFresh(v) telling the fresh.
+    template <class Vertices, class IsFresh>
+    void rebuildVertices(const Vertices& vertices, const IsFresh& isFresh);
     // The lists of a vertex, and the store's lists that no vertex uses any
     // more dropped once they outweigh those in use (every edit adds lists).
     KxDbMlineVertexLists listsOf(const Vertex& vertex) const { return m_lists.at(vertex.lists); }
