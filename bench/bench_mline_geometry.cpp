@@ -15,6 +15,14 @@ KxGePoint3d zigzag(int i)
     return {i * 10.0, (i % 2) * 7.0, 0.0};
 }
 
+// A zigzag multiline of n vertices in the drawing's current style.
+void drawZigzag(KxDbMline& mline, KxDbDatabase& db, int n)
+{
+    mline.setDatabaseDefaults(&db);
+    for (int i = 0; i < n; ++i)
+        mline.appendSeg(zigzag(i));
+}
+
 void BM_DrawTenVertexMultilines(benchmark::State& state)
 {
     KxDbDatabase db;
@@ -34,10 +42,8 @@ void BM_RubberBandStep(benchmark::State& state)
 {
     KxDbDatabase db;
     KxDbMline mline;
-    mline.setDatabaseDefaults(&db);
     const int n = static_cast<int>(state.range(0));
-    for (int i = 0; i < n; ++i)
-        mline.appendSeg(zigzag(i));
+    drawZigzag(mline, db, n);
     double t = 0;
     for (auto _ : state) {
         t += 0.01;
@@ -52,10 +58,8 @@ void BM_RebuildWholeMultiline(benchmark::State& state)
 {
     KxDbDatabase db;
     KxDbMline mline;
-    mline.setDatabaseDefaults(&db);
     const int n = static_cast<int>(state.range(0));
-    for (int i = 0; i < n; ++i)
-        mline.appendSeg(zigzag(i));
+    drawZigzag(mline, db, n);
     double scale = 1;
     for (auto _ : state) {
         scale = scale == 1 ? 2 : 1;
