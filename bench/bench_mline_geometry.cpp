@@ -1,6 +1,7 @@
 // How fast the host builds multiline geometry: drawing whole multilines into
-// a drawing, and the rubber-band step of the drawing command (moving the last
-// vertex) on multilines of growing length.
+// a drawing, the rubber-band step of the drawing command (moving the last
+// vertex) on multilines of growing length, and laying a long multiline out
+// anew when its scale changes (every vertex rebuilt).
 #include "kxdb.h"
 
 #include <benchmark/benchmark.h>
@@ -12,6 +13,14 @@ namespace {
 KxGePoint3d zigzag(int i)
 {
     return {i * 10.0, (i % 2) * 7.0, 0.0};
+}
+
+// A zigzag multiline of n vertices in the drawing's current style.
+void drawZigzag(KxDbMline& mline, KxDbDatabase& db, int n)
+{
+    mline.setDatabaseDefaults(&db);
+    for (int i = 0; i < n; ++i)
+        mline.appendSeg(zigzag(i));
 }
 
 void BM_DrawTenVertexMultilines(benchmark::State& state)
@@ -33,10 +42,8 @@ void BM_RubberBandStep(benchmark::State& state)
 {
     KxDbDatabase db;
     KxDbMline mline;
-    mline.setDatabaseDefaults(&db);
     const int n = static_cast<int>(state.range(0));
-    for (int i = 0; i < n; ++i)
-        mline.appendSeg(zigzag(i));
+    drawZigzag(mline, db, n);
     double t = 0;
     for (auto _ : state) {
         t += 0.01;
@@ -46,6 +53,23 @@ void BM_RubberBandStep(benchmark::State& state)
     state.SetComplexityN(n);
 }
 BENCHMARK(BM_RubberBandStep)->RangeMultiplier(10)->Range(10, 10000)->Complexity();
+
+void BM_RebuildWholeMultiline(benchmark::State& state)
+{
+    KxDbDatabase db;
+    KxDbMline mline;
+    const int n = static_cast<int>(state.range(0));
+    drawZigzag(mline, db, n);
+    double scale = 1;
+    for (auto _ : state) {
+        scale = scale == 1 ? 2 : 1;
+        mline.setScale(scale);
+        benchmark::DoNotOptimize(mline.miterAt(n - 1));
+    }
+    state.SetComplexityN(n);
+    state.SetItemsProcessed(state.iterations() * n);
+}
+BENCHMARK(BM_RebuildWholeMultiline)->Arg(1000)->Arg(4000)->Arg(16000)->Arg(64000)->Complexity()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

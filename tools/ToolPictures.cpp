@@ -29,16 +29,10 @@ void setRuns(KxDbMline& mline, int vertex, int element, Runs runs)
 {
     KxArray array;
     mline.getParametersAt(vertex, array);
-    auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
-    auto* copy = KxDbMlineVertexParams::create();
-    copy->elements = record->elements;
-    std::vector<double>& list = copy->elements[std::size_t(element)].element;
-    runs.insert(runs.begin(), list.front());
-    list = runs;
-    KxArray out;
-    out.append(copy);
-    mline.setParametersAt(vertex, out);
-    copy->release();
+    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
+    runs.insert(runs.begin(), record->lists.element(element).front());
+    record->lists.setElement(element, runs);
+    mline.setParametersAt(vertex, array);
 }
 
 class ToolDrawing {

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace kaldo {
 
@@ -17,18 +16,15 @@ bool isFinite(const Xyz& p)
     return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
 }
 
-inline bool finiteLists(const std::vector<KxDbMlineElementParams>& elements)
+inline bool finiteLists(KxDbMlineVertexLists lists)
 {
-    return std::ranges::all_of(elements, [](const KxDbMlineElementParams& lists) {
-        const auto finite = [](double value) { return std::isfinite(value); };
-        return std::ranges::all_of(lists.element, finite) && std::ranges::all_of(lists.areaFill, finite);
-    });
+    return std::ranges::all_of(lists.values(), [](double value) { return std::isfinite(value); });
 }
 
 // A point or a scale so large that a miter or a list overflows is refused.
-inline bool finiteVertex(const KxDbMlineVertex& v)
+inline bool finiteVertex(const KxDbMlineVertex& v, KxDbMlineVertexLists lists)
 {
-    return isFinite(v.position) && isFinite(v.axis) && isFinite(v.miter) && (!v.params || finiteLists(v.params->elements));
+    return isFinite(v.position) && isFinite(v.axis) && isFinite(v.miter) && finiteLists(lists);
 }
 
 }  // namespace kaldo

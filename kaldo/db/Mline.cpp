@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <numbers>
-#include <numeric>
+#include <ranges>
+#include <optional>
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "kaldo/db/EntityPlane.h"
 #include "kaldo/db/FiniteValues.h"
@@ -24,92 +25,42 @@ using kaldo::finiteLists;
 using kaldo::finiteVertex;
 using kaldo::isFinite;
 
-template <class Vertices>
-bool finiteGeometry(const Vertices& vertices)
+// The vertices at indices of vertices (those in range) hold numbers only,
+// their lists in store too.
+template <class Indices>
+bool finiteAt(std::span<const KxDbMlineVertex> vertices, const KxDbMlineListStore& store, const Indices& indices)
 {
-    return std::ranges::all_of(vertices, [](const auto& v) { return finiteVertex(v); });
-}
-
-// The same for the vertices an edit rebuilt; the others did not change.
-template <class Vertices>
-bool finiteGeometry(const Vertices& vertices, std::span<const std::size_t> touched)
-{
-    return std::ranges::all_of(touched, [&](std::size_t i) { return i >= vertices.size() || finiteVertex(vertices[i]); });
-}
-
-// Whether two sets of lists hold the same values bit for bit (0 and -0 are
-// written differently, so they differ here).
-bool sameLists(const std::vector<KxDbMlineElementParams>& a, const std::vector<KxDbMlineElementParams>& b)
-{
-    const auto sameList = [](const std::vector<double>& x, const std::vector<double>& y) {
-        return x.size() == y.size() && (x.empty() || std::memcmp(x.data(), y.data(), x.size() * sizeof(double)) == 0);
-    };
-    return std::ranges::equal(a, b, [&](const KxDbMlineElementParams& x, const KxDbMlineElementParams& y) {
-        return sameList(x.element, y.element) && sameList(x.areaFill, y.areaFill);
+    return std::ranges::all_of(indices, [&](std::size_t i) {
+        return i >= vertices.size() || finiteVertex(vertices[i], store.at(vertices[i].lists));
     });
 }
 
+// Puts the vertices' lists, which lie in from, into to (emptied first):
+// neighbours whose lists are equal bit for bit share them, and lists no
+// vertex uses stay behind. to gets exactly the room it needs.
+void copyLists(std::span<KxDbMlineVertex> vertices, const KxDbMlineListStore& from, KxDbMlineListStore& to)
+{
+    const auto sameAsBefore = [&](std::size_t i) {
+        return i > 0 && (vertices[i].lists == vertices[i - 1].lists ||
+                         from.at(vertices[i].lists).sameAs(from.at(vertices[i - 1].lists)));
+    };
+    std::vector<bool> shared(vertices.size());
+    std::size_t values = 0;
+    std::size_t ends = 0;
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        shared[i] = sameAsBefore(i);
+        if (!shared[i]) {
+            values += from.at(vertices[i].lists).values().size();
+            ends += 2 * std::size_t(vertices[i].lists.elements);
+        }
+    }
+    to.clear();
+    to.reserve(values, ends);
+    for (std::size_t i = 0; i < vertices.size(); ++i)
+        vertices[i].lists = shared[i] ? vertices[i - 1].lists : to.add(from.at(vertices[i].lists));
+}
+
 }  // namespace
-
-KxDbMlineVertexParams* KxDbMlineVertexParams::create()
-{
-    return new KxDbMlineVertexParams;
-}
-
-KxDbMlineVertexParams* KxDbMlineVertexParams::fromArray(const KxArray& params)
-{
-    return params.isEmpty() ? nullptr : static_cast<KxDbMlineVertexParams*>(params.at(0));
-}
-
-void KxDbMlineVertexParams::release()
-{
-    if (--m_refs == 0)
-        delete this;
-}
-
-KxDbMlineParamsPtr KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams* record)
-{
-    KxDbMlineParamsPtr ptr;
-    ptr.m_record = record;
-    return ptr;
-}
-
-KxDbMlineParamsPtr KxDbMlineParamsPtr::share(KxDbMlineVertexParams* record)
-{
-    if (record)
-        record->addRef();
-    return adopt(record);
-}
-
-KxDbMlineParamsPtr::KxDbMlineParamsPtr(const KxDbMlineParamsPtr& other) : m_record(other.m_record)
-{
-    if (m_record)
-        m_record->addRef();
-}
-
-KxDbMlineParamsPtr& KxDbMlineParamsPtr::operator=(const KxDbMlineParamsPtr& other)
-{
-    KxDbMlineParamsPtr copy(other);
-    std::swap(m_record, copy.m_record);
-    return *this;
-}
-
-KxDbMlineParamsPtr::KxDbMlineParamsPtr(KxDbMlineParamsPtr&& other) noexcept : m_record(other.m_record)
-{
-    other.m_record = nullptr;
-}
-
-KxDbMlineParamsPtr& KxDbMlineParamsPtr::operator=(KxDbMlineParamsPtr&& other) noexcept
-{
-    std::swap(m_record, other.m_record);
-    return *this;
-}
-
-KxDbMlineParamsPtr::~KxDbMlineParamsPtr()
-{
-    if (m_record)
-        m_record->release();
-}
 
 Kald::ErrorStatus KxDbMlineImp::appendSegments(const KxGePoint3dArray& points)
 {
@@ -129,35 +80,17 @@ Kald::ErrorStatus KxDbMlineImp::appendSeg(const KxGeVector3dArray& vectors, bool
     return Kald::eOk;
 }
 
-bool KxDbMlineImp::appendSharingPrevious(const KxDbMlineStoredVertex& v)
+Kald::ErrorStatus KxDbMlineImp::setStoredVertices(std::vector<KxDbMlineVertex> vertices,
+                                                  const KxDbMlineListStore& lists)
 {
-    // Straight runs and repeated corners keep one record, not one each.
-    if (m_mline.m_vertices.empty() || !sameLists(m_mline.m_vertices.back().params->elements, v.elements))
-        return false;
-    const KxDbMlineParamsPtr previous = m_mline.m_vertices.back().params;
-    m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, previous});
-    return true;
-}
-
-Kald::ErrorStatus KxDbMlineImp::setStoredVertices(std::vector<KxDbMlineVertex> vertices)
-{
-    if (!std::ranges::all_of(vertices, [](const KxDbMlineVertex& v) { return v.params && finiteVertex(v); }))
+    if (!std::ranges::all_of(vertices, [&](const KxDbMlineVertex& v) {
+            return lists.holds(v.lists) && finiteVertex(v, lists.at(v.lists));
+        }))
         return Kald::eInvalidInput;
     m_mline.m_vertices = std::move(vertices);
+    copyLists(m_mline.m_vertices, lists, m_mline.m_lists);
+    m_mline.m_bytesInUse = m_mline.m_lists.byteSize();
     return Kald::eOk;
-}
-
-void KxDbMlineImp::copyStoredVertices(std::span<const KxDbMlineStoredVertex> vertices)
-{
-    m_mline.m_vertices.clear();
-    m_mline.m_vertices.reserve(vertices.size());
-    for (const KxDbMlineStoredVertex& v : vertices) {
-        if (appendSharingPrevious(v))
-            continue;
-        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-        record->elements = v.elements;
-        m_mline.m_vertices.push_back(KxDbMline::Vertex{v.position, v.axis, v.miter, std::move(record)});
-    }
 }
 
 Kald::ErrorStatus KxDbMlineImp::setStoredProperties(KxDbObjectId style, int justification, double scale,
@@ -187,17 +120,77 @@ KxDbMlineImp* KxDbSystemInternals::getImpObject(KxDbObject* obj)
 KxDbMline::KxDbMline() = default;
 KxDbMline::~KxDbMline() = default;
 
+namespace {
+
+// What laying a multiline's vertices out takes from its style and plane.
+struct Layout {
+    kaldo::EntityPlane plane;
+    std::vector<double> offsets;
+    double startAngle = std::numbers::pi / 2;
+    double endAngle = std::numbers::pi / 2;
+};
+
+Layout layoutOf(const KxDbMline& mline)
+{
+    Layout layout{kaldo::EntityPlane(mline.normal()), {}};
+    if (const auto* style = KxDbMlineStyle::cast(kaldo::lookupObject(mline.style()))) {
+        layout.offsets = kxdbMlineElementOffsets(*style, mline.scale(), mline.justification());
+        layout.startAngle = style->startAngle();
+        layout.endAngle = style->endAngle();
+    }
+    return layout;
+}
+
+// A vertex's axis and miter as laid out, with their plane angles.
+struct VertexFrame {
+    KxGeVector3d axis;
+    KxGeVector3d miter;
+    kaldo::VertexAngles angles;
+
+    double entry0(const Layout& layout, std::size_t element) const
+    {
+        return kaldo::miterDistance(layout.offsets[element], angles.miter, angles.axis);
+    }
+};
+
+VertexFrame frameAt(const Layout& layout, std::span<const KxDbMlineVertex> vertices, bool closed, std::size_t v)
+{
+    const auto point = [&](std::size_t i) { return layout.plane.toPlane(vertices[i].position); };
+    const kaldo::VertexAngles a =
+        kaldo::vertexAnglesAt(point, vertices.size(), v, closed, layout.startAngle, layout.endAngle);
+    return {layout.plane.toWorld(KxGeVector3d(std::cos(a.axis), std::sin(a.axis))),
+            layout.plane.toWorld(KxGeVector3d(std::cos(a.miter), std::sin(a.miter))), a};
+}
+
+// Whether laying every vertex out anew gives numbers only: its axis, its
+// miter and entry 0 of each element (the other entries of fresh lists are 0).
+bool layoutFinite(const Layout& layout, std::span<const KxDbMlineVertex> vertices, bool closed)
+{
+    for (std::size_t v = 0; v < vertices.size(); ++v) {
+        const VertexFrame frame = frameAt(layout, vertices, closed, v);
+        if (!isFinite(frame.axis) || !isFinite(frame.miter))
+            return false;
+        for (std::size_t e = 0; e < layout.offsets.size(); ++e)
+            if (!std::isfinite(frame.entry0(layout, e)))
+                return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 template <class Restore>
 Kald::ErrorStatus KxDbMline::rebuildAllOrRestore(Restore restore)
 {
-    // Rebuilding makes new records, so the copy keeps the old lists.
-    std::vector<Vertex> before = m_vertices;
+    // Checked before anything changes, so that nothing needs to be kept
+    // for going back.
+    if (!layoutFinite(layoutOf(*this), m_vertices, m_closed)) {
+        restore();
+        return Kald::eInvalidInput;
+    }
     rebuildAll();
-    if (finiteGeometry(m_vertices))
-        return Kald::eOk;
-    m_vertices = std::move(before);
-    restore();
-    return Kald::eInvalidInput;
+    dropUnusedLists();
+    return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbMline::setStyle(KxDbObjectId style)
@@ -242,6 +235,7 @@ Kald::ErrorStatus KxDbMline::setClosedMline(bool closed)
     if (!m_vertices.empty()) {
         const std::size_t last = m_vertices.size() - 1;
         rebuild(std::array{last, std::size_t{0}}, std::array{last});
+        dropUnusedLists();
     }
     return Kald::eOk;
 }
@@ -282,11 +276,12 @@ Kald::ErrorStatus KxDbMline::appendSeg(const KxGePoint3d& point)
     const std::size_t before = last > 0 ? last - 1 : last;
     const std::array touched{before, last, std::size_t{0}};
     rebuild(touched, std::array{before, last});
-    if (!finiteGeometry(m_vertices, touched)) {
+    if (!finiteAt(m_vertices, m_lists, touched)) {
         KxGePoint3d dropped;
         removeLastSeg(dropped);
         return Kald::eInvalidInput;
     }
+    dropUnusedLists();
     return Kald::eOk;
 }
 
@@ -302,6 +297,7 @@ Kald::ErrorStatus KxDbMline::removeLastSeg(KxGePoint3d& lastPoint)
         const std::size_t last = m_vertices.size() - 1;
         rebuild(std::array{last, std::size_t{0}}, std::array{last});
     }
+    dropUnusedLists();
     return Kald::eOk;
 }
 
@@ -320,12 +316,13 @@ Kald::ErrorStatus KxDbMline::moveVertexAt(int index, const KxGePoint3d& point)
     const std::array touched{previous, at, next};
     const std::array fresh{at, previous};
     rebuild(touched, fresh);
-    if (!finiteGeometry(m_vertices, touched)) {
+    const bool finite = finiteAt(m_vertices, m_lists, touched);
+    if (!finite) {
         m_vertices[at].position = old;
         rebuild(touched, fresh);
-        return Kald::eInvalidInput;
     }
-    return Kald::eOk;
+    dropUnusedLists();
+    return finite ? Kald::eOk : Kald::eInvalidInput;
 }
 
 Kald::ErrorStatus KxDbMline::getParametersAt(int index, KxArray& params) const
@@ -333,25 +330,26 @@ Kald::ErrorStatus KxDbMline::getParametersAt(int index, KxArray& params) const
     params.removeAll();
     if (index < 0 || index >= numVertices())
         return Kald::eInvalidIndex;
-    KxDbMlineVertexParams* record = m_vertices[std::size_t(index)].params.get();
-    record->addRef();
+    KxDbMlineVertexParams* record = KxDbMlineVertexParams::create();
+    record->lists.assign(listsOf(m_vertices[std::size_t(index)]));
     params.append(record);
     return Kald::eOk;
 }
 
-const KxDbMlineVertexParams* KxDbMline::parametersAt(int index) const
+KxDbMlineVertexLists KxDbMline::parametersAt(int index) const
 {
-    return index >= 0 && index < numVertices() ? m_vertices[std::size_t(index)].params.get() : nullptr;
+    return index >= 0 && index < numVertices() ? listsOf(m_vertices[std::size_t(index)]) : KxDbMlineVertexLists();
 }
 
 Kald::ErrorStatus KxDbMline::setParametersAt(int index, const KxArray& params)
 {
     if (index < 0 || index >= numVertices())
         return Kald::eInvalidIndex;
-    KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(params);
-    if (!record || !finiteLists(record->elements))
+    const KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(params);
+    if (!record || !finiteLists(record->lists.view()))
         return Kald::eInvalidInput;
-    m_vertices[std::size_t(index)].params = KxDbMlineParamsPtr::share(record);
+    m_vertices[std::size_t(index)].lists = m_lists.add(record->lists.view());
+    dropUnusedLists();
     return Kald::eOk;
 }
 
@@ -367,20 +365,9 @@ Kald::ErrorStatus KxDbMline::copyFrom(const KxDbObject* other)
     m_closed = src->m_closed;
     m_supressStartCaps = src->m_supressStartCaps;
     m_supressEndCaps = src->m_supressEndCaps;
-    m_vertices.clear();
-    m_vertices.reserve(src->m_vertices.size());
-    // Records of their own, shared between vertices as the source shares them.
-    for (std::size_t i = 0; i < src->m_vertices.size(); ++i) {
-        const Vertex& v = src->m_vertices[i];
-        KxDbMlineParamsPtr record;
-        if (i > 0 && v.params.get() == src->m_vertices[i - 1].params.get()) {
-            record = m_vertices.back().params;
-        } else if (v.params) {
-            record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-            record->elements = v.params->elements;
-        }
-        m_vertices.push_back(Vertex{v.position, v.axis, v.miter, std::move(record)});
-    }
+    m_vertices = src->m_vertices;
+    copyLists(m_vertices, src->m_lists, m_lists);
+    m_bytesInUse = m_lists.byteSize();
     return Kald::eOk;
 }
 
@@ -391,66 +378,78 @@ void KxDbMline::subSetDatabaseDefaults(KxDbDatabase* db)
     m_justification = db->cmljust();
     m_scale = db->cmlscale();
     rebuildAll();
+    dropUnusedLists();
 }
 
 void KxDbMline::rebuildAll()
 {
-    std::vector<std::size_t> all(m_vertices.size());
-    std::iota(all.begin(), all.end(), std::size_t{0});
-    rebuild(all, all);
+    rebuildVertices(std::views::iota(std::size_t{0}, m_vertices.size()), [](std::size_t) { return true; });
+}
+
+void KxDbMline::dropUnusedLists()
+{
+    // Lists are added, never changed in place: dropping what no vertex uses
+    // once it outweighs what they use keeps every edit's cost constant on
+    // average.
+    constexpr std::size_t kSlack = 4096;
+    if (m_lists.byteSize() <= 2 * m_bytesInUse + kSlack)
+        return;
+    KxDbMlineListStore kept;
+    copyLists(m_vertices, m_lists, kept);
+    m_lists = std::move(kept);
+    m_bytesInUse = m_lists.byteSize();
 }
 
 void KxDbMline::rebuild(std::span<const std::size_t> vertices, std::span<const std::size_t> freshVertices)
 {
+    std::vector<std::size_t> fresh(freshVertices.begin(), freshVertices.end());
+    std::ranges::sort(fresh);
+    rebuildVertices(vertices, [&](std::size_t v) { return std::ranges::binary_search(fresh, v); });
+}
+
+template <class Vertices, class IsFresh>
+void KxDbMline::rebuildVertices(const Vertices& vertices, const IsFresh& isFresh)
+{
     const std::size_t n = m_vertices.size();
     if (n == 0)
         return;
-    const kaldo::EntityPlane plane(m_normal);
-    const auto point = [&](std::size_t i) { return plane.toPlane(m_vertices[i].position); };
+    const Layout layout = layoutOf(*this);
 
-    const auto* style = KxDbMlineStyle::cast(kaldo::lookupObject(m_style));
-    const std::vector<double> offsets =
-        style ? kxdbMlineElementOffsets(*style, m_scale, m_justification) : std::vector<double>();
-    const double startAngle = style ? style->startAngle() : std::numbers::pi / 2;
-    const double endAngle = style ? style->endAngle() : std::numbers::pi / 2;
-
-    // The record made for the vertex before, which an equal one shares:
-    // straight runs keep one record, as they do when read from a file.
-    KxDbMlineVertexParams* madeBefore = nullptr;
+    // The lists made for the vertex before, which an equal one shares:
+    // straight runs keep one set of lists, as they do when read from a file.
+    KxDbMlineListSet lists;
+    std::optional<KxDbMlineListsRef> madeBefore;
     std::size_t madeAt = n;
     for (const std::size_t v : vertices) {
         if (v >= n)
             continue;
+        const VertexFrame frame = frameAt(layout, m_vertices, m_closed, v);
         Vertex& vertex = m_vertices[v];
-        const kaldo::VertexAngles a = kaldo::vertexAnglesAt(point, n, v, m_closed, startAngle, endAngle);
-        vertex.axis = plane.toWorld(KxGeVector3d(std::cos(a.axis), std::sin(a.axis)));
-        vertex.miter = plane.toWorld(KxGeVector3d(std::cos(a.miter), std::sin(a.miter)));
+        vertex.axis = frame.axis;
+        vertex.miter = frame.miter;
 
-        // Lists are rewritten in a record of the multiline's own, so that a
-        // reference a caller still holds keeps what it was given.
-        const KxDbMlineVertexParams* old = vertex.params.get();
-        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-        const bool fresh = !old || old->elements.size() != offsets.size() ||
-                           std::find(freshVertices.begin(), freshVertices.end(), v) != freshVertices.end();
-        if (!fresh)
-            record->elements = old->elements;
-        record->elements.resize(offsets.size());
-        for (std::size_t e = 0; e < offsets.size(); ++e) {
-            const double entry0 = kaldo::miterDistance(offsets[e], a.miter, a.axis);
-            KxDbMlineElementParams& lists = record->elements[e];
-            for (std::vector<double>* list : {&lists.areaFill, &lists.element}) {
-                if (fresh || list->empty())
-                    *list = {entry0, 0.0};
-                else
-                    list->front() = entry0;
+        const KxDbMlineVertexLists old = listsOf(vertex);
+        const bool fresh = std::size_t(old.numElements()) != layout.offsets.size() || isFresh(v);
+        if (fresh)
+            lists.setNumElements(0);
+        else
+            lists.assign(old);
+        lists.setNumElements(int(layout.offsets.size()));
+        for (std::size_t e = 0; e < layout.offsets.size(); ++e) {
+            const double entry0 = frame.entry0(layout, e);
+            if (fresh) {
+                const std::array whole{entry0, 0.0};
+                lists.setElement(int(e), whole);
+                lists.setAreaFill(int(e), whole);
+            } else {
+                lists.setEntry0(int(e), entry0);
             }
         }
-        if (madeBefore && madeAt + 1 == v && sameLists(madeBefore->elements, record->elements)) {
-            vertex.params = KxDbMlineParamsPtr::share(madeBefore);
-        } else {
-            vertex.params = std::move(record);
-            madeBefore = vertex.params.get();
-        }
+        if (madeBefore && madeAt + 1 == v && lists.view().sameAs(m_lists.at(*madeBefore)))
+            vertex.lists = *madeBefore;
+        else if (!lists.view().sameAs(listsOf(vertex)))
+            vertex.lists = m_lists.add(lists.view());
+        madeBefore = vertex.lists;
         madeAt = v;
     }
 }

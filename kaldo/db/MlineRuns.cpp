@@ -9,12 +9,12 @@
 
 namespace kaldo {
 
-std::vector<double> refitRuns(const std::vector<double>& list, const SegmentChange& change)
+std::vector<double> refitRuns(std::span<const double> list, const SegmentChange& change)
 {
     if (list.size() < 2 || (!change.startChanged && !change.endChanged && change.shift == 0))
-        return list;
+        return {list.begin(), list.end()};
     const double tolerance = kxGeTolerance * std::max({1.0, std::abs(change.oldLength), std::abs(change.newLength)});
-    const auto runs = std::span(list).subspan(1);
+    const auto runs = list.subspan(1);
     // The old distances the new segment's ends stand at, within the old
     // segment: beyond an end that moved, the element goes on as it was
     // drawn at that end.

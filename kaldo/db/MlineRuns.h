@@ -5,6 +5,7 @@
 // lie at or before it.
 #pragma once
 
+#include <span>
 #include <vector>
 
 namespace kaldo {
@@ -25,6 +26,6 @@ struct SegmentChange {
 };
 
 // The list after the change: entry 0 as it was, the runs refit.
-std::vector<double> refitRuns(const std::vector<double>& list, const SegmentChange& change);
+std::vector<double> refitRuns(std::span<const double> list, const SegmentChange& change);
 
 }  // namespace kaldo

@@ -17,18 +17,6 @@ namespace {
 
 using kaldo::isFinite;
 
-// The lists of a record with every entry multiplied by factor.
-KxDbMlineParamsPtr scaledRecord(const KxDbMlineVertexParams& record, double factor)
-{
-    auto scaled = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-    scaled->elements = record.elements;
-    for (KxDbMlineElementParams& lists : scaled->elements)
-        for (std::vector<double>* list : {&lists.element, &lists.areaFill})
-            for (double& value : *list)
-                value *= factor;
-    return scaled;
-}
-
 double planeAngleOf(const kaldo::EntityPlane& plane, const KxGeVector3d& world)
 {
     const KxGeVector3d d = plane.toPlane(world);
@@ -69,22 +57,32 @@ Kald::ErrorStatus KxDbMline::transformBy(const KxGeMatrix3d& m)
         return Kald::eInvalidInput;
     std::vector<Vertex> vertices;
     vertices.reserve(m_vertices.size());
+    // Scaled lists go to a store of their own; neighbours that shared
+    // lists share their scaled copy.
+    KxDbMlineListStore scaled;
+    KxDbMlineListSet lists;
     for (const Vertex& v : m_vertices) {
-        Vertex image{m * v.position, normalized(m * v.axis), normalized(m * v.miter), v.params};
-        if (k != 1 && v.params) {
-            // Neighbours that shared a record share its scaled copy.
-            if (!vertices.empty() && m_vertices[vertices.size() - 1].params.get() == v.params.get())
-                image.params = vertices.back().params;
-            else
-                image.params = scaledRecord(*v.params.get(), k);
-            if (!kaldo::finiteLists(image.params->elements))
-                return Kald::eInvalidInput;
+        Vertex image{m * v.position, normalized(m * v.axis), normalized(m * v.miter), v.lists};
+        if (k != 1) {
+            if (!vertices.empty() && m_vertices[vertices.size() - 1].lists == v.lists) {
+                image.lists = vertices.back().lists;
+            } else {
+                lists.assign(listsOf(v));
+                lists.scale(k);
+                if (!kaldo::finiteLists(lists.view()))
+                    return Kald::eInvalidInput;
+                image.lists = scaled.add(lists.view());
+            }
         }
         if (!isFinite(image.position) || !isFinite(image.axis) || !isFinite(image.miter))
             return Kald::eInvalidInput;
-        vertices.push_back(std::move(image));
+        vertices.push_back(image);
     }
     m_vertices = std::move(vertices);
+    if (k != 1) {
+        m_lists = std::move(scaled);
+        m_bytesInUse = m_lists.byteSize();
+    }
     m_normal = normalized(normalImage);
     m_scale = scale;
     return Kald::eOk;
@@ -151,15 +149,18 @@ Kald::ErrorStatus KxDbMline::stretchFrom(const KxDbMline& source, std::span<cons
 
     const kaldo::EntityPlane plane(source.m_normal);
     const auto planePoint = [&](std::size_t i) { return plane.toPlane(position(int(i))); };
+    // The written vertices, each with its lists in a set of its own until
+    // they go to this multiline's store.
     std::vector<Vertex> updated;
+    std::vector<KxDbMlineListSet> updatedLists;
     updated.reserve(written.size());
-    const auto updatedAt = [&](int v) -> Vertex& {
-        return updated[std::size_t(std::ranges::lower_bound(written, v) - written.begin())];
-    };
+    updatedLists.reserve(written.size());
+    const auto indexOf = [&](int v) { return std::size_t(std::ranges::lower_bound(written, v) - written.begin()); };
     for (const int v : written) {
         const Vertex& was = old[std::size_t(v)];
-        Vertex now{position(v), was.axis, was.miter, was.params};
-        if (sortedHolds(turned, v) && was.params) {
+        Vertex now{position(v), was.axis, was.miter, {}};
+        KxDbMlineListSet lists(source.listsOf(was));
+        if (sortedHolds(turned, v)) {
             const double oldAxis = planeAngleOf(plane, was.axis);
             const double oldMiter = planeAngleOf(plane, was.miter);
             kaldo::VertexAngles a = kaldo::vertexAnglesAt(planePoint, std::size_t(n), std::size_t(v), closed, 0, 0);
@@ -169,47 +170,49 @@ Kald::ErrorStatus KxDbMline::stretchFrom(const KxDbMline& source, std::span<cons
                 a.miter = oldMiter + (a.axis - oldAxis);
             now.axis = plane.toWorld(KxGeVector3d(std::cos(a.axis), std::sin(a.axis)));
             now.miter = plane.toWorld(KxGeVector3d(std::cos(a.miter), std::sin(a.miter)));
-            auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-            record->elements = was.params->elements;
-            for (KxDbMlineElementParams& lists : record->elements) {
-                if (lists.element.empty())
+            for (int e = 0; e < lists.numElements(); ++e) {
+                const std::span<double> element = lists.editElement(e);
+                if (element.empty())
                     continue;
-                const double entry0 = kaldo::miterDistance(elementOffset(lists.element.front(), oldMiter, oldAxis),
-                                                           a.miter, a.axis);
-                lists.element.front() = entry0;
-                if (!lists.areaFill.empty())
-                    lists.areaFill.front() = entry0;
+                const double entry0 =
+                    kaldo::miterDistance(elementOffset(element.front(), oldMiter, oldAxis), a.miter, a.axis);
+                element.front() = entry0;
+                if (const std::span<double> fill = lists.editAreaFill(e); !fill.empty())
+                    fill.front() = entry0;
             }
-            now.params = std::move(record);
         }
-        updated.push_back(std::move(now));
+        updated.push_back(now);
+        updatedLists.push_back(std::move(lists));
     }
 
     for (const int s : refit) {
         const int t = next(s);
-        Vertex& start = updatedAt(s);
-        const Vertex& end = sortedHolds(written, t) ? updatedAt(t) : old[std::size_t(t)];
+        const std::size_t at = indexOf(s);
+        const Vertex& start = updated[at];
+        const bool endWritten = sortedHolds(written, t);
+        const Vertex& end = endWritten ? updated[indexOf(t)] : old[std::size_t(t)];
         const Vertex& oldStart = old[std::size_t(s)];
         const Vertex& oldEnd = old[std::size_t(t)];
-        if (!start.params || !end.params || !oldStart.params || !oldEnd.params)
-            continue;
+        const KxDbMlineVertexLists startLists = updatedLists[at].view();
+        const KxDbMlineVertexLists endLists = endWritten ? updatedLists[indexOf(t)].view() : source.listsOf(oldEnd);
+        const KxDbMlineVertexLists oldStartLists = source.listsOf(oldStart);
+        const KxDbMlineVertexLists oldEndLists = source.listsOf(oldEnd);
         // A segment whose ends both moved moved whole; otherwise an end
         // that moved changed.
         const KxGeVector3d wholeMove = isMoved(s) && isMoved(t) ? offset : KxGeVector3d();
         const bool keepsDirection = isMoved(s) == isMoved(t) || (start.axis - oldStart.axis).length() <= kxGeTolerance;
-        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-        record->elements = start.params->elements;
-        const std::size_t elements = std::min({record->elements.size(), end.params->elements.size(),
-                                               oldStart.params->elements.size(), oldEnd.params->elements.size()});
-        for (std::size_t e = 0; e < elements; ++e) {
-            const auto entry0 = [e](const Vertex& v) {
-                const std::vector<double>& list = v.params->elements[e].element;
+        KxDbMlineListSet refitLists(startLists);
+        const int elements = std::min({startLists.numElements(), endLists.numElements(), oldStartLists.numElements(),
+                                       oldEndLists.numElements()});
+        for (int e = 0; e < elements; ++e) {
+            const auto entry0 = [e](const KxDbMlineVertexLists& lists) {
+                const std::span<const double> list = lists.element(e);
                 return list.empty() ? 0.0 : list.front();
             };
-            const KxGePoint3d a = oldStart.position + oldStart.miter * entry0(oldStart);
-            const KxGePoint3d b = oldEnd.position + oldEnd.miter * entry0(oldEnd);
-            const KxGePoint3d aNow = start.position + start.miter * entry0(start);
-            const KxGePoint3d bNow = end.position + end.miter * entry0(end);
+            const KxGePoint3d a = oldStart.position + oldStart.miter * entry0(oldStartLists);
+            const KxGePoint3d b = oldEnd.position + oldEnd.miter * entry0(oldEndLists);
+            const KxGePoint3d aNow = start.position + start.miter * entry0(startLists);
+            const KxGePoint3d bNow = end.position + end.miter * entry0(endLists);
             kaldo::SegmentChange change;
             change.oldLength = std::max(0.0, dot(b - a, oldStart.axis));
             change.newLength = std::max(0.0, dot(bNow - aNow, start.axis));
@@ -224,16 +227,20 @@ Kald::ErrorStatus KxDbMline::stretchFrom(const KxDbMline& source, std::span<cons
             } else {
                 change.endChanged = true;
             }
-            KxDbMlineElementParams& lists = record->elements[e];
-            lists.element = kaldo::refitRuns(lists.element, change);
-            lists.areaFill = kaldo::refitRuns(lists.areaFill, change);
+            refitLists.setElement(e, kaldo::refitRuns(startLists.element(e), change));
+            refitLists.setAreaFill(e, kaldo::refitRuns(startLists.areaFill(e), change));
         }
-        start.params = std::move(record);
+        updatedLists[at] = std::move(refitLists);
     }
 
-    if (!std::ranges::all_of(updated, kaldo::finiteVertex))
-        return Kald::eInvalidInput;
     for (std::size_t i = 0; i < written.size(); ++i)
-        m_vertices[std::size_t(written[i])] = std::move(updated[i]);
+        if (!kaldo::finiteVertex(updated[i], updatedLists[i].view()))
+            return Kald::eInvalidInput;
+    for (std::size_t i = 0; i < written.size(); ++i) {
+        Vertex& target = m_vertices[std::size_t(written[i])];
+        target = updated[i];
+        target.lists = m_lists.add(updatedLists[i].view());
+    }
+    dropUnusedLists();
     return Kald::eOk;
 }

@@ -109,12 +109,10 @@ void collectMline(const KxDbMline& mline, PlanPieces& pieces)
     if (n < 2)
         return;
     std::size_t elements = std::numeric_limits<std::size_t>::max();
-    for (int v = 0; v < n; ++v) {
-        const KxDbMlineVertexParams* record = mline.parametersAt(v);
-        elements = std::min(elements, record ? record->elements.size() : 0);
-    }
+    for (int v = 0; v < n; ++v)
+        elements = std::min(elements, std::size_t(mline.parametersAt(v).numElements()));
     const auto elementPoint = [&](int v, std::size_t e) {
-        const std::vector<double>& list = mline.parametersAt(v)->elements[e].element;
+        const std::span<const double> list = mline.parametersAt(v).element(int(e));
         return mline.vertexAt(v) + mline.miterAt(v) * (list.empty() ? 0.0 : list.front());
     };
     const bool closed = mline.closedMline() && n > 2;
@@ -122,7 +120,7 @@ void collectMline(const KxDbMline& mline, PlanPieces& pieces)
         const int next = (v + 1) % n;
         const KxGeVector3d axis = mline.axisAt(v);
         for (std::size_t e = 0; e < elements; ++e) {
-            const std::vector<double>& list = mline.parametersAt(v)->elements[e].element;
+            const std::span<const double> list = mline.parametersAt(v).element(int(e));
             const KxGePoint3d a = elementPoint(v, e);
             const double length = dot(elementPoint(next, e) - a, axis);
             for (std::size_t i = 1; i < list.size(); i += 2) {

@@ -28,19 +28,17 @@ std::size_t groupBytes(const std::vector<KxDbFileGroup>& groups)
     return bytes;
 }
 
+// A multiline's vertices and their lists, those neighbours share once.
 std::size_t mlineBytes(const KxDbMline& mline)
 {
     std::size_t bytes = 0;
+    KxDbMlineVertexLists before;
     for (int v = 0; v < mline.numVertices(); ++v) {
-        bytes += 3 * sizeof(KxGeVector3d) + sizeof(KxDbMlineVertexParams);
-        KxArray params;
-        if (mline.getParametersAt(v, params) != Kald::eOk)
-            continue;
-        const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
-        if (!record)
-            continue;
-        for (const KxDbMlineElementParams& element : record->elements)
-            bytes += sizeof(element) + (element.areaFill.size() + element.element.size()) * sizeof(double);
+        bytes += sizeof(KxDbMlineVertex);
+        const KxDbMlineVertexLists lists = mline.parametersAt(v);
+        if (v == 0 || !lists.sharesStorageWith(before))
+            bytes += lists.values().size_bytes() + lists.ends().size_bytes();
+        before = lists;
     }
     return bytes;
 }

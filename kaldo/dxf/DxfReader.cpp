@@ -201,20 +201,6 @@ void resolveReferences(ReadContext& context)
     }
 }
 
-// The records of the multiline's vertices, each once (neighbours share).
-std::vector<KxDbMlineParamsPtr> vertexRecords(const KxDbMline& mline)
-{
-    std::vector<KxDbMlineParamsPtr> records;
-    for (int v = 0; v < mline.numVertices(); ++v) {
-        KxArray params;
-        mline.getParametersAt(v, params);
-        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
-        if (records.empty() || records.back().get() != record.get())
-            records.push_back(std::move(record));
-    }
-    return records;
-}
-
 // Fits the lists of every vertex to the style's elements: the lists of the
 // elements the style kept, in the style's order. False, with nothing
 // changed, when a vertex lists another number of elements than the file
@@ -223,16 +209,31 @@ bool fitElements(KxDbMline& mline, const KxDbMlineStyle& style, const ReadContex
 {
     const std::size_t listed = order ? order->listed : std::size_t(style.numElements());
     for (int v = 0; v < mline.numVertices(); ++v)
-        if (mline.parametersAt(v)->elements.size() != listed)
+        if (std::size_t(mline.parametersAt(v).numElements()) != listed)
             return false;
     if (!order)
         return true;
-    for (const KxDbMlineParamsPtr& record : vertexRecords(mline)) {
-        std::vector<KxDbMlineElementParams> ordered(order->places.size());
-        for (std::size_t i = 0; i < order->places.size(); ++i)
-            ordered[order->places[i]] = std::move(record->elements[i]);
-        record->elements = std::move(ordered);
+    std::vector<KxDbMlineVertex> vertices;
+    vertices.reserve(std::size_t(mline.numVertices()));
+    KxDbMlineListStore lists;
+    KxDbMlineListSet ordered;
+    for (int v = 0; v < mline.numVertices(); ++v) {
+        const KxDbMlineVertexLists read = mline.parametersAt(v);
+        KxDbMlineListsRef placed;
+        if (v > 0 && read.sharesStorageWith(mline.parametersAt(v - 1))) {
+            placed = vertices.back().lists;
+        } else {
+            ordered.setNumElements(0);
+            ordered.setNumElements(int(order->places.size()));
+            for (std::size_t i = 0; i < order->places.size(); ++i) {
+                ordered.setElement(int(order->places[i]), read.element(int(i)));
+                ordered.setAreaFill(int(order->places[i]), read.areaFill(int(i)));
+            }
+            placed = lists.add(ordered.view());
+        }
+        vertices.push_back(KxDbMlineVertex{mline.vertexAt(v), mline.axisAt(v), mline.miterAt(v), placed});
     }
+    KxDbSystemInternals::getImpObject(&mline)->setStoredVertices(std::move(vertices), lists);
     return true;
 }
 
@@ -335,7 +336,7 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
     if (!sawEntities)
         throw DxfError(0, "the file has no ENTITIES section: it is no drawing.");
     // The reading room goes before multilines may be laid out anew.
-    context.mlineVertices = {};
+    context.mlineLists = {};
     resolveReferences(context);
     addMissingRecords(context);
     resolveMlineStyles(context);

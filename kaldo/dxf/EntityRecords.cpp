@@ -242,7 +242,7 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
         entity.reset(readPolyline(record, basics, look));
     else if (kind == "MLINE")
         entity.reset(readMline(record, basics, [&look](const Group& g) { return look.take(g); }, styleLink,
-                               context.mlineVertices));
+                               context.mlineLists));
     if (!entity) {
         basics = rawRecordBasics(record);
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());

@@ -10,7 +10,8 @@
 
 #include <algorithm>
 #include <memory>
-#include <span>
+#include <utility>
+#include <vector>
 
 namespace kaldo::dxf {
 
@@ -18,39 +19,25 @@ namespace {
 
 enum MlineFlags : int { kHasVertices = 1, kClosed = 2, kSuppressStart = 4, kSuppressEnd = 8 };
 
-// The longest list that gets its room before its values are read.
-constexpr std::size_t kListRoom = 4;
-
-// Collects the vertices group by group, checking each list against its count,
-// into the scratch vertices: slots and lists keep their room from multiline
-// to multiline, so reading one like the one before allocates nothing. Room
-// is made for what the record holds, never for what its counts claim: a new
-// vertex slot takes as many element lists as the one before it had.
+// Collects the vertices group by group, checking each list against its
+// count; their lists go to the scratch store, whose room is kept from
+// multiline to multiline, so that reading one like the one before
+// allocates nothing for its lists. Room is made for what the record holds,
+// never for what its counts claim.
 class VertexCollector {
 public:
-    VertexCollector(std::size_t groups, std::vector<KxDbMlineStoredVertex>& scratch)
-        : groups_(groups), vertices_(scratch)
+    VertexCollector(std::size_t groups, KxDbMlineListStore& scratch) : groups_(groups), lists_(scratch)
     {
+        lists_.clear();
     }
 
     bool take(const Group& g)
     {
         switch (g.code) {
-        case 11: {
-            finishVertex();
-            if (used_ == vertices_.size()) {
-                const std::size_t elements = vertices_.empty() ? 0 : vertices_.back().elements.size();
-                vertices_.emplace_back();
-                vertices_.back().elements.reserve(elements);
-            }
-            KxDbMlineStoredVertex& v = vertices_[used_++];
-            v.position = KxGePoint3d();
-            v.position.x = toReal(g);
-            v.axis = {};
-            v.miter = {};
-            elements_ = 0;
+        case 11:
+            finishList();
+            vertices_.push_back(KxDbMlineVertex{KxGePoint3d(toReal(g), 0, 0), {}, {}, lists_.openVertex()});
             return true;
-        }
         case 21: current(g).position.y = toReal(g); return true;
         case 31: current(g).position.z = toReal(g); return true;
         case 12: current(g).axis.x = toReal(g); return true;
@@ -65,22 +52,13 @@ public:
             const auto count = toInteger(g);
             if (count < 0 || count > 100000)
                 throw DxfError(g.line + 1, "a parameter count of " + std::to_string(count) + ".");
-            KxDbMlineStoredVertex& v = current(g);
-            if (g.code == 74) {
-                // A new element starts with both lists empty.
-                if (elements_ == v.elements.size())
-                    v.elements.emplace_back();
-                v.elements[elements_].element.clear();
-                v.elements[elements_].areaFill.clear();
-                ++elements_;
-            } else if (elements_ == 0) {
+            KxDbMlineVertex& v = current(g);
+            // An element starts with both lists empty; its area-fill
+            // values follow its element values.
+            if (g.code == 74)
+                lists_.openElement(v.lists);
+            else if (v.lists.elements == 0)
                 throw DxfError(g.line, "area-fill parameters (75) before the element's parameters (74).");
-            }
-            KxDbMlineElementParams& lists = v.elements[elements_ - 1];
-            list_ = g.code == 74 ? &lists.element : &lists.areaFill;
-            // Room at once for a short list, the usual kind; a longer one
-            // grows with what follows, so that a count alone takes little.
-            list_->reserve(std::min(std::size_t(count), kListRoom));
             listCode_ = g.code == 74 ? 41 : 42;
             remaining_ = long(count);
             listLine_ = g.line;
@@ -88,9 +66,9 @@ public:
         }
         case 41:
         case 42:
-            if (!list_ || g.code != listCode_ || remaining_ == 0)
+            if (g.code != listCode_ || remaining_ == 0)
                 throw DxfError(g.line, "group " + std::to_string(g.code) + " where no such parameter is due.");
-            list_->push_back(toReal(g));
+            lists_.appendValue(g.code == 42, toReal(g));
             --remaining_;
             return true;
         default:
@@ -106,38 +84,29 @@ public:
             vertices_.reserve(std::min(std::size_t(vertices), groups_));
     }
 
-    std::span<const KxDbMlineStoredVertex> finish()
+    std::vector<KxDbMlineVertex> finish()
     {
-        finishVertex();
-        return std::span<const KxDbMlineStoredVertex>(vertices_.data(), used_);
+        finishList();
+        return std::move(vertices_);
     }
 
 private:
-    KxDbMlineStoredVertex& current(const Group& g)
+    KxDbMlineVertex& current(const Group& g)
     {
-        if (used_ == 0)
+        if (vertices_.empty())
             throw DxfError(g.line, "group " + std::to_string(g.code) + " comes before the first vertex (11).");
-        return vertices_[used_ - 1];
+        return vertices_.back();
     }
     void finishList()
     {
         if (remaining_ > 0)
             throw DxfError(listLine_, "the list announces more parameters than follow it.");
-        list_ = nullptr;
-    }
-    // The vertex read so far keeps only the elements this record gave it.
-    void finishVertex()
-    {
-        finishList();
-        if (used_ > 0)
-            vertices_[used_ - 1].elements.resize(elements_);
+        listCode_ = 0;
     }
 
     const std::size_t groups_;
-    std::vector<KxDbMlineStoredVertex>& vertices_;
-    std::size_t used_ = 0;
-    std::size_t elements_ = 0;
-    std::vector<double>* list_ = nullptr;
+    KxDbMlineListStore& lists_;
+    std::vector<KxDbMlineVertex> vertices_;
     int listCode_ = 0;
     long remaining_ = 0;
     long listLine_ = 0;
@@ -146,7 +115,7 @@ private:
 }  // namespace
 
 KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
-                     MlineStyleLink& style, std::vector<KxDbMlineStoredVertex>& scratch)
+                     MlineStyleLink& style, KxDbMlineListStore& scratch)
 {
     auto mline = std::make_unique<KxDbMline>();
     VertexCollector vertices(record.size(), scratch);
@@ -190,20 +159,21 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
             return other(g);
         }
     });
-    const std::span<const KxDbMlineStoredVertex> stored = vertices.finish();
+    std::vector<KxDbMlineVertex> stored = vertices.finish();
     if (vertexCount >= 0 && std::size_t(vertexCount) != stored.size())
         throw DxfError(record.line(), "the multiline announces " + std::to_string(vertexCount)
                                           + " vertices but has " + std::to_string(stored.size()) + ".");
-    for (const KxDbMlineStoredVertex& v : stored)
-        if (elementCount >= 0 && v.elements.size() != std::size_t(elementCount))
-            throw DxfError(record.line(), "a vertex of the multiline has " + std::to_string(v.elements.size())
+    for (const KxDbMlineVertex& v : stored)
+        if (elementCount >= 0 && v.lists.elements != std::size_t(elementCount))
+            throw DxfError(record.line(), "a vertex of the multiline has " + std::to_string(v.lists.elements)
                                               + " elements instead of " + std::to_string(elementCount) + ".");
     KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(mline.get());
     if (imp->setStoredProperties({}, justification, scale, normal, flags & kClosed, flags & kSuppressStart,
                                          flags & kSuppressEnd)
         != Kald::eOk)
         throw DxfError(record.line(), "the multiline's justification, scale or normal is out of range.");
-    imp->copyStoredVertices(stored);
+    // The reader takes finite numbers only, which the multiline accepts.
+    imp->setStoredVertices(std::move(stored), scratch);
     return mline.release();
 }
 
@@ -215,7 +185,7 @@ void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mli
     if (!style || style->isErased())
         throw DxfError(0, "the multiline has no multiline style (it was erased); give it one before saving.");
     const int n = mline.numVertices();
-    const KxDbMlineVertexParams* first = mline.parametersAt(0);
+    const KxDbMlineVertexLists first = mline.parametersAt(0);
     w.text(100, "AcDbMline");
     w.wide(2, style->name());
     w.handle(340, handleOf(db, mline.style()));
@@ -225,29 +195,27 @@ void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mli
                       | (mline.supressStartCaps() ? kSuppressStart : 0) | (mline.supressEndCaps() ? kSuppressEnd : 0));
     // A style without elements is written with one element that the
     // multiline does not draw: a list with its distance and no runs.
-    const bool axisElement = style->numElements() == 0 && (!first || first->elements.empty());
+    const bool axisElement = style->numElements() == 0 && first.numElements() == 0;
     w.integer(72, n);
-    w.integer(73, axisElement ? 1 : first ? long(first->elements.size()) : style->numElements());
+    w.integer(73, axisElement ? 1 : n > 0 ? long(first.numElements()) : style->numElements());
     w.point(10, mline.vertexAt(0));
     w.vector(210, mline.normal());
     for (int i = 0; i < n; ++i) {
         w.point(11, mline.vertexAt(i));
         w.vector(12, mline.axisAt(i));
         w.vector(13, mline.miterAt(i));
-        const KxDbMlineVertexParams* params = mline.parametersAt(i);
+        const KxDbMlineVertexLists lists = mline.parametersAt(i);
         if (axisElement) {
             w.integer(74, 1);
             w.real(41, 0.0);
             w.integer(75, 0);
         }
-        if (!params)
-            continue;
-        for (const KxDbMlineElementParams& element : params->elements) {
-            w.integer(74, long(element.element.size()));
-            for (double value : element.element)
+        for (int e = 0; e < lists.numElements(); ++e) {
+            w.integer(74, long(lists.element(e).size()));
+            for (double value : lists.element(e))
                 w.real(41, value);
-            w.integer(75, long(element.areaFill.size()));
-            for (double value : element.areaFill)
+            w.integer(75, long(lists.areaFill(e).size()));
+            for (double value : lists.areaFill(e))
                 w.real(42, value);
         }
     }

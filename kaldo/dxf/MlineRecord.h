@@ -28,10 +28,10 @@ struct MlineStyleLink {
 
 // Reads the record; groups it does not know go to other (layer, colour).
 // The style is set once the objects are read (see resolveMlineStyles).
-// The vertices are collected in scratch, kept by the caller from record to
-// record so that their room is reused.
+// The vertices' lists are collected in scratch, kept by the caller from
+// record to record so that their room is reused.
 KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
-                     MlineStyleLink& style, std::vector<KxDbMlineStoredVertex>& scratch);
+                     MlineStyleLink& style, KxDbMlineListStore& scratch);
 
 // Writes from the AcDbMline subclass marker to the last vertex.
 void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mline);

@@ -68,8 +68,8 @@ struct ReadContext {
         std::string linetype;
     };
     std::vector<LayerLinetype> layerLinetypes;
-    // The vertices of the multiline being read, whose room the next reuses.
-    std::vector<KxDbMlineStoredVertex> mlineVertices;
+    // The lists of the multiline being read, whose room the next reuses.
+    KxDbMlineListStore mlineLists;
 
     // Adds a new object under its file handle (a new one when the file gave
     // none or a taken one) and closes it; remembers its owner for later.

@@ -29,7 +29,7 @@ struct Run {
     bool toEnd = false;
 };
 
-Run runAt(const std::vector<double>& list, std::size_t i, double length, bool freeStart = false,
+Run runAt(std::span<const double> list, std::size_t i, double length, bool freeStart = false,
           bool freeEnd = false)
 {
     const double eps = 1e-9 * std::max(1.0, length);
@@ -66,21 +66,17 @@ int MlinePieces::collect(const KxDbMline& mline, const KxDbMlineStyle* style, Ml
     m_miters.clear();
     for (int v = 0; v < n; ++v) {
         m_params.push_back(mline.parametersAt(v));
-        if (!m_params.back()) {
-            m_params.clear();
-            return 0;
-        }
         m_positions.push_back(mline.vertexAt(v));
         m_axes.push_back(mline.axisAt(v));
         m_miters.push_back(mline.miterAt(v));
     }
-    m_elements = static_cast<int>(m_params.front()->elements.size());
-    for (const KxDbMlineVertexParams* record : m_params)
-        m_elements = std::min(m_elements, static_cast<int>(record->elements.size()));
+    m_elements = m_params.front().numElements();
+    for (const KxDbMlineVertexLists& lists : m_params)
+        m_elements = std::min(m_elements, lists.numElements());
     m_elementPoints.clear();
     for (int v = 0; v < n; ++v) {
         for (int e = 0; e < m_elements; ++e) {
-            const std::vector<double>& list = m_params[std::size_t(v)]->elements[std::size_t(e)].element;
+            const std::span<const double> list = m_params[std::size_t(v)].element(e);
             const double along = list.empty() ? 0.0 : list.front();
             m_elementPoints.push_back(m_positions[std::size_t(v)] + m_miters[std::size_t(v)] * along);
         }
@@ -128,7 +124,7 @@ void MlinePieces::collectElement(int element, bool closed, MlinePieceSink& sink)
         const KxGePoint3d b = elementPoint((s + 1) % n, element);
         const KxGeVector3d& dir = m_axes[std::size_t(s)];
         const double length = std::max(0.0, dot(b - a, dir));
-        const std::vector<double>& list = m_params[std::size_t(s)]->elements[std::size_t(element)].element;
+        const std::span<const double> list = m_params[std::size_t(s)].element(element);
         bool reachedEnd = false;
         for (std::size_t i = 1; i < list.size(); i += 2) {
             const Run run = runAt(list, i, length, !closed && s == 0, !closed && s == segments - 1);
@@ -171,7 +167,7 @@ void MlinePieces::collectFill(bool closed, MlinePieceSink& sink) const
                         alongSegment(aL, bL, dir, rL.to, false, rL.toEnd),
                         alongSegment(aL, bL, dir, rL.from, rL.fromStart, false)}});
         };
-        const std::vector<double>& list = m_params[std::size_t(s)]->elements[0].areaFill;
+        const std::span<const double> list = m_params[std::size_t(s)].areaFill(0);
         if (list.size() < 2)
             fill({0, length0, true, true}, {0, lengthL, true, true});
         for (std::size_t i = 1; i < list.size(); i += 2)

@@ -81,7 +81,7 @@ private:
 
     const KxDbMline* m_mline = nullptr;
     int m_elements = 0;
-    std::vector<const KxDbMlineVertexParams*> m_params;  // read in place, not shared
+    std::vector<KxDbMlineVertexLists> m_params;  // read in place
     std::vector<KxGePoint3d> m_positions;
     std::vector<KxGeVector3d> m_axes;
     std::vector<KxGeVector3d> m_miters;

@@ -22,8 +22,7 @@ int elementCount(const KxDbMline& mline)
 {
     int elements = -1;
     for (int v = 0; v < mline.numVertices(); ++v) {
-        const KxDbMlineVertexParams* record = mline.parametersAt(v);
-        const int here = record ? static_cast<int>(record->elements.size()) : 0;
+        const int here = mline.parametersAt(v).numElements();
         elements = elements < 0 ? here : std::min(elements, here);
     }
     return std::max(elements, 0);

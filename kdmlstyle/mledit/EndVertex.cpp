@@ -72,11 +72,10 @@ void moveVertex(MlineShape& shape, int k, const KxGePoint3d& point)
     if (hasPrev) {
         for (int e = 0; e < shape.elementCount(); ++e) {
             if (ontoPrev) {
-                shape.vertices[std::size_t(prev)].editRuns(e).resize(1);
+                shape.editRuns(prev, e, [](std::vector<double>& runs) { runs.resize(1); });
             } else if (sameIncoming && !fromPrev) {
                 const double end = dot(point - shape.elementPoint(prev, e), shape.segmentDirection(prev, e));
-                std::vector<double>& runs = shape.vertices[std::size_t(prev)].editRuns(e);
-                runs = runsBefore(runs, end);
+                shape.setRuns(prev, e, runsBefore(shape.runs(prev, e), end));
             }
         }
         if (!ontoPrev && (!sameIncoming || fromPrev))
@@ -144,11 +143,11 @@ void trimElementTo(MlineShape& shape, int e, int s, const KxGePoint3d& target, b
     if (s < 0 || s >= shape.size() || e < 0 || e >= shape.elementCount())
         return;
     const double d = dot(target - shape.elementPoint(s, e), shape.segmentDirection(s, e));
-    trimRuns(shape.vertices[std::size_t(s)].editRuns(e), d, atEnd);
+    shape.editRuns(s, e, [&](std::vector<double>& runs) { trimRuns(runs, d, atEnd); });
     const int from = atEnd ? s + 1 : 0;
     const int to = atEnd ? shape.size() - 1 : s;
     for (int v = from; v < to; ++v)
-        shape.vertices[std::size_t(v)].editRuns(e).resize(1);
+        shape.editRuns(v, e, [](std::vector<double>& runs) { runs.resize(1); });
 }
 
 void suppressCaps(KxDbMline* mline, bool atEnd, bool atStart)

@@ -1,88 +1,77 @@
 #include "mledit/MlineAccess.h"
 
 #include <algorithm>
+#include <optional>
+#include <span>
 
 namespace kdml {
 
 namespace {
 
-using ParamList = std::vector<double> KxDbMlineElementParams::*;
+enum class List { element, areaFill };
 
-// The vertex's parameter record, with a reference held for the caller.
-KxDbMlineParamsPtr vertexRecord(const KxDbMline* mline, int vertex)
+std::span<const double> listOf(KxDbMlineVertexLists lists, int element, List list)
 {
-    KxArray params;
-    if (mline->getParametersAt(vertex, params) != Kald::eOk)
-        return {};
-    return KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
-}
-
-int elementCountAt(const KxDbMline* mline, int vertex)
-{
-    const KxDbMlineParamsPtr record = vertexRecord(mline, vertex);
-    return record ? static_cast<int>(record->elements.size()) : 0;
+    return list == List::element ? lists.element(element) : lists.areaFill(element);
 }
 
 bool inRange(const KxDbMline* mline, int vertex, int element)
 {
     return mline && vertex >= 0 && vertex < mline->numVertices() && element >= 0
-        && element < elementCountAt(mline, vertex);
+        && element < mline->parametersAt(vertex).numElements();
 }
 
-// The list of element, clamped into range, in a vertex's record.
-const std::vector<double>* clampedList(const KxDbMlineParamsPtr& record, int element, ParamList list)
-{
-    if (!record || record->elements.empty())
-        return nullptr;
-    const int last = static_cast<int>(record->elements.size()) - 1;
-    return &(record->elements[static_cast<std::size_t>(std::clamp(element, 0, last))].*list);
-}
-
-KxDbMlineParamsPtr clampedRecord(const KxDbMline* mline, int vertex)
+// The list of element at vertex, both clamped into range, read in place;
+// none when the multiline has no vertex or the vertex no element.
+std::optional<std::span<const double>> clampedList(const KxDbMline* mline, int vertex, int element, List list)
 {
     if (!mline || mline->numVertices() == 0)
-        return {};
-    return vertexRecord(mline, std::clamp(vertex, 0, mline->numVertices() - 1));
+        return std::nullopt;
+    const KxDbMlineVertexLists lists = mline->parametersAt(std::clamp(vertex, 0, mline->numVertices() - 1));
+    if (lists.numElements() == 0)
+        return std::nullopt;
+    return listOf(lists, std::clamp(element, 0, lists.numElements() - 1), list);
 }
 
-bool readCount(const KxDbMline* mline, int& n, int vertex, int element, ParamList list)
+bool readCount(const KxDbMline* mline, int& n, int vertex, int element, List list)
 {
-    const KxDbMlineParamsPtr record = clampedRecord(mline, vertex);
-    const std::vector<double>* values = clampedList(record, element, list);
+    const auto values = clampedList(mline, vertex, element, list);
     if (!values)
         return false;
     n = static_cast<int>(values->size());
     return true;
 }
 
-bool readList(const KxDbMline* mline, std::vector<double>& out, int vertex, int element, ParamList list)
+bool readList(const KxDbMline* mline, std::vector<double>& out, int vertex, int element, List list)
 {
-    const KxDbMlineParamsPtr record = clampedRecord(mline, vertex);
-    const std::vector<double>* values = clampedList(record, element, list);
+    const auto values = clampedList(mline, vertex, element, list);
     if (!values)
         return false;
-    out = *values;
+    out.assign(values->begin(), values->end());
     return true;
 }
 
-// Rewrites one list in a copy of the vertex's record and hands the copy to
-// the multiline, so that records shared elsewhere keep their lists.
+// Rewrites one list in the vertex's record, a copy the multiline hands out,
+// and sets the record back.
 template <class Change>
-bool changeList(KxDbMline* mline, int vertex, int element, ParamList list, Change change)
+bool changeList(KxDbMline* mline, int vertex, int element, List list, Change change)
 {
-    if (!inRange(mline, vertex, element))
-        return false;
-    const KxDbMlineParamsPtr old = vertexRecord(mline, vertex);
-    const KxDbMlineParamsPtr copy = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-    copy->elements = old->elements;
-    if (!change(copy->elements[static_cast<std::size_t>(element)].*list))
-        return false;
     KxArray params;
-    params.append(copy.get());
+    if (!inRange(mline, vertex, element) || mline->getParametersAt(vertex, params) != Kald::eOk)
+        return false;
+    const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
+    const std::span<const double> current = listOf(record->lists.view(), element, list);
+    std::vector<double> values(current.begin(), current.end());
+    if (!change(values))
+        return false;
+    if (list == List::element)
+        record->lists.setElement(element, values);
+    else
+        record->lists.setAreaFill(element, values);
     return mline->setParametersAt(vertex, params) == Kald::eOk;
 }
 
-bool resizeList(KxDbMline* mline, int n, int vertex, int element, ParamList list)
+bool resizeList(KxDbMline* mline, int n, int vertex, int element, List list)
 {
     return n >= 0 && changeList(mline, vertex, element, list, [n](std::vector<double>& values) {
         values.assign(static_cast<std::size_t>(n), 0.0);
@@ -90,7 +79,7 @@ bool resizeList(KxDbMline* mline, int n, int vertex, int element, ParamList list
     });
 }
 
-bool overwriteList(KxDbMline* mline, const std::vector<double>& values, int vertex, int element, ParamList list)
+bool overwriteList(KxDbMline* mline, const std::vector<double>& values, int vertex, int element, List list)
 {
     return changeList(mline, vertex, element, list, [&values](std::vector<double>& target) {
         if (target.empty() || values.size() < target.size())
@@ -143,7 +132,7 @@ bool getElementCount(const KxDbMline* mline, int& n)
 {
     if (!mline || mline->numVertices() == 0)
         return false;
-    n = elementCountAt(mline, 0);
+    n = mline->parametersAt(0).numElements();
     return true;
 }
 
@@ -152,12 +141,10 @@ bool setElementCountAll(KxDbMline* mline, int n)
     if (!mline || n < 1)
         return false;
     for (int v = 0; v < mline->numVertices(); ++v) {
-        const KxDbMlineParamsPtr old = vertexRecord(mline, v);
-        const KxDbMlineParamsPtr copy = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-        copy->elements = old->elements;
-        copy->elements.resize(static_cast<std::size_t>(n));
         KxArray params;
-        params.append(copy.get());
+        mline->getParametersAt(v, params);
+        const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
+        record->lists.setNumElements(n);
         mline->setParametersAt(v, params);
     }
     return true;
@@ -165,22 +152,22 @@ bool setElementCountAll(KxDbMline* mline, int n)
 
 bool getElementParamCount(const KxDbMline* mline, int& n, int vertex, int element)
 {
-    return readCount(mline, n, vertex, element, &KxDbMlineElementParams::element);
+    return readCount(mline, n, vertex, element, List::element);
 }
 
 bool getElementParams(const KxDbMline* mline, std::vector<double>& values, int vertex, int element)
 {
-    return readList(mline, values, vertex, element, &KxDbMlineElementParams::element);
+    return readList(mline, values, vertex, element, List::element);
 }
 
 bool setElementParamCount(KxDbMline* mline, int n, int vertex, int element)
 {
-    return resizeList(mline, n, vertex, element, &KxDbMlineElementParams::element);
+    return resizeList(mline, n, vertex, element, List::element);
 }
 
 bool setElementParams(KxDbMline* mline, const std::vector<double>& values, int vertex, int element)
 {
-    return overwriteList(mline, values, vertex, element, &KxDbMlineElementParams::element);
+    return overwriteList(mline, values, vertex, element, List::element);
 }
 
 bool writeElementParams(KxDbMline* mline, const std::vector<double>& values, int vertex, int element)
@@ -191,22 +178,22 @@ bool writeElementParams(KxDbMline* mline, const std::vector<double>& values, int
 
 bool getFillParamCount(const KxDbMline* mline, int& n, int vertex, int element)
 {
-    return readCount(mline, n, vertex, element, &KxDbMlineElementParams::areaFill);
+    return readCount(mline, n, vertex, element, List::areaFill);
 }
 
 bool getFillParams(const KxDbMline* mline, std::vector<double>& values, int vertex, int element)
 {
-    return readList(mline, values, vertex, element, &KxDbMlineElementParams::areaFill);
+    return readList(mline, values, vertex, element, List::areaFill);
 }
 
 bool setFillParamCount(KxDbMline* mline, int n, int vertex, int element)
 {
-    return resizeList(mline, n, vertex, element, &KxDbMlineElementParams::areaFill);
+    return resizeList(mline, n, vertex, element, List::areaFill);
 }
 
 bool setFillParams(KxDbMline* mline, const std::vector<double>& values, int vertex, int element)
 {
-    return overwriteList(mline, values, vertex, element, &KxDbMlineElementParams::areaFill);
+    return overwriteList(mline, values, vertex, element, List::areaFill);
 }
 
 bool getVertices(const KxDbMline* mline, std::vector<KxGePoint3d>& points)
@@ -280,10 +267,12 @@ std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline)
     snapshot.reserve(std::size_t(mline->numVertices()));
     for (int v = 0; v < mline->numVertices(); ++v) {
         MlineVertexData data{mline->vertexAt(v), mline->axisAt(v), mline->miterAt(v), {}};
-        if (const KxDbMlineVertexParams* record = mline->parametersAt(v)) {
-            data.elements.reserve(record->elements.size());
-            for (const KxDbMlineElementParams& lists : record->elements)
-                data.elements.push_back(MlineElementParams{lists.element, lists.areaFill});
+        const KxDbMlineVertexLists lists = mline->parametersAt(v);
+        data.elements.reserve(std::size_t(lists.numElements()));
+        for (int e = 0; e < lists.numElements(); ++e) {
+            const auto element = lists.element(e);
+            const auto fill = lists.areaFill(e);
+            data.elements.push_back(MlineElementParams{{element.begin(), element.end()}, {fill.begin(), fill.end()}});
         }
         snapshot.push_back(std::move(data));
     }
@@ -292,18 +281,15 @@ std::vector<MlineVertexData> readMlineSnapshot(const KxDbMline* mline)
 
 KxGePoint3d elementPointAt(const KxDbMline* mline, int vertex, int element)
 {
-    const KxDbMlineVertexParams* record = mline->parametersAt(vertex);
-    const bool listed = record && element >= 0 && std::size_t(element) < record->elements.size()
-        && !record->elements[std::size_t(element)].element.empty();
-    return mline->vertexAt(vertex)
-        + mline->miterAt(vertex) * (listed ? record->elements[std::size_t(element)].element.front() : 0.0);
+    const KxDbMlineVertexLists lists = mline->parametersAt(vertex);
+    const bool listed = element >= 0 && element < lists.numElements() && !lists.element(element).empty();
+    return mline->vertexAt(vertex) + mline->miterAt(vertex) * (listed ? lists.element(element).front() : 0.0);
 }
 
 std::vector<ElementLine> buildElementLines(const KxDbMline* mline)
 {
     const int n = mline ? mline->numVertices() : 0;
-    const KxDbMlineVertexParams* first = n > 0 ? mline->parametersAt(0) : nullptr;
-    const std::size_t elements = first ? first->elements.size() : 0;
+    const std::size_t elements = n > 0 ? std::size_t(mline->parametersAt(0).numElements()) : 0;
     std::vector<ElementLine> lines(elements, ElementLine(std::size_t(n)));
     for (int v = 0; v < n; ++v)
         for (std::size_t e = 0; e < elements; ++e)

@@ -1,6 +1,7 @@
 #include "mledit/MlineShape.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -44,23 +45,6 @@ double miterDistance(double offset, double miterAngle, double axisAngle)
 
 }  // namespace
 
-const std::vector<KxDbMlineElementParams>& ShapeVertex::lists() const
-{
-    static const std::vector<KxDbMlineElementParams> none;
-    return record ? record->elements : none;
-}
-
-std::vector<KxDbMlineElementParams>& ShapeVertex::editLists()
-{
-    if (!record || record->refCount() > 1) {
-        KxDbMlineParamsPtr copy = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-        if (record)
-            copy->elements = record->elements;
-        record = std::move(copy);
-    }
-    return record->elements;
-}
-
 int MlineShape::segmentEnd(int segment) const
 {
     return closed && segment == size() - 1 ? 0 : segment + 1;
@@ -69,8 +53,21 @@ int MlineShape::segmentEnd(int segment) const
 KxGePoint3d MlineShape::elementPoint(int vertex, int element) const
 {
     const ShapeVertex& v = vertices[std::size_t(vertex)];
-    const std::vector<double>& list = v.runs(element);
+    const std::span<const double> list = runs(vertex, element);
     return v.position + v.miter * (list.empty() ? 0.0 : list.front());
+}
+
+KxDbMlineListsRef MlineShape::withRuns(KxDbMlineListsRef from, int element, std::span<const double> runs)
+{
+    KxDbMlineListSet changed(lists.at(from));
+    changed.setElement(element, runs);
+    return lists.add(changed.view());
+}
+
+void MlineShape::setRuns(int vertex, int element, std::span<const double> runs)
+{
+    ShapeVertex& v = vertices[std::size_t(vertex)];
+    v.lists = withRuns(v.lists, element, runs);
 }
 
 std::vector<KxGePoint3d> MlineShape::elementPoints(int vertex) const
@@ -94,14 +91,18 @@ void MlineShape::followElementPoints(int vertex, const std::vector<KxGePoint3d>&
 {
     for (int e = 0; e < elementCount() && std::size_t(e) < before.size(); ++e) {
         const double delta = dot(elementPoint(vertex, e) - before[std::size_t(e)], vertices[std::size_t(vertex)].axis);
-        shiftRuns(vertices[std::size_t(vertex)].editRuns(e), delta);
+        editRuns(vertex, e, [delta](std::vector<double>& list) { shiftRuns(list, delta); });
     }
 }
 
 void MlineShape::drawWholeSegment(int vertex)
 {
-    for (KxDbMlineElementParams& lists : vertices[std::size_t(vertex)].editLists())
-        lists.element = {lists.element.empty() ? 0.0 : lists.element.front(), 0.0};
+    KxDbMlineListSet whole(listsAt(vertex));
+    for (int e = 0; e < whole.numElements(); ++e) {
+        const std::span<const double> list = whole.element(e);
+        whole.setElement(e, std::array{list.empty() ? 0.0 : list.front(), 0.0});
+    }
+    vertices[std::size_t(vertex)].lists = lists.add(whole.view());
 }
 
 double MlineShape::planeAngle(const KxGePoint3d& from, const KxGePoint3d& to) const
@@ -141,16 +142,10 @@ void MlineShape::refreshDirections(int v)
         miter = bisectorAngle(axis, planeAngle(vertex.position, before));
     vertex.axis = planeDirection(axis);
     vertex.miter = planeDirection(miter);
-    std::vector<KxDbMlineElementParams>& lists = vertex.editLists();
-    for (std::size_t e = 0; e < lists.size() && e < offsets.size(); ++e) {
-        const double entry0 = miterDistance(offsets[e], miter, axis);
-        for (std::vector<double>* list : {&lists[e].element, &lists[e].areaFill}) {
-            if (list->empty())
-                *list = {entry0, 0.0};
-            else
-                list->front() = entry0;
-        }
-    }
+    KxDbMlineListSet refreshed(listsAt(v));
+    for (int e = 0; e < refreshed.numElements() && std::size_t(e) < offsets.size(); ++e)
+        refreshed.setEntry0(e, miterDistance(offsets[std::size_t(e)], miter, axis));
+    vertex.lists = lists.add(refreshed.view());
 }
 
 std::optional<MlineShape> readMlineShape(const KxDbMline* mline, int first, int count)
@@ -163,11 +158,12 @@ std::optional<MlineShape> readMlineShape(const KxDbMline* mline, int first, int 
     const int from = std::clamp(first, 0, n);
     const int to = count < 0 ? n : std::clamp(from + count, from, n);
     shape.vertices.reserve(std::size_t(to - from));
+    // Neighbours that share their lists in the multiline share them here.
     for (int v = from; v < to; ++v) {
-        KxArray params;
-        mline->getParametersAt(v, params);
+        const KxDbMlineVertexLists lists = mline->parametersAt(v);
+        const bool shared = v > from && lists.sharesStorageWith(mline->parametersAt(v - 1));
         shape.vertices.push_back(ShapeVertex{mline->vertexAt(v), mline->axisAt(v), mline->miterAt(v),
-                                             KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params))});
+                                             shared ? shape.vertices.back().lists : shape.lists.add(lists)});
     }
     shape.closed = mline->closedMline();
     shape.offsets = kxdbMlineElementOffsets(*style, mline->scale(), mline->justification());
@@ -187,19 +183,9 @@ bool writeMlineShape(KxDbMline* mline, MlineShape&& shape)
     KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(mline);
     if (!imp)
         return false;
-    // The records go to the multiline as they are: unchanged ones are shared
-    // back, changed ones handed over.
-    std::vector<KxDbMlineVertex> vertices;
-    vertices.reserve(shape.vertices.size());
-    for (ShapeVertex& v : shape.vertices) {
-        if (!v.record)
-            v.editLists();
-        vertices.push_back(KxDbMlineVertex{v.position, v.axis, v.miter, std::move(v.record)});
-    }
-    shape.vertices.clear();
     // The host refuses numbers that are not finite (an edit of a multiline
     // whose elements lie near the largest number): the multiline stays.
-    if (imp->setStoredVertices(std::move(vertices)) != Kald::eOk) {
+    if (imp->setStoredVertices(std::move(shape.vertices), shape.lists) != Kald::eOk) {
         kxutPrintf(L"\nThe multiline %llX is left as it was: the edit would give it numbers beyond the largest.\n",
                    static_cast<unsigned long long>(mline->handle()));
         return false;
@@ -215,10 +201,10 @@ double bisectorAngle(double a, double b)
     return a > b ? m + std::numbers::pi : m;
 }
 
-std::vector<double> runsBefore(const std::vector<double>& list, double d)
+std::vector<double> runsBefore(std::span<const double> list, double d)
 {
     if (list.empty())
-        return list;
+        return {};
     const auto end =
         std::find_if(list.begin() + 1, list.end(), [d](double v) { return v >= d - kEditTolerance; });
     return std::vector<double>(list.begin(), end);

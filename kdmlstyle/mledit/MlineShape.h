@@ -6,31 +6,21 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "kxdbmline.h"
 
 namespace kdml {
 
-// One vertex of a shape. Its lists stay the multiline's own record, shared,
-// until an edit changes them; the vertex then gets a copy of its own, so
-// that writing a shape back copies no list that did not change.
-struct ShapeVertex {
-    KxGePoint3d position;
-    KxGeVector3d axis;
-    KxGeVector3d miter;
-    KxDbMlineParamsPtr record;
-
-    // Both lists of every element.
-    const std::vector<KxDbMlineElementParams>& lists() const;
-    std::vector<KxDbMlineElementParams>& editLists();
-    // The element list of one element.
-    const std::vector<double>& runs(int element) const { return lists()[std::size_t(element)].element; }
-    std::vector<double>& editRuns(int element) { return editLists()[std::size_t(element)].element; }
-};
+// One vertex of a shape; its lists lie in the shape's list store.
+using ShapeVertex = KxDbMlineVertex;
 
 struct MlineShape {
     std::vector<ShapeVertex> vertices;
+    // Every vertex's lists. They never change in place: an edit adds the
+    // vertex's new lists, so that vertices may share them.
+    KxDbMlineListStore lists;
     bool closed = false;
     // Each element's distance from the axis, positive on the left.
     std::vector<double> offsets;
@@ -47,6 +37,25 @@ struct MlineShape {
     int segmentEnd(int segment) const;
     // Position + miter * entry 0 of the element's list.
     KxGePoint3d elementPoint(int vertex, int element) const;
+
+    // A vertex's lists, read in place until the shape's lists change.
+    KxDbMlineVertexLists listsAt(int vertex) const { return lists.at(vertices[std::size_t(vertex)].lists); }
+    // The element list of one element at a vertex, read in place.
+    std::span<const double> runs(int vertex, int element) const { return listsAt(vertex).element(element); }
+    // The lists from, with the element list of element replaced by runs,
+    // added to the store.
+    KxDbMlineListsRef withRuns(KxDbMlineListsRef from, int element, std::span<const double> runs);
+    void setRuns(int vertex, int element, std::span<const double> runs);
+    // Changes the element list of one element at a vertex: change gets a
+    // copy of it to edit.
+    template <class Change>
+    void editRuns(int vertex, int element, Change change)
+    {
+        const std::span<const double> current = runs(vertex, element);
+        std::vector<double> list(current.begin(), current.end());
+        change(list);
+        setRuns(vertex, element, list);
+    }
 
     // Direction angle from one point to another in the plane, in [0, 2pi).
     double planeAngle(const KxGePoint3d& from, const KxGePoint3d& to) const;
@@ -87,7 +96,7 @@ double bisectorAngle(double a, double b);
 
 // The list without its run bounds at or beyond d: the element is drawn as
 // before up to d and, when a run was open there, on to the segment's end.
-std::vector<double> runsBefore(const std::vector<double>& list, double d);
+std::vector<double> runsBefore(std::span<const double> list, double d);
 
 // Shifts a list's run bounds when the element's point at its vertex moves
 // delta forward along the segment: the bounds come delta nearer, bounds

@@ -41,15 +41,16 @@ bool insertVertex(MlineShape& shape, int s, const KxGePoint3d& near)
     // The runs before the new vertex stay on segment s; those beyond it go
     // to the new segment, measured from the new vertex's element points,
     // which lie on the element lines where the square miter meets them.
-    ShapeVertex added{p, shape.vertices[std::size_t(s)].axis, shape.vertices[std::size_t(s)].miter,
-                      shape.vertices[std::size_t(s)].record};
+    ShapeVertex added = shape.vertices[std::size_t(s)];
+    added.position = p;
     for (int e = 0; e < shape.elementCount(); ++e) {
         const double cut = dot(p - shape.elementPoint(s, e), shape.segmentDirection(s, e));
-        std::vector<double>& runs = shape.vertices[std::size_t(s)].editRuns(e);
-        std::vector<double>& beyond = added.editRuns(e);
-        beyond = runs;
+        const std::span<const double> current = shape.runs(s, e);
+        const std::vector<double> runs(current.begin(), current.end());
+        std::vector<double> beyond = runs;
         shiftRuns(beyond, cut);
-        runs = runsBefore(runs, cut);
+        added.lists = shape.withRuns(added.lists, e, beyond);
+        shape.setRuns(s, e, runsBefore(runs, cut));
     }
     shape.vertices.insert(shape.vertices.begin() + s + 1, added);
     shape.refreshDirections(s + 1);

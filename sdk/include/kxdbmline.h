@@ -5,7 +5,7 @@
 // direction of segment v (towards v+1, towards vertex 0 for the closing
 // segment of a closed multiline; the last vertex of an open one keeps the
 // previous axis); its miter, the unit direction along which the elements
-// cross the vertex; and a parameter record with, per element, two lists:
+// cross the vertex; and, per element, two parameter lists:
 //   areaFill  the same kind of list for the style's fill;
 //   element   entry 0: distance along the miter from the vertex to the
 //             element line, so that element point = vertex + miter * entry 0;
@@ -24,6 +24,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -50,14 +51,117 @@ private:
     std::vector<void*> m_items;
 };
 
-// The two lists of one element at one vertex: area fill first, element second.
-struct KxDbMlineElementParams {
-    std::vector<double> areaFill;
-    std::vector<double> element;
-    friend bool operator==(const KxDbMlineElementParams&, const KxDbMlineElementParams&) = default;
+// One vertex's parameter lists read in place: per element its element list
+// and its area-fill list. It reads the storage it was taken from and holds
+// only while that storage is unchanged.
+class KxDbMlineVertexLists {
+public:
+    KxDbMlineVertexLists() = default;
+    // ends holds 2 * elements ends into values, one per list: element e's
+    // element list ends at ends[2e], its area-fill list at ends[2e + 1];
+    // each list starts where the one before ends.
+    KxDbMlineVertexLists(const double* values, const std::uint32_t* ends, int elements)
+        : m_values(values), m_ends(ends), m_elements(elements)
+    {
+    }
+
+    int numElements() const { return m_elements; }
+    std::span<const double> element(int element) const { return list(2 * element); }
+    std::span<const double> areaFill(int element) const { return list(2 * element + 1); }
+    // Every value, list after list, and the end of each list.
+    std::span<const double> values() const { return {m_values, m_elements > 0 ? m_ends[2 * m_elements - 1] : 0u}; }
+    std::span<const std::uint32_t> ends() const { return {m_ends, std::size_t(2 * m_elements)}; }
+    // Whether both hold the same lists bit for bit (0 and -0 differ).
+    bool sameAs(const KxDbMlineVertexLists& other) const;
+    // Whether both read the same storage (lists a multiline shares).
+    bool sharesStorageWith(const KxDbMlineVertexLists& other) const { return m_ends == other.m_ends; }
+
+private:
+    std::span<const double> list(int index) const
+    {
+        const std::uint32_t begin = index > 0 ? m_ends[index - 1] : 0;
+        return {m_values + begin, m_ends[index] - begin};
+    }
+
+    const double* m_values = nullptr;
+    const std::uint32_t* m_ends = nullptr;
+    int m_elements = 0;
 };
 
-// A vertex's reference-counted parameter record; equal neighbours may share one.
+// One vertex's parameter lists, owned and editable, in two flat arrays.
+class KxDbMlineListSet {
+public:
+    KxDbMlineListSet() = default;
+    explicit KxDbMlineListSet(KxDbMlineVertexLists lists) { assign(lists); }
+
+    KxDbMlineVertexLists view() const { return {m_values.data(), m_ends.data(), numElements()}; }
+    int numElements() const { return static_cast<int>(m_ends.size() / 2); }
+    std::span<const double> element(int element) const { return view().element(element); }
+    std::span<const double> areaFill(int element) const { return view().areaFill(element); }
+
+    void assign(KxDbMlineVertexLists lists);
+    // Keeps the first n elements, or adds elements with empty lists.
+    void setNumElements(int n);
+    void setElement(int element, std::span<const double> values) { setList(2 * element, values); }
+    void setAreaFill(int element, std::span<const double> values) { setList(2 * element + 1, values); }
+    // The entries of a list to change in place (its length stays).
+    std::span<double> editElement(int element) { return editList(2 * element); }
+    std::span<double> editAreaFill(int element) { return editList(2 * element + 1); }
+    // Sets entry 0 of both lists of an element; an empty list becomes [value, 0].
+    void setEntry0(int element, double value);
+    // Multiplies every value by factor.
+    void scale(double factor);
+
+private:
+    void setList(int index, std::span<const double> values);
+    std::span<double> editList(int index);
+    std::vector<double> m_values;
+    std::vector<std::uint32_t> m_ends;
+};
+
+// Where one vertex's lists lie in a KxDbMlineListStore.
+struct KxDbMlineListsRef {
+    std::uint32_t values = 0;
+    std::uint32_t ends = 0;
+    std::uint32_t elements = 0;
+    friend bool operator==(const KxDbMlineListsRef&, const KxDbMlineListsRef&) = default;
+};
+
+// The parameter lists of many vertices in two flat arrays, so that a
+// multiline's lists take no allocation of their own. Lists once added never
+// change: an edit adds the vertex's new lists, and vertices with equal lists
+// may refer to the same ones.
+class KxDbMlineListStore {
+public:
+    KxDbMlineVertexLists at(KxDbMlineListsRef ref) const
+    {
+        return {m_values.data() + ref.values, m_ends.data() + ref.ends, int(ref.elements)};
+    }
+    // Whether ref lies within the store.
+    bool holds(KxDbMlineListsRef ref) const;
+    KxDbMlineListsRef add(KxDbMlineVertexLists lists);
+
+    // For file readers, which add a vertex's lists as they read them:
+    // opens a vertex with no elements, adds an element with empty lists to
+    // it, and appends a value to the element list (fill false; only while
+    // the area-fill list is empty) or the area-fill list of its last element.
+    KxDbMlineListsRef openVertex();
+    void openElement(KxDbMlineListsRef& vertex);
+    void appendValue(bool fill, double value);
+
+    std::size_t numValues() const { return m_values.size(); }
+    std::size_t byteSize() const { return m_values.size() * sizeof(double) + m_ends.size() * sizeof(std::uint32_t); }
+    // Empties the store and keeps its room.
+    void clear();
+    void reserve(std::size_t values, std::size_t ends);
+
+private:
+    std::vector<double> m_values;
+    std::vector<std::uint32_t> m_ends;
+};
+
+// A vertex's parameter record for the host array of getParametersAt and
+// setParametersAt, reference-counted.
 class KxDbMlineVertexParams {
 public:
     // A new record with one reference, held by the caller.
@@ -69,7 +173,7 @@ public:
     void release();
     int refCount() const { return m_refs; }
 
-    std::vector<KxDbMlineElementParams> elements;  // one per element
+    KxDbMlineListSet lists;
 
 private:
     KxDbMlineVertexParams() = default;
@@ -102,21 +206,13 @@ private:
 
 class KxDbMline;
 
-// One vertex of a multiline as a drawing file stores it.
-struct KxDbMlineStoredVertex {
-    KxGePoint3d position;
-    KxGeVector3d axis;
-    KxGeVector3d miter;
-    std::vector<KxDbMlineElementParams> elements;
-};
-
-// One vertex of a multiline with its parameter record, which neighbours may
-// share.
+// One vertex of a multiline: its geometry and where its lists lie in the
+// list store that goes with it.
 struct KxDbMlineVertex {
     KxGePoint3d position;
     KxGeVector3d axis;
     KxGeVector3d miter;
-    KxDbMlineParamsPtr params;
+    KxDbMlineListsRef lists;
 };
 
 // Raw access to a multiline's stored geometry, for editing tools that
@@ -125,15 +221,10 @@ struct KxDbMlineVertex {
 // multiline keeps what it had.
 class KxDbMlineImp {
 public:
-    // Replaces every vertex by the given ones, taking their records over as
-    // they are (shared where the caller shares them); every vertex needs a
-    // record.
-    Kald::ErrorStatus setStoredVertices(std::vector<KxDbMlineVertex> vertices);
-    // Replaces every vertex by stored ones the caller keeps (a file reader
-    // reuses their room from multiline to multiline): their lists are
-    // copied, and neighbours whose lists are equal bit for bit share one
-    // record.
-    void copyStoredVertices(std::span<const KxDbMlineStoredVertex> vertices);
+    // Replaces every vertex by the given ones, with a copy of their lists,
+    // which lie in the given store; neighbours whose lists are equal bit for
+    // bit share them. Every vertex's lists must lie in the store.
+    Kald::ErrorStatus setStoredVertices(std::vector<KxDbMlineVertex> vertices, const KxDbMlineListStore& lists);
     // Sets style, justification, scale, normal and flags as stored (a null
     // style is allowed; a normal must not be null, else eInvalidInput).
     Kald::ErrorStatus setStoredProperties(KxDbObjectId style, int justification, double scale,
@@ -149,9 +240,6 @@ public:
 private:
     friend class KxDbMline;
     explicit KxDbMlineImp(KxDbMline& mline) : m_mline(mline) {}
-    // Appends a vertex that shares the record of the one before, when their
-    // lists are equal; false, with nothing appended, otherwise.
-    bool appendSharingPrevious(const KxDbMlineStoredVertex& vertex);
     KxDbMline& m_mline;
 };
 
@@ -195,15 +283,15 @@ public:
     Kald::ErrorStatus removeLastSeg(KxGePoint3d& lastPoint);
     Kald::ErrorStatus moveVertexAt(int index, const KxGePoint3d& point);
 
-    // Clears params and appends one entry: the vertex's record, with a reference added
-    // for the caller, who releases it. To change it, set a changed copy (setParametersAt).
+    // Clears params and appends one entry: a new record holding a copy of
+    // the vertex's lists, with the caller's reference, which the caller
+    // releases. To change the lists, set a changed record (setParametersAt).
     Kald::ErrorStatus getParametersAt(int index, KxArray& params) const;
-    // The vertex's record for reading while the multiline is open (null for
-    // an index out of range).
-    const KxDbMlineVertexParams* parametersAt(int index) const;
-    // Makes the record params leads to the vertex's record (a reference is
-    // added for the multiline); a list value that is not finite is refused
-    // (eInvalidInput).
+    // The vertex's lists read in place, while the multiline is open and
+    // unchanged (no elements for an index out of range).
+    KxDbMlineVertexLists parametersAt(int index) const;
+    // Copies the lists of the record params leads to into the vertex; a
+    // list value that is not finite is refused (eInvalidInput).
     Kald::ErrorStatus setParametersAt(int index, const KxArray& params);
 
     // Positions, directions and miters are transformed; the scale and every
@@ -234,7 +322,7 @@ public:
     // beyond an end that moved is dropped.
     Kald::ErrorStatus stretchFrom(const KxDbMline& source, std::span<const int> indices, const KxGeVector3d& offset);
 
-    // Copies style, flags and every vertex with its own copy of the records.
+    // Copies style, flags, every vertex and its lists.
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
@@ -257,6 +345,13 @@ private:
     // touches, so its cost does not grow with the multiline.
     void rebuild(std::span<const std::size_t> vertices, std::span<const std::size_t> freshVertices);
     void rebuildAll();
+    // The same for a range of vertex indices, isFresh(v) telling the fresh.
+    template <class Vertices, class IsFresh>
+    void rebuildVertices(const Vertices& vertices, const IsFresh& isFresh);
+    // The lists of a vertex, and the store's lists that no vertex uses any
+    // more dropped once they outweigh those in use (every edit adds lists).
+    KxDbMlineVertexLists listsOf(const Vertex& vertex) const { return m_lists.at(vertex.lists); }
+    void dropUnusedLists();
 
     KxDbObjectId m_style;
     int m_justification = Mline::kTop;
@@ -266,6 +361,8 @@ private:
     bool m_supressStartCaps = false;
     bool m_supressEndCaps = false;
     std::vector<Vertex> m_vertices;
+    KxDbMlineListStore m_lists;
+    std::size_t m_bytesInUse = 0;  // the size of m_lists when it last dropped unused lists
     KxDbMlineImp m_imp{*this};
 };
 

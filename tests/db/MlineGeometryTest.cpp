@@ -1,3 +1,4 @@
+#include "MlineLists.h"
 #include "TestStyles.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 #include <memory>
 #include <numbers>
 #include <random>
+#include <array>
 #include <vector>
 
 #include "kaldo/db/EntityPlane.h"
@@ -41,12 +43,12 @@ struct Drawing {
     }
 };
 
-std::vector<KxDbMlineElementParams> paramsAt(const KxDbMline& m, int v)
+std::vector<ElementLists> paramsAt(const KxDbMline& m, int v)
 {
     KxArray array;
     EXPECT_EQ(m.getParametersAt(v, array), Kald::eOk);
     const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
-    return record->elements;
+    return listsOf(record->lists.view());
 }
 
 KxGePoint3d elementPoint(const KxDbMline& m, int v, int e)
@@ -206,7 +208,7 @@ TEST(MlineGeometry, PointsAndScalesThatOverflowAreRefused)
     EXPECT_EQ(d.db.setCmlscale(1e308), Kald::eOutOfRange);
     EXPECT_EQ(d.db.setCmlscale(1e307), Kald::eOk);
     for (int v = 0; v < m.numVertices(); ++v)
-        for (const KxDbMlineElementParams& lists : paramsAt(m, v))
+        for (const ElementLists& lists : paramsAt(m, v))
             EXPECT_TRUE(std::isfinite(lists.element[0])) << "vertex " << v;
 
     // A style whose elements lie further apart than the largest number, and
@@ -214,31 +216,30 @@ TEST(MlineGeometry, PointsAndScalesThatOverflowAreRefused)
     // what it had, to the bit.
     const KxDbObjectId huge = d.addStyle(L"HUGE", {1e308, 0.0, -1e308});
     const KxDbObjectId style = m.style();
-    const std::vector<KxDbMlineElementParams> lists = paramsAt(m, 1);
+    const std::vector<ElementLists> lists = paramsAt(m, 1);
     const KxGeVector3d miter = m.miterAt(1);
     EXPECT_EQ(m.setStyle(huge), Kald::eInvalidInput);
     EXPECT_EQ(m.style(), style);
     EXPECT_EQ(paramsAt(m, 1), lists);
     const double inf = std::numeric_limits<double>::infinity();
-    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-    record->elements = paramsAt(m, 1);
-    record->elements[1].areaFill.push_back(inf);
     KxArray changed;
-    changed.append(record.get());
+    m.getParametersAt(1, changed);
+    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(changed));
+    record->lists.setAreaFill(1, std::array{record->lists.areaFill(1)[0], inf});
     EXPECT_EQ(m.setParametersAt(1, changed), Kald::eInvalidInput);
     KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(&m);
     std::vector<KxDbMlineVertex> stored;
-    for (int v = 0; v < m.numVertices(); ++v) {
-        KxArray params;
-        m.getParametersAt(v, params);
-        stored.push_back({m.vertexAt(v), m.axisAt(v), m.miterAt(v),
-                          KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params))});
-    }
+    KxDbMlineListStore storedLists;
+    for (int v = 0; v < m.numVertices(); ++v)
+        stored.push_back({m.vertexAt(v), m.axisAt(v), m.miterAt(v), storedLists.add(m.parametersAt(v))});
     stored[1].miter.x = inf;
-    EXPECT_EQ(imp->setStoredVertices(stored), Kald::eInvalidInput);
+    EXPECT_EQ(imp->setStoredVertices(stored, storedLists), Kald::eInvalidInput);
     stored[1].miter = miter;
-    stored[2].params = KxDbMlineParamsPtr();
-    EXPECT_EQ(imp->setStoredVertices(stored), Kald::eInvalidInput);
+    stored[2].lists.elements += 100;
+    EXPECT_EQ(imp->setStoredVertices(stored, storedLists), Kald::eInvalidInput) << "lists beyond the store";
+    stored[2].lists.elements -= 100;
+    stored[2].lists = storedLists.add(record->lists.view());
+    EXPECT_EQ(imp->setStoredVertices(stored, storedLists), Kald::eInvalidInput);
     EXPECT_EQ(imp->appendSegments({{0, 0, 0}, {inf, 0, 0}, {1, 1, 0}}), Kald::eInvalidInput);
     EXPECT_EQ(imp->appendSeg({{0, 0, 1}, {0, 0, 1}, {0, inf, 1}}, false), Kald::eInvalidInput);
     EXPECT_EQ(paramsAt(m, 1), lists);
@@ -312,8 +313,8 @@ TEST(MlineGeometry, EditsKeepRunsOfUntouchedSegments)
         KxArray array;
         m.getParametersAt(0, array);
         KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(array);
-        EXPECT_EQ(record->refCount(), 2);  // the multiline's and ours
-        record->elements[0].element = {0.5, 1.0, 2.0, 4.0};
+        EXPECT_EQ(record->refCount(), 1);  // ours alone: a copy of the vertex's lists
+        record->lists.setElement(0, std::array{0.5, 1.0, 2.0, 4.0});
         ASSERT_EQ(m.setParametersAt(0, array), Kald::eOk);
         record->release();
     }
@@ -395,10 +396,11 @@ TEST(MlineGeometry, CopiesAndRawAccess)
 
     KxArray array;
     m.getParametersAt(1, array);
-    KxDbMlineVertexParams::fromArray(array)->elements[0].element = {9.0};
+    KxDbMlineVertexParams::fromArray(array)->lists.setElement(0, std::array{9.0});
+    m.setParametersAt(1, array);
     KxDbMlineVertexParams::fromArray(array)->release();
     EXPECT_EQ(paramsAt(m, 1)[0].element, std::vector<double>{9.0});
-    EXPECT_EQ(paramsAt(copy, 1)[0].element.size(), 2u);  // the copy has records of its own
+    EXPECT_EQ(paramsAt(copy, 1)[0].element.size(), 2u);  // the copy has lists of its own
 
     KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(&m);
     ASSERT_NE(imp, nullptr);

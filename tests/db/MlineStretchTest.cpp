@@ -46,12 +46,11 @@ std::unique_ptr<KxDbMline> wall(KxDbDatabase& db, KxDbObjectId style, std::initi
 
 void setRuns(KxDbMline& m, int v, std::size_t e, std::vector<double> runs)
 {
-    auto copy = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-    copy->elements = m.parametersAt(v)->elements;
-    runs.insert(runs.begin(), copy->elements[e].element.front());
-    copy->elements[e].element = runs;
     KxArray changed;
-    changed.append(copy.get());
+    m.getParametersAt(v, changed);
+    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(changed));
+    runs.insert(runs.begin(), record->lists.element(int(e)).front());
+    record->lists.setElement(int(e), runs);
     m.setParametersAt(v, changed);
 }
 
@@ -181,8 +180,8 @@ TEST(MlineStretch, TheWholeMultilineMovedIsAMoveAndAPlainOneMatchesMlineThroughT
             EXPECT_LT((plain->axisAt(v) - drawn->axisAt(v)).length(), kTol) << "vertex " << v;
             EXPECT_LT((plain->miterAt(v) - drawn->miterAt(v)).length(), kTol) << "vertex " << v;
             for (std::size_t e = 0; e < 2; ++e) {
-                EXPECT_THAT(plain->parametersAt(v)->elements[e].element,
-                            ::testing::Pointwise(::testing::DoubleNear(kTol), drawn->parametersAt(v)->elements[e].element))
+                EXPECT_THAT(plain->parametersAt(v).element(int(e)),
+                            ::testing::Pointwise(::testing::DoubleNear(kTol), drawn->parametersAt(v).element(int(e))))
                     << "vertex " << v << " element " << e;
             }
         }
@@ -235,8 +234,9 @@ TEST(MlineStretch, AGripDragStretchedFrameAfterFrameEndsAsOneStretchAndLeavesThe
 
 TEST(MlineRuns, RunsFollowTheEndsThatMoved)
 {
-    using kaldo::refitRuns;
-    using kaldo::SegmentChange;
+    const auto refitRuns = [](const std::vector<double>& list, const kaldo::SegmentChange& change) {
+        return kaldo::refitRuns(list, change);
+    };
     // Grown at the end: drawn to the end, the new part is drawn; ending in
     // a gap, it stays a gap; an explicit stop at the old end goes.
     EXPECT_THAT(refitRuns({0.5, 0, 3, 5}, {0, 10, 14, false, true}), ::testing::ElementsAre(0.5, 0, 3, 5));

@@ -54,20 +54,17 @@ void setRuns(KxDbMline& m, int v, std::size_t e, std::vector<double> runs)
 {
     KxArray array;
     m.getParametersAt(v, array);
-    const auto old = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
-    auto copy = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-    copy->elements = old->elements;
-    runs.insert(runs.begin(), copy->elements[e].element.front());
-    copy->elements[e].element = runs;
-    KxArray changed;
-    changed.append(copy.get());
-    m.setParametersAt(v, changed);
+    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
+    runs.insert(runs.begin(), record->lists.element(int(e)).front());
+    record->lists.setElement(int(e), runs);
+    m.setParametersAt(v, array);
 }
 
 std::vector<double> listAt(const KxDbMline& m, int v, std::size_t e, bool fill = false)
 {
-    const KxDbMlineVertexParams* record = m.parametersAt(v);
-    return fill ? record->elements[e].areaFill : record->elements[e].element;
+    const KxDbMlineVertexLists lists = m.parametersAt(v);
+    const std::span<const double> list = fill ? lists.areaFill(int(e)) : lists.element(int(e));
+    return {list.begin(), list.end()};
 }
 
 // The transforms, by the test's own arithmetic.
@@ -156,7 +153,7 @@ TEST(MlineTransform, ThePictureOfTheResultIsThePictureOfTheOriginalTransformed)
             EXPECT_DOUBLE_EQ(result.scale(), c.mline->scale() * k * (mirrored ? -1 : 1)) << c.name << ", " << t.name;
             EXPECT_EQ(result.normal().z, 1.0);
             for (int v = 0; v < c.mline->numVertices(); ++v) {
-                for (std::size_t e = 0; e < c.mline->parametersAt(v)->elements.size(); ++e) {
+                for (std::size_t e = 0; e < std::size_t(c.mline->parametersAt(v).numElements()); ++e) {
                     for (const bool fill : {false, true}) {
                         const std::vector<double> was = listAt(*c.mline, v, e, fill);
                         const std::vector<double> now = listAt(result, v, e, fill);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -36,7 +37,7 @@ TEST(PickDistance, MultilineRuns)
     // Element 0 drawn from 2 to 4 only: a pick at x = 7 is nearer element 1.
     KxArray array;
     m.getParametersAt(0, array);
-    KxDbMlineVertexParams::fromArray(array)->elements[0].element = {0.5, 2.0, 4.0};
+    KxDbMlineVertexParams::fromArray(array)->lists.setElement(0, std::array{0.5, 2.0, 4.0});
     m.setParametersAt(0, array);
     KxDbMlineVertexParams::fromArray(array)->release();
     EXPECT_NEAR(kaldo::pickDistance(m, {7, 0.5, 0}), 1.0, 1e-12);

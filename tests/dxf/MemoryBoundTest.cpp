@@ -94,10 +94,16 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 // but their kind, one record of thousands of one-character groups, lines
 // of no groups, multiline vertices of nothing but their first group (laid
 // out anew in the style, which has more elements), beside every input of
-// the fuzz corpus.
+// the fuzz corpus. A multiline's lists lie flat in one store, so such a
+// vertex costs its geometry and little more: under 24 times its five bytes.
 TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
 {
-    std::vector<std::pair<std::string, std::string>> inputs;
+    struct Input {
+        std::string what;
+        std::string text;
+        std::size_t perByte = kPerByte;
+    };
+    std::vector<Input> inputs;
     std::string kindsOnly, tinyGroups = "0\nX\n", bareLines, bareVertices = mlineHead("20000", "0");
     for (int i = 0; i < 20000; ++i) {
         kindsOnly += "0\nX\n";
@@ -107,17 +113,18 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     }
     for (const auto& [what, entities] : {std::pair{"records of their kind alone", kindsOnly},
                                          {"one record of one-character groups", tinyGroups},
-                                         {"lines of no groups", bareLines},
-                                         {"multiline vertices of one group", bareVertices}})
-        inputs.emplace_back(what, smallDrawing(entities, ""));
+                                         {"lines of no groups", bareLines}})
+        inputs.push_back({what, smallDrawing(entities, "")});
+    inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 24});
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {
         std::ifstream in(entry.path(), std::ios::binary);
-        inputs.emplace_back(entry.path().filename().string(), std::string{std::istreambuf_iterator<char>(in), {}});
+        inputs.push_back({entry.path().filename().string(), std::string{std::istreambuf_iterator<char>(in), {}}});
     }
-    for (const auto& [what, text] : inputs) {
-        const auto [peak, error] = readMeasured(text);
-        EXPECT_LT(peak, kBase + kPerByte * text.size())
-            << what << ": " << text.size() << " bytes, " << double(peak) / double(text.size()) << " per byte; " << error;
+    for (const Input& input : inputs) {
+        const auto [peak, error] = readMeasured(input.text);
+        EXPECT_LT(peak, kBase + input.perByte * input.text.size())
+            << input.what << ": " << input.text.size() << " bytes, " << double(peak) / double(input.text.size())
+            << " per byte; " << error;
     }
 }

@@ -1,6 +1,7 @@
 // Multiline styles and their multilines as other programs write them.
 #include "DxfText.h"
 #include "GroupText.h"
+#include "MlineLists.h"
 
 #include <gtest/gtest.h>
 
@@ -138,7 +139,7 @@ TEST(DxfMlineStyles, ElementsListedOutOfOrderKeepTheirListsWithThem)
     EXPECT_EQ(offset, 0.75);
     EXPECT_EQ(color.colorIndex(), 1);
     const auto* read = firstEntity<KxDbMline>(*drawing.database);
-    const auto& elements = read->parametersAt(0)->elements;
+    const auto& elements = listsOf(read->parametersAt(0));
     ASSERT_EQ(elements.size(), 2u);
     EXPECT_EQ(elements[0].element, (std::vector<double>{0.75, 0}));
     EXPECT_EQ(elements[0].areaFill, std::vector<double>{});

@@ -1,7 +1,8 @@
 // Drawings written and read back: every modelled value, handles, header
 // variables and the multiline flags survive; neighbouring vertices with
-// the same lists share one record, copied and changed as records of their own.
+// the same lists share them, and copies and edits keep them apart.
 #include "DxfText.h"
+#include "MlineLists.h"
 
 #include <gtest/gtest.h>
 
@@ -111,8 +112,9 @@ TEST(DxfRoundTrip, MultilinesKeepVerticesMitersListsAndAllSixteenFlagCombination
     KxArray params;
     broken->getParametersAt(0, params);
     KxDbMlineVertexParams* record = KxDbMlineVertexParams::fromArray(params);
-    record->elements[0].element = {record->elements[0].element[0], 0.5, 1.25, 2, 3};
-    record->elements[1].areaFill = {record->elements[1].areaFill[0]};
+    record->lists.setElement(0, std::array{record->lists.element(0)[0], 0.5, 1.25, 2.0, 3.0});
+    record->lists.setAreaFill(1, std::array{record->lists.areaFill(1)[0]});
+    broken->setParametersAt(0, params);
     record->release();
 
     kaldo::dxf::KeptSections kept;
@@ -134,24 +136,20 @@ TEST(DxfRoundTrip, MultilinesKeepVerticesMitersListsAndAllSixteenFlagCombination
             expectSamePoint(b->vertexAt(v), a->vertexAt(v));
             expectSameVector(b->axisAt(v), a->axisAt(v));
             expectSameVector(b->miterAt(v), a->miterAt(v));
-            EXPECT_EQ(b->parametersAt(v)->elements, a->parametersAt(v)->elements);
+            EXPECT_EQ(listsOf(b->parametersAt(v)), listsOf(a->parametersAt(v)));
         }
     }
 }
 
-TEST(DxfRoundTrip, EqualListsOfNeighboursShareOneRecordThatCopiesAndEditsKeepApart)
+TEST(DxfRoundTrip, EqualListsOfNeighboursAreSharedAndCopiesAndEditsKeepThemApart)
 {
     KxDbDatabase db;
     KxDbMline* straight = addMline(db, {{0, 0}, {1, 0}, {2, 0}, {3, 0}, {4, 0}});
     // Vertex 3's fill list differs from vertex 2's only by the sign of a zero.
     KxArray params;
     straight->getParametersAt(3, params);
-    KxDbMlineParamsPtr signedZero = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-    signedZero->elements = KxDbMlineVertexParams::fromArray(params)->elements;
-    KxDbMlineVertexParams::fromArray(params)->release();
-    signedZero->elements[0].areaFill = {signedZero->elements[0].areaFill[0], -0.0};
-    params.removeAll();
-    params.append(signedZero.get());
+    const KxDbMlineParamsPtr signedZero = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
+    signedZero->lists.setAreaFill(0, std::array{signedZero->lists.areaFill(0)[0], -0.0});
     straight->setParametersAt(3, params);
     // Multilines of one, then again two elements after it: the reader's
     // vertices of one multiline are reused for the next.
@@ -182,35 +180,33 @@ TEST(DxfRoundTrip, EqualListsOfNeighboursShareOneRecordThatCopiesAndEditsKeepApa
         ASSERT_NE(other, nullptr);
         ASSERT_EQ(other->numVertices(), written[m]->numVertices());
         for (int v = 0; v < other->numVertices(); ++v)
-            EXPECT_EQ(other->parametersAt(v)->elements, written[m]->parametersAt(v)->elements) << m << ", " << v;
+            EXPECT_EQ(listsOf(other->parametersAt(v)), listsOf(written[m]->parametersAt(v))) << m << ", " << v;
     }
-    EXPECT_EQ(read->parametersAt(0), read->parametersAt(1));
-    EXPECT_EQ(read->parametersAt(1), read->parametersAt(2));
-    EXPECT_NE(read->parametersAt(2), read->parametersAt(3));
-    EXPECT_TRUE(std::signbit(read->parametersAt(3)->elements[0].areaFill[1]));
-    EXPECT_FALSE(std::signbit(read->parametersAt(2)->elements[0].areaFill[1]));
+    EXPECT_TRUE(read->parametersAt(0).sharesStorageWith(read->parametersAt(1)));
+    EXPECT_TRUE(read->parametersAt(1).sharesStorageWith(read->parametersAt(2)));
+    EXPECT_FALSE(read->parametersAt(2).sharesStorageWith(read->parametersAt(3)));
+    EXPECT_TRUE(std::signbit(listsOf(read->parametersAt(3))[0].areaFill[1]));
+    EXPECT_FALSE(std::signbit(listsOf(read->parametersAt(2))[0].areaFill[1]));
     EXPECT_EQ(toDxfText(back), text);
 
     KxDbMline copy;
     ASSERT_EQ(copy.copyFrom(read), Kald::eOk);
-    EXPECT_EQ(copy.parametersAt(0), copy.parametersAt(2));
+    EXPECT_TRUE(copy.parametersAt(0).sharesStorageWith(copy.parametersAt(2)));
     for (int v = 0; v < 5; ++v) {
-        EXPECT_NE(copy.parametersAt(v), read->parametersAt(v)) << v;
-        EXPECT_EQ(copy.parametersAt(v)->elements, read->parametersAt(v)->elements) << v;
+        EXPECT_FALSE(copy.parametersAt(v).sharesStorageWith(read->parametersAt(v))) << v;
+        EXPECT_EQ(listsOf(copy.parametersAt(v)), listsOf(read->parametersAt(v))) << v;
     }
 
     // A changed copy set on one vertex leaves its neighbours as they were.
-    const std::vector<KxDbMlineElementParams> before = read->parametersAt(0)->elements;
-    KxDbMlineParamsPtr broken = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-    broken->elements = before;
-    broken->elements[1].element = {before[1].element[0], 0.25, 0.5};
-    params.removeAll();
-    params.append(broken.get());
+    const std::vector<ElementLists> before = listsOf(read->parametersAt(0));
+    read->getParametersAt(1, params);
+    const KxDbMlineParamsPtr broken = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
+    broken->lists.setElement(1, std::array{before[1].element[0], 0.25, 0.5});
     ASSERT_EQ(read->setParametersAt(1, params), Kald::eOk);
-    EXPECT_EQ(read->parametersAt(0)->elements, before);
-    EXPECT_EQ(read->parametersAt(2)->elements, before);
-    EXPECT_EQ(read->parametersAt(1)->elements[1].element, (std::vector<double>{before[1].element[0], 0.25, 0.5}));
-    EXPECT_EQ(copy.parametersAt(1)->elements, before);
+    EXPECT_EQ(listsOf(read->parametersAt(0)), before);
+    EXPECT_EQ(listsOf(read->parametersAt(2)), before);
+    EXPECT_EQ(listsOf(read->parametersAt(1))[1].element, (std::vector<double>{before[1].element[0], 0.25, 0.5}));
+    EXPECT_EQ(listsOf(copy.parametersAt(1)), before);
 }
 
 TEST(DxfRoundTrip, HeaderVariablesAndCurrentStyleSurvive)

@@ -21,7 +21,8 @@ std::vector<double> trimmed(std::vector<double> list, double d, bool atEnd)
 
 std::vector<double> runsOf(const MlineShape& shape, int v, int e)
 {
-    return shape.vertices[std::size_t(v)].runs(e);
+    const std::span<const double> list = shape.runs(v, e);
+    return {list.begin(), list.end()};
 }
 
 }  // namespace
@@ -136,9 +137,10 @@ TEST(EndVertex, MovingTheEndVertexKeepsTheShapeAsDrawnAndTheRunsBeforeIt)
             MlineShape shape = original;
             // Runs on the segments at both ends.
             for (int e = 0; e < shape.elementCount(); ++e) {
-                std::vector<double>& runs = shape.vertices[std::size_t(last - 1)].editRuns(e);
-                runs.resize(1);
-                runs.insert(runs.end(), {0.0, 10.0, 15.0});
+                shape.editRuns(last - 1, e, [](std::vector<double>& runs) {
+                    runs.resize(1);
+                    runs.insert(runs.end(), {0.0, 10.0, 15.0});
+                });
             }
             const MlineShape before = shape;
             moveVertex(shape, move.k, move.point);

@@ -106,7 +106,7 @@ TEST_F(MlineAccess, ParameterListsByVertexAndElement)
     ASSERT_EQ(mline->getParametersAt(1, held), Kald::eOk);
     const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(held));
     ASSERT_TRUE(writeElementParams(mline.get(), {10.0}, 1, 0));
-    EXPECT_THAT(record->elements[0].element, SizeIs(2));
+    EXPECT_THAT(record->lists.element(0), SizeIs(2));
 }
 
 TEST_F(MlineAccess, SnapshotAndElementLines)

@@ -104,11 +104,13 @@ inline void expectDrawnAlike(ShapeDrawing& drawing, const MlineCase& c, const Ml
         const std::string at = label + " vertex " + std::to_string(v);
         expectNear(shape.vertices[v].axis, expected[v].axis, at + " axis");
         expectNear(shape.vertices[v].miter, expected[v].miter, at + " miter");
-        ASSERT_EQ(shape.vertices[v].lists().size(), expected[v].elements.size()) << at;
+        const KxDbMlineVertexLists lists = shape.listsAt(int(v));
+        ASSERT_EQ(std::size_t(lists.numElements()), expected[v].elements.size()) << at;
         for (std::size_t e = 0; e < expected[v].elements.size(); ++e) {
-            EXPECT_NEAR(shape.vertices[v].runs(int(e)).at(0), expected[v].elements[e].elementParams.at(0), kAgree)
+            ASSERT_FALSE(lists.element(int(e)).empty() || lists.areaFill(int(e)).empty()) << at << " element " << e;
+            EXPECT_NEAR(lists.element(int(e))[0], expected[v].elements[e].elementParams.at(0), kAgree)
                 << at << " element " << e;
-            EXPECT_NEAR(shape.vertices[v].lists()[e].areaFill.at(0), expected[v].elements[e].fillParams.at(0), kAgree)
+            EXPECT_NEAR(lists.areaFill(int(e))[0], expected[v].elements[e].fillParams.at(0), kAgree)
                 << at << " element " << e << " fill";
         }
     }
@@ -119,7 +121,7 @@ inline void expectDrawnAlike(ShapeDrawing& drawing, const MlineCase& c, const Ml
 inline std::vector<KxGePoint3d> runBounds(const MlineShape& shape, int v, int e)
 {
     std::vector<KxGePoint3d> bounds;
-    const std::vector<double>& list = shape.vertices[std::size_t(v)].runs(e);
+    const std::span<const double> list = shape.runs(v, e);
     const KxGePoint3d start = shape.elementPoint(v, e);
     const KxGeVector3d along = shape.vertices[std::size_t(v)].axis;
     for (std::size_t i = 1; i < list.size(); ++i)

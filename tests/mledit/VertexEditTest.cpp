@@ -34,16 +34,17 @@ std::vector<MlineCase> cases()
 
 void setRuns(MlineShape& shape, int v, const std::vector<double>& runs)
 {
-    for (KxDbMlineElementParams& lists : shape.vertices[std::size_t(v)].editLists()) {
-        const double entry0 = lists.element.front();
-        lists.element = {entry0};
-        lists.element.insert(lists.element.end(), runs.begin(), runs.end());
+    for (int e = 0; e < shape.listsAt(v).numElements(); ++e) {
+        shape.editRuns(v, e, [&runs](std::vector<double>& list) {
+            list.resize(1);
+            list.insert(list.end(), runs.begin(), runs.end());
+        });
     }
 }
 
 std::vector<double> runsOf(const MlineShape& shape, int v, int e)
 {
-    const std::vector<double>& list = shape.vertices[std::size_t(v)].runs(e);
+    const std::span<const double> list = shape.runs(v, e);
     return std::vector<double>(list.begin() + 1, list.end());
 }
 
@@ -145,9 +146,10 @@ TEST(VertexEdit, EveryRunStaysWhereItWasDrawnWhenAVertexIsAdded)
     for (const Row& row : rows) {
         MlineShape shape = drawing.shape({row.name, {0.5, -0.5}, Mline::kZero, 10, row.axis});
         for (int e = 0; e < 2; ++e) {
-            std::vector<double>& list = shape.vertices[std::size_t(row.segment)].editRuns(e);
-            list.resize(1);
-            list.insert(list.end(), row.before[std::size_t(e)].begin(), row.before[std::size_t(e)].end());
+            shape.editRuns(row.segment, e, [&](std::vector<double>& list) {
+                list.resize(1);
+                list.insert(list.end(), row.before[std::size_t(e)].begin(), row.before[std::size_t(e)].end());
+            });
         }
         ASSERT_TRUE(insertVertex(shape, row.segment, row.pick)) << row.name;
         expectDrawnAlike(drawing, {row.name, {0.5, -0.5}, Mline::kZero, 10, row.axis}, shape, row.name);

@@ -331,17 +331,8 @@ TEST(MlineRender, FillFollowsTheFirstElementsFillList)
         auto mline = d.addMline(style, {{0, 0}, {10, 0}, {20, 0}});
         // First segment filled from 2 to 4 and from 7 to its end; the
         // second's list holds entry 0 alone and is filled whole.
-        setRuns(*mline, 0, 0, {2, 4, 7}, &KxDbMlineElementParams::areaFill);
-        KxArray array;
-        mline->getParametersAt(1, array);
-        auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
-        auto* emptied = KxDbMlineVertexParams::create();
-        emptied->elements = record->elements;
-        emptied->elements[0].areaFill.resize(1);
-        KxArray out;
-        out.append(emptied);
-        mline->setParametersAt(1, out);
-        emptied->release();
+        setRuns(*mline, 0, 0, {2, 4, 7}, true);
+        setRuns(*mline, 1, 0, {}, true);
     }
     const Scene scene = d.render();
     ASSERT_EQ(scene.polygons().size(), 3u);

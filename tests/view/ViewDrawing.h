@@ -92,21 +92,18 @@ struct ViewDrawing {
 
 // Replaces the element list (or the fill list) of one element at one
 // vertex, keeping entry 0.
-inline void setRuns(KxDbMline& mline, int vertex, int element, std::vector<double> runs,
-                    std::vector<double> KxDbMlineElementParams::*which = &KxDbMlineElementParams::element)
+inline void setRuns(KxDbMline& mline, int vertex, int element, std::vector<double> runs, bool fill = false)
 {
     KxArray array;
     mline.getParametersAt(vertex, array);
-    auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
-    auto* copy = KxDbMlineVertexParams::create();
-    copy->elements = record->elements;
-    std::vector<double>& list = copy->elements[std::size_t(element)].*which;
-    runs.insert(runs.begin(), list.front());
-    list = runs;
-    KxArray out;
-    out.append(copy);
-    mline.setParametersAt(vertex, out);
-    copy->release();
+    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
+    KxDbMlineListSet& lists = record->lists;
+    runs.insert(runs.begin(), (fill ? lists.areaFill(element) : lists.element(element)).front());
+    if (fill)
+        lists.setAreaFill(element, runs);
+    else
+        lists.setElement(element, runs);
+    mline.setParametersAt(vertex, array);
 }
 
 // Adds a record of a kind the database keeps as read (its groups as in a

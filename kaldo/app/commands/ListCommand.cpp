@@ -37,7 +37,7 @@ std::wstring vector(const KxGeVector3d& v)
     return point({v.x, v.y, v.z});
 }
 
-std::wstring numbers(const std::vector<double>& values)
+std::wstring numbers(std::span<const double> values)
 {
     std::wstring text;
     for (double value : values)
@@ -55,15 +55,10 @@ std::wstring styleName(const KxDbMline& mline)
 std::wstring vertexDetails(const KxDbMline& mline, int vertex)
 {
     std::wstring text = L"\n    direction: " + vector(mline.axisAt(vertex)) + L"\n    miter: " + vector(mline.miterAt(vertex));
-    KxArray array;
-    if (mline.getParametersAt(vertex, array) != Kald::eOk)
-        return text;
-    const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
-    if (!record)
-        return text;
-    for (std::size_t e = 0; e < record->elements.size(); ++e) {
-        text += L"\n    element " + std::to_wstring(e) + L":" + numbers(record->elements[e].element) + L"  fill:"
-            + numbers(record->elements[e].areaFill);
+    const KxDbMlineVertexLists lists = mline.parametersAt(vertex);
+    for (int e = 0; e < lists.numElements(); ++e) {
+        text += L"\n    element " + std::to_wstring(e) + L":" + numbers(lists.element(e)) + L"  fill:"
+            + numbers(lists.areaFill(e));
     }
     return text;
 }
