@@ -143,7 +143,7 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
         case 90:
             count = long(toInteger(g));
             // Room for the vertices at once, never more than the record's
-            // groups can hold, so that a polyline keeps no spare room.
+            // groups can hold.
             if (count > 0)
                 vertices.reserve(std::min(std::size_t(count), record.size() / 2));
             return true;
@@ -189,8 +189,7 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
                                           + std::to_string(vertices.size()) + ".");
     if (pline->setNormal(asVector(normal)) != Kald::eOk)
         throw DxfError(record.line(), "the polyline has a null normal.");
-    vertices.shrink_to_fit();
-    pline->setVertices(std::move(vertices));
+    pline->setVertices(vertices);
     return pline.release();
 }
 
