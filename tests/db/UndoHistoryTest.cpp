@@ -5,8 +5,6 @@
 #include "kxdb.h"
 
 #include <memory>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -143,40 +141,4 @@ TEST(UndoHistory, StepCostsWhatItChanges)
     EXPECT_LE(small->undoHistory().bytes(), std::size_t(64) << 10);
     EXPECT_LT(small->undoHistory().undoableSteps(), 500u);
     EXPECT_GT(small->undoHistory().undoableSteps(), 20u);
-}
-
-// Undoing the later of two steps takes its objects' handles away and
-// leaves every handle of the earlier step naming its object, however the
-// two steps' handles lie (consecutive, spread, far apart), and redo brings
-// them back.
-TEST(UndoHistory, HandlesOfUndoneObjectsGoAndTheOthersStay)
-{
-    KxDbDatabase db;
-    const auto addStep = [&db](std::uint64_t first, std::uint64_t stride) {
-        std::vector<std::pair<std::uint64_t, KxDbObjectId>> added;
-        db.undoHistory().beginStep(L"LINE");
-        for (std::uint64_t i = 0; i < 3000; ++i) {
-            auto* line = new KxDbLine(KxGePoint3d{0, 0, 0}, KxGePoint3d{1, 1, 0});
-            KxDbObjectId id;
-            EXPECT_EQ(db.addObject(line, first + i * stride), Kald::eOk);
-            added.emplace_back(line->handle(), line->objectId());
-            line->close();
-        }
-        db.undoHistory().endStep();
-        return added;
-    };
-    const auto earlier = addStep(0x1000, 3);
-    const auto later = addStep(0x1001, 3);
-    const auto far = addStep(0x7000000000000000ull, 0x100000000ull);
-    db.undoHistory().undo(2);
-    for (const auto& [handle, id] : earlier)
-        ASSERT_EQ(db.objectIdFromHandle(handle), id) << std::hex << handle;
-    for (const auto& step : {later, far})
-        for (const auto& [handle, id] : step)
-            ASSERT_TRUE(db.objectIdFromHandle(handle).isNull()) << std::hex << handle;
-    db.undoHistory().redo();
-    db.undoHistory().redo();
-    for (const auto& step : {earlier, later, far})
-        for (const auto& [handle, id] : step)
-            ASSERT_EQ(db.objectIdFromHandle(handle), id) << std::hex << handle;
 }
