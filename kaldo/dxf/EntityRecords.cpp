@@ -196,11 +196,8 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
 // The block an entity of the ENTITIES section goes to.
 KxDbObjectId blockOf(const RecordBasics& basics, ReadContext& context)
 {
-    if (basics.owner != 0) {
-        const KxDbObjectId owner = context.db.objectIdFromHandle(basics.owner);
-        if (KxDbBlockTableRecord::cast(context.db.peekObject(owner)))
-            return owner;
-    }
+    if (const KxDbObjectId owner = context.blockByHandle(basics.owner); !owner.isNull())
+        return owner;
     for (const KxDbFileGroup& g : basics.kept)
         if (g.code == 67 && trimmed(g.value) == "1")
             return context.roots.paperSpace;
