@@ -1,17 +1,14 @@
 // Dialogs driven by scripts through the real binary: the MLEDIT tool dialog
 // chooses its tool as the -MLEDIT keyword does, every other way of closing
 // it runs none, and SHOW, GRAB and refused actions print what they should.
-#include "EzdxfReport.h"
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QImage>
-#include <QJsonArray>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 using ::testing::HasSubstr;
@@ -25,14 +22,6 @@ const std::string kCrossingPair =
 // The picks of a closed cross: the horizontal one first.
 const std::string kCrossPicks = "20,5\n45,30\n\n";
 
-std::string readFile(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 // Runs the script and returns the drawing it saved.
 std::string savedDrawing(const KaldoProcess& kaldo, const std::string& script, const std::string& name,
                          KaldoRun* run = nullptr)
@@ -41,7 +30,7 @@ std::string savedDrawing(const KaldoProcess& kaldo, const std::string& script, c
     const KaldoRun result = kaldo.runScript(script, {"--save", QString::fromStdString(file.string())});
     if (run)
         *run = result;
-    return readFile(file);
+    return fileText(file);
 }
 
 }  // namespace
@@ -60,33 +49,26 @@ TEST(DialogSession, ToolDialogChoosesTheToolAsItsKeywordDoes)
     ASSERT_FALSE(byDialog.empty());
     EXPECT_EQ(byDialog, byKeyword);
     EXPECT_NE(byDialog, unedited) << "the cross was closed";
-    const EzdxfReport report = readWithEzdxf((kaldo.dir() / "dialog.dxf").string());
-    ASSERT_TRUE(report.ran) << report.problem;
-    EXPECT_TRUE(report.file["errors"].toArray().isEmpty());
-    EXPECT_TRUE(report.file["fixes"].toArray().isEmpty());
 
     // The command and the dialog's action on one line, as a person types.
     const std::string oneLine = savedDrawing(kaldo, kCrossingPair + "MLEDIT CLICK 5759\n" + kCrossPicks, "line.dxf");
     EXPECT_EQ(oneLine, byKeyword);
 }
 
+// The Cancel button and the script's end close it as Cancel (the plain
+// button, Enter and Escape, by script and by hand: DialogScenarios).
 TEST(DialogSession, ToolDialogClosedWithoutAToolRunsNone)
 {
     KaldoProcess kaldo;
     const std::string unedited = savedDrawing(kaldo, kCrossingPair, "unedited.dxf");
-    struct Closing {
-        const char* lines;
-        const char* closed;
-    };
-    for (const Closing& closing : {Closing{"^C\n", "Cancel"}, Closing{"CLICK 2\n", "Cancel"},
-                                   Closing{"CLICK 5771\n", "OK"}, Closing{"\n", "OK"}, Closing{"", "Cancel"}}) {
+    for (const char* closing : {"CLICK 2\n", ""}) {
         KaldoRun run;
         const std::string drawing =
-            savedDrawing(kaldo, kCrossingPair + "MLEDIT\n" + closing.lines, "closed.dxf", &run);
+            savedDrawing(kaldo, kCrossingPair + "MLEDIT\n" + closing, "closed.dxf", &run);
         EXPECT_EQ(run.exitCode, 0) << run.err;
-        EXPECT_THAT(run.out, HasSubstr(std::string("Dialog 5758 closed: ") + closing.closed + "\n")) << closing.lines;
-        EXPECT_THAT(run.out, Not(HasSubstr("Select"))) << closing.lines;
-        EXPECT_EQ(drawing, unedited) << closing.lines;
+        EXPECT_THAT(run.out, HasSubstr("Dialog 5758 closed: Cancel\n")) << closing;
+        EXPECT_THAT(run.out, Not(HasSubstr("Select"))) << closing;
+        EXPECT_EQ(drawing, unedited) << closing;
     }
 }
 

@@ -30,38 +30,6 @@ std::string mlineAtScale(const std::string& scale, const std::vector<std::string
     return "MLINE\nS\n" + scale + "\n" + mline(points).substr(6);
 }
 
-// One list LIST must show: of element `element` at vertex `vertex` of the
-// n-th multiline listed.
-struct ListedList {
-    std::size_t mline, vertex, element;
-    std::vector<double> list;
-};
-
-// A script after kSetup (scale 10, zero justification, one-pixel picks),
-// the points LIST picks afterwards, the vertices of each multiline listed
-// and the lists they must hold.
-struct Session {
-    std::string name;
-    std::string script;
-    std::vector<std::string> listAt;
-    std::vector<std::vector<std::string>> vertices;
-    std::vector<ListedList> lists;
-};
-
-void expectSession(KaldoProcess& kaldo, const Session& session)
-{
-    const KaldoRun run = kaldo.runScript(kSetup + session.script + list(session.listAt));
-    EXPECT_EQ(run.exitCode, 0) << session.name << ": " << run.err;
-    const std::vector<ListedMline> listed = listedMlines(run.out);
-    ASSERT_EQ(listed.size(), session.listAt.size()) << session.name << ":\n" << run.out;
-    for (std::size_t n = 0; n < session.vertices.size(); ++n)
-        EXPECT_THAT(positions(listed, n), ElementsAreArray(session.vertices[n])) << session.name << ", multiline " << n;
-    for (const ListedList& expected : session.lists)
-        EXPECT_THAT(runs(listed, expected.mline, expected.vertex, expected.element), listOf(expected.list))
-            << session.name << ", multiline " << expected.mline << " vertex " << expected.vertex << " element "
-            << expected.element;
-}
-
 constexpr double kSqrt2 = std::numbers::sqrt2;
 
 }  // namespace

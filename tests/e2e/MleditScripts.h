@@ -83,6 +83,41 @@ inline std::vector<std::string> positions(const std::vector<ListedMline>& listed
     return out;
 }
 
+// One list LIST must show: of element `element` at vertex `vertex` of the
+// n-th multiline listed.
+struct ListedList {
+    std::size_t mline, vertex, element;
+    std::vector<double> list;
+};
+
+// A script after kSetup (scale 10, zero justification, one-pixel picks),
+// the points LIST picks afterwards, the vertices of each multiline listed
+// (of the first ones; none when left empty) and the lists they must hold.
+struct Session {
+    std::string name;
+    std::string script;
+    std::vector<std::string> listAt;
+    std::vector<std::vector<std::string>> vertices;
+    std::vector<ListedList> lists;
+};
+
+// Runs the session and checks what LIST shows; the run, for further checks.
+inline KaldoRun expectSession(KaldoProcess& kaldo, const Session& session)
+{
+    const KaldoRun run = kaldo.runScript(kSetup + session.script + list(session.listAt));
+    EXPECT_EQ(run.exitCode, 0) << session.name << ": " << run.err;
+    const std::vector<ListedMline> listed = listedMlines(run.out);
+    EXPECT_EQ(listed.size(), session.listAt.size()) << session.name << ":\n" << run.out;
+    for (std::size_t n = 0; n < session.vertices.size(); ++n)
+        EXPECT_THAT(positions(listed, n), ::testing::ElementsAreArray(session.vertices[n]))
+            << session.name << ", multiline " << n;
+    for (const ListedList& expected : session.lists)
+        EXPECT_THAT(runs(listed, expected.mline, expected.vertex, expected.element), listOf(expected.list))
+            << session.name << ", multiline " << expected.mline << " vertex " << expected.vertex << " element "
+            << expected.element;
+    return run;
+}
+
 // The world points where the drawn runs of one element along one segment of
 // a multiline the reader found start and stop: location + miter * p0 +
 // direction * p_i.

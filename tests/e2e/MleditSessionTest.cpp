@@ -30,105 +30,67 @@ const std::string kCrossingPair = kSetup + mline({"0,0", "100,0"}) + mline({"50,
 
 TEST(MleditSession, CrossToolsOnTwoElementMultilines)
 {
+    const std::string pair = mline({"0,0", "100,0"}) + mline({"50,-50", "50,50"});
+    const std::vector<std::string> listAt = {"20,5", "45,30"};
     KaldoProcess kaldo;
-    const KaldoRun closed = kaldo.runScript(kCrossingPair + "-MLEDIT\ncc\n20,5\n45,30\n\n" + list({"20,5", "45,30"}));
-    EXPECT_EQ(closed.exitCode, 0) << closed.err;
+    // The first multiline opens between its crossings with the second's
+    // element lines at x = 45 and 55; the second stays whole.
+    const KaldoRun closed = expectSession(kaldo, {"closed cross", pair + "-MLEDIT\ncc\n20,5\n45,30\n\n", listAt, {},
+                                                  {{0, 0, 0, {5, 0, 45, 55}}, {0, 0, 1, {-5, 0, 45, 55}}, {0, 1, 0, {5, 0}},
+                                                   {1, 0, 0, {5, 0}}, {1, 0, 1, {-5, 0}}}});
     EXPECT_THAT(closed.out, HasSubstr("Enter mline editing option [CC/OC/MC/CT/OT/MT/CJ/AV/DV/CS/CA/WA]: cc\n"
                                       "Select first mline: 20,5\nSelect second mline: 45,30\n"
                                       "Select first mline or [Undo]: \nCommand: LIST"));
-    auto listed = listedMlines(closed.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    // The first multiline opens between its crossings with the second's
-    // element lines at x = 45 and 55; the second stays whole.
-    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
-    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0));
-    EXPECT_THAT(runs(listed, 0, 1, 0), listIs(5.0, 0.0));
-    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
-    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0));
 
     // Open cross (typed in mixed case) also opens the second's outer
-    // elements; with two elements the merged cross does the same.
-    for (const char* tool : {"Oc", "MC"}) {
-        const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\n" + tool + "\n20,5\n45,30\n\n" + list({"20,5", "45,30"}));
-        listed = listedMlines(run.out);
-        ASSERT_THAT(listed, SizeIs(2)) << tool;
-        EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0)) << tool;
-        EXPECT_THAT(runs(listed, 0, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0)) << tool;
-        EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0, 45.0, 55.0)) << tool;
-        EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0)) << tool;
-    }
-
-    // The same cross again changes nothing further.
-    const KaldoRun twice = kaldo.runScript(kCrossingPair + "-MLEDIT\nOC\n20,5\n45,30\n20,-5\n55,-30\n\n" + list({"20,5", "45,30"}));
-    listed = listedMlines(twice.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
-    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(-5.0, 0.0, 45.0, 55.0));
+    // elements; with two elements the merged cross does the same. The same
+    // cross again changes nothing further.
+    const std::vector<ListedList> opened = {
+        {0, 0, 0, {5, 0, 45, 55}}, {0, 0, 1, {-5, 0, 45, 55}}, {1, 0, 0, {5, 0, 45, 55}}, {1, 0, 1, {-5, 0, 45, 55}}};
+    for (const Session& session : std::vector<Session>{
+             {"open cross", pair + "-MLEDIT\nOc\n20,5\n45,30\n\n", listAt, {}, opened},
+             {"merged cross", pair + "-MLEDIT\nMC\n20,5\n45,30\n\n", listAt, {}, opened},
+             {"open cross twice", pair + "-MLEDIT\nOC\n20,5\n45,30\n20,-5\n55,-30\n\n", listAt, {}, opened}})
+        expectSession(kaldo, session);
 }
 
 TEST(MleditSession, CrossToolsOnThreeAndFourElementMultilines)
 {
+    // PIPE has elements at 5, 0 and -5 (at scale 10), DUCT at 10, 5, -5
+    // and -10.
+    const std::string pipe = mlineInStyle("PIPE", true, {"0,0", "100,0"});
+    const std::string duct = mlineInStyle("DUCT", true, {"0,0", "100,0"});
+    const std::string stem = mline({"50,-50", "50,50"});
+    const std::vector<std::string> atPipe = {"20,5", "45,30"};
+    const std::vector<std::string> atDuct = {"20,10", "40,30"};
+    const std::vector<Session> sessions = {
+        // Three elements over two: every element of the first gets one gap.
+        {"closed cross of three over two",
+         pipe + "MLINE\nST\nSTANDARD\n50,-50\n50,50\n\n-MLEDIT\nCC\n20,5\n45,30\n\n", atPipe, {},
+         {{0, 0, 0, {5, 0, 45, 55}}, {0, 0, 1, {0, 0, 45, 55}}, {0, 0, 2, {-5, 0, 45, 55}}, {1, 0, 0, {5, 0}}}},
+        // Open cross of two three-element multilines: the second's middle
+        // element stays whole.
+        {"open cross of three", pipe + stem + "-MLEDIT\nOC\n20,5\n45,30\n\n", atPipe, {},
+         {{0, 0, 1, {0, 0, 45, 55}}, {1, 0, 0, {5, 0, 45, 55}}, {1, 0, 1, {0, 0}}, {1, 0, 2, {-5, 0, 45, 55}}}},
+        // Closed cross of two four-element multilines: every element of the
+        // first opens between the second's outer elements at x = 40 and 60.
+        {"closed cross of four", duct + stem + "-MLEDIT\nCC\n20,10\n40,30\n\n", atDuct, {},
+         {{0, 0, 1, {5, 0, 40, 60}}, {0, 0, 2, {-5, 0, 40, 60}}, {1, 0, 1, {5, 0}}}},
+        // Merged cross of three elements each: the outer elements open
+        // between the other's outer ones, the middle ones stay whole.
+        {"merged cross of three", pipe + stem + "-MLEDIT\nMC\n20,5\n45,30\n\n", atPipe, {},
+         {{0, 0, 0, {5, 0, 45, 55}}, {0, 0, 1, {0, 0}}, {0, 0, 2, {-5, 0, 45, 55}},
+          {1, 0, 0, {5, 0, 45, 55}}, {1, 0, 1, {0, 0}}, {1, 0, 2, {-5, 0, 45, 55}}}},
+        // Four elements each: the inner elements open between the other's
+        // inner ones, the outer between the outer ones.
+        {"merged cross of four", duct + stem + "-MLEDIT\nmc\n20,10\n40,30\n\n", atDuct, {},
+         {{0, 0, 0, {10, 0, 40, 60}}, {0, 0, 1, {5, 0, 45, 55}}, {0, 0, 2, {-5, 0, 45, 55}},
+          {0, 0, 3, {-10, 0, 40, 60}}, {1, 0, 0, {10, 0, 40, 60}}, {1, 0, 1, {5, 0, 45, 55}},
+          {1, 0, 2, {-5, 0, 45, 55}}, {1, 0, 3, {-10, 0, 40, 60}}}},
+    };
     KaldoProcess kaldo;
-    // Three elements over two: every element of the first gets one gap.
-    const KaldoRun closed = kaldo.runScript(kSetup + mlineInStyle("PIPE", true, {"0,0", "100,0"})
-                                            + "MLINE\nST\nSTANDARD\n50,-50\n50,50\n\n"
-                                            + "-MLEDIT\nCC\n20,5\n45,30\n\n" + list({"20,5", "45,30"}));
-    EXPECT_EQ(closed.exitCode, 0) << closed.err;
-    auto listed = listedMlines(closed.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    for (std::size_t e = 0; e < 3; ++e)
-        EXPECT_THAT(runs(listed, 0, 0, e), listIs(5.0 - 5.0 * double(e), 0.0, 45.0, 55.0)) << e;
-    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
-
-    // Open cross of two three-element multilines: the second's middle
-    // element stays whole.
-    const KaldoRun open3 = kaldo.runScript(kSetup + mlineInStyle("PIPE", true, {"0,0", "100,0"})
-                                           + mline({"50,-50", "50,50"}) + "-MLEDIT\nOC\n20,5\n45,30\n\n"
-                                           + list({"20,5", "45,30"}));
-    listed = listedMlines(open3.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(0.0, 0.0, 45.0, 55.0));
-    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0, 45.0, 55.0));
-    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(0.0, 0.0));
-    EXPECT_THAT(runs(listed, 1, 0, 2), listIs(-5.0, 0.0, 45.0, 55.0));
-
-    // Closed cross of two four-element multilines: every element of the
-    // first opens between the second's outer elements at x = 40 and 60.
-    const KaldoRun closed4 = kaldo.runScript(kSetup + mlineInStyle("DUCT", true, {"0,0", "100,0"})
-                                             + mline({"50,-50", "50,50"}) + "-MLEDIT\nCC\n20,10\n40,30\n\n"
-                                             + list({"20,10", "40,30"}));
-    listed = listedMlines(closed4.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    EXPECT_THAT(runs(listed, 0, 0, 1), listIs(5.0, 0.0, 40.0, 60.0));
-    EXPECT_THAT(runs(listed, 0, 0, 2), listIs(-5.0, 0.0, 40.0, 60.0));
-    EXPECT_THAT(runs(listed, 1, 0, 1), listIs(5.0, 0.0));
-
-    // Merged cross of two three-element multilines: the outer elements open
-    // between the other's outer ones, the middle ones stay whole.
-    const KaldoRun merged3 = kaldo.runScript(kSetup + mlineInStyle("PIPE", true, {"0,0", "100,0"})
-                                             + mline({"50,-50", "50,50"}) + "-MLEDIT\nMC\n20,5\n45,30\n\n"
-                                             + list({"20,5", "45,30"}));
-    listed = listedMlines(merged3.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    for (std::size_t n = 0; n < 2; ++n) {
-        EXPECT_THAT(runs(listed, n, 0, 0), listIs(5.0, 0.0, 45.0, 55.0)) << n;
-        EXPECT_THAT(runs(listed, n, 0, 1), listIs(0.0, 0.0)) << n;
-        EXPECT_THAT(runs(listed, n, 0, 2), listIs(-5.0, 0.0, 45.0, 55.0)) << n;
-    }
-
-    // Four elements each (at 10, 5, -5, -10): the inner elements open
-    // between the other's inner ones, the outer between the outer ones.
-    const KaldoRun merged4 = kaldo.runScript(kSetup + mlineInStyle("DUCT", true, {"0,0", "100,0"})
-                                             + mline({"50,-50", "50,50"}) + "-MLEDIT\nmc\n20,10\n40,30\n\n"
-                                             + list({"20,10", "40,30"}));
-    listed = listedMlines(merged4.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    for (std::size_t n = 0; n < 2; ++n) {
-        EXPECT_THAT(runs(listed, n, 0, 0), listIs(10.0, 0.0, 40.0, 60.0)) << n;
-        EXPECT_THAT(runs(listed, n, 0, 1), listIs(5.0, 0.0, 45.0, 55.0)) << n;
-        EXPECT_THAT(runs(listed, n, 0, 2), listIs(-5.0, 0.0, 45.0, 55.0)) << n;
-        EXPECT_THAT(runs(listed, n, 0, 3), listIs(-10.0, 0.0, 40.0, 60.0)) << n;
-    }
+    for (const Session& session : sessions)
+        expectSession(kaldo, session);
 }
 
 TEST(MleditSession, CrossingsOnClosedMultilinesAndNearVertices)
@@ -237,21 +199,6 @@ TEST(MleditSession, WeldAllClosesGapsAndDrawsSegmentsThrough)
     }
 }
 
-TEST(MleditSession, UndoOnceThenTheKeywordIsGone)
-{
-    KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nCC\n20,5\n45,30\nu\nU\n\n" + list({"20,5"})
-                                         + "-MLEDIT\nCS\n20,5\n30,5\nundo\n\n" + list({"20,5"}));
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_THAT(run.out, HasSubstr("Select first mline or [Undo]: u\nThe last edit was undone.\n"
-                                   "Select first mline: U\nInvalid point."));
-    EXPECT_THAT(run.out, HasSubstr("Select mline or [Undo]: undo\nThe last edit was undone.\nSelect mline: \n"));
-    const auto listed = listedMlines(run.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0));
-    EXPECT_THAT(runs(listed, 1, 0, 0), listIs(5.0, 0.0));
-}
-
 TEST(MleditSession, NonMultilinesMissesAndOneMultilinePickedTwice)
 {
     KaldoProcess kaldo;
@@ -284,13 +231,26 @@ TEST(MleditSession, NonMultilinesMissesAndOneMultilinePickedTwice)
     EXPECT_THAT(runs(listedMlines(apart.out), 0, 0, 0), listIs(5.0, 0.0));
 }
 
-TEST(MleditSession, UnknownCodesCancelAndEnterRunNoTool)
+// Unknown codes, Enter and Cancel at the tool prompt run no tool; a miss at
+// any pick says so and asks again, and Enter or Cancel there ends the tool.
+TEST(MleditSession, UnknownCodesMissesEnterAndCancelChangeNothing)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nXX\n\n-MLEDIT\n\n-MLEDIT\n^C\n" + list({"20,5"}));
+    const KaldoRun run = kaldo.runScript(kCrossingPair + "-MLEDIT\nXX\n\n-MLEDIT\n\n-MLEDIT\n^C\n"
+                                         + "-MLEDIT\nCT\n55,-30\n500,500\n\n-MLEDIT\nCJ\n500,500\n^C\n"
+                                         + "-MLEDIT\nAV\n500,500\n\n" + list({"20,5", "55,-30"}));
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_THAT(run.out, Not(HasSubstr("Select first mline")));
-    EXPECT_THAT(runs(listedMlines(run.out), 0, 0, 0), listIs(5.0, 0.0));
+    const std::string option = "Enter mline editing option [CC/OC/MC/CT/OT/MT/CJ/AV/DV/CS/CA/WA]: ";
+    EXPECT_THAT(run.out, HasSubstr(option + "XX\nInvalid option keyword.\n" + option + "\nCommand: -MLEDIT\n" + option
+                                   + "\nCommand: -MLEDIT\n" + option + "*Cancel*\n"));
+    EXPECT_THAT(run.out, HasSubstr("Select second mline: 500,500\nNo object found.\nSelect second mline: \nCommand: "));
+    EXPECT_THAT(run.out, HasSubstr("Select first mline: 500,500\nNo object found.\nSelect first mline: *Cancel*\n"));
+    EXPECT_THAT(run.out, HasSubstr("Select mline: 500,500\nNo object found.\nSelect mline: \nCommand: "));
+    EXPECT_THAT(run.out, Not(HasSubstr("undone")));
+    const auto listed = listedMlines(run.out);
+    ASSERT_THAT(listed, SizeIs(2));
+    EXPECT_THAT(runs(listed, 0, 0, 0), listIs(5.0, 0.0));
+    EXPECT_THAT(positions(listed, 1), ElementsAre("50.0000,-50.0000", "50.0000,50.0000"));
 }
 
 TEST(MleditSession, AnIndependentReaderFindsTheBreaksInTheSavedFile)

@@ -47,62 +47,30 @@ std::string mlnStyle(const std::string& name, const std::string& description, co
 
 }  // namespace
 
-TEST(MlineSession, EnterOrCancelAtTheStartDrawsNothing)
+// Enter or Cancel at the start draws nothing; Undo back to the start point
+// writes it to LASTPOINT, and a relative point after two Undos is taken
+// from the fixed vertex left. The prompts after each Undo are the jig's
+// (MlineJigTest).
+TEST(MlineSession, EnterOrCancelAtTheStartAndUndoBackToLastpoint)
 {
     KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("MLINE\n\nMLINE\n^C\nMLINE\n0,0\n\nMLINE\n0,0\n^C\nLIST\n0,0\n\n\n");
+    const KaldoRun run = kaldo.runScript("MLINE\n\nMLINE\n^C\nMLINE\n0,0\n\n"
+                                         "MLINE\n5,5\n15,5\nU\n\nSETVAR\nLASTPOINT\n\n"
+                                         "MLINE\n0,20\n10,20\n10,30\n20,30\nU\nU\n@0,-5\n\nSETVAR\nLASTPOINT\n\n"
+                                         "LIST\n5,20\n\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr(std::string("Command: MLINE\n") + settingsLine("Top", "1.0000", "STANDARD")
                                    + kStartPrompt + "\nCommand: MLINE\n"));
     EXPECT_THAT(run.out, HasSubstr(std::string(kStartPrompt) + "0,0\nNext point :\nCommand: "));
-    EXPECT_THAT(run.out, HasSubstr("Select objects: 0,0\nSpecify opposite corner: \n0 found\nSelect objects: \nCommand: "));
-    EXPECT_THAT(listedMlines(run.out), SizeIs(0));
-}
-
-TEST(MlineSession, UndoBackToTheStartAndLastpoint)
-{
-    KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("MLINE\n5,5\n15,5\nU\n\nSETVAR\nLASTPOINT\n\n"
-                                         "MLINE\n0,20\n10,20\n10,30\n20,30\nU\nU\n@0,-5\n\nSETVAR\nLASTPOINT\n\n"
-                                         "LIST\n5,20\n\n");
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_THAT(run.out, HasSubstr("Next point :15,5\nSpecify next point or [Undo]:U\nNext point :\n"));
-    // Undo wrote the start point; Enter then drew nothing.
     EXPECT_THAT(run.out, HasSubstr("Enter new value for LASTPOINT <5.0000,5.0000,0.0000>: \n"));
-    // Two Undos from four fixed points: 10,30 and 20,30 given up, the
-    // relative point taken from 10,20.
-    EXPECT_THAT(run.out, HasSubstr("Specify next point or [Close/Undo]: U\n"
-                                   "Specify next point or [Close/Undo]: U\n"
-                                   "Specify next point or [Undo]:@0,-5\n"
-                                   "Specify next point or [Close/Undo]: \n"));
     EXPECT_THAT(run.out, HasSubstr("Enter new value for LASTPOINT <10.0000,15.0000,0.0000>: \n"));
+    // Two Undos gave up 20,30 and 10,30: @0,-5 is taken from 10,20.
     const auto listed = listedMlines(run.out);
     ASSERT_THAT(listed, SizeIs(1));
     ASSERT_THAT(listed[0].vertices, SizeIs(3));
     EXPECT_THAT(listed[0].vertices[0].position, IsVec(0, 20, 0));
     EXPECT_THAT(listed[0].vertices[1].position, IsVec(10, 20, 0));
     EXPECT_THAT(listed[0].vertices[2].position, IsVec(10, 15, 0));
-}
-
-TEST(MlineSession, CloseAndCancelKeepTheirVertices)
-{
-    KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("MLINE\n0,0\n10,0\n10,10\nC\n"
-                                         "MLINE\n100,0\n110,0\n110,10\n^C\n"
-                                         "LIST\n5,0\n\nLIST\n105,0\n\n");
-    EXPECT_EQ(run.exitCode, 0);
-    // Close ends the command at once.
-    EXPECT_THAT(run.out, HasSubstr("Specify next point or [Close/Undo]: C\nCommand: MLINE"));
-    const auto listed = listedMlines(run.out);
-    ASSERT_THAT(listed, SizeIs(2));
-    EXPECT_TRUE(listed[0].closed);
-    ASSERT_THAT(listed[0].vertices, SizeIs(3));
-    EXPECT_THAT(listed[0].vertices[2].position, IsVec(10, 10, 0));
-    // The closing segment runs from the last vertex back to the first.
-    EXPECT_THAT(listed[0].vertices[2].direction, IsVec(-M_SQRT1_2, -M_SQRT1_2, 0));
-    EXPECT_FALSE(listed[1].closed);
-    ASSERT_THAT(listed[1].vertices, SizeIs(3));
-    EXPECT_THAT(listed[1].vertices[2].position, IsVec(110, 10, 0));
 }
 
 TEST(MlineSession, OptionsWriteTheVariablesAndTheSettingsLine)
@@ -200,22 +168,6 @@ TEST(MlineSession, MissingStyleLoadedFromAFileByScript)
     ASSERT_THAT(listed[1].vertices[0].elements, SizeIs(3));
     EXPECT_NEAR(listed[1].vertices[0].elements[2][0], -6, kListed);
     EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSTYLE <ROAD>: "));
-}
-
-TEST(MlineSession, RotatedUserSystemPlacesTheVertices)
-{
-    KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("UCS\nZ\n30\nMLINE\n10,0\n20,0\n20,5\n\nUCS\nW\nLIST\n12.99,7.5\n\n");
-    EXPECT_EQ(run.exitCode, 0);
-    const auto listed = listedMlines(run.out);
-    ASSERT_THAT(listed, SizeIs(1));
-    const double c = std::cos(M_PI / 6), s = std::sin(M_PI / 6);
-    EXPECT_THAT(listed[0].normal, IsVec(0, 0, 1));
-    ASSERT_THAT(listed[0].vertices, SizeIs(3));
-    EXPECT_THAT(listed[0].vertices[0].position, IsVec(10 * c, 10 * s, 0));
-    EXPECT_THAT(listed[0].vertices[1].position, IsVec(20 * c, 20 * s, 0));
-    EXPECT_THAT(listed[0].vertices[2].position, IsVec(20 * c - 5 * s, 20 * s + 5 * c, 0));
-    EXPECT_THAT(listed[0].vertices[0].direction, IsVec(c, s, 0));
 }
 
 namespace {

@@ -1,7 +1,7 @@
 // System variables through SETVAR and through their names typed as
-// commands: every value type round trips, Enter keeps a value, bad values
-// are refused with a message and change nothing. Reals and points show in
-// the drawing's units (four decimals by default).
+// commands: every value type round trips and "?" lists it, Enter keeps a
+// value, bad values are refused with a message and change nothing. Reals
+// and points show in the drawing's units (four decimals by default).
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-TEST(SetvarSession, EveryTypeRoundTrips)
+TEST(SetvarSession, EveryTypeRoundTripsAndIsListed)
 {
     KaldoProcess kaldo;
     const KaldoRun run = kaldo.runScript(
@@ -18,7 +18,7 @@ TEST(SetvarSession, EveryTypeRoundTrips)
         "SETVAR\ncmlscale\n2.5\nCMLSCALE\n\n"
         "SETVAR\nCMLSTYLE\nStandard\nCMLSTYLE\n\n"
         "SETVAR\nLASTPOINT\n1.5,-2,3\nLASTPOINT\n\n"
-        "PICKBOX\n7\nSETVAR\nPICKBOX\n\n");
+        "PICKBOX\n7\nSETVAR\nPICKBOX\n\nSETVAR\n?\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Enter variable name or [?]: CMLJUST\nEnter new value for CMLJUST <0>: 2\n"));
     EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLJUST <2>: \n"));
@@ -29,6 +29,11 @@ TEST(SetvarSession, EveryTypeRoundTrips)
     EXPECT_THAT(run.out, HasSubstr("Enter new value for PICKBOX <3>: 7\n"));
     EXPECT_THAT(run.out, HasSubstr("Enter new value for PICKBOX <7>: \n"));
     EXPECT_THAT(run.out, Not(HasSubstr("cannot be set")));
+    // "?" lists every variable with the value it holds now.
+    for (const char* line : {"CMLJUST             2\n", "CMLSCALE            2.5000\n",
+                             "CMLSTYLE            Standard\n", "LISPCOMMANDHASMORE  1\n", "PICKBOX             7\n",
+                             "UCSYDIR             0.0000,1.0000,0.0000\n"})
+        EXPECT_THAT(run.out, HasSubstr(line));
 }
 
 TEST(SetvarSession, BadValuesAreRefusedAndChangeNothing)
@@ -52,14 +57,4 @@ TEST(SetvarSession, BadValuesAreRefusedAndChangeNothing)
     EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSCALE <1.0000>: \n"));
     EXPECT_THAT(run.out, HasSubstr("Enter new value for CMLSTYLE <STANDARD>: \n"));
     EXPECT_THAT(run.out, HasSubstr("Enter new value for LISPCOMMANDHASMORE <1>: \n"));
-}
-
-TEST(SetvarSession, QuestionMarkListsEveryVariableWithItsValue)
-{
-    KaldoProcess kaldo;
-    const KaldoRun run = kaldo.runScript("CMLSCALE\n0.25\nSETVAR\n?\n");
-    EXPECT_EQ(run.exitCode, 0);
-    for (const char* line : {"CMLJUST             0\n", "CMLSCALE            0.2500\n", "CMLSTYLE            STANDARD\n",
-                             "LISPCOMMANDHASMORE  1\n", "PICKBOX             3\n", "UCSYDIR             0.0000,1.0000,0.0000\n"})
-        EXPECT_THAT(run.out, HasSubstr(line));
 }

@@ -4,6 +4,7 @@
 // use, and loaded into a new drawing where every property comes back; the
 // preview's background follows the space the drawing shows.
 #include "EzdxfReport.h"
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
@@ -16,8 +17,6 @@
 #include <QJsonObject>
 #include <QProcess>
 
-#include <fstream>
-#include <sstream>
 
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -25,12 +24,9 @@ using ::testing::Not;
 namespace {
 
 // The file's text with its line ends made plain.
-std::string fileText(const std::filesystem::path& path)
+std::string plainText(const std::filesystem::path& path)
 {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    std::string lines = text.str();
+    std::string lines = fileText(path);
     std::erase(lines, '\r');
     return lines;
 }
@@ -111,7 +107,7 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
     EXPECT_EQ(report.file["errors"].toArray().size(), 0);
     EXPECT_EQ(report.file["fixes"].toArray().size(), 0);
     EXPECT_EQ(report.file["cmlstyle"].toString(), "BRICK");
-    EXPECT_THAT(fileText(drawn), HasSubstr("$TILEMODE\n 70\n0\n"));
+    EXPECT_THAT(plainText(drawn), HasSubstr("$TILEMODE\n 70\n0\n"));
     const KaldoRun reopened = kaldo.runScript("TILEMODE\n\n", {QString::fromStdString(drawn.string())});
     EXPECT_THAT(reopened.out, HasSubstr("Enter new value for TILEMODE <0>: \n")) << "read back with the drawing";
     ASSERT_EQ(report.file["mlines"].toArray().size(), 1);
@@ -135,10 +131,10 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
 
     // A new file holds the style alone; the existing one keeps OTHER and
     // has its BRICK replaced.
-    const std::string written = fileText(newMln);
+    const std::string written = plainText(newMln);
     EXPECT_EQ(count(written, "MLSTYLE\n"), 1);
     EXPECT_THAT(written, HasSubstr("2\n BRICK\n70\n 1041\n3\n A wall\n"));
-    const std::string merged = fileText(sharedMln);
+    const std::string merged = plainText(sharedMln);
     EXPECT_THAT(merged, HasSubstr("2\n OTHER\n70\n 0\n3\n kept\n"));
     EXPECT_EQ(count(merged, "BRICK"), 1);
     EXPECT_THAT(merged, Not(HasSubstr("old")));
@@ -152,7 +148,7 @@ TEST(StyleManagerSession, CreateModifyRenameSaveLoadAndDelete)
     EXPECT_THAT(run.out, HasSubstr("Dialog 108 closed: OK"));
     EXPECT_THAT(run.out, HasSubstr("selected 1\n    0: BRICK\n    1: STANDARD\n"));
     EXPECT_EQ(stylesRead(loaded)["BRICK"].toObject(), brick);
-    EXPECT_THAT(fileText(loaded), Not(HasSubstr("$TILEMODE"))) << "model space shown is not written";
+    EXPECT_THAT(plainText(loaded), Not(HasSubstr("$TILEMODE"))) << "model space shown is not written";
 
     // The preview's background is the drawing window's: dark behind model
     // space, none of it behind a layout.

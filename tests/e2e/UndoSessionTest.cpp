@@ -4,14 +4,13 @@
 // the file after REDO the file after. Then counts, marks, an empty history,
 // a new command clearing what could be redone, undo across SAVE, and OPEN
 // starting a new history.
+#include "FileText.h"
 #include "KaldoProcess.h"
 #include "MleditScripts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <sstream>
 #include <string>
@@ -20,12 +19,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 namespace {
-
-std::string fileBytes(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 // Whether every handle (group 5) of a saved drawing is given once.
 bool handlesUnique(const std::string& dxf)
@@ -83,12 +76,12 @@ TEST(UndoSession, EveryCommandTakenBackAndRestoredByteForByte)
         const KaldoRun run = kaldo.runScript(c.setup + save("before") + c.command + save("after") + "U\n"
                                              + save("undone") + "REDO\n" + save("redone"));
         ASSERT_EQ(run.exitCode, 0) << run.err;
-        const std::string before = fileBytes(file("before"));
-        const std::string after = fileBytes(file("after"));
+        const std::string before = fileText(file("before"));
+        const std::string after = fileText(file("after"));
         ASSERT_FALSE(before.empty()) << c.command;
         EXPECT_NE(before, after) << c.command << " changed nothing";
-        EXPECT_EQ(fileBytes(file("undone")), before) << c.command;
-        EXPECT_EQ(fileBytes(file("redone")), after) << c.command;
+        EXPECT_EQ(fileText(file("undone")), before) << c.command;
+        EXPECT_EQ(fileText(file("redone")), after) << c.command;
         EXPECT_THAT(run.out, HasSubstr(std::string("\n") + c.name + " undone.\n")) << c.command;
         EXPECT_THAT(run.out, HasSubstr(std::string("\n") + c.name + " redone.\n")) << c.command;
         EXPECT_EQ(c.command.find("\nU\n") == std::string::npos,
@@ -116,11 +109,11 @@ TEST(UndoSession, CountsMarksRedoSaveAndOpen)
     const KaldoRun run = kaldo.runScript(script);
     ASSERT_EQ(run.exitCode, 0) << run.err;
 
-    EXPECT_EQ(fileBytes(file("back")), fileBytes(file("three")));
-    EXPECT_EQ(fileBytes(file("redone")), fileBytes(file("five")));
-    EXPECT_EQ(fileBytes(file("two")), fileBytes(file("three")));
-    EXPECT_EQ(fileBytes(file("none")), fileBytes(file("empty")));
-    EXPECT_NE(fileBytes(file("last")), fileBytes(file("none")));
+    EXPECT_EQ(fileText(file("back")), fileText(file("three")));
+    EXPECT_EQ(fileText(file("redone")), fileText(file("five")));
+    EXPECT_EQ(fileText(file("two")), fileText(file("three")));
+    EXPECT_EQ(fileText(file("none")), fileText(file("empty")));
+    EXPECT_NE(fileText(file("last")), fileText(file("none")));
 
     const std::string out = run.out;
     EXPECT_THAT(out, HasSubstr("Command: U\nNothing to undo.\nCommand: REDO\nNothing to redo.\n"));
@@ -142,6 +135,6 @@ TEST(UndoSession, CountsMarksRedoSaveAndOpen)
     // a line taken back from before it must not hand their handles out again.
     const KaldoRun after = kaldo.runScript(line(0) + save("first") + "U\n" + line(10) + save("again"));
     ASSERT_EQ(after.exitCode, 0) << after.err;
-    EXPECT_TRUE(handlesUnique(fileBytes(file("first"))));
-    EXPECT_TRUE(handlesUnique(fileBytes(file("again"))));
+    EXPECT_TRUE(handlesUnique(fileText(file("first"))));
+    EXPECT_TRUE(handlesUnique(fileText(file("again"))));
 }

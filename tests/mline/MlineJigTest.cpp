@@ -1,6 +1,6 @@
 // The MLINE point loop on its own: vertices added, given up and closed as
-// the prompts say, LASTPOINT after Undo, what reaches the drawing, and the
-// normal taken from the user coordinate system.
+// the prompts say, LASTPOINT after Undo and what reaches the drawing (the
+// normal from the user coordinate system: MlineCommandTest).
 #include "MlineFixture.h"
 
 #include "mline/MlineJig.h"
@@ -8,8 +8,6 @@
 #include "kaldo/ed/InputSource.h"
 
 #include <gmock/gmock.h>
-
-#include <cmath>
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -31,18 +29,16 @@ protected:
     }
 };
 
-TEST_F(MlineJigTest, EnterOrCancelBeforeASegmentAddsNothing)
+TEST_F(MlineJigTest, EnterAndCancelKeepTheFixedSegmentsOnly)
 {
+    // Before a segment: nothing is added, also after a point taken back by
+    // Undo.
     EXPECT_EQ(draw({0, 0, 0}, "\n"), KxEdJig::kNull);
     EXPECT_EQ(draw({0, 0, 0}, "^C\n"), KxEdJig::kCancel);
     EXPECT_EQ(draw({0, 0, 0}, ""), KxEdJig::kCancel);
-    // A point taken back by Undo leaves the start point alone again.
     EXPECT_EQ(draw({0, 0, 0}, "5,0\nU\n\n"), KxEdJig::kNull);
     EXPECT_THAT(mlines(), IsEmpty());
-}
 
-TEST_F(MlineJigTest, EnterAndCancelKeepTheFixedVertices)
-{
     draw({1, 2, 0}, "5,2\n\n");
     draw({0, 10, 0}, "10,10\n10,20\n^C\n");
     const auto drawn = mlines();
@@ -135,7 +131,7 @@ TEST_F(MlineJigTest, UndoWritesTheFixedPointBeforeToLastpointInUserCoordinates)
     EXPECT_THAT(lastPoint(), IsPoint(3, 3, 0));
 }
 
-TEST_F(MlineJigTest, SetUpTakesStyleScaleJustificationAndTheUcsNormal)
+TEST_F(MlineJigTest, SetUpTakesStyleScaleJustificationAndLayer)
 {
     KxDbObjectId standard;
     {
@@ -144,9 +140,6 @@ TEST_F(MlineJigTest, SetUpTakesStyleScaleJustificationAndTheUcsNormal)
         const KxDbObjectPtr<KxDbDictionary> styles(opened);
         ASSERT_EQ(styles->getAt(L"standard", standard), Kald::eOk);
     }
-    // A system tilted about the world X axis by 30 degrees.
-    const double c = std::cos(M_PI / 6), s = std::sin(M_PI / 6);
-    ASSERT_EQ(db.setUcs({}, {1, 0, 0}, {0, c, s}), Kald::eOk);
     script("10,0\n\n");
     KaldMLineJig jig;
     jig.setUp(&db, {0, 0, 0}, 2, -1.5, L"standard");
@@ -156,7 +149,6 @@ TEST_F(MlineJigTest, SetUpTakesStyleScaleJustificationAndTheUcsNormal)
     EXPECT_EQ(drawn[0]->style(), standard);
     EXPECT_EQ(drawn[0]->scale(), -1.5);
     EXPECT_EQ(drawn[0]->justification(), 2);
-    EXPECT_THAT(drawn[0]->normal(), IsPoint(0, -s, c));
     EXPECT_EQ(drawn[0]->layerId(), db.clayer());
 
     // A style the drawing lacks leaves the drawing's current one.

@@ -3,8 +3,10 @@
 // .mln files a test writes.
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QString>
 #include <QTemporaryDir>
 #include <filesystem>
 #include <fstream>
@@ -84,6 +86,16 @@ inline ElementView elementOf(const KxDbMlineStyle& style, int index)
     KxDbObjectPtr<KxDbLinetypeTableRecord> record(linetype, KxDb::kForRead);
     e.linetype = record ? record->name() : std::wstring();
     return e;
+}
+
+// An element (as elementOf sees it) of this offset, colour index and
+// linetype name.
+MATCHER_P3(IsElement, offset, colorIndex, linetype, "")
+{
+    *result_listener << "offset " << arg.offset << ", colour " << arg.color.colorIndex() << ", linetype \""
+                     << QString::fromStdWString(arg.linetype).toStdString() << "\"";
+    return ::testing::Value(arg.offset, ::testing::DoubleEq(offset)) && arg.color.colorIndex() == colorIndex
+           && arg.linetype == std::wstring(linetype);
 }
 
 // The WALL block of the file format's description, lines joined by eol.

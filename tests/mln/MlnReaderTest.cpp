@@ -11,6 +11,7 @@
 using kdml::MlnReadMode;
 using kdml::MlnReadResult;
 using mlntest::elementOf;
+using mlntest::IsElement;
 
 namespace {
 
@@ -68,12 +69,8 @@ TEST_F(MlnReaderTest, ListsAndReadsOneOfSeveralBlocks)
         EXPECT_FALSE(style.endSquareCap());
         EXPECT_NEAR(style.startAngle(), std::numbers::pi / 2, 1e-12);
         ASSERT_EQ(style.numElements(), 2);
-        EXPECT_DOUBLE_EQ(elementOf(style, 0).offset, 0.25);
-        EXPECT_EQ(elementOf(style, 0).color.colorIndex(), 3);
-        EXPECT_EQ(elementOf(style, 0).linetype, L"Continuous");
-        EXPECT_DOUBLE_EQ(elementOf(style, 1).offset, -0.75);
-        EXPECT_EQ(elementOf(style, 1).color.colorIndex(), 5);
-        EXPECT_EQ(elementOf(style, 1).linetype, L"ByLayer");
+        EXPECT_THAT(elementOf(style, 0), IsElement(0.25, 3, L"Continuous"));
+        EXPECT_THAT(elementOf(style, 1), IsElement(-0.75, 5, L"ByLayer"));
     }
     EXPECT_EQ(read(path, L"FOURTH", MlnReadMode::strict), MlnReadResult::notFound);
     EXPECT_EQ(read(folder().wstring() + L"/missing.mln", L"FIRST", MlnReadMode::lenient), MlnReadResult::notFound);
@@ -283,8 +280,7 @@ TEST_F(MlnReaderTest, CrLfAndBareLfReadAlike)
         EXPECT_EQ(kdml::listMlnStyleNames(path.c_str()), std::vector<std::wstring>{L"WALL"});
         ASSERT_EQ(read(path, L"WALL", MlnReadMode::strict), MlnReadResult::found);
         ASSERT_EQ(style.numElements(), 2);
-        EXPECT_EQ(elementOf(style, 1).linetype, L"Continuous");
-        EXPECT_DOUBLE_EQ(elementOf(style, 1).offset, -0.5);
+        EXPECT_THAT(elementOf(style, 1), IsElement(-0.5, 256, L"Continuous"));
     }
     EXPECT_EQ(read(strayCr, L"WALL", MlnReadMode::strict), MlnReadResult::notFound);
 }

@@ -6,6 +6,7 @@
 #include "mlnfile/MlnStyleLoader.h"
 
 using mlntest::elementOf;
+using mlntest::IsElement;
 
 namespace {
 
@@ -63,10 +64,8 @@ TEST_F(MlnStyleLoaderTest, DialogLoaderMakesADefaultStyleForANewName)
     ASSERT_TRUE(style);
     EXPECT_STREQ(style->description(), L"no elements here");
     ASSERT_EQ(style->numElements(), 2);
-    EXPECT_DOUBLE_EQ(elementOf(*style, 0).offset, 0.5);
-    EXPECT_DOUBLE_EQ(elementOf(*style, 1).offset, -0.5);
-    EXPECT_TRUE(elementOf(*style, 1).color.isByLayer());
-    EXPECT_EQ(elementOf(*style, 1).linetype, L"ByLayer");
+    EXPECT_THAT(elementOf(*style, 0), IsElement(0.5, 256, L"ByLayer"));
+    EXPECT_THAT(elementOf(*style, 1), IsElement(-0.5, 256, L"ByLayer"));
 
     EXPECT_TRUE(kdml::loadMlnStyleIntoDictionary(KxDbObjectId::kNull, L"X", noList.c_str()).isNull());
 }

@@ -10,6 +10,7 @@
 #include "mlnfile/StyleElementSetters.h"
 
 using mlntest::elementOf;
+using mlntest::IsElement;
 
 namespace {
 
@@ -60,10 +61,8 @@ TEST_F(StyleElementSettersTest, OffsetsKeepEachElementsOtherProperties)
     kdml::setStyleElementOffsets(&style, offsets);
     // 2.0 sorts first, carrying its colour; the element beyond the table gets 0.
     ASSERT_EQ(style.numElements(), 3);
-    EXPECT_DOUBLE_EQ(elementOf(style, 0).offset, 2.0);
-    EXPECT_EQ(elementOf(style, 0).color.colorIndex(), 2);
-    EXPECT_DOUBLE_EQ(elementOf(style, 1).offset, 0.25);
-    EXPECT_EQ(elementOf(style, 1).color.colorIndex(), 1);
+    EXPECT_THAT(elementOf(style, 0), IsElement(2.0, 2, L""));
+    EXPECT_THAT(elementOf(style, 1), IsElement(0.25, 1, L""));
     EXPECT_DOUBLE_EQ(elementOf(style, 2).offset, 0.0);
 
     std::array<double, 4> out{};
@@ -140,12 +139,8 @@ TEST_F(StyleElementSettersTest, TableRowsTravelWithTheirOffsets)
     table.colorBookKeys[1] = L"";
     ASSERT_TRUE(kdml::applyMlnElementTable(&style, table, 2, &db));
     ASSERT_EQ(style.numElements(), 2);
-    EXPECT_DOUBLE_EQ(elementOf(style, 0).offset, 1.0);
-    EXPECT_EQ(elementOf(style, 0).color.colorIndex(), 2);
-    EXPECT_EQ(elementOf(style, 0).linetype, L"");
-    EXPECT_DOUBLE_EQ(elementOf(style, 1).offset, -1.0);
-    EXPECT_EQ(elementOf(style, 1).color.colorIndex(), 1);
-    EXPECT_EQ(elementOf(style, 1).linetype, L"Continuous");
+    EXPECT_THAT(elementOf(style, 0), IsElement(1.0, 2, L""));
+    EXPECT_THAT(elementOf(style, 1), IsElement(-1.0, 1, L"Continuous"));
 }
 
 TEST_F(StyleElementSettersTest, LinetypesComeFromTheDrawingOrTheFileMeasurementChooses)

@@ -2,8 +2,7 @@
 // clicks on the real widgets) and, beside them, the same steps as script
 // actions: what the lists and labels show, what the name edit keeps, which
 // offsets the editor takes, and which dialogs can be resized.
-#include "dlg/DialogFixture.h"
-#include "styledlg/CurrentStyle.h"
+#include "StyleDrawingFixture.h"
 #include "kaldo/dlg/DialogItems.h"
 #include "kaldo/dlg/DialogLabel.h"
 
@@ -11,6 +10,7 @@
 #include "styledlg/MlineStyleLoadDialog.h"
 #include "styledlg/MlineStyleNameDialogs.h"
 #include "styledlg/MlineStyleNewModifyDialog.h"
+#include "scenarios/Gestures.h"
 #include "ui/DialogPlacement.h"
 
 #include "kxed.h"
@@ -54,34 +54,8 @@ namespace {
 
 constexpr double kTol = 1e-10;
 
-struct Element {
-    double offset;
-    int colorIndex;
-    bool continuous;
-};
-
-class StyleDialogsByHandTest : public DialogFixture {
+class StyleDialogsByHandTest : public StyleDrawingFixture {
 protected:
-    void addStyle(const wchar_t* name, const wchar_t* description = L"",
-                  std::initializer_list<Element> elements = {{0.5, 256, false}, {-0.5, 256, false}})
-    {
-        auto* style = new KxDbMlineStyle;
-        style->initMlineStyle();
-        style->setName(name);
-        style->setDescription(description);
-        for (const Element& element : elements) {
-            KxCmColor color;
-            color.setColorIndex(element.colorIndex);
-            int index = 0;
-            style->addElement(index, element.offset, color,
-                              element.continuous ? db.continuousLinetype() : db.byLayerLinetype());
-        }
-        KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        dictionary->setAt(name, style, id);
-        style->close();
-    }
-
     std::vector<std::wstring> styleNames()
     {
         std::vector<std::wstring> names;
@@ -154,15 +128,6 @@ QListWidgetItem* row(QListWidget* list, const QString& text)
 {
     const QList<QListWidgetItem*> found = list->findItems(text, Qt::MatchExactly);
     return found.isEmpty() ? nullptr : found.first();
-}
-
-// A double click at point of widget as the mouse makes it: a click, then
-// the second press that the system reports as a double click.
-void doubleClick(QWidget* widget, const QPoint& point)
-{
-    QTest::mouseClick(widget, Qt::LeftButton, {}, point);
-    QTest::mouseDClick(widget, Qt::LeftButton, {}, point);
-    QTest::mouseRelease(widget, Qt::LeftButton, {}, point);
 }
 
 // Moves the selection of list to the row text with the keys, as a person
@@ -241,7 +206,7 @@ QString toolTipOf(QLabel* label)
 
 TEST_F(StyleDialogsByHandTest, EditorColumnsReadOffsetLinetypeColorAndOffsetsBeyondTheLargestNumberAreRefused)
 {
-    addStyle(L"Pipes", L"", {{0.5, 1, true}, {-0.5, 256, false}});
+    addStyle(L"Pipes", 0, {{0.5, 1, true}, {-0.5}});
     kdml::CKaldMlineStyleDialog manager;
     const QString huge = QStringLiteral("1") + QString(320, QLatin1Char('0'));
 
@@ -324,7 +289,7 @@ TEST_F(StyleDialogsByHandTest, ManagerListsTheDrawingsStylesSortedAndNewOnesStar
         currentShown = item<QLabel>(window, 1022)->text();
         selectWithKeys(list, "road_7m");
         setCurrentEnabledOnSelection = kaldo::dlg::findItem(window, 1026)->isEnabled();
-        doubleClick(list->viewport(), list->visualItemRect(row(list, "road_7m")).center());
+        gesture::doubleClick(*list->viewport(), list->visualItemRect(row(list, "road_7m")).center());
         currentAfterDoubleClick = item<QLabel>(window, 1022)->text();
         whenShown("Create New Multiline Style", [&](QWidget* names) {
             auto* start = item<QComboBox>(names, 1036);
@@ -437,8 +402,8 @@ TEST_F(StyleDialogsByHandTest, TextsFromTheDrawingShowAsTypedAndLongOnesShortene
     const std::wstring markup = L"Wall <b>A</b> &amp; more";
     const std::wstring longDescription =
         L"Outer wall of the north wing, two skins of brick with a cavity between them and insulation inside";
-    addStyle(L"<i>X</i>", markup.c_str());
-    addStyle(L"LONG", longDescription.c_str());
+    addStyle(L"<i>X</i>", 0, {{0.5}, {-0.5}}, markup.c_str());
+    addStyle(L"LONG", 0, {{0.5}, {-0.5}}, longDescription.c_str());
     const std::filesystem::path folder = root() / "a folder whose name is much longer than the label is wide"
                                          / "and another one" / "Support";
     std::filesystem::create_directories(folder);
@@ -518,7 +483,7 @@ TEST_F(StyleDialogsByHandTest, OnlyTheStyleManagerCanBeResized)
         window->resize(200, 100);
         afterResize = window->frameGeometry().size();
         auto* list = item<QListWidget>(window, 1058);
-        doubleClick(list->viewport(), list->visualItemRect(list->item(0)).center());
+        gesture::doubleClick(*list->viewport(), list->visualItemRect(list->item(0)).center());
     });
     kdml::CKaldMlineStyleLoadDialog byHand;
     byHand.setDictionary(db.mlineStyleDictionaryId());

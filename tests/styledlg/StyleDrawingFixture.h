@@ -7,20 +7,35 @@
 
 #include "kxed.h"
 
+#include <initializer_list>
+#include <vector>
+
+// An element of a style the tests add.
+struct StyleElement {
+    double offset;
+    int colorIndex = 256;     // by layer
+    bool continuous = false;  // else linetype by layer
+};
+
 class StyleDrawingFixture : public DialogFixture {
 protected:
-    // A style of two elements at 0.5 and -0.5 (or of elements 0.001 apart),
+    // A style of the elements (by default two by layer, at 0.5 and -0.5),
     // with the joints (0x2) and start line cap (0x10) of flags.
-    KxDbObjectId addStyle(const wchar_t* name, int flags = 0, int elements = 2)
+    KxDbObjectId addStyle(const wchar_t* name, int flags = 0, std::vector<StyleElement> elements = {{0.5}, {-0.5}},
+                          const wchar_t* description = L"")
     {
         auto* style = new KxDbMlineStyle;
         style->initMlineStyle();
         style->setName(name);
+        style->setDescription(description);
         style->setShowMiters(flags & 0x2);
         style->setStartSquareCap(flags & 0x10);
-        for (int i = 0; i < elements; ++i) {
+        for (const StyleElement& element : elements) {
+            KxCmColor color;
+            color.setColorIndex(element.colorIndex);
             int index = 0;
-            style->addElement(index, elements == 2 ? 0.5 - i : 0.001 * i, KxCmColor(), db.byLayerLinetype());
+            style->addElement(index, element.offset, color,
+                              element.continuous ? db.continuousLinetype() : db.byLayerLinetype());
         }
         KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForWrite);
         KxDbObjectId id;
