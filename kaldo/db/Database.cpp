@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kaldo/db/HandleTable.h"
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
@@ -11,7 +12,8 @@
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 
-KxDbDatabase::KxDbDatabase(bool buildDefault) : m_undo(std::make_unique<kaldo::UndoHistory>(*this))
+KxDbDatabase::KxDbDatabase(bool buildDefault)
+    : m_handles(std::make_unique<kaldo::HandleTable>()), m_undo(std::make_unique<kaldo::UndoHistory>(*this))
 {
     if (buildDefault)
         buildDefaultDrawing();
@@ -104,7 +106,7 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     obj->m_readers = 0;
     obj->m_id = kaldo::registerObject(obj);
     m_objects.emplace_back(obj);
-    m_handles.emplace(handle, obj->m_id);
+    m_handles->insert(handle, obj->m_id);
     m_undo->recordAdded(*obj);
     noteChange();
     return Kald::eOk;
@@ -114,7 +116,7 @@ std::uint64_t KxDbDatabase::newHandle()
 {
     if (m_header.handseed <= kxdbHighestHandle)
         return m_header.handseed;
-    while (m_handles.contains(m_lowestFreeHandle) || m_reservedHandles.contains(m_lowestFreeHandle))
+    while (m_handles->contains(m_lowestFreeHandle) || m_reservedHandles.contains(m_lowestFreeHandle))
         ++m_lowestFreeHandle;
     return m_lowestFreeHandle;
 }
@@ -156,7 +158,7 @@ std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id)
         return nullptr;
     std::unique_ptr<KxDbObject> obj = std::move(*it);
     m_objects.erase(std::next(it).base());
-    m_handles.erase(obj->handle());
+    m_handles->erase(obj->handle());
     kaldo::unregisterObject(id);
     return obj;
 }
@@ -164,14 +166,13 @@ std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id)
 void KxDbDatabase::reattachObject(std::unique_ptr<KxDbObject> obj)
 {
     kaldo::registerObjectAs(obj->objectId(), obj.get());
-    m_handles.emplace(obj->handle(), obj->objectId());
+    m_handles->insert(obj->handle(), obj->objectId());
     m_objects.push_back(std::move(obj));
 }
 
 KxDbObjectId KxDbDatabase::objectIdFromHandle(std::uint64_t handle) const
 {
-    const auto it = m_handles.find(handle);
-    return it == m_handles.end() ? KxDbObjectId::kNull : it->second;
+    return m_handles->find(handle);
 }
 
 Kald::ErrorStatus KxDbDatabase::setRoots(const KxDbDatabaseRoots& roots)

@@ -139,9 +139,53 @@ KxGePoint3d KxDbPolyline::pointAt(int index) const
 {
     if (index < 0 || index >= numVerts())
         return {};
-    const Vertex& v = m_vertices[std::size_t(index)];
+    const Position& v = m_positions[std::size_t(index)];
     const kaldo::EntityPlane plane(m_normal);
     return plane.toWorld(KxGePoint3d(v.x, v.y, m_elevation));
+}
+
+KxDbPolyline::Vertex KxDbPolyline::vertexAt(int index) const
+{
+    const Position& p = m_positions[std::size_t(index)];
+    if (m_shapes.empty())
+        return Vertex{p.x, p.y};
+    const Shape& s = m_shapes[std::size_t(index)];
+    return Vertex{p.x, p.y, s.startWidth, s.endWidth, s.bulge};
+}
+
+std::vector<KxDbPolyline::Vertex> KxDbPolyline::vertices() const
+{
+    std::vector<Vertex> all;
+    all.reserve(m_positions.size());
+    for (int i = 0; i < numVerts(); ++i)
+        all.push_back(vertexAt(i));
+    return all;
+}
+
+void KxDbPolyline::setVertices(const std::vector<Vertex>& vertices)
+{
+    m_positions.clear();
+    m_shapes.clear();
+    m_positions.reserve(vertices.size());
+    for (const Vertex& v : vertices)
+        addVertexAt(v);
+    m_positions.shrink_to_fit();
+    m_shapes.shrink_to_fit();
+}
+
+void KxDbPolyline::addVertexAt(const Vertex& vertex)
+{
+    m_positions.push_back({vertex.x, vertex.y});
+    const bool shaped = vertex.startWidth != 0 || vertex.endWidth != 0 || vertex.bulge != 0;
+    if (m_shapes.empty() && !shaped)
+        return;
+    m_shapes.resize(m_positions.size() - 1);
+    m_shapes.push_back({vertex.startWidth, vertex.endWidth, vertex.bulge});
+}
+
+std::size_t KxDbPolyline::vertexBytes() const
+{
+    return m_positions.size() * sizeof(Position) + m_shapes.size() * sizeof(Shape);
 }
 
 Kald::ErrorStatus KxDbPolyline::setNormal(const KxGeVector3d& normal)
@@ -154,7 +198,8 @@ Kald::ErrorStatus KxDbPolyline::copyFrom(const KxDbObject* other)
     if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
         return es;
     const auto* src = static_cast<const KxDbPolyline*>(other);
-    m_vertices = src->m_vertices;
+    m_positions = src->m_positions;
+    m_shapes = src->m_shapes;
     m_normal = src->m_normal;
     m_constantWidth = src->m_constantWidth;
     m_elevation = src->m_elevation;

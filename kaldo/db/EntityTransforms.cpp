@@ -175,7 +175,7 @@ Kald::ErrorStatus KxDbPolyline::transformBy(const KxGeMatrix3d& m)
         return Kald::eInvalidInput;
     const kaldo::EntityPlane plane(normal);
     const bool reflects = m.determinant() < 0;
-    std::vector<Vertex> vertices = m_vertices;
+    std::vector<Vertex> vertices = this->vertices();
     double elevation = m_elevation;
     for (int i = 0; i < numVerts(); ++i) {
         const KxGePoint3d p = plane.toPlane(m * pointAt(i));
@@ -196,7 +196,7 @@ Kald::ErrorStatus KxDbPolyline::transformBy(const KxGeMatrix3d& m)
     const double thickness = m_thickness * k;
     if (!std::isfinite(elevation) || !std::isfinite(width) || !std::isfinite(thickness))
         return Kald::eInvalidInput;
-    m_vertices = std::move(vertices);
+    setVertices(vertices);
     m_normal = normal;
     m_elevation = elevation;
     m_constantWidth = width;
@@ -219,14 +219,14 @@ Kald::ErrorStatus KxDbPolyline::moveStretchPointsAt(std::span<const int> indices
     // take the vertex out of it.
     const kaldo::EntityPlane plane(m_normal);
     const KxGeVector3d along = plane.toPlane(offset);
-    std::vector<Vertex> vertices = m_vertices;
+    std::vector<Position> positions = m_positions;
     for (const int i : indices) {
-        Vertex& v = vertices[std::size_t(i)];
-        v.x = m_vertices[std::size_t(i)].x + along.x;
-        v.y = m_vertices[std::size_t(i)].y + along.y;
-        if (!std::isfinite(v.x) || !std::isfinite(v.y))
+        Position& p = positions[std::size_t(i)];
+        p.x = m_positions[std::size_t(i)].x + along.x;
+        p.y = m_positions[std::size_t(i)].y + along.y;
+        if (!std::isfinite(p.x) || !std::isfinite(p.y))
             return Kald::eInvalidInput;
     }
-    m_vertices = std::move(vertices);
+    m_positions = std::move(positions);
     return Kald::eOk;
 }

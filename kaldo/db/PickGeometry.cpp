@@ -80,8 +80,8 @@ void collectPolyline(const KxDbPolyline& polyline, PlanPieces& pieces)
     const int n = polyline.numVerts();
     const int segments = polyline.isClosed() ? n : n - 1;
     for (int i = 0; i < segments && n > 1; ++i) {
-        const KxDbPolyline::Vertex& v = polyline.vertices()[std::size_t(i)];
-        const KxDbPolyline::Vertex& w = polyline.vertices()[std::size_t((i + 1) % n)];
+        const KxDbPolyline::Vertex v = polyline.vertexAt(i);
+        const KxDbPolyline::Vertex w = polyline.vertexAt((i + 1) % n);
         const KxGePoint3d from = polyline.pointAt(i);
         const KxGePoint3d to = polyline.pointAt((i + 1) % n);
         const double chord = std::hypot(w.x - v.x, w.y - v.y);

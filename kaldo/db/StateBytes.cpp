@@ -48,7 +48,7 @@ std::size_t contentBytes(const KxDbObject& obj)
     if (const auto* mline = KxDbMline::cast(&obj))
         return mlineBytes(*mline);
     if (const auto* polyline = KxDbPolyline::cast(&obj))
-        return polyline->vertices().size() * sizeof(KxDbPolyline::Vertex);
+        return polyline->vertexBytes();
     if (const auto* dictionary = KxDbDictionary::cast(&obj))
         return std::size_t(dictionary->numEntries()) * kDictionaryEntryBytes;
     if (const auto* style = KxDbMlineStyle::cast(&obj))

@@ -56,8 +56,7 @@ std::vector<KxDbFileGroup> readKeptSection(GroupReader& reader, const std::strin
 // a file without block records (an old version) gets one made up.
 KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, ReadContext& context)
 {
-    if (const KxDbObjectId owner = context.db.objectIdFromHandle(basics.owner);
-        KxDbBlockTableRecord::cast(context.db.peekObject(owner)))
+    if (const KxDbObjectId owner = context.blockByHandle(basics.owner); !owner.isNull())
         return owner;
     std::wstring name;
     for (std::size_t i = 0; i < record.size(); ++i)

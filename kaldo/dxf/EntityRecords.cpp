@@ -143,7 +143,7 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
         case 90:
             count = long(toInteger(g));
             // Room for the vertices at once, never more than the record's
-            // groups can hold, so that a polyline keeps no spare room.
+            // groups can hold.
             if (count > 0)
                 vertices.reserve(std::min(std::size_t(count), record.size() / 2));
             return true;
@@ -189,19 +189,15 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
                                           + std::to_string(vertices.size()) + ".");
     if (pline->setNormal(asVector(normal)) != Kald::eOk)
         throw DxfError(record.line(), "the polyline has a null normal.");
-    vertices.shrink_to_fit();
-    pline->setVertices(std::move(vertices));
+    pline->setVertices(vertices);
     return pline.release();
 }
 
 // The block an entity of the ENTITIES section goes to.
 KxDbObjectId blockOf(const RecordBasics& basics, ReadContext& context)
 {
-    if (basics.owner != 0) {
-        const KxDbObjectId owner = context.db.objectIdFromHandle(basics.owner);
-        if (KxDbBlockTableRecord::cast(context.db.peekObject(owner)))
-            return owner;
-    }
+    if (const KxDbObjectId owner = context.blockByHandle(basics.owner); !owner.isNull())
+        return owner;
     for (const KxDbFileGroup& g : basics.kept)
         if (g.code == 67 && trimmed(g.value) == "1")
             return context.roots.paperSpace;

@@ -23,6 +23,19 @@ KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
     return obj->objectId();
 }
 
+KxDbObjectId ReadContext::blockByHandle(std::uint64_t handle)
+{
+    if (handle == lastBlockHandle_ && handle != 0)
+        return lastBlock_;
+    const KxDbObjectId id = db.objectIdFromHandle(handle);
+    if (!KxDbBlockTableRecord::cast(db.peekObject(id)))
+        return {};
+    // A handle names the same object as long as the drawing is read.
+    lastBlockHandle_ = handle;
+    lastBlock_ = id;
+    return id;
+}
+
 KxDbObjectId ReadContext::layer(std::string_view name, bool* spelledAsRecord)
 {
     return record(ensureLayerTable(*this), layers_, name, true, spelledAsRecord);

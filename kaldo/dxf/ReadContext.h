@@ -81,7 +81,14 @@ struct ReadContext {
     KxDbObjectId layer(std::string_view name, bool* spelledAsRecord = nullptr);
     KxDbObjectId linetype(std::string_view name, bool* spelledAsRecord = nullptr);
 
+    // The block the handle names, or null. The entities of a section name
+    // the same few blocks as their owners: the last block found is kept,
+    // sparing a search of the handle table per entity.
+    KxDbObjectId blockByHandle(std::uint64_t handle);
+
 private:
+    std::uint64_t lastBlockHandle_ = 0;
+    KxDbObjectId lastBlock_;
     struct Found {
         KxDbObjectId id;
         bool spelledAsRecord = true;

@@ -81,7 +81,7 @@ void OldPolyline::drawPlane(Scene& scene) const
     std::vector<KxDbPolyline::Vertex> vertices;
     for (const Vertex& v : m_vertices)
         vertices.push_back({v.x, v.y, v.startWidth, v.endWidth, v.bulge});
-    polyline.setVertices(std::move(vertices));
+    polyline.setVertices(vertices);
     drawPolyline(polyline, m_pen, scene);
 }
 

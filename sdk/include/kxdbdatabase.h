@@ -21,6 +21,7 @@ class KxDbBlockTable;
 class KxDbLayerTable;
 class KxDbLinetypeTable;
 namespace kaldo {
+class HandleTable;
 class UndoHistory;
 }
 
@@ -171,7 +172,7 @@ private:
     void reattachObject(std::unique_ptr<KxDbObject> obj);
 
     std::vector<std::unique_ptr<KxDbObject>> m_objects;
-    std::unordered_map<std::uint64_t, KxDbObjectId> m_handles;
+    std::unique_ptr<kaldo::HandleTable> m_handles;
     std::unordered_set<std::uint64_t> m_reservedHandles;
     // Where the search for a free handle goes on (below it none is free).
     std::uint64_t m_lowestFreeHandle = 1;

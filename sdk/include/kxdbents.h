@@ -124,10 +124,13 @@ public:
         friend bool operator==(const Vertex&, const Vertex&) = default;
     };
 
-    int numVerts() const { return static_cast<int>(m_vertices.size()); }
-    const std::vector<Vertex>& vertices() const { return m_vertices; }
-    void setVertices(std::vector<Vertex> vertices) { m_vertices = std::move(vertices); }
-    void addVertexAt(const Vertex& vertex) { m_vertices.push_back(vertex); }
+    int numVerts() const { return static_cast<int>(m_positions.size()); }
+    // The vertex at index (0 <= index < numVerts()).
+    Vertex vertexAt(int index) const;
+    // Every vertex, in order, as a copy.
+    std::vector<Vertex> vertices() const;
+    void setVertices(const std::vector<Vertex>& vertices);
+    void addVertexAt(const Vertex& vertex);
     // The vertex in world coordinates (origin for an index out of range).
     KxGePoint3d pointAt(int index) const;
 
@@ -155,8 +158,21 @@ public:
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
+    // The bytes the vertices hold, for the host's accounting of memory.
+    std::size_t vertexBytes() const;
+
 private:
-    std::vector<Vertex> m_vertices;
+    // Positions of the vertices, and their widths and bulges only when some
+    // vertex has any (one per vertex then): most polylines are straight and
+    // of no width, and keep sixteen bytes a vertex.
+    struct Position {
+        double x = 0, y = 0;
+    };
+    struct Shape {
+        double startWidth = 0, endWidth = 0, bulge = 0;
+    };
+    std::vector<Position> m_positions;
+    std::vector<Shape> m_shapes;
     KxGeVector3d m_normal{0, 0, 1};
     double m_constantWidth = 0;
     double m_elevation = 0;
