@@ -367,20 +367,10 @@ Kald::ErrorStatus KxDbMline::copyFrom(const KxDbObject* other)
     m_closed = src->m_closed;
     m_supressStartCaps = src->m_supressStartCaps;
     m_supressEndCaps = src->m_supressEndCaps;
-    m_vertices.clear();
-    m_vertices.reserve(src->m_vertices.size());
-    // Records of their own, shared between vertices as the source shares them.
-    for (std::size_t i = 0; i < src->m_vertices.size(); ++i) {
-        const Vertex& v = src->m_vertices[i];
-        KxDbMlineParamsPtr record;
-        if (i > 0 && v.params.get() == src->m_vertices[i - 1].params.get()) {
-            record = m_vertices.back().params;
-        } else if (v.params) {
-            record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::create());
-            record->elements = v.params->elements;
-        }
-        m_vertices.push_back(Vertex{v.position, v.axis, v.miter, std::move(record)});
-    }
+    // Records are shared, not copied: no record changes while a multiline
+    // holds it (edits set a changed copy), so a copy (an undo step's, a
+    // drag's) costs the vertices alone.
+    m_vertices = src->m_vertices;
     return Kald::eOk;
 }
 

@@ -67,24 +67,44 @@ Kald::ErrorStatus KxDbMline::transformBy(const KxGeMatrix3d& m)
     const double scale = m_scale * (m.determinant() < 0 ? -k : k);
     if (!std::isfinite(scale))
         return Kald::eInvalidInput;
-    std::vector<Vertex> vertices;
-    vertices.reserve(m_vertices.size());
+    // Every image is checked before any is written (a refused transform
+    // leaves the multiline as it was); they are written in place, and the
+    // records are touched only when scaled.
+    struct Image {
+        KxGePoint3d position;
+        KxGeVector3d axis, miter;
+    };
+    const auto imageOf = [&m](const Vertex& v) {
+        return Image{m * v.position, normalized(m * v.axis), normalized(m * v.miter)};
+    };
     for (const Vertex& v : m_vertices) {
-        Vertex image{m * v.position, normalized(m * v.axis), normalized(m * v.miter), v.params};
-        if (k != 1 && v.params) {
-            // Neighbours that shared a record share its scaled copy.
-            if (!vertices.empty() && m_vertices[vertices.size() - 1].params.get() == v.params.get())
-                image.params = vertices.back().params;
-            else
-                image.params = scaledRecord(*v.params.get(), k);
-            if (!kaldo::finiteLists(image.params->elements))
-                return Kald::eInvalidInput;
-        }
+        const Image image = imageOf(v);
         if (!isFinite(image.position) || !isFinite(image.axis) || !isFinite(image.miter))
             return Kald::eInvalidInput;
-        vertices.push_back(std::move(image));
     }
-    m_vertices = std::move(vertices);
+    std::vector<KxDbMlineParamsPtr> scaled;
+    if (k != 1) {
+        scaled.reserve(m_vertices.size());
+        for (std::size_t i = 0; i < m_vertices.size(); ++i) {
+            const KxDbMlineParamsPtr& record = m_vertices[i].params;
+            // Neighbours that shared a record share its scaled copy.
+            if (i > 0 && record.get() == m_vertices[i - 1].params.get())
+                scaled.push_back(scaled.back());
+            else
+                scaled.push_back(record ? scaledRecord(*record.get(), k) : record);
+            if (scaled.back() && !kaldo::finiteLists(scaled.back()->elements))
+                return Kald::eInvalidInput;
+        }
+    }
+    for (std::size_t i = 0; i < m_vertices.size(); ++i) {
+        Vertex& v = m_vertices[i];
+        const Image image = imageOf(v);
+        v.position = image.position;
+        v.axis = image.axis;
+        v.miter = image.miter;
+        if (k != 1)
+            v.params = std::move(scaled[i]);
+    }
     m_normal = normalized(normalImage);
     m_scale = scale;
     return Kald::eOk;

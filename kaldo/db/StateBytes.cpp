@@ -31,14 +31,15 @@ std::size_t groupBytes(const std::vector<KxDbFileGroup>& groups)
 std::size_t mlineBytes(const KxDbMline& mline)
 {
     std::size_t bytes = 0;
+    const KxDbMlineVertexParams* previous = nullptr;
     for (int v = 0; v < mline.numVertices(); ++v) {
-        bytes += 3 * sizeof(KxGeVector3d) + sizeof(KxDbMlineVertexParams);
-        KxArray params;
-        if (mline.getParametersAt(v, params) != Kald::eOk)
+        bytes += sizeof(KxDbMlineVertex);
+        // Neighbours that share a record hold it once.
+        const KxDbMlineVertexParams* record = mline.parametersAt(v);
+        if (!record || record == previous)
             continue;
-        const KxDbMlineParamsPtr record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(params));
-        if (!record)
-            continue;
+        previous = record;
+        bytes += sizeof(KxDbMlineVertexParams);
         for (const KxDbMlineElementParams& element : record->elements)
             bytes += sizeof(element) + (element.areaFill.size() + element.element.size()) * sizeof(double);
     }

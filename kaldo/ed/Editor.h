@@ -152,6 +152,8 @@ public:
     void clearImpliedSelection();
     const SelectionSet& impliedSelection() const { return implied_; }
     const SelectionSet& previousSelection() const { return previous_; }
+    // Picks and windows find entities through this index of what they draw.
+    PickIndex& pickIndex() { return pickIndex_; }
 
     // One response for a drag: a point (world), a keyword or an end. The
     // drag gives its keyword list and whether Enter ends it; the prompt is

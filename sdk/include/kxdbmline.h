@@ -234,7 +234,8 @@ public:
     // beyond an end that moved is dropped.
     Kald::ErrorStatus stretchFrom(const KxDbMline& source, std::span<const int> indices, const KxGeVector3d& offset);
 
-    // Copies style, flags and every vertex with its own copy of the records.
+    // Copies style, flags and every vertex; the copy shares the records
+    // (none changes while a multiline holds it).
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 

@@ -393,12 +393,20 @@ TEST(MlineGeometry, CopiesAndRawAccess)
     KxDbLine line;
     EXPECT_EQ(copy.copyFrom(&line), Kald::eWrongObjectType);
 
+    // A changed record set on the original does not reach the copy, which
+    // shares the records it was given.
     KxArray array;
     m.getParametersAt(1, array);
-    KxDbMlineVertexParams::fromArray(array)->elements[0].element = {9.0};
-    KxDbMlineVertexParams::fromArray(array)->release();
+    const KxDbMlineParamsPtr held = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
+    EXPECT_EQ(copy.parametersAt(1), held.get());
+    KxArray changed;
+    changed.append(KxDbMlineVertexParams::create());
+    KxDbMlineVertexParams::fromArray(changed)->elements = held->elements;
+    KxDbMlineVertexParams::fromArray(changed)->elements[0].element = {9.0};
+    ASSERT_EQ(m.setParametersAt(1, changed), Kald::eOk);
+    KxDbMlineVertexParams::fromArray(changed)->release();
     EXPECT_EQ(paramsAt(m, 1)[0].element, std::vector<double>{9.0});
-    EXPECT_EQ(paramsAt(copy, 1)[0].element.size(), 2u);  // the copy has records of its own
+    EXPECT_EQ(paramsAt(copy, 1)[0].element.size(), 2u);
 
     KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(&m);
     ASSERT_NE(imp, nullptr);
