@@ -98,7 +98,7 @@ void runGripDrag(Session& session, const KxDbObjectId& entity, int index, const 
         const Editor::DragInput input = editor.readDragInput(prompt, writePrompt, L"", false, &grip);
         writePrompt = false;
         if (input.kind == Editor::DragInput::Kind::Motion) {
-            const KxDbEntity* shown = &preview->at(input.world - grip);
+            const KxDbEntity* shown = &preview->changedAt(input.world - grip);
             editor.dragged(std::span(&shown, 1));
             continue;
         }

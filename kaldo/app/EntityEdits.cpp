@@ -2,6 +2,7 @@
 
 #include "kaldo/core/Host.h"
 #include "kaldo/db/EntityKinds.h"
+#include "kaldo/ed/PickIndex.h"
 #include "kxdb.h"
 #include "kxed.h"
 
@@ -47,9 +48,10 @@ EditTally transformEntities(std::span<const KxDbObjectId> ids, const KxGeMatrix3
         if (!entity)
             continue;
         if (!copies) {
-            if (entity->transformBy(m) == Kald::eOk)
+            if (entity->transformBy(m) == Kald::eOk) {
                 ++tally.changed;
-            else
+                tally.transformed.push_back(id);
+            } else
                 ++tally.unchanged[entityKindName(*entity)];
             continue;
         }
@@ -63,6 +65,16 @@ EditTally transformEntities(std::span<const KxDbObjectId> ids, const KxGeMatrix3
         tally.made.push_back(made);
         ++tally.changed;
     }
+    return tally;
+}
+
+EditTally moveEntities(std::span<const KxDbObjectId> ids, const KxGeVector3d& offset, PickIndex& index)
+{
+    const KxDbDatabase* db = host().database;
+    const std::uint64_t changesBefore = db ? db->changeCount() : 0;
+    EditTally tally = transformEntities(ids, KxGeMatrix3d::translation(offset), false);
+    if (db)
+        index.translated(*db, tally.transformed, offset, changesBefore);
     return tally;
 }
 

@@ -16,8 +16,11 @@ class KxDbEntity;
 
 namespace kaldo {
 
+class PickIndex;
+
 struct EditTally {
     int changed = 0;
+    std::vector<KxDbObjectId> transformed;  // entities changed in place
     std::map<std::wstring, int> unchanged;  // per kind of entity
     std::vector<KxDbObjectId> made;        // copies added to the drawing
 };
@@ -25,6 +28,10 @@ struct EditTally {
 // Transforms every entity by m; with copies, a copy of each instead, added
 // to the current space (the original stays).
 EditTally transformEntities(std::span<const KxDbObjectId> ids, const KxGeMatrix3d& m, bool copies);
+// Moves every entity by offset, and the boxes index keeps of them with
+// them, so that the next pick or window does not measure the moved
+// entities anew.
+EditTally moveEntities(std::span<const KxDbObjectId> ids, const KxGeVector3d& offset, PickIndex& index);
 
 // The indices of the entity's stretch points that lie in one of the
 // windows (world XY).

@@ -55,30 +55,44 @@ Kald::ErrorStatus KxDbMline::transformBy(const KxGeMatrix3d& m)
     const double scale = m_scale * (m.determinant() < 0 ? -k : k);
     if (!std::isfinite(scale))
         return Kald::eInvalidInput;
-    std::vector<Vertex> vertices;
-    vertices.reserve(m_vertices.size());
-    // Scaled lists go to a store of their own; neighbours that shared
-    // lists share their scaled copy.
-    KxDbMlineListStore scaled;
-    KxDbMlineListSet lists;
+    // Every image is checked before any is written (a refused transform
+    // leaves the multiline as it was); the vertices are written in place,
+    // and the lists are touched only when scaled: scaled lists go to a store
+    // of their own, and neighbours that shared lists share their scaled copy.
+    const auto imageOf = [&m](const Vertex& v) {
+        return Vertex{m * v.position, normalized(m * v.axis), normalized(m * v.miter), v.lists};
+    };
     for (const Vertex& v : m_vertices) {
-        Vertex image{m * v.position, normalized(m * v.axis), normalized(m * v.miter), v.lists};
-        if (k != 1) {
-            if (!vertices.empty() && m_vertices[vertices.size() - 1].lists == v.lists) {
-                image.lists = vertices.back().lists;
-            } else {
-                lists.assign(listsOf(v));
-                lists.scale(k);
-                if (!kaldo::finiteLists(lists.view()))
-                    return Kald::eInvalidInput;
-                image.lists = scaled.add(lists.view());
-            }
-        }
+        const Vertex image = imageOf(v);
         if (!isFinite(image.position) || !isFinite(image.axis) || !isFinite(image.miter))
             return Kald::eInvalidInput;
-        vertices.push_back(image);
     }
-    m_vertices = std::move(vertices);
+    KxDbMlineListStore scaled;
+    std::vector<KxDbMlineListsRef> scaledLists;
+    if (k != 1) {
+        scaledLists.reserve(m_vertices.size());
+        KxDbMlineListSet lists;
+        for (std::size_t i = 0; i < m_vertices.size(); ++i) {
+            if (i > 0 && m_vertices[i - 1].lists == m_vertices[i].lists) {
+                scaledLists.push_back(scaledLists.back());
+                continue;
+            }
+            lists.assign(listsOf(m_vertices[i]));
+            lists.scale(k);
+            if (!kaldo::finiteLists(lists.view()))
+                return Kald::eInvalidInput;
+            scaledLists.push_back(scaled.add(lists.view()));
+        }
+    }
+    for (std::size_t i = 0; i < m_vertices.size(); ++i) {
+        Vertex& v = m_vertices[i];
+        const Vertex image = imageOf(v);
+        v.position = image.position;
+        v.axis = image.axis;
+        v.miter = image.miter;
+        if (k != 1)
+            v.lists = scaledLists[i];
+    }
     if (k != 1) {
         m_lists = std::move(scaled);
         m_bytesInUse = m_lists.byteSize();

@@ -152,6 +152,8 @@ public:
     void clearImpliedSelection();
     const SelectionSet& impliedSelection() const { return implied_; }
     const SelectionSet& previousSelection() const { return previous_; }
+    // Picks and windows find entities through this index of what they draw.
+    PickIndex& pickIndex() { return pickIndex_; }
 
     // One response for a drag: a point (world), a keyword or an end. The
     // drag gives its keyword list and whether Enter ends it; the prompt is
@@ -210,15 +212,16 @@ private:
     // from it).
     int getWorldPoint(std::wstring_view prompt, const KxGePoint3d* corner, KxGePoint3d& world);
     // One step of selectObjects: what it found (to take out of the set for
-    // a pick with Shift held), or nothing for Enter.
+    // a pick with Shift held) and the window that found it, if one did; or
+    // nothing for Enter.
     enum class StepResult { Found, FoundToRemove, Switched, Ended, Cancelled };
-    StepResult selectionStep(bool removing, std::vector<KxDbObjectId>& found, SelectionSet& set);
+    StepResult selectionStep(bool removing, std::vector<KxDbObjectId>& found, std::optional<Box>& window);
     // What a point picks, or when it hits nothing the window it starts.
-    StepResult pickedAt(const KxGePoint3d& picked, std::vector<KxDbObjectId>& found, SelectionSet& set);
+    StepResult pickedAt(const KxGePoint3d& picked, std::vector<KxDbObjectId>& found, std::optional<Box>& window);
     // The window from first to an opposite corner asked for: a crossing or
     // not as given, else by the side the corner lies on.
     StepResult windowFrom(const KxGePoint3d& first, std::optional<bool> crossing, std::vector<KxDbObjectId>& found,
-                          SelectionSet& set);
+                          std::optional<Box>& window);
     // Hands a point at the command prompt that lies on a grip of the
     // implied selection (within the pick box) to the grip handler; false
     // when it lies on none.
@@ -229,9 +232,9 @@ private:
     std::size_t removeFromSelection(SelectionSet& set, std::span<const KxDbObjectId> found);
     // kxedRedraw of each entity with mode.
     void highlight(std::span<const KxDbObjectId> ids, int mode);
-    // What lies in the window between two world corners: inside, or also
-    // what crosses its edges.
-    std::vector<KxDbObjectId> windowed(const KxGePoint3d& a, const KxGePoint3d& b, bool crossing, SelectionSet& set);
+    // What lies in the window (world XY): inside, or also what crosses its
+    // edges.
+    std::vector<KxDbObjectId> windowed(const Box& window, bool crossing);
     // Whether text selects a keyword of controls (or RSG_OTHER takes any
     // text); remembers it for lastKeyword.
     bool takeKeyword(const Controls& controls, std::wstring_view text);

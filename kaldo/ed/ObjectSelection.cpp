@@ -62,17 +62,15 @@ int Editor::getWorldPoint(std::wstring_view prompt, const KxGePoint3d* corner, K
     });
 }
 
-std::vector<KxDbObjectId> Editor::windowed(const KxGePoint3d& a, const KxGePoint3d& b, bool crossing, SelectionSet& set)
+std::vector<KxDbObjectId> Editor::windowed(const Box& window, bool crossing)
 {
     const KxDbDatabase* db = host().database;
     if (!db)
         return {};
-    const Box window = boxOf(a, b);
-    set.addWindow(window);
     return crossing ? pickIndex_.crossing(*db, window) : pickIndex_.inside(*db, window);
 }
 
-Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId>& found, SelectionSet& set)
+Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId>& found, std::optional<Box>& window)
 {
     const std::wstring_view prompt = removing ? L"\nRemove objects: " : L"\nSelect objects: ";
     const Controls controls{0, parseKeywordList(kSelectKeywords)};
@@ -106,7 +104,7 @@ Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId
     if (result == RTNONE)
         return StepResult::Ended;
     if (result != RTKWORD) {
-        const StepResult step = pickedAt(picked, found, set);
+        const StepResult step = pickedAt(picked, found, window);
         return shiftPick && step == StepResult::Found ? StepResult::FoundToRemove : step;
     }
     const std::wstring keyword = keyword_.value_or(L"");
@@ -120,10 +118,11 @@ Editor::StepResult Editor::selectionStep(bool removing, std::vector<KxDbObjectId
     const int corner = getWorldPoint(L"\nSpecify first corner: ", nullptr, first);
     if (corner != RTNORM)
         return corner == RTCAN ? StepResult::Cancelled : StepResult::Found;
-    return windowFrom(first, keyword == L"Crossing", found, set);
+    return windowFrom(first, keyword == L"Crossing", found, window);
 }
 
-Editor::StepResult Editor::pickedAt(const KxGePoint3d& picked, std::vector<KxDbObjectId>& found, SelectionSet& set)
+Editor::StepResult Editor::pickedAt(const KxGePoint3d& picked, std::vector<KxDbObjectId>& found,
+                                    std::optional<Box>& window)
 {
     const KxDbObjectId hit = entityAt(picked);
     if (!hit.isNull()) {
@@ -132,17 +131,18 @@ Editor::StepResult Editor::pickedAt(const KxGePoint3d& picked, std::vector<KxDbO
     }
     // A pick that hit nothing is a window's first corner: the opposite
     // corner to its right makes a window, to its left a crossing.
-    return windowFrom(picked, std::nullopt, found, set);
+    return windowFrom(picked, std::nullopt, found, window);
 }
 
 Editor::StepResult Editor::windowFrom(const KxGePoint3d& first, std::optional<bool> crossing,
-                                      std::vector<KxDbObjectId>& found, SelectionSet& set)
+                                      std::vector<KxDbObjectId>& found, std::optional<Box>& window)
 {
     KxGePoint3d other;
     const int corner = getWorldPoint(L"\nSpecify opposite corner: ", &first, other);
     if (corner != RTNORM)
         return corner == RTCAN ? StepResult::Cancelled : StepResult::Found;
-    found = windowed(first, other, crossing.value_or(other.x < first.x), set);
+    window = boxOf(first, other);
+    found = windowed(*window, crossing.value_or(other.x < first.x));
     return StepResult::Found;
 }
 
@@ -177,12 +177,16 @@ void Editor::highlight(std::span<const KxDbObjectId> ids, int mode)
 void Editor::selectForNextCommand(const KxGePoint3d& picked, bool removing)
 {
     std::vector<KxDbObjectId> found;
-    if (pickedAt(picked, found, implied_) != StepResult::Found)
+    std::optional<Box> window;
+    if (pickedAt(picked, found, window) != StepResult::Found)
         return;
-    if (removing)
+    if (removing) {
         removeFromSelection(implied_, found);
-    else
-        addToSelection(implied_, found);
+        return;
+    }
+    addToSelection(implied_, found);
+    if (window)
+        implied_.addWindow(*window);
 }
 
 std::size_t Editor::addToSelection(SelectionSet& set, std::span<const KxDbObjectId> found)
@@ -222,7 +226,8 @@ int Editor::selectObjects(SelectionSet& set)
     bool removing = false;
     while (true) {
         std::vector<KxDbObjectId> found;
-        const StepResult step = selectionStep(removing, found, set);
+        std::optional<Box> window;
+        const StepResult step = selectionStep(removing, found, window);
         if (step == StepResult::Cancelled)
             return RTCAN;
         if (step == StepResult::Ended)
@@ -235,9 +240,14 @@ int Editor::selectObjects(SelectionSet& set)
         if (removing || step == StepResult::FoundToRemove) {
             const std::size_t taken = removeFromSelection(set, found);
             report += L", " + std::to_wstring(taken) + L" removed, " + std::to_wstring(set.size()) + L" total";
-        } else if (const std::size_t added = addToSelection(set, found); added < found.size()) {
-            report += L" (" + std::to_wstring(found.size() - added) + L" duplicate), " + std::to_wstring(set.size())
-                + L" total";
+        } else {
+            // Only windows that add count as the windows STRETCH moves
+            // what lies in.
+            if (window)
+                set.addWindow(*window);
+            if (const std::size_t added = addToSelection(set, found); added < found.size())
+                report += L" (" + std::to_wstring(found.size() - added) + L" duplicate), " + std::to_wstring(set.size())
+                    + L" total";
         }
         write(report + L"\n");
     }

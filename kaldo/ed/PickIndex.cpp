@@ -29,6 +29,7 @@ void PickIndex::rebuild(const KxDbDatabase& db)
     m_changes = db.changeCount();
     m_ids.clear();
     m_boxes.clear();
+    m_items.clear();
     KxDbObjectPtr<KxDbBlockTableRecord> space(m_space, KxDb::kForRead);
     if (space) {
         const auto it = space->newIterator();
@@ -42,6 +43,27 @@ void PickIndex::rebuild(const KxDbDatabase& db)
         }
     }
     m_index = BoxIndex(m_boxes);
+}
+
+void PickIndex::translated(const KxDbDatabase& db, std::span<const KxDbObjectId> ids, const KxGeVector3d& offset,
+                           std::uint64_t changesBefore)
+{
+    if (db.currentSpaceId() != m_space || m_changes != changesBefore)
+        return;
+    if (m_items.empty()) {
+        m_items.reserve(m_ids.size());
+        for (std::uint32_t item = 0; item < m_ids.size(); ++item)
+            m_items.emplace(m_ids[item], item);
+    }
+    for (const KxDbObjectId& id : ids) {
+        const auto found = m_items.find(id);
+        if (found == m_items.end())
+            continue;
+        Box& box = m_boxes[found->second];
+        box = {box.minX + offset.x, box.minY + offset.y, box.maxX + offset.x, box.maxY + offset.y};
+    }
+    m_index.refit(m_boxes);
+    m_changes = db.changeCount();
 }
 
 std::vector<std::uint32_t> PickIndex::near(const Box& window) const

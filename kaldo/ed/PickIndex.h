@@ -9,6 +9,8 @@
 #include "kxtypes.h"
 
 #include <cstdint>
+#include <span>
+#include <unordered_map>
 #include <vector>
 
 class KxDbDatabase;
@@ -28,6 +30,13 @@ public:
     // its edges, in the space's order.
     std::vector<KxDbObjectId> crossing(const KxDbDatabase& db, const Box& window);
 
+    // The entities of ids were moved by offset, and nothing else in db
+    // changed since its change count was changesBefore: when the index was
+    // up to date then, their boxes move with them (to rounding) and it is
+    // up to date again without measuring every entity anew.
+    void translated(const KxDbDatabase& db, std::span<const KxDbObjectId> ids, const KxGeVector3d& offset,
+                    std::uint64_t changesBefore);
+
 private:
     void refresh(const KxDbDatabase& db);
     void rebuild(const KxDbDatabase& db);
@@ -39,6 +48,7 @@ private:
     std::vector<KxDbObjectId> m_ids;  // in the space's order
     std::vector<Box> m_boxes;         // of m_ids
     BoxIndex m_index;
+    std::unordered_map<KxDbObjectId, std::uint32_t> m_items;  // of m_ids, made when first needed
 };
 
 }  // namespace kaldo

@@ -73,4 +73,18 @@ BoxIndex::BoxIndex(const std::vector<Box>& boxes) : m_count(boxes.size())
         m_levels.push_back(parents(m_levels.back(), kFanout));
 }
 
+void BoxIndex::refit(const std::vector<Box>& boxes)
+{
+    if (boxes.size() != m_count) {
+        *this = BoxIndex(boxes);
+        return;
+    }
+    if (m_levels.empty())
+        return;
+    for (std::size_t leaf = 0; leaf < m_items.size(); ++leaf)
+        m_levels.front()[leaf] = boxes[m_items[leaf]];
+    for (std::size_t level = 1; level < m_levels.size(); ++level)
+        m_levels[level] = parents(m_levels[level - 1], kFanout);
+}
+
 }  // namespace kaldo

@@ -26,6 +26,12 @@ public:
 
     std::size_t size() const { return m_count; }
 
+    // Takes the items' changed boxes (as many as before; else builds anew):
+    // the tree keeps its order and each node is fitted round its children
+    // again, without sorting. Queries stay exact; the tree stays tight as
+    // long as changed boxes lie near their old neighbours.
+    void refit(const std::vector<Box>& boxes);
+
     // Calls visit(item) for every box that meets query, in no set order.
     template <class Visit>
     void query(const Box& query, Visit&& visit) const

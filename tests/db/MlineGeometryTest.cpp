@@ -394,6 +394,7 @@ TEST(MlineGeometry, CopiesAndRawAccess)
     KxDbLine line;
     EXPECT_EQ(copy.copyFrom(&line), Kald::eWrongObjectType);
 
+    // A changed record set on the original does not reach the copy.
     KxArray array;
     m.getParametersAt(1, array);
     KxDbMlineVertexParams::fromArray(array)->lists.setElement(0, std::array{9.0});

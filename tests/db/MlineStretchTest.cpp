@@ -232,6 +232,42 @@ TEST(MlineStretch, AGripDragStretchedFrameAfterFrameEndsAsOneStretchAndLeavesThe
     EXPECT_LT(distance(KxDbLine::cast(&end.at({0, 3, 0}))->startPoint(), {0, 0, 0}), kTol);
 }
 
+TEST(MlineStretch, AGripDragShowsThePartTheStretchChanged)
+{
+    // What a window draws over the drawing: every piece the stretch changed
+    // and only pieces of the stretched multiline, from five vertices round
+    // the grip (round the start of a closed one; with the cap at a real end).
+    KxDbDatabase db;
+    const KxDbObjectId style = addStyle(db, L"WALL");
+    const auto drawnIn = [](const PicturePiece& piece, const std::vector<PicturePiece>& picture) {
+        return std::ranges::any_of(picture, [&](const PicturePiece& p) { return samePiece(piece, p, kTol); });
+    };
+    for (const bool closed : {false, true}) {
+        for (const int grip : {0, 1, 4, 8}) {
+            auto source = wall(db, style, {{0, 0}, {10, 0}, {20, 6}, {30, 0}, {40, 6}, {50, 0}, {60, 6}, {70, 0}, {80, 9}});
+            source->setClosedMline(closed);
+            setRuns(*source, 2, 0, {0.5, 3, 4});
+            setRuns(*source, 5, 1, {1, 2});
+            const KxGeVector3d offset(2, -3, 0);
+            KxDbMline once;
+            once.copyFrom(source.get());
+            ASSERT_EQ(once.moveStretchPointsAt(std::vector<int>{grip}, offset), Kald::eOk);
+            const auto before = MlinePicture::of(*source);
+            const auto after = MlinePicture::of(once);
+            kaldo::StretchPreview preview(*source, {grip});
+            const auto* part = KxDbMline::cast(&preview.changedAt(offset));
+            ASSERT_NE(part, nullptr);
+            const std::string where = (closed ? "closed, grip " : "open, grip ") + std::to_string(grip);
+            EXPECT_EQ(part->numVertices(), closed || (grip > 1 && grip < 7) ? 5 : 3 + std::min(grip, 8 - grip)) << where;
+            const auto shown = MlinePicture::of(*part);
+            for (const PicturePiece& piece : after)
+                EXPECT_TRUE(drawnIn(piece, before) || drawnIn(piece, shown)) << where << ": " << describePiece(piece);
+            for (const PicturePiece& piece : shown)
+                EXPECT_TRUE(drawnIn(piece, after)) << where << ": " << describePiece(piece);
+        }
+    }
+}
+
 TEST(MlineRuns, RunsFollowTheEndsThatMoved)
 {
     const auto refitRuns = [](const std::vector<double>& list, const kaldo::SegmentChange& change) {

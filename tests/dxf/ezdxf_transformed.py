@@ -10,7 +10,7 @@ the originals besides their transformed copies.
 
 Every LINE, ARC and HATCH loop of the exploded drawing before, each point
 transformed here, must be one of the exploded drawing after (and with
-copies, the originals too), and nothing else, within 1e-9. With the drawings
+copies, the originals too), and nothing else, within 1e-10. With the drawings
 themselves, every MLINE's vertices, directions and miters must be the
 transformed ones, its scale the old one times the factor (turned round by a
 mirror), its element and fill lists the old ones times the factor.
@@ -23,7 +23,7 @@ import sys
 
 import ezdxf
 
-TOLERANCE = 1e-9
+TOLERANCE = 1e-10
 
 
 def transformer(spec):

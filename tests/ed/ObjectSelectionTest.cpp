@@ -5,6 +5,7 @@
 // transparent command run at the prompt.
 #include "EditorFixture.h"
 
+#include "kaldo/app/EntityEdits.h"
 #include "kxdb.h"
 
 #include <gmock/gmock.h>
@@ -14,8 +15,11 @@
 namespace kaldo {
 namespace {
 
+using ::testing::DoubleNear;
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
+using ::testing::Pointwise;
 
 class ObjectSelection : public EditorFixture {
 protected:
@@ -63,7 +67,12 @@ TEST_F(ObjectSelection, PicksWindowsCrossingsLastPreviousRemoveAndAdd)
     const auto name = [](KxDbObjectId id) { return std::int64_t(id.asOldId()); };
     EXPECT_THAT(redrawn, ElementsAre(std::pair(name(bottom), 3), std::pair(name(middle), 3), std::pair(name(circle), 3),
                                      std::pair(name(across), 3), std::pair(name(bottom), 4), std::pair(name(circle), 4)));
-    EXPECT_EQ(set.windows().size(), 3u);
+    // The window and the crossing that added are kept for STRETCH; the
+    // crossing that removed is not.
+    const auto corners = [](const Box& b) { return std::vector<double>{b.minX, b.minY, b.maxX, b.maxY}; };
+    ASSERT_EQ(set.windows().size(), 2u);
+    EXPECT_THAT(corners(set.windows()[0]), Pointwise(DoubleNear(1e-10), {-1.0, -1.0, 11.0, 21.0}));
+    EXPECT_THAT(corners(set.windows()[1]), Pointwise(DoubleNear(1e-10), {28.0, 0.0, 29.0, 45.0}));
 
     // A window to the right holds only what lies wholly inside it; Previous
     // brings back the set before; erased entities drop out of it.
@@ -112,6 +121,43 @@ TEST_F(ObjectSelection, AnImpliedSelectionIsTakenWithoutAPromptAndTransparentCom
     ASSERT_EQ(editor.selectObjects(other), RTNORM);
     EXPECT_THAT(ran, ElementsAre(L"HELP", L"NOTHING"));
     EXPECT_THAT(said(), HasSubstr("Select objects: 'HELP\nSelect objects: 'NOTHING\nInvalid point or option keyword.\n"));
+}
+
+TEST_F(ObjectSelection, WindowsAfterAMoveFindTheMovedEntitiesWhereTheyWent)
+{
+    // Enough lines for a tree of several levels; a window builds the index.
+    std::vector<KxDbObjectId> lowest;
+    for (int row = 0; row < 40; ++row)
+        for (int column = 0; column < 40; ++column) {
+            const KxDbObjectId id = addLine({column * 10.0, row * 10.0, 0}, {column * 10.0 + 5, row * 10.0, 0});
+            if (row == 0)
+                lowest.push_back(id);
+        }
+    const auto found = [&](const std::string& answers) {
+        script(answers + "\n");
+        SelectionSet set;
+        EXPECT_EQ(editor.selectObjects(set), RTNORM);
+        return set.ids();
+    };
+    EXPECT_EQ(found("W\n-1,-1\n400,400\n").size(), 1600u);
+
+    // The lowest row moves up beyond the others, then part of it back down:
+    // the windows find the lines where they are, and not where they were.
+    const std::vector<KxDbObjectId> firstHalf(lowest.begin(), lowest.begin() + 20);
+    EXPECT_EQ(moveEntities(lowest, {0, 1000, 0}, editor.pickIndex()).changed, 40);
+    EXPECT_EQ(moveEntities(firstHalf, {3, -500, 0}, editor.pickIndex()).changed, 20);
+    EXPECT_THAT(found("W\n-1,999\n400,1001\n"), ElementsAreArray(lowest.begin() + 20, lowest.end()));
+    EXPECT_THAT(found("C\n-1,499\n400,501\n"), ElementsAreArray(firstHalf));
+    EXPECT_TRUE(found("C\n-1,-1\n400,1\n").empty());
+    EXPECT_EQ(found("W\n-1,-1\n400,400\n").size(), 1560u);
+
+    // After another change the index is built anew.
+    {
+        KxDbObjectPtr<KxDbEntity> gone(lowest.back(), KxDb::kForWrite);
+        gone->erase();
+    }
+    EXPECT_EQ(moveEntities(firstHalf, {0, 500, 0}, editor.pickIndex()).changed, 20);
+    EXPECT_EQ(found("W\n-1,995\n400,1005\n").size(), 39u);
 }
 
 }  // namespace

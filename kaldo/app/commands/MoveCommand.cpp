@@ -4,6 +4,7 @@
 #include "kaldo/app/EntityEdits.h"
 #include "kaldo/app/commands/HostCommands.h"
 #include "kaldo/app/commands/ModifyPrompts.h"
+#include "kaldo/core/Host.h"
 #include "kxdb.h"
 #include "kxed.h"
 
@@ -67,7 +68,8 @@ void moveOrCopy(bool copies)
     const auto displacement = askDisplacement(drag, translated);
     if (!displacement)
         return;
-    EditTally first = transformEntities(set.ids(), KxGeMatrix3d::translation(displacement->offset), copies);
+    EditTally first = copies ? transformEntities(set.ids(), KxGeMatrix3d::translation(displacement->offset), true)
+                             : moveEntities(set.ids(), displacement->offset, host().editor->pickIndex());
     reportUnchanged(first);
     if (copies && displacement->base)
         copyAgain(set, drag, *displacement->base, std::move(first.made));
