@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
-#include <ranges>
+#include <numeric>
 #include <optional>
 #include <span>
 #include <utility>
@@ -383,7 +383,11 @@ void KxDbMline::subSetDatabaseDefaults(KxDbDatabase* db)
 
 void KxDbMline::rebuildAll()
 {
-    rebuildVertices(std::views::iota(std::size_t{0}, m_vertices.size()), [](std::size_t) { return true; });
+    // Every vertex, in order (a list of indices: the clang of the fuzz build
+    // cannot take libstdc++'s iota view).
+    std::vector<std::size_t> every(m_vertices.size());
+    std::iota(every.begin(), every.end(), std::size_t{0});
+    rebuildVertices(every, [](std::size_t) { return true; });
 }
 
 void KxDbMline::dropUnusedLists()
