@@ -17,24 +17,36 @@ namespace {
 constexpr std::size_t kBlockSize = 1 << 20;
 
 // The first line feed or carriage return from p on, or end: eight bytes
-// at a time, as most values are longer than a few characters.
-const char* lineEnd(const char* p, const char* const end)
+// at a time, as most values are longer than a few characters. On the way,
+// marked tells whether a byte before it has its high bit set or is a
+// backslash: only a value with such a byte may need decoding.
+const char* lineEnd(const char* p, const char* const end, bool& marked)
 {
     constexpr std::uint64_t kOnes = 0x0101010101010101u;
     constexpr std::uint64_t kHighs = 0x8080808080808080u;
+    // The high bit of each byte of word that is zero, and perhaps of bytes
+    // after one that is: the lowest bit set is always exact.
+    const auto zeroBytes = [](std::uint64_t word) { return (word - kOnes) & ~word & kHighs; };
+    std::uint64_t marks = 0;
     while (end - p >= 8) {
         std::uint64_t word;
         std::memcpy(&word, p, 8);
-        const std::uint64_t feeds = word ^ (kOnes * '\n');
-        const std::uint64_t returns = word ^ (kOnes * '\r');
-        // A byte of either is zero: its high bit is the lowest one set.
-        const std::uint64_t found = (((feeds - kOnes) & ~feeds) | ((returns - kOnes) & ~returns)) & kHighs;
-        if (found)
+        const std::uint64_t found = zeroBytes(word ^ (kOnes * '\n')) | zeroBytes(word ^ (kOnes * '\r'));
+        const std::uint64_t wordMarks = (word & kHighs) | zeroBytes(word ^ (kOnes * '\\'));
+        if (found) {
+            // Bytes after the line's end do not count (little-endian: the
+            // first byte is the lowest).
+            static_assert(std::endian::native == std::endian::little);
+            marks |= wordMarks & ((found & -found) - 1);
+            marked = marks != 0;
             return p + std::countr_zero(found) / 8;
+        }
+        marks |= wordMarks;
         p += 8;
     }
-    while (p < end && *p != '\n' && *p != '\r')
-        ++p;
+    for (; p < end && *p != '\n' && *p != '\r'; ++p)
+        marks |= (*p & 0x80) != 0 || *p == '\\';
+    marked = marks != 0;
     return p;
 }
 }  // namespace
@@ -79,7 +91,8 @@ bool GroupReader::readLine(std::string_view& line)
 {
     for (;;) {
         // One pass to the first line feed or carriage return: lines are short.
-        const char* const stop = lineEnd(begin_, end_);
+        bool marked = false;
+        const char* const stop = lineEnd(begin_, end_, marked);
         const bool more = file_ && !eof_;
         // A carriage return ends a line, alone or with the line feed after
         // it; one at the end of what is read so far waits for the next byte.
@@ -173,12 +186,18 @@ bool GroupReader::nextPlain(Group& group)
     }
     const char* const value = p + 1;
     // Most values are one character ("0", "8"): no need to search for their end.
-    const char* const stop = end_ - value >= 2 && value[1] == '\n' && value[0] != '\n' && value[0] != '\r'
-                                 ? value + 1
-                                 : lineEnd(value, end_);
+    bool marked = false;
+    const char* stop = nullptr;
+    if (end_ - value >= 2 && value[1] == '\n' && value[0] != '\n' && value[0] != '\r') {
+        stop = value + 1;
+        marked = (value[0] & 0x80) != 0 || value[0] == '\\';
+    } else {
+        stop = lineEnd(value, end_, marked);
+    }
     if (stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
         return false;
-    const Group read{code, decoded(std::string_view(value, std::size_t(stop - value))), lineNumber_ + 1};
+    const std::string_view text(value, std::size_t(stop - value));
+    const Group read{code, marked ? decoded(text) : text, lineNumber_ + 1};
     begin_ = stop + 1;
     lineNumber_ += 2;
     current_ = read;
@@ -221,39 +240,73 @@ namespace {
                                        + std::string(group.value.substr(0, 40)) + "\".");
 }
 
-// Whether the eight bytes at p are all decimal digits; if so, the number
-// they spell. Three multiplications join them pairwise (1-2-4-8 digits)
-// instead of eight steps of one.
-bool readEightDigits(const char* p, std::uint64_t& value)
+// The bytes from p on, at most eight and none from end on, the first the
+// lowest (little-endian) and zeros above: two overlapping loads, or three
+// single bytes, where fewer than eight are left.
+std::uint64_t bytesAt(const char* p, const char* const end)
 {
-    std::uint64_t word;
-    std::memcpy(&word, p, 8);
-    // Every byte is 0x30 to 0x39: its high half is 3, and stays 3 when 6 is added.
+    static_assert(std::endian::native == std::endian::little);
+    const std::size_t left = std::size_t(end - p);
+    std::uint64_t word = 0;
+    if (left >= 8) {
+        std::memcpy(&word, p, 8);
+    } else if (left >= 4) {
+        std::uint32_t low, high;
+        std::memcpy(&low, p, 4);
+        std::memcpy(&high, end - 4, 4);
+        word = low | std::uint64_t(high) << (8 * (left - 4));
+    } else if (left > 0) {
+        word = std::uint8_t(p[0]) | std::uint64_t(std::uint8_t(p[left / 2])) << (8 * (left / 2))
+               | std::uint64_t(std::uint8_t(p[left - 1])) << (8 * (left - 1));
+    }
+    return word;
+}
+
+// The decimal digits that word's bytes start with (the first byte the
+// lowest): how many (up to eight), and in value the number they spell,
+// without a step per digit.
+int readDigitRun(std::uint64_t word, std::uint64_t& value)
+{
     constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0u;
     constexpr std::uint64_t kThrees = 0x3030303030303030u;
-    if ((word & kHighHalves) != kThrees || ((word + 0x0606060606060606u) & kHighHalves) != kThrees)
-        return false;
-    // The first digit is the lowest byte (little-endian).
-    static_assert(std::endian::native == std::endian::little);
+    constexpr std::uint64_t kLows = 0x7F7F7F7F7F7F7F7Fu;
+    // A byte is a digit (0x30 to 0x39) when its high half is 3 and stays 3
+    // when 6 is added; then its byte of other is zero. A carry out of a byte
+    // that is no digit only changes bytes after it.
+    const std::uint64_t other = ((word & kHighHalves) ^ kThrees)
+                                | (((word + 0x0606060606060606u) & kHighHalves) ^ kThrees);
+    const std::uint64_t others = (other | ((other & kLows) + kLows)) & ~kLows;
+    const int count = others ? std::countr_zero(others) / 8 : 8;
+    if (count == 0)
+        return 0;
+    // The digits' values moved up to the highest bytes: the zero bytes below
+    // are leading zeros. A borrow out of a byte that is no digit only
+    // changes bytes after it, which the shift drops.
+    word = (word - kThrees) << (8 * (8 - count));
+    // Three multiplications join them pairwise (1-2-4-8 digits).
     word = (word & 0x0F0F0F0F0F0F0F0Fu) * (10 * 256 + 1) >> 8;
     word = (word & 0x00FF00FF00FF00FFu) * (100 * 65536 + 1) >> 16;
     value = (word & 0x0000FFFF0000FFFFu) * (10000 * (std::uint64_t(1) << 32) + 1) >> 32;
-    return true;
+    return count;
 }
 
-// Adds the digits from p on to digits, while count stays within most;
-// eight at a time while eight more fit. Returns where the digits end.
-[[gnu::always_inline]] inline const char* readDigits(const char* p, const char* const end, std::uint64_t& digits, int& count, const int most)
+// Adds the digits from p on to digits, up to eight at a time; false when
+// count would pass most. Moves p to where the digits end.
+[[gnu::always_inline]] inline bool readDigits(const char*& p, const char* const end, std::uint64_t& digits, int& count,
+                                              const int most)
 {
-    std::uint64_t eight = 0;
-    while (end - p >= 8 && count + 8 <= most && readEightDigits(p, eight)) {
-        digits = digits * 100000000u + eight;
-        p += 8;
-        count += 8;
+    static constexpr std::uint64_t kScales[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+    for (;;) {
+        std::uint64_t run = 0;
+        const int runLength = readDigitRun(bytesAt(p, end), run);
+        if (count + runLength > most)
+            return false;
+        digits = digits * kScales[runLength] + run;
+        count += runLength;
+        p += runLength;
+        if (runLength < 8)
+            return true;
     }
-    for (; p < end && *p >= '0' && *p <= '9' && count < most; ++p, ++count)
-        digits = digits * 10 + std::uint64_t(*p - '0');
-    return p;
 }
 
 // digits / 10^power rounded correctly to a double, for digits above 2^53
@@ -295,13 +348,12 @@ bool readPlainDecimal(std::string_view text, double& value)
         ++p;
     std::uint64_t digits = 0;
     int count = 0;
-    p = readDigits(p, end, digits, count, kMostDigits);
-    if (count == 0)
+    if (!readDigits(p, end, digits, count, kMostDigits) || count == 0)
         return false;
     const int whole = count;
     if (p < end && *p == '.') {
-        p = readDigits(p + 1, end, digits, count, kMostDigits);
-        if (count == whole)
+        ++p;
+        if (!readDigits(p, end, digits, count, kMostDigits) || count == whole)
             return false;
     }
     if (p != end)

@@ -1,10 +1,12 @@
 // The group reader's quick way for plain lines and its general way for
 // other line ends, blanks and signs give the same groups and line numbers;
-// its quick way for plain decimals gives the values from_chars gives; the
+// its quick way for plain decimals gives the values from_chars gives, and
+// refuses what it refuses or reads as no finite number; the
 // writer's quick ways for codes, whole numbers and repeated values give the
 // shortest form's text.
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/TextCodec.h"
 
 #include <gtest/gtest.h>
 
@@ -41,6 +43,31 @@ TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
     EXPECT_FALSE(reader.next(g));
 }
 
+// A byte with its high bit set, or a backslash, anywhere in a value makes
+// the reader decode the value, whether more of the file follows or not;
+// one in the next line does not.
+TEST(DxfGroupStream, ValuesWithBytesToDecodeAreDecodedWhereverTheBytesStand)
+{
+    kaldo::dxf::TextCodec codec("", kaldo::dxf::kDefaultCodePage);
+    for (const char marker : {'\xE9', '\\'}) {
+        for (std::size_t length = 1; length <= 20; ++length) {
+            for (std::size_t at = 0; at <= length; ++at) {
+                std::string value(length, 'a');
+                std::string next = "b";
+                (at < length ? value[at] : next[0]) = marker;
+                const std::string text = "  1\n" + value + "\n  1\n" + next + "\n  1\n" + value + "\n";
+                kaldo::dxf::GroupReader reader{std::string_view(text)};
+                kaldo::dxf::Group g;
+                for (const std::string& expected : {value, next, value}) {
+                    ASSERT_TRUE(reader.next(g));
+                    EXPECT_EQ(g.value, codec.needsDecoding(expected) ? codec.decode(expected) : expected)
+                        << length << " " << at;
+                }
+            }
+        }
+    }
+}
+
 TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
 {
     std::vector<std::string> texts = {"0", "-0", "7", "-627", "0.5999999999999998", "-0.6666666666666665",
@@ -48,7 +75,13 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
                                       "0.9007199254740993", "12345678901234567", "123456789012345678",
                                       "1.00000000000000000", "0.1", "2.50", "00012.5", "1e5", "6.123233995736766e-17",
                                       "1.", ".5", "-.5", "+3.25", " 4.5\t", "0.00000000000000001",
-                                      "1234567:", "0.1234567/9", "0.12345678123456789", "-98765432.12345678"};
+                                      "1234567:", "0.1234567/9", "0.12345678123456789", "-98765432.12345678",
+                                      "-0.0", "+0", "4.9406564584124654e-324", "2.2250738585072009e-308", "1e-320",
+                                      "1E+300", "1e400", "-1e-400", "+-1", "++1", "-+1", "--1", "1.5.5", "0x10",
+                                      "inf", "-nan", "1 2", "1\t.5", " ", "", "+", "-", ".", "-.", "12345678.",
+                                      "12345678.87654321", "1234567812345678.1", "123456781234567812",
+                                      "00000000000000000001", "0.000000000000000000001", "1\xFA", "\xFF" "5", "5\xFF",
+                                      "1234567\xFA" "9", "9\x3A", "12/", "1234567/", "12345678/", "/12345678"};
     std::mt19937_64 random(7);
     for (int i = 0; i < 20000; ++i) {
         double value;
@@ -76,7 +109,7 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         double expected = 0;
         const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), expected);
         const kaldo::dxf::Group g{40, text, 1};
-        if (ec != std::errc() || end != digits.data() + digits.size()) {
+        if (ec != std::errc() || end != digits.data() + digits.size() || !std::isfinite(expected)) {
             EXPECT_THROW(kaldo::dxf::toReal(g), std::exception) << text;
             continue;
         }
