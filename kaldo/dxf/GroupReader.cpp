@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cerrno>
 #include <cstring>
+#include <emmintrin.h>
 #include <limits>
 
 namespace kaldo::dxf {
@@ -16,33 +17,28 @@ namespace kaldo::dxf {
 namespace {
 constexpr std::size_t kBlockSize = 1 << 20;
 
-// The first line feed or carriage return from p on, or end: eight bytes
-// at a time, as most values are longer than a few characters. On the way,
-// marked tells whether a byte before it has its high bit set or is a
-// backslash: only a value with such a byte may need decoding.
+// The first line feed or carriage return from p on, or end: sixteen bytes
+// at a time, as most values are longer than a few characters and shorter
+// than sixteen. On the way, marked tells whether a byte before it has its
+// high bit set or is a backslash: only a value with such a byte may need
+// decoding.
 const char* lineEnd(const char* p, const char* const end, bool& marked)
 {
-    constexpr std::uint64_t kOnes = 0x0101010101010101u;
-    constexpr std::uint64_t kHighs = 0x8080808080808080u;
-    // The high bit of each byte of word that is zero, and perhaps of bytes
-    // after one that is: the lowest bit set is always exact.
-    const auto zeroBytes = [](std::uint64_t word) { return (word - kOnes) & ~word & kHighs; };
-    std::uint64_t marks = 0;
-    while (end - p >= 8) {
-        std::uint64_t word;
-        std::memcpy(&word, p, 8);
-        const std::uint64_t found = zeroBytes(word ^ (kOnes * '\n')) | zeroBytes(word ^ (kOnes * '\r'));
-        const std::uint64_t wordMarks = (word & kHighs) | zeroBytes(word ^ (kOnes * '\\'));
+    const __m128i feeds = _mm_set1_epi8('\n');
+    const __m128i returns = _mm_set1_epi8('\r');
+    const __m128i backslashes = _mm_set1_epi8('\\');
+    unsigned marks = 0;
+    for (; end - p >= 16; p += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const unsigned found = unsigned(
+            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, feeds), _mm_cmpeq_epi8(bytes, returns))));
+        // The high bit of each byte, set for itself or for a backslash.
+        const unsigned chunkMarks = unsigned(_mm_movemask_epi8(_mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, backslashes))));
         if (found) {
-            // Bytes after the line's end do not count (little-endian: the
-            // first byte is the lowest).
-            static_assert(std::endian::native == std::endian::little);
-            marks |= wordMarks & ((found & -found) - 1);
-            marked = marks != 0;
-            return p + std::countr_zero(found) / 8;
+            marked = (marks | (chunkMarks & ((found & -found) - 1))) != 0;
+            return p + std::countr_zero(found);
         }
-        marks |= wordMarks;
-        p += 8;
+        marks |= chunkMarks;
     }
     for (; p < end && *p != '\n' && *p != '\r'; ++p)
         marks |= (*p & 0x80) != 0 || *p == '\\';
@@ -240,75 +236,6 @@ namespace {
                                        + std::string(group.value.substr(0, 40)) + "\".");
 }
 
-// The bytes from p on, at most eight and none from end on, the first the
-// lowest (little-endian) and zeros above: two overlapping loads, or three
-// single bytes, where fewer than eight are left.
-std::uint64_t bytesAt(const char* p, const char* const end)
-{
-    static_assert(std::endian::native == std::endian::little);
-    const std::size_t left = std::size_t(end - p);
-    std::uint64_t word = 0;
-    if (left >= 8) {
-        std::memcpy(&word, p, 8);
-    } else if (left >= 4) {
-        std::uint32_t low, high;
-        std::memcpy(&low, p, 4);
-        std::memcpy(&high, end - 4, 4);
-        word = low | std::uint64_t(high) << (8 * (left - 4));
-    } else if (left > 0) {
-        word = std::uint8_t(p[0]) | std::uint64_t(std::uint8_t(p[left / 2])) << (8 * (left / 2))
-               | std::uint64_t(std::uint8_t(p[left - 1])) << (8 * (left - 1));
-    }
-    return word;
-}
-
-// The decimal digits that word's bytes start with (the first byte the
-// lowest): how many (up to eight), and in value the number they spell,
-// without a step per digit.
-int readDigitRun(std::uint64_t word, std::uint64_t& value)
-{
-    constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0u;
-    constexpr std::uint64_t kThrees = 0x3030303030303030u;
-    constexpr std::uint64_t kLows = 0x7F7F7F7F7F7F7F7Fu;
-    // A byte is a digit (0x30 to 0x39) when its high half is 3 and stays 3
-    // when 6 is added; then its byte of other is zero. A carry out of a byte
-    // that is no digit only changes bytes after it.
-    const std::uint64_t other = ((word & kHighHalves) ^ kThrees)
-                                | (((word + 0x0606060606060606u) & kHighHalves) ^ kThrees);
-    const std::uint64_t others = (other | ((other & kLows) + kLows)) & ~kLows;
-    const int count = others ? std::countr_zero(others) / 8 : 8;
-    if (count == 0)
-        return 0;
-    // The digits' values moved up to the highest bytes: the zero bytes below
-    // are leading zeros. A borrow out of a byte that is no digit only
-    // changes bytes after it, which the shift drops.
-    word = (word - kThrees) << (8 * (8 - count));
-    // Three multiplications join them pairwise (1-2-4-8 digits).
-    word = (word & 0x0F0F0F0F0F0F0F0Fu) * (10 * 256 + 1) >> 8;
-    word = (word & 0x00FF00FF00FF00FFu) * (100 * 65536 + 1) >> 16;
-    value = (word & 0x0000FFFF0000FFFFu) * (10000 * (std::uint64_t(1) << 32) + 1) >> 32;
-    return count;
-}
-
-// Adds the digits from p on to digits, up to eight at a time; false when
-// count would pass most. Moves p to where the digits end.
-[[gnu::always_inline]] inline bool readDigits(const char*& p, const char* const end, std::uint64_t& digits, int& count,
-                                              const int most)
-{
-    static constexpr std::uint64_t kScales[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-    for (;;) {
-        std::uint64_t run = 0;
-        const int runLength = readDigitRun(bytesAt(p, end), run);
-        if (count + runLength > most)
-            return false;
-        digits = digits * kScales[runLength] + run;
-        count += runLength;
-        p += runLength;
-        if (runLength < 8)
-            return true;
-    }
-}
-
 // digits / 10^power rounded correctly to a double, for digits above 2^53
 // ("-1.3333333333333335" has 17): both are exact in the 64-bit significand
 // of long double, so the quotient is rounded once to 64 bits, then to 53.
@@ -335,7 +262,9 @@ bool divideRounded(std::uint64_t digits, int power, double& value)
 // 2^53, that number and the power of ten are exact, so one division gives
 // the correctly rounded value, the same one from_chars gives, in a fraction
 // of its time; above, divideRounded. False, with value untouched, for any
-// other text.
+// other text. One pass of a byte a step: loops that end at the point or
+// take eight digits at once branch on the varying lengths of values and
+// cost more than they save.
 bool readPlainDecimal(std::string_view text, double& value)
 {
     static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
@@ -346,22 +275,27 @@ bool readPlainDecimal(std::string_view text, double& value)
     const bool negative = p < end && *p == '-';
     if (negative)
         ++p;
+    const char* const first = p;
+    const char* point = nullptr;
+    // More digits than fit wrap around here, but such texts are refused below.
     std::uint64_t digits = 0;
-    int count = 0;
-    if (!readDigits(p, end, digits, count, kMostDigits) || count == 0)
-        return false;
-    const int whole = count;
-    if (p < end && *p == '.') {
-        ++p;
-        if (!readDigits(p, end, digits, count, kMostDigits) || count == whole)
+    for (; p < end; ++p) {
+        const unsigned digit = unsigned(*p) - '0';
+        if (digit < 10)
+            digits = digits * 10 + digit;
+        else if (*p == '.' && !point)
+            point = p;
+        else
             return false;
     }
-    if (p != end)
+    const int fractional = point ? int(end - point - 1) : 0;
+    const int count = int(end - first) - (point ? 1 : 0);
+    if (count > kMostDigits || count == fractional || (point && fractional == 0))
         return false;
     double magnitude = 0;
     if (digits <= (std::uint64_t(1) << 53))
-        magnitude = double(digits) / kPowersOfTen[count - whole];
-    else if (!divideRounded(digits, count - whole, magnitude))
+        magnitude = double(digits) / kPowersOfTen[fractional];
+    else if (!divideRounded(digits, fractional, magnitude))
         return false;
     value = negative ? -magnitude : magnitude;
     return true;
