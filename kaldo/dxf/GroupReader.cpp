@@ -343,9 +343,21 @@ std::int64_t toInteger(const Group& group)
 
 bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest)
 {
+    // Hexadecimal digits of either case, as from_chars reads them, a step
+    // a digit without its general paths: every record has a handle or two.
     text = trimmed(text);
-    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), handle, 16);
-    return !text.empty() && ec == std::errc() && end == text.data() + text.size() && handle <= highest;
+    std::uint64_t value = 0;
+    for (const char c : text) {
+        const unsigned decimal = unsigned(c) - '0';
+        const unsigned letter = (unsigned(c) | 0x20u) - 'a';
+        const unsigned digit = decimal < 10 ? decimal : letter < 6 ? letter + 10 : 16;
+        // A digit more would carry out of 64 bits.
+        if (digit == 16 || value >> 60 != 0)
+            return false;
+        value = value << 4 | digit;
+    }
+    handle = value;
+    return !text.empty() && value <= highest;
 }
 
 std::uint64_t toHandle(const Group& group, std::uint64_t highest)

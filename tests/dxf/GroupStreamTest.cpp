@@ -1,7 +1,8 @@
 // The group reader's quick way for plain lines and its general way for
 // other line ends, blanks and signs give the same groups and line numbers;
 // its quick way for plain decimals gives the values from_chars gives, and
-// refuses what it refuses or reads as no finite number; the
+// refuses what it refuses or reads as no finite number, and handles as
+// from_chars reads hexadecimal numbers; the
 // writer's quick ways for codes, whole numbers and repeated values give the
 // shortest form's text.
 #include "kaldo/dxf/GroupReader.h"
@@ -115,6 +116,29 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         }
         const double read = kaldo::dxf::toReal(g);
         EXPECT_EQ(std::memcmp(&read, &expected, sizeof read), 0) << text << " read as " << read;
+    }
+}
+
+TEST(DxfGroupStream, HandlesReadBackAsFromCharsReadsThem)
+{
+    std::vector<std::string> texts = {"0", "1F", "1f", "aBcDeF", " 2A\t", "", " ", "-1", "+1", "0x1F", "1 F",
+                                      "00000000000000000000001F", "FFFFFFFFFFFFFFFF", "10000000000000000",
+                                      "7FFFFFFFFFFFFFFF", "8000000000000000", "FFFFFFFFFFFFFFFFF"};
+    // Each byte before and after the digits' and letters' ranges.
+    for (const char c : {'/', '0', '9', ':', '@', 'A', 'F', 'G', '`', 'a', 'f', 'g', '\xC1'})
+        texts.push_back(std::string("1") + c);
+    for (const std::uint64_t highest : {kxdbHighestHandle, std::uint64_t(0x1F), ~std::uint64_t(0)}) {
+        for (const std::string& text : texts) {
+            const std::string_view digits = kaldo::dxf::trimmed(text);
+            std::uint64_t expected = 0;
+            const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), expected, 16);
+            const bool valid = ec == std::errc() && end == digits.data() + digits.size() && expected <= highest;
+            std::uint64_t handle = 0;
+            ASSERT_EQ(kaldo::dxf::tryHandle(text, handle, highest), valid) << text;
+            if (valid) {
+                EXPECT_EQ(handle, expected) << text;
+            }
+        }
     }
 }
 
