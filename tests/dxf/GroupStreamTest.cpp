@@ -155,6 +155,21 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
     for (int pass = 0; pass < 2; ++pass)
         for (int i = 0; i < 20000; ++i)
             values.push_back((i % 2 ? -0.001 : 0.001) * (i * 7919 % 20000) + 1e-7);
+    // Values with few decimals and their neighbours, which need many: every
+    // count of decimals, magnitudes from 1 to 10^15, near whole numbers too.
+    std::mt19937_64 random(11);
+    for (int decimals = 1; decimals <= 17; ++decimals) {
+        for (int i = 0; i < 4000; ++i) {
+            const double scale = std::pow(10.0, decimals);
+            const double value = double(random() % (std::uint64_t(1) << (10 + random() % 44))) / scale
+                                 * (i % 2 ? -1 : 1);
+            for (const double near : {value, std::nextafter(value, 0.0), std::nextafter(value, 2 * value)})
+                values.push_back(near);
+        }
+    }
+    for (const double edge : {1.5, 0.5, 0.9999999, 1.0000000000000002, 99999.99999, 562949953421311.5,
+                              562949953421312.5, 1e14 + 0.25, 4503599627370495.5, 0x1p49 / 1e3, 123456.1e-3})
+        values.push_back(edge);
     // The codes right-aligned in three places, wider ones as they are.
     const std::vector<std::pair<int, std::string>> codes = {
         {0, "  0"}, {5, "  5"}, {40, " 40"}, {105, "105"}, {999, "999"}, {1071, "1071"}, {-4, "-4"}};
