@@ -46,6 +46,14 @@ void sortUnique(std::vector<int>& values)
 
 Kald::ErrorStatus KxDbMline::transformBy(const KxGeMatrix3d& m)
 {
+    if (m.isTranslation()) {
+        const KxGeVector3d offset = m.offset();
+        if (!std::ranges::all_of(m_vertices, [&](const Vertex& v) { return isFinite(v.position + offset); }))
+            return Kald::eInvalidInput;
+        for (Vertex& v : m_vertices)
+            v.position = v.position + offset;
+        return Kald::eOk;
+    }
     const double k = m.uniformScale();
     if (k == 0)
         return Kald::eInvalidInput;
