@@ -4,6 +4,7 @@
 #include "kaldo/db/EntityKinds.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/ed/PickIndex.h"
+#include "kaldo/util/Translations.h"
 #include "kxdb.h"
 #include "kxed.h"
 
@@ -46,7 +47,7 @@ EditTally transformEntities(std::span<const KxDbObjectId> ids, const KxGeMatrix3
     KxDbDatabase* db = host().database;
     // A translation opens each entity for what it changes: the undo history
     // then keeps a multiline's positions, not a copy of it.
-    const bool translation = m.isTranslation();
+    const bool translation = isTranslation(m);
     for (const KxDbObjectId& id : ids) {
         KxDbObjectPtr<KxDbEntity> entity(id, copies || translation ? KxDb::kForRead : KxDb::kForWrite);
         if (!entity)

@@ -100,11 +100,6 @@ bool KxGeMatrix3d::isIdentity() const
     return m_rows == KxGeMatrix3d().m_rows;
 }
 
-bool KxGeMatrix3d::isTranslation() const
-{
-    return m_rows == translation(offset()).m_rows;
-}
-
 KxGeMatrix3d KxGeMatrix3d::aboutPoint(const std::array<std::array<double, 3>, 3>& linear,
                                       const KxGePoint3d& fixedPoint)
 {

@@ -300,8 +300,6 @@ public:
     // the plan keeps it); a reflection then turns the scale's sign, which
     // swaps the sides the elements lie on, so that each element line lands
     // on the image of its own while the entries stay as they were (times k).
-    // A translation changes the vertex positions alone (the undo history
-    // keeps only those for it).
     Kald::ErrorStatus transformBy(const KxGeMatrix3d& m) override;
     // Stretch points: the vertices.
     void getStretchPoints(std::vector<KxGePoint3d>& points) const override;

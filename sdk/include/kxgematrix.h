@@ -37,10 +37,6 @@ public:
     // that changes shapes or flattens them.
     double uniformScale() const;
     bool isIdentity() const;
-    // The linear part is the identity, exactly: the matrix only moves points,
-    // by offset().
-    bool isTranslation() const;
-    KxGeVector3d offset() const { return {m_rows[0][3], m_rows[1][3], m_rows[2][3]}; }
 
 private:
     // The matrix with this linear part that keeps fixedPoint where it is.
