@@ -57,4 +57,32 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
         near.insert(i, KxDbObjectId::fromOldId(i));
     for (const std::uint64_t handle : {1ull, 65ull, 70ull, 1000ull, 1059ull})
         EXPECT_EQ(near.find(handle), KxDbObjectId::fromOldId(handle)) << handle;
+
+    // A file's handles name consecutive ids: runs of them take no slots.
+    // Taking handles out of a run's middle, its ends, giving one of them
+    // another id, and handles that continue no run must all read back.
+    kaldo::HandleTable runs;
+    std::vector<std::uint64_t> named(3000);
+    for (std::uint64_t h = 0x100; h < 0x100 + 2000; ++h) {
+        runs.insert(h, KxDbObjectId::fromOldId(h + 7));
+        named[h - 0x100] = h + 7;
+    }
+    for (std::uint64_t h = 0x100 + 2000; h < 0x100 + 3000; h += 2) {
+        runs.insert(h, KxDbObjectId::fromOldId(h));
+        named[h - 0x100] = h;
+    }
+    for (const std::uint64_t gone : {0x100ull + 1000, 0x100ull + 999, 0x100ull, 0x100ull + 1999, 0x100ull + 2500}) {
+        runs.erase(gone);
+        named[gone - 0x100] = 0;
+    }
+    runs.insert(0x100 + 500, KxDbObjectId::fromOldId(123456));
+    named[500] = 123456;
+    runs.insert(0x100 + 1000, KxDbObjectId::fromOldId(0x100 + 1000 + 7));
+    named[1000] = 0x100 + 1000 + 7;
+    runs.insert(~0ull, KxDbObjectId::fromOldId(42));
+    for (std::uint64_t h = 0x100; h < 0x100 + 3000; ++h)
+        ASSERT_EQ(runs.find(h), KxDbObjectId::fromOldId(named[h - 0x100])) << std::hex << h;
+    EXPECT_EQ(runs.find(~0ull), KxDbObjectId::fromOldId(42));
+    EXPECT_TRUE(runs.find(0xFF).isNull());
+    EXPECT_TRUE(runs.find(0x100 + 3000).isNull());
 }
