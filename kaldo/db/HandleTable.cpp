@@ -18,6 +18,11 @@ std::size_t HandleTable::home(std::uint64_t handle) const
 
 std::vector<HandleTable::Run>::const_iterator HandleTable::firstRunAfter(std::uint64_t handle) const
 {
+    // Reading a file, the handle is almost always the one after the run
+    // that grew last.
+    if (m_growing < m_runs.size() && m_runs[m_growing].firstHandle <= handle
+        && (m_growing + 1 == m_runs.size() || handle < m_runs[m_growing + 1].firstHandle))
+        return m_runs.begin() + std::ptrdiff_t(m_growing + 1);
     return std::upper_bound(m_runs.begin(), m_runs.end(), handle,
                             [](std::uint64_t h, const Run& r) { return h < r.firstHandle; });
 }
@@ -76,6 +81,7 @@ bool HandleTable::addToRuns(std::uint64_t handle, KxDbObjectId id)
         Run& before = *std::prev(place);
         if (handle - before.firstHandle == before.count && id.asOldId() - before.firstSerial == before.count) {
             ++before.count;
+            m_growing = std::size_t(place - m_runs.begin()) - 1;
             return true;
         }
     }
@@ -89,6 +95,7 @@ bool HandleTable::addToRuns(std::uint64_t handle, KxDbObjectId id)
             return false;
     for (std::uint64_t back = 1; back < kShortestRun; ++back)
         eraseFromSlots(handle - back);
+    m_growing = std::size_t(place - m_runs.begin());
     m_runs.insert(place, Run{handle - (kShortestRun - 1), id.asOldId() - (kShortestRun - 1), kShortestRun});
     return true;
 }
@@ -97,6 +104,7 @@ void HandleTable::cutFromRun(std::vector<Run>::iterator run, std::uint64_t handl
 {
     const std::uint64_t before = handle - run->firstHandle;
     const std::uint64_t after = run->count - before - 1;
+    m_growing = kNoRun;
     if (before == 0 && after == 0) {
         m_runs.erase(run);
     } else if (before == 0) {

@@ -75,6 +75,9 @@ private:
 
     // In handle order, none overlapping.
     std::vector<Run> m_runs;
+    // The run that grew last, where the next handle is looked for first.
+    static constexpr std::size_t kNoRun = std::size_t(-1);
+    std::size_t m_growing = kNoRun;
     std::vector<Slot> m_slots;
     std::size_t m_used = 0;
     bool m_mixed = false;

@@ -110,20 +110,32 @@ private:
     static std::size_t pageOf(std::uint64_t serial) { return std::size_t(serial >> kPageBits); }
     static std::size_t slotOf(std::uint64_t serial) { return std::size_t(serial & ((1u << kPageBits) - 1)); }
 
+    // A few classes are met again and again: each is remembered in a small
+    // table by its address, before the list is searched.
     std::uint8_t classIndex(const KxRxClass* cls)
     {
-        const auto known = std::find(m_classes.begin(), m_classes.end(), cls);
-        if (known != m_classes.end())
-            return std::uint8_t(known - m_classes.begin() + 1);
-        if (m_classes.size() + 1 >= kClassOfObject)
-            return kClassOfObject;
-        m_classes.push_back(cls);
-        return std::uint8_t(m_classes.size());
+        RecentClass& recent = m_recent[(reinterpret_cast<std::uintptr_t>(cls) >> 4) % m_recent.size()];
+        if (recent.cls == cls)
+            return recent.index;
+        std::uint8_t index = kClassOfObject;
+        if (const auto known = std::find(m_classes.begin(), m_classes.end(), cls); known != m_classes.end()) {
+            index = std::uint8_t(known - m_classes.begin() + 1);
+        } else if (m_classes.size() + 1 < kClassOfObject) {
+            m_classes.push_back(cls);
+            index = std::uint8_t(m_classes.size());
+        }
+        recent = RecentClass{cls, index};
+        return index;
     }
 
     std::uint64_t m_lastSerial = 0;
     std::vector<std::unique_ptr<Page>> m_pages;
     std::vector<const KxRxClass*> m_classes;
+    struct RecentClass {
+        const KxRxClass* cls = nullptr;
+        std::uint8_t index = kNoClass;
+    };
+    std::array<RecentClass, 16> m_recent{};
 };
 
 Registry& registry()
