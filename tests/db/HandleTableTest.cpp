@@ -3,6 +3,8 @@
 #include "kaldo/db/HandleTable.h"
 
 #include <cstdint>
+#include <map>
+#include <random>
 #include <vector>
 
 // Handles taken out in any order (not only the last added first) leave
@@ -85,4 +87,41 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
     EXPECT_EQ(runs.find(~0ull), KxDbObjectId::fromOldId(42));
     EXPECT_TRUE(runs.find(0xFF).isNull());
     EXPECT_TRUE(runs.find(0x100 + 3000).isNull());
+}
+
+// Additions in runs (as files and new objects make them), handles in any
+// order, ids replaced, and handles taken out of runs' middles and ends, in
+// a seeded random mix: the table always answers as a plain map does.
+TEST(HandleTable, AnswersAsAPlainMapUnderAnyMixOfChanges)
+{
+    std::mt19937_64 random(20261126);
+    kaldo::HandleTable table;
+    std::map<std::uint64_t, std::uint64_t> expected;
+    std::uint64_t nextHandle = 1, nextSerial = 1;
+    for (int step = 0; step < 20000; ++step) {
+        const int what = int(random() % 10);
+        if (what < 5) {
+            // The next handle and the next id, as a read or a drawing session gives them.
+            table.insert(nextHandle, KxDbObjectId::fromOldId(nextSerial));
+            expected[nextHandle++] = nextSerial++;
+        } else if (what < 7) {
+            const std::uint64_t handle = 1 + random() % (nextHandle + 50);
+            const std::uint64_t serial = 1 + random() % 100000;
+            table.insert(handle, KxDbObjectId::fromOldId(serial));
+            expected[handle] = serial;
+        } else if (what < 9) {
+            const std::uint64_t handle = 1 + random() % (nextHandle + 50);
+            table.erase(handle);
+            expected.erase(handle);
+        } else {
+            // A gap in the handles, or ids given to something else meanwhile.
+            (random() % 2 ? nextHandle : nextSerial) += 1 + random() % 40;
+        }
+        if (step % 500 == 0 || step == 19999)
+            for (std::uint64_t handle = 1; handle < nextHandle + 60; ++handle) {
+                const auto it = expected.find(handle);
+                ASSERT_EQ(table.find(handle), KxDbObjectId::fromOldId(it == expected.end() ? 0 : it->second))
+                    << "step " << step << ", handle " << handle;
+            }
+    }
 }
