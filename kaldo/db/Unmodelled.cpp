@@ -114,8 +114,9 @@ KxDbUnmodelledRecord::KxDbUnmodelledRecord(std::string_view dxfName, KxDbPackedG
     m_record = std::make_unique_for_overwrite<char[]>(numberSize(tag) + numberSize(bytes.size()) + spelled.size()
                                                       + bytes.size());
     char* at = putNumber(putNumber(m_record.get(), tag), bytes.size());
-    std::memcpy(at, spelled.data(), spelled.size());
-    std::memcpy(at + spelled.size(), bytes.data(), bytes.size());
+    // Either part may be empty, its data then null.
+    std::copy(spelled.begin(), spelled.end(), at);
+    std::copy(bytes.begin(), bytes.end(), at + spelled.size());
 }
 
 KxDbUnmodelledRecord::KxDbUnmodelledRecord(const KxDbUnmodelledRecord& other)
