@@ -235,6 +235,20 @@ void reportMemory(benchmark::State& state, double peak)
     state.counters["file_MB"] = double(std::filesystem::file_size(std::getenv("KALDO_BENCH_MIXED_DXF"))) / 1e6;
 }
 
+// Runs work once per iteration and reports the process's peak memory
+// during it.
+template <class Work>
+void measureEach(benchmark::State& state, Work&& work)
+{
+    double peak = 0;
+    for (auto _ : state) {
+        resetPeakMemory();
+        work();
+        peak = std::max(peak, peakMegabytes());
+    }
+    reportMemory(state, peak);
+}
+
 // The command thread's work after a drawing opens, before the window has
 // anything to show: the scene and its index.
 void BM_MixedSceneAndIndex(benchmark::State& state)
@@ -242,18 +256,15 @@ void BM_MixedSceneAndIndex(benchmark::State& state)
     MixedDrawing* mixed = mixedDrawing(state);
     if (!mixed)
         return;
-    double scene = 0, peak = 0;
-    for (auto _ : state) {
-        resetPeakMemory();
+    double scene = 0;
+    measureEach(state, [&] {
         const Clock::time_point start = Clock::now();
         const kaldo::view::Scene built = kaldo::view::renderDrawing(*mixed->drawing.database);
         scene += millisecondsSince(start);
         const kaldo::view::SceneIndex index(built);
         benchmark::DoNotOptimize(&index);
-        peak = std::max(peak, peakMegabytes());
-    }
+    });
     state.counters["scene_ms"] = scene / double(state.iterations());
-    reportMemory(state, peak);
 }
 BENCHMARK(BM_MixedSceneAndIndex)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 
@@ -264,17 +275,14 @@ void BM_MixedFirstPicture(benchmark::State& state)
     MixedDrawing* mixed = mixedDrawing(state);
     if (!mixed)
         return;
-    double first = 0, complete = 0, peak = 0;
-    for (auto _ : state) {
-        resetPeakMemory();
+    double first = 0, complete = 0;
+    measureEach(state, [&] {
         const Clock::time_point start = Clock::now();
         MixedCanvas canvas(mixed->published);
         first += canvas.frame(start, complete);
-        peak = std::max(peak, peakMegabytes());
-    }
+    });
     state.counters["first_frame_ms"] = first / double(state.iterations());
     state.counters["complete_ms"] = complete / double(state.iterations());
-    reportMemory(state, peak);
 }
 BENCHMARK(BM_MixedFirstPicture)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 
