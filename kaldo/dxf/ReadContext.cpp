@@ -49,6 +49,10 @@ KxDbObjectId ReadContext::linetype(std::string_view name, bool* spelledAsRecord)
 KxDbObjectId ReadContext::record(KxDbObjectId tableId, std::unordered_map<std::string, Found>& cache,
                                  std::string_view name, bool isLayer, bool* spelledAsRecord)
 {
+    // The database takes a name as a C string: it ends at its first NUL, and
+    // what is left is trimmed again, so that the name saved reads back as the
+    // same record.
+    name = trimmed(name.substr(0, name.find('\0')));
     const std::string key(name);
     if (const auto it = cache.find(key); it != cache.end()) {
         if (spelledAsRecord)
