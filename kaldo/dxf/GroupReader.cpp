@@ -12,6 +12,8 @@
 #include <emmintrin.h>
 #include <limits>
 
+#include <sys/stat.h>
+
 namespace kaldo::dxf {
 
 namespace {
@@ -52,6 +54,8 @@ GroupReader::GroupReader(std::FILE* file)
       codec_(std::make_unique<TextCodec>("", kDefaultCodePage))
 {
     begin_ = end_ = buffer_.data();
+    if (struct stat info {}; ::fstat(fileno(file), &info) == 0)
+        fileSize_ = std::uint64_t(info.st_size);
 }
 
 GroupReader::GroupReader(std::string_view text)
@@ -76,6 +80,7 @@ bool GroupReader::refill()
     const std::size_t room = buffer_.size() - kept;
     const std::size_t got = std::fread(buffer_.data() + kept, 1, room, file_);
     end_ += got;
+    bytesRead_ += got;
     if (got == 0 && std::ferror(file_))
         throw DxfError(lineNumber_ + 1, std::string("the file cannot be read: ") + std::strerror(errno) + ".");
     if (got == 0)

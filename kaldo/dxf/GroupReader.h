@@ -5,6 +5,7 @@
 // until decodeAs says otherwise, the file is taken to be in ANSI_1252.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -47,6 +48,18 @@ public:
     // The file's version and code page, as its header gives them: values
     // read from now on are decoded accordingly (TextCodec.h).
     void decodeAs(std::string_view version, std::string_view codePage);
+    // The bytes of the file read so far.
+    std::uint64_t bytesRead() const { return bytesRead_; }
+    // The same as progress to show: while a section is read ahead on
+    // another thread (SectionRecords.h), the bytes read when the record in
+    // use was read, as shown points to.
+    std::uint64_t position() const { return shownPosition_ ? *shownPosition_ : bytesRead_; }
+    void showPosition(const std::uint64_t* shown) { shownPosition_ = shown; }
+    // The bytes of the input not yet given as groups, about.
+    std::uint64_t bytesLeft() const
+    {
+        return std::uint64_t(end_ - begin_) + (file_ ? fileSize_ - std::min(fileSize_, bytesRead_) : 0);
+    }
 
 private:
     // The usual group, read straight from the buffer: a code of blanks and
@@ -77,6 +90,9 @@ private:
     bool pushedBack_ = false;
     std::unique_ptr<TextCodec> codec_;
     std::string decoded_;
+    std::uint64_t fileSize_ = 0;
+    std::uint64_t bytesRead_ = 0;
+    const std::uint64_t* shownPosition_ = nullptr;
 };
 
 // Value conversions that name the group's line when the text is no number.
