@@ -316,16 +316,28 @@ bool isOneDigit(std::string_view text)
 }
 }  // namespace
 
+bool readQuickReal(std::string_view text, double& value)
+{
+    if (isOneDigit(text)) {
+        value = text[0] - '0';
+        return true;
+    }
+    text = trimmed(text);
+    if (!text.empty() && text.front() == '+')
+        text.remove_prefix(1);
+    return readPlainDecimal(text, value);
+}
+
 double toReal(const Group& group)
 {
-    if (isOneDigit(group.value))
-        return group.value[0] - '0';
+    if (!std::isnan(group.real))
+        return group.real;
+    double value = 0;
+    if (readQuickReal(group.value, value))
+        return value;
     std::string_view text = trimmed(group.value);
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
-    double value = 0;
-    if (readPlainDecimal(text, value))
-        return value;
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (text.empty() || ec != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
         notANumber(group, "a number");

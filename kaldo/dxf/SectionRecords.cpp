@@ -95,9 +95,9 @@ struct SectionRecords::Ahead {
     std::thread thread;
 };
 
-SectionRecords::SectionRecords(GroupReader& reader, std::uint64_t readAheadFrom) : reader_(reader)
+SectionRecords::SectionRecords(GroupReader& reader) : reader_(reader)
 {
-    if (reader.bytesLeft() < readAheadFrom)
+    if (reader.bytesLeft() < reader.readAheadFrom())
         return;
     ahead_ = std::make_unique<Ahead>();
     ahead_->shownPosition = reader.bytesRead();

@@ -16,16 +16,13 @@ namespace kaldo::dxf {
 
 class SectionRecords {
 public:
-    // Sections are read ahead only with this much of the input left: below,
-    // starting a thread costs more than it saves.
-    static constexpr std::uint64_t kReadAheadFrom = 4 << 20;
-
     // What ended the records: the group "0 ENDSEC", a group that cannot
     // begin a record (its code is not 0), or the end of the input.
     enum class End { Section, NotARecord, Input };
 
-    // Reads ahead when at least readAheadFrom bytes of the input are left.
-    explicit SectionRecords(GroupReader& reader, std::uint64_t readAheadFrom = kReadAheadFrom);
+    // Reads ahead when at least the reader's readAheadFrom() bytes of the
+    // input are left.
+    explicit SectionRecords(GroupReader& reader);
     ~SectionRecords();
     SectionRecords(const SectionRecords&) = delete;
     SectionRecords& operator=(const SectionRecords&) = delete;
