@@ -4,12 +4,14 @@
 // same file in the same run; peak memory of both (ours while opening, also
 // as a share of the file's size); what tearing the opened drawing down
 // object by object costs (the host skips it at exit); saving and opening
-// with a progress report.
+// with a progress report; opening with every record read on the caller's
+// thread, and the caller's CPU time.
 // KALDO_BENCH_MULTILINES changes the count (ezdxf needs minutes and
 // gigabytes for the full file); KALDO_BENCH_DXF names a file to write the
 // drawing to and keep, for timing whole runs of the host on it.
 #include "PeakMemory.h"
 #include "kaldo/dxf/DxfFile.h"
+#include "kaldo/dxf/GroupReader.h"
 #include "kxdb.h"
 
 #include <benchmark/benchmark.h>
@@ -22,7 +24,10 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
+#include <ctime>
+#include <limits>
 #include <filesystem>
 #include <string>
 #include <memory>
@@ -110,18 +115,41 @@ void timeSaves(benchmark::State& state, const kaldo::dxf::ProgressReport& progre
     }
 }
 
+// The CPU time of the calling thread so far, in seconds.
+double threadSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) + 1e-9 * double(now.tv_nsec);
+}
+
 // Times one opening of the shared file per iteration, with progress
-// reported to progress when it is given.
-void timeOpens(benchmark::State& state, const kaldo::dxf::ProgressReport& progress)
+// reported to progress when it is given; records are read ahead on a
+// second thread as the reader decides, or never when oneThread. The
+// caller's CPU time is the part that a second core cannot take, whatever
+// the load of the machine.
+void timeOpens(benchmark::State& state, const kaldo::dxf::ProgressReport& progress, bool oneThread = false)
 {
     const std::filesystem::path path = sharedFile().path;
+    double callerSeconds = 0;
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
-        kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(path, progress);
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        benchmark::DoNotOptimize(drawing.database.get());
-        report(state, seconds);
+        const double callerStart = threadSeconds();
+        if (oneThread) {
+            std::FILE* file = std::fopen(path.c_str(), "rb");
+            kaldo::dxf::GroupReader reader(file);
+            reader.setReadAheadFrom(std::numeric_limits<std::uint64_t>::max());
+            kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxf(reader);
+            benchmark::DoNotOptimize(drawing.database.get());
+            std::fclose(file);
+        } else {
+            kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(path, progress);
+            benchmark::DoNotOptimize(drawing.database.get());
+        }
+        callerSeconds += threadSeconds() - callerStart;
+        report(state, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
+    state.counters["caller_cpu_ms"] = 1000 * callerSeconds / double(state.iterations());
 }
 
 void BM_SaveDrawing(benchmark::State& state)
@@ -138,6 +166,13 @@ void BM_OpenDrawing(benchmark::State& state)
     state.counters["peak_per_file_MB"] = peakMegabytes() / sharedFile().megabytes;
 }
 BENCHMARK(BM_OpenDrawing)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// The same opening with every record read on the calling thread.
+void BM_OpenDrawingOnOneThread(benchmark::State& state)
+{
+    timeOpens(state, {}, true);
+}
+BENCHMARK(BM_OpenDrawingOnOneThread)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 
 // Saving and opening with a progress report as the window gives one: each
 // report reads a cancel flag. Beside BM_SaveDrawing and BM_OpenDrawing they

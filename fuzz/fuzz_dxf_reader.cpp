@@ -1,13 +1,16 @@
 // Feeds arbitrary bytes to the drawing reader, and what it reads to the
 // writer: no crash, no sanitizer report, only DxfError for bad input. What
 // the reader takes must save, and what it saves must read again and save
-// to the same bytes; anything else stops the run.
+// to the same bytes; read with its sections' records read ahead on a second
+// thread it gives the same error or the same bytes; anything else stops the
+// run.
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -34,17 +37,38 @@ std::string saved(kaldo::dxf::DxfDrawing& drawing)
 
 }  // namespace
 
+namespace {
+
+// Reads text, every section's records read ahead on a second thread from
+// readAheadFrom bytes left on; the error's message when it is refused.
+std::string read(std::string_view text, std::uint64_t readAheadFrom, kaldo::dxf::DxfDrawing& drawing)
+{
+    try {
+        kaldo::dxf::GroupReader reader(text);
+        reader.setReadAheadFrom(readAheadFrom);
+        drawing = kaldo::dxf::readDxf(reader);
+    } catch (const kaldo::dxf::DxfError& e) {
+        return e.what();
+    }
+    return {};
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
     kaldo::dxf::DxfDrawing drawing;
-    try {
-        kaldo::dxf::GroupReader reader(std::string_view(reinterpret_cast<const char*>(data), size));
-        drawing = kaldo::dxf::readDxf(reader);
-    } catch (const kaldo::dxf::DxfError&) {
+    kaldo::dxf::DxfDrawing readAhead;
+    const std::string error = read(text, std::numeric_limits<std::uint64_t>::max(), drawing);
+    if (read(text, 0, readAhead) != error)
+        std::abort();
+    if (!error.empty())
         return 0;
-    }
     try {
         const std::string first = saved(drawing);
+        if (saved(readAhead) != first)
+            std::abort();
         kaldo::dxf::GroupReader again(first);
         kaldo::dxf::DxfDrawing reopened = kaldo::dxf::readDxf(again);
         if (!reopened.repairs.empty() || saved(reopened) != first)

@@ -11,6 +11,7 @@
 #include "kaldo/dxf/ObjectRecords.h"
 #include "kaldo/dxf/ReadContext.h"
 #include "kaldo/dxf/RecordWriting.h"
+#include "kaldo/dxf/SectionRecords.h"
 #include "kaldo/dxf/TablesSection.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
 #include "kaldo/util/FileAccess.h"
@@ -83,76 +84,68 @@ KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, Re
     return id;
 }
 
+// Throws for records that ended otherwise than with "0 ENDSEC".
+void checkSectionEnd(const SectionRecords& records, const char* notARecord, const char* inputEnd)
+{
+    if (records.end() == SectionRecords::End::NotARecord)
+        throw DxfError(records.endLine(), notARecord);
+    if (records.end() == SectionRecords::End::Input)
+        throw DxfError(records.endLine(), inputEnd);
+}
+
+// The sections of many records are read as SectionRecords: on a second
+// thread while their objects are built here, when they are large.
 void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter& meter)
 {
-    Record record;
-    Group g;
+    SectionRecords records(reader);
     KxDbObjectId block;
-    while (reader.next(g)) {
-        if (g.code != 0)
-            throw DxfError(g.line, "a record (group 0) was expected in the blocks.");
-        const std::string kind(trimmed(g.value));
-        if (kind == "ENDSEC") {
-            if (!block.isNull())
-                throw DxfError(g.line, "the blocks end inside a block (ENDBLK is missing).");
-            return;
-        }
-        record.read(reader, g);
+    while (const Record* record = records.next()) {
         meter.record();
+        const std::string& kind = record->kind();
         if (kind == "BLOCK") {
             if (!block.isNull())
-                throw DxfError(g.line, "a block begins inside another one.");
-            const RecordBasics basics = rawRecordBasics(record);
-            block = blockRecordFor(record, basics, context);
-            context.kept.blockEnds[block].begin = context.add(new KxDbUnmodelledObject("BLOCK", record.packedGroups()),
+                throw DxfError(record->line(), "a block begins inside another one.");
+            const RecordBasics basics = rawRecordBasics(*record);
+            block = blockRecordFor(*record, basics, context);
+            context.kept.blockEnds[block].begin = context.add(new KxDbUnmodelledObject("BLOCK", record->packedGroups()),
                                                               RecordBasics{basics.handle, 0, {}});
         } else if (kind == "ENDBLK") {
             if (block.isNull())
-                throw DxfError(g.line, "ENDBLK without its BLOCK.");
-            const RecordBasics basics = rawRecordBasics(record);
-            context.kept.blockEnds[block].end = context.add(new KxDbUnmodelledObject("ENDBLK", record.packedGroups()),
-                                                            RecordBasics{basics.handle, 0, {}});
+                throw DxfError(record->line(), "ENDBLK without its BLOCK.");
+            const RecordBasics basics = rawRecordBasics(*record);
+            context.kept.blockEnds[block].end = context.add(
+                new KxDbUnmodelledObject("ENDBLK", record->packedGroups()), RecordBasics{basics.handle, 0, {}});
             block = KxDbObjectId();
         } else {
             if (block.isNull())
-                throw DxfError(g.line, "an entity outside of any block.");
-            readEntity(record, context, block);
+                throw DxfError(record->line(), "an entity outside of any block.");
+            readEntity(*record, context, block);
         }
     }
-    throw DxfError(g.line, "the file ends inside the blocks.");
+    checkSectionEnd(records, "a record (group 0) was expected in the blocks.", "the file ends inside the blocks.");
+    if (!block.isNull())
+        throw DxfError(records.endLine(), "the blocks end inside a block (ENDBLK is missing).");
 }
 
 void readEntitiesSection(GroupReader& reader, ReadContext& context, ProgressMeter& meter)
 {
     ensureLayoutBlocks(context);
-    Record record;
-    Group g;
-    while (reader.next(g)) {
-        if (g.code != 0)
-            throw DxfError(g.line, "an entity (group 0) was expected.");
-        if (trimmed(g.value) == "ENDSEC")
-            return;
-        record.read(reader, g);
+    SectionRecords records(reader);
+    while (const Record* record = records.next()) {
         meter.record();
-        readEntity(record, context, KxDbObjectId());
+        readEntity(*record, context, KxDbObjectId());
     }
-    throw DxfError(g.line, "the file ends inside the entities.");
+    checkSectionEnd(records, "an entity (group 0) was expected.", "the file ends inside the entities.");
 }
 
 void readObjectsSection(GroupReader& reader, ReadContext& context, ProgressMeter& meter)
 {
-    Record record;
-    Group g;
-    while (reader.next(g)) {
-        if (g.code != 0)
-            throw DxfError(g.line, "an object (group 0) was expected.");
-        if (trimmed(g.value) == "ENDSEC")
-            return;
-        record.read(reader, g);
+    SectionRecords records(reader);
+    while (const Record* record = records.next()) {
         meter.record();
-        readObject(record, context);
+        readObject(*record, context);
     }
-    throw DxfError(g.line, "the file ends inside the objects.");
+    checkSectionEnd(records, "an object (group 0) was expected.", "the file ends inside the objects.");
 }
 
 // A key for an entry whose name another entry of the dictionary has (case
@@ -365,7 +358,7 @@ DxfDrawing readDxfFile(const std::filesystem::path& path, const ProgressReport& 
     GroupReader reader(file);
     try {
         return readDxf(reader, ProgressMeter(report, std::uint64_t(info.st_size),
-                                             [file] { return std::uint64_t(std::max(0L, std::ftell(file))); }));
+                                             [&reader] { return reader.position(); }));
     } catch (const DxfError& e) {
         throw DxfError::inFile(path.filename().string(), e);
     }

@@ -12,6 +12,8 @@
 #include <emmintrin.h>
 #include <limits>
 
+#include <sys/stat.h>
+
 namespace kaldo::dxf {
 
 namespace {
@@ -52,6 +54,8 @@ GroupReader::GroupReader(std::FILE* file)
       codec_(std::make_unique<TextCodec>("", kDefaultCodePage))
 {
     begin_ = end_ = buffer_.data();
+    if (struct stat info {}; ::fstat(fileno(file), &info) == 0)
+        fileSize_ = std::uint64_t(info.st_size);
 }
 
 GroupReader::GroupReader(std::string_view text)
@@ -76,6 +80,7 @@ bool GroupReader::refill()
     const std::size_t room = buffer_.size() - kept;
     const std::size_t got = std::fread(buffer_.data() + kept, 1, room, file_);
     end_ += got;
+    bytesRead_ += got;
     if (got == 0 && std::ferror(file_))
         throw DxfError(lineNumber_ + 1, std::string("the file cannot be read: ") + std::strerror(errno) + ".");
     if (got == 0)
@@ -311,16 +316,28 @@ bool isOneDigit(std::string_view text)
 }
 }  // namespace
 
+bool readQuickReal(std::string_view text, double& value)
+{
+    if (isOneDigit(text)) {
+        value = text[0] - '0';
+        return true;
+    }
+    text = trimmed(text);
+    if (!text.empty() && text.front() == '+')
+        text.remove_prefix(1);
+    return readPlainDecimal(text, value);
+}
+
 double toReal(const Group& group)
 {
-    if (isOneDigit(group.value))
-        return group.value[0] - '0';
+    if (!std::isnan(group.real))
+        return group.real;
+    double value = 0;
+    if (readQuickReal(group.value, value))
+        return value;
     std::string_view text = trimmed(group.value);
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
-    double value = 0;
-    if (readPlainDecimal(text, value))
-        return value;
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (text.empty() || ec != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
         notANumber(group, "a number");

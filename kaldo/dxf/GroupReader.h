@@ -5,8 +5,10 @@
 // until decodeAs says otherwise, the file is taken to be in ANSI_1252.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,11 +23,18 @@ struct Group {
     int code = 0;
     std::string_view value;
     long line = 0;  // the line of the code
+    // The value as a real, when it was read as one beforehand (readQuickReal);
+    // not a number otherwise.
+    double real = std::numeric_limits<double>::quiet_NaN();
 };
 
 class GroupReader {
 public:
     static constexpr std::size_t kMaxLineLength = 65536;
+    // Sections of records are read ahead on a second thread only with this
+    // much of the input left (SectionRecords.h): below, starting a thread
+    // costs more than it saves.
+    static constexpr std::uint64_t kReadAheadFrom = 4 << 20;
 
     // Reads from an open file (not owned).
     explicit GroupReader(std::FILE* file);
@@ -47,6 +56,20 @@ public:
     // The file's version and code page, as its header gives them: values
     // read from now on are decoded accordingly (TextCodec.h).
     void decodeAs(std::string_view version, std::string_view codePage);
+    // The bytes of the file read so far.
+    std::uint64_t bytesRead() const { return bytesRead_; }
+    // The same as progress to show: while a section is read ahead on
+    // another thread (SectionRecords.h), the bytes read when the record in
+    // use was read, as shown points to.
+    std::uint64_t position() const { return shownPosition_ ? *shownPosition_ : bytesRead_; }
+    void showPosition(const std::uint64_t* shown) { shownPosition_ = shown; }
+    std::uint64_t readAheadFrom() const { return readAheadFrom_; }
+    void setReadAheadFrom(std::uint64_t bytes) { readAheadFrom_ = bytes; }
+    // The bytes of the input not yet given as groups, about.
+    std::uint64_t bytesLeft() const
+    {
+        return std::uint64_t(end_ - begin_) + (file_ ? fileSize_ - std::min(fileSize_, bytesRead_) : 0);
+    }
 
 private:
     // The usual group, read straight from the buffer: a code of blanks and
@@ -77,10 +100,24 @@ private:
     bool pushedBack_ = false;
     std::unique_ptr<TextCodec> codec_;
     std::string decoded_;
+    std::uint64_t fileSize_ = 0;
+    std::uint64_t bytesRead_ = 0;
+    const std::uint64_t* shownPosition_ = nullptr;
+    std::uint64_t readAheadFrom_ = kReadAheadFrom;
 };
 
 // Value conversions that name the group's line when the text is no number.
 double toReal(const Group& group);
+// Whether the group code is one of reals (coordinates, distances, angles).
+constexpr bool isRealCode(int code)
+{
+    return (code >= 10 && code <= 59) || (code >= 110 && code <= 149) || (code >= 210 && code <= 239)
+           || (code >= 460 && code <= 469) || (code >= 1010 && code <= 1059);
+}
+// The real of a value by toReal's quick ways alone, so that it can be read
+// ahead of its use; false, with value untouched, where toReal looks further
+// (and may refuse the text).
+bool readQuickReal(std::string_view text, double& value);
 std::int64_t toInteger(const Group& group);
 // A handle: hexadecimal digits, at most kxdbHighestHandle (a handle seed
 // may be one above).

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace kaldo::dxf {
 
@@ -24,6 +25,13 @@ void Record::read(GroupReader& reader, const Group& head)
         if (used_ + g.value.size() > text_.size())
             text_.resize(std::max(2 * text_.size(), used_ + g.value.size()));
         std::memcpy(text_.data() + used_, g.value.data(), g.value.size());
+        if (size_ < kReadReals) {
+            if (size_ == reals_.size())
+                reals_.resize(std::min(kReadReals, fields_.size()));
+            reals_[size_] = std::numeric_limits<double>::quiet_NaN();
+            if (isRealCode(g.code))
+                readQuickReal(g.value, reals_[size_]);
+        }
         fields_[size_++] = Field{g.code, std::uint32_t(used_), std::uint32_t(g.line - line_)};
         used_ += g.value.size();
     }

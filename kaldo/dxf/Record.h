@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -26,7 +27,8 @@ public:
     {
         const Field& f = fields_[index];
         const std::size_t end = index + 1 < size_ ? fields_[index + 1].offset : used_;
-        return Group{f.code, std::string_view(text_).substr(f.offset, end - f.offset), line_ + long(f.lineAfterHead)};
+        return Group{f.code, std::string_view(text_).substr(f.offset, end - f.offset), line_ + long(f.lineAfterHead),
+                     index < kReadReals ? reals_[index] : std::numeric_limits<double>::quiet_NaN()};
     }
     // Every group as read, packed, for a record that is kept whole; valid
     // until the next call.
@@ -50,6 +52,12 @@ private:
     std::size_t size_ = 0;
     std::string text_;
     std::size_t used_ = 0;
+    // The reals of the first groups as readQuickReal reads them (not a
+    // number for others), so that a record read on another thread comes
+    // with its numbers; the groups of a large record beyond are converted
+    // where they are used, keeping its memory to what it was.
+    static constexpr std::size_t kReadReals = 1024;
+    std::vector<double> reals_;
     mutable KxDbPackedGroups packed_;
 };
 

@@ -1,0 +1,180 @@
+#include "kaldo/dxf/SectionRecords.h"
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace kaldo::dxf {
+
+namespace {
+// A batch holds records enough to be handed over rarely, and groups few
+// enough to stay in the caches: a few hundred kilobytes of the file.
+constexpr std::size_t kRecordsPerBatch = 256;
+constexpr std::size_t kGroupsPerBatch = 16384;
+// Batches being filled, waiting or in use: the thread reads at most this
+// far ahead.
+constexpr std::size_t kBatches = 4;
+}  // namespace
+
+// The reading thread and the batches of records it hands over in order.
+// The reader belongs to the thread until the last batch is taken.
+struct SectionRecords::Ahead {
+    struct Batch {
+        // Records are reused from batch to batch, keeping their storage.
+        std::vector<Record> records = std::vector<Record>(kRecordsPerBatch);
+        // The bytes read when each record was read, for the progress shown.
+        std::vector<std::uint64_t> positions = std::vector<std::uint64_t>(kRecordsPerBatch);
+        std::size_t count = 0;
+        // No batch follows; error, when set, was thrown right after the
+        // records of this batch.
+        bool last = false;
+        End end = End::Section;
+        long endLine = 0;
+        std::exception_ptr error;
+    };
+
+    // The thread's side: an empty batch to fill, or null once stopped.
+    std::unique_ptr<Batch> take()
+    {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [this] { return stopped || !empty.empty() || made < kBatches; });
+        if (stopped)
+            return nullptr;
+        if (empty.empty()) {
+            ++made;
+            return std::make_unique<Batch>();
+        }
+        std::unique_ptr<Batch> batch = std::move(empty.back());
+        empty.pop_back();
+        return batch;
+    }
+    void give(std::unique_ptr<Batch> batch)
+    {
+        {
+            const std::lock_guard lock(mutex);
+            filled.push_back(std::move(batch));
+        }
+        changed.notify_all();
+    }
+    // The caller's side: the next filled batch; the one used goes back.
+    void takeNext()
+    {
+        std::unique_lock lock(mutex);
+        if (current) {
+            current->count = 0;
+            empty.push_back(std::move(current));
+            changed.notify_all();
+        }
+        changed.wait(lock, [this] { return !filled.empty(); });
+        current = std::move(filled.front());
+        filled.pop_front();
+        at = 0;
+    }
+    void stop()
+    {
+        {
+            const std::lock_guard lock(mutex);
+            stopped = true;
+        }
+        changed.notify_all();
+        if (thread.joinable())
+            thread.join();
+    }
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<std::unique_ptr<Batch>> filled;
+    std::vector<std::unique_ptr<Batch>> empty;
+    std::size_t made = 0;
+    bool stopped = false;
+    std::unique_ptr<Batch> current;
+    std::size_t at = 0;
+    std::uint64_t shownPosition = 0;
+    std::thread thread;
+};
+
+SectionRecords::SectionRecords(GroupReader& reader) : reader_(reader)
+{
+    if (reader.bytesLeft() < reader.readAheadFrom())
+        return;
+    ahead_ = std::make_unique<Ahead>();
+    ahead_->shownPosition = reader.bytesRead();
+    reader.showPosition(&ahead_->shownPosition);
+    ahead_->thread = std::thread([this] {
+        Ahead& ahead = *ahead_;
+        for (std::unique_ptr<Ahead::Batch> batch; (batch = ahead.take());) {
+            std::size_t groups = 0;
+            try {
+                while (batch->count < kRecordsPerBatch && groups < kGroupsPerBatch) {
+                    Record& record = batch->records[batch->count];
+                    if (!readRecord(record, batch->end, batch->endLine)) {
+                        batch->last = true;
+                        break;
+                    }
+                    batch->positions[batch->count++] = reader_.bytesRead();
+                    groups += record.size();
+                }
+            } catch (...) {
+                batch->error = std::current_exception();
+                batch->last = true;
+            }
+            const bool last = batch->last;
+            ahead.give(std::move(batch));
+            if (last)
+                return;
+        }
+    });
+}
+
+SectionRecords::~SectionRecords()
+{
+    if (ahead_) {
+        ahead_->stop();
+        reader_.showPosition(nullptr);
+    }
+}
+
+bool SectionRecords::readRecord(Record& record, End& end, long& endLine)
+{
+    if (!reader_.next(head_)) {
+        end = End::Input;
+        endLine = head_.line;
+        return false;
+    }
+    if (head_.code != 0 || trimmed(head_.value) == "ENDSEC") {
+        end = head_.code != 0 ? End::NotARecord : End::Section;
+        endLine = head_.line;
+        return false;
+    }
+    record.read(reader_, head_);
+    return true;
+}
+
+const Record* SectionRecords::next()
+{
+    if (!ahead_)
+        return readRecord(record_, end_, endLine_) ? &record_ : nullptr;
+    Ahead& ahead = *ahead_;
+    while (!ahead.current || ahead.at == ahead.current->count) {
+        if (ahead.current && ahead.current->last) {
+            // The thread has ended: the reader is this thread's again, as
+            // if every record had been read here.
+            end_ = ahead.current->end;
+            endLine_ = ahead.current->endLine;
+            const std::exception_ptr error = ahead.current->error;
+            ahead.stop();
+            reader_.showPosition(nullptr);
+            ahead_.reset();
+            if (error)
+                std::rethrow_exception(error);
+            return nullptr;
+        }
+        ahead.takeNext();
+    }
+    ahead.shownPosition = ahead.current->positions[ahead.at];
+    return &ahead.current->records[ahead.at++];
+}
+
+}  // namespace kaldo::dxf
