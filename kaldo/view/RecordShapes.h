@@ -9,6 +9,7 @@
 #pragma once
 
 #include "kaldo/view/Scene.h"
+#include "kaldo/view/PointBudget.h"
 #include "kaldo/view/TextShapes.h"
 #include "kxdbobject.h"
 
