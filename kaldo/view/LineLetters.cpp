@@ -31,6 +31,12 @@ std::span<const LaidOutLetter> LineLetters::letters(std::uint32_t line) const
     return found->second;
 }
 
+std::size_t LineLetters::laidOutLines() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_laidOut.size();
+}
+
 std::vector<LaidOutLetter> LineLetters::layOut(const Line& line) const
 {
     QTextLayout layout(line.text, m_fonts[line.font]);

@@ -31,6 +31,8 @@ public:
     // The letters of a line, laid out at the first call (none when its
     // font has no outlines). Valid as long as this object.
     std::span<const LaidOutLetter> letters(std::uint32_t line) const;
+    // How many lines have been laid out so far.
+    std::size_t laidOutLines() const;
 
 private:
     struct Line {
