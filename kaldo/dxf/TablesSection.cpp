@@ -27,6 +27,26 @@ bool isModelledTable(std::string_view name)
     return name == "LTYPE" || name == "LAYER" || name == "BLOCK_RECORD";
 }
 
+// A table record of an old version has no subclass markers, so its groups
+// all fall in the part before them, which is written with the record's
+// head. Those the record's own part would hold move there, so that the
+// groups the writer writes itself (the flags) are not written twice.
+void placeGroupsOfUnmarkedRecord(const Record& record, RecordBasics& basics)
+{
+    for (std::size_t i = 0; i < record.size(); ++i)
+        if (record.at(i).code == 100)
+            return;
+    bool inBlock = false;
+    for (KxDbFileGroup& g : basics.kept) {
+        if (g.part != 0)
+            continue;
+        if (g.code == 102)
+            inBlock = !g.value.empty() && g.value.front() == '{';
+        else if (!inBlock)
+            g.part = 2;
+    }
+}
+
 void readLinetype(const Record& record, ReadContext& context, KxDbSymbolTable& table)
 {
     auto record_ = std::make_unique<KxDbLinetypeTableRecord>();
@@ -57,6 +77,7 @@ void readLinetype(const Record& record, ReadContext& context, KxDbSymbolTable& t
             return false;
         }
     });
+    placeGroupsOfUnmarkedRecord(record, basics);
     if (name.empty())
         throw DxfError(record.line(), "a linetype without a name.");
     record_->setName(name.c_str());
@@ -97,6 +118,7 @@ void readLayer(const Record& record, ReadContext& context, KxDbSymbolTable& tabl
             return readColorGroup(g, color);
         }
     });
+    placeGroupsOfUnmarkedRecord(record, basics);
     if (name.empty())
         throw DxfError(record.line(), "a layer without a name.");
     layer->setName(name.c_str());

@@ -4,6 +4,7 @@
 // current, so that real dialogs load their templates and images.
 #pragma once
 
+#include "TestApplication.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
@@ -14,7 +15,6 @@
 #include "kxhost.h"
 #include "kxstring.h"
 
-#include <QApplication>
 #include <QTemporaryDir>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ protected:
         : saved_(kaldo::host()), root_(dir_.path().toStdString()), profile(root_ / "kaldo.ini"),
           recorder(root_ / "crash")
     {
-        application();
+        testApplication();
         kaldo::host().database = &db;
         kaldo::host().editor = &editor;
         kaldo::host().runtime = &runtime;
@@ -45,18 +45,6 @@ protected:
         kaldo::host() = saved_;
         if (library_)
             dlclose(library_);
-    }
-
-    // Lives until the process ends and is never destroyed: QTest's input
-    // devices would otherwise be torn down after the application they
-    // belong to.
-    static QApplication& application()
-    {
-        static int argc = 1;
-        static char name[] = "test_dlg";
-        static char* argv[] = {name, nullptr};
-        static QApplication* instance = new QApplication(argc, argv);
-        return *instance;
     }
 
     // The lines the next dialogs read.

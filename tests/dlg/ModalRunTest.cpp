@@ -4,6 +4,7 @@
 // closes every open dialog innermost first, and a file choice inside a
 // dialog takes the next line as typed.
 #include "DialogFixture.h"
+#include "FileText.h"
 
 #include "kxcrash.h"
 #include "kxed.h"
@@ -13,8 +14,6 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <sstream>
 
 using ::testing::HasSubstr;
 
@@ -65,14 +64,6 @@ protected:
     }
 };
 
-std::string readReport(const std::filesystem::path& folder)
-{
-    std::ifstream in(folder / "report.txt");
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 class ModalRunTest : public DialogFixture {};
 
 }  // namespace
@@ -85,7 +76,7 @@ TEST_F(ModalRunTest, ErrorInsideADialogReachesTheRecorderAndTheHostGoesOn)
     EXPECT_TRUE(recorder.runModal(&broken, &result));
     EXPECT_EQ(result, IDCANCEL);
     EXPECT_EQ(broken.GetSafeHwnd(), nullptr) << "the window is gone";
-    EXPECT_THAT(readReport(recorder.latestReport()), HasSubstr("the handler broke at ProbeDialog.cpp:7"));
+    EXPECT_THAT(fileText(recorder.latestReport() / "report.txt"), HasSubstr("the handler broke at ProbeDialog.cpp:7"));
     EXPECT_THAT(kxutToMultiByte(transcript), HasSubstr("Dialog 5758 closed: Cancel\n"));
 
     // The next line goes to the next dialog.

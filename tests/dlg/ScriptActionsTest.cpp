@@ -180,19 +180,12 @@ protected:
 
 TEST_F(ScriptActionsTest, EveryItemKindAndItsNotifications)
 {
-    QDialog window;
+    const std::unique_ptr<QDialog> items = itemsWindow();
+    QDialog& window = *items;
     window.setWindowTitle(QStringLiteral("Items"));
-    item<QLineEdit>(window, 1001);
-    item<QCheckBox>(window, 1002)->setText(QStringLiteral("Fill"));
-    item<QListWidget>(window, 1003)->addItems({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
-    auto* view = item<QTreeWidget>(window, 1004);
-    view->setColumnCount(2);
-    for (const char* row : {"0.5", "-0.5"})
-        view->addTopLevelItem(new QTreeWidgetItem(QStringList{QString::fromLatin1(row), QStringLiteral("BYLAYER")}));
-    item<QComboBox>(window, 1005)->addItems({QStringLiteral("alpha"), QStringLiteral("beta")});
-    item<QPushButton>(window, 1006)->hide();
+    find<QCheckBox>(window, kCheck).setText(QStringLiteral("Fill"));
+    find<QPushButton>(window, kButton).hide();
     item<QPushButton>(window, 1007)->setEnabled(false);
-    item<QPushButton>(window, 1)->setText(QStringLiteral("OK"));
 
     RecordingDialog dialog;
     dialog.Attach(&window);
@@ -227,10 +220,10 @@ TEST_F(ScriptActionsTest, EveryItemKindAndItsNotifications)
                                 "  1003 list enabled \"\" selected 1\n"
                                 "    0: A\n    1: B\n    2: C\n"
                                 "  1004 list view enabled \"\" selected 1\n"
-                                "    0: 0.5 | BYLAYER\n    1: -0.5 | BYLAYER\n"
+                                "    0: 0.5 | BYLAYER\n    1: 0 | BYLAYER\n    2: -0.5 | BYLAYER\n"
                                 "  1005 combo box enabled \"beta\" selected 1\n"
-                                "  1006 button enabled hidden \"\"\n"
-                                "  1007 button disabled \"\"\n"));
+                                "  1006 button enabled hidden \"\"\n  1008 button enabled \"\"\n"
+                                "  1 button enabled \"\"\n  1007 button disabled \"\"\n"));
     EXPECT_THAT(text, HasSubstr("Dialog 0 closed: OK\n"));
 }
 

@@ -35,7 +35,10 @@ std::string savedDrawing(const KaldoProcess& kaldo, const std::string& script, c
 
 }  // namespace
 
-TEST(DialogSession, ToolDialogChoosesTheToolAsItsKeywordDoes)
+// The Cancel button and the script's end close it as Cancel and run no
+// tool (the plain button, Enter and Escape, by script and by hand:
+// DialogScenarios).
+TEST(DialogSession, ToolDialogChoosesTheToolAsItsKeywordDoesOrNoneWhenCancelled)
 {
     KaldoProcess kaldo;
     KaldoRun run;
@@ -53,18 +56,9 @@ TEST(DialogSession, ToolDialogChoosesTheToolAsItsKeywordDoes)
     // The command and the dialog's action on one line, as a person types.
     const std::string oneLine = savedDrawing(kaldo, kCrossingPair + "MLEDIT CLICK 5759\n" + kCrossPicks, "line.dxf");
     EXPECT_EQ(oneLine, byKeyword);
-}
 
-// The Cancel button and the script's end close it as Cancel (the plain
-// button, Enter and Escape, by script and by hand: DialogScenarios).
-TEST(DialogSession, ToolDialogClosedWithoutAToolRunsNone)
-{
-    KaldoProcess kaldo;
-    const std::string unedited = savedDrawing(kaldo, kCrossingPair, "unedited.dxf");
     for (const char* closing : {"CLICK 2\n", ""}) {
-        KaldoRun run;
-        const std::string drawing =
-            savedDrawing(kaldo, kCrossingPair + "MLEDIT\n" + closing, "closed.dxf", &run);
+        const std::string drawing = savedDrawing(kaldo, kCrossingPair + "MLEDIT\n" + closing, "closed.dxf", &run);
         EXPECT_EQ(run.exitCode, 0) << run.err;
         EXPECT_THAT(run.out, HasSubstr("Dialog 5758 closed: Cancel\n")) << closing;
         EXPECT_THAT(run.out, Not(HasSubstr("Select"))) << closing;

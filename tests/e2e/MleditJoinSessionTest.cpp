@@ -1,7 +1,8 @@
 // -MLEDIT tees, corner joint and vertex tools through the real binary:
 // scripts draw multilines with MLINE and edit them, LIST shows the lists
 // that result, an independent reader checks the saved drawing and where the
-// drawn runs end, and the tools' Undo gives back the drawing byte for byte.
+// drawn runs end (of a tee, a corner and a cross), and the tools' Undo
+// gives back the drawing byte for byte.
 #include "FileText.h"
 #include "KaldoProcess.h"
 #include "ListedMlines.h"
@@ -205,15 +206,17 @@ TEST(MleditJoinSession, UndoGivesBackTheSavedDrawingByteForByte)
     }
 }
 
-TEST(MleditJoinSession, AnIndependentReaderFindsTheTeeAndTheCorner)
+TEST(MleditJoinSession, AnIndependentReaderFindsTheTeeTheCornerAndTheCross)
 {
     KaldoProcess kaldo;
     const QJsonArray mlines = mlinesReadBack(kaldo,
                                              kBar + mline({"50,50", "50,-30"}) + mline({"0,100", "90,100"})
-                                                 + mline({"100,200", "100,110"})
-                                                 + "-MLEDIT\nOT\n55,30\n20,5\n\n-MLEDIT\nCJ\n50,105\n105,150\n\n",
+                                                 + mline({"100,200", "100,110"}) + mline({"300,0", "400,0"})
+                                                 + mline({"350,-50", "350,50"})
+                                                 + "-MLEDIT\nOT\n55,30\n20,5\n\n-MLEDIT\nCJ\n50,105\n105,150\n\n"
+                                                 + "-MLEDIT\nOC\n320,5\n345,30\n\n",
                                              "joined.dxf");
-    ASSERT_EQ(mlines.size(), 4);
+    ASSERT_EQ(mlines.size(), 6);
     const QJsonObject bar = mlines[0].toObject();
     const QJsonObject stem = mlines[1].toObject();
     // The stem's end caps are off and its elements stop on the bar's upper
@@ -243,5 +246,19 @@ TEST(MleditJoinSession, AnIndependentReaderFindsTheTeeAndTheCorner)
         EXPECT_NEAR(inner[1].second, 105.0, 1e-9) << n;
         EXPECT_NEAR(outer[1].first, 105.0, 1e-9) << n;
         EXPECT_NEAR(outer[1].second, 95.0, 1e-9) << n;
+    }
+    // The open cross: at the first vertex of both every element is drawn
+    // from 0 to 45 and from 55 on; at the last vertex nothing changed.
+    for (int n = 4; n < 6; ++n) {
+        const QJsonArray vertices = mlines[n].toObject()["vertices"].toArray();
+        ASSERT_EQ(vertices.size(), 2);
+        for (int e = 0; e < 2; ++e) {
+            const QJsonArray params = vertices[0].toObject()["element"].toArray()[e].toArray();
+            ASSERT_EQ(params.size(), 4) << n;
+            const double expected[] = {e == 0 ? 5.0 : -5.0, 0.0, 45.0, 55.0};
+            for (int i = 0; i < 4; ++i)
+                EXPECT_NEAR(params[i].toDouble(), expected[i], 1e-9) << n << " element " << e;
+        }
+        EXPECT_EQ(vertices[1].toObject()["element"].toArray()[0].toArray().size(), 2);
     }
 }

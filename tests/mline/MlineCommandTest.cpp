@@ -1,6 +1,7 @@
 // The MLINE command in process: its results, the file dialog when a person
 // (not a script) types, and a session without a drawing.
 #include "MlineFixture.h"
+#include "MlnText.h"
 
 #include "mline/MlineCommand.h"
 
@@ -21,9 +22,6 @@ using ::testing::SizeIs;
 
 namespace kdml {
 namespace {
-
-const char* const kWallStyle = "MLSTYLE\n2\n WALL\n70\n 0\n3\n Wall\n62\n 256\n51\n 90\n52\n 90\n71\n 2\n"
-                               "49\n 0.1\n62\n 256\n6\n BYLAYER\n49\n -0.1\n62\n 256\n6\n BYLAYER\n0\n";
 
 class MlineCommandTest : public MlineFixture {
 protected:
@@ -79,21 +77,17 @@ TEST_F(MlineCommandTest, TiltedUserSystemGivesPlaneAndVertices)
         EXPECT_NEAR(dot(drawn[0]->miterAt(i), drawn[0]->normal()), 0, 1e-12) << "vertex " << i;
 }
 
-TEST_F(MlineCommandTest, SettersStoreWhatTheyWrite)
+// What the options write to the variables: MlineSession.
+TEST_F(MlineCommandTest, SettersIgnoreBadCodesAndKeepAStyleTheDrawingLacks)
 {
     script("");
     CMLineCommand command(&db);
     command.readSettings();
-    EXPECT_EQ(command.setJustification(2), RTNORM);
-    EXPECT_EQ(db.cmljust(), 2);
     // Codes outside 0..2 are ignored, -1 among them.
     EXPECT_EQ(command.setJustification(3), RTNORM);
     EXPECT_EQ(command.setJustification(-1), RTNORM);
-    EXPECT_EQ(command.justification(), 2);
-    EXPECT_EQ(command.setScale(-0.25), RTNORM);
-    EXPECT_EQ(db.cmlscale(), -0.25);
-    EXPECT_EQ(command.setStyleName(L"Standard"), RTNORM);
-    EXPECT_EQ(command.styleName(), L"STANDARD");
+    EXPECT_EQ(command.justification(), 0);
+    EXPECT_EQ(db.cmljust(), 0);
     // A style the drawing lacks cannot become current: the variable write
     // fails, the command keeps the name.
     EXPECT_NE(command.setStyleName(L"nosuch"), RTNORM);
@@ -107,7 +101,7 @@ TEST_F(MlineCommandTest, TypedByAPersonTheStyleFileComesFromTheFileDialog)
     // The dialog hands back "a|b.mln"; the bar stands for a blank, so the
     // style is read from "a b.mln".
     std::ofstream(folder / "a|b.mln") << "";
-    std::ofstream(folder / "a b.mln") << kWallStyle;
+    std::ofstream(folder / "a b.mln") << mlnStyleBlock("WALL", "Wall", {0.1, -0.1});
     const std::wstring chosen = (folder / "a|b.mln").wstring();
     typed({L"ST", L"wall", L"", L"Wall", chosen, L""});
     EXPECT_EQ(CMLineCommand(&db).run(), RTNONE);

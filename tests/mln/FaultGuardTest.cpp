@@ -4,8 +4,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "MlnFixture.h"
@@ -104,10 +102,7 @@ TEST_F(MlnFaultReportTest, FaultGoesToTheCrashRecorderWithTheFileAttached)
     kaldo::host().crashRecorder = &recorder;
     kdml::reportMlnReadFault(SIGSEGV, &recorder, path.c_str());
     ASSERT_FALSE(recorder.latestReport().empty());
-    std::ifstream in(recorder.latestReport() / "report.txt");
-    std::stringstream text;
-    text << in.rdbuf();
-    const std::string report = text.str();
+    const std::string report = fileText(recorder.latestReport() / "report.txt");
     EXPECT_NE(report.find("Fault 0x0000000b"), std::string::npos) << report;
     EXPECT_NE(report.find("internalcmds\\kdentityeditcmds\\krxmlstyle\\src\\kaldmlinestyleloaddialog"),
               std::string::npos)
@@ -115,5 +110,5 @@ TEST_F(MlnFaultReportTest, FaultGoesToTheCrashRecorderWithTheFileAttached)
     EXPECT_NE(report.find("441"), std::string::npos) << report;
     EXPECT_NE(report.find("An error was occurred while loading a mlstyle file."), std::string::npos) << report;
     EXPECT_NE(report.find("A MLSTYLE file that cause an error while loading."), std::string::npos) << report;
-    EXPECT_EQ(readBytes((recorder.latestReport() / "faulty.mln").wstring()), mlntest::wallBlock());
+    EXPECT_EQ(fileText(recorder.latestReport() / "faulty.mln"), mlntest::wallBlock());
 }

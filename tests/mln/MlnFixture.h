@@ -12,6 +12,7 @@
 #include <fstream>
 #include <string>
 
+#include "FileText.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
 #include "kxdb.h"
@@ -38,12 +39,6 @@ protected:
         const std::filesystem::path path = folder() / name;
         std::ofstream(path, std::ios::binary) << bytes;
         return path.wstring();
-    }
-
-    static std::string readBytes(const std::wstring& path)
-    {
-        std::ifstream in{std::filesystem::path(path), std::ios::binary};
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
 
     // The id of a style of the drawing's dictionary (null when missing).

@@ -72,7 +72,7 @@ TEST_F(MlnWriterTest, WritesTheWallBlockByteForByte)
     db.setDimzin(8);
     const std::wstring path = (folder() / "wall.mln").wstring();
     ASSERT_TRUE(save(L"wall", path));
-    EXPECT_EQ(readBytes(path), mlntest::wallBlock("\r\n"));
+    EXPECT_EQ(fileText(path), mlntest::wallBlock("\r\n"));
     EXPECT_EQ(dimzin(), 8);
 }
 
@@ -130,7 +130,7 @@ TEST_F(MlnWriterTest, RoundTripKeepsEveryProperty)
         EXPECT_EQ(read.color, written.color) << i;
         EXPECT_EQ(read.linetype, written.linetype) << i;
     }
-    const std::string text = readBytes(path);
+    const std::string text = fileText(path);
     EXPECT_NE(text.find("62\r\n 5\r\n420\r\n 660510\r\n430\r\n PAINTS$SKY\r\n"), std::string::npos) << text;
     EXPECT_NE(text.find("49\r\n -0.66666666666667\r\n"), std::string::npos) << text;
 }
@@ -143,7 +143,7 @@ TEST_F(MlnWriterTest, MergeReplacesInPlaceAppendsAndKeepsOtherLines)
     const std::wstring path = writeFile("two.mln", before + other);
     ASSERT_TRUE(save(L"WALL", path));
     ASSERT_TRUE(save(L"Wall", path));
-    const std::string merged = readBytes(path);
+    const std::string merged = fileText(path);
     EXPECT_EQ(merged, "first line, kept\r\n" + mlntest::wallBlock("\r\n") +
                           crlf({"MLSTYLE", "2", " OTHER", "3", " caf\xE9 ", "0"}));
     EXPECT_EQ(kdml::listMlnStyleNames(path.c_str()), (std::vector<std::wstring>{L"WALL", L"OTHER"}));
@@ -174,7 +174,7 @@ TEST_F(MlnWriterTest, FailuresLeaveTheFileAsItWas)
     const std::wstring path = writeFile("keep.mln", "MLSTYLE\n2\n KEEP\n0\n");
     EXPECT_FALSE(save(L"NOSUCHSTYLE", path));
     EXPECT_EQ(problem, L"") << "a style that is not there is no problem of the file";
-    EXPECT_EQ(readBytes(path), "MLSTYLE\n2\n KEEP\n0\n");
+    EXPECT_EQ(fileText(path), "MLSTYLE\n2\n KEEP\n0\n");
     addWall(L"WALL");
     const std::wstring noFolder = (folder() / "no" / "such" / "folder.mln").wstring();
     EXPECT_FALSE(save(L"WALL", noFolder));
@@ -185,7 +185,7 @@ TEST_F(MlnWriterTest, FailuresLeaveTheFileAsItWas)
     // is not taken for an empty one.
     EXPECT_FALSE(save(L"WALL", L"/proc/self/mem"));
     EXPECT_EQ(problem, L"cannot read '/proc/self/mem': Input/output error.");
-    EXPECT_EQ(readBytes(path), "MLSTYLE\n2\n KEEP\n0\n");
+    EXPECT_EQ(fileText(path), "MLSTYLE\n2\n KEEP\n0\n");
 }
 
 TEST_F(MlnWriterTest, SaveAsksForTheFileOnTheCommandLineInScripts)
@@ -199,10 +199,10 @@ TEST_F(MlnWriterTest, SaveAsksForTheFileOnTheCommandLineInScripts)
     const std::wstring start = (kaldo::host().supportDir / "").wstring();
     EXPECT_NE(transcript.find(L"Enter file name <" + start + L">"), std::wstring::npos)
         << std::string(transcript.begin(), transcript.end());
-    EXPECT_EQ(readBytes(path + L".mln"), mlntest::wallBlock("\r\n"));
+    EXPECT_EQ(fileText(path + L".mln"), mlntest::wallBlock("\r\n"));
 
     kaldo::ScriptInputSource cancelled(std::make_unique<std::istringstream>("^C\n"));
     editor.setInputSource(&cancelled);
     kdml::saveMlnStyle(db.mlineStyleDictionaryId(), L"WALL");
-    EXPECT_EQ(readBytes(path + L".mln"), mlntest::wallBlock("\r\n"));
+    EXPECT_EQ(fileText(path + L".mln"), mlntest::wallBlock("\r\n"));
 }

@@ -3,6 +3,7 @@
 // widgets): both runs must leave the same drawing, profile, style files and
 // transcript. The drawing holds WALL_200MM, current and used by
 // multilines, ROAD_7M, used by none, and STANDARD.
+#include "MlnText.h"
 #include "Scenario.h"
 
 #include "kaldo/dxf/DxfFile.h"
@@ -64,21 +65,15 @@ enum Item : int {
     kPlotDefaultLineWeight = 7014,
 };
 
-// A style block of a .mln file: two elements by layer.
-std::string mlnStyle(const std::string& name, double half)
-{
-    return "MLSTYLE\n2\n " + name + "\n70\n 0\n3\n " + name + " from the file\n62\n 256\n51\n 90\n52\n 90\n71\n 2\n"
-         + "49\n " + std::to_string(half) + "\n62\n 256\n6\n BYLAYER\n49\n " + std::to_string(-half)
-         + "\n62\n 256\n6\n BYLAYER\n0\n";
-}
-
 class DialogScenarios : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
         root_ = new QTemporaryDir;
         styles_ = root() / "styles.mln";
-        std::ofstream(styles_) << mlnStyle("WALL_200MM", 0.1) << mlnStyle("ROAD_7M", 3.5) << mlnStyle("PIPE", 0.05);
+        std::ofstream(styles_) << mlnStyleBlock("WALL_200MM", "WALL_200MM from the file", {0.1, -0.1})
+                               << mlnStyleBlock("ROAD_7M", "ROAD_7M from the file", {3.5, -3.5})
+                               << mlnStyleBlock("PIPE", "PIPE from the file", {0.05, -0.05});
         const std::string mln = styles_.string();
         drawing_ = prepareDrawing("MLSTYLE\nCLICK 1032\nCLICK 1056\n" + mln + "\nSELECT 1058 WALL_200MM\nCLICK 1\n"
                                   "CLICK 1032\nSELECT 1058 ROAD_7M\nCLICK 1\nSELECT 1021 WALL_200MM\nCLICK 1026\n"

@@ -18,18 +18,16 @@ namespace gesture {
 // Where a person clicks a widget: a check box on its box.
 inline QPoint clickPoint(QWidget& widget)
 {
-    if (auto* box = qobject_cast<QCheckBox*>(&widget)) {
+    const auto boxOf = [](QAbstractButton& button, QStyle::SubElement clickRect) {
         QStyleOptionButton option;
-        option.initFrom(box);
-        option.text = box->text();
-        return box->style()->subElementRect(QStyle::SE_CheckBoxClickRect, &option, box).center();
-    }
-    if (auto* radio = qobject_cast<QRadioButton*>(&widget)) {
-        QStyleOptionButton option;
-        option.initFrom(radio);
-        option.text = radio->text();
-        return radio->style()->subElementRect(QStyle::SE_RadioButtonClickRect, &option, radio).center();
-    }
+        option.initFrom(&button);
+        option.text = button.text();
+        return button.style()->subElementRect(clickRect, &option, &button).center();
+    };
+    if (auto* box = qobject_cast<QCheckBox*>(&widget))
+        return boxOf(*box, QStyle::SE_CheckBoxClickRect);
+    if (auto* radio = qobject_cast<QRadioButton*>(&widget))
+        return boxOf(*radio, QStyle::SE_RadioButtonClickRect);
     return widget.rect().center();
 }
 

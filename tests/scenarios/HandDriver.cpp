@@ -93,6 +93,16 @@ QLineEdit* lineEditOf(QWidget* item)
     return qobject_cast<QLineEdit*>(item);
 }
 
+// A click into the edit, all of its text selected and typed over, then the
+// key that leaves it.
+void typeOver(QLineEdit& edit, const QString& text, Qt::Key leaving)
+{
+    QTest::mouseClick(&edit, Qt::LeftButton);
+    QTest::keyClick(&edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(&edit, text);
+    QTest::keyClick(&edit, leaving);
+}
+
 // A person acts on a dialog once it shows and is active.
 bool shown(QWidget& dialog)
 {
@@ -134,13 +144,8 @@ void HandDriver::add(const Step& step)
         break;
     case Step::Kind::Type:
         gestures_.push_back([id, text = step.text](QWidget& dialog) {
-            QLineEdit* edit = lineEditOf(itemOf(dialog, id));
-            if (!edit)
-                return 0;
-            QTest::mouseClick(edit, Qt::LeftButton);
-            QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-            QTest::keyClicks(edit, text);
-            QTest::keyClick(edit, Qt::Key_Tab);
+            if (QLineEdit* edit = lineEditOf(itemOf(dialog, id)))
+                typeOver(*edit, text, Qt::Key_Tab);
             return 0;
         });
         break;
@@ -215,13 +220,8 @@ void HandDriver::add(const Step& step)
         break;
     case Step::Kind::File:
         gestures_.push_back([path = step.text](QWidget& dialog) {
-            if (!qobject_cast<QFileDialog*>(&dialog))
-                return 0;
-            auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-            QTest::mouseClick(edit, Qt::LeftButton);
-            QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-            QTest::keyClicks(edit, path);
-            QTest::keyClick(edit, Qt::Key_Return);
+            if (qobject_cast<QFileDialog*>(&dialog))
+                typeOver(*dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit")), path, Qt::Key_Return);
             return 0;
         });
         break;

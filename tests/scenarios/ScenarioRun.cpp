@@ -1,5 +1,7 @@
+#include "FileText.h"
 #include "HandDriver.h"
 #include "Scenario.h"
+#include "TestApplication.h"
 
 #include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Session.h"
@@ -9,35 +11,14 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QRegularExpression>
 #include <QStringList>
 
-#include <fstream>
 #include <sstream>
 
 namespace scenario {
 
 namespace {
-
-// Lives until the process ends and is never destroyed: QTest's input
-// devices would otherwise be torn down after the application they belong to.
-void application()
-{
-    static int argc = 1;
-    static char name[] = "test_scenarios";
-    static char* argv[] = {name, nullptr};
-    static QApplication* instance = new QApplication(argc, argv);
-    (void)instance;
-}
-
-std::string fileBytes(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
 
 // A session of the staged host and modules whose files are in folder.
 class Run {
@@ -64,7 +45,7 @@ public:
 private:
     static kaldo::SessionPaths paths(const std::filesystem::path& folder)
     {
-        application();
+        testApplication();
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder);
         kaldo::SessionPaths made;
@@ -135,10 +116,10 @@ Outcome run(const Scenario& scenario, const std::filesystem::path& folder, bool 
         outcome.transcript = inFolder(run.transcript(), folder);
         outcome.commandLine = asTypedByAPerson(outcome.transcript);
     }
-    outcome.drawing = fileBytes(folder / "drawing.dxf");
-    outcome.profile = fileBytes(folder / "kaldo.ini");
+    outcome.drawing = fileText(folder / "drawing.dxf");
+    outcome.profile = fileText(folder / "kaldo.ini");
     for (const std::string& name : scenario.writtenFiles)
-        outcome.files.push_back(fileBytes(folder / name));
+        outcome.files.push_back(fileText(folder / name));
     return outcome;
 }
 

@@ -4,16 +4,6 @@ namespace scenario {
 
 namespace {
 
-Step step(Step::Kind kind, int item, const QString& text = {}, int number = 0)
-{
-    Step made;
-    made.kind = kind;
-    made.item = item;
-    made.text = text;
-    made.number = number;
-    return made;
-}
-
 QString scriptLineOf(const Step& step)
 {
     const QString id = QString::number(step.item);
@@ -35,51 +25,47 @@ QString scriptLineOf(const Step& step)
 
 Step command(const QString& line)
 {
-    return step(Step::Kind::Command, 0, line);
+    return {Step::Kind::Command, 0, line};
 }
 
 Step click(int item)
 {
-    return step(Step::Kind::Click, item);
+    return {Step::Kind::Click, item};
 }
 
 Step check(int item, bool on)
 {
-    return step(Step::Kind::Check, item, {}, on ? 1 : 0);
+    return {Step::Kind::Check, item, {}, on ? 1 : 0};
 }
 
 Step type(int item, const QString& text)
 {
-    return step(Step::Kind::Type, item, text);
+    return {Step::Kind::Type, item, text};
 }
 
 Step select(int item, const QString& row, Hand hand)
 {
-    Step made = step(Step::Kind::Select, item, row);
-    made.hand = hand;
-    return made;
+    return {Step::Kind::Select, item, row, 0, hand};
 }
 
 Step doubleClick(int item, const QString& row)
 {
-    return step(Step::Kind::DoubleClick, item, row);
+    return {Step::Kind::DoubleClick, item, row};
 }
 
 Step header(int item, int column)
 {
-    return step(Step::Kind::Header, item, {}, column);
+    return {Step::Kind::Header, item, {}, column};
 }
 
 Step key(int qtKey, const QString& scriptLine)
 {
-    Step made = step(Step::Kind::Key, 0, {}, qtKey);
-    made.scriptLine = scriptLine;
-    return made;
+    return {Step::Kind::Key, 0, {}, qtKey, Hand::Mouse, scriptLine};
 }
 
 Step file(const QString& path)
 {
-    return step(Step::Kind::File, 0, path);
+    return {Step::Kind::File, 0, path};
 }
 
 std::string scriptOf(const std::vector<Step>& steps)

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace scenario {
@@ -15,11 +16,15 @@ enum class Hand { Mouse, Keys, Wheel };
 
 struct Step {
     enum class Kind { Command, Click, Check, Type, Select, DoubleClick, Header, Key, File };
-    Kind kind = Kind::Command;
-    int item = 0;
+    Step(Kind kind, int item, QString text = {}, int number = 0, Hand hand = Hand::Mouse, QString scriptLine = {})
+        : kind(kind), item(item), text(std::move(text)), number(number), hand(hand), scriptLine(std::move(scriptLine))
+    {
+    }
+    Kind kind;
+    int item;
     QString text;  // the command line, the typed text, the row's text, the path
-    int number = 0;  // the check state, the column, the key
-    Hand hand = Hand::Mouse;
+    int number;  // the check state, the column, the key
+    Hand hand;
     QString scriptLine;  // Key: the script line that stands for the key
 };
 

@@ -60,4 +60,28 @@ protected:
         const KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForRead);
         return dictionary->has(name);
     }
+
+    // The style of this name open for reading; null when the drawing lacks it.
+    KxDbObjectPtr<KxDbMlineStyle> openStyle(const wchar_t* name)
+    {
+        const KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForRead);
+        KxDbObject* opened = nullptr;
+        if (dictionary->getAt(name, opened, KxDb::kForRead) != Kald::eOk)
+            opened = nullptr;
+        return KxDbObjectPtr<KxDbMlineStyle>(static_cast<KxDbMlineStyle*>(opened));
+    }
+
+    std::vector<double> offsetsOf(const wchar_t* name)
+    {
+        std::vector<double> offsets;
+        const KxDbObjectPtr<KxDbMlineStyle> style = openStyle(name);
+        for (int i = 0; style && i < style->numElements(); ++i) {
+            double offset = 0.0;
+            KxCmColor color;
+            KxDbObjectId linetype;
+            style->getElementAt(i, offset, color, linetype);
+            offsets.push_back(offset);
+        }
+        return offsets;
+    }
 };

@@ -1,3 +1,4 @@
+#include "FileText.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/util/CrashRecorder.h"
 
@@ -5,18 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <fstream>
-#include <sstream>
 
 namespace {
-
-std::string readReport(const std::filesystem::path& folder)
-{
-    std::ifstream in(folder / "report.txt");
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 int countReports(const std::filesystem::path& crashDir)
 {
@@ -41,20 +32,20 @@ TEST(CrashRecorder, FaultReportWithMessageAndAttachedFile)
     sdk->logMessage(L"Reading a style file failed.");
     sdk->attachFile(attached.wstring().c_str(), L"The file that was being read.");
 
-    const std::string text = readReport(recorder.latestReport());
+    const std::string text = fileText(recorder.latestReport() / "report.txt");
     EXPECT_NE(text.find("Fault 0xc0000005 at mlnfile/reader:441"), std::string::npos) << text;
     EXPECT_NE(text.find("Message: Reading a style file failed."), std::string::npos);
     EXPECT_NE(text.find("The file that was being read."), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(recorder.latestReport() / "broken.mln"));
 
     sdk->attachFile(L"/no/such/file", L"gone");  // a missing attachment is noted, not fatal
-    EXPECT_NE(readReport(recorder.latestReport()).find("could not be copied"), std::string::npos);
+    EXPECT_NE(fileText(recorder.latestReport() / "report.txt").find("could not be copied"), std::string::npos);
     EXPECT_EQ(countReports(root / "crash"), 1);
 
     sdk->receiveError(KdErrorStatus(Kald::eWasOpenForWrite, "db.cpp", 12));
     sdk->receiveError(KdExceptionWithMsg(L"bad name", "dlg.cpp", 34));
     EXPECT_EQ(countReports(root / "crash"), 3);
-    EXPECT_NE(readReport(recorder.latestReport()).find("Error: bad name at dlg.cpp:34"), std::string::npos);
+    EXPECT_NE(fileText(recorder.latestReport() / "report.txt").find("Error: bad name at dlg.cpp:34"), std::string::npos);
     kaldo::host().crashRecorder = nullptr;
     EXPECT_EQ(kaldGetCrashRecorder(), nullptr);
 }
