@@ -15,8 +15,8 @@ std::uint32_t LineLetters::addLine(const QString& text, const std::string& fontF
     const std::lock_guard lock(m_mutex);
     auto font = m_fontIndex.find(fontFile);
     if (font == m_fontIndex.end()) {
-        m_fonts.push_back(fontForFile(fontFile));
-        font = m_fontIndex.emplace(fontFile, std::uint32_t(m_fonts.size() - 1)).first;
+        m_fontFiles.push_back(fontFile);
+        font = m_fontIndex.emplace(fontFile, std::uint32_t(m_fontFiles.size() - 1)).first;
     }
     m_lines.push_back({text, font->second, horizontal});
     return std::uint32_t(m_lines.size() - 1);
@@ -39,7 +39,7 @@ std::size_t LineLetters::laidOutLines() const
 
 std::vector<LaidOutLetter> LineLetters::layOut(const Line& line) const
 {
-    QTextLayout layout(line.text, m_fonts[line.font]);
+    QTextLayout layout(line.text, fontForFile(m_fontFiles[line.font]));
     layout.setCacheEnabled(true);
     layout.beginLayout();
     const QTextLine laidOut = layout.createLine();

@@ -6,7 +6,6 @@
 // laying out is serialised here.
 #pragma once
 
-#include <QFont>
 #include <QRawFont>
 #include <QString>
 
@@ -46,9 +45,10 @@ private:
 
     mutable std::mutex m_mutex;
     std::vector<Line> m_lines;
-    // Fonts by the file they stand for: own copies, as a font is not to be
-    // used by two threads at once.
-    std::vector<QFont> m_fonts;
+    // The font files of the lines. A line is laid out in a font made for
+    // it: a font used by one thread after another rebuilds its engines
+    // each time.
+    std::vector<std::string> m_fontFiles;
     std::map<std::string, std::uint32_t> m_fontIndex;
     mutable std::unordered_map<std::uint32_t, std::vector<LaidOutLetter>> m_laidOut;
     // Glyphs by font (a line may fall back on other fonts) and index.
