@@ -1,10 +1,13 @@
 // What the modify commands cost on large drawings: MOVE of 100 000
 // multilines selected by one window (the window's query of the pick index
 // the previous move kept up to date, each multiline opened for write with
-// its undo copy and moved, the step closed), and its parts (a window after
-// other changes measures every entity anew); a grip drag's
+// its vertex positions recorded for undo and moved, the step closed), U
+// and REDO of such a move (and what one move costs in memory at its peak,
+// the step it leaves held), and its parts (a window after other changes
+// measures every entity anew); a grip drag's
 // frame on a multiline of 10 000 vertices (one vertex stretched on the
 // drag's copy, and that copy drawn).
+#include "PeakMemory.h"
 #include "ZigzagMultilines.h"
 #include "kaldo/app/EntityEdits.h"
 #include "kaldo/core/Host.h"
@@ -43,6 +46,30 @@ void BM_MoveOfAWindowOfMultilines(benchmark::State& state)
     kaldo::host().database = nullptr;
 }
 BENCHMARK(BM_MoveOfAWindowOfMultilines)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// U and REDO of a MOVE of 100 000 multilines; the memory of that move at
+// its peak (its step held after it) and what the undo history counts for
+// the step.
+void BM_UndoAndRedoOfAMove(benchmark::State& state)
+{
+    const std::unique_ptr<KxDbDatabase> db = buildZigzagMultilines(kMultilines);
+    kaldo::host().database = db.get();
+    kaldo::PickIndex index;
+    const std::vector<KxDbObjectId> ids = index.inside(*db, kEverything);
+    resetPeakMemory();
+    const double drawingMegabytes = residentMegabytes();
+    db->undoHistory().beginStep(L"MOVE");
+    kaldo::moveEntities(ids, {1, 0, 0}, index);
+    db->undoHistory().endStep();
+    state.counters["move_peak_MB"] = peakMegabytes() - drawingMegabytes;
+    state.counters["step_MB"] = double(db->undoHistory().bytes()) / (1 << 20);
+    for (auto _ : state) {
+        db->undoHistory().undo(1);
+        db->undoHistory().redo();
+    }
+    kaldo::host().database = nullptr;
+}
+BENCHMARK(BM_UndoAndRedoOfAMove)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_WindowSelectionAfterAChange(benchmark::State& state)
 {

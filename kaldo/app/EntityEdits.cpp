@@ -2,7 +2,9 @@
 
 #include "kaldo/core/Host.h"
 #include "kaldo/db/EntityKinds.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kaldo/ed/PickIndex.h"
+#include "kaldo/util/Translations.h"
 #include "kxdb.h"
 #include "kxed.h"
 
@@ -43,11 +45,16 @@ EditTally transformEntities(std::span<const KxDbObjectId> ids, const KxGeMatrix3
 {
     EditTally tally;
     KxDbDatabase* db = host().database;
+    // A translation opens each entity for what it changes: the undo history
+    // then keeps a multiline's positions, not a copy of it.
+    const bool translation = isTranslation(m);
     for (const KxDbObjectId& id : ids) {
-        KxDbObjectPtr<KxDbEntity> entity(id, copies ? KxDb::kForRead : KxDb::kForWrite);
+        KxDbObjectPtr<KxDbEntity> entity(id, copies || translation ? KxDb::kForRead : KxDb::kForWrite);
         if (!entity)
             continue;
         if (!copies) {
+            if (translation && upgradeOpenToTranslate(*entity) != Kald::eOk)
+                continue;
             if (entity->transformBy(m) == Kald::eOk) {
                 ++tally.changed;
                 tally.transformed.push_back(id);
@@ -103,11 +110,11 @@ EditTally stretchEntities(const SelectionSet& set, const KxGeVector3d& offset)
             ++tally.unchanged[entityKindName(*entity)];
             continue;
         }
-        if (indices.empty() || entity->upgradeOpen() != Kald::eOk)
+        const bool whole = indices.size() == points.size();
+        if (indices.empty() || (whole ? upgradeOpenToTranslate(*entity) : entity->upgradeOpen()) != Kald::eOk)
             continue;
-        const Kald::ErrorStatus es = indices.size() == points.size()
-            ? entity->transformBy(KxGeMatrix3d::translation(offset))
-            : entity->moveStretchPointsAt(indices, offset);
+        const Kald::ErrorStatus es = whole ? entity->transformBy(KxGeMatrix3d::translation(offset))
+                                           : entity->moveStretchPointsAt(indices, offset);
         if (es == Kald::eOk)
             ++tally.changed;
         else

@@ -144,7 +144,7 @@ Kald::ErrorStatus KxDbEntity::setLineWeight(int weight, bool)
     constexpr int kHeaviest = 211;
     if (weight < KxDb::kLnWtByLwDefault || weight > kHeaviest)
         return Kald::eInvalidInput;
-    m_lineWeight = weight;
+    m_lineWeight = std::int16_t(weight);
     return Kald::eOk;
 }
 

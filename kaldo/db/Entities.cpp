@@ -11,7 +11,8 @@ KX_RX_DEFINE_MEMBERS(KxDbPolyline, KxDbEntity)
 
 namespace {
 
-Kald::ErrorStatus checkedNormal(const KxGeVector3d& normal, KxGeVector3d& out)
+template <class Normal>
+Kald::ErrorStatus checkedNormal(const KxGeVector3d& normal, Normal& out)
 {
     if (normal.length() <= kxGeTolerance)
         return Kald::eInvalidInput;

@@ -20,7 +20,7 @@ std::wstring entityKindName(const KxDbEntity& entity)
     if (KxDbMline::cast(&entity))
         return L"MLINE";
     if (const auto* record = KxDbUnmodelledEntity::cast(&entity))
-        return kxutFromMultiByte(record->dxfName());
+        return kxutFromMultiByte(std::string(record->dxfName()));
     return entity.isA()->name();
 }
 

@@ -12,6 +12,7 @@
 #include "kaldo/db/FiniteValues.h"
 #include "kaldo/db/MlineGeometry.h"
 #include "kaldo/db/MlineRuns.h"
+#include "kaldo/util/Translations.h"
 
 namespace {
 
@@ -46,6 +47,16 @@ void sortUnique(std::vector<int>& values)
 
 Kald::ErrorStatus KxDbMline::transformBy(const KxGeMatrix3d& m)
 {
+    // A translation changes the positions alone, so that the undo history
+    // may keep only those for it (UndoHistory::upgradeOpenToTranslate).
+    if (kaldo::isTranslation(m)) {
+        const KxGeVector3d offset = kaldo::translationOf(m);
+        if (!std::ranges::all_of(m_vertices, [&](const Vertex& v) { return isFinite(v.position + offset); }))
+            return Kald::eInvalidInput;
+        for (Vertex& v : m_vertices)
+            v.position = v.position + offset;
+        return Kald::eOk;
+    }
     const double k = m.uniformScale();
     if (k == 0)
         return Kald::eInvalidInput;

@@ -60,9 +60,9 @@ std::size_t contentBytes(const KxDbObject& obj)
     if (const auto* record = KxDbSymbolTableRecord::cast(&obj))
         return record->name().size() * sizeof(wchar_t);
     if (const auto* record = KxDbUnmodelledObject::cast(&obj))
-        return record->packedGroups().byteSize();
+        return record->byteSize();
     if (const auto* record = KxDbUnmodelledEntity::cast(&obj))
-        return record->packedGroups().byteSize();
+        return record->byteSize();
     return 0;
 }
 

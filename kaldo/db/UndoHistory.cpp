@@ -6,6 +6,7 @@
 
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/StateBytes.h"
+#include "kxdbmline.h"
 #include "kxdbsymtb.h"
 
 namespace kaldo {
@@ -42,7 +43,47 @@ void UndoHistory::endStep()
 
 bool UndoHistory::firstRecordOf(const KxDbObject& obj)
 {
-    return recording() && obj.database() == &m_db && m_recorded.insert(obj.objectId().asOldId()).second;
+    if (!recording() || obj.database() != &m_db)
+        return false;
+    const auto [recorded, first] = m_recorded.try_emplace(obj.objectId().asOldId(), false);
+    if (first)
+        return true;
+    // Recorded by its positions alone: the whole state goes after them.
+    return std::exchange(recorded->second, false);
+}
+
+bool UndoHistory::recordPositions(const KxDbEntity& entity)
+{
+    const KxDbMline* mline = KxDbMline::cast(&entity);
+    if (!mline || !recording() || entity.database() != &m_db)
+        return false;
+    // Recorded before in this step, in whatever way: that covers a move.
+    if (!m_recorded.try_emplace(entity.objectId().asOldId(), true).second)
+        return true;
+    ObjectRecord record;
+    record.id = entity.objectId();
+    record.kind = ObjectRecord::Kind::Positions;
+    record.firstPosition = m_open.positions.size();
+    record.positionCount = std::size_t(mline->numVertices());
+    for (int v = 0; v < mline->numVertices(); ++v)
+        m_open.positions.push_back(mline->vertexAt(v));
+    m_open.objects.push_back(std::move(record));
+    return true;
+}
+
+Kald::ErrorStatus UndoHistory::upgradeOpenToTranslate(KxDbEntity& entity)
+{
+    KxDbObject& object = entity;
+    if (object.isWriteEnabled())
+        return Kald::eOk;
+    if (object.m_readers != 1)
+        return Kald::eWasOpenForRead;
+    object.m_readers = 0;
+    object.m_openForWrite = true;
+    if (!recordPositions(entity))
+        recordBefore(entity);
+    m_db.noteChange();
+    return Kald::eOk;
 }
 
 std::optional<std::size_t> UndoHistory::listedCount(const KxDbObject& obj)
@@ -69,7 +110,8 @@ std::size_t UndoHistory::bytesOf(const ObjectRecord& record)
 
 std::size_t UndoHistory::Step::ownBytes() const
 {
-    return sizeof(Step) + name.capacity() * sizeof(wchar_t) + objects.capacity() * sizeof(ObjectRecord);
+    return sizeof(Step) + name.capacity() * sizeof(wchar_t) + objects.capacity() * sizeof(ObjectRecord)
+        + positions.capacity() * sizeof(KxGePoint3d);
 }
 
 void UndoHistory::addBytes(std::size_t bytes)
@@ -116,6 +158,7 @@ void UndoHistory::keepOpenStep()
 {
     clearRedo();
     m_open.objects.shrink_to_fit();
+    m_open.positions.shrink_to_fit();
     addBytes(m_open.ownBytes());
     m_undo.push_back(std::move(m_open));
     m_open = Step{};
@@ -153,7 +196,7 @@ void UndoHistory::mark()
     }
 }
 
-void UndoHistory::exchange(ObjectRecord& record)
+void UndoHistory::exchange(ObjectRecord& record, std::span<KxGePoint3d> positions)
 {
     using Kind = ObjectRecord::Kind;
     switch (record.kind) {
@@ -183,6 +226,20 @@ void UndoHistory::exchange(ObjectRecord& record)
             exchangeListedTail(*live, *record.listed, record.listedTail);
         break;
     }
+    case Kind::Positions: {
+        KxDbObject* live = lookupObject(record.id);
+        const KxDbMline* mline = KxDbMline::cast(live);
+        if (!mline || std::size_t(mline->numVertices()) != record.positionCount)
+            return;
+        const std::span<KxGePoint3d> recorded = positions.subspan(record.firstPosition, record.positionCount);
+        KxGePoint3dArray current;
+        current.reserve(recorded.size());
+        for (int v = 0; v < mline->numVertices(); ++v)
+            current.push_back(mline->vertexAt(v));
+        KxDbSystemInternals::getImpObject(live)->appendSegments(KxGePoint3dArray(recorded.begin(), recorded.end()));
+        std::ranges::copy(current, recorded.begin());
+        break;
+    }
     }
     record.bytes = bytesOf(record);
 }
@@ -194,12 +251,14 @@ void UndoHistory::exchange(Step& step, bool backwards)
     // States first and added objects after when going back, the other way
     // round when going forward: added objects are present while the states
     // are exchanged.
-    const auto isState = [](const ObjectRecord& record) { return record.kind == ObjectRecord::Kind::Copy; };
+    const auto isState = [](const ObjectRecord& record) {
+        return record.kind == ObjectRecord::Kind::Copy || record.kind == ObjectRecord::Kind::Positions;
+    };
     const auto exchangeWhere = [&](bool states) {
         const auto exchangeOne = [&](ObjectRecord& record) {
             if (isState(record) != states)
                 return;
-            exchange(record);
+            exchange(record, step.positions);
             step.bytes += record.bytes;
         };
         if (backwards)
@@ -273,6 +332,13 @@ void recordBeforeChange(KxDbObject& obj)
 {
     if (KxDbDatabase* db = obj.database())
         db->undoHistory().recordBefore(obj);
+}
+
+Kald::ErrorStatus upgradeOpenToTranslate(KxDbEntity& entity)
+{
+    if (KxDbDatabase* db = entity.database())
+        return db->undoHistory().upgradeOpenToTranslate(entity);
+    return entity.upgradeOpen();
 }
 
 }  // namespace kaldo

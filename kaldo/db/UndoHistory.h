@@ -9,6 +9,13 @@
 // them changes. A step is one command; a step that recorded nothing is
 // dropped, and one that recorded something clears what could be redone.
 //
+// A multiline that is only translated keeps its vertex positions, not a
+// copy: a translation changes nothing else of it (KxDbMline::transformBy),
+// and exchanging the positions back restores it bit for bit. Should the
+// step change it otherwise later, its whole state is copied then, after the
+// positions, so that taking the step back (in reverse order) still ends
+// with the positions.
+//
 // A table's records and a block's entities are no part of the copy: these
 // lists only grow by appending, so the record keeps how many ids the list
 // held, and taking the step back cuts what came after (and keeps it to put
@@ -33,11 +40,13 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 #include "kxdbdatabase.h"
+#include "kxdbobject.h"
 
 namespace kaldo {
 
@@ -62,6 +71,11 @@ public:
     void recordBefore(KxDbObject& obj);
     void recordAdded(KxDbObject& obj);
     void recordHeader();
+
+    // As upgradeOpen, for an entity that is about to be translated (and
+    // changed no other way while open): a multiline has its vertex
+    // positions recorded instead of a copy.
+    Kald::ErrorStatus upgradeOpenToTranslate(KxDbEntity& entity);
 
     // Places a mark after the latest step.
     void mark();
@@ -97,7 +111,7 @@ private:
     std::vector<std::wstring> takeBack(int count, bool stopAtMark);
 
     struct ObjectRecord {
-        enum class Kind { Absent, Copy, Detached };
+        enum class Kind { Absent, Copy, Detached, Positions };
         KxDbObjectId id;
         Kind kind = Kind::Absent;
         // The copy (Copy) or the object taken out of the database (Detached).
@@ -108,12 +122,17 @@ private:
         // and the ids the next exchange appends after them.
         std::optional<std::size_t> listed;
         std::vector<KxDbObjectId> listedTail;
+        // Positions: where the multiline's vertex positions lie in the
+        // step's list of positions.
+        std::size_t firstPosition = 0;
+        std::size_t positionCount = 0;
         std::size_t bytes = 0;
     };
     struct Step {
         std::wstring name;
         bool mark = false;
         std::vector<ObjectRecord> objects;
+        std::vector<KxGePoint3d> positions;  // of the Positions records
         std::optional<KxDbDatabase::Header> header;
         std::size_t bytes = 0;
         // What the step holds besides the states its records point to.
@@ -122,10 +141,12 @@ private:
 
     bool recording() const { return m_depth > 0 && m_paused == 0; }
     bool firstRecordOf(const KxDbObject& obj);
+    // Records a multiline's vertex positions; false for other entities.
+    bool recordPositions(const KxDbEntity& entity);
     static std::optional<std::size_t> listedCount(const KxDbObject& obj);
     static void exchangeListedTail(KxDbObject& obj, std::size_t keep, std::vector<KxDbObjectId>& tail);
     static std::size_t bytesOf(const ObjectRecord& record);
-    void exchange(ObjectRecord& record);
+    void exchange(ObjectRecord& record, std::span<KxGePoint3d> positions);
     void addBytes(std::size_t bytes);
     // Undoes (backwards) or redoes a step; the step then records the state
     // it replaced.
@@ -142,7 +163,8 @@ private:
     // handle seed a step brings back never falls below it.
     std::uint64_t m_handleFloor = 0;
     Step m_open;
-    std::unordered_set<std::uint64_t> m_recorded;  // ids recorded in the open step
+    // Ids recorded in the open step, true where by their positions alone.
+    std::unordered_map<std::uint64_t, bool> m_recorded;
     std::deque<Step> m_undo;                        // oldest first
     std::vector<std::vector<Step>> m_redo;          // per take-back, in the order taken back
     std::size_t m_bytes = 0;
@@ -151,5 +173,8 @@ private:
 // Records obj before a change made without opening it for write; nothing
 // for an object in no database.
 void recordBeforeChange(KxDbObject& obj);
+// UndoHistory::upgradeOpenToTranslate of the entity's drawing (upgradeOpen
+// for an entity in none).
+Kald::ErrorStatus upgradeOpenToTranslate(KxDbEntity& entity);
 
 }  // namespace kaldo

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cerrno>
 #include <cstring>
+#include <emmintrin.h>
 #include <limits>
 
 namespace kaldo::dxf {
@@ -16,25 +17,32 @@ namespace kaldo::dxf {
 namespace {
 constexpr std::size_t kBlockSize = 1 << 20;
 
-// The first line feed or carriage return from p on, or end: eight bytes
-// at a time, as most values are longer than a few characters.
-const char* lineEnd(const char* p, const char* const end)
+// The first line feed or carriage return from p on, or end: sixteen bytes
+// at a time, as most values are longer than a few characters and shorter
+// than sixteen. On the way, marked tells whether a byte before it has its
+// high bit set or is a backslash: only a value with such a byte may need
+// decoding.
+const char* lineEnd(const char* p, const char* const end, bool& marked)
 {
-    constexpr std::uint64_t kOnes = 0x0101010101010101u;
-    constexpr std::uint64_t kHighs = 0x8080808080808080u;
-    while (end - p >= 8) {
-        std::uint64_t word;
-        std::memcpy(&word, p, 8);
-        const std::uint64_t feeds = word ^ (kOnes * '\n');
-        const std::uint64_t returns = word ^ (kOnes * '\r');
-        // A byte of either is zero: its high bit is the lowest one set.
-        const std::uint64_t found = (((feeds - kOnes) & ~feeds) | ((returns - kOnes) & ~returns)) & kHighs;
-        if (found)
-            return p + std::countr_zero(found) / 8;
-        p += 8;
+    const __m128i feeds = _mm_set1_epi8('\n');
+    const __m128i returns = _mm_set1_epi8('\r');
+    const __m128i backslashes = _mm_set1_epi8('\\');
+    unsigned marks = 0;
+    for (; end - p >= 16; p += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const unsigned found = unsigned(
+            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, feeds), _mm_cmpeq_epi8(bytes, returns))));
+        // The high bit of each byte, set for itself or for a backslash.
+        const unsigned chunkMarks = unsigned(_mm_movemask_epi8(_mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, backslashes))));
+        if (found) {
+            marked = (marks | (chunkMarks & ((found & -found) - 1))) != 0;
+            return p + std::countr_zero(found);
+        }
+        marks |= chunkMarks;
     }
-    while (p < end && *p != '\n' && *p != '\r')
-        ++p;
+    for (; p < end && *p != '\n' && *p != '\r'; ++p)
+        marks |= (*p & 0x80) != 0 || *p == '\\';
+    marked = marks != 0;
     return p;
 }
 }  // namespace
@@ -79,7 +87,8 @@ bool GroupReader::readLine(std::string_view& line)
 {
     for (;;) {
         // One pass to the first line feed or carriage return: lines are short.
-        const char* const stop = lineEnd(begin_, end_);
+        bool marked = false;
+        const char* const stop = lineEnd(begin_, end_, marked);
         const bool more = file_ && !eof_;
         // A carriage return ends a line, alone or with the line feed after
         // it; one at the end of what is read so far waits for the next byte.
@@ -173,12 +182,18 @@ bool GroupReader::nextPlain(Group& group)
     }
     const char* const value = p + 1;
     // Most values are one character ("0", "8"): no need to search for their end.
-    const char* const stop = end_ - value >= 2 && value[1] == '\n' && value[0] != '\n' && value[0] != '\r'
-                                 ? value + 1
-                                 : lineEnd(value, end_);
+    bool marked = false;
+    const char* stop = nullptr;
+    if (end_ - value >= 2 && value[1] == '\n' && value[0] != '\n' && value[0] != '\r') {
+        stop = value + 1;
+        marked = (value[0] & 0x80) != 0 || value[0] == '\\';
+    } else {
+        stop = lineEnd(value, end_, marked);
+    }
     if (stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
         return false;
-    const Group read{code, decoded(std::string_view(value, std::size_t(stop - value))), lineNumber_ + 1};
+    const std::string_view text(value, std::size_t(stop - value));
+    const Group read{code, marked ? decoded(text) : text, lineNumber_ + 1};
     begin_ = stop + 1;
     lineNumber_ += 2;
     current_ = read;
@@ -221,41 +236,6 @@ namespace {
                                        + std::string(group.value.substr(0, 40)) + "\".");
 }
 
-// Whether the eight bytes at p are all decimal digits; if so, the number
-// they spell. Three multiplications join them pairwise (1-2-4-8 digits)
-// instead of eight steps of one.
-bool readEightDigits(const char* p, std::uint64_t& value)
-{
-    std::uint64_t word;
-    std::memcpy(&word, p, 8);
-    // Every byte is 0x30 to 0x39: its high half is 3, and stays 3 when 6 is added.
-    constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0u;
-    constexpr std::uint64_t kThrees = 0x3030303030303030u;
-    if ((word & kHighHalves) != kThrees || ((word + 0x0606060606060606u) & kHighHalves) != kThrees)
-        return false;
-    // The first digit is the lowest byte (little-endian).
-    static_assert(std::endian::native == std::endian::little);
-    word = (word & 0x0F0F0F0F0F0F0F0Fu) * (10 * 256 + 1) >> 8;
-    word = (word & 0x00FF00FF00FF00FFu) * (100 * 65536 + 1) >> 16;
-    value = (word & 0x0000FFFF0000FFFFu) * (10000 * (std::uint64_t(1) << 32) + 1) >> 32;
-    return true;
-}
-
-// Adds the digits from p on to digits, while count stays within most;
-// eight at a time while eight more fit. Returns where the digits end.
-[[gnu::always_inline]] inline const char* readDigits(const char* p, const char* const end, std::uint64_t& digits, int& count, const int most)
-{
-    std::uint64_t eight = 0;
-    while (end - p >= 8 && count + 8 <= most && readEightDigits(p, eight)) {
-        digits = digits * 100000000u + eight;
-        p += 8;
-        count += 8;
-    }
-    for (; p < end && *p >= '0' && *p <= '9' && count < most; ++p, ++count)
-        digits = digits * 10 + std::uint64_t(*p - '0');
-    return p;
-}
-
 // digits / 10^power rounded correctly to a double, for digits above 2^53
 // ("-1.3333333333333335" has 17): both are exact in the 64-bit significand
 // of long double, so the quotient is rounded once to 64 bits, then to 53.
@@ -282,7 +262,9 @@ bool divideRounded(std::uint64_t digits, int power, double& value)
 // 2^53, that number and the power of ten are exact, so one division gives
 // the correctly rounded value, the same one from_chars gives, in a fraction
 // of its time; above, divideRounded. False, with value untouched, for any
-// other text.
+// other text. One pass of a byte a step: loops that end at the point or
+// take eight digits at once branch on the varying lengths of values and
+// cost more than they save.
 bool readPlainDecimal(std::string_view text, double& value)
 {
     static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
@@ -293,23 +275,27 @@ bool readPlainDecimal(std::string_view text, double& value)
     const bool negative = p < end && *p == '-';
     if (negative)
         ++p;
+    const char* const first = p;
+    const char* point = nullptr;
+    // More digits than fit wrap around here, but such texts are refused below.
     std::uint64_t digits = 0;
-    int count = 0;
-    p = readDigits(p, end, digits, count, kMostDigits);
-    if (count == 0)
-        return false;
-    const int whole = count;
-    if (p < end && *p == '.') {
-        p = readDigits(p + 1, end, digits, count, kMostDigits);
-        if (count == whole)
+    for (; p < end; ++p) {
+        const unsigned digit = unsigned(*p) - '0';
+        if (digit < 10)
+            digits = digits * 10 + digit;
+        else if (*p == '.' && !point)
+            point = p;
+        else
             return false;
     }
-    if (p != end)
+    const int fractional = point ? int(end - point - 1) : 0;
+    const int count = int(end - first) - (point ? 1 : 0);
+    if (count > kMostDigits || count == fractional || (point && fractional == 0))
         return false;
     double magnitude = 0;
     if (digits <= (std::uint64_t(1) << 53))
-        magnitude = double(digits) / kPowersOfTen[count - whole];
-    else if (!divideRounded(digits, count - whole, magnitude))
+        magnitude = double(digits) / kPowersOfTen[fractional];
+    else if (!divideRounded(digits, fractional, magnitude))
         return false;
     value = negative ? -magnitude : magnitude;
     return true;
@@ -357,9 +343,21 @@ std::int64_t toInteger(const Group& group)
 
 bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest)
 {
+    // Hexadecimal digits of either case, as from_chars reads them, a step
+    // a digit without its general paths: every record has a handle or two.
     text = trimmed(text);
-    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), handle, 16);
-    return !text.empty() && ec == std::errc() && end == text.data() + text.size() && handle <= highest;
+    std::uint64_t value = 0;
+    for (const char c : text) {
+        const unsigned decimal = unsigned(c) - '0';
+        const unsigned letter = (unsigned(c) | 0x20u) - 'a';
+        const unsigned digit = decimal < 10 ? decimal : letter < 6 ? letter + 10 : 16;
+        // A digit more would carry out of 64 bits.
+        if (digit == 16 || value >> 60 != 0)
+            return false;
+        value = value << 4 | digit;
+    }
+    handle = value;
+    return !text.empty() && value <= highest;
 }
 
 std::uint64_t toHandle(const Group& group, std::uint64_t highest)

@@ -410,7 +410,7 @@ private:
     // and their SEQEND go unwritten and uncounted.
     void writeKept(const KxDbUnmodelledEntity& kept, bool paper)
     {
-        const std::string& kind = kept.dxfName();
+        const std::string kind(kept.dxfName());
         if (skippingAttributes_) {
             skippingAttributes_ = kind == "ATTRIB";
             if (kind == "ATTRIB" || kind == "SEQEND")

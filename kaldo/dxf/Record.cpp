@@ -29,15 +29,14 @@ void Record::read(GroupReader& reader, const Group& head)
     }
 }
 
-KxDbPackedGroups Record::packedGroups() const
+KxDbPackedGroupsView Record::packedGroups() const
 {
-    KxDbPackedGroups groups;
+    packed_.clear();
     for (std::size_t i = 0; i < size_; ++i) {
         const Group g = at(i);
-        groups.append(g.code, 0, g.value);
+        packed_.append(g.code, 0, g.value);
     }
-    groups.shrink();
-    return groups;
+    return packed_.view();
 }
 
 }  // namespace kaldo::dxf

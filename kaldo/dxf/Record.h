@@ -28,8 +28,9 @@ public:
         const std::size_t end = index + 1 < size_ ? fields_[index + 1].offset : used_;
         return Group{f.code, std::string_view(text_).substr(f.offset, end - f.offset), line_ + long(f.lineAfterHead)};
     }
-    // Every group as read, packed, for a record that is kept whole.
-    KxDbPackedGroups packedGroups() const;
+    // Every group as read, packed, for a record that is kept whole; valid
+    // until the next call.
+    KxDbPackedGroupsView packedGroups() const;
 
 private:
     // Values live one after the other in text_, reused from record to
@@ -49,6 +50,7 @@ private:
     std::size_t size_ = 0;
     std::string text_;
     std::size_t used_ = 0;
+    mutable KxDbPackedGroups packed_;
 };
 
 // The handle, owner and unmodelled groups of a record being taken apart.

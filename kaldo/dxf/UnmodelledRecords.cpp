@@ -24,7 +24,7 @@ RecordBasics rawRecordBasics(const Record& record)
     return basics;
 }
 
-void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const KxDbPackedGroups& groups,
+void writeUnmodelledRecord(GroupWriter& w, std::string_view kind, KxDbPackedGroupsView groups,
                            std::uint64_t handle, std::uint64_t owner)
 {
     bool hasHandle = false;

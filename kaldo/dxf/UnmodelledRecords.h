@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "kaldo/dxf/Record.h"
@@ -19,7 +20,7 @@ RecordBasics rawRecordBasics(const Record& record);
 
 // owner, when not 0, is written after the handle if the record names no
 // owner (an entity of an R12 file has none; the 2000 form needs it).
-void writeUnmodelledRecord(GroupWriter& w, const std::string& kind, const KxDbPackedGroups& groups,
+void writeUnmodelledRecord(GroupWriter& w, std::string_view kind, KxDbPackedGroupsView groups,
                            std::uint64_t handle, std::uint64_t owner = 0);
 
 }  // namespace kaldo::dxf

@@ -140,13 +140,13 @@ public:
             drawPolyline(*polyline, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
         else if (const auto* record = KxDbUnmodelledEntity::cast(&entity))
             if (!drawRecord(*record, layer) && m_pass.notes)
-                m_pass.notes->undrawnKinds.insert(record->dxfName());
+                m_pass.notes->undrawnKinds.insert(std::string(record->dxfName()));
     }
 
 private:
     bool drawRecord(const KxDbUnmodelledEntity& record, const LayerLook& layer)
     {
-        const std::string& kind = record.dxfName();
+        const std::string_view kind = record.dxfName();
         const auto& groups = record.groups();
         const int pen = m_pens.pen(record.color(), record.linetypeId(), layer);
         if (kind == "TEXT")

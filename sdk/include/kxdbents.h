@@ -1,10 +1,43 @@
 // Simple entities: lines, arcs, circles and light-weight polylines.
 #pragma once
 
+#include <cstring>
+#include <memory>
 #include <vector>
 
 #include "kxdbobject.h"
 #include "kxgematrix.h"
+
+// The normal of a line, an arc, a circle or a polyline: almost always the z axis, so
+// only another direction takes room (eight bytes where a vector takes 24).
+class KxDbEntityNormal {
+public:
+    KxDbEntityNormal() = default;
+    KxDbEntityNormal(const KxGeVector3d& normal) { *this = normal; }
+    KxDbEntityNormal(const KxDbEntityNormal& other) { *this = other.get(); }
+    KxDbEntityNormal& operator=(const KxDbEntityNormal& other) { return *this = other.get(); }
+    KxDbEntityNormal& operator=(const KxGeVector3d& normal)
+    {
+        // The z axis bit for bit: a normal of -0 components keeps its sign.
+        if (std::memcmp(&normal, &zAxis(), sizeof normal) == 0)
+            m_other.reset();
+        else if (m_other)
+            *m_other = normal;
+        else
+            m_other = std::make_unique<KxGeVector3d>(normal);
+        return *this;
+    }
+    const KxGeVector3d& get() const { return m_other ? *m_other : zAxis(); }
+    operator const KxGeVector3d&() const { return get(); }
+
+private:
+    static const KxGeVector3d& zAxis()
+    {
+        static const KxGeVector3d axis(0, 0, 1);
+        return axis;
+    }
+    std::unique_ptr<KxGeVector3d> m_other;
+};
 
 class KxDbLine : public KxDbEntity {
 public:
@@ -30,7 +63,7 @@ public:
 private:
     KxGePoint3d m_start;
     KxGePoint3d m_end;
-    KxGeVector3d m_normal{0, 0, 1};
+    KxDbEntityNormal m_normal;
 };
 
 // An arc in the plane of its normal: centre in world coordinates, angles
@@ -76,7 +109,7 @@ public:
 
 private:
     KxGePoint3d m_center;
-    KxGeVector3d m_normal{0, 0, 1};
+    KxDbEntityNormal m_normal;
     double m_radius = 0;
     double m_startAngle = 0;
     double m_endAngle = 0;
@@ -105,7 +138,7 @@ public:
 
 private:
     KxGePoint3d m_center;
-    KxGeVector3d m_normal{0, 0, 1};
+    KxDbEntityNormal m_normal;
     double m_radius = 0;
 };
 
@@ -173,7 +206,7 @@ private:
     };
     std::vector<Position> m_positions;
     std::vector<Shape> m_shapes;
-    KxGeVector3d m_normal{0, 0, 1};
+    KxDbEntityNormal m_normal;
     double m_constantWidth = 0;
     double m_elevation = 0;
     double m_thickness = 0;

@@ -104,9 +104,10 @@ private:
     // Held only when there are any: most objects keep none.
     std::unique_ptr<std::vector<KxDbFileGroup>> m_keptGroups;
     std::uint64_t m_handle = 0;
+    int m_readers = 0;
+    // Last, so that an entity's lineweight fits in the bytes after them.
     bool m_erased = false;
     bool m_openForWrite = false;
-    int m_readers = 0;
 };
 
 // An object that draws: it has a layer, a colour and a linetype.
@@ -158,10 +159,11 @@ protected:
     virtual void subSetDatabaseDefaults(KxDbDatabase* db);
 
 private:
+    // First, in the room an object leaves after its last flag.
+    std::int16_t m_lineWeight = KxDb::kLnWtByLayer;
     KxDbObjectId m_layer;
     KxCmColor m_color;
     KxDbObjectId m_linetype;
-    int m_lineWeight = KxDb::kLnWtByLayer;
     double m_linetypeScale = 1.0;
 };
 

@@ -5,28 +5,25 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "kxdbobject.h"
 
-// The groups of a file record packed one after another in one string: per
-// group its code (two bytes), its part (one byte), the length of its value
-// (one byte below 128, else more) and the value's bytes. A record of many
-// short values costs about what the file spends on it, where a group object
-// per value costs several times as much.
-class KxDbPackedGroups {
+// The groups of a file record packed one after another: per group its code
+// (two bytes), its part (one byte), the length of its value (one byte below
+// 128, else more) and the value's bytes. A record of many short values costs
+// about what the file spends on it, where a group object per value costs
+// several times as much. A view reads them where they lie.
+class KxDbPackedGroupsView {
 public:
-    KxDbPackedGroups() = default;
-    explicit KxDbPackedGroups(const std::vector<KxDbFileGroup>& groups);
+    KxDbPackedGroupsView() = default;
+    explicit KxDbPackedGroupsView(std::string_view bytes) : m_bytes(bytes) {}
 
-    void append(int code, std::uint8_t part, std::string_view value);
     bool empty() const { return m_bytes.empty(); }
-    // The bytes held, for the host's accounting of memory.
-    std::size_t byteSize() const { return m_bytes.capacity(); }
-    // Gives back room reserved beyond what the groups need.
-    void shrink() { m_bytes.shrink_to_fit(); }
+    std::string_view bytes() const { return m_bytes; }
 
     // Calls visit(code, part, value) for every group, in order.
     template <class Visit>
@@ -50,39 +47,56 @@ public:
     }
     std::vector<KxDbFileGroup> unpacked() const;
 
-    friend bool operator==(const KxDbPackedGroups&, const KxDbPackedGroups&) = default;
+private:
+    std::string_view m_bytes;
+};
+
+// Packs groups one after another, as KxDbPackedGroupsView reads them.
+class KxDbPackedGroups {
+public:
+    KxDbPackedGroups() = default;
+    explicit KxDbPackedGroups(const std::vector<KxDbFileGroup>& groups);
+
+    void append(int code, std::uint8_t part, std::string_view value);
+    // Drops the groups and keeps the room, to pack the next record.
+    void clear() { m_bytes.clear(); }
+    KxDbPackedGroupsView view() const { return KxDbPackedGroupsView(m_bytes); }
 
 private:
     std::string m_bytes;
 };
 
 // The kind and groups of an unmodelled record, shared by objects and
-// entities.
+// entities: the kind and the packed groups lie in one allocation, eight
+// bytes in the object, so that a drawing of many small records costs
+// little more than their bytes.
 class KxDbUnmodelledRecord {
 public:
     KxDbUnmodelledRecord() = default;
-    KxDbUnmodelledRecord(std::string dxfName, const std::vector<KxDbFileGroup>& groups)
-        : m_dxfName(std::move(dxfName)), m_groups(groups)
+    KxDbUnmodelledRecord(std::string_view dxfName, const std::vector<KxDbFileGroup>& groups)
+        : KxDbUnmodelledRecord(dxfName, KxDbPackedGroups(groups).view())
     {
     }
-    KxDbUnmodelledRecord(std::string dxfName, KxDbPackedGroups groups)
-        : m_dxfName(std::move(dxfName)), m_groups(std::move(groups))
-    {
-    }
+    KxDbUnmodelledRecord(std::string_view dxfName, KxDbPackedGroupsView groups);
+    KxDbUnmodelledRecord(const KxDbUnmodelledRecord& other);
+    KxDbUnmodelledRecord& operator=(const KxDbUnmodelledRecord& other);
 
     // The record's kind as the file names it ("LAYOUT", "XRECORD", ...).
-    const std::string& dxfName() const { return m_dxfName; }
+    std::string_view dxfName() const;
     // Every group after the kind, handle and owner included, unpacked.
-    std::vector<KxDbFileGroup> groups() const { return m_groups.unpacked(); }
+    std::vector<KxDbFileGroup> groups() const { return packedGroups().unpacked(); }
     // The same as stored, to walk without unpacking.
-    const KxDbPackedGroups& packedGroups() const { return m_groups; }
+    KxDbPackedGroupsView packedGroups() const;
+    // The bytes held, for the host's accounting of memory.
+    std::size_t byteSize() const;
 
 protected:
     void copyRecord(const KxDbUnmodelledRecord& other) { *this = other; }
 
 private:
-    std::string m_dxfName;
-    KxDbPackedGroups m_groups;
+    // Two 32-bit lengths (the kind's, the groups'), then the kind's bytes
+    // and the groups' bytes; null for an empty record.
+    std::unique_ptr<char[]> m_record;
 };
 
 class KxDbUnmodelledObject : public KxDbObject, public KxDbUnmodelledRecord {

@@ -33,4 +33,28 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
         ASSERT_EQ(table.find(handles[i]), KxDbObjectId::fromOldId(i == 1 ? 99999 : i + 1)) << std::hex << handles[i];
     EXPECT_TRUE(table.find(0).isNull());
     EXPECT_FALSE(table.contains(0x5555));
+
+    // Consecutive handles and a few that meet them in their low bits, a
+    // small table's size (64) further on: those wait a few slots beyond
+    // their home, where searches must still reach them, and searches for
+    // handles that are not there must end.
+    kaldo::HandleTable near;
+    std::vector<std::uint64_t> nearHandles;
+    for (std::uint64_t i = 1; i <= 10; ++i)
+        nearHandles.push_back(i);
+    for (std::uint64_t i = 65; i <= 70; ++i)
+        nearHandles.push_back(i);
+    for (const std::uint64_t handle : nearHandles)
+        near.insert(handle, KxDbObjectId::fromOldId(handle));
+    EXPECT_FALSE(near.contains(129));
+    EXPECT_FALSE(near.contains(11));
+    near.erase(3);
+    near.erase(66);
+    for (const std::uint64_t handle : nearHandles)
+        EXPECT_EQ(near.find(handle), handle == 3 || handle == 66 ? KxDbObjectId::kNull : KxDbObjectId::fromOldId(handle))
+            << handle;
+    for (std::uint64_t i = 1000; i < 1060; ++i)
+        near.insert(i, KxDbObjectId::fromOldId(i));
+    for (const std::uint64_t handle : {1ull, 65ull, 70ull, 1000ull, 1059ull})
+        EXPECT_EQ(near.find(handle), KxDbObjectId::fromOldId(handle)) << handle;
 }

@@ -1,8 +1,15 @@
 #include <gtest/gtest.h>
 
+#include "FileText.h"
 #include "dxf/AllocationMeter.h"
+#include "kaldo/app/EntityEdits.h"
+#include "kaldo/core/Host.h"
 #include "kaldo/db/UndoHistory.h"
+#include "kaldo/dxf/DxfFile.h"
+#include "kaldo/ed/PickIndex.h"
 #include "kxdb.h"
+
+#include <QTemporaryDir>
 
 #include <memory>
 
@@ -48,6 +55,30 @@ KxDbObjectId lineStep(KxDbDatabase& db)
 int modelSpaceCount(KxDbDatabase& db)
 {
     return KxDbObjectPtr<KxDbBlockTableRecord>(db.modelSpaceId(), KxDb::kForRead)->numEntities();
+}
+
+// Multilines of six vertices at coordinates that a move and the move back
+// do not give back exactly (0.1 + 0.1 - 0.1 is not 0.1 in binary), every
+// tenth closed, and a line beside every tenth.
+std::vector<KxDbObjectId> addUnevenMultilines(KxDbDatabase& db, int count)
+{
+    std::vector<KxDbObjectId> ids;
+    for (int m = 0; m < count; ++m) {
+        auto* mline = new KxDbMline;
+        mline->setDatabaseDefaults(&db);
+        for (int v = 0; v < 6; ++v)
+            mline->appendSeg(KxGePoint3d{0.1 * m + v / 3.0, (v % 2) * 0.7 + m / 7.0, 0});
+        mline->setClosedMline(m % 10 == 0);
+        db.addToCurrentSpace(mline, ids.emplace_back());
+        mline->close();
+        if (m % 10 == 0) {
+            auto* line = new KxDbLine(KxGePoint3d{0.1 * m, 0.3, 0}, KxGePoint3d{0.2 * m, 1 / 3.0, 0});
+            line->setDatabaseDefaults(&db);
+            db.addToCurrentSpace(line, ids.emplace_back());
+            line->close();
+        }
+    }
+    return ids;
 }
 
 double firstY(KxDbObjectId id)
@@ -141,4 +172,60 @@ TEST(UndoHistory, StepCostsWhatItChanges)
     EXPECT_LE(small->undoHistory().bytes(), std::size_t(64) << 10);
     EXPECT_LT(small->undoHistory().undoableSteps(), 500u);
     EXPECT_GT(small->undoHistory().undoableSteps(), 20u);
+}
+
+// A MOVE of thousands of multilines (lines among them) keeps the
+// multilines' vertex positions, not copies of them; U gives back the
+// drawing byte for byte and REDO the moved one, also when the step changed
+// some of them further after moving them and moved them all again.
+TEST(UndoHistory, MoveKeepsPositionsAndUndoRestoresEveryByte)
+{
+    constexpr int kMultilines = 1500;
+    KxDbDatabase db;
+    kaldo::UndoHistory& history = db.undoHistory();
+    const std::vector<KxDbObjectId> ids = addUnevenMultilines(db, kMultilines);
+    kaldo::host().database = &db;
+    QTemporaryDir dir;
+    kaldo::dxf::KeptSections kept;
+    const auto saved = [&](const char* name) {
+        const std::filesystem::path path = dir.filePath(name).toStdString();
+        kaldo::dxf::saveDxfFile(path, db, kept);
+        return fileText(path);
+    };
+    // Files compared whole: a failure names the step, not megabytes of text.
+    const std::string before = saved("before.dxf");
+    const KxGeVector3d offset{0.1, -1 / 3.0, 0};
+    kaldo::PickIndex index;
+
+    const std::size_t bytesBefore = history.bytes();
+    history.beginStep(L"MOVE");
+    EXPECT_EQ(kaldo::moveEntities(ids, offset, index).changed, int(ids.size()));
+    history.endStep();
+    EXPECT_LT((history.bytes() - bytesBefore) / kMultilines, 400u) << "positions, not copies";
+    const std::string moved = saved("moved.dxf");
+    EXPECT_TRUE(moved != before);
+    history.undo(1);
+    EXPECT_TRUE(saved("undone.dxf") == before) << "U";
+    history.redo();
+    EXPECT_TRUE(saved("redone.dxf") == moved) << "REDO";
+    history.undo(1);
+
+    history.beginStep(L"MOVE");
+    kaldo::moveEntities(ids, offset, index);
+    for (std::size_t i = 0; i < 40; i += 4) {
+        KxDbObjectPtr<KxDbEntity> entity(ids[i], KxDb::kForWrite);
+        if (KxDbMline* mline = KxDbMline::cast(entity.get())) {
+            mline->moveVertexAt(2, KxGePoint3d{-1.0 / 3, 0.1, 0});
+            mline->setScale(2.5);
+        } else
+            entity->erase();
+    }
+    kaldo::moveEntities(ids, offset, index);
+    history.endStep();
+    const std::string changed = saved("changed.dxf");
+    history.undo(1);
+    EXPECT_TRUE(saved("changed-undone.dxf") == before) << "U of a step that changed them further";
+    history.redo();
+    EXPECT_TRUE(saved("changed-redone.dxf") == changed) << "REDO of a step that changed them further";
+    kaldo::host().database = nullptr;
 }

@@ -1,10 +1,13 @@
 // The group reader's quick way for plain lines and its general way for
 // other line ends, blanks and signs give the same groups and line numbers;
-// its quick way for plain decimals gives the values from_chars gives; the
+// its quick way for plain decimals gives the values from_chars gives, and
+// refuses what it refuses or reads as no finite number, and handles as
+// from_chars reads hexadecimal numbers; the
 // writer's quick ways for codes, whole numbers and repeated values give the
 // shortest form's text.
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/TextCodec.h"
 
 #include <gtest/gtest.h>
 
@@ -41,6 +44,31 @@ TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
     EXPECT_FALSE(reader.next(g));
 }
 
+// A byte with its high bit set, or a backslash, anywhere in a value makes
+// the reader decode the value, whether more of the file follows or not;
+// one in the next line does not.
+TEST(DxfGroupStream, ValuesWithBytesToDecodeAreDecodedWhereverTheBytesStand)
+{
+    kaldo::dxf::TextCodec codec("", kaldo::dxf::kDefaultCodePage);
+    for (const char marker : {'\xE9', '\\'}) {
+        for (std::size_t length = 1; length <= 20; ++length) {
+            for (std::size_t at = 0; at <= length; ++at) {
+                std::string value(length, 'a');
+                std::string next = "b";
+                (at < length ? value[at] : next[0]) = marker;
+                const std::string text = "  1\n" + value + "\n  1\n" + next + "\n  1\n" + value + "\n";
+                kaldo::dxf::GroupReader reader{std::string_view(text)};
+                kaldo::dxf::Group g;
+                for (const std::string& expected : {value, next, value}) {
+                    ASSERT_TRUE(reader.next(g));
+                    EXPECT_EQ(g.value, codec.needsDecoding(expected) ? codec.decode(expected) : expected)
+                        << length << " " << at;
+                }
+            }
+        }
+    }
+}
+
 TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
 {
     std::vector<std::string> texts = {"0", "-0", "7", "-627", "0.5999999999999998", "-0.6666666666666665",
@@ -48,7 +76,13 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
                                       "0.9007199254740993", "12345678901234567", "123456789012345678",
                                       "1.00000000000000000", "0.1", "2.50", "00012.5", "1e5", "6.123233995736766e-17",
                                       "1.", ".5", "-.5", "+3.25", " 4.5\t", "0.00000000000000001",
-                                      "1234567:", "0.1234567/9", "0.12345678123456789", "-98765432.12345678"};
+                                      "1234567:", "0.1234567/9", "0.12345678123456789", "-98765432.12345678",
+                                      "-0.0", "+0", "4.9406564584124654e-324", "2.2250738585072009e-308", "1e-320",
+                                      "1E+300", "1e400", "-1e-400", "+-1", "++1", "-+1", "--1", "1.5.5", "0x10",
+                                      "inf", "-nan", "1 2", "1\t.5", " ", "", "+", "-", ".", "-.", "12345678.",
+                                      "12345678.87654321", "1234567812345678.1", "123456781234567812",
+                                      "00000000000000000001", "0.000000000000000000001", "1\xFA", "\xFF" "5", "5\xFF",
+                                      "1234567\xFA" "9", "9\x3A", "12/", "1234567/", "12345678/", "/12345678"};
     std::mt19937_64 random(7);
     for (int i = 0; i < 20000; ++i) {
         double value;
@@ -76,12 +110,35 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         double expected = 0;
         const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), expected);
         const kaldo::dxf::Group g{40, text, 1};
-        if (ec != std::errc() || end != digits.data() + digits.size()) {
+        if (ec != std::errc() || end != digits.data() + digits.size() || !std::isfinite(expected)) {
             EXPECT_THROW(kaldo::dxf::toReal(g), std::exception) << text;
             continue;
         }
         const double read = kaldo::dxf::toReal(g);
         EXPECT_EQ(std::memcmp(&read, &expected, sizeof read), 0) << text << " read as " << read;
+    }
+}
+
+TEST(DxfGroupStream, HandlesReadBackAsFromCharsReadsThem)
+{
+    std::vector<std::string> texts = {"0", "1F", "1f", "aBcDeF", " 2A\t", "", " ", "-1", "+1", "0x1F", "1 F",
+                                      "00000000000000000000001F", "FFFFFFFFFFFFFFFF", "10000000000000000",
+                                      "7FFFFFFFFFFFFFFF", "8000000000000000", "FFFFFFFFFFFFFFFFF"};
+    // Each byte before and after the digits' and letters' ranges.
+    for (const char c : {'/', '0', '9', ':', '@', 'A', 'F', 'G', '`', 'a', 'f', 'g', '\xC1'})
+        texts.push_back(std::string("1") + c);
+    for (const std::uint64_t highest : {kxdbHighestHandle, std::uint64_t(0x1F), ~std::uint64_t(0)}) {
+        for (const std::string& text : texts) {
+            const std::string_view digits = kaldo::dxf::trimmed(text);
+            std::uint64_t expected = 0;
+            const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), expected, 16);
+            const bool valid = ec == std::errc() && end == digits.data() + digits.size() && expected <= highest;
+            std::uint64_t handle = 0;
+            ASSERT_EQ(kaldo::dxf::tryHandle(text, handle, highest), valid) << text;
+            if (valid) {
+                EXPECT_EQ(handle, expected) << text;
+            }
+        }
     }
 }
 
@@ -98,6 +155,21 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
     for (int pass = 0; pass < 2; ++pass)
         for (int i = 0; i < 20000; ++i)
             values.push_back((i % 2 ? -0.001 : 0.001) * (i * 7919 % 20000) + 1e-7);
+    // Values with few decimals and their neighbours, which need many: every
+    // count of decimals, magnitudes from 1 to 10^15, near whole numbers too.
+    std::mt19937_64 random(11);
+    for (int decimals = 1; decimals <= 17; ++decimals) {
+        for (int i = 0; i < 4000; ++i) {
+            const double scale = std::pow(10.0, decimals);
+            const double value = double(random() % (std::uint64_t(1) << (10 + random() % 44))) / scale
+                                 * (i % 2 ? -1 : 1);
+            for (const double near : {value, std::nextafter(value, 0.0), std::nextafter(value, 2 * value)})
+                values.push_back(near);
+        }
+    }
+    for (const double edge : {1.5, 0.5, 0.9999999, 1.0000000000000002, 99999.99999, 562949953421311.5,
+                              562949953421312.5, 1e14 + 0.25, 4503599627370495.5, 0x1p49 / 1e3, 123456.1e-3})
+        values.push_back(edge);
     // The codes right-aligned in three places, wider ones as they are.
     const std::vector<std::pair<int, std::string>> codes = {
         {0, "  0"}, {5, "  5"}, {40, " 40"}, {105, "105"}, {999, "999"}, {1071, "1071"}, {-4, "-4"}};
