@@ -113,7 +113,7 @@ public:
           m_scene(scene),
           m_pens(pass.db, scene),
           m_mlines(m_pens),
-          m_text(scene, pass.styles),
+          m_text(scene, pass.budget, pass.styles),
           m_depth(depth)
     {
     }

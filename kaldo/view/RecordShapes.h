@@ -9,7 +9,6 @@
 #pragma once
 
 #include "kaldo/view/Scene.h"
-#include "kaldo/view/PointBudget.h"
 #include "kaldo/view/TextShapes.h"
 #include "kxdbobject.h"
 

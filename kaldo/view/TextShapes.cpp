@@ -22,6 +22,9 @@ namespace {
 constexpr int kLayoutPixels = 200;
 // Distance between MTEXT lines, in text heights.
 constexpr double kLineSpacing = 5.0 / 3.0;
+// Outlines are drawn only while the budget holds this many points for
+// each letter of a line: a letter never has fewer.
+constexpr std::size_t kLeastPointsPerLetter = 4;
 
 // Whether a line's letters are each one glyph of its font side by side
 // (printable Latin), so that its extent can be measured without shaping.
@@ -79,7 +82,10 @@ TextShapes::Font::Font(const std::string& file)
     cap = metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent();
 }
 
-TextShapes::TextShapes(Scene& scene, const TextStyleFonts& styles) : m_scene(scene), m_styles(styles) {}
+TextShapes::TextShapes(Scene& scene, PointBudget& budget, const TextStyleFonts& styles)
+    : m_scene(scene), m_budget(budget), m_styles(styles)
+{
+}
 
 TextShapes::Font& TextShapes::styleFont(const std::string& style)
 {
@@ -142,18 +148,34 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
         }
         const LineMeasure measure = measureLine(font, lines[i]);
         const double left = -place.horizontal * measure.advance;
-        Bounds box;
-        box.add(Point2{left, descent});
-        box.add(Point2{left + measure.advance, -cap});
+        const Box box{left, descent, left + measure.advance, -cap};
+        std::size_t points = 0;
+        for (const auto& letter : measure.letters)
+            points += letter.first->points;
+        // Outlined only while the budget holds the least points its letters
+        // could need, and then the points they do need.
+        const bool affordable = m_budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size());
+        if (!affordable)
+            m_budget.markSpent();
+        if (!affordable || !m_budget.take(points)) {
+            drawBox(box, toDrawing, pen);
+            continue;
+        }
         const Affine lineStart = toDrawing.shiftedAlongX(left);
         Bounds ink;
-        for (const auto& [hull, shift] : measure.letters)
-            for (const Point2& corner : *hull)
+        for (const auto& [glyph, shift] : measure.letters)
+            for (const Point2& corner : glyph->hull)
                 ink.add(lineStart.shiftedAlongX(shift)(corner));
-        if (ink.empty)
+        if (ink.empty) {
+            drawBox(box, toDrawing, pen);
             continue;
+        }
+        Bounds shapeBox;
+        shapeBox.add(Point2{box.minX, box.minY});
+        shapeBox.add(Point2{box.maxX, box.maxY});
         const std::uint32_t line = m_scene.lineLetters().addLine(lines[i], font.file, place.horizontal);
-        m_scene.addInstance(m_scene.addLineShape(line, box), toDrawing, pen, Box{ink.minX, ink.minY, ink.maxX, ink.maxY});
+        m_scene.addInstance(m_scene.addLineShape(line, shapeBox), toDrawing, pen,
+                            Box{ink.minX, ink.minY, ink.maxX, ink.maxY});
     }
     return true;
 }
@@ -166,7 +188,7 @@ TextShapes::LineMeasure TextShapes::measureLine(Font& font, const QString& line)
         if (std::find(glyphs.begin(), glyphs.end(), 0u) == glyphs.end()) {
             const QList<QPointF> advances = font.raw.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances);
             for (qsizetype g = 0; g < glyphs.size(); ++g) {
-                measure.letters.emplace_back(&glyphHull(font, font.raw, glyphs[g]), measure.advance);
+                measure.letters.emplace_back(&glyphMeasure(font, font.raw, glyphs[g]), measure.advance);
                 measure.advance += advances[g].x();
             }
             return measure;
@@ -183,24 +205,34 @@ TextShapes::LineMeasure TextShapes::measureLine(Font& font, const QString& line)
         const QList<quint32> glyphs = glyphRun.glyphIndexes();
         const QList<QPointF> positions = glyphRun.positions();
         for (qsizetype g = 0; g < glyphs.size(); ++g)
-            measure.letters.emplace_back(&glyphHull(font, raw, glyphs[g]), positions[g].x());
+            measure.letters.emplace_back(&glyphMeasure(font, raw, glyphs[g]), positions[g].x());
     }
     measure.advance = laidOut.horizontalAdvance();
     return measure;
 }
 
-const std::vector<Point2>& TextShapes::glyphHull(Font& font, const QRawFont& raw, quint32 glyph)
+const TextShapes::GlyphMeasure& TextShapes::glyphMeasure(Font& font, const QRawFont& raw, quint32 glyph)
 {
-    auto byFont = std::find_if(font.hulls.begin(), font.hulls.end(), [&](const auto& each) { return each.first == raw; });
-    if (byFont == font.hulls.end())
-        byFont = font.hulls.insert(font.hulls.end(), {raw, {}});  // keeps the others where they are
+    auto byFont = std::find_if(font.glyphs.begin(), font.glyphs.end(), [&](const auto& each) { return each.first == raw; });
+    if (byFont == font.glyphs.end())
+        byFont = font.glyphs.insert(font.glyphs.end(), {raw, {}});  // keeps the others where they are
     if (const auto found = byFont->second.find(glyph); found != byFont->second.end())
         return found->second;
     std::vector<Point2> points;
     for (const QPolygonF& outline : raw.pathForGlyph(glyph).toSubpathPolygons())
         for (const QPointF& p : outline)
             points.push_back({p.x(), p.y()});
-    return byFont->second.emplace(glyph, convexHull(std::move(points))).first->second;
+    const std::size_t count = points.size();
+    return byFont->second.emplace(glyph, GlyphMeasure{convexHull(std::move(points)), count}).first->second;
+}
+
+void TextShapes::drawBox(const Box& box, const Affine& place, int pen)
+{
+    m_scene.beginPolyline(pen);
+    for (const Point2& corner : {Point2{box.minX, box.minY}, Point2{box.maxX, box.minY}, Point2{box.maxX, box.maxY},
+                                 Point2{box.minX, box.maxY}})
+        m_scene.addPoint(place(corner));
+    m_scene.endPolyline(true);
 }
 
 }  // namespace kaldo::view

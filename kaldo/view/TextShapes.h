@@ -2,8 +2,10 @@
 // of the scene's LineLetters, laid out (in the font that stands for its
 // text style's font, at a large size) only when a picture first draws it
 // large, its letters' outlines filled in the colour of its text. Here a
-// line is only measured, without shaping it where its letters allow. A
-// scene that keeps texts (plots) gets each line as a text line instead.
+// line is only measured, without shaping it where its letters allow, and
+// the points of its outlines are taken from the picture's budget; beyond
+// the budget it is drawn as its box. A scene that keeps texts (plots) gets
+// each line as a text line instead.
 // Without a QGuiApplication (no fonts) nothing is drawn.
 #pragma once
 
@@ -20,6 +22,7 @@
 #include <utility>
 #include <vector>
 
+#include "kaldo/view/PointBudget.h"
 #include "kaldo/view/Scene.h"
 
 namespace kaldo::view {
@@ -57,32 +60,40 @@ struct TextPlacement {
 
 class TextShapes {
 public:
-    TextShapes(Scene& scene, const TextStyleFonts& styles);
+    TextShapes(Scene& scene, PointBudget& budget, const TextStyleFonts& styles);
 
     // Draws each line's letters, scaled so that a capital is as tall as the
-    // text height (its box from the descent to the height of a capital).
-    // False, drawing nothing, without fonts.
+    // text height, while the budget holds; else the line's box (from the
+    // descent to the height of a capital). False, drawing nothing, without
+    // fonts.
     bool drawLines(const QStringList& lines, const TextPlacement& place, int pen);
 
 private:
     struct Font;
+    // The convex hull of a glyph's outlines and the points of the outlines.
+    struct GlyphMeasure {
+        std::vector<Point2> hull;
+        std::size_t points = 0;
+    };
     // A line's advance (its width with trailing blanks) and its letters'
-    // outlines' hulls, laid out from x = 0 on the baseline, each with its
-    // shift along the line.
+    // glyphs, laid out from x = 0 on the baseline, each with its shift
+    // along the line.
     struct LineMeasure {
         double advance = 0;
-        std::vector<std::pair<const std::vector<Point2>*, double>> letters;
+        std::vector<std::pair<const GlyphMeasure*, double>> letters;
     };
     // The font of a style, made at its first text.
     Font& styleFont(const std::string& style);
     // Measured from the font's glyphs one by one where the line's letters
     // allow (kerned as the font says), else laid out.
     LineMeasure measureLine(Font& font, const QString& line);
-    // The convex hull of a glyph's outline, found at its first use.
-    const std::vector<Point2>& glyphHull(Font& font, const QRawFont& raw, quint32 glyph);
+    // A glyph's measure, found at its first use.
+    const GlyphMeasure& glyphMeasure(Font& font, const QRawFont& raw, quint32 glyph);
+    // The corners of box (layout units), placed, as a closed polyline.
+    void drawBox(const Box& box, const Affine& place, int pen);
 
-    // The font that stands for a font file, its measures and the hulls of
-    // the glyphs its lines use, by font (a line may fall back on others).
+    // The font that stands for a font file, its measures and those of the
+    // glyphs its lines use, by font (a line may fall back on others).
     struct Font {
         explicit Font(const std::string& file);
         std::string file;
@@ -90,10 +101,11 @@ private:
         QFontMetricsF metrics;
         QRawFont raw;
         double cap = 0;
-        std::deque<std::pair<QRawFont, std::unordered_map<quint32, std::vector<Point2>>>> hulls;
+        std::deque<std::pair<QRawFont, std::unordered_map<quint32, GlyphMeasure>>> glyphs;
     };
 
     Scene& m_scene;
+    PointBudget& m_budget;
     const TextStyleFonts& m_styles;
     // Fonts by the file they stand for, and by style.
     std::map<std::string, Font> m_fonts;
