@@ -287,8 +287,8 @@ public:
 
     // The extents of everything drawn.
     Bounds bounds() const;
-    // Reserves room for about this many points and polylines.
-    void reserve(std::size_t points, std::size_t polylines);
+    // Reserves room for about this many points, polylines and arcs.
+    void reserve(std::size_t points, std::size_t polylines, std::size_t arcs);
 
 private:
     // Calls visit(item, its points placed) for the items of the instance's
