@@ -16,9 +16,113 @@ std::size_t HandleTable::home(std::uint64_t handle) const
     return std::size_t(handle) & (m_slots.size() - 1);
 }
 
+std::vector<HandleTable::Run>::const_iterator HandleTable::firstRunAfter(std::uint64_t handle) const
+{
+    // Reading a file, the handle is almost always the one after the run
+    // that grew last.
+    if (m_growing < m_runs.size() && m_runs[m_growing].firstHandle <= handle
+        && (m_growing + 1 == m_runs.size() || handle < m_runs[m_growing + 1].firstHandle))
+        return m_runs.begin() + std::ptrdiff_t(m_growing + 1);
+    return std::upper_bound(m_runs.begin(), m_runs.end(), handle,
+                            [](std::uint64_t h, const Run& r) { return h < r.firstHandle; });
+}
+
+std::vector<HandleTable::Run>::const_iterator HandleTable::runOf(std::uint64_t handle) const
+{
+    auto run = firstRunAfter(handle);
+    if (run == m_runs.begin())
+        return m_runs.end();
+    --run;
+    return handle - run->firstHandle < run->count ? run : m_runs.end();
+}
+
+std::vector<HandleTable::Run>::iterator HandleTable::runOf(std::uint64_t handle)
+{
+    return m_runs.begin() + (std::as_const(*this).runOf(handle) - m_runs.cbegin());
+}
+
 KxDbObjectId HandleTable::find(std::uint64_t handle) const
 {
-    if (m_slots.empty() || handle == 0)
+    if (handle == 0)
+        return KxDbObjectId::kNull;
+    if (const auto run = runOf(handle); run != m_runs.end())
+        return KxDbObjectId::fromOldId(run->firstSerial + (handle - run->firstHandle));
+    return findInSlots(handle);
+}
+
+void HandleTable::insert(std::uint64_t handle, KxDbObjectId id)
+{
+    if (handle == 0)
+        return;
+    if (const auto run = runOf(handle); run != m_runs.end()) {
+        if (run->firstSerial + (handle - run->firstHandle) == id.asOldId())
+            return;
+        cutFromRun(run, handle);
+    } else if (findInSlots(handle).isNull() && addToRuns(handle, id)) {
+        return;
+    }
+    insertInSlots(handle, id);
+}
+
+void HandleTable::erase(std::uint64_t handle)
+{
+    if (handle == 0)
+        return;
+    if (const auto run = runOf(handle); run != m_runs.end())
+        cutFromRun(run, handle);
+    else
+        eraseFromSlots(handle);
+}
+
+bool HandleTable::addToRuns(std::uint64_t handle, KxDbObjectId id)
+{
+    const auto place = m_runs.begin() + (firstRunAfter(handle) - m_runs.cbegin());
+    if (place != m_runs.begin()) {
+        Run& before = *std::prev(place);
+        if (handle - before.firstHandle == before.count && id.asOldId() - before.firstSerial == before.count) {
+            ++before.count;
+            m_growing = std::size_t(place - m_runs.begin()) - 1;
+            return true;
+        }
+    }
+    // A run begins once the slots hold the handles just before this one
+    // naming the ids just before its id; runs are added only near the end,
+    // so that a file of handles in any order never moves many of them.
+    if (handle < kShortestRun || id.asOldId() < kShortestRun || m_runs.end() - place > kMostRunsMoved)
+        return false;
+    for (std::uint64_t back = 1; back < kShortestRun; ++back)
+        if (findInSlots(handle - back).asOldId() != id.asOldId() - back)
+            return false;
+    for (std::uint64_t back = 1; back < kShortestRun; ++back)
+        eraseFromSlots(handle - back);
+    m_growing = std::size_t(place - m_runs.begin());
+    m_runs.insert(place, Run{handle - (kShortestRun - 1), id.asOldId() - (kShortestRun - 1), kShortestRun});
+    return true;
+}
+
+void HandleTable::cutFromRun(std::vector<Run>::iterator run, std::uint64_t handle)
+{
+    const std::uint64_t before = handle - run->firstHandle;
+    const std::uint64_t after = run->count - before - 1;
+    m_growing = kNoRun;
+    if (before == 0 && after == 0) {
+        m_runs.erase(run);
+    } else if (before == 0) {
+        ++run->firstHandle;
+        ++run->firstSerial;
+        --run->count;
+    } else if (after == 0) {
+        --run->count;
+    } else {
+        const Run tail{handle + 1, run->firstSerial + before + 1, after};
+        run->count = before;
+        m_runs.insert(std::next(run), tail);
+    }
+}
+
+KxDbObjectId HandleTable::findInSlots(std::uint64_t handle) const
+{
+    if (m_slots.empty())
         return KxDbObjectId::kNull;
     const std::size_t farthest = m_mixed ? m_slots.size() : m_farthest;
     std::size_t slot = home(handle);
@@ -31,7 +135,7 @@ KxDbObjectId HandleTable::find(std::uint64_t handle) const
     return KxDbObjectId::kNull;
 }
 
-void HandleTable::insert(std::uint64_t handle, KxDbObjectId id)
+void HandleTable::insertInSlots(std::uint64_t handle, KxDbObjectId id)
 {
     // At most three quarters full, so that searches stay short. A larger
     // table tries the handles unmixed again: those that met in a small one
@@ -46,7 +150,7 @@ void HandleTable::insert(std::uint64_t handle, KxDbObjectId id)
     }
     if (!m_mixed && distance > kMostDisplacement) {
         rebuild(m_slots.size(), true);
-        insert(handle, id);
+        insertInSlots(handle, id);
         return;
     }
     m_farthest = std::max(m_farthest, distance);
@@ -55,14 +159,14 @@ void HandleTable::insert(std::uint64_t handle, KxDbObjectId id)
     m_slots[slot] = Slot{handle, id};
 }
 
-void HandleTable::erase(std::uint64_t handle)
+bool HandleTable::eraseFromSlots(std::uint64_t handle)
 {
-    if (m_slots.empty() || handle == 0)
-        return;
+    if (m_slots.empty())
+        return false;
     std::size_t hole = home(handle);
     while (m_slots[hole].handle != handle) {
         if (m_slots[hole].handle == 0)
-            return;
+            return false;
         hole = next(hole);
     }
     // Moves back each later entry of the run whose search passes the hole,
@@ -77,6 +181,7 @@ void HandleTable::erase(std::uint64_t handle)
     }
     m_slots[hole] = Slot{};
     --m_used;
+    return true;
 }
 
 void HandleTable::rebuild(std::size_t size, bool mixed)
@@ -87,7 +192,7 @@ void HandleTable::rebuild(std::size_t size, bool mixed)
     m_farthest = 0;
     for (const Slot& s : old)
         if (s.handle != 0)
-            insert(s.handle, s.id);
+            insertInSlots(s.handle, s.id);
 }
 
 }  // namespace kaldo

@@ -1,7 +1,9 @@
 #include "kaldo/db/ObjectRegistry.h"
 
+#include <algorithm>
 #include <array>
 #include <bitset>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -35,7 +37,7 @@ public:
             page = std::make_unique<Page>();
         const std::size_t slot = slotOf(serial);
         page->slots[slot] = obj;
-        page->classes[slot] = obj->isA();
+        page->classes[slot] = classIndex(obj->isA());
         page->erased[slot] = obj->isErased();
         ++page->live;
     }
@@ -50,7 +52,7 @@ public:
         if (!slot)
             return;
         slot = nullptr;
-        page.classes[slotOf(serial)] = nullptr;
+        page.classes[slotOf(serial)] = kNoClass;
         if (--page.live == 0)
             m_pages[index].reset();
     }
@@ -64,7 +66,12 @@ public:
     const KxRxClass* classOf(std::uint64_t serial) const
     {
         const Page* page = pageFor(serial);
-        return page ? page->classes[slotOf(serial)] : nullptr;
+        if (!page)
+            return nullptr;
+        const std::uint8_t index = page->classes[slotOf(serial)];
+        if (index == kClassOfObject)
+            return page->slots[slotOf(serial)]->isA();
+        return index == kNoClass ? nullptr : m_classes[index - 1];
     }
 
     bool isLive(std::uint64_t serial) const
@@ -85,9 +92,13 @@ private:
     static constexpr std::size_t kPageSlots = std::size_t(1) << kPageBits;
     // The class and the erased flag sit beside the object pointer, densely,
     // so that a walk reads them in order instead of one object after another.
+    // A class is a byte: its place in m_classes, counted from 1; a program
+    // of more classes than a byte numbers asks the object for the rest.
+    static constexpr std::uint8_t kNoClass = 0;
+    static constexpr std::uint8_t kClassOfObject = 255;
     struct Page {
         std::array<KxDbObject*, kPageSlots> slots{};
-        std::array<const KxRxClass*, kPageSlots> classes{};
+        std::array<std::uint8_t, kPageSlots> classes{};
         std::bitset<kPageSlots> erased;
         std::size_t live = 0;
     };
@@ -99,8 +110,32 @@ private:
     static std::size_t pageOf(std::uint64_t serial) { return std::size_t(serial >> kPageBits); }
     static std::size_t slotOf(std::uint64_t serial) { return std::size_t(serial & ((1u << kPageBits) - 1)); }
 
+    // A few classes are met again and again: each is remembered in a small
+    // table by its address, before the list is searched.
+    std::uint8_t classIndex(const KxRxClass* cls)
+    {
+        RecentClass& recent = m_recent[(reinterpret_cast<std::uintptr_t>(cls) >> 4) % m_recent.size()];
+        if (recent.cls == cls)
+            return recent.index;
+        std::uint8_t index = kClassOfObject;
+        if (const auto known = std::find(m_classes.begin(), m_classes.end(), cls); known != m_classes.end()) {
+            index = std::uint8_t(known - m_classes.begin() + 1);
+        } else if (m_classes.size() + 1 < kClassOfObject) {
+            m_classes.push_back(cls);
+            index = std::uint8_t(m_classes.size());
+        }
+        recent = RecentClass{cls, index};
+        return index;
+    }
+
     std::uint64_t m_lastSerial = 0;
     std::vector<std::unique_ptr<Page>> m_pages;
+    std::vector<const KxRxClass*> m_classes;
+    struct RecentClass {
+        const KxRxClass* cls = nullptr;
+        std::uint8_t index = kNoClass;
+    };
+    std::array<RecentClass, 16> m_recent{};
 };
 
 Registry& registry()

@@ -1,25 +1,77 @@
 #include "kxdbunmodelled.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
-struct RecordLengths {
-    std::uint32_t kind = 0;
-    std::uint32_t groups = 0;
+// A record's storage: its kind's tag and the length of its groups, each a
+// number of seven bits a byte, then the kind's bytes when it is not one of
+// the common kinds, then the groups. The tag is twice the kind's place in
+// kCommonKinds plus one, or twice the length of a kind spelled out: a text
+// of a hundred bytes of groups takes two bytes more than them.
+constexpr std::string_view kCommonKinds[] = {
+    "TEXT",   "INSERT",   "MTEXT",  "ATTRIB",     "ATTDEF",  "HATCH",   "DIMENSION", "SPLINE",
+    "ELLIPSE", "POINT",   "SOLID",  "TRACE",      "3DFACE",  "LEADER",  "POLYLINE",  "VERTEX",
+    "SEQEND", "VIEWPORT", "BLOCK",  "ENDBLK",     "LAYOUT",  "XRECORD", "DICTIONARY", "ACDBPLACEHOLDER",
 };
 
-RecordLengths lengthsOf(const char* record)
+std::size_t numberSize(std::size_t value)
 {
-    RecordLengths lengths;
-    if (record)
-        std::memcpy(&lengths, record, sizeof lengths);
-    return lengths;
+    std::size_t size = 1;
+    for (; value >= 0x80; value >>= 7)
+        ++size;
+    return size;
 }
 
-std::size_t recordSize(const RecordLengths& lengths)
+char* putNumber(char* at, std::size_t value)
 {
-    return sizeof(RecordLengths) + lengths.kind + lengths.groups;
+    for (; value >= 0x80; value >>= 7)
+        *at++ = char((value & 0x7F) | 0x80);
+    *at++ = char(value);
+    return at;
+}
+
+const char* takeNumber(const char* at, std::size_t& value)
+{
+    value = 0;
+    for (int shift = 0;; shift += 7) {
+        const auto byte = static_cast<unsigned char>(*at++);
+        value |= std::size_t(byte & 0x7F) << shift;
+        if (!(byte & 0x80))
+            return at;
+    }
+}
+
+std::size_t kindTag(std::string_view kind)
+{
+    const auto common = std::find(std::begin(kCommonKinds), std::end(kCommonKinds), kind);
+    return common != std::end(kCommonKinds) ? 2 * std::size_t(common - std::begin(kCommonKinds)) + 1 : 2 * kind.size();
+}
+
+struct RecordParts {
+    std::string_view kind;
+    std::string_view groups;
+    std::size_t size = 0;
+};
+
+RecordParts partsOf(const char* record)
+{
+    if (!record)
+        return {};
+    std::size_t tag = 0, groupsLength = 0;
+    const char* at = takeNumber(takeNumber(record, tag), groupsLength);
+    RecordParts parts;
+    if (tag % 2 == 1) {
+        parts.kind = kCommonKinds[tag / 2];
+    } else {
+        parts.kind = {at, tag / 2};
+        at += tag / 2;
+    }
+    parts.groups = {at, groupsLength};
+    parts.size = std::size_t(at + groupsLength - record);
+    return parts;
 }
 
 }  // namespace
@@ -56,11 +108,15 @@ KxDbUnmodelledRecord::KxDbUnmodelledRecord(std::string_view dxfName, KxDbPackedG
 {
     if (dxfName.empty() && groups.empty())
         return;
-    const RecordLengths lengths{std::uint32_t(dxfName.size()), std::uint32_t(groups.bytes().size())};
-    m_record = std::make_unique_for_overwrite<char[]>(recordSize(lengths));
-    std::memcpy(m_record.get(), &lengths, sizeof lengths);
-    std::memcpy(m_record.get() + sizeof lengths, dxfName.data(), dxfName.size());
-    std::memcpy(m_record.get() + sizeof lengths + dxfName.size(), groups.bytes().data(), groups.bytes().size());
+    const std::size_t tag = kindTag(dxfName);
+    const std::string_view spelled = tag % 2 == 1 ? std::string_view() : dxfName;
+    const std::string_view bytes = groups.bytes();
+    m_record = std::make_unique_for_overwrite<char[]>(numberSize(tag) + numberSize(bytes.size()) + spelled.size()
+                                                      + bytes.size());
+    char* at = putNumber(putNumber(m_record.get(), tag), bytes.size());
+    // Either part may be empty, its data then null.
+    std::copy(spelled.begin(), spelled.end(), at);
+    std::copy(bytes.begin(), bytes.end(), at + spelled.size());
 }
 
 KxDbUnmodelledRecord::KxDbUnmodelledRecord(const KxDbUnmodelledRecord& other)
@@ -74,7 +130,7 @@ KxDbUnmodelledRecord& KxDbUnmodelledRecord::operator=(const KxDbUnmodelledRecord
         return *this;
     m_record.reset();
     if (other.m_record) {
-        const std::size_t size = recordSize(lengthsOf(other.m_record.get()));
+        const std::size_t size = partsOf(other.m_record.get()).size;
         m_record = std::make_unique_for_overwrite<char[]>(size);
         std::memcpy(m_record.get(), other.m_record.get(), size);
     }
@@ -83,22 +139,17 @@ KxDbUnmodelledRecord& KxDbUnmodelledRecord::operator=(const KxDbUnmodelledRecord
 
 std::string_view KxDbUnmodelledRecord::dxfName() const
 {
-    if (!m_record)
-        return {};
-    return {m_record.get() + sizeof(RecordLengths), lengthsOf(m_record.get()).kind};
+    return partsOf(m_record.get()).kind;
 }
 
 KxDbPackedGroupsView KxDbUnmodelledRecord::packedGroups() const
 {
-    if (!m_record)
-        return {};
-    const RecordLengths lengths = lengthsOf(m_record.get());
-    return KxDbPackedGroupsView({m_record.get() + sizeof lengths + lengths.kind, lengths.groups});
+    return KxDbPackedGroupsView(partsOf(m_record.get()).groups);
 }
 
 std::size_t KxDbUnmodelledRecord::byteSize() const
 {
-    return m_record ? recordSize(lengthsOf(m_record.get())) : 0;
+    return partsOf(m_record.get()).size;
 }
 
 KX_RX_DEFINE_MEMBERS(KxDbUnmodelledObject, KxDbObject)

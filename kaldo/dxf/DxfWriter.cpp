@@ -112,8 +112,9 @@ void writeKeptSection(GroupWriter& w, const std::string& name, const std::vector
 void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport& report)
 {
     addMissingBlockEnds(db, kept);
-    const std::vector<KxDbObjectId> ids = db.objectIds();
-    ProgressMeter meter(report, ids.size());
+    // The list of objects is taken for their count and again for the OBJECTS
+    // section, so that it is not held while the entities' walks hold theirs.
+    ProgressMeter meter(report, db.objectIds().size());
     meter.report();
     GroupWriter w(fd);
     w.encodeAs(writtenVersion(kept), kept.codePage);
@@ -147,7 +148,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     const KxDbObject* root = db.peekObject(db.namedObjectsDictionaryId());
     if (root)
         writeObject(w, db, *root);
-    for (const KxDbObjectId id : ids) {
+    for (const KxDbObjectId id : db.objectIds()) {
         const KxDbObject* obj = db.peekObject(id);
         try {
             if (obj && obj != root && !obj->isErased() && writeObject(w, db, *obj))

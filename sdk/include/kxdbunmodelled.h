@@ -94,8 +94,8 @@ protected:
     void copyRecord(const KxDbUnmodelledRecord& other) { *this = other; }
 
 private:
-    // Two 32-bit lengths (the kind's, the groups'), then the kind's bytes
-    // and the groups' bytes; null for an empty record.
+    // The kind (a byte for the common kinds) and the groups, with their
+    // lengths in a byte or two; null for an empty record.
     std::unique_ptr<char[]> m_record;
 };
 

@@ -3,6 +3,8 @@
 #include "kaldo/db/HandleTable.h"
 
 #include <cstdint>
+#include <map>
+#include <random>
 #include <vector>
 
 // Handles taken out in any order (not only the last added first) leave
@@ -57,4 +59,69 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
         near.insert(i, KxDbObjectId::fromOldId(i));
     for (const std::uint64_t handle : {1ull, 65ull, 70ull, 1000ull, 1059ull})
         EXPECT_EQ(near.find(handle), KxDbObjectId::fromOldId(handle)) << handle;
+
+    // A file's handles name consecutive ids: runs of them take no slots.
+    // Taking handles out of a run's middle, its ends, giving one of them
+    // another id, and handles that continue no run must all read back.
+    kaldo::HandleTable runs;
+    std::vector<std::uint64_t> named(3000);
+    for (std::uint64_t h = 0x100; h < 0x100 + 2000; ++h) {
+        runs.insert(h, KxDbObjectId::fromOldId(h + 7));
+        named[h - 0x100] = h + 7;
+    }
+    for (std::uint64_t h = 0x100 + 2000; h < 0x100 + 3000; h += 2) {
+        runs.insert(h, KxDbObjectId::fromOldId(h));
+        named[h - 0x100] = h;
+    }
+    for (const std::uint64_t gone : {0x100ull + 1000, 0x100ull + 999, 0x100ull, 0x100ull + 1999, 0x100ull + 2500}) {
+        runs.erase(gone);
+        named[gone - 0x100] = 0;
+    }
+    runs.insert(0x100 + 500, KxDbObjectId::fromOldId(123456));
+    named[500] = 123456;
+    runs.insert(0x100 + 1000, KxDbObjectId::fromOldId(0x100 + 1000 + 7));
+    named[1000] = 0x100 + 1000 + 7;
+    runs.insert(~0ull, KxDbObjectId::fromOldId(42));
+    for (std::uint64_t h = 0x100; h < 0x100 + 3000; ++h)
+        ASSERT_EQ(runs.find(h), KxDbObjectId::fromOldId(named[h - 0x100])) << std::hex << h;
+    EXPECT_EQ(runs.find(~0ull), KxDbObjectId::fromOldId(42));
+    EXPECT_TRUE(runs.find(0xFF).isNull());
+    EXPECT_TRUE(runs.find(0x100 + 3000).isNull());
+}
+
+// Additions in runs (as files and new objects make them), handles in any
+// order, ids replaced, and handles taken out of runs' middles and ends, in
+// a seeded random mix: the table always answers as a plain map does.
+TEST(HandleTable, AnswersAsAPlainMapUnderAnyMixOfChanges)
+{
+    std::mt19937_64 random(20261126);
+    kaldo::HandleTable table;
+    std::map<std::uint64_t, std::uint64_t> expected;
+    std::uint64_t nextHandle = 1, nextSerial = 1;
+    for (int step = 0; step < 20000; ++step) {
+        const int what = int(random() % 10);
+        if (what < 5) {
+            // The next handle and the next id, as a read or a drawing session gives them.
+            table.insert(nextHandle, KxDbObjectId::fromOldId(nextSerial));
+            expected[nextHandle++] = nextSerial++;
+        } else if (what < 7) {
+            const std::uint64_t handle = 1 + random() % (nextHandle + 50);
+            const std::uint64_t serial = 1 + random() % 100000;
+            table.insert(handle, KxDbObjectId::fromOldId(serial));
+            expected[handle] = serial;
+        } else if (what < 9) {
+            const std::uint64_t handle = 1 + random() % (nextHandle + 50);
+            table.erase(handle);
+            expected.erase(handle);
+        } else {
+            // A gap in the handles, or ids given to something else meanwhile.
+            (random() % 2 ? nextHandle : nextSerial) += 1 + random() % 40;
+        }
+        if (step % 500 == 0 || step == 19999)
+            for (std::uint64_t handle = 1; handle < nextHandle + 60; ++handle) {
+                const auto it = expected.find(handle);
+                ASSERT_EQ(table.find(handle), KxDbObjectId::fromOldId(it == expected.end() ? 0 : it->second))
+                    << "step " << step << ", handle " << handle;
+            }
+    }
 }
