@@ -340,10 +340,10 @@ void Scene::reserve(std::size_t points, std::size_t polylines, std::size_t arcs)
 {
     m_points.reserve(points);
     m_polylines.reserve(polylines);
-    m_arcs.reserve(arcs);
     adviseHugePages(m_points.data(), m_points.capacity() * sizeof(Point2));
     adviseHugePages(m_polylines.data(), m_polylines.capacity() * sizeof(Polyline));
-    adviseHugePages(m_arcs.data(), m_arcs.capacity() * sizeof(Arc));
+    // Arcs are few beside points: huge pages would mostly hold unused room.
+    m_arcs.reserve(arcs);
 }
 
 void addArcBounds(Bounds& bounds, const Arc& arc)
