@@ -126,10 +126,8 @@ BENCHMARK(BM_MixedExportSvg)->Unit(benchmark::kMillisecond)->Iterations(2)->UseR
 // thread publishes it (its scene and the scene's index).
 kaldo::ui::PublishedDrawing published()
 {
-    kaldo::ui::PublishedDrawing drawing;
-    drawing.scene = std::make_shared<const kaldo::view::Scene>(kaldo::view::renderDrawing(database()));
-    drawing.index = std::make_shared<const kaldo::view::SceneIndex>(*drawing.scene);
-    drawing.snaps = std::make_shared<const kaldo::ui::SnapGeometry>(drawing.scene, drawing.index);
+    kaldo::ui::PublishedDrawing drawing =
+        kaldo::ui::publishedScene(std::make_shared<const kaldo::view::Scene>(kaldo::view::renderDrawing(database())));
     drawing.serial = 1;
     return drawing;
 }

@@ -5,11 +5,21 @@
 // cursor (the drawing painted again); an object snap search among 1 000 000
 // line segments, and an entity pick among 1 000 000 lines. Frames are timed
 // by the clock on the wall, as painting uses more than one thread.
+// On a mixed drawing (KALDO_BENCH_MIXED_DXF names it, as bench/compare.sh
+// writes it with generate_drawing; skipped without it): what the command
+// thread does before the window can show it (the scene, its index), the
+// first picture of a canvas given that scene (the first frame, then the
+// complete picture), a middle-button pan of the whole drawing and of a
+// close view, and a wheel step (its frame and its complete picture), each
+// with the process's peak memory.
+#include "PeakMemory.h"
 #include "ZigzagMultilines.h"
+#include "kaldo/dxf/DxfFile.h"
 #include "kaldo/ed/PickIndex.h"
 #include "kaldo/ui/Canvas.h"
 #include "kaldo/ui/ViewGeometry.h"
 #include "kaldo/view/DrawingRenderer.h"
+#include "kaldo/view/SceneIndex.h"
 
 #include <benchmark/benchmark.h>
 
@@ -17,7 +27,9 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <random>
 
 namespace {
@@ -34,10 +46,8 @@ public:
     DragFrame() : db_(buildZigzagMultilines(kMultilines)), target_(1600, 1000, QImage::Format_RGB32)
     {
         canvas_.resize(target_.size());
-        auto scene = std::make_shared<const kaldo::view::Scene>(kaldo::view::renderDrawing(*db_));
-        auto index = std::make_shared<const kaldo::view::SceneIndex>(*scene);
-        auto snaps = std::make_shared<const kaldo::ui::SnapGeometry>(scene, index);
-        canvas_.showDrawing({scene, snaps, index, 1, false, {}});
+        canvas_.showDrawing(
+            kaldo::ui::publishedScene(std::make_shared<const kaldo::view::Scene>(kaldo::view::renderDrawing(*db_))));
         KxDbMline dragged;
         dragged.setDatabaseDefaults(db_.get());
         for (const KxGePoint3d& p : {KxGePoint3d(100, 100, 0), KxGePoint3d(5000, 100, 0), KxGePoint3d(9000, 4000, 0)})
@@ -147,6 +157,191 @@ void BM_PickAmongAMillionLines(benchmark::State& state)
         benchmark::DoNotOptimize(picks.nearest(db, {place(random), place(random), 0}, 1.0));
 }
 BENCHMARK(BM_PickAmongAMillionLines)->Unit(benchmark::kMicrosecond);
+
+// The mixed drawing, opened once for the run, and its scene as the command
+// thread publishes it.
+struct MixedDrawing {
+    MixedDrawing()
+        : path(std::getenv("KALDO_BENCH_MIXED_DXF")),
+          drawing(kaldo::dxf::readDxfFile(path)),
+          published(kaldo::ui::publishedScene(
+              std::make_shared<const kaldo::view::Scene>(kaldo::view::renderDrawing(*drawing.database))))
+    {
+    }
+    const char* path;
+    kaldo::dxf::DxfDrawing drawing;
+    kaldo::ui::PublishedDrawing published;
+};
+
+// Null (the benchmark skipped) without a drawing named.
+MixedDrawing* mixedDrawing(benchmark::State& state)
+{
+    if (!std::getenv("KALDO_BENCH_MIXED_DXF")) {
+        state.SkipWithError("KALDO_BENCH_MIXED_DXF names no drawing");
+        return nullptr;
+    }
+    static MixedDrawing drawing;
+    return &drawing;
+}
+
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// A canvas of 1600 x 1000 pixels showing the mixed drawing.
+class MixedCanvas {
+public:
+    explicit MixedCanvas(const kaldo::ui::PublishedDrawing& drawing) : target_(1600, 1000, QImage::Format_RGB32)
+    {
+        canvas_.resize(target_.size());
+        canvas_.showDrawing(drawing);
+    }
+
+    // Paints a frame; returns the milliseconds since start until it was
+    // painted, and adds those until the picture was complete to complete.
+    double frame(Clock::time_point start, double& complete)
+    {
+        canvas_.render(&target_);
+        const double frame = millisecondsSince(start);
+        while (canvas_.refining())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+        canvas_.render(&target_);
+        complete += millisecondsSince(start);
+        return frame;
+    }
+    void send(QEvent& event) { QApplication::sendEvent(&canvas_, &event); }
+    void mouse(QEvent::Type type, const QPointF& at, Qt::MouseButtons buttons)
+    {
+        QMouseEvent event(type, at, at, Qt::MiddleButton, buttons, Qt::NoModifier);
+        send(event);
+    }
+    void wheel(const QPointF& at, int angle)
+    {
+        QWheelEvent event(at, at, {}, {0, angle}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        send(event);
+    }
+
+private:
+    Canvas canvas_;
+    QImage target_;
+};
+
+void reportMemory(benchmark::State& state, double peak)
+{
+    state.counters["peak_MB"] = peak;
+    state.counters["file_MB"] = double(std::filesystem::file_size(std::getenv("KALDO_BENCH_MIXED_DXF"))) / 1e6;
+}
+
+// Runs work once per iteration and reports the process's peak memory
+// during it.
+template <class Work>
+void measureEach(benchmark::State& state, Work&& work)
+{
+    double peak = 0;
+    for (auto _ : state) {
+        resetPeakMemory();
+        work();
+        peak = std::max(peak, peakMegabytes());
+    }
+    reportMemory(state, peak);
+}
+
+// The command thread's work after a drawing opens, before the window has
+// anything to show: the scene and its index.
+void BM_MixedSceneAndIndex(benchmark::State& state)
+{
+    MixedDrawing* mixed = mixedDrawing(state);
+    if (!mixed)
+        return;
+    double scene = 0;
+    measureEach(state, [&] {
+        const Clock::time_point start = Clock::now();
+        const kaldo::view::Scene built = kaldo::view::renderDrawing(*mixed->drawing.database);
+        scene += millisecondsSince(start);
+        const kaldo::view::SceneIndex index(built);
+        benchmark::DoNotOptimize(&index);
+    });
+    state.counters["scene_ms"] = scene / double(state.iterations());
+}
+BENCHMARK(BM_MixedSceneAndIndex)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+
+// A canvas shown the published drawing: its first frame and its complete
+// picture.
+void BM_MixedFirstPicture(benchmark::State& state)
+{
+    MixedDrawing* mixed = mixedDrawing(state);
+    if (!mixed)
+        return;
+    double first = 0, complete = 0;
+    measureEach(state, [&] {
+        const Clock::time_point start = Clock::now();
+        MixedCanvas canvas(mixed->published);
+        first += canvas.frame(start, complete);
+    });
+    state.counters["first_frame_ms"] = first / double(state.iterations());
+    state.counters["complete_ms"] = complete / double(state.iterations());
+}
+BENCHMARK(BM_MixedFirstPicture)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+
+// A middle-button drag by a few pixels a step, of the whole drawing
+// (zoom 0) or of a view four wheel steps in (zoom 4): each step's frame,
+// once the picture before it is complete.
+void BM_MixedPan(benchmark::State& state)
+{
+    MixedDrawing* mixed = mixedDrawing(state);
+    if (!mixed)
+        return;
+    MixedCanvas canvas(mixed->published);
+    const QPointF centre(800, 500);
+    for (int step = 0; step < state.range(0); ++step)
+        canvas.wheel(centre, 120);
+    double complete = 0, frames = 0, peak = 0;
+    canvas.frame(Clock::now(), complete);
+    QPointF at = centre;
+    canvas.mouse(QEvent::MouseButtonPress, at, Qt::MiddleButton);
+    resetPeakMemory();
+    complete = 0;
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        at += QPointF(3, 2);
+        canvas.mouse(QEvent::MouseMove, at, Qt::MiddleButton);
+        frames += canvas.frame(start, complete);
+    }
+    peak = peakMegabytes();
+    canvas.mouse(QEvent::MouseButtonRelease, at, Qt::NoButton);
+    state.counters["frame_ms"] = frames / double(state.iterations());
+    state.counters["complete_ms"] = complete / double(state.iterations());
+    reportMemory(state, peak);
+}
+BENCHMARK(BM_MixedPan)->Arg(0)->Arg(4)->Unit(benchmark::kMillisecond)->Iterations(10)->UseRealTime();
+
+// Wheel steps in and out in turn at a point of the whole drawing: the
+// frame after the step and the complete picture.
+void BM_MixedZoom(benchmark::State& state)
+{
+    MixedDrawing* mixed = mixedDrawing(state);
+    if (!mixed)
+        return;
+    MixedCanvas canvas(mixed->published);
+    double complete = 0, frames = 0;
+    canvas.frame(Clock::now(), complete);
+    resetPeakMemory();
+    complete = 0;
+    int angle = 120;
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        canvas.wheel({700, 450}, angle);
+        angle = -angle;
+        frames += canvas.frame(start, complete);
+    }
+    state.counters["frame_ms"] = frames / double(state.iterations());
+    state.counters["complete_ms"] = complete / double(state.iterations());
+    reportMemory(state, peakMegabytes());
+}
+BENCHMARK(BM_MixedZoom)->Unit(benchmark::kMillisecond)->Iterations(6)->UseRealTime();
 
 }  // namespace
 

@@ -163,7 +163,7 @@ void Canvas::setInputState(const InputState& state)
 void Canvas::zoomExtents()
 {
     if (drawing_.scene)
-        place(fitted(placement_, drawing_.scene->bounds()));
+        place(fitted(placement_, drawing_.bounds));
 }
 
 bool Canvas::wantsPoint() const

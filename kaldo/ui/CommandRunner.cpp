@@ -14,6 +14,16 @@
 
 namespace kaldo::ui {
 
+PublishedDrawing publishedScene(std::shared_ptr<const view::Scene> scene)
+{
+    PublishedDrawing drawing;
+    drawing.index = std::make_shared<const view::SceneIndex>(*scene);
+    drawing.snaps = std::make_shared<const SnapGeometry>(scene, drawing.index);
+    drawing.bounds = scene->bounds();
+    drawing.scene = std::move(scene);
+    return drawing;
+}
+
 CommandRunner::CommandRunner(Session& session) : session_(session)
 {
     Editor& editor = session_.editor();
@@ -119,18 +129,14 @@ void CommandRunner::publishIfChanged()
         view::RenderNotes notes;
         std::wstring said;
         try {
-            auto scene = std::make_shared<const view::Scene>(view::renderDrawing(db, &notes, view::PointBudget::kPicture, session_.textStyleFonts()));
-            published_.index = std::make_shared<const view::SceneIndex>(*scene);
-            published_.snaps = std::make_shared<const SnapGeometry>(scene, published_.index);
-            published_.scene = std::move(scene);
+            published_.drawing = publishedScene(std::make_shared<const view::Scene>(
+                view::renderDrawing(db, &notes, view::PointBudget::kPicture, session_.textStyleFonts())));
             published_.failed = false;
         } catch (...) {
             if (another || !published_.failed)
                 said = L"The drawing cannot be shown in the window: "
                     + kxutFromMultiByte(view::failureReason(std::current_exception())) + L".\n";
-            published_.scene = std::make_shared<const view::Scene>();
-            published_.index = std::make_shared<const view::SceneIndex>(*published_.scene);
-            published_.snaps = std::make_shared<const SnapGeometry>(published_.scene, published_.index);
+            published_.drawing = publishedScene(std::make_shared<const view::Scene>());
             published_.failed = true;
         }
         if (another)
@@ -138,10 +144,11 @@ void CommandRunner::publishIfChanged()
         if (!said.empty())
             session_.editor().write(L"\n" + said);
     }
-    published_ = {&db, session_.drawingSerial(), db.changeCount(), modified, path, published_.scene,
-                  published_.snaps, published_.index, true, published_.failed};
-    PublishedDrawing drawing{published_.scene, published_.snaps, published_.index, session_.drawingSerial(), modified,
-                             QString::fromStdWString(path)};
+    PublishedDrawing drawing = published_.drawing;
+    drawing.serial = session_.drawingSerial();
+    drawing.modified = modified;
+    drawing.path = QString::fromStdWString(path);
+    published_ = {&db, session_.drawingSerial(), db.changeCount(), modified, path, drawing, true, published_.failed};
     emitOnGui([this, drawing] { emit drawingPublished(drawing); });
 }
 

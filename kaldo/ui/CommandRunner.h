@@ -41,10 +41,15 @@ struct PublishedDrawing {
     std::shared_ptr<const view::Scene> scene;
     std::shared_ptr<const SnapGeometry> snaps;
     std::shared_ptr<const view::SceneIndex> index;  // where the scene's items lie
+    view::Bounds bounds;  // the scene's, worked out once, as the window fits them
     unsigned serial = 0;  // grows when another drawing is opened
     bool modified = false;
     QString path;  // empty for a drawing never saved
 };
+
+// A drawing of scene with its index, snaps and bounds worked out (serial,
+// modified and path as for a new drawing never saved).
+PublishedDrawing publishedScene(std::shared_ptr<const view::Scene> scene);
 
 // What the command line waits for, with the settings the window needs to
 // show it (pick box, units, the user coordinate system).
@@ -139,9 +144,7 @@ private:
         std::uint64_t changes = 0;
         bool modified = false;
         std::wstring path;
-        std::shared_ptr<const view::Scene> scene;
-        std::shared_ptr<const SnapGeometry> snaps;
-        std::shared_ptr<const view::SceneIndex> index;
+        PublishedDrawing drawing;  // its scene, index, snaps and bounds
         bool valid = false;
         bool failed = false;  // the drawing could not be drawn
     } published_;

@@ -49,23 +49,30 @@ bool sameFrame(const view::PictureFrame& a, const view::PictureFrame& b)
         && a.y(0) == b.y(0);
 }
 
-// The drawing's items as the index knows them, in one colour: a dot for an
-// item within two pixels, its box for a larger one.
+// The drawing's items as the index knows them, in one colour, at the
+// detail the frame shows: an item, or a group of items lying close
+// together, within a few pixels fills them, a larger item's box is drawn.
+// The work grows with the pixels the items fill, not with their number.
 void sketch(QImage& image, const view::SceneIndex& index, const view::PictureFrame& frame)
 {
+    constexpr double kSpotPixels = 4;
     const Box view{frame.worldX(0), frame.worldY(frame.height()), frame.worldX(frame.width()), frame.worldY(0)};
     std::vector<QRectF> boxes;
     const QRgb ink = kSketch.rgb();
-    index.queryBoxes(view, [&](const Box& box) {
+    const int width = image.width(), height = image.height();
+    const qsizetype stride = image.bytesPerLine() / qsizetype(sizeof(QRgb));
+    QRgb* const pixels = reinterpret_cast<QRgb*>(image.bits());
+    index.queryBoxes(view, kSpotPixels / frame.scale(), [&](const Box& box) {
         const double left = frame.x(box.minX), right = frame.x(box.maxX);
         const double top = frame.y(box.maxY), bottom = frame.y(box.minY);
-        if (right - left >= 2 || bottom - top >= 2) {
+        if (right - left >= kSpotPixels || bottom - top >= kSpotPixels) {
             boxes.emplace_back(QPointF(left, top), QPointF(right, bottom));
             return;
         }
-        const int x = int(std::floor((left + right) / 2)), y = int(std::floor((top + bottom) / 2));
-        if (x >= 0 && y >= 0 && x < image.width() && y < image.height())
-            reinterpret_cast<QRgb*>(image.scanLine(y))[x] = ink;
+        const int firstX = std::max(0, int(std::floor(left))), endX = std::min(width, int(std::floor(right)) + 1);
+        const int firstY = std::max(0, int(std::floor(top))), endY = std::min(height, int(std::floor(bottom)) + 1);
+        for (int y = firstY; y < endY; ++y)
+            std::fill(pixels + y * stride + firstX, pixels + y * stride + std::max(firstX, endX), ink);
     });
     QPainter painter(&image);
     painter.setPen(kSketch);
@@ -157,15 +164,18 @@ void DrawingPicture::scroll(const PublishedDrawing& drawing, const view::Picture
 void DrawingPicture::preview(const PublishedDrawing& drawing, const view::PictureFrame& frame)
 {
     QImage next = blankPicture(frame);
-    if (m_scene == drawing.scene.get() && !m_picture.isNull()) {
-        // Where the corners of the picture shown go in the new view.
-        const double zoom = frame.scale() / m_frame.scale();
-        const QRectF target(frame.x(m_frame.worldX(0)), frame.y(m_frame.worldY(0)), m_picture.width() * zoom,
-                            m_picture.height() * zoom);
+    const bool same = m_scene == drawing.scene.get() && !m_picture.isNull();
+    // Where the corners of the picture shown go in the new view.
+    const double zoom = same ? frame.scale() / m_frame.scale() : 1;
+    const QRectF target(frame.x(m_frame.worldX(0)), frame.y(m_frame.worldY(0)), m_picture.width() * zoom,
+                        m_picture.height() * zoom);
+    // What the picture shown does not cover (all of another drawing) is
+    // sketched.
+    if (drawing.index && !(same && target.contains(QRectF(next.rect()))))
+        sketch(next, *drawing.index, frame);
+    if (same) {
         QPainter painter(&next);
         painter.drawImage(target, m_picture);
-    } else if (drawing.index) {
-        sketch(next, *drawing.index, frame);
     }
     m_picture = std::move(next);
     m_scene = drawing.scene.get();

@@ -36,6 +36,16 @@ public:
     template <class Visit>
     void query(const Box& query, Visit&& visit) const
     {
+        queryCoarse(query, 0, visit, [](const Box&) {});
+    }
+
+    // The same, except that where a node of the tree that meets query is
+    // narrower and lower than detail, group(the node's box) is called for
+    // all the boxes below it instead: the boxes at the size a view shows
+    // them, in as many calls as there are places they fill.
+    template <class Visit, class Group>
+    void queryCoarse(const Box& query, double detail, Visit&& visit, Group&& group) const
+    {
         if (m_levels.empty())
             return;
         // Nodes of the top level are all searched; a node's children are
@@ -48,10 +58,15 @@ public:
             const auto [level, node] = stack.back();
             stack.pop_back();
             const std::vector<Box>& boxes = m_levels[std::size_t(level)];
-            if (!boxes[node].meets(query))
+            const Box& box = boxes[node];
+            if (!box.meets(query))
                 continue;
             if (level == 0) {
                 visit(m_items[node]);
+                continue;
+            }
+            if (box.maxX - box.minX < detail && box.maxY - box.minY < detail) {
+                group(box);
                 continue;
             }
             const std::vector<Box>& below = m_levels[std::size_t(level) - 1];

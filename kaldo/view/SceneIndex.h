@@ -47,15 +47,19 @@ public:
         });
     }
 
-    // Calls visit(item's box) for each item of known extent whose box
-    // meets box, in no set order.
+    // Calls visit(box) for each item of known extent whose box meets box,
+    // in no set order; where items lie close together, once for a group of
+    // them whose box (given instead) is narrower and lower than detail.
     template <class Visit>
-    void queryBoxes(const Box& box, Visit&& visit) const
+    void queryBoxes(const Box& box, double detail, Visit&& visit) const
     {
-        m_index.query(box, [&](std::uint32_t item) {
-            if (m_finite[item])
-                visit(m_boxes[item]);
-        });
+        m_index.queryCoarse(
+            box, detail,
+            [&](std::uint32_t item) {
+                if (m_finite[item])
+                    visit(m_boxes[item]);
+            },
+            visit);
     }
 
 private:

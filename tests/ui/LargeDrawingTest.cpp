@@ -1,20 +1,28 @@
-// A large drawing in the window: the canvas shows a preview at once and
+// A large drawing in the window: the canvas shows a sketch at once and
 // paints the picture on a thread of its own, while the command line takes
-// what is typed; the picture that lands is the one painting the drawing
-// whole gives, after opening and after a wheel step alike.
+// and runs commands; the picture that lands is the one painting the drawing
+// whole gives, after opening, after a wheel step and after a middle-button
+// pan alike, with a known line where the view places it.
 #include "WindowFixture.h"
 
 #include "kaldo/ui/ViewGeometry.h"
 #include "kaldo/view/PngExport.h"
-#include "kaldo/view/SceneIndex.h"
 
 #include <QLineEdit>
 #include <QTest>
 #include <QWheelEvent>
 
+#include <cmath>
+
 namespace {
 
-// A grid of short lines of two colours, more than the canvas paints at once.
+constexpr QRgb kMarkRgb = 0x00FF00;
+// The start of the green line, and how far along it the line goes.
+const kaldo::view::Point2 kMarked{0, 2005};
+constexpr double kMarkedLength = 4000;
+
+// A grid of short lines of two colours, more than the canvas paints at once,
+// with a long green line along the middle, where three rows are left out.
 std::shared_ptr<const kaldo::view::Scene> gridOfLines()
 {
     auto scene = std::make_shared<kaldo::view::Scene>();
@@ -22,9 +30,26 @@ std::shared_ptr<const kaldo::view::Scene> gridOfLines()
     const int side = 400;
     for (int i = 0; i < side * side; ++i) {
         const double x = (i % side) * 10.0, y = (i / side) * 10.0;
-        scene->addLine({x, y}, {x + 7, y + 3 + (i % 7)}, pens[i % 2]);
+        if (std::abs(y - kMarked.y) > 20)
+            scene->addLine({x, y}, {x + 7, y + 3 + (i % 7)}, pens[i % 2]);
     }
+    scene->addLine(kMarked, {kMarked.x + kMarkedLength, kMarked.y}, scene->pen({kaldo::view::DrawColor::fixed(kMarkRgb)}));
     return scene;
+}
+
+// Whether the pixels at the middle of the green line, where the canvas's view
+// places it, show it (a pixel above or below, as antialiasing shares it).
+bool showsMarkedLine(const QImage& image, const kaldo::ui::Canvas& canvas)
+{
+    const QPoint at =
+        kaldo::ui::pixelAt(canvas.placement(), {kMarked.x + kMarkedLength / 2, kMarked.y}).toPoint();
+    int green = 0;
+    for (const int dy : {-1, 0, 1}) {
+        const QPoint pixel = at + QPoint(0, dy);
+        if (image.rect().contains(pixel) && qRed(image.pixel(pixel)) < 80 && qBlue(image.pixel(pixel)) < 80)
+            green += qGreen(image.pixel(pixel));
+    }
+    return green >= 200;
 }
 
 // The canvas's drawing painted whole in its current view, as the canvas
@@ -50,28 +75,37 @@ using LargeDrawing = WindowFixture;
 
 TEST_F(LargeDrawing, ShowsAPreviewAtOnceTakesTypingAndLandsThePictureOfTheWholeDrawing)
 {
-    kaldo::ui::PublishedDrawing drawing;
-    drawing.scene = gridOfLines();
-    drawing.index = std::make_shared<const kaldo::view::SceneIndex>(*drawing.scene);
-    drawing.snaps = std::make_shared<const kaldo::ui::SnapGeometry>(drawing.scene, drawing.index);
+    kaldo::ui::PublishedDrawing drawing = kaldo::ui::publishedScene(gridOfLines());
     drawing.serial = window().drawing().serial + 1;
     ASSERT_GT(drawing.scene->polylines().size(), kaldo::ui::DrawingPicture::kPaintedAtOnce);
     canvas().showDrawing(drawing);
 
-    // The first frame comes at once, with a preview: its picture is still
-    // being painted, and only the event loop can bring it.
+    // The first frame comes at once, with a sketch of where things are:
+    // its picture is still being painted, and only the event loop can
+    // bring it.
+    QEvent leave(QEvent::Leave);  // no crosshair over the picture
+    QApplication::sendEvent(&canvas(), &leave);
     const QImage preview = grabbed(canvas());
     EXPECT_TRUE(canvas().refining());
     const QImage whole = paintedWhole(canvas(), drawing);
     EXPECT_NE(preview, whole);
+    const QPoint gridMiddle = kaldo::ui::pixelAt(canvas().placement(), {2000, 1000}).toPoint();
+    EXPECT_NE(preview.pixel(gridMiddle), preview.pixel(2, 2));
 
-    // The command line takes keys while the picture is painted.
+    // The command line runs a command while the picture is painted.
     QLineEdit& input = *window().commandLine()->input();
     input.setFocus();
     QTest::keyClicks(&input, "LINE");
     EXPECT_EQ(input.text(), "LINE");
+    input.clear();
+    EXPECT_TRUE(canvas().refining());
+    type("LINE");
+    ASSERT_TRUE(waitForPrompt("Specify first point: ", Kind::Point));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !canvas().refining(); }, kWaitMs));
     EXPECT_EQ(grabbed(canvas()), whole);
+    EXPECT_TRUE(showsMarkedLine(whole, canvas()));
 
     // A wheel step shows the picture scaled at once, then the new view's.
     const QPointF at(canvas().width() / 3.0, canvas().height() / 2.0);
@@ -84,18 +118,37 @@ TEST_F(LargeDrawing, ShowsAPreviewAtOnceTakesTypingAndLandsThePictureOfTheWholeD
     EXPECT_NE(scaled, zoomed);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !canvas().refining(); }, kWaitMs));
     EXPECT_EQ(grabbed(canvas()), zoomed);
+    EXPECT_TRUE(showsMarkedLine(zoomed, canvas()));
 
+    // A middle-button drag moves the drawing with the mouse.
+    const auto drag = [&](const QPoint& from, const QPoint& to) {
+        QTest::mousePress(&canvas(), Qt::MiddleButton, {}, from);
+        QMouseEvent move(QEvent::MouseMove, to, canvas().mapToGlobal(QPointF(to)), Qt::NoButton, Qt::MiddleButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(&canvas(), &move);
+        QTest::mouseRelease(&canvas(), Qt::MiddleButton, {}, to);
+        QApplication::sendEvent(&canvas(), &leave);
+    };
     // A pan by whole pixels of the finished picture paints only what it
     // uncovers, at once, and comes out as painting the view whole.
-    QTest::mousePress(&canvas(), Qt::MiddleButton, {}, QPoint(200, 200));
-    QMouseEvent move(QEvent::MouseMove, QPointF(237, 181), canvas().mapToGlobal(QPointF(237, 181)), Qt::NoButton,
-                     Qt::MiddleButton, Qt::NoModifier);
-    QApplication::sendEvent(&canvas(), &move);
-    QTest::mouseRelease(&canvas(), Qt::MiddleButton, {}, QPoint(237, 181));
-    QEvent leave(QEvent::Leave);  // no crosshair over the picture
-    QApplication::sendEvent(&canvas(), &leave);
+    const kaldo::ViewPlacement before = canvas().placement();
+    drag({200, 200}, {237, 181});
     const QImage panned = grabbed(canvas());
     EXPECT_FALSE(canvas().refining());
+    EXPECT_EQ(kaldo::ui::pixelAt(canvas().placement(), kMarked), kaldo::ui::pixelAt(before, kMarked) + QPointF(37, -19));
     EXPECT_EQ(panned, paintedWhole(canvas(), drawing));
-    input.clear();
+    EXPECT_TRUE(showsMarkedLine(panned, canvas()));
+
+    // A pan while the picture of a wheel step is painted: the painting of
+    // the view left behind never lands, that of the view reached does.
+    QApplication::sendEvent(&canvas(), &wheel);
+    grabbed(canvas());
+    EXPECT_TRUE(canvas().refining());
+    drag({300, 200}, {260, 250});
+    grabbed(canvas());
+    EXPECT_TRUE(canvas().refining());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !canvas().refining(); }, kWaitMs));
+    const QImage landed = grabbed(canvas());
+    EXPECT_EQ(landed, paintedWhole(canvas(), drawing));
+    EXPECT_TRUE(showsMarkedLine(landed, canvas()));
 }
