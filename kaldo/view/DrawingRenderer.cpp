@@ -328,14 +328,15 @@ void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const 
         done(scene);
         return;
     }
-    // Room for a typical multiline per entity: pages only count once
-    // written, and growing by copies would write everything twice.
+    // Room for a typical multiline, and an arc, per entity: pages only
+    // count once written, and growing by copies would write everything
+    // twice (and leave the old copies' pages to the process).
     const std::size_t entities = std::min(std::size_t(space->numEntities()), entitiesPerPiece);
     DrawingPass pass(db, notes, styles, points);
     const auto newPiece = [&] {
         auto scene = std::make_unique<Scene>();
         scene->keepTexts(keepTexts);
-        scene->reserve(entities * 48, entities * 8);
+        scene->reserve(entities * 48, entities * 8, entities);
         return scene;
     };
     std::unique_ptr<Scene> scene = newPiece();

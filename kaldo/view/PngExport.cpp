@@ -45,14 +45,30 @@ struct PixelBox {
     bool underAPixel() const { return bottom - top < 1 && right - left < 1; }
 };
 
+// The items to paint by colour of fill and by pen, in scene order: all of
+// them, or those near is given.
+struct PaintOrder {
+    PaintOrder(const Scene& scene, const SceneItems* near)
+        : fills(groupFills(scene, near ? &near->polygons : nullptr, near ? &near->instances : nullptr)),
+          lines(groupLines(scene, near ? &near->polylines : nullptr, near ? &near->instances : nullptr)),
+          arcs(groupByPen(scene.arcs(), scene.pens().size(), near ? &near->arcs : nullptr))
+    {
+    }
+    FillGroups fills;
+    LineGroups lines;
+    PenGroups arcs;
+};
+
 // Paints the part of a scene that falls in some areas of the picture;
 // only items reaching one of them are drawn, in scene order. With the
-// scene's index only the items it finds near the areas are looked at.
+// scene's index only the items it finds near the areas are looked at;
+// without it, the painters of the bands of one picture share the order of
+// all items (given), which they would each make alike.
 // Whatever is smaller than a pixel is a dot.
 class ScenePainter {
 public:
     ScenePainter(const Scene& scene, Background background, QPainter& painter, const PictureFrame& frame,
-                 std::vector<Band> bands, const PaintDetail& detail)
+                 std::vector<Band> bands, const PaintDetail& detail, const PaintOrder* allItems = nullptr)
         : m_scene(scene),
           m_background(background),
           m_frame(frame),
@@ -66,14 +82,16 @@ public:
         m_lines.reserve(kBatch);
         if (m_index)
             m_near = m_index->near(bandBoxes());
+        if (m_index || !allItems)
+            m_ownOrder.emplace(m_scene, m_near ? &*m_near : nullptr);
+        m_order = m_ownOrder ? &*m_ownOrder : allItems;
     }
 
     void paint()
     {
         paintFills();
-        const LineGroups lines =
-            groupLines(m_scene, m_near ? &m_near->polylines : nullptr, m_near ? &m_near->instances : nullptr);
-        const PenGroups arcs = groupByPen(m_scene.arcs(), m_scene.pens().size(), m_near ? &m_near->arcs : nullptr);
+        const LineGroups& lines = m_order->lines;
+        const PenGroups& arcs = m_order->arcs;
         const std::vector<std::size_t> order = penOrder();
         const std::vector<bool> hidden = m_coarse ? hiddenInNarrowGroups(order) : std::vector<bool>();
         for (const std::size_t p : order) {
@@ -176,8 +194,7 @@ private:
 
     void paintFills()
     {
-        const FillGroups fills =
-            groupFills(m_scene, m_near ? &m_near->polygons : nullptr, m_near ? &m_near->instances : nullptr);
+        const FillGroups& fills = m_order->fills;
         for (std::size_t c = 0; c < fills.colors.size(); ++c) {
             QPainterPath path;
             path.setFillRule(Qt::WindingFill);
@@ -413,6 +430,8 @@ private:
     const SceneIndex* m_index;
     const std::atomic<bool>* m_stop;
     std::optional<SceneItems> m_near;
+    std::optional<PaintOrder> m_ownOrder;
+    const PaintOrder* m_order = nullptr;
 };
 
 }  // namespace
@@ -444,6 +463,9 @@ void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Ba
     // ended, so that nothing leaves a thread.
     uchar* const pixels = image.bits();
     std::vector<std::exception_ptr> failures(std::size_t(bands), nullptr);
+    std::optional<PaintOrder> allItems;
+    if (!detail.index && bands > 1)
+        allItems.emplace(scene, nullptr);
     const auto paintBand = [&](int b) {
         try {
             QImage view(pixels, image.width(), image.height(), image.bytesPerLine(), image.format());
@@ -452,7 +474,9 @@ void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Ba
             QPainter painter(&view);
             painter.setRenderHint(QPainter::Antialiasing);
             painter.setClipRect(QRect(0, top, image.width(), bottom - top));
-            paintScene(painter, scene, frame, background, top, bottom, detail);
+            ScenePainter(scene, background, painter, frame, {Band{double(top), double(bottom)}}, detail,
+                         allItems ? &*allItems : nullptr)
+                .paint();
         } catch (...) {
             failures[std::size_t(b)] = std::current_exception();
         }

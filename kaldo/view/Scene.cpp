@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "kaldo/view/HugePages.h"
+#include "kaldo/view/LineLetters.h"
 
 namespace kaldo::view {
 
@@ -26,8 +27,9 @@ Point2 arcPoint(const Arc& arc, int step, int steps)
     return {arc.centre.x + arc.radius * std::cos(a), arc.centre.y + arc.radius * std::sin(a)};
 }
 
-// The corners of the convex hull of points (Andrew's monotone chain), in
-// order; points that are not finite numbers are left out.
+}  // namespace
+
+// Andrew's monotone chain.
 std::vector<Point2> convexHull(std::vector<Point2> points)
 {
     std::erase_if(points, [](const Point2& p) { return !std::isfinite(p.x) || !std::isfinite(p.y); });
@@ -54,6 +56,8 @@ std::vector<Point2> convexHull(std::vector<Point2> points)
     hull.resize(k - 1);
     return hull;
 }
+
+namespace {
 
 // The corners of a kept text line's box, placed.
 std::array<Point2, 4> textCorners(const TextLine& text)
@@ -199,23 +203,6 @@ std::uint32_t Scene::addPart(const Scene& scene)
     return endPart(firstPoint, firstPolyline, firstPolygon, firstText);
 }
 
-std::uint32_t Scene::addOutlinePart(std::span<const std::vector<Point2>> outlines)
-{
-    const auto firstPoint = std::uint32_t(m_partPoints.size());
-    const auto firstPolygon = std::uint32_t(m_partPolygons.size());
-    for (const std::vector<Point2>& outline : outlines) {
-        std::size_t count = outline.size();
-        // As a fill does not repeat its first point.
-        if (count > 2 && outline.back().x == outline.front().x && outline.back().y == outline.front().y)
-            --count;
-        if (count < 3)
-            continue;
-        m_partPolygons.push_back({std::uint32_t(m_partPoints.size()), std::uint32_t(count), {}, true});
-        m_partPoints.insert(m_partPoints.end(), outline.begin(), outline.begin() + std::ptrdiff_t(count));
-    }
-    return endPart(firstPoint, std::uint32_t(m_partPolylines.size()), firstPolygon, std::uint32_t(m_partTexts.size()));
-}
-
 std::uint32_t Scene::endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon,
                              std::uint32_t firstText)
 {
@@ -261,6 +248,33 @@ std::uint32_t Scene::addShape(std::span<const ShapeRun> runs, const Bounds& box,
     return std::uint32_t(m_shapes.size() - 1);
 }
 
+LineLetters& Scene::lineLetters()
+{
+    if (!m_lineLetters)
+        m_lineLetters = std::make_shared<LineLetters>();
+    return *m_lineLetters;
+}
+
+std::uint32_t Scene::addLineShape(std::uint32_t line, const Bounds& box)
+{
+    Shape shape;
+    shape.firstRun = shape.endRun = std::uint32_t(m_runs.size());
+    shape.firstPen = std::uint32_t(m_shapePens.size());
+    m_shapePens.push_back(kInstancePen);
+    shape.endPen = std::uint32_t(m_shapePens.size());
+    shape.box = box;
+    shape.text = true;
+    shape.fills = true;
+    shape.line = line;
+    m_shapes.push_back(shape);
+    return std::uint32_t(m_shapes.size() - 1);
+}
+
+std::span<const LaidOutLetter> Scene::letters(const Shape& shape) const
+{
+    return m_lineLetters->letters(shape.line);
+}
+
 bool Scene::addInstance(std::uint32_t shapeIndex, const Affine& place, int pen)
 {
     const Shape& shape = m_shapes[shapeIndex];
@@ -276,6 +290,12 @@ bool Scene::addInstance(std::uint32_t shapeIndex, const Affine& place, int pen)
     m_instances.push_back({place, Box{bounds.minX, bounds.minY, bounds.maxX, bounds.maxY}, shapeIndex, pen,
                            std::uint32_t(m_polylines.size()), std::uint32_t(m_polygons.size())});
     return true;
+}
+
+void Scene::addInstance(std::uint32_t shape, const Affine& place, int pen, const Box& box)
+{
+    m_instances.push_back(
+        {place, box, shape, pen, std::uint32_t(m_polylines.size()), std::uint32_t(m_polygons.size())});
 }
 
 std::size_t Scene::shapePoints(std::uint32_t shapeIndex) const
@@ -316,12 +336,14 @@ Bounds Scene::bounds() const
     return b;
 }
 
-void Scene::reserve(std::size_t points, std::size_t polylines)
+void Scene::reserve(std::size_t points, std::size_t polylines, std::size_t arcs)
 {
     m_points.reserve(points);
     m_polylines.reserve(polylines);
     adviseHugePages(m_points.data(), m_points.capacity() * sizeof(Point2));
     adviseHugePages(m_polylines.data(), m_polylines.capacity() * sizeof(Polyline));
+    // Arcs are few beside points: huge pages would mostly hold unused room.
+    m_arcs.reserve(arcs);
 }
 
 void addArcBounds(Bounds& bounds, const Arc& arc)

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <span>
 #include <string>
 #include <tuple>
@@ -133,6 +134,25 @@ struct Part {
     std::uint32_t firstHull = 0, endHull = 0;
 };
 
+// The closed outlines of a glyph, filled together, in layout units (y
+// downwards); outline i ends before point ends[i].
+struct GlyphOutlines {
+    std::vector<Point2> points;
+    std::vector<std::uint32_t> ends;
+};
+
+// A letter of a line of text laid out: its glyph moved along the line.
+struct LaidOutLetter {
+    const GlyphOutlines* glyph = nullptr;
+    double shift = 0;
+};
+
+class LineLetters;
+
+// A shape that is a line of text of the scene's LineLetters rather than
+// parts.
+constexpr std::uint32_t kNoLine = 0xFFFFFFFFu;
+
 // A part moved along x within a shape (a letter along its line).
 struct ShapeRun {
     std::uint32_t part = 0;
@@ -151,6 +171,9 @@ struct Shape {
     Bounds box;
     bool text = false;   // small in a coarse picture, it is drawn as its box
     bool fills = false;  // whether its parts have fills
+    // A line of text laid out when first drawn (its letters filled in the
+    // instance's colour).
+    std::uint32_t line = kNoLine;
 };
 
 // A shape placed. box is its exact extent in the drawing; the instance
@@ -196,13 +219,20 @@ public:
     // texts placed);
     // returns the part's index.
     std::uint32_t addPart(const Scene& scene);
-    // Adds a part of closed outlines filled together (a hole winds against
-    // its outline) in the colour of the instance's pen; returns its index.
-    std::uint32_t addOutlinePart(std::span<const std::vector<Point2>> outlines);
     // Adds a shape of the parts of runs; returns its index.
     std::uint32_t addShape(std::span<const ShapeRun> runs, const Bounds& box, bool text);
+    // The lines of text laid out when first drawn, made at the first call.
+    LineLetters& lineLetters();
+    // Adds a shape of a line of lineLetters() whose box is box; returns its
+    // index.
+    std::uint32_t addLineShape(std::uint32_t line, const Bounds& box);
+    // The letters of a line shape, laid out now when first asked for.
+    std::span<const LaidOutLetter> letters(const Shape& shape) const;
     // Places a shape; returns false (adding nothing) when it has no points.
     bool addInstance(std::uint32_t shape, const Affine& place, int pen);
+    // Places a shape whose extent the caller knows (a line of text not yet
+    // laid out).
+    void addInstance(std::uint32_t shape, const Affine& place, int pen, const Box& box);
     // Points that placing the shape adds to a picture drawn in full.
     std::size_t shapePoints(std::uint32_t shape) const;
 
@@ -246,7 +276,8 @@ public:
     template <class Visit>
     void visitTexts(Visit&& visit) const;
     // Calls visit(color) for each fill of one instance, in the order of
-    // visitPolygons, without placing its points.
+    // visitPolygons, without placing its points (for a line of text not
+    // laid out, its one colour once).
     template <class Visit>
     void visitFillColors(const Instance& instance, Visit&& visit) const;
     // Calls visit(pen) for each pen an instance draws in (its own for
@@ -256,8 +287,8 @@ public:
 
     // The extents of everything drawn.
     Bounds bounds() const;
-    // Reserves room for about this many points and polylines.
-    void reserve(std::size_t points, std::size_t polylines);
+    // Reserves room for about this many points, polylines and arcs.
+    void reserve(std::size_t points, std::size_t polylines, std::size_t arcs);
 
 private:
     // Calls visit(item, its points placed) for the items of the instance's
@@ -288,6 +319,7 @@ private:
     std::vector<Polygon> m_partPolygons;
     std::vector<Point2> m_hulls;
     std::vector<TextLine> m_partTexts;
+    std::shared_ptr<LineLetters> m_lineLetters;
     // Pens and patterns by what they are: copies of blocks look theirs up
     // for each copy.
     std::map<std::tuple<bool, std::uint32_t, int, int>, int> m_penIndex;
@@ -295,6 +327,10 @@ private:
     std::size_t m_openFirst = 0;
     int m_openPen = 0;
 };
+
+// The corners of the convex hull of points, in order; points that are not
+// finite numbers are left out.
+std::vector<Point2> convexHull(std::vector<Point2> points);
 
 // The extents of an arc: its end points and the quadrant points it passes.
 void addArcBounds(Bounds& bounds, const Arc& arc);
@@ -330,6 +366,23 @@ void Scene::visitPolylines(const Instance& instance, Visit&& visit) const
 template <class Visit>
 void Scene::visitPolygons(const Instance& instance, Visit&& visit) const
 {
+    const Shape& shape = m_shapes[instance.shape];
+    if (shape.line != kNoLine) {
+        const DrawColor& color = m_pens[std::size_t(instance.pen)].color;
+        std::vector<Point2> placed;
+        for (const LaidOutLetter& letter : letters(shape)) {
+            const Affine place = instance.place.shiftedAlongX(letter.shift);
+            std::uint32_t begin = 0;
+            for (const std::uint32_t end : letter.glyph->ends) {
+                placed.clear();
+                for (std::uint32_t p = begin; p < end; ++p)
+                    placed.push_back(place(letter.glyph->points[p]));
+                visit(color, std::span<const Point2>(placed));
+                begin = end;
+            }
+        }
+        return;
+    }
     visitPlaced(instance, &Part::firstPolygon, &Part::endPolygon, m_partPolygons,
                 [&](const Polygon& polygon, std::span<const Point2> placed) {
                     visit(polygon.instanceColor ? m_pens[std::size_t(instance.pen)].color : polygon.color, placed);
@@ -340,6 +393,10 @@ template <class Visit>
 void Scene::visitFillColors(const Instance& instance, Visit&& visit) const
 {
     const Shape& shape = m_shapes[instance.shape];
+    if (shape.line != kNoLine) {
+        visit(m_pens[std::size_t(instance.pen)].color);
+        return;
+    }
     for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r) {
         const Part& part = m_parts[m_runs[r].part];
         for (std::uint32_t i = part.firstPolygon; i < part.endPolygon; ++i) {

@@ -3,13 +3,15 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QGlyphRun>
 #include <QGuiApplication>
+#include <QGlyphRun>
 #include <QPainterPath>
 #include <QTextLayout>
 
+#include "kaldo/view/LineLetters.h"
+
+#include <algorithm>
 #include <cmath>
-#include <optional>
 
 namespace kaldo::view {
 
@@ -23,6 +25,13 @@ constexpr double kLineSpacing = 5.0 / 3.0;
 // Outlines are drawn only while the budget holds this many points for
 // each letter of a line: a letter never has fewer.
 constexpr std::size_t kLeastPointsPerLetter = 4;
+
+// Whether a line's letters are each one glyph of its font side by side
+// (printable Latin), so that its extent can be measured without shaping.
+bool measurableWithoutShaping(const QString& line)
+{
+    return std::all_of(line.begin(), line.end(), [](QChar letter) { return letter >= u' ' && letter < u'\u0300'; });
+}
 
 // Font files of other systems and the families they hold, where the
 // file's name does not say it.
@@ -67,7 +76,8 @@ QFont fontForFile(const std::string& file)
     return font;
 }
 
-TextShapes::Font::Font(const std::string& file) : file(file), font(fontForFile(file)), metrics(font)
+TextShapes::Font::Font(const std::string& file)
+    : file(file), font(fontForFile(file)), metrics(font), raw(QRawFont::fromFont(font))
 {
     cap = metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent();
 }
@@ -77,7 +87,7 @@ TextShapes::TextShapes(Scene& scene, PointBudget& budget, const TextStyleFonts& 
 {
 }
 
-const TextShapes::Font& TextShapes::styleFont(const std::string& style)
+TextShapes::Font& TextShapes::styleFont(const std::string& style)
 {
     if (const auto found = m_styleFonts.find(style); found != m_styleFonts.end())
         return *found->second;
@@ -93,7 +103,7 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
 {
     if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
         return false;
-    const Font& font = styleFont(place.style);
+    Font& font = styleFont(place.style);
     const double cap = font.cap;
     const double descent = font.metrics.descent();
     double scale = place.height / cap;
@@ -122,7 +132,6 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
     // Letters lean by moving each point along the line by its height
     // above the baseline times this.
     const double lean = std::tan(place.oblique);
-    std::vector<ShapeRun> runs;
     for (qsizetype i = 0; i < lines.size(); ++i) {
         if (lines[i].trimmed().isEmpty())
             continue;
@@ -137,72 +146,84 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
                 {lines[i].toStdString(), font.file, left, Box{left, -cap, left + width, descent}, toDrawing, pen});
             continue;
         }
-        runs.clear();
+        const LineMeasure measure = measureLine(font, lines[i]);
+        const double left = -place.horizontal * measure.advance;
+        const Box box{left, descent, left + measure.advance, -cap};
         std::size_t points = 0;
-        bool outlined = false;
-        std::optional<double> laidOut;
-        if (m_budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size())) {
-            laidOut = letterRuns(font, lines[i], runs);
-            outlined = laidOut.has_value();
-            for (const ShapeRun& run : runs)
-                points += m_partPoints[run.part];
-            outlined = outlined && m_budget.take(points);
-        } else {
+        for (const auto& letter : measure.letters)
+            points += letter.first->points;
+        // Outlined only while the budget holds the least points its letters
+        // could need, and then the points they do need.
+        const bool affordable = m_budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size());
+        if (!affordable)
             m_budget.markSpent();
-        }
-        const double width = laidOut ? *laidOut : font.metrics.horizontalAdvance(lines[i]);
-        const double left = -place.horizontal * width;
-        for (ShapeRun& run : runs)
-            run.shift += left;
-        if (!outlined) {
-            drawBox({left, descent, left + width, -cap}, toDrawing, pen);
+        if (!affordable || !m_budget.take(points)) {
+            drawBox(box, toDrawing, pen);
             continue;
         }
-        Bounds box;
-        box.add(Point2{left, descent});
-        box.add(Point2{left + width, -cap});
-        m_scene.addInstance(m_scene.addShape(runs, box, true), toDrawing, pen);
+        const Affine lineStart = toDrawing.shiftedAlongX(left);
+        Bounds ink;
+        for (const auto& [glyph, shift] : measure.letters)
+            for (const Point2& corner : glyph->hull)
+                ink.add(lineStart.shiftedAlongX(shift)(corner));
+        if (ink.empty) {
+            drawBox(box, toDrawing, pen);
+            continue;
+        }
+        Bounds shapeBox;
+        shapeBox.add(Point2{box.minX, box.minY});
+        shapeBox.add(Point2{box.maxX, box.maxY});
+        const std::uint32_t line = m_scene.lineLetters().addLine(lines[i], font.file, place.horizontal);
+        m_scene.addInstance(m_scene.addLineShape(line, shapeBox), toDrawing, pen,
+                            Box{ink.minX, ink.minY, ink.maxX, ink.maxY});
     }
     return true;
 }
 
-std::optional<double> TextShapes::letterRuns(const Font& font, const QString& line, std::vector<ShapeRun>& runs)
+TextShapes::LineMeasure TextShapes::measureLine(Font& font, const QString& line)
 {
+    LineMeasure measure;
+    if (measurableWithoutShaping(line) && font.raw.isValid()) {
+        const QList<quint32> glyphs = font.raw.glyphIndexesForString(line);
+        if (std::find(glyphs.begin(), glyphs.end(), 0u) == glyphs.end()) {
+            const QList<QPointF> advances = font.raw.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances);
+            for (qsizetype g = 0; g < glyphs.size(); ++g) {
+                measure.letters.emplace_back(&glyphMeasure(font, font.raw, glyphs[g]), measure.advance);
+                measure.advance += advances[g].x();
+            }
+            return measure;
+        }
+    }
     QTextLayout layout(line, font.font);
-    layout.setCacheEnabled(true);
     layout.beginLayout();
     const QTextLine laidOut = layout.createLine();
     layout.endLayout();
     for (const QGlyphRun& glyphRun : layout.glyphRuns()) {
         const QRawFont raw = glyphRun.rawFont();
         if (!raw.isValid())
-            return std::nullopt;
+            continue;
         const QList<quint32> glyphs = glyphRun.glyphIndexes();
         const QList<QPointF> positions = glyphRun.positions();
         for (qsizetype g = 0; g < glyphs.size(); ++g)
-            runs.push_back({glyphPart(raw, glyphs[g]), positions[g].x()});
+            measure.letters.emplace_back(&glyphMeasure(font, raw, glyphs[g]), positions[g].x());
     }
-    return laidOut.horizontalAdvance();
+    measure.advance = laidOut.horizontalAdvance();
+    return measure;
 }
 
-std::uint32_t TextShapes::glyphPart(const QRawFont& font, quint32 glyph)
+const TextShapes::GlyphMeasure& TextShapes::glyphMeasure(Font& font, const QRawFont& raw, quint32 glyph)
 {
-    auto byFont = std::find_if(m_glyphs.begin(), m_glyphs.end(), [&](const auto& each) { return each.first == font; });
-    if (byFont == m_glyphs.end())
-        byFont = m_glyphs.insert(m_glyphs.end(), {font, {}});
+    auto byFont = std::find_if(font.glyphs.begin(), font.glyphs.end(), [&](const auto& each) { return each.first == raw; });
+    if (byFont == font.glyphs.end())
+        byFont = font.glyphs.insert(font.glyphs.end(), {raw, {}});  // keeps the others where they are
     if (const auto found = byFont->second.find(glyph); found != byFont->second.end())
         return found->second;
-    std::vector<std::vector<Point2>> outlines;
-    std::size_t points = 0;
-    for (const QPolygonF& outline : font.pathForGlyph(glyph).toSubpathPolygons()) {
-        std::vector<Point2>& each = outlines.emplace_back();
+    std::vector<Point2> points;
+    for (const QPolygonF& outline : raw.pathForGlyph(glyph).toSubpathPolygons())
         for (const QPointF& p : outline)
-            each.push_back({p.x(), p.y()});
-        points += each.size();
-    }
-    const std::uint32_t part = m_scene.addOutlinePart(outlines);
-    m_partPoints.emplace(part, points);
-    return byFont->second.emplace(glyph, part).first->second;
+            points.push_back({p.x(), p.y()});
+    const std::size_t count = points.size();
+    return byFont->second.emplace(glyph, GlyphMeasure{convexHull(std::move(points)), count}).first->second;
 }
 
 void TextShapes::drawBox(const Box& box, const Affine& place, int pen)

@@ -1,9 +1,11 @@
-// Lines of text as shapes of a scene: each letter's outline (in the font
-// that stands for its text style's font, laid out at a large size) is a
-// part made once per scene, filled in the colour of its text, and a line
-// is one instance placing its letters side by side, so that a drawing of
-// many texts shapes and flattens each letter once. A scene that keeps
-// texts (plots) gets each line as a text line instead.
+// Lines of text as shapes of a scene: each line is one instance of a line
+// of the scene's LineLetters, laid out (in the font that stands for its
+// text style's font, at a large size) only when a picture first draws it
+// large, its letters' outlines filled in the colour of its text. Here a
+// line is only measured, without shaping it where its letters allow, and
+// the points of its outlines are taken from the picture's budget; beyond
+// the budget it is drawn as its box. A scene that keeps texts (plots) gets
+// each line as a text line instead.
 // Without a QGuiApplication (no fonts) nothing is drawn.
 #pragma once
 
@@ -12,9 +14,8 @@
 #include <QRawFont>
 #include <QStringList>
 
-#include <algorithm>
+#include <deque>
 #include <map>
-#include <optional>
 #include <string>
 
 #include <unordered_map>
@@ -69,24 +70,38 @@ public:
 
 private:
     struct Font;
+    // The convex hull of a glyph's outlines and the points of the outlines.
+    struct GlyphMeasure {
+        std::vector<Point2> hull;
+        std::size_t points = 0;
+    };
+    // A line's advance (its width with trailing blanks) and its letters'
+    // glyphs, laid out from x = 0 on the baseline, each with its shift
+    // along the line.
+    struct LineMeasure {
+        double advance = 0;
+        std::vector<std::pair<const GlyphMeasure*, double>> letters;
+    };
     // The font of a style, made at its first text.
-    const Font& styleFont(const std::string& style);
-    // The runs of a line's letters, laid out from x = 0 on the baseline,
-    // and the line's advance (its width with trailing blanks); nothing
-    // when a letter's font has no outlines.
-    std::optional<double> letterRuns(const Font& font, const QString& line, std::vector<ShapeRun>& runs);
-    // The part of a glyph's outline, made at its first use.
-    std::uint32_t glyphPart(const QRawFont& font, quint32 glyph);
+    Font& styleFont(const std::string& style);
+    // Measured from the font's glyphs one by one where the line's letters
+    // allow (kerned as the font says), else laid out.
+    LineMeasure measureLine(Font& font, const QString& line);
+    // A glyph's measure, found at its first use.
+    const GlyphMeasure& glyphMeasure(Font& font, const QRawFont& raw, quint32 glyph);
     // The corners of box (layout units), placed, as a closed polyline.
     void drawBox(const Box& box, const Affine& place, int pen);
 
-    // The font that stands for a font file, and its measures.
+    // The font that stands for a font file, its measures and those of the
+    // glyphs its lines use, by font (a line may fall back on others).
     struct Font {
         explicit Font(const std::string& file);
         std::string file;
         QFont font;
         QFontMetricsF metrics;
+        QRawFont raw;
         double cap = 0;
+        std::deque<std::pair<QRawFont, std::unordered_map<quint32, GlyphMeasure>>> glyphs;
     };
 
     Scene& m_scene;
@@ -94,11 +109,7 @@ private:
     const TextStyleFonts& m_styles;
     // Fonts by the file they stand for, and by style.
     std::map<std::string, Font> m_fonts;
-    std::map<std::string, const Font*> m_styleFonts;
-    // Parts of glyphs by font (a line may fall back on other fonts), and
-    // the points of each part as the budget counts them.
-    std::vector<std::pair<QRawFont, std::unordered_map<quint32, std::uint32_t>>> m_glyphs;
-    std::unordered_map<std::uint32_t, std::size_t> m_partPoints;
+    std::map<std::string, Font*> m_styleFonts;
 };
 
 }  // namespace kaldo::view

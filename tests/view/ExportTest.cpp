@@ -15,6 +15,7 @@
 
 #include <unistd.h>
 
+#include "kaldo/view/LineLetters.h"
 #include "kaldo/view/PictureExport.h"
 #include "kaldo/view/PngExport.h"
 #include "kaldo/view/SceneIndex.h"
@@ -192,6 +193,53 @@ TEST(Export, CoarsePaintingDrawsAMultilineNarrowerThanAPixelByItsLastPen)
     EXPECT_FALSE(painted(both, 1, false) == painted(redOnly, 1, false));
     // Two pixels wide: both are drawn.
     EXPECT_FALSE(painted(both, 10, true) == painted(redOnly, 10, true));
+}
+
+TEST(Export, TextIsLaidOutWhereItIsDrawnLargeAndFillsItsBoxExactly)
+{
+    ensureFonts();
+    ViewDrawing d;
+    // Kerned pairs, a rotated and centred line, letters of other scripts.
+    addRecord(d.db, "TEXT", {{10, 0, "0"}, {20, 0, "0"}, {40, 0, "10"}, {1, 0, "Wavy AV To"}});
+    addRecord(d.db, "TEXT",
+              {{10, 0, "0"}, {20, 0, "40"}, {40, 0, "8"}, {50, 0, "30"}, {72, 0, "1"}, {11, 0, "0"}, {21, 0, "40"},
+               {1, 0, "Plan 12"}});
+    addRecord(d.db, "TEXT", {{10, 0, "0"}, {20, 0, "-40"}, {40, 0, "6"}, {1, 0, "Ελλάδα и мир"}});
+    Scene scene = d.render();
+    ASSERT_EQ(scene.instances().size(), 3u);
+    // Its box, known before the line is laid out, is the extent of its
+    // letters as they are laid out (within a five-thousandth of the text's
+    // height, where the font's kerning and Qt's layout part).
+    for (const Instance& instance : scene.instances()) {
+        Bounds letters;
+        scene.visitPolygons(instance, [&](const DrawColor&, std::span<const Point2> points) {
+            for (const Point2& p : points)
+                letters.add(p);
+        });
+        ASSERT_FALSE(letters.empty);
+        EXPECT_NEAR(instance.box.minX, letters.minX, 2e-3);
+        EXPECT_NEAR(instance.box.minY, letters.minY, 2e-3);
+        EXPECT_NEAR(instance.box.maxX, letters.maxX, 2e-3);
+        EXPECT_NEAR(instance.box.maxY, letters.maxY, 2e-3);
+    }
+    // A coarse picture of the whole drawing, a few pixels high, lays out no
+    // line; one showing the first line large lays out that line only.
+    Scene fresh = d.render();
+    const auto paint = [&](const PictureFrame& frame) {
+        QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        paintScene(image, fresh, frame, Background::White, 2, {nullptr, true});
+        return image;
+    };
+    const QImage small = paint(PictureFrame(60, 40, 0.3, {0, 0}));
+    EXPECT_EQ(fresh.lineLetters().laidOutLines(), 0u);
+    const QImage large = paint(PictureFrame(400, 100, 5, {30, 3}));
+    EXPECT_EQ(fresh.lineLetters().laidOutLines(), 1u);
+    long ink = 0;
+    for (int y = 0; y < large.height(); ++y)
+        for (int x = 0; x < large.width(); ++x)
+            ink += qGray(large.pixel(x, y)) < 128;
+    EXPECT_GT(ink, 2000);
 }
 
 TEST(Export, SvgArcsKeepTheirTurn)

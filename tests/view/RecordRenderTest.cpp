@@ -2,7 +2,8 @@
 // rotated (with a block inside it), a solid, solid hatches, pattern
 // hatches by their line families, an ellipse, a point, a spline, texts
 // placed by their justification, leant and fitted, their letters filled
-// once per scene where Qt lays them out in their style's font;
+// once per scene where Qt lays them out in their style's font (boxes
+// beyond the picture's budget of points);
 // attributes with their reference, definitions only outside blocks,
 // dimensions at their insertion point, polyface meshes by their visible
 // edges; what it cannot draw is named.
@@ -53,6 +54,16 @@ KxDbObjectId addBlockOfLine(KxDbDatabase& db, const wchar_t* name, const KxGePoi
     line->close();
     block->close();
     return id;
+}
+
+// The glyph outlines that the scene's texts place, laid out now.
+std::set<const GlyphOutlines*> glyphsOf(const Scene& scene)
+{
+    std::set<const GlyphOutlines*> glyphs;
+    for (const Instance& instance : scene.instances())
+        for (const LaidOutLetter& letter : scene.letters(scene.shapes()[instance.shape]))
+            glyphs.insert(letter.glyph);
+    return glyphs;
 }
 
 }  // namespace
@@ -223,7 +234,7 @@ TEST(RecordRender, LettersAreFilledOncePerSceneWhereQtLaysThemOut)
     const Scene scene = renderDrawing(d.db);
     // Each letter's outline once, each text one placing of them, its
     // outlines filled in the text's colour and no lines.
-    EXPECT_EQ(scene.parts().size(), 5u);
+    EXPECT_EQ(glyphsOf(scene).size(), 5u);
     EXPECT_EQ(scene.instances().size(), 302u);
     EXPECT_TRUE(scene.polylines().empty());
     scene.visitPolylines([](int, bool, std::span<const Point2>) { ADD_FAILURE() << "a letter drawn as lines"; });
@@ -269,6 +280,34 @@ TEST(RecordRender, LettersAreFilledOncePerSceneWhereQtLaysThemOut)
     expectPlaced(scene.instances()[0], scale, 0, std::numbers::pi / 6, {0, 5});
     expectPlaced(scene.instances()[300], scale, std::tan(20 * std::numbers::pi / 180), 0, {0, -10});
     expectPlaced(scene.instances()[301], 30 / metrics.horizontalAdvance(QStringLiteral("Tag 7")), 0, 0, {0, -20});
+
+    // The letters take their points from the picture's budget: beyond it
+    // a line is its box, from the descent to the height of a capital,
+    // around where its letters would be, and the picture says it drew
+    // coarsely.
+    RenderNotes notes;
+    const Scene budgeted = renderDrawing(d.db, &notes, 20000);
+    const std::size_t outlined = budgeted.instances().size();
+    EXPECT_GT(outlined, 10u);
+    EXPECT_LT(outlined, 290u);
+    EXPECT_TRUE(notes.coarse);
+    ASSERT_EQ(budgeted.polylines().size(), 302 - outlined);
+    for (std::size_t i = 0; i < budgeted.polylines().size(); ++i) {
+        const Polyline& box = budgeted.polylines()[i];
+        EXPECT_TRUE(box.closed);
+        ASSERT_EQ(box.count, 4u);
+        Bounds corners;
+        for (std::uint32_t p = 0; p < box.count; ++p)
+            corners.add(budgeted.points()[box.first + p]);
+        const auto& letters = scene.instances()[outlined + i].box;
+        // (Within a fiftieth of the height: letters may reach a little
+        // beyond their advance.)
+        EXPECT_LT(corners.minX, letters.minX + 0.05);
+        EXPECT_LT(corners.minY, letters.minY + 0.05);
+        EXPECT_GT(corners.maxX, letters.maxX - 0.05);
+        EXPECT_GT(corners.maxY, letters.maxY - 0.05);
+        EXPECT_LT(corners.maxY - corners.minY, letters.maxY - letters.minY + 2.5);
+    }
 }
 
 TEST(RecordRender, PicturesFillLettersAndLeaveTheirHolesOpen)
@@ -369,7 +408,7 @@ TEST(RecordRender, TextsAreSetInTheFontOfTheirStyle)
     // Each font's letters are parts of their own, and each sets the word
     // to its own width: the monospaced one gives its narrow letters room.
     const auto width = [&](std::size_t i) { return scene.instances()[i].box.maxX - scene.instances()[i].box.minX; };
-    EXPECT_EQ(scene.parts().size(), 3 * 5u);
+    EXPECT_EQ(glyphsOf(scene).size(), 3 * 5u);
     EXPECT_GT(width(1), width(2) * 1.1);
     EXPECT_GT(std::abs(width(0) - width(2)), 0.1);
     EXPECT_EQ(fontForFile("LiberationSerif-Regular.ttf").family(), QStringLiteral("Liberation Serif"));
