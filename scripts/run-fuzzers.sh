@@ -5,6 +5,9 @@ set -euo pipefail
 build_dir="$(cd "$1" && pwd)"
 seconds=$2
 root="$(cd "$(dirname "$0")/.." && pwd)"
+# Font configuration keeps caches for the life of the process (the renderer
+# lays out text): not a leak of ours.
+export LSAN_OPTIONS="suppressions=$root/tests/lsan-suppressions.txt${LSAN_OPTIONS:+:$LSAN_OPTIONS}"
 shopt -s nullglob
 targets=("$build_dir"/stage/bin/fuzz_*)
 if [ ${#targets[@]} -eq 0 ]; then
