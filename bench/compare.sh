@@ -208,7 +208,7 @@ echo "| SVG export of that drawing | whole run ${svgSeconds} s, ${svgMemory} MB"
     "+$((svgMemory - openMemory)) MB over opening alone) |"
 
 # Rows of the first picture of a mixed drawing of COUNT entities: open
-# only, PNG and SVG export (whole runs), and the window's (bench_picture).
+# only, PNG and SVG export (whole runs), and the window's (bench_window).
 pictureRows() {
     local mixed=$work/mixed.dxf megabytes
     "$stage/bin/generate_drawing" mixed "$1" "$mixed"
@@ -216,7 +216,7 @@ pictureRows() {
     read -r openSeconds openMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed")
     read -r pngSeconds pngMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.png")
     read -r svgSeconds svgMemory < <(measure "$kaldo" --script "$work/empty.scr" "$mixed" --export "$work/mixed.svg")
-    KALDO_BENCH_MIXED_DXF=$mixed "$stage/bin/bench_picture" --benchmark_filter=BM_MixedWindow \
+    KALDO_BENCH_MIXED_DXF=$mixed "$stage/bin/bench_window" --benchmark_filter=BM_Mixed \
         --benchmark_format=json >"$work/picture.json" 2>/dev/null
     rm -f "$mixed" "$work/mixed.png" "$work/mixed.svg"
     share() { echo "$1 / $megabytes" | bc -l | xargs printf '%.1f'; }
@@ -225,13 +225,14 @@ pictureRows() {
         "${openMemory} MB ($(share "$openMemory")× the file) |"
     echo "| Same drawing, \`--export\` PNG | whole run ${pngSeconds} s, ${pngMemory} MB ($(share "$pngMemory")× the file) |"
     echo "| Same drawing, \`--export\` SVG | whole run ${svgSeconds} s, ${svgMemory} MB ($(share "$svgMemory")× the file) |"
-    echo "| Same drawing, the window's first picture (scene, index, 1600 × 1000 picture; bench_picture) |" \
-        "first frame $(value BM_MixedWindowFirstPicture first_frame_ms) ms," \
-        "complete $(value BM_MixedWindowFirstPicture complete_ms) ms," \
-        "peak $(value BM_MixedWindowFirstPicture peak_MB) MB with the drawing open |"
-    echo "| Same drawing in the window: a pan of a few pixels; a wheel step |" \
-        "$(value BM_MixedWindowPan complete_ms) ms; frame $(value BM_MixedWindowZoom frame_ms) ms," \
-        "complete $(value BM_MixedWindowZoom complete_ms) ms |"
+    echo "| Same drawing, the window's first picture (bench_window: the scene and its index, then a" \
+        "1600 × 1000 picture) | scene and index $(value BM_MixedSceneAndIndex real_time) ms;" \
+        "first frame $(value BM_MixedFirstPicture first_frame_ms) ms," \
+        "complete $(value BM_MixedFirstPicture complete_ms) ms," \
+        "peak $(value BM_MixedFirstPicture peak_MB) MB with the drawing open |"
+    echo "| Same drawing in the window: a middle-button pan of a few pixels; a wheel step |" \
+        "frame $(value 'BM_MixedPan/0/' frame_ms) ms, complete $(value 'BM_MixedPan/0/' complete_ms) ms;" \
+        "frame $(value BM_MixedZoom frame_ms) ms, complete $(value BM_MixedZoom complete_ms) ms |"
 }
 for count in $pictureCounts; do pictureRows "$count"; done
 
