@@ -2,8 +2,11 @@
 // work a benchmark times (Linux).
 #pragma once
 
+#include <benchmark/benchmark.h>
+
 #include <malloc.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 
@@ -37,4 +40,18 @@ inline double peakMegabytes()
 inline double residentMegabytes()
 {
     return statusMegabytes("VmRSS:");
+}
+
+// Runs work once per iteration of state; returns the largest peak any
+// iteration reached, each measured afresh, in megabytes.
+template <class Work>
+double largestPeakOfEach(benchmark::State& state, Work&& work)
+{
+    double peak = 0;
+    for (auto _ : state) {
+        resetPeakMemory();
+        work();
+        peak = std::max(peak, peakMegabytes());
+    }
+    return peak;
 }

@@ -64,14 +64,8 @@ const KxDbDatabase& database()
 template <class Work>
 void measure(benchmark::State& state, Work&& work)
 {
-    double peak = 0;
-    for (auto _ : state) {
-        resetPeakMemory();
-        work();
-        peak = std::max(peak, peakMegabytes());
-    }
+    state.counters["peak_MB"] = largestPeakOfEach(state, work);
     state.counters["file_MB"] = mixedDrawing().megabytes;
-    state.counters["peak_MB"] = peak;
 }
 
 void BM_MixedOpenOnly(benchmark::State& state)

@@ -240,13 +240,7 @@ void reportMemory(benchmark::State& state, double peak)
 template <class Work>
 void measureEach(benchmark::State& state, Work&& work)
 {
-    double peak = 0;
-    for (auto _ : state) {
-        resetPeakMemory();
-        work();
-        peak = std::max(peak, peakMegabytes());
-    }
-    reportMemory(state, peak);
+    reportMemory(state, largestPeakOfEach(state, work));
 }
 
 // The command thread's work after a drawing opens, before the window has
