@@ -22,22 +22,23 @@ namespace kaldo::dxf {
 
 namespace {
 
-// Layer, linetype and colour of every entity.
+// Layer, linetype and colour of every entity, the names and the index as
+// the record in hand spells them.
 struct EntityLook {
-    std::string layer = "0";
-    std::string linetype;
+    std::string_view layer = "0";
+    std::string_view linetype;
     KxCmColor color;
-    std::string colorIndex;  // as read, for a true colour that has one
+    std::string_view colorIndex;  // as read, for a true colour that has one
     bool take(const Group& g)
     {
         if (g.code == 62)
-            colorIndex = std::string(g.value);
+            colorIndex = g.value;
         if (g.code == 8) {
-            layer = std::string(trimmed(g.value));
+            layer = trimmed(g.value);
             return true;
         }
         if (g.code == 6) {
-            linetype = std::string(trimmed(g.value));
+            linetype = trimmed(g.value);
             return true;
         }
         return readColorGroup(g, color);
@@ -49,13 +50,13 @@ struct EntityLook {
         bool same = true;
         entity.setLayer(context.layer(layer.empty() ? "0" : layer, &same));
         if (!same)
-            basics.kept.push_back({8, 1, layer});
+            basics.kept.push_back({8, 1, std::string(layer)});
         entity.setLinetype(linetype.empty() ? context.linetype("ByLayer") : context.linetype(linetype, &same));
         if (!same && !linetype.empty())
-            basics.kept.push_back({6, 1, linetype});
+            basics.kept.push_back({6, 1, std::string(linetype)});
         // The index beside a true colour is the writer's own choice: kept.
         if (color.isByColor() && !colorIndex.empty())
-            basics.kept.push_back({62, 1, colorIndex});
+            basics.kept.push_back({62, 1, std::string(colorIndex)});
         entity.setColor(color);
     }
 };

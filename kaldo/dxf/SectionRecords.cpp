@@ -115,6 +115,9 @@ SectionRecords::SectionRecords(GroupReader& reader) : reader_(reader)
                     }
                     batch->positions[batch->count++] = reader_.bytesRead();
                     groups += record.size();
+                    // Records kept whole are packed here, off the caller's thread.
+                    if (!isModelledKind(record.kind()))
+                        record.packedGroups();
                 }
             } catch (...) {
                 batch->error = std::current_exception();
