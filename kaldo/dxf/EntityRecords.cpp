@@ -15,6 +15,7 @@
 #include "kxdbunmodelled.h"
 
 #include <algorithm>
+#include <exception>
 #include <memory>
 #include <numbers>
 
@@ -220,31 +221,78 @@ KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, Rec
     return owned;
 }
 
-}  // namespace
-
-void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
-{
+// An entity of the kinds readEntityAhead takes apart, as far as that
+// goes without the drawing: the entity, its basics and its look, or what
+// refused the record.
+struct EntityParts : RecordAhead {
+    std::unique_ptr<KxDbEntity> entity;
     RecordBasics basics;
     EntityLook look;
+    std::exception_ptr error;
+};
+
+// Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart into parts; no
+// entity for any other kind.
+void takeApart(const Record& record, EntityParts& parts)
+{
+    parts.entity.reset();
+    parts.basics = {};
+    parts.look = {};
+    parts.error = nullptr;
     const std::string& kind = record.kind();
+    if (kind == "LINE")
+        parts.entity.reset(readLine(record, parts.basics, parts.look));
+    else if (kind == "ARC" || kind == "CIRCLE")
+        parts.entity.reset(readCircleOrArc(record, parts.basics, parts.look, kind == "ARC"));
+    else if (kind == "LWPOLYLINE")
+        parts.entity.reset(readPolyline(record, parts.basics, parts.look));
+}
+
+}  // namespace
+
+void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot)
+{
+    if (!slot)
+        slot = std::make_unique<EntityParts>();
+    auto& parts = static_cast<EntityParts&>(*slot);
+    try {
+        takeApart(record, parts);
+    } catch (...) {
+        parts.entity.reset();
+        parts.error = std::current_exception();
+    }
+}
+
+void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, RecordAhead* ahead)
+{
+    const std::string& kind = record.kind();
+    if (kind == "MLINE") {
+        RecordBasics basics;
+        EntityLook look;
+        MlineStyleLink styleLink;
+        std::unique_ptr<KxDbEntity> entity(readMline(record, basics, [&look](const Group& g) { return look.take(g); },
+                                                     styleLink, context.mlineLists));
+        look.applyTo(*entity, context, basics);
+        const KxDbEntity* added = append(context, std::move(entity), basics, block, record.line());
+        context.styleReferences.push_back({added->objectId(), styleLink.handle, styleLink.name, styleLink.line});
+        return;
+    }
     // Owned here until its block takes it, so that a group refused on the
     // way leaves nothing behind.
-    std::unique_ptr<KxDbEntity> entity;
-    MlineStyleLink styleLink;
-    if (kind == "LINE")
-        entity.reset(readLine(record, basics, look));
-    else if (kind == "ARC" || kind == "CIRCLE")
-        entity.reset(readCircleOrArc(record, basics, look, kind == "ARC"));
-    else if (kind == "LWPOLYLINE")
-        entity.reset(readPolyline(record, basics, look));
-    else if (kind == "MLINE")
-        entity.reset(readMline(record, basics, [&look](const Group& g) { return look.take(g); }, styleLink,
-                               context.mlineLists));
-    if (!entity) {
-        basics = rawRecordBasics(record);
+    EntityParts partsHere;
+    auto* parts = static_cast<EntityParts*>(ahead);
+    if (!parts) {
+        parts = &partsHere;
+        takeApart(record, partsHere);
+    } else if (parts->error) {
+        std::rethrow_exception(parts->error);
+    }
+    if (!parts->entity) {
+        RecordBasics basics = rawRecordBasics(record);
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
         // Its layer, linetype and colour, so that it is drawn in them; the
         // groups are written back as read.
+        EntityLook look;
         for (std::size_t i = 0; i < record.size(); ++i) {
             const Group g = record.at(i);
             if (g.code == 100 && g.value != "AcDbEntity")
@@ -256,10 +304,8 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
         append(context, std::move(unmodelled), basics, block, record.line());
         return;
     }
-    look.applyTo(*entity, context, basics);
-    const KxDbEntity* added = append(context, std::move(entity), basics, block, record.line());
-    if (kind == "MLINE")
-        context.styleReferences.push_back({added->objectId(), styleLink.handle, styleLink.name, styleLink.line});
+    parts->look.applyTo(*parts->entity, context, parts->basics);
+    append(context, std::move(parts->entity), parts->basics, block, record.line());
 }
 
 const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)
