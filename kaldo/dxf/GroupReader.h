@@ -69,6 +69,13 @@ public:
     void showPosition(const std::uint64_t* shown) { shownPosition_ = shown; }
     std::uint64_t readAheadFrom() const { return readAheadFrom_; }
     void setReadAheadFrom(std::uint64_t bytes) { readAheadFrom_ = bytes; }
+    // When the reading thread also does some of the caller's work (packs
+    // records, takes entities apart): while the caller has records waiting,
+    // so that the two threads balance, or always (the outcome is the same;
+    // tests take that path on purpose).
+    enum class WorkAhead { WhileCallerBehind, Always };
+    WorkAhead workAhead() const { return workAhead_; }
+    void setWorkAhead(WorkAhead when) { workAhead_ = when; }
     // The bytes of the input not yet given as groups, about.
     std::uint64_t bytesLeft() const
     {
@@ -108,6 +115,7 @@ private:
     std::uint64_t bytesRead_ = 0;
     const std::uint64_t* shownPosition_ = nullptr;
     std::uint64_t readAheadFrom_ = kReadAheadFrom;
+    WorkAhead workAhead_ = WorkAhead::WhileCallerBehind;
 };
 
 // Value conversions that name the group's line when the text is no number.

@@ -134,7 +134,7 @@ SectionRecords::SectionRecords(GroupReader& reader, ReadAhead readAhead) : reade
             // take the others apart. Else it hands the batch over at once,
             // being the slower of the two. Either way the caller gets the
             // same records, and makes what was not made here itself.
-            batch->madeAhead = ahead.callerBehind();
+            batch->madeAhead = reader_.workAhead() == GroupReader::WorkAhead::Always || ahead.callerBehind();
             if (batch->madeAhead) {
                 for (std::size_t i = 0; i < batch->count; ++i) {
                     const Record& record = batch->records[i];
