@@ -232,7 +232,8 @@ struct EntityParts : RecordAhead {
 };
 
 // Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart into parts; no
-// entity for any other kind.
+// entity for any other kind, but the basics and the look of one kept
+// whole (a multiline is left to readEntity).
 void takeApart(const Record& record, EntityParts& parts)
 {
     parts.entity.reset();
@@ -240,12 +241,23 @@ void takeApart(const Record& record, EntityParts& parts)
     parts.look = {};
     parts.error = nullptr;
     const std::string& kind = record.kind();
-    if (kind == "LINE")
+    if (kind == "LINE") {
         parts.entity.reset(readLine(record, parts.basics, parts.look));
-    else if (kind == "ARC" || kind == "CIRCLE")
+    } else if (kind == "ARC" || kind == "CIRCLE") {
         parts.entity.reset(readCircleOrArc(record, parts.basics, parts.look, kind == "ARC"));
-    else if (kind == "LWPOLYLINE")
+    } else if (kind == "LWPOLYLINE") {
         parts.entity.reset(readPolyline(record, parts.basics, parts.look));
+    } else if (kind != "MLINE") {
+        parts.basics = rawRecordBasics(record);
+        // Its layer, linetype and colour, so that it is drawn in them; the
+        // groups are written back as read.
+        for (std::size_t i = 0; i < record.size(); ++i) {
+            const Group g = record.at(i);
+            if (g.code == 100 && g.value != "AcDbEntity")
+                break;
+            parts.look.take(g);
+        }
+    }
 }
 
 }  // namespace
@@ -288,20 +300,10 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         std::rethrow_exception(parts->error);
     }
     if (!parts->entity) {
-        RecordBasics basics = rawRecordBasics(record);
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
-        // Its layer, linetype and colour, so that it is drawn in them; the
-        // groups are written back as read.
-        EntityLook look;
-        for (std::size_t i = 0; i < record.size(); ++i) {
-            const Group g = record.at(i);
-            if (g.code == 100 && g.value != "AcDbEntity")
-                break;
-            look.take(g);
-        }
         RecordBasics lookKept;
-        look.applyTo(*unmodelled, context, lookKept);
-        append(context, std::move(unmodelled), basics, block, record.line());
+        parts->look.applyTo(*unmodelled, context, lookKept);
+        append(context, std::move(unmodelled), parts->basics, block, record.line());
         return;
     }
     parts->look.applyTo(*parts->entity, context, parts->basics);

@@ -49,18 +49,20 @@ KxDbObjectId ReadContext::linetype(std::string_view name, bool* spelledAsRecord)
 KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::string_view name, bool isLayer,
                                  bool* spelledAsRecord)
 {
-    // The database takes a name as a C string: it ends at its first NUL, and
-    // what is left is trimmed again, so that the name saved reads back as the
-    // same record.
-    name = trimmed(name.substr(0, name.find('\0')));
     const auto found = [&](const std::pair<const std::string, Found>& entry) {
         if (spelledAsRecord)
             *spelledAsRecord = entry.second.spelledAsRecord;
         return entry.second.id;
     };
+    // Names are kept as below, so a name spelled so already is found as it
+    // stands.
     for (const auto* entry : cache.first)
         if (entry->first == name)
             return found(*entry);
+    // The database takes a name as a C string: it ends at its first NUL, and
+    // what is left is trimmed again, so that the name saved reads back as the
+    // same record.
+    name = trimmed(name.substr(0, name.find('\0')));
     if (const auto it = cache.byName.find(name); it != cache.byName.end())
         return found(*it);
     auto* table = KxDbSymbolTable::cast(db.peekObject(tableId));
