@@ -124,23 +124,17 @@ void CommandRunner::publishIfChanged()
     if (std::exchange(highlightStale_, false))
         publishHighlight();
     const DrawingState state = drawingState();
-    if (!published_.valid || published_.state != state) {
-        if (builder_.building(state))
-            builder_.resume();
-        else
-            builder_.start(state, session_.database(), session_.textStyleFonts());
-        tellBuilding(true);
-        return;
-    }
-    builder_.stop();
-    tellBuilding(false);
-    const bool modified = session_.modified();
-    std::wstring path = session_.drawingPath().wstring();
-    if (modified == published_.modified && path == published_.path)
-        return;
-    published_.modified = modified;
-    published_.path = std::move(path);
-    publish();
+    const bool current = published_.valid && published_.state == state;
+    if (current)
+        builder_.stop();
+    else if (builder_.building(state))
+        builder_.resume();
+    else
+        builder_.start(state, session_.database(), session_.textStyleFonts());
+    // Another drawing shows empty until its scene is built.
+    const bool another = !published_.drawing.scene || published_.drawing.serial != state.serial;
+    publish(another && !current ? publishedScene(std::make_shared<const view::Scene>()) : published_.drawing,
+            !current);
 }
 
 void CommandRunner::adopt(const SceneBuilder::Built& built)
@@ -151,41 +145,32 @@ void CommandRunner::adopt(const SceneBuilder::Built& built)
     // drawing that cannot be drawn shows nothing and says so once.
     const bool another = published_.saidSerial != built.state.serial;
     std::wstring said;
-    if (built.failure) {
-        if (another || !published_.failed)
-            said = L"The drawing cannot be shown in the window: "
-                + kxutFromMultiByte(view::failureReason(built.failure)) + L".\n";
-        published_.drawing = publishedScene(std::make_shared<const view::Scene>());
-    } else {
-        published_.drawing = built.drawing;
-    }
-    published_.failed = built.failure != nullptr;
+    if (built.failure && (another || !published_.failed))
+        said = L"The drawing cannot be shown in the window: " + kxutFromMultiByte(view::failureReason(built.failure))
+            + L".\n";
     if (another)
         said = view::describeNotes(built.notes, L"the window") + said;
     published_.saidSerial = built.state.serial;
     published_.state = built.state;
     published_.valid = true;
-    published_.modified = session_.modified();
-    published_.path = session_.drawingPath().wstring();
-    publish();
-    tellBuilding(false);
+    published_.failed = built.failure != nullptr;
+    publish(built.failure ? publishedScene(std::make_shared<const view::Scene>()) : built.drawing, false);
     if (!said.empty())
         session_.editor().write(L"\n" + said);
 }
 
-void CommandRunner::publish()
+void CommandRunner::publish(PublishedDrawing drawing, bool building)
 {
-    PublishedDrawing drawing = published_.drawing;
-    drawing.serial = published_.state.serial;
-    drawing.modified = published_.modified;
-    drawing.path = QString::fromStdWString(published_.path);
+    drawing.serial = session_.drawingSerial();
+    drawing.modified = session_.modified();
+    drawing.path = QString::fromStdWString(session_.drawingPath().wstring());
+    drawing.building = building;
+    const PublishedDrawing& last = published_.drawing;
+    if (drawing.scene == last.scene && drawing.serial == last.serial && drawing.modified == last.modified
+        && drawing.path == last.path && drawing.building == last.building)
+        return;
+    published_.drawing = drawing;
     emitOnGui([this, drawing] { emit drawingPublished(drawing); });
-}
-
-void CommandRunner::tellBuilding(bool building)
-{
-    if (std::exchange(published_.building, building) != building)
-        emitOnGui([this, building] { emit sceneBuilding(building); });
 }
 
 void CommandRunner::requested(const Editor::InputRequest& request)

@@ -92,9 +92,6 @@ public:
 signals:
     void transcriptWritten(const QString& text);
     void drawingPublished(const kaldo::ui::PublishedDrawing& drawing);
-    // Whether the scene of the drawing as it stands is being built (the
-    // window shows the last one published meanwhile).
-    void sceneBuilding(bool building);
     void dragSceneChanged(std::shared_ptr<const kaldo::view::Scene> scene);
     // The highlighted entities, and their grips (stretch points, world XY).
     void highlightChanged(std::shared_ptr<const kaldo::view::Scene> scene,
@@ -122,9 +119,9 @@ private:
     // Publishes a scene built, when it shows the drawing as it stands.
     void adopt(const SceneBuilder::Built& built);
     DrawingState drawingState();
-    // Emits the drawing as published_ holds it.
-    void publish();
-    void tellBuilding(bool building);
+    // Emits drawing (its scene's, the session's serial, modified and path)
+    // when it differs from the one emitted last.
+    void publish(PublishedDrawing drawing, bool building);
     void requested(const Editor::InputRequest& request);
     void redrawn(const std::int64_t* entity, int mode);
     void dragged(std::span<const KxDbEntity* const> entities);
@@ -139,14 +136,11 @@ private:
 
     // Command thread only.
     struct Published {
-        DrawingState state;  // what the scene shows
-        bool modified = false;
-        std::wstring path;
-        PublishedDrawing drawing;  // its scene, index, snaps and bounds
-        bool valid = false;
+        DrawingState state;  // what the last scene built shows
+        bool valid = false;  // a scene was built
         bool failed = false;  // the drawing could not be drawn
         std::optional<unsigned> saidSerial;  // the drawing whose notes were said
-        bool building = false;  // as last told
+        PublishedDrawing drawing;  // as emitted last
     } published_;
     std::vector<KxDbObjectId> highlighted_;
     KxDbObjectId hovered_;

@@ -179,7 +179,6 @@ void MainWindow::connectRunner()
 {
     connect(&runner_, &CommandRunner::transcriptWritten, commandLine_, &CommandLine::appendTranscript);
     connect(&runner_, &CommandRunner::drawingPublished, this, &MainWindow::drawingPublished);
-    connect(&runner_, &CommandRunner::sceneBuilding, sceneNote_, &QWidget::setVisible);
     connect(&runner_, &CommandRunner::dragSceneChanged, canvas_, &Canvas::showDragScene);
     connect(&runner_, &CommandRunner::highlightChanged, canvas_, &Canvas::showHighlight);
     connect(&runner_, &CommandRunner::hoverChanged, canvas_, &Canvas::showHover);
@@ -272,6 +271,7 @@ void MainWindow::drawingPublished(const PublishedDrawing& drawing)
         rememberRecent(drawing.path);
     drawing_ = drawing;
     canvas_->showDrawing(drawing);
+    sceneNote_->setVisible(drawing.building);
     const QString name = drawing.path.isEmpty() ? QStringLiteral("Drawing1.dxf") : QFileInfo(drawing.path).fileName();
     setWindowTitle(name + QStringLiteral("[*] - kaldo"));
     setWindowModified(drawing.modified);

@@ -37,6 +37,9 @@ struct PublishedDrawing {
     unsigned serial = 0;  // grows when another drawing is opened
     bool modified = false;
     QString path;  // empty for a drawing never saved
+    // The drawing's scene is being built: the scene is the last one built
+    // of this drawing (empty for a drawing just opened).
+    bool building = false;
 };
 
 // A drawing of scene with its index, snaps and bounds worked out (serial,
