@@ -9,6 +9,7 @@ PublishedDrawing publishedScene(std::shared_ptr<const view::Scene> scene)
     PublishedDrawing drawing;
     drawing.index = std::make_shared<const view::SceneIndex>(*scene);
     drawing.snaps = std::make_shared<const SnapGeometry>(scene, drawing.index);
+    drawing.fills = std::make_shared<const view::FillColors>(view::fillColors(*scene));
     drawing.bounds = scene->bounds();
     drawing.scene = std::move(scene);
     return drawing;

@@ -11,6 +11,7 @@
 
 #include "kaldo/ui/ObjectSnaps.h"
 #include "kaldo/view/DrawingRenderer.h"
+#include "kaldo/view/Picture.h"
 #include "kaldo/view/SceneIndex.h"
 
 #include <QString>
@@ -33,6 +34,7 @@ struct PublishedDrawing {
     std::shared_ptr<const view::Scene> scene;
     std::shared_ptr<const SnapGeometry> snaps;
     std::shared_ptr<const view::SceneIndex> index;  // where the scene's items lie
+    std::shared_ptr<const view::FillColors> fills;  // the scene's fill colours, for each picture
     view::Bounds bounds;  // the scene's, worked out once, as the window fits them
     unsigned serial = 0;  // grows when another drawing is opened
     bool modified = false;
@@ -42,7 +44,7 @@ struct PublishedDrawing {
     bool building = false;
 };
 
-// A drawing of scene with its index, snaps and bounds worked out (serial,
+// A drawing of scene with its index, snaps, fill colours and bounds worked out (serial,
 // modified and path as for a new drawing never saved).
 PublishedDrawing publishedScene(std::shared_ptr<const view::Scene> scene);
 
