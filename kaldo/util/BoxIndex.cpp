@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
 
 namespace kaldo {
 
@@ -25,25 +26,54 @@ struct Keyed {
     friend bool operator<(const Keyed& a, const Keyed& b) { return a.key < b.key || (a.key == b.key && a.item < b.item); }
 };
 
+// Below this many boxes a second thread costs more than it saves.
+constexpr std::size_t kBoxesForTwoThreads = 1 << 16;
+
+// Calls work(0) on a second thread and work(1) on this one, or both here
+// for few boxes.
+template <class Work>
+void onTwoThreads(std::size_t boxes, Work&& work)
+{
+    if (boxes < kBoxesForTwoThreads) {
+        work(0);
+        work(1);
+        return;
+    }
+    std::thread other([&] { work(0); });
+    work(1);
+    other.join();
+}
+
 // Orders the boxes' indices in slices: sorted by x, cut into about
 // sqrt(n / fanout) slices, each sorted by y, so that runs of fanout
-// consecutive entries lie close together.
+// consecutive entries lie close together. The order is total (ties by
+// index), so the two threads' halves join into the one order.
 std::vector<std::uint32_t> sortTiles(const std::vector<Box>& boxes, std::uint32_t fanout)
 {
     std::vector<Keyed> keyed(boxes.size());
-    for (std::uint32_t i = 0; i < boxes.size(); ++i)
-        keyed[i] = {centreX(boxes[i]), i};
-    std::sort(keyed.begin(), keyed.end());
+    const auto middle = keyed.begin() + std::ptrdiff_t(keyed.size() / 2);
+    onTwoThreads(boxes.size(), [&](int half) {
+        const auto begin = half == 0 ? keyed.begin() : middle;
+        const auto end = half == 0 ? middle : keyed.end();
+        for (auto entry = begin; entry != end; ++entry) {
+            const auto item = std::uint32_t(entry - keyed.begin());
+            *entry = {centreX(boxes[item]), item};
+        }
+        std::sort(begin, end);
+    });
+    std::inplace_merge(keyed.begin(), middle, keyed.end());
     const std::size_t nodes = (keyed.size() + fanout - 1) / fanout;
     const std::size_t slices = std::max<std::size_t>(1, std::size_t(std::ceil(std::sqrt(double(nodes)))));
     const std::size_t perSlice = ((nodes + slices - 1) / slices) * fanout;
-    for (std::size_t first = 0; first < keyed.size(); first += perSlice) {
-        const auto begin = keyed.begin() + std::ptrdiff_t(first);
-        const auto end = keyed.begin() + std::ptrdiff_t(std::min(keyed.size(), first + perSlice));
-        for (auto entry = begin; entry != end; ++entry)
-            entry->key = centreY(boxes[entry->item]);
-        std::sort(begin, end);
-    }
+    onTwoThreads(boxes.size(), [&](int half) {
+        for (std::size_t slice = std::size_t(half); slice * perSlice < keyed.size(); slice += 2) {
+            const auto begin = keyed.begin() + std::ptrdiff_t(slice * perSlice);
+            const auto end = keyed.begin() + std::ptrdiff_t(std::min(keyed.size(), (slice + 1) * perSlice));
+            for (auto entry = begin; entry != end; ++entry)
+                entry->key = centreY(boxes[entry->item]);
+            std::sort(begin, end);
+        }
+    });
     std::vector<std::uint32_t> order(keyed.size());
     std::transform(keyed.begin(), keyed.end(), order.begin(), [](const Keyed& entry) { return entry.item; });
     return order;

@@ -22,8 +22,9 @@ bool addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to
         const KxGePoint3d p = plane.toWorld(KxGePoint3d(x, y, elevation));
         scene.addPoint({p.x, p.y});
     };
-    const double chord = std::hypot(to.x - from.x, to.y - from.y);
-    if (from.bulge == 0 || chord == 0) {
+    // Straight segments, the most, need no chord.
+    const double chord = from.bulge == 0 ? 0 : std::hypot(to.x - from.x, to.y - from.y);
+    if (chord == 0) {
         add(to.x, to.y);
         return true;
     }
