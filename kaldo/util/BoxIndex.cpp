@@ -1,8 +1,9 @@
 #include "kaldo/util/BoxIndex.h"
 
+#include "kaldo/util/TwoThreads.h"
+
 #include <algorithm>
 #include <cmath>
-#include <thread>
 
 namespace kaldo {
 
@@ -29,21 +30,6 @@ struct Keyed {
 // Below this many boxes a second thread costs more than it saves.
 constexpr std::size_t kBoxesForTwoThreads = 1 << 16;
 
-// Calls work(0) on a second thread and work(1) on this one, or both here
-// for few boxes.
-template <class Work>
-void onTwoThreads(std::size_t boxes, Work&& work)
-{
-    if (boxes < kBoxesForTwoThreads) {
-        work(0);
-        work(1);
-        return;
-    }
-    std::thread other([&] { work(0); });
-    work(1);
-    other.join();
-}
-
 // Orders the boxes' indices in slices: sorted by x, cut into about
 // sqrt(n / fanout) slices, each sorted by y, so that runs of fanout
 // consecutive entries lie close together. The order is total (ties by
@@ -52,7 +38,7 @@ std::vector<std::uint32_t> sortTiles(const std::vector<Box>& boxes, std::uint32_
 {
     std::vector<Keyed> keyed(boxes.size());
     const auto middle = keyed.begin() + std::ptrdiff_t(keyed.size() / 2);
-    onTwoThreads(boxes.size(), [&](int half) {
+    onTwoThreads(boxes.size() >= kBoxesForTwoThreads, [&](int half) {
         const auto begin = half == 0 ? keyed.begin() : middle;
         const auto end = half == 0 ? middle : keyed.end();
         for (auto entry = begin; entry != end; ++entry) {
@@ -65,7 +51,7 @@ std::vector<std::uint32_t> sortTiles(const std::vector<Box>& boxes, std::uint32_
     const std::size_t nodes = (keyed.size() + fanout - 1) / fanout;
     const std::size_t slices = std::max<std::size_t>(1, std::size_t(std::ceil(std::sqrt(double(nodes)))));
     const std::size_t perSlice = ((nodes + slices - 1) / slices) * fanout;
-    onTwoThreads(boxes.size(), [&](int half) {
+    onTwoThreads(boxes.size() >= kBoxesForTwoThreads, [&](int half) {
         for (std::size_t slice = std::size_t(half); slice * perSlice < keyed.size(); slice += 2) {
             const auto begin = keyed.begin() + std::ptrdiff_t(slice * perSlice);
             const auto end = keyed.begin() + std::ptrdiff_t(std::min(keyed.size(), (slice + 1) * perSlice));
