@@ -66,9 +66,13 @@ std::size_t PenResolver::PenKeyHash::operator()(const PenKey& key) const
 
 int PenResolver::pen(const KxCmColor& color, KxDbObjectId linetype, const LayerLook& layer)
 {
-    const auto [found, added] = m_pens.try_emplace(PenKey{color.color(), linetype, &layer, m_lineWeight});
+    const PenKey key{color.color(), linetype, &layer, m_lineWeight};
+    if (key == m_lastPen.first)
+        return m_lastPen.second;
+    const auto [found, added] = m_pens.try_emplace(key);
     if (added)
         found->second = m_scene.pen({drawColor(color, layer.color), pattern(linetype, layer), m_lineWeight});
+    m_lastPen = *found;
     return found->second;
 }
 

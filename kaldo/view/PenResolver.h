@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "kaldo/view/Scene.h"
@@ -60,6 +61,8 @@ private:
         std::size_t operator()(const PenKey& key) const;
     };
     std::unordered_map<PenKey, int, PenKeyHash> m_pens;
+    // The pen asked for last, which the next entity often asks for again.
+    std::pair<PenKey, int> m_lastPen{PenKey{}, -1};
     int m_lineWeight = kDefaultLineWeight;
 };
 
