@@ -26,9 +26,11 @@ constexpr double kLineSpacing = 5.0 / 3.0;
 // each letter of a line: a letter never has fewer.
 constexpr std::size_t kLeastPointsPerLetter = 4;
 
+// The last letter of printable Latin.
+constexpr char16_t kLastUnshapedLetter = u'\u02FF';
+
 // Whether a line's letters are each one glyph of its font side by side
 // (printable Latin), so that its extent can be measured without shaping.
-constexpr char16_t kLastUnshapedLetter = u'\u02FF';
 bool measurableWithoutShaping(const QString& line)
 {
     return std::all_of(line.begin(), line.end(),
