@@ -1,8 +1,7 @@
 // A static spatial index over axis-aligned boxes in the plane (a packed
 // R-tree: leaves of boxes sorted into slices by x, then by y within each
 // slice; parents built the same way). A query for the boxes that meet a
-// box visits O(log n + k) nodes. Built once (sorted on two threads for
-// many boxes, in the same order as on one); rebuilt when the boxes change.
+// box visits O(log n + k) nodes. Built once; rebuilt when the boxes change.
 #pragma once
 
 #include <algorithm>
