@@ -1,8 +1,9 @@
 #include "kaldo/util/BoxIndex.h"
 
+#include "kaldo/util/TwoThreads.h"
+
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 namespace kaldo {
 
@@ -18,21 +19,50 @@ double centreY(const Box& b)
     return b.minY + (b.maxY - b.minY) / 2;
 }
 
-// Orders entries (indices into boxes) in slices: sorted by x, cut into
-// about sqrt(n / fanout) slices, each sorted by y, so that runs of fanout
-// consecutive entries lie close together.
-void sortTiles(std::vector<std::uint32_t>& order, const std::vector<Box>& boxes, std::uint32_t fanout)
+// An entry's place along one axis, and the entry; sorting these pairs
+// reads memory in order, where sorting entries by their boxes jumps about.
+struct Keyed {
+    double key;
+    std::uint32_t item;
+    friend bool operator<(const Keyed& a, const Keyed& b) { return a.key < b.key || (a.key == b.key && a.item < b.item); }
+};
+
+// Below this many boxes a second thread costs more than it saves.
+constexpr std::size_t kBoxesForTwoThreads = 1 << 16;
+
+// Orders the boxes' indices in slices: sorted by x, cut into about
+// sqrt(n / fanout) slices, each sorted by y, so that runs of fanout
+// consecutive entries lie close together. The order is total (ties by
+// index), so the two threads' halves join into the one order.
+std::vector<std::uint32_t> sortTiles(const std::vector<Box>& boxes, std::uint32_t fanout)
 {
-    const auto byX = [&](std::uint32_t a, std::uint32_t b) { return centreX(boxes[a]) < centreX(boxes[b]); };
-    const auto byY = [&](std::uint32_t a, std::uint32_t b) { return centreY(boxes[a]) < centreY(boxes[b]); };
-    std::sort(order.begin(), order.end(), byX);
-    const std::size_t nodes = (order.size() + fanout - 1) / fanout;
+    std::vector<Keyed> keyed(boxes.size());
+    const auto middle = keyed.begin() + std::ptrdiff_t(keyed.size() / 2);
+    onTwoThreads(boxes.size() >= kBoxesForTwoThreads, [&](int half) {
+        const auto begin = half == 0 ? keyed.begin() : middle;
+        const auto end = half == 0 ? middle : keyed.end();
+        for (auto entry = begin; entry != end; ++entry) {
+            const auto item = std::uint32_t(entry - keyed.begin());
+            *entry = {centreX(boxes[item]), item};
+        }
+        std::sort(begin, end);
+    });
+    std::inplace_merge(keyed.begin(), middle, keyed.end());
+    const std::size_t nodes = (keyed.size() + fanout - 1) / fanout;
     const std::size_t slices = std::max<std::size_t>(1, std::size_t(std::ceil(std::sqrt(double(nodes)))));
     const std::size_t perSlice = ((nodes + slices - 1) / slices) * fanout;
-    for (std::size_t first = 0; first < order.size(); first += perSlice) {
-        const auto end = order.begin() + std::ptrdiff_t(std::min(order.size(), first + perSlice));
-        std::sort(order.begin() + std::ptrdiff_t(first), end, byY);
-    }
+    onTwoThreads(boxes.size() >= kBoxesForTwoThreads, [&](int half) {
+        for (std::size_t slice = std::size_t(half); slice * perSlice < keyed.size(); slice += 2) {
+            const auto begin = keyed.begin() + std::ptrdiff_t(slice * perSlice);
+            const auto end = keyed.begin() + std::ptrdiff_t(std::min(keyed.size(), (slice + 1) * perSlice));
+            for (auto entry = begin; entry != end; ++entry)
+                entry->key = centreY(boxes[entry->item]);
+            std::sort(begin, end);
+        }
+    });
+    std::vector<std::uint32_t> order(keyed.size());
+    std::transform(keyed.begin(), keyed.end(), order.begin(), [](const Keyed& entry) { return entry.item; });
+    return order;
 }
 
 // The boxes around each run of fanout consecutive boxes.
@@ -59,13 +89,14 @@ BoxIndex::BoxIndex(const std::vector<Box>& boxes) : m_count(boxes.size())
 {
     if (boxes.empty())
         return;
-    m_items.resize(boxes.size());
-    std::iota(m_items.begin(), m_items.end(), 0u);
-    sortTiles(m_items, boxes, kFanout);
+    m_items = sortTiles(boxes, kFanout);
+    m_leafOf.resize(boxes.size());
     std::vector<Box> leaves;
     leaves.reserve(boxes.size());
-    for (const std::uint32_t item : m_items)
-        leaves.push_back(boxes[item]);
+    for (std::uint32_t leaf = 0; leaf < m_items.size(); ++leaf) {
+        leaves.push_back(boxes[m_items[leaf]]);
+        m_leafOf[m_items[leaf]] = leaf;
+    }
     m_levels.push_back(std::move(leaves));
     // Each level above groups fanout nodes of the one below, in order, so
     // the children of node n are nodes n * fanout onwards.

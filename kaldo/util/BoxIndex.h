@@ -25,6 +25,8 @@ public:
     explicit BoxIndex(const std::vector<Box>& boxes);
 
     std::size_t size() const { return m_count; }
+    // The box of an item, as given.
+    const Box& box(std::uint32_t item) const { return m_levels.front()[m_leafOf[item]]; }
 
     // Takes the items' changed boxes (as many as before; else builds anew):
     // the tree keeps its order and each node is fitted round its children
@@ -81,6 +83,7 @@ private:
 
     std::size_t m_count = 0;
     std::vector<std::uint32_t> m_items;      // item of each leaf, in leaf order
+    std::vector<std::uint32_t> m_leafOf;     // leaf of each item
     std::vector<std::vector<Box>> m_levels;  // level 0: the leaves
 };
 

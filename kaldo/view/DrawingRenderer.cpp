@@ -127,8 +127,14 @@ public:
         const LayerLook& layer = m_pens.layer(entity.layerId());
         if (!layer.visible)
             return;
-        m_pens.takeLineWeight(entity, layer);
-        if (const auto* mline = KxDbMline::cast(&entity))
+        const auto* record = KxDbUnmodelledEntity::cast(&entity);
+        if (record)
+            unpackGroups(*record, m_groups);
+        m_pens.takeLineWeight(record ? m_groups : entity.keptGroups(), entity.lineWeight(), layer);
+        if (record) {
+            if (!drawRecord(*record, record->dxfName(), m_groups, layer) && m_pass.notes)
+                m_pass.notes->undrawnKinds.insert(std::string(record->dxfName()));
+        } else if (const auto* mline = KxDbMline::cast(&entity))
             drawMline(*mline, layer);
         else if (const auto* line = KxDbLine::cast(&entity))
             drawLine(*line, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
@@ -138,16 +144,12 @@ public:
             drawCircle(*circle, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
         else if (const auto* polyline = KxDbPolyline::cast(&entity))
             drawPolyline(*polyline, m_pens.pen(entity.color(), entity.linetypeId(), layer), m_scene);
-        else if (const auto* record = KxDbUnmodelledEntity::cast(&entity))
-            if (!drawRecord(*record, layer) && m_pass.notes)
-                m_pass.notes->undrawnKinds.insert(std::string(record->dxfName()));
     }
 
 private:
-    bool drawRecord(const KxDbUnmodelledEntity& record, const LayerLook& layer)
+    bool drawRecord(const KxDbUnmodelledEntity& record, std::string_view kind,
+                    const std::vector<KxDbFileGroup>& groups, const LayerLook& layer)
     {
-        const std::string_view kind = record.dxfName();
-        const auto& groups = record.groups();
         const int pen = m_pens.pen(record.color(), record.linetypeId(), layer);
         if (kind == "TEXT")
             return drawTextRecord(groups, pen, m_text);
@@ -314,6 +316,8 @@ private:
     int m_depth;
     // The old-form polyline whose vertices are being read.
     OldPolyline m_oldPolyline;
+    // The groups of the record being drawn, their room kept for the next.
+    std::vector<KxDbFileGroup> m_groups;
 };
 
 // Draws model space into scenes of at most entitiesPerPiece entities

@@ -4,7 +4,6 @@
 #include "kaldo/view/RecordShapes.h"
 #include "kxdbdatabase.h"
 #include "kxdbsymtb.h"
-#include "kxdbunmodelled.h"
 
 namespace kaldo::view {
 
@@ -56,9 +55,25 @@ int PenResolver::pattern(KxDbObjectId linetype, const LayerLook& layer)
     return index;
 }
 
+std::size_t PenResolver::PenKeyHash::operator()(const PenKey& key) const
+{
+    std::size_t hash = std::hash<KxDbObjectId>()(key.linetype);
+    for (const std::size_t part :
+         {std::hash<const void*>()(key.layer), std::size_t(key.color), std::size_t(key.lineWeight)})
+        hash = hash * 31 + part;
+    return hash;
+}
+
 int PenResolver::pen(const KxCmColor& color, KxDbObjectId linetype, const LayerLook& layer)
 {
-    return m_scene.pen({drawColor(color, layer.color), pattern(linetype, layer), m_lineWeight});
+    const PenKey key{color.color(), linetype, &layer, m_lineWeight};
+    if (key == m_lastPen.first)
+        return m_lastPen.second;
+    const auto [found, added] = m_pens.try_emplace(key);
+    if (added)
+        found->second = m_scene.pen({drawColor(color, layer.color), pattern(linetype, layer), m_lineWeight});
+    m_lastPen = *found;
+    return found->second;
 }
 
 int PenResolver::continuousPen(const KxCmColor& color, const LayerLook& layer)
@@ -66,10 +81,9 @@ int PenResolver::continuousPen(const KxCmColor& color, const LayerLook& layer)
     return m_scene.pen({drawColor(color, layer.color), 0, m_lineWeight});
 }
 
-void PenResolver::takeLineWeight(const KxDbEntity& entity, const LayerLook& layer)
+void PenResolver::takeLineWeight(const std::vector<KxDbFileGroup>& groups, int own, const LayerLook& layer)
 {
-    const auto* record = KxDbUnmodelledEntity::cast(&entity);
-    const int weight = lineWeightIn(record ? record->groups() : entity.keptGroups(), entity.lineWeight());
+    const int weight = lineWeightIn(groups, own);
     m_lineWeight = weight == KxDb::kLnWtByLayer ? layer.lineWeight : weight >= 0 ? weight : kDefaultLineWeight;
 }
 

@@ -22,8 +22,9 @@ bool addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to
         const KxGePoint3d p = plane.toWorld(KxGePoint3d(x, y, elevation));
         scene.addPoint({p.x, p.y});
     };
-    const double chord = std::hypot(to.x - from.x, to.y - from.y);
-    if (from.bulge == 0 || chord == 0) {
+    // Straight segments, the most, need no chord.
+    const double chord = from.bulge == 0 ? 0 : std::hypot(to.x - from.x, to.y - from.y);
+    if (chord == 0) {
         add(to.x, to.y);
         return true;
     }
@@ -55,18 +56,25 @@ bool addSegment(const KxDbPolyline::Vertex& from, const KxDbPolyline::Vertex& to
 
 void drawPolyline(const KxDbPolyline& polyline, int pen, Scene& scene)
 {
-    const std::vector<KxDbPolyline::Vertex>& vertices = polyline.vertices();
-    if (vertices.empty())
+    // Vertices are read one by one: a copy of them all would cost an
+    // allocation per polyline.
+    const int count = polyline.numVerts();
+    if (count == 0)
         return;
     const EntityPlane plane(polyline.normal());
     scene.beginPolyline(pen);
-    const KxGePoint3d first = plane.toWorld(KxGePoint3d(vertices[0].x, vertices[0].y, polyline.elevation()));
+    const KxDbPolyline::Vertex front = polyline.vertexAt(0);
+    const KxGePoint3d first = plane.toWorld(KxGePoint3d(front.x, front.y, polyline.elevation()));
     scene.addPoint({first.x, first.y});
     bool whole = true;
-    for (std::size_t i = 1; i < vertices.size(); ++i)
-        whole &= addSegment(vertices[i - 1], vertices[i], polyline.elevation(), plane, pen, scene);
-    if (polyline.isClosed() && vertices.size() > 1)
-        whole &= addSegment(vertices.back(), vertices.front(), polyline.elevation(), plane, pen, scene);
+    KxDbPolyline::Vertex from = front;
+    for (int i = 1; i < count; ++i) {
+        const KxDbPolyline::Vertex to = polyline.vertexAt(i);
+        whole &= addSegment(from, to, polyline.elevation(), plane, pen, scene);
+        from = to;
+    }
+    if (polyline.isClosed() && count > 1)
+        whole &= addSegment(from, front, polyline.elevation(), plane, pen, scene);
     scene.endPolyline(polyline.isClosed() && whole);
 }
 

@@ -136,6 +136,20 @@ int groupInteger(const std::vector<KxDbFileGroup>& groups, int code, int fallbac
     return wholeNumber(groupNumber(groups, code, fallback), fallback);
 }
 
+void unpackGroups(const KxDbUnmodelledRecord& record, std::vector<KxDbFileGroup>& groups)
+{
+    std::size_t count = 0;
+    record.packedGroups().forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+        if (count == groups.size())
+            groups.emplace_back();
+        KxDbFileGroup& group = groups[count++];
+        group.code = code;
+        group.part = part;
+        group.value.assign(value);
+    });
+    groups.resize(count);
+}
+
 namespace {
 
 // A line of text of TEXT, ATTRIB or ATTDEF, whose vertical alignment is

@@ -11,6 +11,7 @@
 #include "kaldo/view/Scene.h"
 #include "kaldo/view/TextShapes.h"
 #include "kxdbobject.h"
+#include "kxdbunmodelled.h"
 
 #include <vector>
 
@@ -56,5 +57,8 @@ double groupNumber(const std::vector<KxDbFileGroup>& groups, int code, double fa
 // lies beyond the range of int.
 int groupInteger(const std::vector<KxDbFileGroup>& groups, int code, int fallback);
 const KxDbFileGroup* findGroup(const std::vector<KxDbFileGroup>& groups, int code);
+// A record's groups into groups, whose room (and that of their values) is
+// used again: drawing many records unpacks them without allocating.
+void unpackGroups(const KxDbUnmodelledRecord& record, std::vector<KxDbFileGroup>& groups);
 
 }  // namespace kaldo::view

@@ -27,7 +27,7 @@ public:
     // that is not a finite number (their extent is unknown).
     SceneItems near(const std::vector<Box>& boxes) const;
     // The box of polyline i; null when a coordinate is not a finite number.
-    const Box* polylineBox(std::uint32_t i) const { return m_finite[i] ? &m_boxes[i] : nullptr; }
+    const Box* polylineBox(std::uint32_t i) const { return m_finite[i] ? &m_index.box(i) : nullptr; }
 
     enum class Kind { Polyline, Arc, Polygon, Instance };
     // Calls visit(kind, index) for each item whose box meets box, in no set
@@ -57,7 +57,7 @@ public:
             box, detail,
             [&](std::uint32_t item) {
                 if (m_finite[item])
-                    visit(m_boxes[item]);
+                    visit(m_index.box(item));
             },
             visit);
     }
@@ -66,8 +66,8 @@ private:
     std::size_t m_polylines = 0;
     std::size_t m_arcs = 0;
     std::size_t m_polygons = 0;
-    // Items: the polylines, then the arcs, the polygons and the instances.
-    std::vector<Box> m_boxes;
+    // Items: the polylines, then the arcs, the polygons and the instances;
+    // the tree keeps their boxes.
     std::vector<bool> m_finite;
     BoxIndex m_index;
     std::vector<std::uint32_t> m_unbounded;

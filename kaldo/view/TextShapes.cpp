@@ -26,11 +26,15 @@ constexpr double kLineSpacing = 5.0 / 3.0;
 // each letter of a line: a letter never has fewer.
 constexpr std::size_t kLeastPointsPerLetter = 4;
 
+// The last letter of printable Latin.
+constexpr char16_t kLastUnshapedLetter = u'\u02FF';
+
 // Whether a line's letters are each one glyph of its font side by side
 // (printable Latin), so that its extent can be measured without shaping.
 bool measurableWithoutShaping(const QString& line)
 {
-    return std::all_of(line.begin(), line.end(), [](QChar letter) { return letter >= u' ' && letter < u'\u0300'; });
+    return std::all_of(line.begin(), line.end(),
+                       [](QChar letter) { return letter >= u' ' && letter <= kLastUnshapedLetter; });
 }
 
 // Font files of other systems and the families they hold, where the
@@ -146,7 +150,8 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
                 {lines[i].toStdString(), font.file, left, Box{left, -cap, left + width, descent}, toDrawing, pen});
             continue;
         }
-        const LineMeasure measure = measureLine(font, lines[i]);
+        measureLine(font, lines[i]);
+        const LineMeasure& measure = m_measure;
         const double left = -place.horizontal * measure.advance;
         const Box box{left, descent, left + measure.advance, -cap};
         std::size_t points = 0;
@@ -180,20 +185,52 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
     return true;
 }
 
-TextShapes::LineMeasure TextShapes::measureLine(Font& font, const QString& line)
+bool TextShapes::measureLetters(Font& font, const QString& line)
 {
-    LineMeasure measure;
-    if (measurableWithoutShaping(line) && font.raw.isValid()) {
-        const QList<quint32> glyphs = font.raw.glyphIndexesForString(line);
-        if (std::find(glyphs.begin(), glyphs.end(), 0u) == glyphs.end()) {
-            const QList<QPointF> advances = font.raw.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances);
-            for (qsizetype g = 0; g < glyphs.size(); ++g) {
-                measure.letters.emplace_back(&glyphMeasure(font, font.raw, glyphs[g]), measure.advance);
-                measure.advance += advances[g].x();
+    if (font.letters.empty())
+        font.letters.resize(kLastUnshapedLetter + 1);
+    for (const QChar letter : line) {
+        Font::Letter& known = font.letters[letter.unicode()];
+        if (!known.measure) {
+            const QList<quint32> glyph = font.raw.glyphIndexesForString(QString(letter));
+            if (glyph.size() != 1 || glyph.front() == 0) {
+                m_measure.letters.clear();
+                return false;
             }
-            return measure;
+            known = {glyph.front(), &glyphMeasure(font, font.raw, glyph.front())};
         }
+        m_measure.letters.emplace_back(known.measure, 0);
     }
+    const auto advance = [&](quint32 glyph, const quint32* next) {
+        const auto measured = [&](QList<quint32> glyphs) {
+            return font.raw.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances).front().x();
+        };
+        if (!next) {
+            const auto [found, added] = font.lastAdvances.try_emplace(glyph);
+            if (added)
+                found->second = measured({glyph});
+            return found->second;
+        }
+        const auto [found, added] = font.pairAdvances.try_emplace(std::uint64_t(glyph) << 32 | *next);
+        if (added)
+            found->second = measured({glyph, *next});
+        return found->second;
+    };
+    for (qsizetype i = 0; i < line.size(); ++i) {
+        const quint32 glyph = font.letters[line[i].unicode()].glyph;
+        const quint32* next = i + 1 < line.size() ? &font.letters[line[i + 1].unicode()].glyph : nullptr;
+        m_measure.letters[std::size_t(i)].second = m_measure.advance;
+        m_measure.advance += advance(glyph, next);
+    }
+    return true;
+}
+
+void TextShapes::measureLine(Font& font, const QString& line)
+{
+    m_measure.advance = 0;
+    m_measure.letters.clear();
+    if (measurableWithoutShaping(line) && font.raw.isValid() && measureLetters(font, line))
+        return;
     QTextLayout layout(line, font.font);
     layout.beginLayout();
     const QTextLine laidOut = layout.createLine();
@@ -205,10 +242,9 @@ TextShapes::LineMeasure TextShapes::measureLine(Font& font, const QString& line)
         const QList<quint32> glyphs = glyphRun.glyphIndexes();
         const QList<QPointF> positions = glyphRun.positions();
         for (qsizetype g = 0; g < glyphs.size(); ++g)
-            measure.letters.emplace_back(&glyphMeasure(font, raw, glyphs[g]), positions[g].x());
+            m_measure.letters.emplace_back(&glyphMeasure(font, raw, glyphs[g]), positions[g].x());
     }
-    measure.advance = laidOut.horizontalAdvance();
-    return measure;
+    m_measure.advance = laidOut.horizontalAdvance();
 }
 
 const TextShapes::GlyphMeasure& TextShapes::glyphMeasure(Font& font, const QRawFont& raw, quint32 glyph)

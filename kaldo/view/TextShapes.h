@@ -14,6 +14,7 @@
 #include <QRawFont>
 #include <QStringList>
 
+#include <cstdint>
 #include <deque>
 #include <map>
 #include <string>
@@ -85,8 +86,11 @@ private:
     // The font of a style, made at its first text.
     Font& styleFont(const std::string& style);
     // Measured from the font's glyphs one by one where the line's letters
-    // allow (kerned as the font says), else laid out.
-    LineMeasure measureLine(Font& font, const QString& line);
+    // allow (kerned as the font says), else laid out; into m_measure.
+    void measureLine(Font& font, const QString& line);
+    // Measures a line of letters each of which is one glyph of the font
+    // (printable Latin); false when one has none.
+    bool measureLetters(Font& font, const QString& line);
     // A glyph's measure, found at its first use.
     const GlyphMeasure& glyphMeasure(Font& font, const QRawFont& raw, quint32 glyph);
     // The corners of box (layout units), placed, as a closed polyline.
@@ -102,8 +106,22 @@ private:
         QRawFont raw;
         double cap = 0;
         std::deque<std::pair<QRawFont, std::unordered_map<quint32, GlyphMeasure>>> glyphs;
+        // The glyph of each letter measured without shaping, by its code,
+        // and that glyph's measure: looked up at the letter's first use.
+        struct Letter {
+            quint32 glyph = 0;
+            const GlyphMeasure* measure = nullptr;
+        };
+        std::vector<Letter> letters;
+        // The advance of a glyph followed by another (kerned towards it),
+        // by the pair, and that of a glyph that ends its line: a line's
+        // advances are these, found once for each pair of letters.
+        std::unordered_map<std::uint64_t, double> pairAdvances;
+        std::unordered_map<quint32, double> lastAdvances;
     };
 
+    // The line measured last; its room is used again for the next.
+    LineMeasure m_measure;
     Scene& m_scene;
     PointBudget& m_budget;
     const TextStyleFonts& m_styles;

@@ -74,10 +74,17 @@ TEST(BoxIndex, FindsWhatAPlainSearchFinds)
         const double x = place(random), y = place(random);
         return Box{x, y, x + size(random), y + size(random)};
     };
-    std::vector<Box> boxes(5000);
+    // Enough boxes for the tree to be sorted on two threads.
+    std::vector<Box> boxes(70000);
     std::generate(boxes.begin(), boxes.end(), randomBox);
     const BoxIndex index(boxes);
     EXPECT_EQ(index.size(), boxes.size());
+    for (std::uint32_t i = 0; i < boxes.size(); ++i) {
+        const Box& kept = index.box(i);
+        ASSERT_TRUE(kept.minX == boxes[i].minX && kept.minY == boxes[i].minY && kept.maxX == boxes[i].maxX
+                    && kept.maxY == boxes[i].maxY)
+            << i;
+    }
     for (int q = 0; q < 200; ++q) {
         const Box query = randomBox();
         std::vector<std::uint32_t> found;
