@@ -74,7 +74,7 @@ TEST(DxfMemoryBound, CountsThatPromiseMoreThanFollowsAreRefused)
 // Records the host keeps as read (text, block references, kinds it does not
 // know) hold their kind and groups packed in one allocation, the lengths in a
 // byte or two and a common kind as a tag, beside an entity of 48 bytes: a
-// drawing of them takes less than 1.2 times the file, where an entity of 96
+// drawing of them takes less than 1.3 times the file, where an entity of 96
 // bytes took 1.4, 32-bit lengths and a spelled kind 1.5, two strings a record
 // 1.8 and a group object per value more than five.
 TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
@@ -91,7 +91,7 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
     const std::string text = smallDrawing(entities, "");
     const auto [peak, error] = readMeasured(text);
     EXPECT_EQ(error, "");
-    EXPECT_LT(peak, kBase + 6 * text.size() / 5) << text.size() << " bytes";
+    EXPECT_LT(peak, kBase + 13 * text.size() / 10) << text.size() << " bytes";
 }
 
 // Inputs made to cost the most memory per byte of file: records of nothing
