@@ -106,7 +106,7 @@ TEST(EntityProperties, DatabaseAndHandleFollowTheObject)
 
     // Readers are counted in sixteen bits: one more is refused, not wrapped.
     std::vector<KxDbLine*> readers;
-    for (;;) {
+    for (int attempt = 0; attempt < 70000; ++attempt) {
         KxDbLine* reader = nullptr;
         const Kald::ErrorStatus es = kxdbOpenObject(reader, id, KxDb::kForRead);
         if (es != Kald::eOk) {
