@@ -11,12 +11,16 @@
 // first picture of a canvas given that scene (the first frame, then the
 // complete picture), a middle-button pan of the whole drawing and of a
 // close view, and a wheel step (its frame and its complete picture), each
-// with the process's peak memory.
+// with the process's peak memory; and how long the window's command thread
+// keeps a command waiting after the drawing opens and after a line is drawn
+// in it.
 #include "PeakMemory.h"
 #include "ZigzagMultilines.h"
+#include "kaldo/app/Session.h"
 #include "kaldo/dxf/DxfFile.h"
 #include "kaldo/ed/PickIndex.h"
 #include "kaldo/ui/Canvas.h"
+#include "kaldo/ui/CommandRunner.h"
 #include "kaldo/ui/ViewGeometry.h"
 #include "kaldo/view/DrawingRenderer.h"
 #include "kaldo/view/SceneIndex.h"
@@ -336,6 +340,79 @@ void BM_MixedZoom(benchmark::State& state)
     reportMemory(state, peakMegabytes());
 }
 BENCHMARK(BM_MixedZoom)->Unit(benchmark::kMillisecond)->Iterations(6)->UseRealTime();
+
+// The window's command thread, without a window: typed lines go in, the
+// transcript comes back.
+class TypedSession {
+public:
+    explicit TypedSession(const std::filesystem::path& dir)
+        : session_(sessionPaths(dir)), runner_(session_)
+    {
+        QObject::connect(&runner_, &kaldo::ui::CommandRunner::transcriptWritten,
+                         [this](const QString& text) { transcript_ += text; });
+        runner_.start();
+        waitFor("Command: ");
+    }
+    ~TypedSession()
+    {
+        runner_.stop();
+        while (runner_.running())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    }
+    // Types lines at once and waits until the transcript has grown and ends
+    // with prompt; returns the milliseconds that took.
+    double type(const QStringList& lines, const QString& prompt)
+    {
+        const Clock::time_point start = Clock::now();
+        const qsizetype before = transcript_.size();
+        for (const QString& line : lines)
+            runner_.push(line.isEmpty() ? kaldo::InputEvent::enter() : kaldo::InputEvent::typed(line.toStdWString()));
+        waitFor(prompt, before);
+        return millisecondsSince(start);
+    }
+
+private:
+    static kaldo::SessionPaths sessionPaths(const std::filesystem::path& dir)
+    {
+        kaldo::SessionPaths paths = kaldo::defaultSessionPaths(std::filesystem::canonical("/proc/self/exe").parent_path());
+        paths.profile = dir / "kaldo.ini";
+        paths.crashDir = dir / "crash";
+        return paths;
+    }
+    void waitFor(const QString& prompt, qsizetype after = 0)
+    {
+        while (transcript_.size() <= after || !transcript_.endsWith(prompt))
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    }
+
+    kaldo::Session session_;
+    kaldo::ui::CommandRunner runner_;
+    QString transcript_;
+};
+
+// The command line while the window's scene of the mixed drawing is made:
+// LINE typed as soon as the drawing has opened, and again as soon as a
+// line was drawn in it, each until LINE asks for its first point.
+void BM_MixedCommandLineWaits(benchmark::State& state)
+{
+    if (!std::getenv("KALDO_BENCH_MIXED_DXF")) {
+        state.SkipWithError("KALDO_BENCH_MIXED_DXF names no drawing");
+        return;
+    }
+    const std::filesystem::path dir = std::filesystem::temp_directory_path() / "kaldo-bench-window";
+    std::filesystem::create_directories(dir);
+    double afterOpen = 0, afterLine = 0;
+    for (auto _ : state) {
+        TypedSession typed(dir);
+        typed.type({"FILEDIA", "0", "OPEN", std::getenv("KALDO_BENCH_MIXED_DXF")}, "Command: ");
+        afterOpen += typed.type({"LINE"}, "Specify first point: ");
+        typed.type({"0,0", "10,10"}, "Specify next point or [Undo]: ");
+        afterLine += typed.type({"", "LINE"}, "Specify first point: ");
+    }
+    state.counters["after_open_ms"] = afterOpen / double(state.iterations());
+    state.counters["after_line_ms"] = afterLine / double(state.iterations());
+}
+BENCHMARK(BM_MixedCommandLineWaits)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 
 }  // namespace
 

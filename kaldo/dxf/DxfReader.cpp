@@ -94,10 +94,11 @@ void checkSectionEnd(const SectionRecords& records, const char* notARecord, cons
 }
 
 // The sections of many records are read as SectionRecords: on a second
-// thread while their objects are built here, when they are large.
+// thread while their objects are built here, when they are large; that
+// thread also takes entities apart (readEntityAhead).
 void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter& meter)
 {
-    SectionRecords records(reader);
+    SectionRecords records(reader, readEntityAhead);
     KxDbObjectId block;
     while (const Record* record = records.next()) {
         meter.record();
@@ -119,7 +120,7 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
         } else {
             if (block.isNull())
                 throw DxfError(record->line(), "an entity outside of any block.");
-            readEntity(*record, context, block);
+            readEntity(*record, context, block, records.ahead());
         }
     }
     checkSectionEnd(records, "a record (group 0) was expected in the blocks.", "the file ends inside the blocks.");
@@ -130,10 +131,10 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
 void readEntitiesSection(GroupReader& reader, ReadContext& context, ProgressMeter& meter)
 {
     ensureLayoutBlocks(context);
-    SectionRecords records(reader);
+    SectionRecords records(reader, readEntityAhead);
     while (const Record* record = records.next()) {
         meter.record();
-        readEntity(*record, context, KxDbObjectId());
+        readEntity(*record, context, KxDbObjectId(), records.ahead());
     }
     checkSectionEnd(records, "an entity (group 0) was expected.", "the file ends inside the entities.");
 }

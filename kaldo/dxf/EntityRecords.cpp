@@ -15,6 +15,7 @@
 #include "kxdbunmodelled.h"
 
 #include <algorithm>
+#include <exception>
 #include <memory>
 #include <numbers>
 
@@ -22,22 +23,23 @@ namespace kaldo::dxf {
 
 namespace {
 
-// Layer, linetype and colour of every entity.
+// Layer, linetype and colour of every entity, the names and the index as
+// the record in hand spells them.
 struct EntityLook {
-    std::string layer = "0";
-    std::string linetype;
+    std::string_view layer = "0";
+    std::string_view linetype;
     KxCmColor color;
-    std::string colorIndex;  // as read, for a true colour that has one
+    std::string_view colorIndex;  // as read, for a true colour that has one
     bool take(const Group& g)
     {
         if (g.code == 62)
-            colorIndex = std::string(g.value);
+            colorIndex = g.value;
         if (g.code == 8) {
-            layer = std::string(trimmed(g.value));
+            layer = trimmed(g.value);
             return true;
         }
         if (g.code == 6) {
-            linetype = std::string(trimmed(g.value));
+            linetype = trimmed(g.value);
             return true;
         }
         return readColorGroup(g, color);
@@ -49,13 +51,13 @@ struct EntityLook {
         bool same = true;
         entity.setLayer(context.layer(layer.empty() ? "0" : layer, &same));
         if (!same)
-            basics.kept.push_back({8, 1, layer});
+            basics.kept.push_back({8, 1, std::string(layer)});
         entity.setLinetype(linetype.empty() ? context.linetype("ByLayer") : context.linetype(linetype, &same));
         if (!same && !linetype.empty())
-            basics.kept.push_back({6, 1, linetype});
+            basics.kept.push_back({6, 1, std::string(linetype)});
         // The index beside a true colour is the writer's own choice: kept.
         if (color.isByColor() && !colorIndex.empty())
-            basics.kept.push_back({62, 1, colorIndex});
+            basics.kept.push_back({62, 1, std::string(colorIndex)});
         entity.setColor(color);
     }
 };
@@ -219,46 +221,93 @@ KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, Rec
     return owned;
 }
 
-}  // namespace
-
-void readEntity(const Record& record, ReadContext& context, KxDbObjectId block)
-{
+// An entity of the kinds readEntityAhead takes apart, as far as that
+// goes without the drawing: the entity, its basics and its look, or what
+// refused the record.
+struct EntityParts : RecordAhead {
+    std::unique_ptr<KxDbEntity> entity;
     RecordBasics basics;
     EntityLook look;
+    std::exception_ptr error;
+};
+
+// Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart into parts; no
+// entity for any other kind, but the basics and the look of one kept
+// whole (a multiline is left to readEntity).
+void takeApart(const Record& record, EntityParts& parts)
+{
+    parts.entity.reset();
+    parts.basics = {};
+    parts.look = {};
+    parts.error = nullptr;
     const std::string& kind = record.kind();
-    // Owned here until its block takes it, so that a group refused on the
-    // way leaves nothing behind.
-    std::unique_ptr<KxDbEntity> entity;
-    MlineStyleLink styleLink;
-    if (kind == "LINE")
-        entity.reset(readLine(record, basics, look));
-    else if (kind == "ARC" || kind == "CIRCLE")
-        entity.reset(readCircleOrArc(record, basics, look, kind == "ARC"));
-    else if (kind == "LWPOLYLINE")
-        entity.reset(readPolyline(record, basics, look));
-    else if (kind == "MLINE")
-        entity.reset(readMline(record, basics, [&look](const Group& g) { return look.take(g); }, styleLink,
-                               context.mlineLists));
-    if (!entity) {
-        basics = rawRecordBasics(record);
-        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
+    if (kind == "LINE") {
+        parts.entity.reset(readLine(record, parts.basics, parts.look));
+    } else if (kind == "ARC" || kind == "CIRCLE") {
+        parts.entity.reset(readCircleOrArc(record, parts.basics, parts.look, kind == "ARC"));
+    } else if (kind == "LWPOLYLINE") {
+        parts.entity.reset(readPolyline(record, parts.basics, parts.look));
+    } else if (kind != "MLINE") {
+        parts.basics = rawRecordBasics(record);
         // Its layer, linetype and colour, so that it is drawn in them; the
         // groups are written back as read.
         for (std::size_t i = 0; i < record.size(); ++i) {
             const Group g = record.at(i);
             if (g.code == 100 && g.value != "AcDbEntity")
                 break;
-            look.take(g);
+            parts.look.take(g);
         }
-        RecordBasics lookKept;
-        look.applyTo(*unmodelled, context, lookKept);
-        append(context, std::move(unmodelled), basics, block, record.line());
+    }
+}
+
+}  // namespace
+
+void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot)
+{
+    if (!slot)
+        slot = std::make_unique<EntityParts>();
+    auto& parts = static_cast<EntityParts&>(*slot);
+    try {
+        takeApart(record, parts);
+    } catch (...) {
+        parts.entity.reset();
+        parts.error = std::current_exception();
+    }
+}
+
+void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, RecordAhead* ahead)
+{
+    const std::string& kind = record.kind();
+    if (kind == "MLINE") {
+        RecordBasics basics;
+        EntityLook look;
+        MlineStyleLink styleLink;
+        std::unique_ptr<KxDbEntity> entity(readMline(record, basics, [&look](const Group& g) { return look.take(g); },
+                                                     styleLink, context.mlineLists));
+        look.applyTo(*entity, context, basics);
+        const KxDbEntity* added = append(context, std::move(entity), basics, block, record.line());
+        context.styleReferences.push_back({added->objectId(), styleLink.handle, styleLink.name, styleLink.line});
         return;
     }
-    look.applyTo(*entity, context, basics);
-    const KxDbEntity* added = append(context, std::move(entity), basics, block, record.line());
-    if (kind == "MLINE")
-        context.styleReferences.push_back({added->objectId(), styleLink.handle, styleLink.name, styleLink.line});
+    // Owned here until its block takes it, so that a group refused on the
+    // way leaves nothing behind.
+    EntityParts partsHere;
+    auto* parts = static_cast<EntityParts*>(ahead);
+    if (!parts) {
+        parts = &partsHere;
+        takeApart(record, partsHere);
+    } else if (parts->error) {
+        std::rethrow_exception(parts->error);
+    }
+    if (!parts->entity) {
+        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
+        RecordBasics lookKept;
+        parts->look.applyTo(*unmodelled, context, lookKept);
+        append(context, std::move(unmodelled), parts->basics, block, record.line());
+        return;
+    }
+    parts->look.applyTo(*parts->entity, context, parts->basics);
+    append(context, std::move(parts->entity), parts->basics, block, record.line());
 }
 
 const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)

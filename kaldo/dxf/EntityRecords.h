@@ -3,10 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <unordered_map>
 
 #include "kaldo/dxf/Record.h"
+#include "kaldo/dxf/SectionRecords.h"
 #include "kxdbid.h"
 
 class KxDbDatabase;
@@ -19,8 +21,13 @@ class GroupWriter;
 
 // Reads the entity record into the database and appends it to block (or,
 // when block is null, to the block its owner names, else model space, or
-// paper space for an entity flagged so).
-void readEntity(const Record& record, ReadContext& context, KxDbObjectId block);
+// paper space for an entity flagged so). ahead is what readEntityAhead
+// made of the record, if anything.
+void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, RecordAhead* ahead = nullptr);
+// Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart on the reading
+// thread (SectionRecords' ReadAhead): the new entity with its layer's and
+// linetype's names, for readEntity to add to the drawing.
+void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot);
 
 // Names of layers and linetypes as the writer needs them, looked up once.
 class NameCache {

@@ -377,7 +377,7 @@ bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highe
     return !text.empty() && value <= highest;
 }
 
-std::uint64_t toHandle(const Group& group, std::uint64_t highest)
+std::uint64_t toHandleText(const Group& group, std::uint64_t highest)
 {
     std::uint64_t value = 0;
     if (!tryHandle(group.value, value, highest))

@@ -26,6 +26,10 @@ struct Group {
     // The value as a real, when it was read as one beforehand (readQuickReal);
     // not a number otherwise.
     double real = std::numeric_limits<double>::quiet_NaN();
+    // The value as a handle, when it was read as one beforehand (tryHandle,
+    // up to a handle seed's limit); kNoHandle otherwise.
+    static constexpr std::uint64_t kNoHandle = ~std::uint64_t(0);
+    std::uint64_t handle = kNoHandle;
 };
 
 class GroupReader {
@@ -65,6 +69,13 @@ public:
     void showPosition(const std::uint64_t* shown) { shownPosition_ = shown; }
     std::uint64_t readAheadFrom() const { return readAheadFrom_; }
     void setReadAheadFrom(std::uint64_t bytes) { readAheadFrom_ = bytes; }
+    // When the reading thread also does some of the caller's work (packs
+    // records, takes entities apart): while the caller has records waiting,
+    // so that the two threads balance, or always (the outcome is the same;
+    // tests take that path on purpose).
+    enum class WorkAhead { WhileCallerBehind, Always };
+    WorkAhead workAhead() const { return workAhead_; }
+    void setWorkAhead(WorkAhead when) { workAhead_ = when; }
     // The bytes of the input not yet given as groups, about.
     std::uint64_t bytesLeft() const
     {
@@ -104,6 +115,7 @@ private:
     std::uint64_t bytesRead_ = 0;
     const std::uint64_t* shownPosition_ = nullptr;
     std::uint64_t readAheadFrom_ = kReadAheadFrom;
+    WorkAhead workAhead_ = WorkAhead::WhileCallerBehind;
 };
 
 // Value conversions that name the group's line when the text is no number.
@@ -114,14 +126,28 @@ constexpr bool isRealCode(int code)
     return (code >= 10 && code <= 59) || (code >= 110 && code <= 149) || (code >= 210 && code <= 239)
            || (code >= 460 && code <= 469) || (code >= 1010 && code <= 1059);
 }
+// Whether the group code is one of handles (the record's own, owners,
+// references).
+constexpr bool isHandleCode(int code)
+{
+    return code == 5 || code == 105 || (code >= 320 && code <= 369) || (code >= 390 && code <= 399)
+           || code == 480 || code == 481 || code == 1005;
+}
 // The real of a value by toReal's quick ways alone, so that it can be read
 // ahead of its use; false, with value untouched, where toReal looks further
 // (and may refuse the text).
 bool readQuickReal(std::string_view text, double& value);
 std::int64_t toInteger(const Group& group);
 // A handle: hexadecimal digits, at most kxdbHighestHandle (a handle seed
-// may be one above).
-std::uint64_t toHandle(const Group& group, std::uint64_t highest = kxdbHighestHandle);
+// may be one above); toHandleText reads the text even when the group comes
+// with its handle read beforehand.
+std::uint64_t toHandleText(const Group& group, std::uint64_t highest);
+inline std::uint64_t toHandle(const Group& group, std::uint64_t highest = kxdbHighestHandle)
+{
+    if (group.handle <= highest)
+        return group.handle;
+    return toHandleText(group, highest);
+}
 // The same without complaint: false for text that is no such handle.
 bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest = kxdbHighestHandle);
 inline std::string_view trimmed(std::string_view text)

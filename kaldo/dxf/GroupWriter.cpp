@@ -86,6 +86,8 @@ GroupWriter::GroupWriter(int fd)
 {
 }
 
+GroupWriter::GroupWriter() : GroupWriter(-1) {}
+
 void GroupWriter::encodeAs(std::string_view version, std::string_view codePage)
 {
     codec_ = std::make_unique<TextCodec>(version, codePage);
@@ -93,6 +95,10 @@ void GroupWriter::encodeAs(std::string_view version, std::string_view codePage)
 
 void GroupWriter::makeRoom(std::size_t bytes)
 {
+    if (fd_ < 0) {
+        buffer_.resize(std::max(2 * buffer_.size(), used_ + bytes));
+        return;
+    }
     flush();
     if (bytes > buffer_.size())
         buffer_.resize(bytes);
@@ -220,6 +226,8 @@ void GroupWriter::point(int groupCode, double x, double y, double z)
 
 void GroupWriter::flush()
 {
+    if (fd_ < 0)
+        return;
     try {
         writeAll(fd_, std::string_view(buffer_.data(), used_));
     } catch (const FileError& e) {

@@ -21,6 +21,9 @@ public:
     // Writes to fd (not owned); flush() or the destructor's caller must
     // flush. Errors are thrown as DxfError with the system's reason.
     explicit GroupWriter(int fd);
+    // Writes into memory only, for a part of a file made apart: written()
+    // holds the text until clear().
+    GroupWriter();
     GroupWriter(const GroupWriter&) = delete;
     GroupWriter& operator=(const GroupWriter&) = delete;
 
@@ -44,6 +47,11 @@ public:
     void point(int code, const KxGePoint3d& p) { point(code, p.x, p.y, p.z); }
     void vector(int code, const KxGeVector3d& v) { point(code, v.x, v.y, v.z); }
 
+    // Text formatted elsewhere, as it stands.
+    void raw(std::string_view bytes);
+    std::string_view written() const { return std::string_view(buffer_.data(), used_); }
+    void clear() { used_ = 0; }
+
     void flush();
 
 private:
@@ -57,9 +65,8 @@ private:
             makeRoom(bytes);
     }
     void makeRoom(std::size_t bytes);
-    void raw(std::string_view bytes);
 
-    int fd_;
+    int fd_;  // -1 for memory only
     std::string buffer_;
     std::size_t used_ = 0;
     // Reals written in their shortest form, by their bits, and their text:

@@ -46,23 +46,29 @@ KxDbObjectId ReadContext::linetype(std::string_view name, bool* spelledAsRecord)
     return record(ensureLinetypeTable(*this), linetypes_, name, false, spelledAsRecord);
 }
 
-KxDbObjectId ReadContext::record(KxDbObjectId tableId, std::unordered_map<std::string, Found>& cache,
-                                 std::string_view name, bool isLayer, bool* spelledAsRecord)
+KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::string_view name, bool isLayer,
+                                 bool* spelledAsRecord)
 {
+    const auto found = [&](const std::pair<const std::string, Found>& entry) {
+        if (spelledAsRecord)
+            *spelledAsRecord = entry.second.spelledAsRecord;
+        return entry.second.id;
+    };
+    // Names are kept as below, so a name spelled so already is found as it
+    // stands.
+    for (const auto* entry : cache.first)
+        if (entry->first == name)
+            return found(*entry);
     // The database takes a name as a C string: it ends at its first NUL, and
     // what is left is trimmed again, so that the name saved reads back as the
     // same record.
     name = trimmed(name.substr(0, name.find('\0')));
-    const std::string key(name);
-    if (const auto it = cache.find(key); it != cache.end()) {
-        if (spelledAsRecord)
-            *spelledAsRecord = it->second.spelledAsRecord;
-        return it->second.id;
-    }
+    if (const auto it = cache.byName.find(name); it != cache.byName.end())
+        return found(*it);
     auto* table = KxDbSymbolTable::cast(db.peekObject(tableId));
     if (!table || name.empty())
         return {};
-    const std::wstring wideName = wideFromUtf8(key);
+    const std::wstring wideName = wideFromUtf8(name);
     KxDbObjectId id;
     if (table->getAt(wideName.c_str(), id) != Kald::eOk) {
         KxDbSymbolTableRecord* rec = isLayer ? static_cast<KxDbSymbolTableRecord*>(new KxDbLayerTableRecord)
@@ -75,12 +81,11 @@ KxDbObjectId ReadContext::record(KxDbObjectId tableId, std::unordered_map<std::s
         maxHandle = std::max(maxHandle, rec->handle());
         rec->close();
     }
-    const auto* found = KxDbSymbolTableRecord::cast(db.peekObject(id));
-    const bool same = found && found->name() == wideName;
-    cache.emplace(key, Found{id, same});
-    if (spelledAsRecord)
-        *spelledAsRecord = same;
-    return id;
+    const auto* named = KxDbSymbolTableRecord::cast(db.peekObject(id));
+    const auto& entry = *cache.byName.emplace(std::string(name), Found{id, named && named->name() == wideName}).first;
+    if (cache.first.size() < FoundNames::kFirst)
+        cache.first.push_back(&entry);
+    return found(entry);
 }
 
 }  // namespace kaldo::dxf

@@ -6,6 +6,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -93,10 +95,22 @@ private:
         KxDbObjectId id;
         bool spelledAsRecord = true;
     };
-    KxDbObjectId record(KxDbObjectId table, std::unordered_map<std::string, Found>& cache, std::string_view name,
-                        bool isLayer, bool* spelledAsRecord);
-    std::unordered_map<std::string, Found> layers_;
-    std::unordered_map<std::string, Found> linetypes_;
+    // Names found so far, looked up by the text of the record in hand
+    // without a copy: the first few (a drawing's entities mostly use a few
+    // layers) one by one, the others by hash.
+    struct NameHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
+    };
+    struct FoundNames {
+        static constexpr std::size_t kFirst = 8;
+        std::unordered_map<std::string, Found, NameHash, std::equal_to<>> byName;
+        std::vector<const std::pair<const std::string, Found>*> first;
+    };
+    KxDbObjectId record(KxDbObjectId table, FoundNames& cache, std::string_view name, bool isLayer,
+                        bool* spelledAsRecord);
+    FoundNames layers_;
+    FoundNames linetypes_;
 };
 
 }  // namespace kaldo::dxf

@@ -1,6 +1,7 @@
 #include "kaldo/dxf/Record.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 
@@ -12,6 +13,7 @@ void Record::read(GroupReader& reader, const Group& head)
     line_ = head.line;
     size_ = 0;
     used_ = 0;
+    isPacked_ = false;
     Group g;
     while (reader.next(g)) {
         if (g.code == 0) {
@@ -25,26 +27,42 @@ void Record::read(GroupReader& reader, const Group& head)
         if (used_ + g.value.size() > text_.size())
             text_.resize(std::max(2 * text_.size(), used_ + g.value.size()));
         std::memcpy(text_.data() + used_, g.value.data(), g.value.size());
-        if (size_ < kReadReals) {
-            if (size_ == reals_.size())
-                reals_.resize(std::min(kReadReals, fields_.size()));
-            reals_[size_] = std::numeric_limits<double>::quiet_NaN();
-            if (isRealCode(g.code))
-                readQuickReal(g.value, reals_[size_]);
+        Number number = Number::None;
+        if (size_ < kReadNumbers) {
+            if (size_ == numbers_.size())
+                numbers_.resize(std::min(kReadNumbers, fields_.size()));
+            if (double real = 0; isRealCode(g.code) && readQuickReal(g.value, real)) {
+                numbers_[size_] = std::bit_cast<std::uint64_t>(real);
+                number = Number::Real;
+            } else if (std::uint64_t handle = 0;
+                       isHandleCode(g.code) && tryHandle(g.value, handle, kxdbHighestHandle + 1)) {
+                numbers_[size_] = handle;
+                number = Number::Handle;
+            }
         }
-        fields_[size_++] = Field{g.code, std::uint32_t(used_), std::uint32_t(g.line - line_)};
+        fields_[size_++] = Field{std::int16_t(g.code), number, std::uint32_t(used_), std::uint32_t(g.line - line_)};
         used_ += g.value.size();
     }
 }
 
 KxDbPackedGroupsView Record::packedGroups() const
 {
-    packed_.clear();
-    for (std::size_t i = 0; i < size_; ++i) {
-        const Group g = at(i);
-        packed_.append(g.code, 0, g.value);
+    if (!isPacked_) {
+        packed_.clear();
+        for (std::size_t i = 0; i < size_; ++i) {
+            const Field& f = fields_[i];
+            const std::size_t end = i + 1 < size_ ? fields_[i + 1].offset : used_;
+            packed_.append(f.code, 0, std::string_view(text_).substr(f.offset, end - f.offset));
+        }
+        isPacked_ = true;
     }
     return packed_.view();
+}
+
+bool isModelledKind(std::string_view kind)
+{
+    return kind == "LINE" || kind == "ARC" || kind == "CIRCLE" || kind == "LWPOLYLINE" || kind == "MLINE"
+           || kind == "DICTIONARY" || kind == "MLINESTYLE";
 }
 
 }  // namespace kaldo::dxf

@@ -3,6 +3,7 @@
 // The storage is reused from record to record.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -27,11 +28,15 @@ public:
     {
         const Field& f = fields_[index];
         const std::size_t end = index + 1 < size_ ? fields_[index + 1].offset : used_;
-        return Group{f.code, std::string_view(text_).substr(f.offset, end - f.offset), line_ + long(f.lineAfterHead),
-                     index < kReadReals ? reals_[index] : std::numeric_limits<double>::quiet_NaN()};
+        Group g{f.code, std::string_view(text_).substr(f.offset, end - f.offset), line_ + long(f.lineAfterHead)};
+        if (f.number == Number::Real)
+            g.real = std::bit_cast<double>(numbers_[index]);
+        else if (f.number == Number::Handle)
+            g.handle = numbers_[index];
+        return g;
     }
-    // Every group as read, packed, for a record that is kept whole; valid
-    // until the next call.
+    // Every group as read, packed, for a record that is kept whole; packed
+    // on the first call, valid until the record is read again.
     KxDbPackedGroupsView packedGroups() const;
 
 private:
@@ -41,8 +46,10 @@ private:
     // record's first: twelve bytes a group, so that a record of many short
     // groups takes about what the file spends on them.
     static constexpr std::size_t kFirstFields = 64;
+    enum class Number : std::uint8_t { None, Real, Handle };
     struct Field {
-        std::int32_t code = 0;
+        std::int16_t code = 0;
+        Number number = Number::None;  // what numbers_ holds for the group
         std::uint32_t offset = 0;
         std::uint32_t lineAfterHead = 0;
     };
@@ -52,14 +59,21 @@ private:
     std::size_t size_ = 0;
     std::string text_;
     std::size_t used_ = 0;
-    // The reals of the first groups as readQuickReal reads them (not a
-    // number for others), so that a record read on another thread comes
-    // with its numbers; the groups of a large record beyond are converted
-    // where they are used, keeping its memory to what it was.
-    static constexpr std::size_t kReadReals = 1024;
-    std::vector<double> reals_;
+    // The numbers of the first groups, so that a record read on another
+    // thread comes with them: the bits of the real of a group of reals as
+    // readQuickReal reads it, the handle of a group of handles as tryHandle
+    // does. The groups of a large record beyond, and values that they
+    // refuse, are converted where they are used, keeping its memory to what
+    // it was.
+    static constexpr std::size_t kReadNumbers = 1024;
+    std::vector<std::uint64_t> numbers_;
     mutable KxDbPackedGroups packed_;
+    mutable bool isPacked_ = false;
 };
+
+// Whether records of the kind become modelled objects, whose groups are
+// taken apart, rather than kept whole as packed groups.
+bool isModelledKind(std::string_view kind);
 
 // The handle, owner and unmodelled groups of a record being taken apart.
 struct RecordBasics {

@@ -24,9 +24,12 @@ struct SectionRecords::Ahead {
     struct Batch {
         // Records are reused from batch to batch, keeping their storage.
         std::vector<Record> records = std::vector<Record>(kRecordsPerBatch);
+        std::vector<std::unique_ptr<RecordAhead>> made = std::vector<std::unique_ptr<RecordAhead>>(kRecordsPerBatch);
         // The bytes read when each record was read, for the progress shown.
         std::vector<std::uint64_t> positions = std::vector<std::uint64_t>(kRecordsPerBatch);
         std::size_t count = 0;
+        // Whether made holds what readAhead made of the records.
+        bool madeAhead = false;
         // No batch follows; error, when set, was thrown right after the
         // records of this batch.
         bool last = false;
@@ -57,6 +60,12 @@ struct SectionRecords::Ahead {
             filled.push_back(std::move(batch));
         }
         changed.notify_all();
+    }
+    // Whether the caller has filled batches waiting.
+    bool callerBehind()
+    {
+        const std::lock_guard lock(mutex);
+        return !filled.empty();
     }
     // The caller's side: the next filled batch; the one used goes back.
     void takeNext()
@@ -95,7 +104,7 @@ struct SectionRecords::Ahead {
     std::thread thread;
 };
 
-SectionRecords::SectionRecords(GroupReader& reader) : reader_(reader)
+SectionRecords::SectionRecords(GroupReader& reader, ReadAhead readAhead) : reader_(reader), readAhead_(readAhead)
 {
     if (reader.bytesLeft() < reader.readAheadFrom())
         return;
@@ -119,6 +128,21 @@ SectionRecords::SectionRecords(GroupReader& reader) : reader_(reader)
             } catch (...) {
                 batch->error = std::current_exception();
                 batch->last = true;
+            }
+            // While the caller has batches in hand, this thread does some of
+            // its work: it packs the records kept whole and has readAhead
+            // take the others apart. Else it hands the batch over at once,
+            // being the slower of the two. Either way the caller gets the
+            // same records, and makes what was not made here itself.
+            batch->madeAhead = reader_.workAhead() == GroupReader::WorkAhead::Always || ahead.callerBehind();
+            if (batch->madeAhead) {
+                for (std::size_t i = 0; i < batch->count; ++i) {
+                    const Record& record = batch->records[i];
+                    if (!isModelledKind(record.kind()))
+                        record.packedGroups();
+                    if (readAhead_)
+                        readAhead_(record, batch->made[i]);
+                }
             }
             const bool last = batch->last;
             ahead.give(std::move(batch));
@@ -150,6 +174,13 @@ bool SectionRecords::readRecord(Record& record, End& end, long& endLine)
     }
     record.read(reader_, head_);
     return true;
+}
+
+RecordAhead* SectionRecords::ahead() const
+{
+    if (!ahead_ || !ahead_->current || ahead_->at == 0 || !ahead_->current->madeAhead)
+        return nullptr;
+    return ahead_->current->made[ahead_->at - 1].get();
 }
 
 const Record* SectionRecords::next()

@@ -14,6 +14,15 @@
 
 namespace kaldo::dxf {
 
+// What a section's reader makes of a record on the reading thread, ahead
+// of its turn: work that needs no database (numbers, new objects). Made
+// by a ReadAhead function into a slot that it reuses from batch to batch.
+class RecordAhead {
+public:
+    virtual ~RecordAhead() = default;
+};
+using ReadAhead = void (*)(const Record& record, std::unique_ptr<RecordAhead>& slot);
+
 class SectionRecords {
 public:
     // What ended the records: the group "0 ENDSEC", a group that cannot
@@ -21,8 +30,10 @@ public:
     enum class End { Section, NotARecord, Input };
 
     // Reads ahead when at least the reader's readAheadFrom() bytes of the
-    // input are left.
-    explicit SectionRecords(GroupReader& reader);
+    // input are left, calling readAhead, when given, for every record read
+    // there; it throws nothing (what it refuses waits in its slot for the
+    // record's turn).
+    explicit SectionRecords(GroupReader& reader, ReadAhead readAhead = nullptr);
     ~SectionRecords();
     SectionRecords(const SectionRecords&) = delete;
     SectionRecords& operator=(const SectionRecords&) = delete;
@@ -30,6 +41,9 @@ public:
     // The next record, valid until the next call; null once they ended.
     // Throws what reading threw, after the records read before it.
     const Record* next();
+    // What readAhead made of that record; null when it was read on the
+    // caller's thread.
+    RecordAhead* ahead() const;
     End end() const { return end_; }
     // The line of the group that ended the records; for the end of the
     // input, of the last record's first group (0 for none).
@@ -41,6 +55,7 @@ private:
     bool readRecord(Record& record, End& end, long& endLine);
 
     GroupReader& reader_;
+    ReadAhead readAhead_;
     Group head_;
     Record record_;
     End end_ = End::Section;

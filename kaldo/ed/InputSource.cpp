@@ -45,12 +45,12 @@ InputEvent ScriptInputSource::next()
     return InputEvent::typed(kxutFromMultiByte(line));
 }
 
-bool QueuedInputSource::add(std::variant<InputEvent, Work> item)
+bool QueuedInputSource::add(Item item)
 {
     std::lock_guard lock(mutex_);
     if (closed_)
         return false;
-    const auto isMotion = [](const std::variant<InputEvent, Work>& queued) {
+    const auto isMotion = [](const Item& queued) {
         const auto* event = std::get_if<InputEvent>(&queued);
         return event && event->kind == InputEvent::Kind::Motion;
     };
@@ -67,9 +67,9 @@ void QueuedInputSource::push(InputEvent event)
         ready_.notify_one();
 }
 
-void QueuedInputSource::post(Work work)
+void QueuedInputSource::post(Work work, bool readsOnly)
 {
-    if (add(std::move(work)))
+    if (add(Posted{std::move(work), readsOnly}))
         ready_.notify_one();
 }
 
@@ -92,14 +92,21 @@ InputEvent QueuedInputSource::next()
             lock.lock();
         }
         ready_.wait(lock, [this] { return closed_ || !items_.empty(); });
-        if (items_.empty())
+        if (items_.empty()) {
+            lock.unlock();
+            if (interrupt_)
+                interrupt_(false);
             return InputEvent::end();
-        std::variant<InputEvent, Work> item = std::move(items_.front());
+        }
+        Item item = std::move(items_.front());
         items_.pop_front();
-        if (auto* event = std::get_if<InputEvent>(&item))
-            return std::move(*event);
         lock.unlock();
-        std::get<Work>(item)();
+        auto* event = std::get_if<InputEvent>(&item);
+        if (interrupt_)
+            interrupt_(event ? event->kind == InputEvent::Kind::Motion : std::get<Posted>(item).readsOnly);
+        if (event)
+            return std::move(*event);
+        std::get<Posted>(item).work();
         lock.lock();
     }
 }

@@ -89,30 +89,47 @@ private:
 // order with the events around it: this is how a window reaches the
 // drawing, which only the command thread may touch. Idle work runs on the
 // reading thread each time next() finds nothing to hand out, before it
-// waits (a window publishes what it draws there).
+// waits (a window publishes what it draws there, and may leave a thread
+// reading the drawing while the reader waits). Before each item is taken,
+// interrupt runs on the reading thread, told whether the item only reads
+// the drawing (cursor motion, work posted with readsOnly), so that such a
+// thread pauses for it, or stops before anything else.
 class QueuedInputSource : public InputSource {
 public:
     using Work = std::function<void()>;
+    using Interrupt = std::function<void(bool readsOnly)>;
 
     explicit QueuedInputSource(bool script = false) : script_(script) {}
 
     void push(InputEvent event);
-    void post(Work work);
+    // readsOnly: the work changes nothing in the drawing.
+    void post(Work work, bool readsOnly = false);
     void close();
     // Set before the reading thread starts.
-    void setIdleWork(Work work) { idle_ = std::move(work); }
+    void setIdleWork(Work idle, Interrupt interrupt = {})
+    {
+        idle_ = std::move(idle);
+        interrupt_ = std::move(interrupt);
+    }
 
     InputEvent next() override;
     bool isScript() const override { return script_; }
 
 private:
-    bool add(std::variant<InputEvent, Work> item);
+    struct Posted {
+        Work work;
+        bool readsOnly = false;
+    };
+    using Item = std::variant<InputEvent, Posted>;
+
+    bool add(Item item);
 
     const bool script_;
     std::mutex mutex_;
     std::condition_variable ready_;
-    std::deque<std::variant<InputEvent, Work>> items_;
+    std::deque<Item> items_;
     Work idle_;
+    Interrupt interrupt_;
     bool closed_ = false;
 };
 

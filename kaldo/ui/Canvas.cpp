@@ -115,11 +115,12 @@ void Canvas::place(const ViewPlacement& placement)
 
 void Canvas::showDrawing(const PublishedDrawing& drawing)
 {
-    const bool another = !fittedOnce_ || drawing.serial != drawing_.serial;
+    // Fitted once for each drawing, when its scene is built.
+    const bool another = !fittedSerial_ || drawing.serial != *fittedSerial_;
     drawing_ = drawing;
     aim();
-    if (another) {
-        fittedOnce_ = true;
+    if (another && !drawing.building) {
+        fittedSerial_ = drawing.serial;
         zoomExtents();
     }
     update();

@@ -100,7 +100,7 @@ private:
 
     ViewPlacement placement_;
     PublishedDrawing drawing_;
-    bool fittedOnce_ = false;
+    std::optional<unsigned> fittedSerial_;  // the drawing last fitted
     DrawingPicture picture_;
     const view::Scene* failedScene_ = nullptr;  // the scene whose failure was said
     std::shared_ptr<const view::Scene> dragScene_;

@@ -14,17 +14,11 @@
 
 namespace kaldo::ui {
 
-PublishedDrawing publishedScene(std::shared_ptr<const view::Scene> scene)
-{
-    PublishedDrawing drawing;
-    drawing.index = std::make_shared<const view::SceneIndex>(*scene);
-    drawing.snaps = std::make_shared<const SnapGeometry>(scene, drawing.index);
-    drawing.bounds = scene->bounds();
-    drawing.scene = std::move(scene);
-    return drawing;
-}
-
-CommandRunner::CommandRunner(Session& session) : session_(session)
+CommandRunner::CommandRunner(Session& session)
+    : session_(session),
+      builder_([this](SceneBuilder::Built built) {
+          queue_.post([this, built = std::move(built)] { adopt(built); }, true);
+      })
 {
     Editor& editor = session_.editor();
     editor.setInputSource(&queue_);
@@ -41,7 +35,7 @@ CommandRunner::CommandRunner(Session& session) : session_(session)
     editor.view().setListener([this](const ViewPlacement& placement) {
         emitOnGui([this, placement] { emit viewPlaced(placement); });
     });
-    queue_.setIdleWork([this] { publishIfChanged(); });
+    queue_.setIdleWork([this] { publishIfChanged(); }, [this](bool readsOnly) { interrupted(readsOnly); });
 }
 
 CommandRunner::~CommandRunner()
@@ -111,44 +105,71 @@ void CommandRunner::runPromptWork()
         w();
 }
 
+DrawingState CommandRunner::drawingState()
+{
+    const KxDbDatabase& db = session_.database();
+    return {&db, session_.drawingSerial(), db.changeCount()};
+}
+
+void CommandRunner::interrupted(bool readsOnly)
+{
+    if (readsOnly)
+        builder_.pause();
+    else
+        builder_.stop();
+}
+
 void CommandRunner::publishIfChanged()
 {
     if (std::exchange(highlightStale_, false))
         publishHighlight();
-    const KxDbDatabase& db = session_.database();
-    const bool redraw = !published_.valid || published_.database != &db
-        || published_.serial != session_.drawingSerial() || published_.changes != db.changeCount();
-    const bool modified = session_.modified();
-    const std::wstring path = session_.drawingPath().wstring();
-    if (!redraw && modified == published_.modified && path == published_.path)
+    const DrawingState state = drawingState();
+    const bool current = published_.valid && published_.state == state;
+    if (current)
+        builder_.stop();
+    else if (builder_.building(state))
+        builder_.resume();
+    else
+        builder_.start(state, session_.database(), session_.textStyleFonts());
+    // Another drawing shows empty until its scene is built.
+    const bool another = !published_.drawing.scene || published_.drawing.serial != state.serial;
+    publish(another && !current ? publishedScene(std::make_shared<const view::Scene>()) : published_.drawing,
+            !current);
+}
+
+void CommandRunner::adopt(const SceneBuilder::Built& built)
+{
+    if (built.state != drawingState())
         return;
-    if (redraw) {
-        // Said once for each drawing that becomes the working drawing; a
-        // drawing that cannot be drawn shows nothing and says so once.
-        const bool another = !published_.valid || published_.serial != session_.drawingSerial();
-        view::RenderNotes notes;
-        std::wstring said;
-        try {
-            published_.drawing = publishedScene(std::make_shared<const view::Scene>(
-                view::renderDrawing(db, &notes, view::PointBudget::kPicture, session_.textStyleFonts())));
-            published_.failed = false;
-        } catch (...) {
-            if (another || !published_.failed)
-                said = L"The drawing cannot be shown in the window: "
-                    + kxutFromMultiByte(view::failureReason(std::current_exception())) + L".\n";
-            published_.drawing = publishedScene(std::make_shared<const view::Scene>());
-            published_.failed = true;
-        }
-        if (another)
-            said = view::describeNotes(notes, L"the window") + said;
-        if (!said.empty())
-            session_.editor().write(L"\n" + said);
-    }
-    PublishedDrawing drawing = published_.drawing;
+    // Said once for each drawing that becomes the working drawing; a
+    // drawing that cannot be drawn shows nothing and says so once.
+    const bool another = published_.saidSerial != built.state.serial;
+    std::wstring said;
+    if (built.failure && (another || !published_.failed))
+        said = L"The drawing cannot be shown in the window: " + kxutFromMultiByte(view::failureReason(built.failure))
+            + L".\n";
+    if (another)
+        said = view::describeNotes(built.notes, L"the window") + said;
+    published_.saidSerial = built.state.serial;
+    published_.state = built.state;
+    published_.valid = true;
+    published_.failed = built.failure != nullptr;
+    publish(built.failure ? publishedScene(std::make_shared<const view::Scene>()) : built.drawing, false);
+    if (!said.empty())
+        session_.editor().write(L"\n" + said);
+}
+
+void CommandRunner::publish(PublishedDrawing drawing, bool building)
+{
     drawing.serial = session_.drawingSerial();
-    drawing.modified = modified;
-    drawing.path = QString::fromStdWString(path);
-    published_ = {&db, session_.drawingSerial(), db.changeCount(), modified, path, drawing, true, published_.failed};
+    drawing.modified = session_.modified();
+    drawing.path = QString::fromStdWString(session_.drawingPath().wstring());
+    drawing.building = building;
+    const PublishedDrawing& last = published_.drawing;
+    if (drawing.scene == last.scene && drawing.serial == last.serial && drawing.modified == last.modified
+        && drawing.path == last.path && drawing.building == last.building)
+        return;
+    published_.drawing = drawing;
     emitOnGui([this, drawing] { emit drawingPublished(drawing); });
 }
 

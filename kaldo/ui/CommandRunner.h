@@ -2,17 +2,18 @@
 // reads its input from a queue that the window (GUI thread) fills; work
 // that needs the drawing is posted to that queue and runs there too. What
 // the window shows comes back as signals, emitted on the GUI thread: the
-// transcript, the drawing's scene (rendered on the command thread whenever
-// the drawing changed and the queue ran dry), the drag's entity and the
-// highlighted entities as scenes of their own, what the command line waits
-// for, views placed by ZOOM, requests for the text window, and how far
-// opening or saving a drawing has come.
+// transcript, the drawing's scene (built on a thread of its own whenever
+// the drawing changed and the queue ran dry, while the command line takes
+// the next command: SceneBuilder), the drag's entity and the highlighted
+// entities as scenes of their own, what the command line waits for, views
+// placed by ZOOM, requests for the text window, and how far opening or
+// saving a drawing has come.
 #pragma once
 
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
 #include "kaldo/ui/ObjectSnaps.h"
-#include "kaldo/view/SceneIndex.h"
+#include "kaldo/ui/SceneBuilder.h"
 #include "kxdbid.h"
 
 #include <QObject>
@@ -23,6 +24,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <thread>
 #include <unordered_set>
@@ -35,21 +37,6 @@ class Session;
 }
 
 namespace kaldo::ui {
-
-// The drawing as the window shows it.
-struct PublishedDrawing {
-    std::shared_ptr<const view::Scene> scene;
-    std::shared_ptr<const SnapGeometry> snaps;
-    std::shared_ptr<const view::SceneIndex> index;  // where the scene's items lie
-    view::Bounds bounds;  // the scene's, worked out once, as the window fits them
-    unsigned serial = 0;  // grows when another drawing is opened
-    bool modified = false;
-    QString path;  // empty for a drawing never saved
-};
-
-// A drawing of scene with its index, snaps and bounds worked out (serial,
-// modified and path as for a new drawing never saved).
-PublishedDrawing publishedScene(std::shared_ptr<const view::Scene> scene);
 
 // What the command line waits for, with the settings the window needs to
 // show it (pick box, units, the user coordinate system).
@@ -85,13 +72,16 @@ public:
     bool running() const { return thread_.joinable() && !ended_; }
 
     void push(InputEvent event) { queue_.push(std::move(event)); }
-    // Runs work on the command thread, in order with the input.
-    void post(Work work) { queue_.post(std::move(work)); }
+    // Runs work on the command thread, in order with the input; readsOnly:
+    // the work changes nothing in the drawing (a scene being built goes on
+    // after it).
+    void post(Work work, bool readsOnly = false) { queue_.post(std::move(work), readsOnly); }
     // Runs work on the command thread once the command line stands at its
     // command prompt (at once when it already does).
     void postAtCommandPrompt(Work work);
 
     Session& session() { return session_; }
+    SceneBuilder& sceneBuilder() { return builder_; }
 
     // On the command thread: how far opening or saving a drawing has come.
     void reportProgress(std::uint64_t done, std::uint64_t total)
@@ -125,6 +115,13 @@ private:
     // On the command thread:
     void run();
     void publishIfChanged();
+    void interrupted(bool readsOnly);
+    // Publishes a scene built, when it shows the drawing as it stands.
+    void adopt(const SceneBuilder::Built& built);
+    DrawingState drawingState();
+    // Emits drawing (its scene's, the session's serial, modified and path)
+    // when it differs from the one emitted last.
+    void publish(PublishedDrawing drawing, bool building);
     void requested(const Editor::InputRequest& request);
     void redrawn(const std::int64_t* entity, int mode);
     void dragged(std::span<const KxDbEntity* const> entities);
@@ -139,14 +136,11 @@ private:
 
     // Command thread only.
     struct Published {
-        const void* database = nullptr;
-        unsigned serial = 0;
-        std::uint64_t changes = 0;
-        bool modified = false;
-        std::wstring path;
-        PublishedDrawing drawing;  // its scene, index, snaps and bounds
-        bool valid = false;
+        DrawingState state;  // what the last scene built shows
+        bool valid = false;  // a scene was built
         bool failed = false;  // the drawing could not be drawn
+        std::optional<unsigned> saidSerial;  // the drawing whose notes were said
+        PublishedDrawing drawing;  // as emitted last
     } published_;
     std::vector<KxDbObjectId> highlighted_;
     KxDbObjectId hovered_;
@@ -157,6 +151,9 @@ private:
 
     std::mutex promptWorkMutex_;
     std::vector<Work> promptWork_;
+
+    // Last: stopped before what its builds report to goes.
+    SceneBuilder builder_;
 };
 
 }  // namespace kaldo::ui

@@ -136,7 +136,7 @@ void DrawingPicture::paintNow(const PublishedDrawing& drawing, const view::Pictu
     // A failure leaves the picture empty; the caller learns why.
     m_picture = blankPicture(frame);
     try {
-        view::paintScene(m_picture, *drawing.scene, frame, kBackground, bands(), {drawing.index.get(), true});
+        view::paintScene(m_picture, *drawing.scene, frame, kBackground, bands(), {drawing.index.get(), true, nullptr, drawing.fills.get()});
     } catch (...) {
         m_picture = blankPicture(frame);
         emit failed(std::current_exception());
@@ -153,7 +153,7 @@ void DrawingPicture::scroll(const PublishedDrawing& drawing, const view::Picture
     uncovered -= QRect(shift, m_picture.size());
     painter.setClipRegion(uncovered);
     try {
-        view::paintScene(painter, *drawing.scene, frame, kBackground, uncovered, {drawing.index.get(), true});
+        view::paintScene(painter, *drawing.scene, frame, kBackground, uncovered, {drawing.index.get(), true, nullptr, drawing.fills.get()});
     } catch (...) {
         emit failed(std::current_exception());
     }
@@ -188,12 +188,13 @@ void DrawingPicture::startPainting(const PublishedDrawing& drawing, const view::
     m_painting = std::make_unique<Painting>();
     Painting* painting = m_painting.get();
     painting->serial = ++m_paintings;
-    painting->thread = std::thread([this, painting, scene = drawing.scene, index = drawing.index, frame] {
+    painting->thread = std::thread([this, painting, scene = drawing.scene, index = drawing.index,
+                                    fills = drawing.fills, frame] {
         QImage image;
         std::exception_ptr failure;
         try {
             image = blankPicture(frame);
-            view::paintScene(image, *scene, frame, kBackground, bands(), {index.get(), true, &painting->stop});
+            view::paintScene(image, *scene, frame, kBackground, bands(), {index.get(), true, &painting->stop, fills.get()});
         } catch (...) {
             failure = std::current_exception();
         }

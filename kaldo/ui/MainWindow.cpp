@@ -55,7 +55,8 @@ MainWindow::MainWindow(CommandRunner& runner)
       canvas_(new Canvas(this)),
       commandLine_(new CommandLine(this)),
       commandDock_(new QDockWidget(tr("Command Line"), this)),
-      coordinates_(new QLabel(this))
+      coordinates_(new QLabel(this)),
+      sceneNote_(new QLabel(tr("Updating the picture..."), this))
 {
     setObjectName("kaldoWindow");
     setCentralWidget(canvas_);
@@ -65,6 +66,9 @@ MainWindow::MainWindow(CommandRunner& runner)
     canvas_->setFocusProxy(commandLine_->input());
     coordinates_->setMinimumWidth(260);
     statusBar()->addWidget(coordinates_);
+    sceneNote_->setObjectName("sceneNote");
+    sceneNote_->hide();
+    statusBar()->addWidget(sceneNote_);
     buildActions();
     connectRunner();
     restoreSettings();
@@ -188,7 +192,7 @@ void MainWindow::connectRunner()
     });
     connect(&runner_, &CommandRunner::loopEnded, this, [this] { commandLoopEnded(); });
     connect(canvas_, &Canvas::placementChanged, this, [this](const ViewPlacement& placement) {
-        runner_.post([this, placement] { runner_.session().editor().view().place(placement); });
+        runner_.post([this, placement] { runner_.session().editor().view().place(placement); }, true);
     });
     connect(canvas_, &Canvas::pointPicked, this,
             [this](const view::Point2& p, bool removing) { runner_.push(InputEvent::picked({p.x, p.y, 0}, removing)); });
@@ -196,7 +200,8 @@ void MainWindow::connectRunner()
             [this](const view::Point2& p) { runner_.push(InputEvent::moved({p.x, p.y, 0})); });
     connect(canvas_, &Canvas::cursorAt, this, &MainWindow::showCoordinates);
     connect(canvas_, &Canvas::paintFailed, this, [this](const QString& text) {
-        runner_.post([this, line = L"\n" + text.toStdWString() + L"\n"] { runner_.session().editor().write(line); });
+        runner_.post([this, line = L"\n" + text.toStdWString() + L"\n"] { runner_.session().editor().write(line); },
+                     true);
     });
     connect(commandLine_, &CommandLine::answered, this, [this](const QString& text) {
         runner_.push(text.isEmpty() ? InputEvent::enter() : InputEvent::typed(text.toStdWString()));
@@ -266,6 +271,7 @@ void MainWindow::drawingPublished(const PublishedDrawing& drawing)
         rememberRecent(drawing.path);
     drawing_ = drawing;
     canvas_->showDrawing(drawing);
+    sceneNote_->setVisible(drawing.building);
     const QString name = drawing.path.isEmpty() ? QStringLiteral("Drawing1.dxf") : QFileInfo(drawing.path).fileName();
     setWindowTitle(name + QStringLiteral("[*] - kaldo"));
     setWindowModified(drawing.modified);

@@ -94,6 +94,7 @@ private:
     CommandLine* commandLine_;
     QDockWidget* commandDock_;
     QLabel* coordinates_;
+    QLabel* sceneNote_;  // shows while the drawing's new scene is built
     QAction* snapAction_ = nullptr;
     QAction* orthoAction_ = nullptr;
     QMenu* recentMenu_ = nullptr;

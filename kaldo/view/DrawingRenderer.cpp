@@ -319,7 +319,8 @@ private:
 // Draws model space into scenes of at most entitiesPerPiece entities
 // (more to finish an old-form polyline), calling done with each.
 void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const std::function<void(Scene&)>& done,
-                    RenderNotes* notes, std::size_t points, const TextStyleFonts& styles, bool keepTexts)
+                    RenderNotes* notes, std::size_t points, const TextStyleFonts& styles, bool keepTexts,
+                    const std::function<void()>& between = {})
 {
     KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
     if (!space) {
@@ -342,8 +343,13 @@ void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const 
     std::unique_ptr<Scene> scene = newPiece();
     auto drawer = std::make_unique<EntityDrawer>(pass, *scene);
     std::size_t drawn = 0;
+    std::size_t sinceBetween = 0;
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step()) {
+        if (between && ++sinceBetween == kEntitiesBetween) {
+            sinceBetween = 0;
+            between();
+        }
         KxDbEntity* opened = nullptr;
         if (it->getEntity(opened, KxDb::kForRead) != Kald::eOk)
             continue;
@@ -368,11 +374,11 @@ void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const 
 }  // namespace
 
 Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, const TextStyleFonts& styles,
-                    bool keepTexts)
+                    bool keepTexts, const std::function<void()>& between)
 {
     Scene drawing;
     drawModelSpace(db, std::numeric_limits<std::size_t>::max(), [&](Scene& scene) { drawing = std::move(scene); },
-                   notes, points, styles, keepTexts);
+                   notes, points, styles, keepTexts, between);
     return drawing;
 }
 

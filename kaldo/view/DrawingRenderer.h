@@ -36,9 +36,13 @@ struct RenderNotes {
 // letters (smaller ones reach the coarse drawing sooner); styles gives the
 // font of each text style (its file's name), as the drawing's file keeps
 // them; keepTexts keeps texts as text lines instead of outlines (plots).
+// between, when given, is called after every kEntitiesBetween entities of
+// model space, with no entity open: it may wait there (the drawing must
+// not change meanwhile) or throw to stop the drawing.
 Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes = nullptr,
                     std::size_t points = PointBudget::kPicture, const TextStyleFonts& styles = {},
-                    bool keepTexts = false);
+                    bool keepTexts = false, const std::function<void()>& between = {});
+constexpr std::size_t kEntitiesBetween = 1024;
 
 // The same drawn in pieces of about entitiesPerPiece entities each, in the
 // drawing's order (an old-form polyline is not cut): piece is called with

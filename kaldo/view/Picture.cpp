@@ -6,6 +6,7 @@
 #include <span>
 #include <map>
 #include <numeric>
+#include <optional>
 
 namespace kaldo::view {
 
@@ -148,51 +149,58 @@ LineGroups groupLines(const Scene& scene, const std::vector<std::uint32_t>* poly
     return groups;
 }
 
-FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* polygons,
-                      const std::vector<std::uint32_t>* instances)
+FillColors fillColors(const Scene& scene)
 {
-    FillGroups groups;
+    FillColors colors;
     std::map<std::pair<bool, std::uint32_t>, std::uint32_t> colorIndex;
     const auto indexOf = [&](const DrawColor& color) {
         const auto [it, added] =
-            colorIndex.try_emplace({color.foreground, color.rgb}, static_cast<std::uint32_t>(groups.colors.size()));
+            colorIndex.try_emplace({color.foreground, color.rgb}, static_cast<std::uint32_t>(colors.colors.size()));
         if (added)
-            groups.colors.push_back(color);
+            colors.colors.push_back(color);
         return it->second;
     };
-    // Each instance's colours, each once.
-    const auto instanceColors = [&](const Instance& instance, auto&& take) {
-        std::vector<std::uint32_t> seen;
-        scene.visitFillColors(instance, [&](const DrawColor& color) {
-            const std::uint32_t c = indexOf(color);
-            if (std::find(seen.begin(), seen.end(), c) == seen.end()) {
-                seen.push_back(c);
-                take(c);
-            }
-        });
-    };
-    // Colours in order of first use over the whole scene.
-    const auto filled = [&](const SceneItem& item) {
-        return !item.instance || scene.shapes()[scene.instances()[item.index].shape].fills;
-    };
+    colors.polygonColors.resize(scene.polygons().size());
+    colors.instanceStarts.assign(1, 0);
+    // Colours in order of first use, fills and instances in scene order.
     visitInOrder(scene.polygons().size(), nullptr, scene.instances(), nullptr, &Instance::polygonsBefore,
                  [&](const SceneItem& item) {
-                     if (!filled(item))
+                     if (!item.instance) {
+                         colors.polygonColors[item.index] = indexOf(scene.polygons()[item.index].color);
                          return;
-                     if (item.instance)
-                         instanceColors(scene.instances()[item.index], [](std::uint32_t) {});
-                     else
-                         indexOf(scene.polygons()[item.index].color);
+                     }
+                     const Instance& instance = scene.instances()[item.index];
+                     const auto first = colors.instanceColors.end() - colors.instanceColors.begin();
+                     if (scene.shapes()[instance.shape].fills)
+                         scene.visitFillColors(instance, [&](const DrawColor& color) {
+                             const std::uint32_t c = indexOf(color);
+                             if (std::find(colors.instanceColors.begin() + first, colors.instanceColors.end(), c)
+                                 == colors.instanceColors.end())
+                                 colors.instanceColors.push_back(c);
+                         });
+                     colors.instanceStarts.push_back(std::uint32_t(colors.instanceColors.size()));
                  });
+    return colors;
+}
+
+FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* polygons,
+                      const std::vector<std::uint32_t>* instances, const FillColors* colors)
+{
+    std::optional<FillColors> own;
+    if (!colors)
+        colors = &own.emplace(fillColors(scene));
+    FillGroups groups;
+    groups.colors = colors->colors;
     const auto visit = [&](auto&& take) {
         visitInOrder(scene.polygons().size(), polygons, scene.instances(), instances, &Instance::polygonsBefore,
                      [&](const SceneItem& item) {
-                         if (!filled(item))
+                         if (!item.instance) {
+                             take(colors->polygonColors[item.index], item);
                              return;
-                         if (item.instance)
-                             instanceColors(scene.instances()[item.index], [&](std::uint32_t c) { take(c, item); });
-                         else
-                             take(indexOf(scene.polygons()[item.index].color), item);
+                         }
+                         for (std::uint32_t c = colors->instanceStarts[item.index];
+                              c < colors->instanceStarts[item.index + 1]; ++c)
+                             take(colors->instanceColors[c], item);
                      });
     };
     groups.starts.assign(groups.colors.size() + 1, 0);

@@ -107,17 +107,31 @@ struct LineGroups {
 LineGroups groupLines(const Scene& scene, const std::vector<std::uint32_t>* polylines = nullptr,
                       const std::vector<std::uint32_t>* instances = nullptr);
 
+// The distinct fill colours of a whole scene in order of first use, and
+// which of them each fill and each instance paints in (an instance's each
+// once, those of instance i as instanceColors[instanceStarts[i]] ..
+// instanceColors[instanceStarts[i + 1] - 1]): worked out once for a scene
+// that is painted many times.
+struct FillColors {
+    std::vector<DrawColor> colors;
+    std::vector<std::uint32_t> polygonColors;
+    std::vector<std::uint32_t> instanceStarts;
+    std::vector<std::uint32_t> instanceColors;
+};
+FillColors fillColors(const Scene& scene);
+
 // The scene's fills grouped by colour: the distinct colours of the whole
 // scene in order of first use, and the fills of colors[c] as
 // order[starts[c]] .. order[starts[c + 1] - 1], in scene order; an
 // instance is listed under each colour of its fills. Only the fills and
-// instances listed (in scene order) when they are given.
+// instances listed (in scene order) when they are given. colors, when
+// given, are the scene's (fillColors).
 struct FillGroups {
     std::vector<DrawColor> colors;
     std::vector<std::uint32_t> starts;
     std::vector<SceneItem> order;
 };
 FillGroups groupFills(const Scene& scene, const std::vector<std::uint32_t>* polygons = nullptr,
-                      const std::vector<std::uint32_t>* instances = nullptr);
+                      const std::vector<std::uint32_t>* instances = nullptr, const FillColors* colors = nullptr);
 
 }  // namespace kaldo::view

@@ -48,8 +48,8 @@ struct PixelBox {
 // The items to paint by colour of fill and by pen, in scene order: all of
 // them, or those near is given.
 struct PaintOrder {
-    PaintOrder(const Scene& scene, const SceneItems* near)
-        : fills(groupFills(scene, near ? &near->polygons : nullptr, near ? &near->instances : nullptr)),
+    PaintOrder(const Scene& scene, const SceneItems* near, const FillColors* colors = nullptr)
+        : fills(groupFills(scene, near ? &near->polygons : nullptr, near ? &near->instances : nullptr, colors)),
           lines(groupLines(scene, near ? &near->polylines : nullptr, near ? &near->instances : nullptr)),
           arcs(groupByPen(scene.arcs(), scene.pens().size(), near ? &near->arcs : nullptr))
     {
@@ -83,7 +83,7 @@ public:
         if (m_index)
             m_near = m_index->near(bandBoxes());
         if (m_index || !allItems)
-            m_ownOrder.emplace(m_scene, m_near ? &*m_near : nullptr);
+            m_ownOrder.emplace(m_scene, m_near ? &*m_near : nullptr, detail.fillColors);
         m_order = m_ownOrder ? &*m_ownOrder : allItems;
     }
 
@@ -465,7 +465,7 @@ void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Ba
     std::vector<std::exception_ptr> failures(std::size_t(bands), nullptr);
     std::optional<PaintOrder> allItems;
     if (!detail.index && bands > 1)
-        allItems.emplace(scene, nullptr);
+        allItems.emplace(scene, nullptr, detail.fillColors);
     const auto paintBand = [&](int b) {
         try {
             QImage view(pixels, image.width(), image.height(), image.bytesPerLine(), image.format());

@@ -32,6 +32,9 @@ struct PaintDetail {
     // Once this is set, painting ends early and leaves the picture
     // unfinished (a painting that is no longer wanted).
     const std::atomic<bool>* stop = nullptr;
+    // The scene's fill colours (fillColors), when a scene painted many
+    // times keeps them.
+    const FillColors* fillColors = nullptr;
 };
 
 // Paints a scene with painter as frame places it, drawing only the items

@@ -104,6 +104,38 @@ TEST(DxfBadFiles, NumbersThatAreNotFiniteAreNeitherReadNorWritten)
                                        + ": the drawing holds a number that is not finite (group 11)."));
     }
     EXPECT_EQ(fileText(target), old);
+
+    // The entities of a large drawing are written in chunks on two threads:
+    // the first refused one in the drawing's order is named, whichever
+    // thread met it, and once they are finite all are written in order.
+    KxDbDatabase large;
+    std::vector<KxDbObjectId> lines;
+    for (int i = 0; i < 10000; ++i) {
+        const double x = i == 5000 || i == 9000 ? std::numeric_limits<double>::infinity() : i;
+        auto* each = new KxDbLine({double(i), 0, 0}, {x, 1, 0});
+        each->setDatabaseDefaults(&large);
+        ASSERT_EQ(large.addToCurrentSpace(each), Kald::eOk);
+        lines.push_back(each->objectId());
+        each->close();
+    }
+    const auto handleOf = [&](int i) { return kaldo::dxf::handleText(large.peekObject(lines[i])->handle()); };
+    try {
+        kaldo::dxf::saveDxfFile(target, large, kept);
+        FAIL() << "a number that is not finite was written";
+    } catch (const kaldo::dxf::DxfError& e) {
+        EXPECT_THAT(e.what(), EndsWith(": the entity with handle " + handleOf(5000)
+                                       + ": the drawing holds a number that is not finite (group 11)."));
+    }
+    EXPECT_EQ(fileText(target), old);
+    for (const int i : {5000, 9000})
+        KxDbLine::cast(large.peekObject(lines[i]))->setEndPoint({double(i), 1, 0});
+    kaldo::dxf::saveDxfFile(target, large, kept);
+    const std::string saved = fileText(target);
+    std::size_t at = 0;
+    for (int i = 0; i < 10000; ++i) {
+        at = saved.find("LINE\n  5\n" + handleOf(i) + "\n", at);
+        ASSERT_NE(at, std::string::npos) << i;
+    }
 }
 
 // What the reader would refuse is not saved either: the message names it,

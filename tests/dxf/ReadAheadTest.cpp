@@ -75,12 +75,13 @@ struct Outcome {
 };
 
 // Reads through the given reader, ahead on a thread from readAheadFrom
-// bytes left on.
+// bytes left on, that thread taking every entity apart.
 Outcome readWith(kaldo::dxf::GroupReader& reader, std::uint64_t readAheadFrom, std::uint64_t total,
                  bool measureBytes)
 {
     Outcome outcome;
     reader.setReadAheadFrom(readAheadFrom);
+    reader.setWorkAhead(kaldo::dxf::GroupReader::WorkAhead::Always);
     const auto report = [&outcome](std::uint64_t done, std::uint64_t all) {
         outcome.progress.emplace_back(done, all);
         return true;

@@ -1,18 +1,25 @@
-// A large drawing in the window: the canvas shows a sketch at once and
-// paints the picture on a thread of its own, while the command line takes
-// and runs commands; the picture that lands is the one painting the drawing
-// whole gives, after opening, after a wheel step and after a middle-button
-// pan alike, with a known line where the view places it.
+// A large drawing in the window: its scene is built, and the canvas paints
+// the picture, on threads of their own, while the command line takes and
+// runs commands. The canvas shows a sketch at once; the picture that lands
+// is the one painting the drawing whole gives, after opening, after a
+// wheel step and after a middle-button pan alike, with a known line where
+// the view places it.
 #include "WindowFixture.h"
 
+#include "kaldo/dxf/DxfFile.h"
 #include "kaldo/ui/ViewGeometry.h"
+#include "kaldo/view/DrawingRenderer.h"
 #include "kaldo/view/PngExport.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QTest>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
+#include <fstream>
+#include <string>
 
 namespace {
 
@@ -67,6 +74,19 @@ QImage paintedWhole(const kaldo::ui::Canvas& canvas, const kaldo::ui::PublishedD
 QImage grabbed(kaldo::ui::Canvas& canvas)
 {
     return canvas.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+// A drawing file of lines in a fan of colours, many more than the scene's
+// builder reads between two looks at whether it must pause or stop.
+std::string writeLines(const std::string& path, int count)
+{
+    std::ofstream out(path);
+    out << "  0\nSECTION\n  2\nENTITIES\n";
+    for (int i = 0; i < count; ++i)
+        out << "  0\nLINE\n  8\n0\n 62\n" << 1 + i % 7 << "\n 10\n" << i % 100 * 3 << "\n 20\n" << i / 100 * 3
+            << "\n 11\n" << i % 100 * 3 + 2 << "\n 21\n" << i / 100 * 3 + 1 + i % 3 << "\n";
+    out << "  0\nENDSEC\n  0\nEOF\n";
+    return path;
 }
 
 }  // namespace
@@ -151,4 +171,72 @@ TEST_F(LargeDrawing, ShowsAPreviewAtOnceTakesTypingAndLandsThePictureOfTheWholeD
     const QImage landed = grabbed(canvas());
     EXPECT_EQ(landed, paintedWhole(canvas(), drawing));
     EXPECT_TRUE(showsMarkedLine(landed, canvas()));
+}
+
+// While the scene of an opened drawing is being built (held by the test
+// after its first entities), the command line takes commands: one that
+// changes nothing, and one that draws a line. The window shows the drawing
+// empty (or, after a change, the scene it showed), with a note, until the
+// scene lands; then the view fits it and the picture is the one of the
+// drawing read and drawn at once, and the line drawn meanwhile is in the
+// scene that follows.
+TEST_F(LargeDrawing, TheCommandLineTakesCommandsWhileTheSceneIsBuiltAndThePictureLandsUnchanged)
+{
+    constexpr int kLines = 6000;
+    const std::string path = writeLines(dir() + "/lines.dxf", kLines);
+    const kaldo::ui::PublishedDrawing drawnAtOnce = kaldo::ui::publishedScene(std::make_shared<const kaldo::view::Scene>(
+        kaldo::view::renderDrawing(*kaldo::dxf::readDxfFile(path).database)));
+    ASSERT_EQ(drawnAtOnce.scene->polylines().size(), std::size_t(kLines));
+    kaldo::ui::SceneBuilder& builder = runner().sceneBuilder();
+    const QLabel* note = window().findChild<QLabel*>("sceneNote");
+    ASSERT_NE(note, nullptr);
+    EXPECT_FALSE(note->isVisible());
+    ASSERT_TRUE(runTyped({"FILEDIA", "0"}));
+    const kaldo::ui::PublishedDrawing before = window().drawing();
+    builder.holdBuildsAfter(2 * kaldo::view::kEntitiesBetween);
+    ASSERT_TRUE(runTyped({"OPEN", QString::fromStdString(path)}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return builder.holding(); }, kWaitMs));
+    // The drawing opened shows empty, with a note, until its scene lands.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != before.serial; }, kWaitMs));
+    EXPECT_TRUE(window().drawing().scene->polylines().empty());
+    EXPECT_TRUE(window().drawing().building);
+    EXPECT_TRUE(note->isVisible());
+
+    // A command that changes nothing, taken while the build waits.
+    type("LINE");
+    ASSERT_TRUE(waitForPrompt("Specify first point: ", Kind::Point));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return builder.holding(); }, kWaitMs));
+    EXPECT_TRUE(window().drawing().building);
+    EXPECT_TRUE(window().drawing().scene->polylines().empty());
+
+    builder.releaseHeldBuilds();
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return window().drawing().serial != before.serial && !window().drawing().building; }, kWaitMs));
+    EXPECT_FALSE(note->isVisible());
+    EXPECT_EQ(window().drawing().scene->polylines().size(), std::size_t(kLines));
+    const kaldo::view::Bounds& bounds = drawnAtOnce.bounds;
+    const QPointF low = kaldo::ui::pixelAt(canvas().placement(), {bounds.minX, bounds.minY});
+    const QPointF high = kaldo::ui::pixelAt(canvas().placement(), {bounds.maxX, bounds.maxY});
+    EXPECT_TRUE(canvas().rect().contains(low.toPoint()) && canvas().rect().contains(high.toPoint()));
+    EXPECT_GT(std::max((high.x() - low.x()) / canvas().width(), (low.y() - high.y()) / canvas().height()), 0.8);
+    QEvent leave(QEvent::Leave);  // no crosshair over the picture
+    QApplication::sendEvent(&canvas(), &leave);
+    EXPECT_EQ(grabbed(canvas()), paintedWhole(canvas(), drawnAtOnce));
+
+    // A line drawn while the next scene waits is in the scene that lands.
+    const kaldo::ui::PublishedDrawing opened = window().drawing();
+    builder.holdBuildsAfter(2 * kaldo::view::kEntitiesBetween);
+    ASSERT_TRUE(runTyped({"LINE", "0,0", "300,300", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return builder.holding(); }, kWaitMs));
+    // The title tells of the change at once.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+    EXPECT_EQ(window().drawing().scene, opened.scene);
+    EXPECT_TRUE(window().drawing().building);
+    EXPECT_TRUE(note->isVisible());
+    builder.releaseHeldBuilds();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().building; }, kWaitMs));
+    EXPECT_EQ(window().drawing().scene->polylines().size(), std::size_t(kLines + 1));
+    EXPECT_FALSE(note->isVisible());
 }

@@ -52,6 +52,8 @@ WindowFixture::WindowFixture(const std::function<void(kaldo::Profile&)>& prepare
     window_->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(window_.get()));
     EXPECT_TRUE(waitForPrompt("Command: ", Kind::Command));
+    // The empty drawing's scene, built beside the command line.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window_->drawing().scene && !window_->drawing().building; }, kWaitMs));
 }
 
 WindowFixture::~WindowFixture()

@@ -690,7 +690,8 @@ TEST_F(Window, RecentFilesOpenFromTheMenuWithAProgressBarWhoseCancelKeepsDrawing
 
     // Cancel while opening: the unsaved line, the file and the title stay.
     ASSERT_TRUE(runTyped({"LINE", "0,10", "10,10", ""}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return window().drawing().modified && !window().drawing().building; }, kWaitMs));
     const kaldo::ui::PublishedDrawing before = window().drawing();
     hold();
     openFirstFromTheMenu();
