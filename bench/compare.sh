@@ -36,7 +36,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # Runs a command three times; prints its median wall seconds and its
-# largest resident memory in MB.
+# largest resident memory in MB (a million bytes, as the files are counted).
 measure() {
     /usr/bin/python3 - "$@" <<'EOF'
 import resource, statistics, subprocess, sys, time
@@ -46,7 +46,7 @@ for _ in range(3):
     subprocess.run(sys.argv[1:], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                    stderr=subprocess.DEVNULL, check=True)
     times.append(time.perf_counter() - start)
-print(f"{statistics.median(times):.3f} {resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss / 1024:.0f}")
+print(f"{statistics.median(times):.3f} {resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss * 1024 / 1e6:.0f}")
 EOF
 }
 
@@ -74,7 +74,8 @@ mlineScript() {
 : >"$work/empty.scr"
 
 # Runs a command KALDO_BENCH_RUNS times under /usr/bin/time; prints its
-# median wall seconds and its largest peak resident memory in MB.
+# median wall seconds and its largest peak resident memory in MB (a million
+# bytes, as the files are counted).
 timed() {
     : >"$work/times"
     for ((run = 0; run < runs; ++run)); do
@@ -82,7 +83,7 @@ timed() {
         cat "$work/time" >>"$work/times"
     done
     sort -n "$work/times" | awk '{ t[NR] = $1; if ($2 > peak) peak = $2 }
-        END { printf "%.2f %.0f\n", t[int((NR + 1) / 2)], peak / 1024 }'
+        END { printf "%.2f %.0f\n", t[int((NR + 1) / 2)], peak * 1024 / 1000000 }'
 }
 
 megabytesOf() { echo "$(stat -c %s "$1") / 1000000" | bc -l | xargs printf '%.1f'; }

@@ -16,5 +16,5 @@ write = time.perf_counter() - start
 print(json.dumps({
     "read_seconds": read,
     "write_seconds": write,
-    "peak_mb": resource.getrusage(resource.RUSAGE_SELF).ru_maxrss / 1024.0,
+    "peak_mb": resource.getrusage(resource.RUSAGE_SELF).ru_maxrss * 1024 / 1e6,
 }))

@@ -23,6 +23,7 @@ KxDbDatabase::~KxDbDatabase()
 {
     for (const auto& obj : m_objects)
         kaldo::unregisterObject(obj->objectId());
+    kaldo::unregisterDatabase(this);
 }
 
 namespace {
@@ -93,18 +94,16 @@ void KxDbDatabase::buildDefaultDrawing()
 
 Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
 {
-    if (!obj || obj->m_database)
+    if (!obj || !obj->m_id.isNull())
         return Kald::eInvalidInput;
     if (handle == 0 || !objectIdFromHandle(handle).isNull())
         handle = newHandle();
     m_undo->recordHeader();
     if (handle <= kxdbHighestHandle)
         m_header.handseed = std::max(m_header.handseed, handle + 1);
-    obj->m_database = this;
-    obj->m_handle = handle;
     obj->m_openForWrite = true;
     obj->m_readers = 0;
-    obj->m_id = kaldo::registerObject(obj);
+    obj->m_id = kaldo::registerObject(obj, this);
     m_objects.emplace_back(obj);
     m_handles->insert(handle, obj->m_id);
     m_undo->recordAdded(*obj);
@@ -150,7 +149,7 @@ Kald::ErrorStatus KxDbDatabase::addToCurrentSpace(KxDbEntity* entity, KxDbObject
     return space->appendKxDbEntity(id, entity);
 }
 
-std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id)
+std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id, std::uint64_t& handle)
 {
     const auto it = std::find_if(m_objects.rbegin(), m_objects.rend(),
                                  [id](const std::unique_ptr<KxDbObject>& obj) { return obj->objectId() == id; });
@@ -158,15 +157,16 @@ std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id)
         return nullptr;
     std::unique_ptr<KxDbObject> obj = std::move(*it);
     m_objects.erase(std::next(it).base());
-    m_handles->erase(obj->handle());
+    handle = m_handles->handleOf(id);
+    m_handles->erase(handle);
     kaldo::unregisterObject(id);
     return obj;
 }
 
-void KxDbDatabase::reattachObject(std::unique_ptr<KxDbObject> obj)
+void KxDbDatabase::reattachObject(std::unique_ptr<KxDbObject> obj, std::uint64_t handle)
 {
-    kaldo::registerObjectAs(obj->objectId(), obj.get());
-    m_handles->insert(obj->handle(), obj->objectId());
+    kaldo::registerObjectAs(obj->objectId(), obj.get(), this);
+    m_handles->insert(handle, obj->objectId());
     m_objects.push_back(std::move(obj));
 }
 
@@ -211,8 +211,7 @@ std::vector<KxDbObjectId> KxDbDatabase::objectIds() const
 
 KxDbObject* KxDbDatabase::peekObject(KxDbObjectId id) const
 {
-    KxDbObject* obj = kaldo::lookupObject(id);
-    return obj && obj->database() == this ? obj : nullptr;
+    return kaldo::lookupObjectOf(id, this);
 }
 
 KxDbObjectId KxDbDatabase::mlineStyleDictionaryId() const
@@ -376,9 +375,8 @@ Kald::ErrorStatus KxDbDatabase::setCecolor(const KxCmColor& color)
 
 Kald::ErrorStatus KxDbDatabase::setHandseed(std::uint64_t seed)
 {
-    for (const auto& obj : m_objects)
-        if (obj->handle() >= seed)
-            return Kald::eInvalidInput;
+    if (m_handles->greatestHandle() >= seed)
+        return Kald::eInvalidInput;
     m_header.handseed = seed;
     return Kald::eOk;
 }

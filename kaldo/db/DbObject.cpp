@@ -1,8 +1,10 @@
 #include "kxdbobject.h"
 
 #include <cstdio>
+#include <limits>
 
 #include "kaldo/core/Host.h"
+#include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kxdbdatabase.h"
@@ -16,7 +18,23 @@ KxRxClass* KxRxObject::desc()
 KX_RX_DEFINE_MEMBERS(KxDbObject, KxRxObject)
 KX_RX_DEFINE_MEMBERS(KxDbEntity, KxDbObject)
 
+// An object is a pointer to its class and four words; an entity adds its
+// properties in two more.
+static_assert(sizeof(KxDbObject) == 40);
+static_assert(sizeof(KxDbEntity) == 48);
+
 KxDbObject::~KxDbObject() = default;
+
+KxDbDatabase* KxDbObject::database() const
+{
+    return kaldo::registeredDatabase(m_id);
+}
+
+std::uint64_t KxDbObject::handle() const
+{
+    const KxDbDatabase* db = database();
+    return db ? db->m_handles->handleOf(m_id) : 0;
+}
 
 Kald::ErrorStatus KxDbObject::setOwnerId(KxDbObjectId owner)
 {
@@ -28,7 +46,7 @@ Kald::ErrorStatus KxDbObject::setOwnerId(KxDbObjectId owner)
 std::wstring KxDbObject::handleText() const
 {
     wchar_t text[20];
-    std::swprintf(text, 20, L"%llX", static_cast<unsigned long long>(m_handle));
+    std::swprintf(text, 20, L"%llX", static_cast<unsigned long long>(handle()));
     return text;
 }
 
@@ -44,12 +62,13 @@ Kald::ErrorStatus KxDbObject::erase(bool erasing)
 
 Kald::ErrorStatus KxDbObject::close()
 {
-    if (!m_database)
+    if (m_id.isNull())
         return Kald::eOk;
     if (m_openForWrite) {
         m_openForWrite = false;
         // Changes made while open count once more when they are done.
-        m_database->noteChange();
+        if (KxDbDatabase* db = database())
+            db->noteChange();
     } else if (m_readers > 0)
         --m_readers;
     else
@@ -65,8 +84,10 @@ Kald::ErrorStatus KxDbObject::upgradeOpen()
         return Kald::eWasOpenForRead;
     m_readers = 0;
     m_openForWrite = true;
-    m_database->undoHistory().recordBefore(*this);
-    m_database->noteChange();
+    if (KxDbDatabase* db = database()) {
+        db->undoHistory().recordBefore(*this);
+        db->noteChange();
+    }
     return Kald::eOk;
 }
 
@@ -74,19 +95,37 @@ Kald::ErrorStatus KxDbObject::copyFrom(const KxDbObject* other)
 {
     if (!other || !other->isKindOf(isA()) || !isKindOf(other->isA()))
         return Kald::eWrongObjectType;
-    m_keptGroups = other->m_keptGroups ? std::make_unique<std::vector<KxDbFileGroup>>(*other->m_keptGroups) : nullptr;
+    // Of the same class, so an entity's part of the extras is its to copy.
+    m_extras = other->m_extras ? std::make_unique<Extras>(*other->m_extras) : nullptr;
     return Kald::eOk;
 }
 
 const std::vector<KxDbFileGroup>& KxDbObject::keptGroups() const
 {
     static const std::vector<KxDbFileGroup> none;
-    return m_keptGroups ? *m_keptGroups : none;
+    return m_extras ? m_extras->keptGroups : none;
 }
 
 void KxDbObject::setKeptGroups(std::vector<KxDbFileGroup> groups)
 {
-    m_keptGroups = groups.empty() ? nullptr : std::make_unique<std::vector<KxDbFileGroup>>(std::move(groups));
+    if (groups.empty() && !m_extras)
+        return;
+    extrasForWrite().keptGroups = std::move(groups);
+    dropExtrasIfDefault();
+}
+
+KxDbObject::Extras& KxDbObject::extrasForWrite()
+{
+    if (!m_extras)
+        m_extras = std::make_unique<Extras>();
+    return *m_extras;
+}
+
+void KxDbObject::dropExtrasIfDefault()
+{
+    if (m_extras && m_extras->keptGroups.empty() && !m_extras->namedColor && m_extras->linetypeScale == 1.0
+        && m_extras->farLayer.isNull() && m_extras->farLinetype.isNull())
+        m_extras.reset();
 }
 
 Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int mode, bool openErased,
@@ -110,32 +149,71 @@ Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int m
         if (found->m_readers > 0)
             return Kald::eWasOpenForRead;
         found->m_openForWrite = true;
-        if (found->m_database) {
-            found->m_database->undoHistory().recordBefore(*found);
-            found->m_database->noteChange();
+        if (KxDbDatabase* db = kaldo::registeredDatabase(id)) {
+            db->undoHistory().recordBefore(*found);
+            db->noteChange();
         }
     } else {
+        if (found->m_readers == std::numeric_limits<decltype(found->m_readers)>::max())
+            return Kald::eOutOfRange;
         ++found->m_readers;
     }
     obj = found;
     return Kald::eOk;
 }
 
+void KxDbEntity::setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id)
+{
+    if (id.asOldId() < kFarId) {
+        compact = std::uint32_t(id.asOldId());
+        if (extras() && !(extras()->*far).isNull()) {
+            extrasForWrite().*far = KxDbObjectId::kNull;
+            dropExtrasIfDefault();
+        }
+    } else {
+        compact = kFarId;
+        extrasForWrite().*far = id;
+    }
+}
+
 Kald::ErrorStatus KxDbEntity::setLayer(KxDbObjectId layer)
 {
-    m_layer = layer;
+    setCompactId(m_layer, &Extras::farLayer, layer);
     return Kald::eOk;
+}
+
+KxCmColor KxDbEntity::color() const
+{
+    if (extras() && extras()->namedColor)
+        return *extras()->namedColor;
+    KxCmColor color;
+    color.setColor(m_color);
+    return color;
 }
 
 Kald::ErrorStatus KxDbEntity::setColor(const KxCmColor& color, bool)
 {
-    m_color = color;
+    m_color = color.color();
+    if (*color.colorName() || *color.bookName()) {
+        extrasForWrite().namedColor = color;
+    } else if (extras() && extras()->namedColor) {
+        extrasForWrite().namedColor.reset();
+        dropExtrasIfDefault();
+    }
     return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbEntity::setColorIndex(int index)
+{
+    KxCmColor changed = color();
+    if (const Kald::ErrorStatus es = changed.setColorIndex(index); es != Kald::eOk)
+        return es;
+    return setColor(changed);
 }
 
 Kald::ErrorStatus KxDbEntity::setLinetype(KxDbObjectId linetype, bool)
 {
-    m_linetype = linetype;
+    setCompactId(m_linetype, &Extras::farLinetype, linetype);
     return Kald::eOk;
 }
 
@@ -144,7 +222,7 @@ Kald::ErrorStatus KxDbEntity::setLineWeight(int weight, bool)
     constexpr int kHeaviest = 211;
     if (weight < KxDb::kLnWtByLwDefault || weight > kHeaviest)
         return Kald::eInvalidInput;
-    m_lineWeight = std::int16_t(weight);
+    m_lineWeight = std::uint8_t(weight - KxDb::kLnWtByLwDefault);
     return Kald::eOk;
 }
 
@@ -152,7 +230,10 @@ Kald::ErrorStatus KxDbEntity::setLinetypeScale(double scale, bool)
 {
     if (!(scale > 0))
         return Kald::eInvalidInput;
-    m_linetypeScale = scale;
+    if (scale != 1.0 || extras()) {
+        extrasForWrite().linetypeScale = scale;
+        dropExtrasIfDefault();
+    }
     return Kald::eOk;
 }
 
@@ -168,13 +249,15 @@ Kald::ErrorStatus KxDbEntity::setDatabaseDefaults(KxDbDatabase* db)
 
 void KxDbEntity::subSetDatabaseDefaults(KxDbDatabase* db)
 {
-    m_layer = db->clayer();
-    m_color = db->cecolor();
-    m_linetype = db->celtype();
+    setLayer(db->clayer());
+    setColor(db->cecolor());
+    setLinetype(db->celtype());
 }
 
 Kald::ErrorStatus KxDbEntity::copyFrom(const KxDbObject* other)
 {
+    // The extras (book names, linetype scale, far references) come with
+    // the object's part.
     if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
         return es;
     const auto* src = static_cast<const KxDbEntity*>(other);
@@ -182,6 +265,5 @@ Kald::ErrorStatus KxDbEntity::copyFrom(const KxDbObject* other)
     m_color = src->m_color;
     m_linetype = src->m_linetype;
     m_lineWeight = src->m_lineWeight;
-    m_linetypeScale = src->m_linetypeScale;
     return Kald::eOk;
 }

@@ -148,9 +148,9 @@ KxGePoint3d KxDbPolyline::pointAt(int index) const
 KxDbPolyline::Vertex KxDbPolyline::vertexAt(int index) const
 {
     const Position& p = m_positions[std::size_t(index)];
-    if (m_shapes.empty())
+    if (!m_shapes)
         return Vertex{p.x, p.y};
-    const Shape& s = m_shapes[std::size_t(index)];
+    const Shape& s = (*m_shapes)[std::size_t(index)];
     return Vertex{p.x, p.y, s.startWidth, s.endWidth, s.bulge};
 }
 
@@ -166,27 +166,29 @@ std::vector<KxDbPolyline::Vertex> KxDbPolyline::vertices() const
 void KxDbPolyline::setVertices(const std::vector<Vertex>& vertices)
 {
     m_positions.clear();
-    m_shapes.clear();
+    m_shapes.reset();
     m_positions.reserve(vertices.size());
     for (const Vertex& v : vertices)
         addVertexAt(v);
     m_positions.shrink_to_fit();
-    m_shapes.shrink_to_fit();
+    if (m_shapes)
+        m_shapes->shrink_to_fit();
 }
 
 void KxDbPolyline::addVertexAt(const Vertex& vertex)
 {
     m_positions.push_back({vertex.x, vertex.y});
     const bool shaped = vertex.startWidth != 0 || vertex.endWidth != 0 || vertex.bulge != 0;
-    if (m_shapes.empty() && !shaped)
+    if (!m_shapes && !shaped)
         return;
-    m_shapes.resize(m_positions.size() - 1);
-    m_shapes.push_back({vertex.startWidth, vertex.endWidth, vertex.bulge});
+    if (!m_shapes)
+        m_shapes = std::make_unique<std::vector<Shape>>(m_positions.size() - 1);
+    m_shapes->push_back({vertex.startWidth, vertex.endWidth, vertex.bulge});
 }
 
 std::size_t KxDbPolyline::vertexBytes() const
 {
-    return m_positions.size() * sizeof(Position) + m_shapes.size() * sizeof(Shape);
+    return m_positions.size() * sizeof(Position) + (m_shapes ? m_shapes->size() * sizeof(Shape) : 0);
 }
 
 Kald::ErrorStatus KxDbPolyline::setNormal(const KxGeVector3d& normal)
@@ -200,7 +202,7 @@ Kald::ErrorStatus KxDbPolyline::copyFrom(const KxDbObject* other)
         return es;
     const auto* src = static_cast<const KxDbPolyline*>(other);
     m_positions = src->m_positions;
-    m_shapes = src->m_shapes;
+    m_shapes = src->m_shapes ? std::make_unique<std::vector<Shape>>(*src->m_shapes) : nullptr;
     m_normal = src->m_normal;
     m_constantWidth = src->m_constantWidth;
     m_elevation = src->m_elevation;

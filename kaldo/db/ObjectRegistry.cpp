@@ -5,6 +5,7 @@
 #include <bitset>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <vector>
 
 #include "kxdbobject.h"
@@ -19,15 +20,15 @@ namespace {
 // page list, a pointer per 4096 serials.
 class Registry {
 public:
-    std::uint64_t add(KxDbObject* obj)
+    std::uint64_t add(KxDbObject* obj, KxDbDatabase* db)
     {
         const std::uint64_t serial = ++m_lastSerial;
-        put(serial, obj);
+        put(serial, obj, db);
         return serial;
     }
 
     // serial was given out before and is free now.
-    void put(std::uint64_t serial, KxDbObject* obj)
+    void put(std::uint64_t serial, KxDbObject* obj, KxDbDatabase* db)
     {
         const std::size_t index = pageOf(serial);
         if (index >= m_pages.size())
@@ -39,6 +40,7 @@ public:
         page->slots[slot] = obj;
         page->classes[slot] = classIndex(obj->isA());
         page->erased[slot] = obj->isErased();
+        page->databases[slot] = databaseIndex(db);
         ++page->live;
     }
 
@@ -61,6 +63,31 @@ public:
     {
         const Page* page = pageFor(serial);
         return page ? page->slots[slotOf(serial)] : nullptr;
+    }
+
+    KxDbDatabase* databaseOf(std::uint64_t serial) const
+    {
+        const Page* page = pageFor(serial);
+        if (!page || !page->slots[slotOf(serial)])
+            return nullptr;
+        return m_databases[page->databases[slotOf(serial)]];
+    }
+
+    KxDbObject* findOf(std::uint64_t serial, const KxDbDatabase* db) const
+    {
+        const Page* page = pageFor(serial);
+        if (!page)
+            return nullptr;
+        KxDbObject* obj = page->slots[slotOf(serial)];
+        return obj && m_databases[page->databases[slotOf(serial)]] == db ? obj : nullptr;
+    }
+
+    void forgetDatabase(KxDbDatabase* db)
+    {
+        const auto known = std::find(m_databases.begin(), m_databases.end(), db);
+        if (known != m_databases.end())
+            *known = nullptr;
+        m_recentDatabase = kNoDatabase;
     }
 
     const KxRxClass* classOf(std::uint64_t serial) const
@@ -90,8 +117,9 @@ public:
 private:
     static constexpr unsigned kPageBits = 12;
     static constexpr std::size_t kPageSlots = std::size_t(1) << kPageBits;
-    // The class and the erased flag sit beside the object pointer, densely,
-    // so that a walk reads them in order instead of one object after another.
+    // The class, the erased flag and the database sit beside the object
+    // pointer, densely, so that a walk reads them in order instead of one
+    // object after another, and an object need not hold its database.
     // A class is a byte: its place in m_classes, counted from 1; a program
     // of more classes than a byte numbers asks the object for the rest.
     static constexpr std::uint8_t kNoClass = 0;
@@ -100,6 +128,7 @@ private:
         std::array<KxDbObject*, kPageSlots> slots{};
         std::array<std::uint8_t, kPageSlots> classes{};
         std::bitset<kPageSlots> erased;
+        std::array<std::uint16_t, kPageSlots> databases{};
         std::size_t live = 0;
     };
     const Page* pageFor(std::uint64_t serial) const
@@ -128,6 +157,27 @@ private:
         return index;
     }
 
+    // A database is two bytes in the registry: its place in m_databases,
+    // where the place of one that went is given to the next.
+    std::uint16_t databaseIndex(KxDbDatabase* db)
+    {
+        if (m_recentDatabase < m_databases.size() && m_databases[m_recentDatabase] == db)
+            return std::uint16_t(m_recentDatabase);
+        auto place = std::find(m_databases.begin(), m_databases.end(), db);
+        if (place == m_databases.end())
+            place = std::find(m_databases.begin(), m_databases.end(), nullptr);
+        if (place == m_databases.end()) {
+            if (m_databases.size() > kMostDatabases)
+                throw std::length_error("more drawings at once than the object registry numbers");
+            place = m_databases.insert(m_databases.end(), nullptr);
+        }
+        *place = db;
+        m_recentDatabase = std::size_t(place - m_databases.begin());
+        return std::uint16_t(m_recentDatabase);
+    }
+    static constexpr std::size_t kMostDatabases = 0xFFFF;
+    static constexpr std::size_t kNoDatabase = std::size_t(-1);
+
     std::uint64_t m_lastSerial = 0;
     std::vector<std::unique_ptr<Page>> m_pages;
     std::vector<const KxRxClass*> m_classes;
@@ -136,6 +186,8 @@ private:
         std::uint8_t index = kNoClass;
     };
     std::array<RecentClass, 16> m_recent{};
+    std::vector<KxDbDatabase*> m_databases;
+    std::size_t m_recentDatabase = kNoDatabase;
 };
 
 Registry& registry()
@@ -146,14 +198,29 @@ Registry& registry()
 
 }  // namespace
 
-KxDbObjectId registerObject(KxDbObject* obj)
+KxDbObjectId registerObject(KxDbObject* obj, KxDbDatabase* db)
 {
-    return KxDbObjectId::fromOldId(registry().add(obj));
+    return KxDbObjectId::fromOldId(registry().add(obj, db));
 }
 
-void registerObjectAs(KxDbObjectId id, KxDbObject* obj)
+void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db)
 {
-    registry().put(id.asOldId(), obj);
+    registry().put(id.asOldId(), obj, db);
+}
+
+void unregisterDatabase(KxDbDatabase* db)
+{
+    registry().forgetDatabase(db);
+}
+
+KxDbDatabase* registeredDatabase(KxDbObjectId id)
+{
+    return registry().databaseOf(id.asOldId());
+}
+
+KxDbObject* lookupObjectOf(KxDbObjectId id, const KxDbDatabase* db)
+{
+    return registry().findOf(id.asOldId(), db);
 }
 
 void unregisterObject(KxDbObjectId id)
@@ -196,8 +263,7 @@ bool KxDbObjectId::isErased() const
 
 KxDbDatabase* KxDbObjectId::database() const
 {
-    const KxDbObject* obj = kaldo::lookupObject(*this);
-    return obj ? obj->database() : nullptr;
+    return kaldo::registeredDatabase(*this);
 }
 
 const KxRxClass* KxDbObjectId::objectClass() const

@@ -1,21 +1,30 @@
-// The process-wide table from object id to object: ids are serial numbers
-// given out once, so an id never names a different object later.
+// The process-wide table from object id to object and its database: ids
+// are serial numbers given out once, so an id never names a different
+// object later.
 #pragma once
 
 #include "kxdbid.h"
 
+class KxDbDatabase;
 class KxDbObject;
 class KxRxClass;
 
 namespace kaldo {
 
-KxDbObjectId registerObject(KxDbObject* obj);
+KxDbObjectId registerObject(KxDbObject* obj, KxDbDatabase* db);
 // Puts an object back under the id it had before unregisterObject (undo
 // taking back the removal of an added object).
-void registerObjectAs(KxDbObjectId id, KxDbObject* obj);
+void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db);
 void unregisterObject(KxDbObjectId id);
+// A database that goes, after its objects: its place in the table is free
+// for another.
+void unregisterDatabase(KxDbDatabase* db);
 // The live object id names, or null.
 KxDbObject* lookupObject(KxDbObjectId id);
+// The database of the live object id names, or null.
+KxDbDatabase* registeredDatabase(KxDbObjectId id);
+// The live object id names when it is db's, else null.
+KxDbObject* lookupObjectOf(KxDbObjectId id, const KxDbDatabase* db);
 // What the table knows of an object without reading it: its class (taken
 // when it is registered) and whether it is erased (told by setErased), so
 // that walks over many ids touch only the objects they open.

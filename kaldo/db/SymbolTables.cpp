@@ -174,16 +174,17 @@ Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObject
         return Kald::eInvalidInput;
     if (!record->isKindOf(recordClass()))
         return Kald::eWrongObjectType;
-    if (!database())
+    KxDbDatabase* db = database();
+    if (!db)
         return Kald::eNotApplicable;
     if (!findId(record->name(), false).isNull())
         return Kald::eDuplicateKey;
     if (!record->m_table.isNull())
         return Kald::eInvalidInput;
-    if (!record->database()) {
-        if (const Kald::ErrorStatus es = database()->addObject(record); es != Kald::eOk)
+    if (const KxDbDatabase* recordDb = record->database(); !recordDb) {
+        if (const Kald::ErrorStatus es = db->addObject(record); es != Kald::eOk)
             return es;
-    } else if (record->database() != database()) {
+    } else if (recordDb != db) {
         return Kald::eInvalidInput;
     }
     kaldo::recordBeforeChange(*this);
@@ -259,12 +260,13 @@ Kald::ErrorStatus KxDbBlockTableRecord::appendKxDbEntity(KxDbObjectId& id, KxDbE
     id.setNull();
     if (!entity)
         return Kald::eInvalidInput;
-    if (!database())
+    KxDbDatabase* db = database();
+    if (!db)
         return Kald::eNotApplicable;
-    if (!entity->database()) {
-        if (const Kald::ErrorStatus es = database()->addObject(entity); es != Kald::eOk)
+    if (const KxDbDatabase* entityDb = entity->database(); !entityDb) {
+        if (const Kald::ErrorStatus es = db->addObject(entity); es != Kald::eOk)
             return es;
-    } else if (entity->database() != database() || !entity->ownerId().isNull()) {
+    } else if (entityDb != db || !entity->ownerId().isNull()) {
         return Kald::eInvalidInput;
     }
     // The block may be changed without an open (a database appending to

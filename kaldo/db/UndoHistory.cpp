@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/StateBytes.h"
 #include "kxdbmline.h"
@@ -138,8 +139,9 @@ void UndoHistory::recordBefore(KxDbObject& obj)
 
 void UndoHistory::recordAdded(KxDbObject& obj)
 {
-    if (!recording() && obj.database() == &m_db)
-        m_handleFloor = std::max(m_handleFloor, obj.handle() + 1);
+    // Called by the database as it adds obj.
+    if (!recording())
+        m_handleFloor = std::max(m_handleFloor, m_db.m_handles->handleOf(obj.objectId()) + 1);
     if (!firstRecordOf(obj))
         return;
     ObjectRecord record;
@@ -201,12 +203,12 @@ void UndoHistory::exchange(ObjectRecord& record, std::span<KxGePoint3d> position
     using Kind = ObjectRecord::Kind;
     switch (record.kind) {
     case Kind::Absent:
-        record.object = m_db.detachObject(record.id);
+        record.object = m_db.detachObject(record.id, record.handle);
         if (record.object)
             record.kind = Kind::Detached;
         break;
     case Kind::Detached:
-        m_db.reattachObject(std::move(record.object));
+        m_db.reattachObject(std::move(record.object), record.handle);
         record.kind = Kind::Absent;
         break;
     case Kind::Copy: {
@@ -218,7 +220,9 @@ void UndoHistory::exchange(ObjectRecord& record, std::span<KxGePoint3d> position
         std::unique_ptr<KxDbObject> current = live->clone();
         live->copyFrom(record.object.get());
         std::swap(live->m_owner, record.owner);
-        std::swap(live->m_erased, record.erased);
+        const bool wasErased = live->m_erased;
+        live->m_erased = record.erased;
+        record.erased = wasErased;
         // Walks over ids read the erased flag from the id table.
         setErased(record.id, live->m_erased);
         record.object = std::move(current);

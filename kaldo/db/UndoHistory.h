@@ -114,8 +114,10 @@ private:
         enum class Kind { Absent, Copy, Detached, Positions };
         KxDbObjectId id;
         Kind kind = Kind::Absent;
-        // The copy (Copy) or the object taken out of the database (Detached).
+        // The copy (Copy) or the object taken out of the database (Detached),
+        // and then the handle it had.
         std::unique_ptr<KxDbObject> object;
+        std::uint64_t handle = 0;
         KxDbObjectId owner;
         bool erased = false;
         // A table's or block's list: how many ids it held when recorded,

@@ -142,6 +142,7 @@ public:
     kaldo::UndoHistory& undoHistory() const { return *m_undo; }
 
 private:
+    friend class KxDbObject;
     friend class kaldo::UndoHistory;
 
     // What the database keeps besides its objects and writes to a file's
@@ -166,10 +167,11 @@ private:
     // lowest handle that no object holds and none is reserved.
     std::uint64_t newHandle();
     Kald::ErrorStatus setHeaderInt(int Header::*field, int value, int highest);
-    // Takes an object out of the database as if it had never been added,
-    // and puts it back: undo and redo of an addition.
-    std::unique_ptr<KxDbObject> detachObject(KxDbObjectId id);
-    void reattachObject(std::unique_ptr<KxDbObject> obj);
+    // Takes an object out of the database as if it had never been added
+    // (handle tells what its handle was), and puts it back: undo and redo
+    // of an addition.
+    std::unique_ptr<KxDbObject> detachObject(KxDbObjectId id, std::uint64_t& handle);
+    void reattachObject(std::unique_ptr<KxDbObject> obj, std::uint64_t handle);
 
     std::vector<std::unique_ptr<KxDbObject>> m_objects;
     std::unique_ptr<kaldo::HandleTable> m_handles;

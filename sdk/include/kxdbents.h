@@ -197,7 +197,7 @@ public:
 private:
     // Positions of the vertices, and their widths and bulges only when some
     // vertex has any (one per vertex then): most polylines are straight and
-    // of no width, and keep sixteen bytes a vertex.
+    // of no width, and keep sixteen bytes a vertex and a null pointer.
     struct Position {
         double x = 0, y = 0;
     };
@@ -205,7 +205,7 @@ private:
         double startWidth = 0, endWidth = 0, bulge = 0;
     };
     std::vector<Position> m_positions;
-    std::vector<Shape> m_shapes;
+    std::unique_ptr<std::vector<Shape>> m_shapes;
     KxDbEntityNormal m_normal;
     double m_constantWidth = 0;
     double m_elevation = 0;

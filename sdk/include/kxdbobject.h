@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -61,11 +62,11 @@ public:
     KxDbObjectId objectId() const { return m_id; }
     KxDbObjectId ownerId() const { return m_owner; }
     Kald::ErrorStatus setOwnerId(KxDbObjectId owner);
-    KxDbDatabase* database() const { return m_database; }
+    KxDbDatabase* database() const;
 
     // The persistent handle (unique in the database, kept by drawing files);
     // 0 while the object is in no database.
-    std::uint64_t handle() const { return m_handle; }
+    std::uint64_t handle() const;
     // The handle as upper-case hexadecimal text, as drawing files write it.
     std::wstring handleText() const;
 
@@ -76,7 +77,8 @@ public:
     // Ends one open: the writer's, or one of the readers'. Closing an object
     // that is in no database does nothing.
     Kald::ErrorStatus close();
-    bool isWriteEnabled() const { return m_openForWrite || !m_database; }
+    // An object has an id from the time it is added to a database.
+    bool isWriteEnabled() const { return m_openForWrite || m_id.isNull(); }
     bool isReadEnabled() const { return m_readers > 0 || isWriteEnabled(); }
     // Turns the caller's read open into a write open when it is the only one.
     Kald::ErrorStatus upgradeOpen();
@@ -93,21 +95,38 @@ public:
     const std::vector<KxDbFileGroup>& keptGroups() const;
     void setKeptGroups(std::vector<KxDbFileGroup> groups);
 
+protected:
+    // What few objects hold, apart, so that the others pay one null pointer:
+    // kept groups, and an entity's colour-book names, a linetype scale other
+    // than 1 and references to objects whose serials pass 32 bits.
+    struct Extras {
+        std::vector<KxDbFileGroup> keptGroups;
+        std::optional<KxCmColor> namedColor;
+        double linetypeScale = 1.0;
+        KxDbObjectId farLayer, farLinetype;
+    };
+    const Extras* extras() const { return m_extras.get(); }
+    // The extras, made when there are none yet.
+    Extras& extrasForWrite();
+    // Lets the extras go once they hold nothing but defaults.
+    void dropExtrasIfDefault();
+
 private:
     friend class KxDbDatabase;
     friend class kaldo::UndoHistory;
     friend Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*&, KxDbObjectId, int, bool, const KxRxClass*);
 
+    // The object's database and handle are not held here: the table of ids
+    // knows each object's database, and the database its handle (see
+    // kaldo/db/ObjectRegistry.h and kaldo/db/HandleTable.h).
     KxDbObjectId m_id;
     KxDbObjectId m_owner;
-    KxDbDatabase* m_database = nullptr;
-    // Held only when there are any: most objects keep none.
-    std::unique_ptr<std::vector<KxDbFileGroup>> m_keptGroups;
-    std::uint64_t m_handle = 0;
-    int m_readers = 0;
-    // Last, so that an entity's lineweight fits in the bytes after them.
-    bool m_erased = false;
-    bool m_openForWrite = false;
+    std::unique_ptr<Extras> m_extras;
+    // At most 65535 readers at once (eOutOfRange beyond).
+    std::uint16_t m_readers = 0;
+    // Last, so that an entity's first members fit in the bytes after them.
+    bool m_erased : 1 = false;
+    bool m_openForWrite : 1 = false;
 };
 
 // An object that draws: it has a layer, a colour and a linetype.
@@ -115,22 +134,25 @@ class KxDbEntity : public KxDbObject {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbEntity)
 
-    KxDbObjectId layerId() const { return m_layer; }
+    KxDbObjectId layerId() const { return compactId(m_layer, extras() ? extras()->farLayer : KxDbObjectId::kNull); }
     Kald::ErrorStatus setLayer(KxDbObjectId layer);
     // The setters' doSubents: whether an entity made of parts passes the
     // property on to them; the host's entities have no such parts.
-    const KxCmColor& color() const { return m_color; }
+    KxCmColor color() const;
     Kald::ErrorStatus setColor(const KxCmColor& color, bool doSubents = true);
-    int colorIndex() const { return m_color.colorIndex(); }
-    Kald::ErrorStatus setColorIndex(int index) { return m_color.setColorIndex(index); }
-    KxDbObjectId linetypeId() const { return m_linetype; }
+    int colorIndex() const { return color().colorIndex(); }
+    Kald::ErrorStatus setColorIndex(int index);
+    KxDbObjectId linetypeId() const
+    {
+        return compactId(m_linetype, extras() ? extras()->farLinetype : KxDbObjectId::kNull);
+    }
     Kald::ErrorStatus setLinetype(KxDbObjectId linetype, bool doSubents = true);
     // Lineweight and linetype scale as the host draws the entity (previews);
     // a drawing file's own groups for them are kept as they were read.
-    int lineWeight() const { return m_lineWeight; }
+    int lineWeight() const { return int(m_lineWeight) + KxDb::kLnWtByLwDefault; }
     // eInvalidInput for a value outside KxDb::LineWeight and 0 to 211.
     Kald::ErrorStatus setLineWeight(int weight, bool doSubents = true);
-    double linetypeScale() const { return m_linetypeScale; }
+    double linetypeScale() const { return extras() ? extras()->linetypeScale : 1.0; }
     // eInvalidInput for a scale that is not above 0.
     Kald::ErrorStatus setLinetypeScale(double scale, bool doSubents = true);
 
@@ -159,12 +181,24 @@ protected:
     virtual void subSetDatabaseDefaults(KxDbDatabase* db);
 
 private:
-    // First, in the room an object leaves after its last flag.
-    std::int16_t m_lineWeight = KxDb::kLnWtByLayer;
-    KxDbObjectId m_layer;
-    KxCmColor m_color;
-    KxDbObjectId m_linetype;
-    double m_linetypeScale = 1.0;
+    // A reference is its id's serial in 32 bits; a serial beyond them
+    // (a process that has made four billion objects) is held in the
+    // extras, and the compact value says so.
+    static constexpr std::uint32_t kFarId = 0xFFFFFFFF;
+    static KxDbObjectId compactId(std::uint32_t compact, KxDbObjectId far)
+    {
+        return compact == kFarId ? far : KxDbObjectId::fromOldId(compact);
+    }
+    // Sets compact (and far, in the extras) to name id.
+    void setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id);
+
+    // First, in the room an object leaves after its last flag: the
+    // lineweight counted from KxDb::kLnWtByLwDefault.
+    std::uint8_t m_lineWeight = KxDb::kLnWtByLayer - KxDb::kLnWtByLwDefault;
+    // The colour's value; its book names, when it has any, in the extras.
+    std::uint32_t m_color = std::uint32_t(KxCmColor::kByLayer) << 24 | KxCmColor::kIndexByLayer;
+    std::uint32_t m_layer = 0;
+    std::uint32_t m_linetype = 0;
 };
 
 // What a class's clone does: a new T with a copy of self's data.

@@ -70,8 +70,8 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
         named[h - 0x100] = h + 7;
     }
     for (std::uint64_t h = 0x100 + 2000; h < 0x100 + 3000; h += 2) {
-        runs.insert(h, KxDbObjectId::fromOldId(h));
-        named[h - 0x100] = h;
+        runs.insert(h, KxDbObjectId::fromOldId(h + 0x10000));
+        named[h - 0x100] = h + 0x10000;
     }
     for (const std::uint64_t gone : {0x100ull + 1000, 0x100ull + 999, 0x100ull, 0x100ull + 1999, 0x100ull + 2500}) {
         runs.erase(gone);
@@ -82,46 +82,72 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
     runs.insert(0x100 + 1000, KxDbObjectId::fromOldId(0x100 + 1000 + 7));
     named[1000] = 0x100 + 1000 + 7;
     runs.insert(~0ull, KxDbObjectId::fromOldId(42));
-    for (std::uint64_t h = 0x100; h < 0x100 + 3000; ++h)
+    for (std::uint64_t h = 0x100; h < 0x100 + 3000; ++h) {
         ASSERT_EQ(runs.find(h), KxDbObjectId::fromOldId(named[h - 0x100])) << std::hex << h;
+        if (named[h - 0x100] != 0) {
+            ASSERT_EQ(runs.handleOf(KxDbObjectId::fromOldId(named[h - 0x100])), h) << std::hex << h;
+        }
+    }
+    EXPECT_EQ(runs.handleOf(KxDbObjectId::fromOldId(0x100 + 500 + 7)), 0u);
     EXPECT_EQ(runs.find(~0ull), KxDbObjectId::fromOldId(42));
+    EXPECT_EQ(runs.greatestHandle(), ~0ull);
+    runs.erase(~0ull);
+    EXPECT_EQ(runs.greatestHandle(), 0x100u + 2998);
+    EXPECT_EQ(kaldo::HandleTable().greatestHandle(), 0u);
     EXPECT_TRUE(runs.find(0xFF).isNull());
     EXPECT_TRUE(runs.find(0x100 + 3000).isNull());
 }
 
 // Additions in runs (as files and new objects make them), handles in any
-// order, ids replaced, and handles taken out of runs' middles and ends, in
-// a seeded random mix: the table always answers as a plain map does.
+// order, ids given another handle, handles given another id, and handles
+// taken out of runs' middles and ends, in a seeded random mix: the table
+// always answers both ways as a pair of plain maps does, an id having one
+// handle at most.
 TEST(HandleTable, AnswersAsAPlainMapUnderAnyMixOfChanges)
 {
     std::mt19937_64 random(20261126);
     kaldo::HandleTable table;
-    std::map<std::uint64_t, std::uint64_t> expected;
+    std::map<std::uint64_t, std::uint64_t> idOf, handleOf;
+    const auto insert = [&](std::uint64_t handle, std::uint64_t serial) {
+        table.insert(handle, KxDbObjectId::fromOldId(serial));
+        if (const auto named = idOf.find(handle); named != idOf.end())
+            handleOf.erase(named->second);
+        if (const auto held = handleOf.find(serial); held != handleOf.end())
+            idOf.erase(held->second);
+        idOf[handle] = serial;
+        handleOf[serial] = handle;
+    };
     std::uint64_t nextHandle = 1, nextSerial = 1;
     for (int step = 0; step < 20000; ++step) {
         const int what = int(random() % 10);
         if (what < 5) {
             // The next handle and the next id, as a read or a drawing session gives them.
-            table.insert(nextHandle, KxDbObjectId::fromOldId(nextSerial));
-            expected[nextHandle++] = nextSerial++;
+            insert(nextHandle++, nextSerial++);
         } else if (what < 7) {
-            const std::uint64_t handle = 1 + random() % (nextHandle + 50);
-            const std::uint64_t serial = 1 + random() % 100000;
-            table.insert(handle, KxDbObjectId::fromOldId(serial));
-            expected[handle] = serial;
+            insert(1 + random() % (nextHandle + 50), 1 + random() % (nextSerial + 50));
         } else if (what < 9) {
             const std::uint64_t handle = 1 + random() % (nextHandle + 50);
             table.erase(handle);
-            expected.erase(handle);
+            if (const auto named = idOf.find(handle); named != idOf.end()) {
+                handleOf.erase(named->second);
+                idOf.erase(named);
+            }
         } else {
             // A gap in the handles, or ids given to something else meanwhile.
             (random() % 2 ? nextHandle : nextSerial) += 1 + random() % 40;
         }
-        if (step % 500 == 0 || step == 19999)
+        if (step % 500 == 0 || step == 19999) {
             for (std::uint64_t handle = 1; handle < nextHandle + 60; ++handle) {
-                const auto it = expected.find(handle);
-                ASSERT_EQ(table.find(handle), KxDbObjectId::fromOldId(it == expected.end() ? 0 : it->second))
+                const auto it = idOf.find(handle);
+                ASSERT_EQ(table.find(handle), KxDbObjectId::fromOldId(it == idOf.end() ? 0 : it->second))
                     << "step " << step << ", handle " << handle;
             }
+            ASSERT_EQ(table.greatestHandle(), idOf.empty() ? 0 : idOf.rbegin()->first) << "step " << step;
+            for (std::uint64_t serial = 1; serial < nextSerial + 60; ++serial) {
+                const auto it = handleOf.find(serial);
+                ASSERT_EQ(table.handleOf(KxDbObjectId::fromOldId(serial)), it == handleOf.end() ? 0 : it->second)
+                    << "step " << step << ", id " << serial;
+            }
+        }
     }
 }

@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+
+#include "kaldo/db/UndoHistory.h"
+#include "kxdb.h"
+
+#include <memory>
+#include <vector>
+
+// An entity holds its common properties in a few bytes and the rare ones
+// apart (book names, a linetype scale other than 1, references beyond 32
+// bits): every value reads back as set, through clones and copies, and
+// going back to a common value leaves nothing of the rare one behind.
+TEST(EntityProperties, RareValuesReadBackThroughCopies)
+{
+    auto line = std::make_unique<KxDbLine>(KxGePoint3d{0, 0, 0}, KxGePoint3d{1, 0, 0});
+    EXPECT_EQ(line->lineWeight(), KxDb::kLnWtByLayer);
+    EXPECT_EQ(line->linetypeScale(), 1.0);
+    EXPECT_TRUE(line->color().isByLayer());
+    EXPECT_TRUE(line->layerId().isNull());
+
+    for (const int weight : {int(KxDb::kLnWtByLwDefault), int(KxDb::kLnWtByBlock), int(KxDb::kLnWtByLayer), 0, 13, 211}) {
+        ASSERT_EQ(line->setLineWeight(weight), Kald::eOk);
+        EXPECT_EQ(line->lineWeight(), weight);
+    }
+    EXPECT_EQ(line->setLineWeight(212), Kald::eInvalidInput);
+    EXPECT_EQ(line->setLineWeight(-4), Kald::eInvalidInput);
+    EXPECT_EQ(line->lineWeight(), 211);
+
+    KxCmColor booked;
+    booked.setRGB(10, 20, 30);
+    booked.setNames(L"Sky", L"Paints");
+    line->setColor(booked);
+    EXPECT_TRUE(line->color() == booked);
+    ASSERT_EQ(line->setColorIndex(5), Kald::eOk);
+    EXPECT_EQ(line->colorIndex(), 5);
+    EXPECT_STREQ(line->color().getDictionaryKey(), L"Paints$Sky");
+    EXPECT_EQ(line->setColorIndex(300), Kald::eOutOfRange);
+    EXPECT_EQ(line->colorIndex(), 5);
+
+    // Serials past 32 bits, and the one serial whose low word marks them.
+    const KxDbObjectId far = KxDbObjectId::fromOldId((std::uint64_t(1) << 32) + 5);
+    const KxDbObjectId marker = KxDbObjectId::fromOldId(0xFFFFFFFFu);
+    line->setLayer(far);
+    line->setLinetype(marker);
+    ASSERT_EQ(line->setLinetypeScale(0.25), Kald::eOk);
+    EXPECT_EQ(line->setLinetypeScale(0), Kald::eInvalidInput);
+    line->setKeptGroups({{1001, 255, "APP"}});
+    const std::unique_ptr<KxDbObject> copy = line->clone();
+    const auto* copied = KxDbLine::cast(copy.get());
+    ASSERT_NE(copied, nullptr);
+
+    const KxDbObjectId nearLayer = KxDbObjectId::fromOldId(7);
+    line->setLayer(nearLayer);
+    line->setLinetype(KxDbObjectId::kNull);
+    line->setLinetypeScale(1.0);
+    line->setColor(KxCmColor());
+    line->setKeptGroups({});
+    EXPECT_EQ(line->layerId(), nearLayer);
+    EXPECT_TRUE(line->linetypeId().isNull());
+    EXPECT_EQ(line->linetypeScale(), 1.0);
+    EXPECT_TRUE(line->color() == KxCmColor());
+    EXPECT_TRUE(line->keptGroups().empty());
+
+    ASSERT_EQ(line->copyFrom(copied), Kald::eOk);
+    for (const KxDbLine* entity : {copied, static_cast<const KxDbLine*>(line.get())}) {
+        EXPECT_EQ(entity->layerId(), far);
+        EXPECT_EQ(entity->linetypeId(), marker);
+        EXPECT_EQ(entity->linetypeScale(), 0.25);
+        EXPECT_EQ(entity->lineWeight(), 211);
+        EXPECT_EQ(entity->colorIndex(), 5);
+        EXPECT_STREQ(entity->color().bookName(), L"Paints");
+        EXPECT_EQ(entity->keptGroups(), (std::vector<KxDbFileGroup>{{1001, 255, "APP"}}));
+    }
+}
+
+// An object's database and handle are the table's, not the object's: they
+// answer while it is in the database, and an addition taken back and
+// restored comes back under its id and its handle.
+TEST(EntityProperties, DatabaseAndHandleFollowTheObject)
+{
+    KxDbDatabase db;
+    auto* kept = new KxDbLine;
+    EXPECT_EQ(kept->database(), nullptr);
+    EXPECT_EQ(kept->handle(), 0u);
+    EXPECT_TRUE(kept->isWriteEnabled());
+    db.undoHistory().beginStep(L"LINE");
+    ASSERT_EQ(db.addObject(kept, 0x2A0), Kald::eOk);
+    const KxDbObjectId id = kept->objectId();
+    kept->close();
+    db.undoHistory().endStep();
+    EXPECT_EQ(kept->database(), &db);
+    EXPECT_EQ(id.database(), &db);
+    EXPECT_EQ(kept->handle(), 0x2A0u);
+    EXPECT_FALSE(kept->isWriteEnabled());
+
+    db.undoHistory().undo(1);
+    EXPECT_FALSE(id.isValid());
+    EXPECT_EQ(id.database(), nullptr);
+    EXPECT_TRUE(db.objectIdFromHandle(0x2A0).isNull());
+    db.undoHistory().redo();
+    EXPECT_EQ(db.objectIdFromHandle(0x2A0), id);
+    KxDbObjectPtr<KxDbLine> back(id, KxDb::kForRead);
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->handle(), 0x2A0u);
+    EXPECT_EQ(back->database(), &db);
+
+    // Readers are counted in sixteen bits: one more is refused, not wrapped.
+    std::vector<KxDbLine*> readers;
+    for (int attempt = 0; attempt < 70000; ++attempt) {
+        KxDbLine* reader = nullptr;
+        const Kald::ErrorStatus es = kxdbOpenObject(reader, id, KxDb::kForRead);
+        if (es != Kald::eOk) {
+            EXPECT_EQ(es, Kald::eOutOfRange);
+            break;
+        }
+        readers.push_back(reader);
+    }
+    EXPECT_EQ(readers.size(), 65534u);  // besides the scope's own
+    for (KxDbLine* reader : readers)
+        EXPECT_EQ(reader->close(), Kald::eOk);
+    back.close();
+    EXPECT_FALSE(KxDbObjectPtr<KxDbLine>(id, KxDb::kForRead)->isWriteEnabled());
+    EXPECT_TRUE(KxDbObjectPtr<KxDbLine>(id, KxDb::kForWrite)->isWriteEnabled());
+}
