@@ -13,9 +13,9 @@ namespace kaldo::dxf {
 KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
 {
     std::unique_ptr<KxDbObject> owned(obj);
+    // The database raises its handle seed above the handle it gives.
     db.addObject(obj, basics.handle);
     owned.release();
-    maxHandle = std::max(maxHandle, obj->handle());
     obj->setKeptGroups(std::move(basics.kept));
     if (basics.owner != 0)
         ownerReferences.push_back({obj->objectId(), basics.owner});
