@@ -491,7 +491,8 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, Re
     };
     scenes[0] = sceneFor(entities, keepTexts);
     drawers[0] = std::make_unique<EntityDrawer>(firstPass, *scenes[0]);
-    beginSecond(points);
+    // The shapes of blocks the second half drew, kept when its drawer goes.
+    std::unordered_map<KxDbObjectId, BlockShape> secondBlockShapes;
 
     std::atomic<bool> stop = false;
     std::atomic<bool> firstSpent = false;
@@ -509,9 +510,15 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, Re
             stop = true;
         }
     });
-    onTwoThreads(true, [&](int half) {
+    // The first half is drawn on this thread and the second on the other:
+    // fonts are made for the thread that uses them and must go before it
+    // ends, and the first half's drawer may go on here.
+    onTwoThreads(true, [&](int thread) {
+        const int half = 1 - thread;
         try {
             bool again = half == 1;
+            if (half == 1)
+                beginSecond(points);
             while (true) {
                 bool restart = false;
                 forEntities(
@@ -536,6 +543,12 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, Re
             if (half == 0)
                 stop = true;
         }
+        if (half == 1 && drawers[1]) {
+            secondBlockShapes = drawers[1]->blockShapes();
+            drawers[1].reset();
+            for (auto& [block, drawing] : secondPass->blocks)
+                drawing.reset();
+        }
         if (between)
             meeting.arrive_and_drop();
     });
@@ -547,10 +560,10 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, Re
     PointBudget budget = firstPass.budget;
     if (!failures[1] && drawers[0]->betweenEntities() && drawnAlike(firstPass, *secondPass, budget)) {
         std::unordered_map<std::uint32_t, std::uint32_t> sameShapes;
-        for (const auto& [block, shape] : drawers[1]->blockShapes())
+        for (const auto& [block, shape] : secondBlockShapes)
             if (const auto found = drawers[0]->blockShapes().find(block); found != drawers[0]->blockShapes().end())
                 sameShapes.emplace(shape.shape, found->second.shape);
-        drawers = {};
+        drawers[0].reset();
         scenes[0]->append(*scenes[1], sameShapes);
         if (notes) {
             notes->undrawnKinds.merge(secondNotes.undrawnKinds);
@@ -558,7 +571,6 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, Re
         }
         return std::move(*scenes[0]);
     }
-    drawers[1].reset();
     scenes[1].reset();
     KxDbBlockTableRecordIterator it = secondStart;
     forEntities(it, entities, kEntitiesBetween, goingOnAfter(between),
