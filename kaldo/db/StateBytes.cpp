@@ -1,5 +1,7 @@
 #include "kaldo/db/StateBytes.h"
 
+#include "kaldo/db/RecordRun.h"
+
 #include <cwchar>
 
 #include "kxdbdict.h"
@@ -61,6 +63,8 @@ std::size_t contentBytes(const KxDbObject& obj)
         return record->name().size() * sizeof(wchar_t);
     if (const auto* record = KxDbUnmodelledObject::cast(&obj))
         return record->byteSize();
+    if (const auto* run = RecordRun::cast(&obj))
+        return run->byteSize();
     if (const auto* record = KxDbUnmodelledEntity::cast(&obj))
         return record->byteSize();
     return 0;

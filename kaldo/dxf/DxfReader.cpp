@@ -103,6 +103,8 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
     while (const Record* record = records.next()) {
         meter.record();
         const std::string& kind = record->kind();
+        if (kind == "BLOCK" || kind == "ENDBLK")
+            finishRecordRun(context);
         if (kind == "BLOCK") {
             if (!block.isNull())
                 throw DxfError(record->line(), "a block begins inside another one.");
@@ -123,6 +125,7 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
             readEntity(*record, context, block, records.ahead());
         }
     }
+    finishRecordRun(context);
     checkSectionEnd(records, "a record (group 0) was expected in the blocks.", "the file ends inside the blocks.");
     if (!block.isNull())
         throw DxfError(records.endLine(), "the blocks end inside a block (ENDBLK is missing).");
@@ -136,6 +139,7 @@ void readEntitiesSection(GroupReader& reader, ReadContext& context, ProgressMete
         meter.record();
         readEntity(*record, context, KxDbObjectId(), records.ahead());
     }
+    finishRecordRun(context);
     checkSectionEnd(records, "an entity (group 0) was expected.", "the file ends inside the entities.");
 }
 

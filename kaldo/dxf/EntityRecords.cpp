@@ -1,6 +1,7 @@
 #include "kaldo/dxf/EntityRecords.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/RecordRun.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/MlineRecord.h"
@@ -260,7 +261,65 @@ void takeApart(const Record& record, EntityParts& parts)
     }
 }
 
+// Kinds that something in the host reads by name (the renderer, the
+// writers, the models); records of other kinds are only kept and written
+// back, and may be held in runs.
+bool readByName(std::string_view kind)
+{
+    static constexpr std::string_view kKnown[] = {
+        "LINE",     "ARC",     "CIRCLE",  "LWPOLYLINE", "MLINE",    "TEXT",     "INSERT",    "MTEXT",
+        "ATTRIB",   "ATTDEF",  "HATCH",   "DIMENSION",  "SPLINE",   "ELLIPSE",  "POINT",     "SOLID",
+        "TRACE",    "3DFACE",  "LEADER",  "POLYLINE",   "VERTEX",   "SEQEND",   "VIEWPORT",  "BLOCK",
+        "ENDBLK",   "MESH",    "WIPEOUT", "IMAGE",      "RAY",      "XLINE",
+    };
+    return std::find(std::begin(kKnown), std::end(kKnown), kind) != std::end(kKnown);
+}
+
+// The largest record a run holds: an object costs little beside a larger
+// one, which a run would only copy once more while it is read.
+constexpr std::size_t kLargestRunRecord = 256;
+
+// Whether an unmodelled record may join a run: a small one, with no handle
+// or owner of its own (the run gives it the next one), the look of a record
+// without one, and of a kind nothing reads by name.
+bool runnable(const Record& record, const EntityParts& parts)
+{
+    const EntityLook& look = parts.look;
+    return record.packedGroups().bytes().size() <= kLargestRunRecord && parts.basics.handle == 0
+           && parts.basics.owner == 0 && look.layer == "0" && look.linetype.empty() && look.colorIndex.empty()
+           && look.color == KxCmColor() && !readByName(record.kind());
+}
+
+// The most records a run holds: splitting its last one off (a selection of
+// the last entity) copies nothing, but walks the run.
+constexpr std::size_t kMostRunRecords = 4096;
+
 }  // namespace
+
+void finishRecordRun(ReadContext& context)
+{
+    ReadContext::PendingRun& run = context.run;
+    if (run.count == 0)
+        return;
+    const KxDbPackedGroupsView first(run.firstGroups);
+    std::unique_ptr<KxDbUnmodelledEntity> entity;
+    if (run.count == 1)
+        entity = std::make_unique<KxDbUnmodelledEntity>(run.kind, first);
+    else
+        entity = std::make_unique<kaldo::RecordRun>(run.kind, first, run.further, run.count - 1);
+    RecordBasics basics;
+    EntityLook().applyTo(*entity, context, basics);
+    KxDbEntity* added = append(context, std::move(entity), basics, run.block, 0);
+    const std::uint64_t firstHandle = added->handle();
+    const std::uint64_t lastHandle = firstHandle + run.count - 1;
+    if (run.count > 1) {
+        context.db.setHandseed(std::max(context.db.handseed(), lastHandle + 1));
+        context.maxHandle = std::max(context.maxHandle, lastHandle);
+        context.runHandles.emplace_back(firstHandle, lastHandle);
+    }
+    run.count = 0;
+    run.further.clear();
+}
 
 void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot)
 {
@@ -279,6 +338,7 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
 {
     const std::string& kind = record.kind();
     if (kind == "MLINE") {
+        finishRecordRun(context);
         RecordBasics basics;
         EntityLook look;
         MlineStyleLink styleLink;
@@ -299,6 +359,24 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     } else if (parts->error) {
         std::rethrow_exception(parts->error);
     }
+    // A run takes the handles that follow the handle seed; near the top of
+    // the range they may be taken, and records get handles one by one.
+    if (!parts->entity && runnable(record, *parts) && context.db.handseed() <= kxdbHighestHandle - kMostRunRecords) {
+        const KxDbObjectId target = block.isNull() ? context.roots.modelSpace : block;
+        ReadContext::PendingRun& run = context.run;
+        if (run.count > 0 && (run.block != target || run.kind != kind || run.count == kMostRunRecords))
+            finishRecordRun(context);
+        if (run.count == 0) {
+            run.block = target;
+            run.kind = kind;
+            run.firstGroups = record.packedGroups().bytes();
+        } else {
+            kaldo::RecordRun::appendRecord(run.further, record.packedGroups());
+        }
+        ++run.count;
+        return;
+    }
+    finishRecordRun(context);
     if (!parts->entity) {
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
         RecordBasics lookKept;
@@ -360,8 +438,10 @@ void writeNormal(GroupWriter& w, const KxGeVector3d& n)
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
     if (const auto* unmodelled = KxDbUnmodelledEntity::cast(&entity)) {
-        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->packedGroups(), unmodelled->handle(),
-                              handleOf(db, entity.ownerId()));
+        const std::uint64_t owner = handleOf(db, entity.ownerId());
+        forEachKeptRecord(*unmodelled, unmodelled->handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
+            writeUnmodelledRecord(w, unmodelled->dxfName(), groups, handle, owner);
+        });
         return;
     }
     if (const auto* line = KxDbLine::cast(&entity)) {

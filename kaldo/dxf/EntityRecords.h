@@ -24,6 +24,10 @@ class GroupWriter;
 // paper space for an entity flagged so). ahead is what readEntityAhead
 // made of the record, if anything.
 void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, RecordAhead* ahead = nullptr);
+// Adds the run of records readEntity is gathering, if any, to its block:
+// before anything else is added to the drawing (a block's end, the end of
+// a section).
+void finishRecordRun(ReadContext& context);
 // Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart on the reading
 // thread (SectionRecords' ReadAhead): the new entity with its layer's and
 // linetype's names, for readEntity to add to the drawing.
