@@ -9,24 +9,30 @@
 namespace kaldo {
 
 KX_RX_DEFINE_MEMBERS(RecordRun, KxDbUnmodelledEntity)
+KX_RX_DEFINE_MEMBERS(ObjectRecordRun, KxDbUnmodelledObject)
 
-RecordRun::RecordRun(std::string_view kind, KxDbPackedGroupsView first, std::string_view further,
-                     std::size_t furtherCount)
-    : KxDbUnmodelledEntity(kind, first), m_furtherBytes(std::uint32_t(further.size())),
-      m_furtherCount(std::uint32_t(furtherCount))
+KeptRecordTail::KeptRecordTail(std::string_view bytes, std::size_t count)
+    : m_records(std::make_unique_for_overwrite<char[]>(bytes.size())), m_bytes(std::uint32_t(bytes.size())),
+      m_count(std::uint32_t(count))
 {
-    m_further = std::make_unique_for_overwrite<char[]>(further.size());
-    std::memcpy(m_further.get(), further.data(), further.size());
+    std::memcpy(m_records.get(), bytes.data(), bytes.size());
 }
 
-void RecordRun::appendRecord(std::string& further, KxDbPackedGroupsView groups)
+KeptRecordTail& KeptRecordTail::operator=(const KeptRecordTail& other)
+{
+    if (this != &other)
+        *this = KeptRecordTail(other.bytes(), other.m_count);
+    return *this;
+}
+
+void KeptRecordTail::append(std::string& bytes, KxDbPackedGroupsView groups)
 {
     const auto length = std::uint32_t(groups.bytes().size());
-    further.append(reinterpret_cast<const char*>(&length), sizeof length);
-    further.append(groups.bytes());
+    bytes.append(reinterpret_cast<const char*>(&length), sizeof length);
+    bytes.append(groups.bytes());
 }
 
-KxDbPackedGroupsView RecordRun::takeRecord(const char*& at)
+KxDbPackedGroupsView KeptRecordTail::take(const char*& at)
 {
     std::uint32_t length = 0;
     std::memcpy(&length, at, sizeof length);
@@ -35,31 +41,34 @@ KxDbPackedGroupsView RecordRun::takeRecord(const char*& at)
     return groups;
 }
 
-KxDbPackedGroupsView RecordRun::lastRecord() const
+KxDbPackedGroupsView KeptRecordTail::last() const
 {
     KxDbPackedGroupsView last;
-    forEachRecord([&](std::size_t, KxDbPackedGroupsView groups) { last = groups; });
+    forEach([&](KxDbPackedGroupsView groups) { last = groups; });
     return last;
 }
 
-void RecordRun::dropLastRecord()
+void KeptRecordTail::dropLast()
 {
-    if (m_furtherCount == 0)
+    if (m_count == 0)
         return;
-    const KxDbPackedGroupsView last = lastRecord();
-    m_furtherBytes -= std::uint32_t(sizeof(std::uint32_t) + last.bytes().size());
-    --m_furtherCount;
+    m_bytes -= std::uint32_t(sizeof(std::uint32_t) + last().bytes().size());
+    --m_count;
 }
 
 Kald::ErrorStatus RecordRun::copyFrom(const KxDbObject* other)
 {
     if (const Kald::ErrorStatus es = KxDbUnmodelledEntity::copyFrom(other); es != Kald::eOk)
         return es;
-    const auto& run = *static_cast<const RecordRun*>(other);
-    m_further = std::make_unique_for_overwrite<char[]>(run.m_furtherBytes);
-    std::memcpy(m_further.get(), run.m_further.get(), run.m_furtherBytes);
-    m_furtherBytes = run.m_furtherBytes;
-    m_furtherCount = run.m_furtherCount;
+    m_tail = static_cast<const RecordRun*>(other)->m_tail;
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus ObjectRecordRun::copyFrom(const KxDbObject* other)
+{
+    if (const Kald::ErrorStatus es = KxDbUnmodelledObject::copyFrom(other); es != Kald::eOk)
+        return es;
+    m_tail = static_cast<const ObjectRecordRun*>(other)->m_tail;
     return Kald::eOk;
 }
 
@@ -77,7 +86,7 @@ KxDbObjectId splitOffLastRecord(KxDbDatabase& db, KxDbObjectId id)
     auto* block = KxDbBlockTableRecord::cast(db.peekObject(run->ownerId()));
     if (!block)
         return id;
-    auto last = std::make_unique<KxDbUnmodelledEntity>(run->dxfName(), run->lastRecord());
+    auto last = std::make_unique<KxDbUnmodelledEntity>(run->dxfName(), run->tail().last());
     last->setLayer(run->layerId());
     last->setLinetype(run->linetypeId());
     last->setColor(run->color());

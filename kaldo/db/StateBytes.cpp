@@ -61,6 +61,8 @@ std::size_t contentBytes(const KxDbObject& obj)
                + linetype->name().size() * sizeof(wchar_t);
     if (const auto* record = KxDbSymbolTableRecord::cast(&obj))
         return record->name().size() * sizeof(wchar_t);
+    if (const auto* run = ObjectRecordRun::cast(&obj))
+        return run->byteSize();
     if (const auto* record = KxDbUnmodelledObject::cast(&obj))
         return record->byteSize();
     if (const auto* run = RecordRun::cast(&obj))

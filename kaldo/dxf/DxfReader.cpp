@@ -150,6 +150,7 @@ void readObjectsSection(GroupReader& reader, ReadContext& context, ProgressMeter
         meter.record();
         readObject(*record, context);
     }
+    finishRecordRun(context);
     checkSectionEnd(records, "an object (group 0) was expected.", "the file ends inside the objects.");
 }
 

@@ -95,11 +95,11 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 }
 
 // Inputs made to cost the most memory per byte of file: records of nothing
-// but their kind, or with one group, one record of thousands of
-// one-character groups, lines of no groups, multiline vertices of nothing
-// but their first group (laid out anew in the style, which has more
-// elements), beside every input of the fuzz corpus. Records of a kind the
-// host only keeps, without handles, are held as one entity a run of them:
+// but their kind (entities and objects), or with one group, one record of
+// thousands of one-character groups, lines of no groups, multiline
+// vertices of nothing but their first group (laid out anew in the style,
+// which has more elements), beside every input of the fuzz corpus. Records of a kind the
+// host only keeps, without handles, are held as one entity or object a run:
 // under 4 times the file (28 with an object per record, 38 with an object
 // of 56 bytes, 47 with a slot per handle and a class pointer, 57 with an
 // object and two strings). A line is still an object with its registry
@@ -132,6 +132,7 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     }
     inputs.push_back({"records of their kind alone", smallDrawing(kindsOnly, ""), 4});
     inputs.push_back({"records of their kind and a group", smallDrawing(kindsAndAGroup, ""), 4});
+    inputs.push_back({"objects of their kind alone", smallDrawing("", kindsOnly), 4});
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 6});
     inputs.push_back({"lines of no groups", smallDrawing(bareLines, ""), 20});
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 21});
