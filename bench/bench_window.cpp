@@ -206,12 +206,15 @@ public:
 
     // Paints a frame; returns the milliseconds since start until it was
     // painted, and adds those until the picture was complete to complete.
+    // Waiting sleeps until an event comes (the landing picture's queued
+    // call), as the window's event loop does, rather than spinning on a
+    // processor the painting threads need.
     double frame(Clock::time_point start, double& complete)
     {
         canvas_.render(&target_);
         const double frame = millisecondsSince(start);
         while (canvas_.refining())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         canvas_.render(&target_);
         complete += millisecondsSince(start);
         return frame;
@@ -357,7 +360,7 @@ public:
     {
         runner_.stop();
         while (runner_.running())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     // Types lines at once and waits until the transcript has grown and ends
     // with prompt; returns the milliseconds that took.
@@ -382,7 +385,7 @@ private:
     void waitFor(const QString& prompt, qsizetype after = 0)
     {
         while (transcript_.size() <= after || !transcript_.endsWith(prompt))
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
     kaldo::Session session_;
