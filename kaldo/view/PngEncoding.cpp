@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cstdint>
-#include <exception>
 #include <new>
 #include <string_view>
 #include <vector>
@@ -90,18 +89,10 @@ QByteArray encodePng(const QImage& image)
     const QImage rgb = image.format() == QImage::Format_RGB32 ? image : image.convertToFormat(QImage::Format_RGB32);
     const int middle = rgb.height() / 2;
     std::array<Part, 2> parts;
-    std::array<std::exception_ptr, 2> failures;
     onTwoThreads(rgb.height() >= kRowsForTwoThreads, [&](int half) {
-        try {
-            parts[std::size_t(half)] =
-                half == 0 ? deflateRows(rgb, 0, middle, false) : deflateRows(rgb, middle, rgb.height(), true);
-        } catch (...) {
-            failures[std::size_t(half)] = std::current_exception();
-        }
+        parts[std::size_t(half)] =
+            half == 0 ? deflateRows(rgb, 0, middle, false) : deflateRows(rgb, middle, rgb.height(), true);
     });
-    for (const std::exception_ptr& failure : failures)
-        if (failure)
-            std::rethrow_exception(failure);
 
     QByteArray png("\x89PNG\r\n\x1a\n", 8);
     QByteArray header;

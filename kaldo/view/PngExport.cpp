@@ -17,6 +17,7 @@
 
 #include "kaldo/util/FileAccess.h"
 #include "kaldo/util/FileWriting.h"
+#include "kaldo/util/TwoThreads.h"
 #include "kaldo/view/HugePages.h"
 #include "kaldo/view/PngEncoding.h"
 #include "kaldo/view/SceneIndex.h"
@@ -50,11 +51,19 @@ struct PixelBox {
 // The items to paint by colour of fill and by pen, in scene order: all of
 // them, or those near is given.
 struct PaintOrder {
+    // The lines on a second thread, the fills and arcs on this one, when
+    // all the items of a large scene are ordered.
     PaintOrder(const Scene& scene, const SceneItems* near, const FillColors* colors = nullptr)
-        : fills(groupFills(scene, near ? &near->polygons : nullptr, near ? &near->instances : nullptr, colors)),
-          lines(groupLines(scene, near ? &near->polylines : nullptr, near ? &near->instances : nullptr)),
-          arcs(groupByPen(scene.arcs(), scene.pens().size(), near ? &near->arcs : nullptr))
     {
+        constexpr std::size_t kItemsForTwoThreads = 1 << 16;
+        onTwoThreads(!near && scene.polylines().size() + scene.arcs().size() >= kItemsForTwoThreads, [&](int half) {
+            if (half == 0) {
+                lines = groupLines(scene, near ? &near->polylines : nullptr, near ? &near->instances : nullptr);
+                return;
+            }
+            fills = groupFills(scene, near ? &near->polygons : nullptr, near ? &near->instances : nullptr, colors);
+            arcs = groupByPen(scene.arcs(), scene.pens().size(), near ? &near->arcs : nullptr);
+        });
     }
     FillGroups fills;
     LineGroups lines;
