@@ -286,10 +286,11 @@ void BM_MixedFirstPicture(benchmark::State& state)
     MixedDrawing* mixed = mixedDrawing(state);
     if (!mixed)
         return;
+    const kaldo::ui::PublishedDrawing& published = mixed->published();
     double first = 0, complete = 0, completeCpu = 0;
     measureEach(state, [&] {
         const Clock::time_point start = Clock::now();
-        MixedCanvas canvas(mixed->published());
+        MixedCanvas canvas(published);
         first += canvas.frame(start, complete);
         completeCpu += canvas.completeCpu;
     });
