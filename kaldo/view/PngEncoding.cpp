@@ -34,16 +34,17 @@ void appendChunk(QByteArray& bytes, std::string_view type, const QByteArray& dat
     appendBigEndian(bytes, std::uint32_t(crc32_z(crc32_z(0, nullptr, 0), checked, std::size_t(bytes.size() - typeAt))));
 }
 
-// Rows first to end - 1 of image as filtered PNG scanlines (filter none,
-// then red, green, blue of each pixel), deflated without a header into a
-// part of one stream: the last part ends the stream, the others end on a
-// byte boundary so that the next part follows on. adler is the checksum
-// of the scanlines.
+// A part of the one zlib stream: deflated scanlines without a header, the
+// checksum of the scanlines and their length in bytes.
 struct Part {
     QByteArray deflated;
     uLong adler = 0;
     uLong length = 0;
 };
+
+// Rows first to end - 1 of image as PNG scanlines (filter none, then red,
+// green, blue of each pixel), deflated: the last part ends the stream, the
+// others end on a byte boundary so that the next part follows on.
 
 Part deflateRows(const QImage& image, int first, int end, bool last)
 {
