@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "kaldo/util/TwoThreads.h"
 #include "kaldo/view/HugePages.h"
 #include "kaldo/view/LineLetters.h"
 
@@ -423,17 +424,32 @@ void Scene::groupPolylines(std::uint32_t first, double width)
 
 Bounds Scene::bounds() const
 {
-    Bounds b;
-    for (const Point2& p : m_points)
-        b.add(p);
-    for (const Arc& arc : m_arcs)
-        addArcBounds(b, arc);
-    for (const TextLine& text : m_texts)
-        for (const Point2& corner : textCorners(text))
-            b.add(corner);
-    for (const Instance& instance : m_instances) {
-        b.add(Point2{instance.box.minX, instance.box.minY});
-        b.add(Point2{instance.box.maxX, instance.box.maxY});
+    // The points on one thread, the arcs (which take sines and cosines),
+    // texts and instances on another, for a large scene; minima and maxima
+    // come out the same either way.
+    constexpr std::size_t kItemsForTwoThreads = 1 << 16;
+    std::array<Bounds, 2> halves;
+    onTwoThreads(m_points.size() + m_arcs.size() >= kItemsForTwoThreads, [&](int half) {
+        Bounds& b = halves[std::size_t(half)];
+        if (half == 0) {
+            for (const Point2& p : m_points)
+                b.add(p);
+            return;
+        }
+        for (const Arc& arc : m_arcs)
+            addArcBounds(b, arc);
+        for (const TextLine& text : m_texts)
+            for (const Point2& corner : textCorners(text))
+                b.add(corner);
+        for (const Instance& instance : m_instances) {
+            b.add(Point2{instance.box.minX, instance.box.minY});
+            b.add(Point2{instance.box.maxX, instance.box.maxY});
+        }
+    });
+    Bounds b = halves[0];
+    if (!halves[1].empty) {
+        b.add(Point2{halves[1].minX, halves[1].minY});
+        b.add(Point2{halves[1].maxX, halves[1].maxY});
     }
     return b;
 }
