@@ -1,6 +1,7 @@
 // Feeds arbitrary bytes to the drawing reader, and what it reads to the
 // renderer and the painter, as --export draws a PNG: no crash, no
-// sanitizer report, no hang, only DxfError for bad input.
+// sanitizer report, no hang, only DxfError for bad input, and the picture
+// of a drawing drawn on two threads the same as drawn on one.
 #include <QBuffer>
 #include <QGuiApplication>
 #include <QImage>
@@ -8,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <string_view>
 
 #include "kaldo/dxf/DxfError.h"
@@ -37,6 +39,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const kaldo::view::Scene scene = kaldo::view::renderDrawing(*drawing.database, &notes, kBudget);
         // Two bands, as pictures are painted on threads.
         const QImage image = kaldo::view::paintScene(scene, {256, kaldo::view::Background::Dark}, 2);
+        // A large drawing is drawn on two threads: the picture is the one
+        // a single thread draws (in one piece).
+        kaldo::view::Scene oneThread;
+        kaldo::view::renderDrawingInPieces(
+            *drawing.database, std::numeric_limits<std::size_t>::max(),
+            [&](const kaldo::view::Scene& piece) { oneThread = piece; }, nullptr, kBudget);
+        if (kaldo::view::paintScene(oneThread, {256, kaldo::view::Background::Dark}, 2) != image)
+            std::abort();
         QBuffer png;
         png.open(QIODevice::WriteOnly);
         image.save(&png, "png");

@@ -1,5 +1,6 @@
 #include "kxdbobject.h"
 
+#include <atomic>
 #include <cstdio>
 #include <limits>
 
@@ -17,6 +18,36 @@ KxRxClass* KxRxObject::desc()
 
 KX_RX_DEFINE_MEMBERS(KxDbObject, KxRxObject)
 KX_RX_DEFINE_MEMBERS(KxDbEntity, KxDbObject)
+
+namespace {
+
+// Readers are counted atomically, so that two threads may open and close
+// objects for read at once while nothing writes (the renderer reads a
+// drawing on two threads). Adds a reader; false at the most readers.
+bool addReader(std::uint16_t& readers)
+{
+    std::atomic_ref<std::uint16_t> count(readers);
+    std::uint16_t now = count.load(std::memory_order_relaxed);
+    do {
+        if (now == std::numeric_limits<std::uint16_t>::max())
+            return false;
+    } while (!count.compare_exchange_weak(now, std::uint16_t(now + 1), std::memory_order_relaxed));
+    return true;
+}
+
+// Lets a reader go; false when there was none.
+bool dropReader(std::uint16_t& readers)
+{
+    std::atomic_ref<std::uint16_t> count(readers);
+    std::uint16_t now = count.load(std::memory_order_relaxed);
+    do {
+        if (now == 0)
+            return false;
+    } while (!count.compare_exchange_weak(now, std::uint16_t(now - 1), std::memory_order_relaxed));
+    return true;
+}
+
+}  // namespace
 
 // An object is a pointer to its class and four words; an entity adds its
 // properties in two more.
@@ -69,9 +100,7 @@ Kald::ErrorStatus KxDbObject::close()
         // Changes made while open count once more when they are done.
         if (KxDbDatabase* db = database())
             db->noteChange();
-    } else if (m_readers > 0)
-        --m_readers;
-    else
+    } else if (!dropReader(m_readers))
         return Kald::eNotApplicable;
     return Kald::eOk;
 }
@@ -154,9 +183,8 @@ Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int m
             db->noteChange();
         }
     } else {
-        if (found->m_readers == std::numeric_limits<decltype(found->m_readers)>::max())
+        if (!addReader(found->m_readers))
             return Kald::eOutOfRange;
-        ++found->m_readers;
     }
     obj = found;
     return Kald::eOk;

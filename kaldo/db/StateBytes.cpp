@@ -1,5 +1,7 @@
 #include "kaldo/db/StateBytes.h"
 
+#include "kaldo/db/RecordRun.h"
+
 #include <cwchar>
 
 #include "kxdbdict.h"
@@ -59,8 +61,12 @@ std::size_t contentBytes(const KxDbObject& obj)
                + linetype->name().size() * sizeof(wchar_t);
     if (const auto* record = KxDbSymbolTableRecord::cast(&obj))
         return record->name().size() * sizeof(wchar_t);
+    if (const auto* run = ObjectRecordRun::cast(&obj))
+        return run->byteSize();
     if (const auto* record = KxDbUnmodelledObject::cast(&obj))
         return record->byteSize();
+    if (const auto* run = RecordRun::cast(&obj))
+        return run->byteSize();
     if (const auto* record = KxDbUnmodelledEntity::cast(&obj))
         return record->byteSize();
     return 0;

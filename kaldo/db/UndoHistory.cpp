@@ -87,6 +87,34 @@ Kald::ErrorStatus UndoHistory::upgradeOpenToTranslate(KxDbEntity& entity)
     return Kald::eOk;
 }
 
+KxDbObjectId UndoHistory::insertUnrecorded(KxDbBlockTableRecord& block, KxDbObjectId after,
+                                           std::unique_ptr<KxDbEntity> entity, std::uint64_t handle)
+{
+    KxDbEntity* added = entity.get();
+    added->m_id = registerObject(added, &m_db);
+    added->m_owner = block.objectId();
+    m_db.m_objects.push_back(std::move(entity));
+    m_db.m_handles->insert(handle, added->m_id);
+    m_handleFloor = std::max(m_handleFloor, handle + 1);
+    std::vector<KxDbObjectId>& entities = block.m_entities;
+    const auto place = std::find(entities.rbegin(), entities.rend(), after).base();
+    const std::size_t at = std::size_t(place - entities.begin());
+    entities.insert(place, added->m_id);
+    // A list cut back to its length before a step keeps the new entity.
+    const auto countIn = [&](Step& step) {
+        for (ObjectRecord& record : step.objects)
+            if (record.id == block.objectId() && record.listed && *record.listed >= at)
+                ++*record.listed;
+    };
+    countIn(m_open);
+    for (Step& step : m_undo)
+        countIn(step);
+    for (std::vector<Step>& group : m_redo)
+        for (Step& step : group)
+            countIn(step);
+    return added->m_id;
+}
+
 std::optional<std::size_t> UndoHistory::listedCount(const KxDbObject& obj)
 {
     if (const auto* table = KxDbSymbolTable::cast(&obj))

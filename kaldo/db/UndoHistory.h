@@ -48,6 +48,8 @@
 #include "kxdbdatabase.h"
 #include "kxdbobject.h"
 
+class KxDbBlockTableRecord;
+
 namespace kaldo {
 
 inline constexpr std::size_t kUndoByteBudget = std::size_t(64) << 20;
@@ -102,6 +104,14 @@ public:
     private:
         UndoHistory& m_history;
     };
+
+    // Puts entity into the database under handle (which no object holds)
+    // and into block's list right after the entity named after, without a
+    // record and without changing the drawing (the records of a run split
+    // apart: kaldo/db/RecordRun.h). Every record of the block's list counts
+    // the new place. Returns the entity's id.
+    KxDbObjectId insertUnrecorded(KxDbBlockTableRecord& block, KxDbObjectId after,
+                                  std::unique_ptr<KxDbEntity> entity, std::uint64_t handle);
 
     std::size_t undoableSteps() const;
     std::size_t bytes() const { return m_bytes; }

@@ -103,6 +103,8 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
     while (const Record* record = records.next()) {
         meter.record();
         const std::string& kind = record->kind();
+        if (kind == "BLOCK" || kind == "ENDBLK")
+            finishRecordRun(context);
         if (kind == "BLOCK") {
             if (!block.isNull())
                 throw DxfError(record->line(), "a block begins inside another one.");
@@ -123,6 +125,7 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
             readEntity(*record, context, block, records.ahead());
         }
     }
+    finishRecordRun(context);
     checkSectionEnd(records, "a record (group 0) was expected in the blocks.", "the file ends inside the blocks.");
     if (!block.isNull())
         throw DxfError(records.endLine(), "the blocks end inside a block (ENDBLK is missing).");
@@ -136,6 +139,7 @@ void readEntitiesSection(GroupReader& reader, ReadContext& context, ProgressMete
         meter.record();
         readEntity(*record, context, KxDbObjectId(), records.ahead());
     }
+    finishRecordRun(context);
     checkSectionEnd(records, "an entity (group 0) was expected.", "the file ends inside the entities.");
 }
 
@@ -146,6 +150,7 @@ void readObjectsSection(GroupReader& reader, ReadContext& context, ProgressMeter
         meter.record();
         readObject(*record, context);
     }
+    finishRecordRun(context);
     checkSectionEnd(records, "an object (group 0) was expected.", "the file ends inside the objects.");
 }
 
@@ -328,6 +333,12 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
         throw DxfError(g.line, "the file ends without EOF: it is cut short.");
     if (!sawEntities)
         throw DxfError(0, "the file has no ENTITIES section: it is no drawing.");
+    // Beyond the top of the range new handles are the lowest free ones,
+    // which must pass over those of the records held in runs.
+    if (context.db.handseed() > kxdbHighestHandle)
+        for (const auto& [first, last] : context.runHandles)
+            for (std::uint64_t handle = first + 1; handle <= last; ++handle)
+                context.db.reserveHandle(handle);
     // The reading room goes before multilines may be laid out anew.
     context.mlineLists = {};
     resolveReferences(context);

@@ -1,6 +1,7 @@
 #include "kaldo/dxf/EntityRecords.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/RecordRun.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/MlineRecord.h"
@@ -263,7 +264,111 @@ void takeApart(const Record& record, EntityParts& parts)
     }
 }
 
+// Kinds that something in the host reads by name (the renderer, the
+// writers, the models); records of other kinds are only kept and written
+// back, and may be held in runs.
+bool readByName(std::string_view kind)
+{
+    static constexpr std::string_view kKnown[] = {
+        "LINE",     "ARC",        "CIRCLE",     "LWPOLYLINE", "MLINE",           "TEXT",          "INSERT",
+        "MTEXT",    "ATTRIB",     "ATTDEF",     "HATCH",      "DIMENSION",       "SPLINE",        "ELLIPSE",
+        "POINT",    "SOLID",      "TRACE",      "3DFACE",     "LEADER",          "POLYLINE",      "VERTEX",
+        "SEQEND",   "VIEWPORT",   "BLOCK",      "ENDBLK",     "MESH",            "WIPEOUT",       "IMAGE",
+        "RAY",      "XLINE",      "DICTIONARY", "MLINESTYLE", "SORTENTSTABLE",   "LAYOUT",        "XRECORD",
+        "ACDBPLACEHOLDER",
+    };
+    return std::find(std::begin(kKnown), std::end(kKnown), kind) != std::end(kKnown);
+}
+
+// The largest record a run holds: an object costs little beside a larger
+// one, which a run would only copy once more while it is read.
+constexpr std::size_t kLargestRunRecord = 256;
+// The most records a run holds: splitting its last one off (a selection of
+// the last entity) walks the run.
+constexpr std::size_t kMostRunRecords = 4096;
+
+// Whether a record may join a run: a small one of a kind nothing reads by
+// name, with no handle or owner of its own (the run gives it the next
+// handle), while the handles after the seed are free (near the top of the
+// range they may be taken, and records get handles one by one).
+bool mayJoinRun(const Record& record, const RecordBasics& basics, const ReadContext& context)
+{
+    return record.packedGroups().bytes().size() <= kLargestRunRecord && basics.handle == 0 && basics.owner == 0
+           && !readByName(record.kind()) && context.db.handseed() <= kxdbHighestHandle - kMostRunRecords;
+}
+
+// An entity record may join a run when it has no look of its own either.
+bool mayJoinRun(const Record& record, const EntityParts& parts, const ReadContext& context)
+{
+    const EntityLook& look = parts.look;
+    return !parts.entity && look.layer == "0" && look.linetype.empty() && look.colorIndex.empty()
+           && look.color == KxCmColor() && mayJoinRun(record, parts.basics, context);
+}
+
+// Adds the record to the run being gathered, after finishing one it cannot
+// join; block is null for objects.
+void gather(const Record& record, ReadContext& context, KxDbObjectId block)
+{
+    ReadContext::PendingRun& run = context.run;
+    if (run.count > 0 && (run.block != block || run.kind != record.kind() || run.count == kMostRunRecords))
+        finishRecordRun(context);
+    if (run.count == 0) {
+        run.block = block;
+        run.kind = record.kind();
+        run.firstGroups = record.packedGroups().bytes();
+    } else {
+        kaldo::KeptRecordTail::append(run.further, record.packedGroups());
+    }
+    ++run.count;
+}
+
 }  // namespace
+
+void finishRecordRun(ReadContext& context)
+{
+    ReadContext::PendingRun& run = context.run;
+    if (run.count == 0)
+        return;
+    const KxDbPackedGroupsView first(run.firstGroups);
+    kaldo::KeptRecordTail tail;
+    if (run.count > 1)
+        tail = kaldo::KeptRecordTail(run.further, run.count - 1);
+    KxDbObject* added = nullptr;
+    if (run.block.isNull()) {
+        KxDbObject* object = run.count == 1 ? new KxDbUnmodelledObject(run.kind, first)
+                                            : new kaldo::ObjectRecordRun(run.kind, first, std::move(tail));
+        context.add(object, {});
+        added = object;
+    } else {
+        std::unique_ptr<KxDbUnmodelledEntity> entity;
+        if (run.count == 1)
+            entity = std::make_unique<KxDbUnmodelledEntity>(run.kind, first);
+        else
+            entity = std::make_unique<kaldo::RecordRun>(run.kind, first, std::move(tail));
+        RecordBasics basics;
+        EntityLook().applyTo(*entity, context, basics);
+        added = append(context, std::move(entity), basics, run.block, 0);
+    }
+    if (run.count > 1) {
+        const std::uint64_t firstHandle = added->handle();
+        const std::uint64_t lastHandle = firstHandle + run.count - 1;
+        context.db.setHandseed(std::max(context.db.handseed(), lastHandle + 1));
+        context.maxHandle = std::max(context.maxHandle, lastHandle);
+        context.runHandles.emplace_back(firstHandle, lastHandle);
+    }
+    run.count = 0;
+    run.further.clear();
+}
+
+bool gatherKeptObject(const Record& record, ReadContext& context)
+{
+    if (!mayJoinRun(record, rawRecordBasics(record), context)) {
+        finishRecordRun(context);
+        return false;
+    }
+    gather(record, context, KxDbObjectId());
+    return true;
+}
 
 void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot)
 {
@@ -282,6 +387,7 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
 {
     const std::string& kind = record.kind();
     if (kind == "MLINE") {
+        finishRecordRun(context);
         RecordBasics basics;
         EntityLook look;
         MlineStyleLink styleLink;
@@ -302,6 +408,11 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     } else if (parts->error) {
         std::rethrow_exception(parts->error);
     }
+    if (mayJoinRun(record, *parts, context)) {
+        gather(record, context, block.isNull() ? context.roots.modelSpace : block);
+        return;
+    }
+    finishRecordRun(context);
     if (!parts->entity) {
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
         RecordBasics lookKept;
@@ -363,8 +474,10 @@ void writeNormal(GroupWriter& w, const KxGeVector3d& n)
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
     if (const auto* unmodelled = KxDbUnmodelledEntity::cast(&entity)) {
-        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->packedGroups(), unmodelled->handle(),
-                              handleOf(db, entity.ownerId()));
+        const std::uint64_t owner = handleOf(db, entity.ownerId());
+        forEachKeptRecord(*unmodelled, unmodelled->handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
+            writeUnmodelledRecord(w, unmodelled->dxfName(), groups, handle, owner);
+        });
         return;
     }
     if (const auto* line = KxDbLine::cast(&entity)) {

@@ -24,6 +24,16 @@ class GroupWriter;
 // paper space for an entity flagged so). ahead is what readEntityAhead
 // made of the record, if anything.
 void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, RecordAhead* ahead = nullptr);
+// Small records of kinds that nothing reads by name, given without handle,
+// owner or look, are gathered while they follow one another (in one block,
+// or among the objects) and held as one entity or object a run
+// (kaldo/db/RecordRun.h). finishRecordRun adds the run being gathered, if
+// any: before anything else is added to the drawing (a block's end, the
+// end of a section).
+void finishRecordRun(ReadContext& context);
+// Gathers an object record into a run, or finishes the run (false) when it
+// cannot join one.
+bool gatherKeptObject(const Record& record, ReadContext& context);
 // Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart on the reading
 // thread (SectionRecords' ReadAhead): the new entity with its layer's and
 // linetype's names, for readEntity to add to the drawing.

@@ -1,7 +1,9 @@
 #include "kaldo/dxf/ObjectRecords.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/RecordRun.h"
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/EntityRecords.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/ReadContext.h"
 #include "kaldo/dxf/RecordColor.h"
@@ -232,6 +234,8 @@ void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyl
 
 void readObject(const Record& record, ReadContext& context)
 {
+    if (gatherKeptObject(record, context))
+        return;
     const std::string& kind = record.kind();
     if (kind == "DICTIONARY") {
         const bool isRoot = context.roots.namedObjects.isNull();
@@ -273,7 +277,9 @@ bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj)
     } else if (const auto* unmodelled = KxDbUnmodelledObject::cast(&obj)) {
         if (unmodelled->dxfName() == "BLOCK" || unmodelled->dxfName() == "ENDBLK")
             return false;
-        writeUnmodelledRecord(w, unmodelled->dxfName(), unmodelled->packedGroups(), unmodelled->handle());
+        forEachKeptRecord(*unmodelled, unmodelled->handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
+            writeUnmodelledRecord(w, unmodelled->dxfName(), groups, handle);
+        });
     } else {
         return false;
     }

@@ -1,6 +1,7 @@
 #include "kaldo/dxf/R12Writer.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/RecordRun.h"
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DrawingExtents.h"
 #include "kaldo/dxf/GroupReader.h"
@@ -419,7 +420,7 @@ private:
         const std::set<int>* codes = keptGeometryCodes(kind);
         const bool attributed = kind == "INSERT" && hasAttributes(kept.groups());
         if (!codes || attributed || (kind == "TEXT" && !inStandardStyle(kept.groups()))) {
-            ++leftOut_[kind];
+            leftOut_[kind] += int(kaldo::keptRecordCount(kept));
             skippingAttributes_ = attributed;
             return;
         }

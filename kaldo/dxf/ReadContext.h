@@ -72,6 +72,21 @@ struct ReadContext {
     std::vector<LayerLinetype> layerLinetypes;
     // The lists of the multiline being read, whose room the next reuses.
     KxDbMlineListStore mlineLists;
+    // Records of one kind that nothing reads by name and that name no
+    // handle, owner or look, gathered to become one entity of their block
+    // (kaldo/db/RecordRun.h) once a record of another kind or block comes.
+    struct PendingRun {
+        KxDbObjectId block;
+        std::string kind;
+        std::string firstGroups;
+        std::string further;
+        std::size_t count = 0;
+    };
+    PendingRun run;
+    // The first and last handle of every run added, in order: a record that
+    // names one of them later gets a new handle, as it would have were each
+    // record of the run an object of its own.
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> runHandles;
 
     // Adds a new object under its file handle (a new one when the file gave
     // none or a taken one) and closes it; remembers its owner for later.

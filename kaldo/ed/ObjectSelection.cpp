@@ -1,6 +1,7 @@
 // "Select objects:": a selection set made step by step, each step a pick, a
 // window, the last entity or the previous set, adding or taking out.
 #include "kaldo/core/Host.h"
+#include "kaldo/db/RecordRun.h"
 #include "kaldo/ed/Coordinates.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/Text.h"
@@ -18,10 +19,11 @@ namespace {
 constexpr const wchar_t* kSelectKeywords =
     L"Window Crossing Last Previous Remove Add _Window Crossing Last Previous Remove Add";
 
-// The last entity of the working drawing's current space, or nothing.
+// The last entity of the working drawing's current space, or nothing; the
+// last record of a run of kept records is split off to be taken alone.
 std::vector<KxDbObjectId> lastEntity()
 {
-    const KxDbDatabase* db = host().database;
+    KxDbDatabase* db = host().database;
     if (!db)
         return {};
     const KxDbObjectPtr<KxDbBlockTableRecord> space(db->currentSpaceId(), KxDb::kForRead);
@@ -31,6 +33,8 @@ std::vector<KxDbObjectId> lastEntity()
     const auto it = space->newIterator();
     for (it->start(); !it->done(); it->step())
         last = it->getEntityId();
+    if (!last.isNull())
+        last = splitOffLastRecord(*db, last);
     return last.isNull() ? std::vector<KxDbObjectId>() : std::vector<KxDbObjectId>{last};
 }
 

@@ -83,21 +83,36 @@ std::vector<Box> parents(const std::vector<Box>& level, std::uint32_t fanout)
     return result;
 }
 
+// Rearranges boxes in place so that leaf i holds the box of items[i]
+// (a permutation), one cycle of the permutation at a time, so that no
+// second copy of the boxes is made.
+void putInOrder(std::vector<Box>& boxes, const std::vector<std::uint32_t>& items)
+{
+    std::vector<bool> placed(boxes.size());
+    for (std::size_t start = 0; start < boxes.size(); ++start) {
+        if (placed[start])
+            continue;
+        const Box first = boxes[start];
+        std::size_t leaf = start;
+        while (items[leaf] != start) {
+            boxes[leaf] = boxes[items[leaf]];
+            placed[leaf] = true;
+            leaf = items[leaf];
+        }
+        boxes[leaf] = first;
+        placed[leaf] = true;
+    }
+}
+
 }  // namespace
 
-BoxIndex::BoxIndex(const std::vector<Box>& boxes) : m_count(boxes.size())
+BoxIndex::BoxIndex(std::vector<Box> boxes) : m_count(boxes.size())
 {
     if (boxes.empty())
         return;
     m_items = sortTiles(boxes, kFanout);
-    m_leafOf.resize(boxes.size());
-    std::vector<Box> leaves;
-    leaves.reserve(boxes.size());
-    for (std::uint32_t leaf = 0; leaf < m_items.size(); ++leaf) {
-        leaves.push_back(boxes[m_items[leaf]]);
-        m_leafOf[m_items[leaf]] = leaf;
-    }
-    m_levels.push_back(std::move(leaves));
+    putInOrder(boxes, m_items);
+    m_levels.push_back(std::move(boxes));
     // Each level above groups fanout nodes of the one below, in order, so
     // the children of node n are nodes n * fanout onwards.
     while (m_levels.back().size() > kFanout)

@@ -21,12 +21,11 @@ struct Box {
 class BoxIndex {
 public:
     BoxIndex() = default;
-    // The boxes' positions in this vector are the items the queries give.
-    explicit BoxIndex(const std::vector<Box>& boxes);
+    // The boxes' positions in this vector are the items the queries give;
+    // the tree keeps the only copy of them, in its own order.
+    explicit BoxIndex(std::vector<Box> boxes);
 
     std::size_t size() const { return m_count; }
-    // The box of an item, as given.
-    const Box& box(std::uint32_t item) const { return m_levels.front()[m_leafOf[item]]; }
 
     // Takes the items' changed boxes (as many as before; else builds anew):
     // the tree keeps its order and each node is fitted round its children
@@ -38,10 +37,11 @@ public:
     template <class Visit>
     void query(const Box& query, Visit&& visit) const
     {
-        queryCoarse(query, 0, visit, [](const Box&) {});
+        queryCoarse(query, 0, [&](std::uint32_t item, const Box&) { visit(item); }, [](const Box&) {});
     }
 
-    // The same, except that where a node of the tree that meets query is
+    // Calls visit(item, its box) for every box that meets query, in no set
+    // order, except that where a node of the tree that meets query is
     // narrower and lower than detail, group(the node's box) is called for
     // all the boxes below it instead: the boxes at the size a view shows
     // them, in as many calls as there are places they fill.
@@ -64,7 +64,7 @@ public:
             if (!box.meets(query))
                 continue;
             if (level == 0) {
-                visit(m_items[node]);
+                visit(m_items[node], box);
                 continue;
             }
             if (box.maxX - box.minX < detail && box.maxY - box.minY < detail) {
@@ -83,7 +83,6 @@ private:
 
     std::size_t m_count = 0;
     std::vector<std::uint32_t> m_items;      // item of each leaf, in leaf order
-    std::vector<std::uint32_t> m_leafOf;     // leaf of each item
     std::vector<std::vector<Box>> m_levels;  // level 0: the leaves
 };
 

@@ -1,9 +1,10 @@
 // Work split in two halves, the first on a second thread while this one
 // does the second, for work large enough to pay for the thread. The halves
-// must not throw (they run where nothing catches) and must not touch what
-// the other half writes.
+// must not touch what the other half writes. What a half throws is thrown
+// here once both have ended.
 #pragma once
 
+#include <exception>
 #include <thread>
 
 namespace kaldo {
@@ -18,9 +19,20 @@ void onTwoThreads(bool split, Half&& half)
         half(1);
         return;
     }
-    std::thread other([&] { half(0); });
-    half(1);
-    other.join();
+    std::exception_ptr failure;
+    {
+        // Joined when this block ends, also when half(1) throws.
+        std::jthread other([&] {
+            try {
+                half(0);
+            } catch (...) {
+                failure = std::current_exception();
+            }
+        });
+        half(1);
+    }
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 }  // namespace kaldo

@@ -1,15 +1,20 @@
 #include "kaldo/view/DrawingRenderer.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
+#include <barrier>
 #include <cmath>
 #include <limits>
 #include <memory>
 #include <new>
 #include <numbers>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "kaldo/db/ArcAngles.h"
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/util/TwoThreads.h"
 #include "kaldo/view/MlineRenderer.h"
 #include "kaldo/view/OldPolylines.h"
 #include "kaldo/view/PenResolver.h"
@@ -95,6 +100,11 @@ struct DrawingPass {
         return blockIds.emplace(name, id).first->second;
     }
     std::unordered_map<std::string, KxDbObjectId> blockIds;
+    // A reference reached a block while it was being drawn: a block's
+    // drawing then depends on where it was first drawn from.
+    bool metBlockBeingDrawn = false;
+    // Blocks whose drawing asked the budget: it depends on what was left.
+    std::unordered_set<KxDbObjectId> askingBlocks;
 };
 
 // A block as a shape of one scene: what placing it costs and the box
@@ -121,6 +131,9 @@ public:
     // Whether the entities drawn so far are whole (no old-form polyline
     // waits for more vertices).
     bool betweenEntities() const { return !m_oldPolyline.open(); }
+
+    // The shapes of this scene that draw blocks, by block.
+    const std::unordered_map<KxDbObjectId, BlockShape>& blockShapes() const { return m_blockShapes; }
 
     void draw(const KxDbEntity& entity)
     {
@@ -258,6 +271,7 @@ private:
     const BlockDrawing* blockDrawing(KxDbObjectId id, const KxDbBlockTableRecord& block)
     {
         if (const auto found = m_pass.blocks.find(id); found != m_pass.blocks.end()) {
+            m_pass.metBlockBeingDrawn = m_pass.metBlockBeingDrawn || !found->second;
             const wchar_t* name = nullptr;
             if (!found->second && m_pass.notes && block.getName(name) == Kald::eOk)
                 m_pass.notes->selfReachingBlocks.insert(utf8FromWide(name));
@@ -268,6 +282,7 @@ private:
         auto drawing = std::make_unique<BlockDrawing>();
         drawing->scene.keepTexts(m_scene.keepsTexts());
         EntityDrawer inner(m_pass, drawing->scene, m_depth + 1);
+        const std::size_t asked = m_pass.budget.asked();
         const auto it = block.newIterator();
         for (it->start(); !it->done(); it->step()) {
             KxDbEntity* entity = nullptr;
@@ -276,6 +291,8 @@ private:
             const KxDbObjectPtr<KxDbEntity> open(entity);
             inner.draw(*open);
         }
+        if (m_pass.budget.asked() != asked)
+            m_pass.askingBlocks.insert(id);
         drawing->bounds = drawing->scene.bounds();
         slot = std::move(drawing);
         return slot.get();
@@ -320,6 +337,51 @@ private:
     std::vector<KxDbFileGroup> m_groups;
 };
 
+// Model space of this many entities or more is drawn on two threads.
+constexpr std::size_t kEntitiesForTwoThreads = 16384;
+
+// A scene with room for about this many entities: for a typical
+// multiline, and an arc, per entity: pages only count once written, and
+// growing by copies would write everything twice (and leave the old
+// copies' pages to the process).
+std::unique_ptr<Scene> sceneFor(std::size_t entities, bool keepTexts)
+{
+    auto scene = std::make_unique<Scene>();
+    scene->keepTexts(keepTexts);
+    scene->reserve(entities * 48, entities * 8, entities);
+    return scene;
+}
+
+// Opens at most count entities from it on for read and hands each to
+// draw; asks goOn after every `every` entities, and ends when it says no.
+void forEntities(KxDbBlockTableRecordIterator& it, std::size_t count, std::size_t every,
+                 const std::function<bool()>& goOn, const std::function<void(const KxDbEntity&)>& draw)
+{
+    std::size_t sinceAsked = 0;
+    for (; count > 0 && !it.done(); it.step(), --count) {
+        if (++sinceAsked == every) {
+            sinceAsked = 0;
+            if (!goOn())
+                return;
+        }
+        KxDbEntity* opened = nullptr;
+        if (it.getEntity(opened, KxDb::kForRead) != Kald::eOk)
+            continue;
+        const KxDbObjectPtr<KxDbEntity> entity(opened);
+        draw(*entity);
+    }
+}
+
+// between as forEntities asks it.
+std::function<bool()> goingOnAfter(const std::function<void()>& between)
+{
+    return [&between] {
+        if (between)
+            between();
+        return true;
+    };
+}
+
 // Draws model space into scenes of at most entitiesPerPiece entities
 // (more to finish an old-form polyline), calling done with each.
 void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const std::function<void(Scene&)>& done,
@@ -333,46 +395,190 @@ void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const 
         done(scene);
         return;
     }
-    // Room for a typical multiline, and an arc, per entity: pages only
-    // count once written, and growing by copies would write everything
-    // twice (and leave the old copies' pages to the process).
     const std::size_t entities = std::min(std::size_t(space->numEntities()), entitiesPerPiece);
     DrawingPass pass(db, notes, styles, points);
-    const auto newPiece = [&] {
-        auto scene = std::make_unique<Scene>();
-        scene->keepTexts(keepTexts);
-        scene->reserve(entities * 48, entities * 8, entities);
-        return scene;
-    };
-    std::unique_ptr<Scene> scene = newPiece();
+    std::unique_ptr<Scene> scene = sceneFor(entities, keepTexts);
     auto drawer = std::make_unique<EntityDrawer>(pass, *scene);
     std::size_t drawn = 0;
-    std::size_t sinceBetween = 0;
     const auto it = space->newIterator();
-    for (it->start(); !it->done(); it->step()) {
-        if (between && ++sinceBetween == kEntitiesBetween) {
-            sinceBetween = 0;
-            between();
-        }
-        KxDbEntity* opened = nullptr;
-        if (it->getEntity(opened, KxDb::kForRead) != Kald::eOk)
-            continue;
-        const KxDbObjectPtr<KxDbEntity> entity(opened);
-        if (drawn >= entitiesPerPiece && drawer->betweenEntities()) {
-            drawer.reset();
-            done(*scene);
-            scene.reset();
-            scene = newPiece();
-            drawer = std::make_unique<EntityDrawer>(pass, *scene);
-            drawn = 0;
-        }
-        drawer->draw(*entity);
-        ++drawn;
-    }
+    it->start();
+    forEntities(*it, std::numeric_limits<std::size_t>::max(), kEntitiesBetween, goingOnAfter(between),
+                [&](const KxDbEntity& entity) {
+                    if (drawn >= entitiesPerPiece && drawer->betweenEntities()) {
+                        drawer.reset();
+                        done(*scene);
+                        scene = sceneFor(entities, keepTexts);
+                        drawer = std::make_unique<EntityDrawer>(pass, *scene);
+                        drawn = 0;
+                    }
+                    drawer->draw(entity);
+                    ++drawn;
+                });
     drawer.reset();
     if (notes)
         notes->coarse = notes->coarse || pass.budget.spent();
     done(*scene);
+}
+
+// Moves it (started) to the entity halfway through model space, or past
+// it to the first that does not go on an old-form polyline; returns how
+// many entities lie before it.
+std::size_t halfway(KxDbBlockTableRecordIterator& it, std::size_t entities)
+{
+    std::size_t before = 0;
+    for (it.start(); !it.done() && before < entities / 2; it.step())
+        ++before;
+    for (; !it.done(); it.step(), ++before) {
+        KxDbEntity* opened = nullptr;
+        if (it.getEntity(opened, KxDb::kForRead) != Kald::eOk)
+            break;
+        const KxDbObjectPtr<KxDbEntity> entity(opened);
+        const auto* record = KxDbUnmodelledEntity::cast(entity.get());
+        if (!record || (record->dxfName() != "VERTEX" && record->dxfName() != "SEQEND"))
+            break;
+    }
+    return before;
+}
+
+// Whether the second half, drawn with a pass of its own, drew all as it
+// would have drawing on after the first: no block's drawing depended on
+// where it was first drawn from (a block reaching itself, or one both
+// drew that asked the budget), and a budget of what the first left
+// answers the second's questions as its own did (then taking from
+// budget, a copy of the first's, what the second took).
+bool drawnAlike(const DrawingPass& first, const DrawingPass& second, PointBudget& budget)
+{
+    if (first.metBlockBeingDrawn || second.metBlockBeingDrawn)
+        return false;
+    for (const auto& [block, drawing] : second.blocks)
+        if (first.blocks.contains(block)
+            && (first.askingBlocks.contains(block) || second.askingBlocks.contains(block)))
+            return false;
+    return second.budget.answersAlike(budget);
+}
+
+// Draws model space on two threads, each half of its entities into a
+// scene of its own, and joins the halves into the scene one thread makes.
+// The second half is drawn with a pass of its own, with the whole budget,
+// or none once the first half has spent it (drawn again from its start
+// then); where it might have drawn otherwise than one thread would
+// (drawnAlike), it is drawn again after the first. between, when given,
+// is called after every kEntitiesBetween entities of both halves, while
+// both wait.
+Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, RenderNotes* notes,
+                   std::size_t points, const TextStyleFonts& styles, bool keepTexts,
+                   const std::function<void()>& between)
+{
+    const auto entities = std::size_t(space.numEntities());
+    const std::array iterators{space.newIterator(), space.newIterator()};
+    iterators[0]->start();
+    const std::size_t boundary = halfway(*iterators[1], entities);
+    const KxDbBlockTableRecordIterator secondStart = *iterators[1];
+    DrawingPass firstPass(db, notes, styles, points);
+    RenderNotes secondNotes;
+    std::unique_ptr<DrawingPass> secondPass;
+    std::array<std::unique_ptr<Scene>, 2> scenes;
+    std::array<std::unique_ptr<EntityDrawer>, 2> drawers;
+    const auto beginSecond = [&](std::size_t budget) {
+        drawers[1].reset();
+        scenes[1].reset();
+        secondNotes = {};
+        secondPass = std::make_unique<DrawingPass>(db, &secondNotes, styles, budget);
+        secondPass->budget.keepQuestions();
+        scenes[1] = sceneFor(entities - boundary, keepTexts);
+        drawers[1] = std::make_unique<EntityDrawer>(*secondPass, *scenes[1]);
+        *iterators[1] = secondStart;
+    };
+    scenes[0] = sceneFor(entities, keepTexts);
+    drawers[0] = std::make_unique<EntityDrawer>(firstPass, *scenes[0]);
+    // The shapes of blocks the second half drew, kept when its drawer goes.
+    std::unordered_map<KxDbObjectId, BlockShape> secondBlockShapes;
+
+    std::atomic<bool> stop = false;
+    std::atomic<bool> firstSpent = false;
+    std::exception_ptr stopped;
+    std::array<std::exception_ptr, 2> failures;
+    // The halves meet after every half of kEntitiesBetween entities each,
+    // and between is called there, while neither reads the drawing.
+    std::barrier meeting(2, [&]() noexcept {
+        if (!between || stop)
+            return;
+        try {
+            between();
+        } catch (...) {
+            stopped = std::current_exception();
+            stop = true;
+        }
+    });
+    // The first half is drawn on this thread and the second on the other:
+    // fonts are made for the thread that uses them and must go before it
+    // ends, and the first half's drawer may go on here.
+    onTwoThreads(true, [&](int thread) {
+        const int half = 1 - thread;
+        try {
+            bool again = half == 1;
+            if (half == 1)
+                beginSecond(points);
+            while (true) {
+                bool restart = false;
+                forEntities(
+                    *iterators[std::size_t(half)], half == 0 ? boundary : entities, kEntitiesBetween / 2,
+                    [&] {
+                        if (half == 0 && firstPass.budget.spent())
+                            firstSpent = true;
+                        if (between)
+                            meeting.arrive_and_wait();
+                        restart = again && firstSpent;
+                        return !stop && !restart;
+                    },
+                    [&](const KxDbEntity& entity) { drawers[std::size_t(half)]->draw(entity); });
+                if (!restart || stop)
+                    break;
+                again = false;
+                beginSecond(0);
+            }
+        } catch (...) {
+            failures[std::size_t(half)] = std::current_exception();
+            // What the first half throws, one thread would have thrown.
+            if (half == 0)
+                stop = true;
+        }
+        if (half == 1 && drawers[1]) {
+            secondBlockShapes = drawers[1]->blockShapes();
+            drawers[1].reset();
+            for (auto& [block, drawing] : secondPass->blocks)
+                drawing.reset();
+        }
+        if (between)
+            meeting.arrive_and_drop();
+    });
+    if (stopped)
+        std::rethrow_exception(stopped);
+    if (failures[0])
+        std::rethrow_exception(failures[0]);
+
+    PointBudget budget = firstPass.budget;
+    if (!failures[1] && drawers[0]->betweenEntities() && drawnAlike(firstPass, *secondPass, budget)) {
+        std::unordered_map<std::uint32_t, std::uint32_t> sameShapes;
+        for (const auto& [block, shape] : secondBlockShapes)
+            if (const auto found = drawers[0]->blockShapes().find(block); found != drawers[0]->blockShapes().end())
+                sameShapes.emplace(shape.shape, found->second.shape);
+        drawers[0].reset();
+        scenes[0]->append(*scenes[1], sameShapes);
+        if (notes) {
+            notes->undrawnKinds.merge(secondNotes.undrawnKinds);
+            notes->coarse = notes->coarse || budget.spent();
+        }
+        return std::move(*scenes[0]);
+    }
+    scenes[1].reset();
+    KxDbBlockTableRecordIterator it = secondStart;
+    forEntities(it, entities, kEntitiesBetween, goingOnAfter(between),
+                [&](const KxDbEntity& entity) { drawers[0]->draw(entity); });
+    drawers[0].reset();
+    if (notes)
+        notes->coarse = notes->coarse || firstPass.budget.spent();
+    return std::move(*scenes[0]);
 }
 
 }  // namespace
@@ -380,6 +586,11 @@ void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const 
 Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t points, const TextStyleFonts& styles,
                     bool keepTexts, const std::function<void()>& between)
 {
+    {
+        const KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
+        if (space && std::size_t(space->numEntities()) >= kEntitiesForTwoThreads)
+            return drawInHalves(db, *space, notes, points, styles, keepTexts, between);
+    }
     Scene drawing;
     drawModelSpace(db, std::numeric_limits<std::size_t>::max(), [&](Scene& scene) { drawing = std::move(scene); },
                    notes, points, styles, keepTexts, between);

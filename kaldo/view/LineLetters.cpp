@@ -13,13 +13,25 @@ namespace kaldo::view {
 std::uint32_t LineLetters::addLine(const QString& text, const std::string& fontFile, double horizontal)
 {
     const std::lock_guard lock(m_mutex);
-    auto font = m_fontIndex.find(fontFile);
-    if (font == m_fontIndex.end()) {
-        m_fontFiles.push_back(fontFile);
-        font = m_fontIndex.emplace(fontFile, std::uint32_t(m_fontFiles.size() - 1)).first;
-    }
-    m_lines.push_back({text, font->second, horizontal});
+    m_lines.push_back({text, fontIndex(fontFile), horizontal});
     return std::uint32_t(m_lines.size() - 1);
+}
+
+std::uint32_t LineLetters::append(const LineLetters& later)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto first = std::uint32_t(m_lines.size());
+    for (const Line& line : later.m_lines)
+        m_lines.push_back({line.text, fontIndex(later.m_fontFiles[line.font]), line.horizontal});
+    return first;
+}
+
+std::uint32_t LineLetters::fontIndex(const std::string& fontFile)
+{
+    const auto [font, added] = m_fontIndex.try_emplace(fontFile, std::uint32_t(m_fontFiles.size()));
+    if (added)
+        m_fontFiles.push_back(fontFile);
+    return font->second;
 }
 
 std::span<const LaidOutLetter> LineLetters::letters(std::uint32_t line) const

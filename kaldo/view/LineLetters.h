@@ -27,6 +27,9 @@ public:
     // Adds a line to lay out in the font that stands for fontFile, moved
     // to the left by horizontal times its advance; returns its number.
     std::uint32_t addLine(const QString& text, const std::string& fontFile, double horizontal);
+    // Adds the lines of later after these (later is not laid out on
+    // meanwhile); returns the number its first line has here.
+    std::uint32_t append(const LineLetters& later);
     // The letters of a line, laid out at the first call (none when its
     // font has no outlines). Valid as long as this object.
     std::span<const LaidOutLetter> letters(std::uint32_t line) const;
@@ -40,6 +43,8 @@ private:
         double horizontal = 0;
     };
     std::vector<LaidOutLetter> layOut(const Line& line) const;
+    // The number of a font file, added at its first line (lock held).
+    std::uint32_t fontIndex(const std::string& fontFile);
     // The outlines of a glyph, made at its first use.
     const GlyphOutlines& glyph(const QRawFont& font, quint32 index) const;
 

@@ -15,8 +15,11 @@
 #include <thread>
 #include <vector>
 
+#include "kaldo/util/FileAccess.h"
+#include "kaldo/util/FileWriting.h"
+#include "kaldo/util/TwoThreads.h"
 #include "kaldo/view/HugePages.h"
-#include "kaldo/view/SaveFile.h"
+#include "kaldo/view/PngEncoding.h"
 #include "kaldo/view/SceneIndex.h"
 
 namespace kaldo::view {
@@ -48,11 +51,19 @@ struct PixelBox {
 // The items to paint by colour of fill and by pen, in scene order: all of
 // them, or those near is given.
 struct PaintOrder {
+    // The lines on a second thread, the fills and arcs on this one, when
+    // all the items of a large scene are ordered.
     PaintOrder(const Scene& scene, const SceneItems* near, const FillColors* colors = nullptr)
-        : fills(groupFills(scene, near ? &near->polygons : nullptr, near ? &near->instances : nullptr, colors)),
-          lines(groupLines(scene, near ? &near->polylines : nullptr, near ? &near->instances : nullptr)),
-          arcs(groupByPen(scene.arcs(), scene.pens().size(), near ? &near->arcs : nullptr))
     {
+        constexpr std::size_t kItemsForTwoThreads = 1 << 16;
+        onTwoThreads(!near && scene.polylines().size() + scene.arcs().size() >= kItemsForTwoThreads, [&](int half) {
+            if (half == 0) {
+                lines = groupLines(scene, near ? &near->polylines : nullptr, near ? &near->instances : nullptr);
+                return;
+            }
+            fills = groupFills(scene, near ? &near->polygons : nullptr, near ? &near->instances : nullptr, colors);
+            arcs = groupByPen(scene.arcs(), scene.pens().size(), near ? &near->arcs : nullptr);
+        });
     }
     FillGroups fills;
     LineGroups lines;
@@ -76,13 +87,12 @@ public:
           m_bands(std::move(bands)),
           m_painter(painter),
           m_coarse(detail.coarse),
-          m_index(detail.index),
           m_stop(detail.stop)
     {
         m_lines.reserve(kBatch);
-        if (m_index)
-            m_near = m_index->near(bandBoxes());
-        if (m_index || !allItems)
+        if (detail.index)
+            m_near = detail.index->near(bandBoxes());
+        if (detail.index || !allItems)
             m_ownOrder.emplace(m_scene, m_near ? &*m_near : nullptr, detail.fillColors);
         m_order = m_ownOrder ? &*m_ownOrder : allItems;
     }
@@ -174,14 +184,6 @@ private:
     PixelBox pixelBox(const Box& box) const
     {
         return {m_frame.y(box.maxY), m_frame.y(box.minY), m_frame.x(box.minX), m_frame.x(box.maxX)};
-    }
-
-    // From the index's box when it knows it.
-    PixelBox pixelBox(std::uint32_t polyline) const
-    {
-        if (const Box* box = m_index ? m_index->polylineBox(polyline) : nullptr)
-            return pixelBox(*box);
-        return pixelBox(m_scene.polylines()[polyline].first, m_scene.polylines()[polyline].count);
     }
 
     PixelBox pixelBox(const Arc& arc) const
@@ -285,8 +287,10 @@ private:
 
     void paintPolyline(std::uint32_t index, bool dashed)
     {
+        // The box from the points, which are read in scene order and drawn
+        // next, rather than from the index, whose boxes lie in its own order.
         const Polyline& polyline = m_scene.polylines()[index];
-        const PixelBox box = pixelBox(index);
+        const PixelBox box = pixelBox(polyline.first, polyline.count);
         if (!reachesBand(box))
             return;
         const Point2* points = m_scene.points().data() + polyline.first;
@@ -427,7 +431,6 @@ private:
     std::vector<QPointF> m_points;
     std::vector<QPointF> m_dots;
     bool m_coarse;
-    const SceneIndex* m_index;
     const std::atomic<bool>* m_stop;
     std::optional<SceneItems> m_near;
     std::optional<PaintOrder> m_ownOrder;
@@ -510,11 +513,16 @@ QImage paintScene(const Scene& scene, const PictureOptions& options)
 
 std::string writePng(const Scene& scene, const std::filesystem::path& file, const PictureOptions& options)
 {
-    const QImage image = paintScene(scene, options);
-    // Quality 85 asks for the fastest level that still compresses: line art
-    // on a plain background packs almost as well in a third of the time of
-    // the default level.
-    return saveImage(file, image, "png", 85);
+    // The fastest level that still compresses: line art on a plain
+    // background packs almost as well in a third of the time of the
+    // default level.
+    const QByteArray bytes = encodePng(paintScene(scene, options));
+    try {
+        replaceFile(file, std::string_view(bytes.constData(), std::size_t(bytes.size())));
+    } catch (const FileError& e) {
+        return e.what();
+    }
+    return {};
 }
 
 }  // namespace kaldo::view

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 namespace kaldo::view {
 
@@ -17,25 +18,52 @@ public:
 
     explicit PointBudget(std::size_t points = kPicture) : m_left(points) {}
 
-    // Takes points from the budget; false, taking nothing, when fewer are
-    // left (the budget then counts as spent).
-    bool take(std::size_t points)
+    // Takes points from the budget when at least least (and points) are
+    // left; false, taking nothing, otherwise (the budget then counts as
+    // spent).
+    bool take(std::size_t points, std::size_t least = 0)
     {
-        if (points > m_left) {
+        ++m_asked;
+        const bool granted = points <= m_left && least <= m_left;
+        if (m_keeping)
+            m_questions.push_back({points, least, granted});
+        if (granted)
+            m_left -= points;
+        else
             m_spent = true;
-            return false;
-        }
-        m_left -= points;
-        return true;
+        return granted;
     }
     std::size_t left() const { return m_left; }
     // Whether anything was drawn coarsely for want of points.
     bool spent() const { return m_spent; }
-    void markSpent() { m_spent = true; }
+    // How many times points were asked for so far.
+    std::size_t asked() const { return m_asked; }
+
+    // Keeps the questions asked from now on and their answers, so that
+    // another budget can be asked them later (answersAlike).
+    void keepQuestions() { m_keeping = true; }
+    // Asks budget the questions kept here, in order; whether it answered
+    // each as this one did.
+    bool answersAlike(PointBudget& budget) const
+    {
+        for (const Question& question : m_questions)
+            if (budget.take(question.points, question.least) != question.granted)
+                return false;
+        return true;
+    }
 
 private:
+    struct Question {
+        std::size_t points;
+        std::size_t least;
+        bool granted;
+    };
+
     std::size_t m_left;
+    std::size_t m_asked = 0;
     bool m_spent = false;
+    bool m_keeping = false;
+    std::vector<Question> m_questions;
 };
 
 }  // namespace kaldo::view

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "kaldo/util/TwoThreads.h"
 #include "kaldo/view/HugePages.h"
 #include "kaldo/view/LineLetters.h"
 
@@ -312,6 +313,108 @@ std::size_t Scene::shapePoints(std::uint32_t shapeIndex) const
     return points;
 }
 
+namespace {
+
+// A pen of another scene by its number here (kInstancePen stays).
+int penIn(const std::vector<int>& pens, int pen)
+{
+    return pen == kInstancePen ? pen : pens[std::size_t(pen)];
+}
+
+}  // namespace
+
+void Scene::append(const Scene& later, const std::unordered_map<std::uint32_t, std::uint32_t>& sameShapes)
+{
+    std::vector<int> patterns(later.m_patterns.size(), 0);
+    for (std::size_t p = 1; p < patterns.size(); ++p)
+        patterns[p] = addPattern(later.m_patterns[p]);
+    std::vector<int> pens;
+    pens.reserve(later.m_pens.size());
+    for (const Pen& each : later.m_pens)
+        pens.push_back(pen({each.color, patterns[std::size_t(each.pattern)], each.lineWeight}));
+
+    const auto firstPoint = std::uint32_t(m_points.size());
+    const auto firstPolyline = std::uint32_t(m_polylines.size());
+    const auto firstPolygon = std::uint32_t(m_polygons.size());
+    m_points.insert(m_points.end(), later.m_points.begin(), later.m_points.end());
+    for (Polyline polyline : later.m_polylines) {
+        polyline.first += firstPoint;
+        polyline.pen = penIn(pens, polyline.pen);
+        m_polylines.push_back(polyline);
+    }
+    for (Arc arc : later.m_arcs) {
+        arc.pen = penIn(pens, arc.pen);
+        m_arcs.push_back(arc);
+    }
+    for (Polygon polygon : later.m_polygons) {
+        polygon.first += firstPoint;
+        m_polygons.push_back(polygon);
+    }
+    for (const PolylineGroup& group : later.m_groups)
+        m_groups.push_back({group.first + firstPolyline, group.end + firstPolyline, group.width});
+    for (TextLine text : later.m_texts) {
+        text.pen = penIn(pens, text.pen);
+        m_texts.push_back(std::move(text));
+    }
+
+    const std::uint32_t firstLine = later.m_lineLetters ? lineLetters().append(*later.m_lineLetters) : 0;
+    std::vector<std::uint32_t> shapes(later.m_shapes.size());
+    std::vector<ShapeRun> runs;
+    for (std::uint32_t s = 0; s < shapes.size(); ++s) {
+        const Shape& shape = later.m_shapes[s];
+        if (const auto same = sameShapes.find(s); same != sameShapes.end())
+            shapes[s] = same->second;
+        else if (shape.line != kNoLine)
+            shapes[s] = addLineShape(firstLine + shape.line, shape.box);
+        else {
+            runs.clear();
+            for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r)
+                runs.push_back({appendPart(later, later.m_parts[later.m_runs[r].part], pens), later.m_runs[r].shift});
+            shapes[s] = addShape(runs, shape.box, shape.text);
+        }
+    }
+    for (Instance instance : later.m_instances) {
+        instance.shape = shapes[instance.shape];
+        instance.pen = penIn(pens, instance.pen);
+        instance.polylinesBefore += firstPolyline;
+        instance.polygonsBefore += firstPolygon;
+        m_instances.push_back(instance);
+    }
+}
+
+std::uint32_t Scene::appendPart(const Scene& later, const Part& part, const std::vector<int>& pens)
+{
+    const auto firstPolyline = std::uint32_t(m_partPolylines.size());
+    const auto firstPolygon = std::uint32_t(m_partPolygons.size());
+    const auto firstText = std::uint32_t(m_partTexts.size());
+    const auto firstHull = std::uint32_t(m_hulls.size());
+    const auto takePoints = [&](std::uint32_t& first, std::uint32_t count) {
+        const auto from = later.m_partPoints.begin() + first;
+        first = std::uint32_t(m_partPoints.size());
+        m_partPoints.insert(m_partPoints.end(), from, from + count);
+    };
+    for (std::uint32_t i = part.firstPolyline; i < part.endPolyline; ++i) {
+        Polyline polyline = later.m_partPolylines[i];
+        takePoints(polyline.first, polyline.count);
+        polyline.pen = penIn(pens, polyline.pen);
+        m_partPolylines.push_back(polyline);
+    }
+    for (std::uint32_t i = part.firstPolygon; i < part.endPolygon; ++i) {
+        Polygon polygon = later.m_partPolygons[i];
+        takePoints(polygon.first, polygon.count);
+        m_partPolygons.push_back(polygon);
+    }
+    for (std::uint32_t i = part.firstText; i < part.endText; ++i) {
+        m_partTexts.push_back(later.m_partTexts[i]);
+        m_partTexts.back().pen = penIn(pens, m_partTexts.back().pen);
+    }
+    m_hulls.insert(m_hulls.end(), later.m_hulls.begin() + part.firstHull, later.m_hulls.begin() + part.endHull);
+    m_parts.push_back({firstPolyline, std::uint32_t(m_partPolylines.size()), firstPolygon,
+                       std::uint32_t(m_partPolygons.size()), firstText, std::uint32_t(m_partTexts.size()), firstHull,
+                       std::uint32_t(m_hulls.size())});
+    return std::uint32_t(m_parts.size() - 1);
+}
+
 void Scene::groupPolylines(std::uint32_t first, double width)
 {
     const auto end = static_cast<std::uint32_t>(m_polylines.size());
@@ -321,17 +424,32 @@ void Scene::groupPolylines(std::uint32_t first, double width)
 
 Bounds Scene::bounds() const
 {
-    Bounds b;
-    for (const Point2& p : m_points)
-        b.add(p);
-    for (const Arc& arc : m_arcs)
-        addArcBounds(b, arc);
-    for (const TextLine& text : m_texts)
-        for (const Point2& corner : textCorners(text))
-            b.add(corner);
-    for (const Instance& instance : m_instances) {
-        b.add(Point2{instance.box.minX, instance.box.minY});
-        b.add(Point2{instance.box.maxX, instance.box.maxY});
+    // The points on one thread, the arcs (which take sines and cosines),
+    // texts and instances on another, for a large scene; minima and maxima
+    // come out the same either way.
+    constexpr std::size_t kItemsForTwoThreads = 1 << 16;
+    std::array<Bounds, 2> halves;
+    onTwoThreads(m_points.size() + m_arcs.size() >= kItemsForTwoThreads, [&](int half) {
+        Bounds& b = halves[std::size_t(half)];
+        if (half == 0) {
+            for (const Point2& p : m_points)
+                b.add(p);
+            return;
+        }
+        for (const Arc& arc : m_arcs)
+            addArcBounds(b, arc);
+        for (const TextLine& text : m_texts)
+            for (const Point2& corner : textCorners(text))
+                b.add(corner);
+        for (const Instance& instance : m_instances) {
+            b.add(Point2{instance.box.minX, instance.box.minY});
+            b.add(Point2{instance.box.maxX, instance.box.maxY});
+        }
+    });
+    Bounds b = halves[0];
+    if (!halves[1].empty) {
+        b.add(Point2{halves[1].minX, halves[1].minY});
+        b.add(Point2{halves[1].maxX, halves[1].maxY});
     }
     return b;
 }

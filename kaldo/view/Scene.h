@@ -16,6 +16,7 @@
 #include <span>
 #include <string>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -235,6 +236,13 @@ public:
     void addInstance(std::uint32_t shape, const Affine& place, int pen, const Box& box);
     // Points that placing the shape adds to a picture drawn in full.
     std::size_t shapePoints(std::uint32_t shape) const;
+    // Adds what later drew, after what this scene holds, as drawing on
+    // into this scene would have: its pens, patterns, lines of text and
+    // shapes taken over in the order later met them (those this scene has
+    // keep their numbers), its items after these. sameShapes maps shapes
+    // of later to the shapes of this scene that draw the same (a block
+    // both drew), whose parts are not added again.
+    void append(const Scene& later, const std::unordered_map<std::uint32_t, std::uint32_t>& sameShapes);
 
     const std::vector<Point2>& points() const { return m_points; }
     const std::vector<Polyline>& polylines() const { return m_polylines; }
@@ -299,6 +307,8 @@ private:
     int takePen(const Scene& from, int pen, std::vector<int>& pens, std::vector<int>& patterns);
     std::uint32_t endPart(std::uint32_t firstPoint, std::uint32_t firstPolyline, std::uint32_t firstPolygon,
                           std::uint32_t firstText);
+    // Adds a part of later, its pens by the numbers pens gives them here.
+    std::uint32_t appendPart(const Scene& later, const Part& part, const std::vector<int>& pens);
 
     std::vector<Point2> m_points;
     std::vector<Polyline> m_polylines;

@@ -73,7 +73,7 @@ SceneIndex::SceneIndex(const Scene& scene)
             boxes[i] = Box{};
         }
     }
-    m_index = BoxIndex(boxes);
+    m_index = BoxIndex(std::move(boxes));
 }
 
 SceneItems SceneIndex::near(const std::vector<Box>& boxes) const

@@ -26,8 +26,6 @@ public:
     // The items whose boxes meet one of boxes, and those with a coordinate
     // that is not a finite number (their extent is unknown).
     SceneItems near(const std::vector<Box>& boxes) const;
-    // The box of polyline i; null when a coordinate is not a finite number.
-    const Box* polylineBox(std::uint32_t i) const { return m_finite[i] ? &m_index.box(i) : nullptr; }
 
     enum class Kind { Polyline, Arc, Polygon, Instance };
     // Calls visit(kind, index) for each item whose box meets box, in no set
@@ -55,9 +53,9 @@ public:
     {
         m_index.queryCoarse(
             box, detail,
-            [&](std::uint32_t item) {
+            [&](std::uint32_t item, const Box& itemBox) {
                 if (m_finite[item])
-                    visit(m_index.box(item));
+                    visit(itemBox);
             },
             visit);
     }

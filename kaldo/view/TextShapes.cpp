@@ -159,10 +159,7 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
             points += letter.first->points;
         // Outlined only while the budget holds the least points its letters
         // could need, and then the points they do need.
-        const bool affordable = m_budget.left() / kLeastPointsPerLetter >= std::size_t(lines[i].size());
-        if (!affordable)
-            m_budget.markSpent();
-        if (!affordable || !m_budget.take(points)) {
+        if (!m_budget.take(points, kLeastPointsPerLetter * std::size_t(lines[i].size()))) {
             drawBox(box, toDrawing, pen);
             continue;
         }

@@ -95,20 +95,21 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 }
 
 // Inputs made to cost the most memory per byte of file: records of nothing
-// but their kind, one record of thousands of one-character groups, lines
-// of no groups, multiline vertices of nothing but their first group (laid
-// out anew in the style, which has more elements), beside every input of
-// the fuzz corpus. A record is still an object with its registry and list
-// entries; its handle takes no room of its own when it continues a run of
-// handles (both ways: handle to id, id to handle), its class a byte and its
-// database two in the registry. A kept record of its kind alone stays under
-// 28 times its four bytes (38 with an object of 56 bytes, 47 with a slot per
-// handle and a class pointer, 57 with an object and two strings), a line of
-// no groups under 20 times its seven (25 with an entity of 96 bytes, 30
-// before, 35 with its normal held as a vector), and a record of
-// one-character groups under 6 times the file. A multiline's
-// lists lie flat in one store, so such a vertex costs its geometry and
-// little more: under 21 times its five bytes.
+// but their kind (entities and objects), or with one group, one record of
+// thousands of one-character groups, lines of no groups, multiline
+// vertices of nothing but their first group (laid out anew in the style,
+// which has more elements), beside every input of the fuzz corpus. Records of a kind the
+// host only keeps, without handles, are held as one entity or object a run:
+// under 4 times the file (28 with an object per record, 38 with an object
+// of 56 bytes, 47 with a slot per handle and a class pointer, 57 with an
+// object and two strings). A line is still an object with its registry
+// and list entries, its handle taking no room of its own when it continues
+// a run of handles, its class a byte and its database two in the
+// registry: a line of no groups stays under 20 times its seven bytes (25
+// with an entity of 96 bytes, 30 before, 35 with its normal held as a
+// vector), and a record of one-character groups under 6 times the file.
+// A multiline's lists lie flat in one store, so such a vertex costs its
+// geometry and little more: under 21 times its five bytes.
 TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
 {
     struct Input {
@@ -117,14 +118,21 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         std::size_t perByte = kPerByte;
     };
     std::vector<Input> inputs;
-    std::string kindsOnly, tinyGroups = "0\nX\n", bareLines, bareVertices = mlineHead("20000", "0");
-    for (int i = 0; i < 20000; ++i) {
+    std::string kindsOnly, kindsAndAGroup, tinyGroups = "0\nX\n", bareLines, bareVertices = mlineHead("20000", "0");
+    // Records held together cost so little that a small file of them stays
+    // within the base: these are larger.
+    for (int i = 0; i < 100000; ++i) {
         kindsOnly += "0\nX\n";
+        kindsAndAGroup += "0\nX\n1\n0\n";
+    }
+    for (int i = 0; i < 20000; ++i) {
         tinyGroups += "1\n0\n";
         bareLines += "0\nLINE\n";
         bareVertices += "11\n0\n";
     }
-    inputs.push_back({"records of their kind alone", smallDrawing(kindsOnly, ""), 28});
+    inputs.push_back({"records of their kind alone", smallDrawing(kindsOnly, ""), 4});
+    inputs.push_back({"records of their kind and a group", smallDrawing(kindsAndAGroup, ""), 4});
+    inputs.push_back({"objects of their kind alone", smallDrawing("", kindsOnly), 4});
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 6});
     inputs.push_back({"lines of no groups", smallDrawing(bareLines, ""), 20});
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 21});

@@ -10,6 +10,7 @@
 #include <filesystem>
 
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 namespace {
 
@@ -21,6 +22,13 @@ QString str(const std::filesystem::path& path)
 std::string listedLine(const std::string& from, const std::string& to)
 {
     return "  from point: " + from + "\n    to point: " + to + "\n";
+}
+
+// The ENTITIES section of a saved drawing.
+std::string entitiesOf(const std::string& dxf)
+{
+    const std::size_t begin = dxf.find("ENTITIES\n");
+    return dxf.substr(begin, dxf.find("ENDSEC\n", begin) - begin);
 }
 
 }  // namespace
@@ -121,4 +129,51 @@ TEST(DxfSession, OpenAndNewAskToSaveChanges)
     EXPECT_THAT(run.out, HasSubstr("Save changes to other.dxf? [Yes/No/Cancel] <Yes>: No\nNew drawing.\n"
                                    "Command: LIST\nSelect objects: L\n0 found\n"));
     EXPECT_THAT(run.out, HasSubstr("Command: SAVE\nEnter file name <Drawing1.dxf>: "));
+}
+
+// Records of a kind the host only keeps, given without handles, are held
+// together as they are read, yet each is an entity of its own to the user:
+// Last takes them one by one from the end, U brings each back, listing
+// one changes nothing, and the file saved is the one every record read
+// as an object of its own gives (consecutive new handles; a later record
+// naming one of them gets a new one).
+TEST(DxfSession, RecordsKeptWithoutHandlesAreTakenOneByOne)
+{
+    KaldoProcess kaldo;
+    std::string entities;
+    for (const char* value : {"a", "b", "c"})
+        entities += std::string("0\nX\n100\nAcDbEntity\n8\n0\n1\n") + value + "\n";
+    entities += "0\nY\n5\n108\n100\nAcDbEntity\n8\n0\n";
+    for (const char* value : {"d", "e", "f", "g", "h"})
+        entities += std::string("0\nX\n100\nAcDbEntity\n8\n0\n1\n") + value + "\n";
+    const std::filesystem::path drawing = kaldo.writeFile(
+        "records.dxf", "0\nSECTION\n2\nHEADER\n9\n$HANDSEED\n5\n100\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n" + entities
+                           + "0\nENDSEC\n0\nEOF\n");
+    const std::filesystem::path saved = kaldo.dir() / "saved.dxf";
+    KaldoRun run = kaldo.runScript("LIST\nL\n\nOPEN\n" + drawing.string() + "\n", {"--save", str(saved), str(drawing)});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("X  handle: 10F\n"));
+    EXPECT_THAT(run.out, Not(HasSubstr("Save changes"))) << "listing changes nothing";
+    const std::string asRead = fileText(saved);
+    const std::string readBack = entitiesOf(asRead);
+    std::string handles;
+    for (std::size_t at = 0; (at = readBack.find("\n  5\n", at)) != std::string::npos; at += 5)
+        handles += readBack.substr(at + 5, readBack.find('\n', at + 5) - at - 5) + " ";
+    EXPECT_EQ(handles, "107 108 109 10A 10B 10C 10D 10E 10F ");
+
+    const std::filesystem::path erased = kaldo.dir() / "erased.dxf";
+    const std::filesystem::path undone = kaldo.dir() / "undone.dxf";
+    // A line drawn and taken back after the records were split apart
+    // leaves every one of them in place.
+    run = kaldo.runScript("LINE\n0,0\n1,1\n\nERASE\nL\n\nERASE\nL\n\nERASE\nL\n\nLIST\nL\n\nSAVEAS\n"
+                              + erased.string() + "\nU\nLIST\nL\n\nU\nU\nU\nU\nSAVEAS\n" + undone.string() + "\n",
+                          {str(drawing)});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Command: LIST\nSelect objects: L\n1 found\nSelect objects: \nX  handle: 10D\n"));
+    EXPECT_THAT(run.out, HasSubstr("ERASE undone.\nCommand: LIST\nSelect objects: L\n1 found\nSelect objects: \n"
+                                   "X  handle: 10E\nCommand: U\nERASE undone.\nCommand: U\nERASE undone.\n"
+                                   "Command: U\nLINE undone.\nCommand: U\nNothing to undo.\n"));
+    EXPECT_THAT(fileText(erased), HasSubstr("\n  1\nf\n"));
+    EXPECT_THAT(fileText(erased), Not(HasSubstr("\n  1\ng\n")));
+    EXPECT_EQ(entitiesOf(fileText(undone)), entitiesOf(asRead));
 }

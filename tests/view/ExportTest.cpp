@@ -17,6 +17,7 @@
 
 #include "kaldo/view/LineLetters.h"
 #include "kaldo/view/PictureExport.h"
+#include "kaldo/view/PngEncoding.h"
 #include "kaldo/view/PngExport.h"
 #include "kaldo/view/SceneIndex.h"
 #include "kaldo/view/SvgExport.h"
@@ -255,6 +256,30 @@ TEST(Export, SvgArcsKeepTheirTurn)
     // 380 px for 20 units after margins of 10: the centre is at (200,200).
     EXPECT_THAT(svg, HasSubstr("<path d=\"M390.00,200.00 A190.00,190.00 0 0,0 200.00,10.00\"/>"));
     EXPECT_THAT(svg, HasSubstr("<path d=\"M390.00,200.00 A190.00,190.00 0 1,1 200.00,10.00\"/>"));
+}
+
+TEST(Export, PngIsReadBackAsPainted)
+{
+    // Pictures of every row count around the one where encoding splits in
+    // two, and one of noise that deflates poorly (output buffers fill up):
+    // Qt's reader (libpng) gives back the painted pixels.
+    ViewDrawing d;
+    buildSample(d);
+    const QImage painted = paintScene(d.render(), {333, Background::Dark});
+    std::vector<QImage> images;
+    for (const int rows : {1, 2, 63, 64, 65, painted.height()})
+        images.push_back(painted.copy(0, 0, painted.width(), rows));
+    QImage noise(517, 301, QImage::Format_RGB32);
+    for (int y = 0; y < noise.height(); ++y)
+        for (int x = 0; x < noise.width(); ++x)
+            noise.setPixel(x, y, qRgb((x * 37 + y * 11) % 251, (x * y) % 253, (x ^ y) & 0xFF));
+    images.push_back(noise);
+    for (const QImage& image : images) {
+        const QByteArray png = encodePng(image);
+        const QImage read = QImage::fromData(png, "png");
+        ASSERT_FALSE(read.isNull()) << image.height();
+        EXPECT_TRUE(read.convertToFormat(QImage::Format_RGB32) == image) << image.height();
+    }
 }
 
 TEST(Export, PngIsTheSameInAnyNumberOfBands)

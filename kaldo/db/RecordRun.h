@@ -1,0 +1,131 @@
+// Consecutive records of one kind that nothing in the host reads by name,
+// read from a file that gave them no handles, held as one entity (in one
+// block) or one object: a file can spend four bytes on such a record,
+// where an object per record costs far more. The records keep consecutive
+// handles from the run's own (the database gives out none of them again)
+// and are written back one by one, as the objects they stand for would be.
+// A selection that takes an entity run's last record by itself (Last)
+// splits it off into an entity of its own first (splitOffLastRecord), so
+// that no command ever acts on a run; objects are never selected.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "kxdbunmodelled.h"
+
+class KxDbDatabase;
+
+namespace kaldo {
+
+// The records of a run after its first: each its groups' length (four
+// bytes) then its packed groups.
+class KeptRecordTail {
+public:
+    KeptRecordTail() = default;
+    KeptRecordTail(std::string_view bytes, std::size_t count);
+    KeptRecordTail(const KeptRecordTail& other) : KeptRecordTail(other.bytes(), other.m_count) {}
+    KeptRecordTail(KeptRecordTail&&) noexcept = default;
+    KeptRecordTail& operator=(const KeptRecordTail& other);
+    KeptRecordTail& operator=(KeptRecordTail&&) noexcept = default;
+
+    std::size_t count() const { return m_count; }
+    std::size_t byteSize() const { return m_bytes; }
+    // Calls visit(groups) for every record, in order.
+    template <class Visit>
+    void forEach(Visit&& visit) const
+    {
+        const char* at = m_records.get();
+        for (std::size_t index = 0; index < m_count; ++index)
+            visit(take(at));
+    }
+    KxDbPackedGroupsView last() const;
+    void dropLast();
+
+    // Appends a record's groups as the bytes of a tail hold them.
+    static void append(std::string& bytes, KxDbPackedGroupsView groups);
+
+private:
+    std::string_view bytes() const { return {m_records.get(), m_bytes}; }
+    // The record at, and at moved past it.
+    static KxDbPackedGroupsView take(const char*& at);
+
+    std::unique_ptr<char[]> m_records;
+    std::uint32_t m_bytes = 0;
+    std::uint32_t m_count = 0;
+};
+
+class RecordRun : public KxDbUnmodelledEntity {
+public:
+    KX_RX_DECLARE_MEMBERS(RecordRun)
+    RecordRun() = default;
+    RecordRun(std::string_view kind, KxDbPackedGroupsView first, KeptRecordTail tail)
+        : KxDbUnmodelledEntity(kind, first), m_tail(std::move(tail))
+    {
+    }
+
+    std::size_t numRecords() const { return 1 + m_tail.count(); }
+    const KeptRecordTail& tail() const { return m_tail; }
+    void dropLastRecord() { m_tail.dropLast(); }
+    std::size_t byteSize() const { return KxDbUnmodelledRecord::byteSize() + m_tail.byteSize(); }
+
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
+
+private:
+    KeptRecordTail m_tail;
+};
+
+class ObjectRecordRun : public KxDbUnmodelledObject {
+public:
+    KX_RX_DECLARE_MEMBERS(ObjectRecordRun)
+    ObjectRecordRun() = default;
+    ObjectRecordRun(std::string_view kind, KxDbPackedGroupsView first, KeptRecordTail tail)
+        : KxDbUnmodelledObject(kind, first), m_tail(std::move(tail))
+    {
+    }
+
+    const KeptRecordTail& tail() const { return m_tail; }
+    std::size_t byteSize() const { return KxDbUnmodelledRecord::byteSize() + m_tail.byteSize(); }
+
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
+
+private:
+    KeptRecordTail m_tail;
+};
+
+// Calls visit(groups, handle) for every record an unmodelled entity or
+// object holds: its own, or each of a run's with the handles that follow
+// the run's.
+template <class Record, class Run, class Visit>
+void forEachKeptRecordOf(const Record& record, std::uint64_t handle, Visit&& visit)
+{
+    visit(record.packedGroups(), handle);
+    if (const auto* run = Run::cast(&record))
+        run->tail().forEach([&](KxDbPackedGroupsView groups) { visit(groups, ++handle); });
+}
+template <class Visit>
+void forEachKeptRecord(const KxDbUnmodelledEntity& entity, std::uint64_t handle, Visit&& visit)
+{
+    forEachKeptRecordOf<KxDbUnmodelledEntity, RecordRun>(entity, handle, visit);
+}
+template <class Visit>
+void forEachKeptRecord(const KxDbUnmodelledObject& object, std::uint64_t handle, Visit&& visit)
+{
+    forEachKeptRecordOf<KxDbUnmodelledObject, ObjectRecordRun>(object, handle, visit);
+}
+
+// How many file records the entity stands for.
+std::size_t keptRecordCount(const KxDbEntity& entity);
+
+// When id names a run of more than one record, splits its last record off
+// into an entity of its own (its handle, layer and look), placed right after
+// the run in its block, and returns that entity's id; else returns id. Only
+// how the records are held changes: nothing is recorded for undo, the
+// drawing is not changed and saves the same bytes.
+KxDbObjectId splitOffLastRecord(KxDbDatabase& db, KxDbObjectId id);
+
+}  // namespace kaldo
