@@ -106,7 +106,7 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     obj->m_id = kaldo::registerObject(obj, this);
     m_objects.emplace_back(obj);
     m_handles->insert(handle, obj->m_id);
-    m_undo->recordAdded(*obj);
+    m_undo->recordAdded(*obj, handle);
     noteChange();
     return Kald::eOk;
 }

@@ -271,7 +271,7 @@ Kald::ErrorStatus KxDbBlockTableRecord::appendKxDbEntity(KxDbObjectId& id, KxDbE
     }
     // The block may be changed without an open (a database appending to
     // its current space): undo records it here.
-    kaldo::recordBeforeChange(*this);
+    db->undoHistory().recordBefore(*this);
     m_entities.push_back(entity->objectId());
     entity->setOwnerId(objectId());
     id = entity->objectId();

@@ -165,11 +165,11 @@ void UndoHistory::recordBefore(KxDbObject& obj)
     m_open.objects.push_back(std::move(record));
 }
 
-void UndoHistory::recordAdded(KxDbObject& obj)
+void UndoHistory::recordAdded(KxDbObject& obj, std::uint64_t handle)
 {
     // Called by the database as it adds obj.
     if (!recording())
-        m_handleFloor = std::max(m_handleFloor, m_db.m_handles->handleOf(obj.objectId()) + 1);
+        m_handleFloor = std::max(m_handleFloor, handle + 1);
     if (!firstRecordOf(obj))
         return;
     ObjectRecord record;

@@ -71,7 +71,8 @@ public:
 
     // Recording, while a step is open (else they do nothing).
     void recordBefore(KxDbObject& obj);
-    void recordAdded(KxDbObject& obj);
+    // obj was just added under handle.
+    void recordAdded(KxDbObject& obj, std::uint64_t handle);
     void recordHeader();
 
     // As upgradeOpen, for an entity that is about to be translated (and

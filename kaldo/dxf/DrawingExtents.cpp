@@ -1,5 +1,6 @@
 #include "kaldo/dxf/DrawingExtents.h"
 
+#include "kaldo/db/EntityPlane.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
@@ -46,8 +47,12 @@ void addEntity(Box& box, const KxDbObject* obj)
     } else if (const auto* circle = KxDbCircle::cast(obj)) {
         box.add(circle->center(), circle->radius());
     } else if (const auto* pline = KxDbPolyline::cast(obj)) {
-        for (int i = 0; i < pline->numVerts(); ++i)
-            box.add(pline->pointAt(i));
+        // pointAt's conversion, with the plane made once per polyline.
+        const kaldo::EntityPlane plane(pline->normal());
+        for (int i = 0; i < pline->numVerts(); ++i) {
+            const KxDbPolyline::Vertex v = pline->vertexAt(i);
+            box.add(plane.toWorld(KxGePoint3d(v.x, v.y, pline->elevation())));
+        }
     } else if (const auto* mline = KxDbMline::cast(obj)) {
         for (int i = 0; i < mline->numVertices(); ++i)
             box.add(mline->vertexAt(i));

@@ -135,10 +135,12 @@ KxDbEntity* readCircleOrArc(const Record& record, RecordBasics& basics, EntityLo
     return circle.release();
 }
 
-KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook& look)
+// vertices is room for the vertices, reused from record to record.
+KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook& look,
+                         std::vector<KxDbPolyline::Vertex>& vertices)
 {
     auto pline = std::make_unique<KxDbPolyline>();
-    std::vector<KxDbPolyline::Vertex> vertices;
+    vertices.clear();
     KxGePoint3d normal{0, 0, 1};
     long count = -1;
     walkRecord(record, basics, [&](const Group& g) {
@@ -230,6 +232,7 @@ struct EntityParts : RecordAhead {
     RecordBasics basics;
     EntityLook look;
     std::exception_ptr error;
+    std::vector<KxDbPolyline::Vertex> vertices;
 };
 
 // Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart into parts; no
@@ -247,7 +250,7 @@ void takeApart(const Record& record, EntityParts& parts)
     } else if (kind == "ARC" || kind == "CIRCLE") {
         parts.entity.reset(readCircleOrArc(record, parts.basics, parts.look, kind == "ARC"));
     } else if (kind == "LWPOLYLINE") {
-        parts.entity.reset(readPolyline(record, parts.basics, parts.look));
+        parts.entity.reset(readPolyline(record, parts.basics, parts.look, parts.vertices));
     } else if (kind != "MLINE") {
         parts.basics = rawRecordBasics(record);
         // Its layer, linetype and colour, so that it is drawn in them; the

@@ -198,11 +198,9 @@ bool GroupReader::nextPlain(Group& group)
     if (stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
         return false;
     const std::string_view text(value, std::size_t(stop - value));
-    const Group read{code, marked ? decoded(text) : text, lineNumber_ + 1};
+    group = Group{code, marked ? decoded(text) : text, lineNumber_ + 1};
     begin_ = stop + 1;
     lineNumber_ += 2;
-    current_ = read;
-    group = read;
     return true;
 }
 
@@ -225,11 +223,7 @@ bool GroupReader::nextGeneral(Group& group)
     if (!readLine(valueLine))
         throw DxfError(codeLineNumber, "the file ends after group code " + std::to_string(code)
                                            + " without its value.");
-    // Both copies are made from the values in hand: reading current_ back
-    // right after storing it would stall on the fresh stores.
-    const Group read{code, decoded(valueLine), codeLineNumber};
-    current_ = read;
-    group = read;
+    group = Group{code, decoded(valueLine), codeLineNumber};
     return true;
 }
 

@@ -55,8 +55,12 @@ public:
             return true;
         return nextGeneral(group);
     }
-    // Makes the next call give the same group again.
-    void pushBack() { pushedBack_ = true; }
+    // Makes the next call give group, the one just read, again.
+    void pushBack(const Group& group)
+    {
+        current_ = group;
+        pushedBack_ = true;
+    }
     // The file's version and code page, as its header gives them: values
     // read from now on are decoded accordingly (TextCodec.h).
     void decodeAs(std::string_view version, std::string_view codePage);

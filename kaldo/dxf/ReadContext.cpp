@@ -18,9 +18,9 @@ KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
                                       [](std::uint64_t handle, const auto& range) { return handle < range.first; });
     if (run != runHandles.begin() && basics.handle <= std::prev(run)->second)
         basics.handle = 0;
+    // The database raises its handle seed above the handle it gives.
     db.addObject(obj, basics.handle);
     owned.release();
-    maxHandle = std::max(maxHandle, obj->handle());
     obj->setKeptGroups(std::move(basics.kept));
     if (basics.owner != 0)
         ownerReferences.push_back({obj->objectId(), basics.owner});

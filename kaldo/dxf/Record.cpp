@@ -10,6 +10,7 @@ namespace kaldo::dxf {
 void Record::read(GroupReader& reader, const Group& head)
 {
     kind_.assign(trimmed(head.value));
+    modelled_ = isModelledKind(kind_);
     line_ = head.line;
     size_ = 0;
     used_ = 0;
@@ -17,7 +18,7 @@ void Record::read(GroupReader& reader, const Group& head)
     Group g;
     while (reader.next(g)) {
         if (g.code == 0) {
-            reader.pushBack();
+            reader.pushBack(g);
             return;
         }
         // Both stores only grow, doubling, so that a record of the usual
@@ -31,7 +32,7 @@ void Record::read(GroupReader& reader, const Group& head)
         if (size_ < kReadNumbers) {
             if (size_ == numbers_.size())
                 numbers_.resize(std::min(kReadNumbers, fields_.size()));
-            if (double real = 0; isRealCode(g.code) && readQuickReal(g.value, real)) {
+            if (double real = 0; modelled_ && isRealCode(g.code) && readQuickReal(g.value, real)) {
                 numbers_[size_] = std::bit_cast<std::uint64_t>(real);
                 number = Number::Real;
             } else if (std::uint64_t handle = 0;

@@ -22,6 +22,8 @@ public:
     void read(GroupReader& reader, const Group& head);
 
     const std::string& kind() const { return kind_; }
+    // Whether the record is of a modelled kind (isModelledKind).
+    bool isModelled() const { return modelled_; }
     long line() const { return line_; }
     std::size_t size() const { return size_; }
     Group at(std::size_t index) const
@@ -54,6 +56,7 @@ private:
         std::uint32_t lineAfterHead = 0;
     };
     std::string kind_;
+    bool modelled_ = false;
     long line_ = 0;
     std::vector<Field> fields_;
     std::size_t size_ = 0;
@@ -61,7 +64,8 @@ private:
     std::size_t used_ = 0;
     // The numbers of the first groups, so that a record read on another
     // thread comes with them: the bits of the real of a group of reals as
-    // readQuickReal reads it, the handle of a group of handles as tryHandle
+    // readQuickReal reads it (in records of modelled kinds only: the others
+    // are kept as text), the handle of a group of handles as tryHandle
     // does. The groups of a large record beyond, and values that they
     // refuse, are converted where they are used, keeping its memory to what
     // it was.

@@ -138,7 +138,7 @@ SectionRecords::SectionRecords(GroupReader& reader, ReadAhead readAhead) : reade
             if (batch->madeAhead) {
                 for (std::size_t i = 0; i < batch->count; ++i) {
                     const Record& record = batch->records[i];
-                    if (!isModelledKind(record.kind()))
+                    if (!record.isModelled())
                         record.packedGroups();
                     if (readAhead_)
                         readAhead_(record, batch->made[i]);

@@ -265,7 +265,7 @@ void readTablesSection(GroupReader& reader, ReadContext& context)
             throw DxfError(line, "the table " + name + " is there twice.");
         context.kept.tableOrder.push_back(name);
         if (isModelledTable(name)) {
-            reader.pushBack();
+            reader.pushBack(nameGroup);
             head.read(reader, Group{0, "TABLE", line});
             readModelledTable(reader, context, name, head);
         } else {
