@@ -30,29 +30,15 @@ namespace {
 
 constexpr double kTol = 1e-10;
 
-std::vector<KxDbFileGroup> groups(std::initializer_list<std::pair<std::int16_t, std::string>> list)
-{
-    std::vector<KxDbFileGroup> result;
-    for (const auto& [code, value] : list)
-        result.push_back({code, 0, value});
-    return result;
-}
-
 // A block of one line.
 KxDbObjectId addBlockOfLine(KxDbDatabase& db, const wchar_t* name, const KxGePoint3d& from, const KxGePoint3d& to)
 {
-    auto* block = new KxDbBlockTableRecord;
-    block->setName(name);
-    KxDbBlockTable* table = nullptr;
-    db.getBlockTable(table, KxDb::kForWrite);
-    KxDbObjectId id;
-    table->add(block, id);
-    table->close();
+    const KxDbObjectId id = addBlock(db, name);
     auto* line = new KxDbLine(from, to);
     line->setDatabaseDefaults(&db);
+    KxDbObjectPtr<KxDbBlockTableRecord> block(id, KxDb::kForWrite);
     block->appendKxDbEntity(line);
     line->close();
-    block->close();
     return id;
 }
 

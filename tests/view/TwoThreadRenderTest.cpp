@@ -22,27 +22,6 @@ namespace {
 
 constexpr int kEntities = 20000;
 
-std::vector<KxDbFileGroup> groups(std::initializer_list<std::pair<std::int16_t, std::string>> list)
-{
-    std::vector<KxDbFileGroup> result;
-    for (const auto& [code, value] : list)
-        result.push_back({code, 0, value});
-    return result;
-}
-
-KxDbObjectId addBlock(KxDbDatabase& db, const wchar_t* name)
-{
-    auto* block = new KxDbBlockTableRecord;
-    block->setName(name);
-    KxDbBlockTable* table = nullptr;
-    db.getBlockTable(table, KxDb::kForWrite);
-    KxDbObjectId id;
-    table->add(block, id);
-    table->close();
-    block->close();
-    return id;
-}
-
 void addLine(KxDbDatabase& db, double y, int colorIndex, KxDbObjectId into = {})
 {
     auto* line = new KxDbLine({0, y, 0}, {10, y + 1, 0});

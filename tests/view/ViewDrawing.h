@@ -8,6 +8,8 @@
 
 #include <initializer_list>
 #include <numbers>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "kaldo/view/DrawingRenderer.h"
@@ -104,6 +106,29 @@ inline void setRuns(KxDbMline& mline, int vertex, int element, std::vector<doubl
     else
         lists.setElement(element, runs);
     mline.setParametersAt(vertex, array);
+}
+
+// Groups of a record as a file gives them: code and text.
+inline std::vector<KxDbFileGroup> groups(std::initializer_list<std::pair<std::int16_t, std::string>> list)
+{
+    std::vector<KxDbFileGroup> result;
+    for (const auto& [code, value] : list)
+        result.push_back({code, 0, value});
+    return result;
+}
+
+// Adds an empty block of this name to the block table.
+inline KxDbObjectId addBlock(KxDbDatabase& db, const wchar_t* name)
+{
+    auto* block = new KxDbBlockTableRecord;
+    block->setName(name);
+    KxDbBlockTable* table = nullptr;
+    db.getBlockTable(table, KxDb::kForWrite);
+    KxDbObjectId id;
+    table->add(block, id);
+    table->close();
+    block->close();
+    return id;
 }
 
 // Adds a record of a kind the database keeps as read (its groups as in a
