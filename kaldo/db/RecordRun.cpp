@@ -56,22 +56,6 @@ void KeptRecordTail::dropLast()
     --m_count;
 }
 
-Kald::ErrorStatus RecordRun::copyFrom(const KxDbObject* other)
-{
-    if (const Kald::ErrorStatus es = KxDbUnmodelledEntity::copyFrom(other); es != Kald::eOk)
-        return es;
-    m_tail = static_cast<const RecordRun*>(other)->m_tail;
-    return Kald::eOk;
-}
-
-Kald::ErrorStatus ObjectRecordRun::copyFrom(const KxDbObject* other)
-{
-    if (const Kald::ErrorStatus es = KxDbUnmodelledObject::copyFrom(other); es != Kald::eOk)
-        return es;
-    m_tail = static_cast<const ObjectRecordRun*>(other)->m_tail;
-    return Kald::eOk;
-}
-
 std::size_t keptRecordCount(const KxDbEntity& entity)
 {
     const auto* run = RecordRun::cast(&entity);

@@ -57,44 +57,48 @@ private:
     std::uint32_t m_count = 0;
 };
 
-class RecordRun : public KxDbUnmodelledEntity {
+// What a run adds to the record it starts with, over either kind of kept
+// record (entity or object).
+template <class Kept>
+class KeptRecordRun : public Kept {
 public:
-    KX_RX_DECLARE_MEMBERS(RecordRun)
-    RecordRun() = default;
-    RecordRun(std::string_view kind, KxDbPackedGroupsView first, KeptRecordTail tail)
-        : KxDbUnmodelledEntity(kind, first), m_tail(std::move(tail))
+    KeptRecordRun() = default;
+    KeptRecordRun(std::string_view kind, KxDbPackedGroupsView first, KeptRecordTail tail)
+        : Kept(kind, first), m_tail(std::move(tail))
     {
     }
 
-    std::size_t numRecords() const { return 1 + m_tail.count(); }
     const KeptRecordTail& tail() const { return m_tail; }
-    void dropLastRecord() { m_tail.dropLast(); }
     std::size_t byteSize() const { return KxDbUnmodelledRecord::byteSize() + m_tail.byteSize(); }
 
-    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
-    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
+    Kald::ErrorStatus copyFrom(const KxDbObject* other) override
+    {
+        if (const Kald::ErrorStatus es = Kept::copyFrom(other); es != Kald::eOk)
+            return es;
+        m_tail = static_cast<const KeptRecordRun*>(other)->m_tail;
+        return Kald::eOk;
+    }
 
-private:
+protected:
     KeptRecordTail m_tail;
 };
 
-class ObjectRecordRun : public KxDbUnmodelledObject {
+class RecordRun : public KeptRecordRun<KxDbUnmodelledEntity> {
+public:
+    KX_RX_DECLARE_MEMBERS(RecordRun)
+    using KeptRecordRun::KeptRecordRun;
+
+    std::size_t numRecords() const { return 1 + m_tail.count(); }
+    void dropLastRecord() { m_tail.dropLast(); }
+    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
+};
+
+class ObjectRecordRun : public KeptRecordRun<KxDbUnmodelledObject> {
 public:
     KX_RX_DECLARE_MEMBERS(ObjectRecordRun)
-    ObjectRecordRun() = default;
-    ObjectRecordRun(std::string_view kind, KxDbPackedGroupsView first, KeptRecordTail tail)
-        : KxDbUnmodelledObject(kind, first), m_tail(std::move(tail))
-    {
-    }
+    using KeptRecordRun::KeptRecordRun;
 
-    const KeptRecordTail& tail() const { return m_tail; }
-    std::size_t byteSize() const { return KxDbUnmodelledRecord::byteSize() + m_tail.byteSize(); }
-
-    Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
-
-private:
-    KeptRecordTail m_tail;
 };
 
 // Calls visit(groups, handle) for every record an unmodelled entity or
