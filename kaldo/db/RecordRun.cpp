@@ -62,21 +62,58 @@ std::size_t keptRecordCount(const KxDbEntity& entity)
     return run ? run->numRecords() : 1;
 }
 
+namespace {
+
+// A record of an entity run as an entity of its own, in the run's look.
+std::unique_ptr<KxDbUnmodelledEntity> entityOfRecord(const RecordRun& run, KxDbPackedGroupsView groups)
+{
+    auto entity = std::make_unique<KxDbUnmodelledEntity>(run.dxfName(), groups);
+    entity->setLayer(run.layerId());
+    entity->setLinetype(run.linetypeId());
+    entity->setColor(run.color());
+    return entity;
+}
+
+}  // namespace
+
 KxDbObjectId splitOffLastRecord(KxDbDatabase& db, KxDbObjectId id)
 {
     auto* run = RecordRun::cast(db.peekObject(id));
-    if (!run || run->numRecords() < 2)
+    if (!run || run->numRecords() < 2 || !KxDbBlockTableRecord::cast(db.peekObject(run->ownerId())))
         return id;
-    auto* block = KxDbBlockTableRecord::cast(db.peekObject(run->ownerId()));
-    if (!block)
-        return id;
-    auto last = std::make_unique<KxDbUnmodelledEntity>(run->dxfName(), run->tail().last());
-    last->setLayer(run->layerId());
-    last->setLinetype(run->linetypeId());
-    last->setColor(run->color());
+    std::unique_ptr<KxDbObject> last = entityOfRecord(*run, run->tail().last());
+    const KxDbObject* split = last.get();
     const std::uint64_t handle = run->handle() + run->numRecords() - 1;
     run->dropLastRecord();
-    return db.undoHistory().insertUnrecorded(*block, id, std::move(last), handle);
+    std::vector<UndoHistory::UnrecordedInsert> inserts(1);
+    inserts[0].after = id;
+    inserts[0].objects.emplace_back(std::move(last), handle);
+    db.undoHistory().insertUnrecorded(std::move(inserts));
+    return split->objectId();
+}
+
+void separateRecords(KxDbDatabase& db, const std::vector<KxDbObjectId>& runs)
+{
+    std::vector<UndoHistory::UnrecordedInsert> inserts;
+    for (const KxDbObjectId id : runs) {
+        KxDbObject* object = db.peekObject(id);
+        UndoHistory::UnrecordedInsert insert{id, {}};
+        std::uint64_t handle = object ? object->handle() : 0;
+        if (auto* run = RecordRun::cast(object)) {
+            const KeptRecordTail tail = run->takeTail();
+            tail.forEach([&](KxDbPackedGroupsView groups) {
+                insert.objects.emplace_back(entityOfRecord(*run, groups), ++handle);
+            });
+        } else if (auto* objectRun = ObjectRecordRun::cast(object)) {
+            const KeptRecordTail tail = objectRun->takeTail();
+            tail.forEach([&](KxDbPackedGroupsView groups) {
+                insert.objects.emplace_back(std::make_unique<KxDbUnmodelledObject>(objectRun->dxfName(), groups),
+                                            ++handle);
+            });
+        }
+        inserts.push_back(std::move(insert));
+    }
+    db.undoHistory().insertUnrecorded(std::move(inserts));
 }
 
 }  // namespace kaldo

@@ -1,18 +1,21 @@
 // Consecutive records of one kind that nothing in the host reads by name,
-// read from a file that gave them no handles, held as one entity (in one
+// read from a file that gave them no handles or consecutive ones, held as one entity (in one
 // block) or one object: a file can spend four bytes on such a record,
 // where an object per record costs far more. The records keep consecutive
 // handles from the run's own (the database gives out none of them again)
 // and are written back one by one, as the objects they stand for would be.
 // A selection that takes an entity run's last record by itself (Last)
 // splits it off into an entity of its own first (splitOffLastRecord), so
-// that no command ever acts on a run; objects are never selected.
+// that no command ever acts on a run; objects are never selected. Records
+// that the file gave handles continuing each other are held so too.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "kxdbunmodelled.h"
 
@@ -69,6 +72,8 @@ public:
     }
 
     const KeptRecordTail& tail() const { return m_tail; }
+    // The records after the first, which the run no longer holds.
+    KeptRecordTail takeTail() { return std::exchange(m_tail, {}); }
     std::size_t byteSize() const { return KxDbUnmodelledRecord::byteSize() + m_tail.byteSize(); }
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override
@@ -131,5 +136,11 @@ std::size_t keptRecordCount(const KxDbEntity& entity);
 // how the records are held changes: nothing is recorded for undo, the
 // drawing is not changed and saves the same bytes.
 KxDbObjectId splitOffLastRecord(KxDbDatabase& db, KxDbObjectId id);
+
+// Makes every record of the runs named (entities or objects) one of its
+// own, under the handle it had in the run, in the run's place: a reference
+// read by handle (a dictionary's entry, an owner) then finds it. As with
+// splitOffLastRecord, only how the records are held changes.
+void separateRecords(KxDbDatabase& db, const std::vector<KxDbObjectId>& runs);
 
 }  // namespace kaldo

@@ -87,32 +87,75 @@ Kald::ErrorStatus UndoHistory::upgradeOpenToTranslate(KxDbEntity& entity)
     return Kald::eOk;
 }
 
-KxDbObjectId UndoHistory::insertUnrecorded(KxDbBlockTableRecord& block, KxDbObjectId after,
-                                           std::unique_ptr<KxDbEntity> entity, std::uint64_t handle)
+void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
 {
-    KxDbEntity* added = entity.get();
-    added->m_id = registerObject(added, &m_db);
-    added->m_owner = block.objectId();
-    m_db.m_objects.push_back(std::move(entity));
-    m_db.m_handles->insert(handle, added->m_id);
-    m_handleFloor = std::max(m_handleFloor, handle + 1);
-    std::vector<KxDbObjectId>& entities = block.m_entities;
-    const auto place = std::find(entities.rbegin(), entities.rend(), after).base();
-    const std::size_t at = std::size_t(place - entities.begin());
-    entities.insert(place, added->m_id);
-    // A list cut back to its length before a step keeps the new entity.
-    const auto countIn = [&](Step& step) {
-        for (ObjectRecord& record : step.objects)
-            if (record.id == block.objectId() && record.listed && *record.listed >= at)
-                ++*record.listed;
+    // The inserts by the block whose list they go into, or by the object
+    // they follow in the database's list.
+    std::unordered_map<std::uint64_t, std::vector<UnrecordedInsert*>> byBlock;
+    std::unordered_map<std::uint64_t, UnrecordedInsert*> byObject;
+    std::size_t count = 0;
+    for (UnrecordedInsert& insert : inserts) {
+        const KxDbObject* after = m_db.peekObject(insert.after);
+        if (!after || insert.objects.empty())
+            continue;
+        for (auto& [object, handle] : insert.objects) {
+            object->m_id = registerObject(object.get(), &m_db);
+            object->m_owner = after->ownerId();
+            m_db.m_handles->insert(handle, object->m_id);
+            m_handleFloor = std::max(m_handleFloor, handle + 1);
+        }
+        count += insert.objects.size();
+        if (KxDbEntity::cast(after))
+            byBlock[after->ownerId().asOldId()].push_back(&insert);
+        else
+            byObject.emplace(insert.after.asOldId(), &insert);
+    }
+    // A list cut back to its length before a step keeps what was put in.
+    const auto countIn = [&](KxDbObjectId block, std::size_t at, std::size_t count) {
+        const auto countInStep = [&](Step& step) {
+            for (ObjectRecord& record : step.objects)
+                if (record.id == block && record.listed && *record.listed >= at)
+                    *record.listed += count;
+        };
+        countInStep(m_open);
+        for (Step& step : m_undo)
+            countInStep(step);
+        for (std::vector<Step>& group : m_redo)
+            for (Step& step : group)
+                countInStep(step);
     };
-    countIn(m_open);
-    for (Step& step : m_undo)
-        countIn(step);
-    for (std::vector<Step>& group : m_redo)
-        for (Step& step : group)
-            countIn(step);
-    return added->m_id;
+    for (auto& [blockId, blockInserts] : byBlock) {
+        auto* block = KxDbBlockTableRecord::cast(m_db.peekObject(KxDbObjectId::fromOldId(blockId)));
+        std::unordered_map<std::uint64_t, UnrecordedInsert*> after;
+        for (UnrecordedInsert* insert : blockInserts)
+            after.emplace(insert->after.asOldId(), insert);
+        std::vector<KxDbObjectId> entities;
+        entities.reserve(block->m_entities.size());
+        for (const KxDbObjectId id : block->m_entities) {
+            entities.push_back(id);
+            const auto found = after.find(id.asOldId());
+            if (found == after.end())
+                continue;
+            countIn(block->objectId(), entities.size(), found->second->objects.size());
+            for (auto& [entity, handle] : found->second->objects) {
+                entities.push_back(entity->objectId());
+                m_db.m_objects.push_back(std::move(entity));
+            }
+        }
+        block->m_entities = std::move(entities);
+    }
+    if (byObject.empty())
+        return;
+    std::vector<std::unique_ptr<KxDbObject>> objects;
+    objects.reserve(m_db.m_objects.size() + count);
+    for (std::unique_ptr<KxDbObject>& object : m_db.m_objects) {
+        const auto found = byObject.find(object->objectId().asOldId());
+        objects.push_back(std::move(object));
+        if (found != byObject.end())
+            for (auto& [inserted, handle] : found->second->objects)
+                objects.push_back(std::move(inserted));
+    }
+    m_db.m_objects = std::move(objects);
 }
 
 std::optional<std::size_t> UndoHistory::listedCount(const KxDbObject& obj)

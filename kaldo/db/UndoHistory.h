@@ -105,13 +105,18 @@ public:
         UndoHistory& m_history;
     };
 
-    // Puts entity into the database under handle (which no object holds)
-    // and into block's list right after the entity named after, without a
-    // record and without changing the drawing (the records of a run split
-    // apart: kaldo/db/RecordRun.h). Every record of the block's list counts
-    // the new place. Returns the entity's id.
-    KxDbObjectId insertUnrecorded(KxDbBlockTableRecord& block, KxDbObjectId after,
-                                  std::unique_ptr<KxDbEntity> entity, std::uint64_t handle);
+    // Objects to put into the database under their handles (which no
+    // object holds) right after the object named after: entities in its
+    // block's list, other objects in the database's list, whose order a
+    // save follows (the records of a run taken apart: kaldo/db/RecordRun.h).
+    struct UnrecordedInsert {
+        KxDbObjectId after;
+        std::vector<std::pair<std::unique_ptr<KxDbObject>, std::uint64_t>> objects;
+    };
+    // Puts them in without a record and without changing the drawing; every
+    // record of a block's list counts the new places. Each list is walked
+    // once, however many objects go into it.
+    void insertUnrecorded(std::vector<UnrecordedInsert> inserts);
 
     std::size_t undoableSteps() const;
     std::size_t bytes() const { return m_bytes; }

@@ -60,9 +60,11 @@ KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, Re
     if (const KxDbObjectId owner = context.blockByHandle(basics.owner); !owner.isNull())
         return owner;
     std::wstring name;
-    for (std::size_t i = 0; i < record.size(); ++i)
-        if (record.at(i).code == 2)
-            name = wideFromUtf8(trimmed(record.at(i).value));
+    record.forEach([&](const Group& g) {
+        if (g.code == 2)
+            name = wideFromUtf8(trimmed(g.value));
+        return true;
+    });
     if (name.empty())
         throw DxfError(record.line(), "a block without a name.");
     if (kaldo::sameName(name, L"$MODEL_SPACE"))
@@ -165,6 +167,7 @@ std::wstring freeKey(const KxDbDictionary& dict, const std::wstring& name)
 
 void resolveReferences(ReadContext& context)
 {
+    separateNamedRunRecords(context);
     KxDbDatabase& db = context.db;
     for (const ReadContext::DictionaryEntry& entry : context.dictionaryEntries) {
         const KxDbObjectId target = db.objectIdFromHandle(entry.handle);

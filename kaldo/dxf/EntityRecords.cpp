@@ -17,8 +17,10 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <memory>
 #include <numbers>
+#include <vector>
 
 namespace kaldo::dxf {
 
@@ -255,12 +257,12 @@ void takeApart(const Record& record, EntityParts& parts)
         parts.basics = rawRecordBasics(record);
         // Its layer, linetype and colour, so that it is drawn in them; the
         // groups are written back as read.
-        for (std::size_t i = 0; i < record.size(); ++i) {
-            const Group g = record.at(i);
+        record.forEach([&](const Group& g) {
             if (g.code == 100 && g.value != "AcDbEntity")
-                break;
+                return false;
             parts.look.take(g);
-        }
+            return true;
+        });
     }
 }
 
@@ -288,12 +290,12 @@ constexpr std::size_t kLargestRunRecord = 256;
 constexpr std::size_t kMostRunRecords = 4096;
 
 // Whether a record may join a run: a small one of a kind nothing reads by
-// name, with no handle or owner of its own (the run gives it the next
-// handle), while the handles after the seed are free (near the top of the
-// range they may be taken, and records get handles one by one).
+// name, with no owner of its own, while the handles after the seed are free
+// (near the top of the range they may be taken, and records get handles one
+// by one).
 bool mayJoinRun(const Record& record, const RecordBasics& basics, const ReadContext& context)
 {
-    return record.packedGroups().bytes().size() <= kLargestRunRecord && basics.handle == 0 && basics.owner == 0
+    return record.packedGroups().bytes().size() <= kLargestRunRecord && basics.owner == 0
            && !readByName(record.kind()) && context.db.handseed() <= kxdbHighestHandle - kMostRunRecords;
 }
 
@@ -305,21 +307,50 @@ bool mayJoinRun(const Record& record, const EntityParts& parts, const ReadContex
            && look.color == KxCmColor() && mayJoinRun(record, parts.basics, context);
 }
 
+// Whether a record of a run may keep the handle its file gives it: no
+// object and no run has it, and it lies above every run's handles, which
+// so stay in order.
+bool mayKeepHandle(std::uint64_t handle, const ReadContext& context)
+{
+    return handle <= kxdbHighestHandle - kMostRunRecords
+           && (context.runHandles.empty() || handle > context.runHandles.back().second)
+           && context.db.objectIdFromHandle(handle).isNull();
+}
+
 // Adds the record to the run being gathered, after finishing one it cannot
-// join; block is null for objects.
-void gather(const Record& record, ReadContext& context, KxDbObjectId block)
+// join; block is null for objects. Records without handles join a run of
+// such records; a record with a handle joins a run whose handles it
+// continues, the run taking the first record's handle. False, with the run
+// finished, when the record's handle cannot be kept so.
+bool gather(const Record& record, ReadContext& context, KxDbObjectId block, std::uint64_t handle)
 {
     ReadContext::PendingRun& run = context.run;
-    if (run.count > 0 && (run.block != block || run.kind != record.kind() || run.count == kMostRunRecords))
+    const bool continues = run.count > 0 && run.block == block && run.kind == record.kind()
+                           && run.count < kMostRunRecords
+                           && (handle == 0 ? run.firstHandle == 0
+                                           : run.firstHandle != 0 && handle == run.firstHandle + run.count);
+    if (run.count > 0 && !continues)
         finishRecordRun(context);
+    // The layer and linetype an entity of its own would make before its
+    // handle is given, so that they take the same handles.
+    if (run.count == 0 && !block.isNull()) {
+        context.layer("0");
+        context.linetype("ByLayer");
+    }
+    if (handle != 0 && !mayKeepHandle(handle, context)) {
+        finishRecordRun(context);
+        return false;
+    }
     if (run.count == 0) {
         run.block = block;
         run.kind = record.kind();
+        run.firstHandle = handle;
         run.firstGroups = record.packedGroups().bytes();
     } else {
         kaldo::KeptRecordTail::append(run.further, record.packedGroups());
     }
     ++run.count;
+    return true;
 }
 
 }  // namespace
@@ -337,7 +368,7 @@ void finishRecordRun(ReadContext& context)
     if (run.block.isNull()) {
         KxDbObject* object = run.count == 1 ? new KxDbUnmodelledObject(run.kind, first)
                                             : new kaldo::ObjectRecordRun(run.kind, first, std::move(tail));
-        context.add(object, {});
+        context.add(object, RecordBasics{run.firstHandle, 0, {}});
         added = object;
     } else {
         std::unique_ptr<KxDbUnmodelledEntity> entity;
@@ -345,7 +376,7 @@ void finishRecordRun(ReadContext& context)
             entity = std::make_unique<KxDbUnmodelledEntity>(run.kind, first);
         else
             entity = std::make_unique<kaldo::RecordRun>(run.kind, first, std::move(tail));
-        RecordBasics basics;
+        RecordBasics basics{run.firstHandle, 0, {}};
         EntityLook().applyTo(*entity, context, basics);
         added = append(context, std::move(entity), basics, run.block, 0);
     }
@@ -360,14 +391,39 @@ void finishRecordRun(ReadContext& context)
     run.further.clear();
 }
 
+void separateNamedRunRecords(ReadContext& context)
+{
+    const auto& ranges = context.runHandles;
+    std::vector<std::uint64_t> named;
+    const auto note = [&](std::uint64_t handle) {
+        const auto range = std::upper_bound(ranges.begin(), ranges.end(), handle,
+                                            [](std::uint64_t h, const auto& r) { return h < r.first; });
+        if (range != ranges.begin() && handle > std::prev(range)->first && handle <= std::prev(range)->second)
+            named.push_back(std::prev(range)->first);
+    };
+    for (const ReadContext::DictionaryEntry& entry : context.dictionaryEntries)
+        note(entry.handle);
+    for (const ReadContext::OwnerReference& reference : context.ownerReferences)
+        note(reference.owner);
+    if (named.empty())
+        return;
+    std::sort(named.begin(), named.end());
+    named.erase(std::unique(named.begin(), named.end()), named.end());
+    std::vector<KxDbObjectId> runs;
+    runs.reserve(named.size());
+    for (const std::uint64_t handle : named)
+        runs.push_back(context.db.objectIdFromHandle(handle));
+    kaldo::separateRecords(context.db, runs);
+}
+
 bool gatherKeptObject(const Record& record, ReadContext& context)
 {
-    if (!mayJoinRun(record, rawRecordBasics(record), context)) {
+    const RecordBasics basics = rawRecordBasics(record);
+    if (!mayJoinRun(record, basics, context)) {
         finishRecordRun(context);
         return false;
     }
-    gather(record, context, KxDbObjectId());
-    return true;
+    return gather(record, context, KxDbObjectId(), basics.handle);
 }
 
 void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot)
@@ -408,10 +464,9 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     } else if (parts->error) {
         std::rethrow_exception(parts->error);
     }
-    if (mayJoinRun(record, *parts, context)) {
-        gather(record, context, block.isNull() ? context.roots.modelSpace : block);
+    if (mayJoinRun(record, *parts, context)
+        && gather(record, context, block.isNull() ? context.roots.modelSpace : block, parts->basics.handle))
         return;
-    }
     finishRecordRun(context);
     if (!parts->entity) {
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());

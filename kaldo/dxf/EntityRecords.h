@@ -24,13 +24,18 @@ class GroupWriter;
 // paper space for an entity flagged so). ahead is what readEntityAhead
 // made of the record, if anything.
 void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, RecordAhead* ahead = nullptr);
-// Small records of kinds that nothing reads by name, given without handle,
-// owner or look, are gathered while they follow one another (in one block,
-// or among the objects) and held as one entity or object a run
+// Small records of kinds that nothing reads by name, given without owner
+// or look, and without handles or each with the handle after the one
+// before, are gathered while they follow one another (in one block, or
+// among the objects) and held as one entity or object a run
 // (kaldo/db/RecordRun.h). finishRecordRun adds the run being gathered, if
 // any: before anything else is added to the drawing (a block's end, the
 // end of a section).
 void finishRecordRun(ReadContext& context);
+// Once every record is read: makes the records of runs that a dictionary
+// entry or an owner names by handle objects of their own, so that the
+// references find them as they would had no run held them.
+void separateNamedRunRecords(ReadContext& context);
 // Gathers an object record into a run, or finishes the run (false) when it
 // cannot join one.
 bool gatherKeptObject(const Record& record, ReadContext& context);

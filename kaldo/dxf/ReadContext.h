@@ -73,11 +73,14 @@ struct ReadContext {
     // The lists of the multiline being read, whose room the next reuses.
     KxDbMlineListStore mlineLists;
     // Records of one kind that nothing reads by name and that name no
-    // handle, owner or look, gathered to become one entity of their block
-    // (kaldo/db/RecordRun.h) once a record of another kind or block comes.
+    // owner or look, and either no handle or each the handle after the one
+    // before (from firstHandle on), gathered to become one entity of their
+    // block (kaldo/db/RecordRun.h) once a record of another kind or block
+    // comes.
     struct PendingRun {
         KxDbObjectId block;
         std::string kind;
+        std::uint64_t firstHandle = 0;
         std::string firstGroups;
         std::string further;
         std::size_t count = 0;

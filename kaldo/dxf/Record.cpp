@@ -14,24 +14,36 @@ void Record::read(GroupReader& reader, const Group& head)
     line_ = head.line;
     size_ = 0;
     used_ = 0;
-    isPacked_ = false;
     Group g;
     while (reader.next(g)) {
         if (g.code == 0) {
             reader.pushBack(g);
             return;
         }
-        // Both stores only grow, doubling, so that a record of the usual
-        // size needs no allocation and no checks beyond these two.
-        if (size_ == fields_.size())
-            fields_.resize(std::max<std::size_t>(kFirstFields, 2 * size_));
-        if (used_ + g.value.size() > text_.size())
-            text_.resize(std::max(2 * text_.size(), used_ + g.value.size()));
-        std::memcpy(text_.data() + used_, g.value.data(), g.value.size());
-        Number number = Number::None;
+        // The store only grows, doubling, so that a record of the usual
+        // size needs no allocation and no check beyond this one: room for
+        // the code, the part, the value's length (five bytes hold any
+        // value's) and the value.
+        if (const std::size_t most = used_ + 8 + g.value.size(); most > groups_.size())
+            groups_.resize(std::max(2 * groups_.size(), most));
+        auto* at = reinterpret_cast<unsigned char*>(groups_.data() + used_);
+        const auto code = std::uint16_t(g.code);
+        at[0] = static_cast<unsigned char>(code & 0xFF);
+        at[1] = static_cast<unsigned char>(code >> 8);
+        at[2] = 0;
+        at += 3;
+        std::size_t length = g.value.size();
+        for (; length >= 0x80; length >>= 7)
+            *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
+        *at++ = static_cast<unsigned char>(length);
+        std::memcpy(at, g.value.data(), g.value.size());
+        used_ = std::size_t(reinterpret_cast<char*>(at) - groups_.data()) + g.value.size();
         if (size_ < kReadNumbers) {
-            if (size_ == numbers_.size())
-                numbers_.resize(std::min(kReadNumbers, fields_.size()));
+            if (size_ == numbers_.size()) {
+                numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size_)));
+                numberKinds_.resize(numbers_.size());
+            }
+            Number number = Number::None;
             if (double real = 0; modelled_ && isRealCode(g.code) && readQuickReal(g.value, real)) {
                 numbers_[size_] = std::bit_cast<std::uint64_t>(real);
                 number = Number::Real;
@@ -40,24 +52,10 @@ void Record::read(GroupReader& reader, const Group& head)
                 numbers_[size_] = handle;
                 number = Number::Handle;
             }
+            numberKinds_[size_] = number;
         }
-        fields_[size_++] = Field{std::int16_t(g.code), number, std::uint32_t(used_), std::uint32_t(g.line - line_)};
-        used_ += g.value.size();
+        ++size_;
     }
-}
-
-KxDbPackedGroupsView Record::packedGroups() const
-{
-    if (!isPacked_) {
-        packed_.clear();
-        for (std::size_t i = 0; i < size_; ++i) {
-            const Field& f = fields_[i];
-            const std::size_t end = i + 1 < size_ ? fields_[i + 1].offset : used_;
-            packed_.append(f.code, 0, std::string_view(text_).substr(f.offset, end - f.offset));
-        }
-        isPacked_ = true;
-    }
-    return packed_.view();
 }
 
 bool isModelledKind(std::string_view kind)

@@ -22,45 +22,54 @@ public:
     void read(GroupReader& reader, const Group& head);
 
     const std::string& kind() const { return kind_; }
-    // Whether the record is of a modelled kind (isModelledKind).
-    bool isModelled() const { return modelled_; }
     long line() const { return line_; }
     std::size_t size() const { return size_; }
-    Group at(std::size_t index) const
+    // Calls visit(group) for every group in order while it returns true.
+    template <class Visit>
+    void forEach(Visit&& visit) const
     {
-        const Field& f = fields_[index];
-        const std::size_t end = index + 1 < size_ ? fields_[index + 1].offset : used_;
-        Group g{f.code, std::string_view(text_).substr(f.offset, end - f.offset), line_ + long(f.lineAfterHead)};
-        if (f.number == Number::Real)
-            g.real = std::bit_cast<double>(numbers_[index]);
-        else if (f.number == Number::Handle)
-            g.handle = numbers_[index];
-        return g;
+        const auto* at = reinterpret_cast<const unsigned char*>(groups_.data());
+        for (std::size_t index = 0; index < size_; ++index) {
+            Group g;
+            g.code = std::int16_t(std::uint16_t(at[0] | (at[1] << 8)));
+            at += 3;
+            std::size_t length = 0;
+            for (int shift = 0;; shift += 7) {
+                length |= std::size_t(*at & 0x7F) << shift;
+                if (!(*at++ & 0x80))
+                    break;
+            }
+            g.value = std::string_view(reinterpret_cast<const char*>(at), length);
+            at += length;
+            // Every group takes two lines, its code's and its value's.
+            g.line = line_ + 2 * long(index + 1);
+            if (index < kReadNumbers) {
+                if (numberKinds_[index] == Number::Real)
+                    g.real = std::bit_cast<double>(numbers_[index]);
+                else if (numberKinds_[index] == Number::Handle)
+                    g.handle = numbers_[index];
+            }
+            if (!visit(g))
+                return;
+        }
     }
-    // Every group as read, packed, for a record that is kept whole; packed
-    // on the first call, valid until the record is read again.
-    KxDbPackedGroupsView packedGroups() const;
+    // Every group as read, packed as a record kept whole holds them; valid
+    // until the record is read again.
+    KxDbPackedGroupsView packedGroups() const { return KxDbPackedGroupsView(std::string_view(groups_.data(), used_)); }
 
 private:
-    // Values live one after the other in text_, reused from record to
-    // record; fields_ and text_ are longer than the record they hold. A
-    // value ends where the next begins, and a group's line counts from the
-    // record's first: twelve bytes a group, so that a record of many short
-    // groups takes about what the file spends on them.
-    static constexpr std::size_t kFirstFields = 64;
+    // The groups lie packed one after the other in groups_ as
+    // KxDbPackedGroupsView reads them (part 0), reused from record to
+    // record and longer than the record they hold: a record of many short
+    // groups takes about what the file spends on them, and a record kept
+    // whole is copied as it lies.
+    static constexpr std::size_t kFirstGroups = 64;
     enum class Number : std::uint8_t { None, Real, Handle };
-    struct Field {
-        std::int16_t code = 0;
-        Number number = Number::None;  // what numbers_ holds for the group
-        std::uint32_t offset = 0;
-        std::uint32_t lineAfterHead = 0;
-    };
     std::string kind_;
     bool modelled_ = false;
     long line_ = 0;
-    std::vector<Field> fields_;
     std::size_t size_ = 0;
-    std::string text_;
+    std::string groups_;
     std::size_t used_ = 0;
     // The numbers of the first groups, so that a record read on another
     // thread comes with them: the bits of the real of a group of reals as
@@ -71,8 +80,7 @@ private:
     // it was.
     static constexpr std::size_t kReadNumbers = 1024;
     std::vector<std::uint64_t> numbers_;
-    mutable KxDbPackedGroups packed_;
-    mutable bool isPacked_ = false;
+    std::vector<Number> numberKinds_;
 };
 
 // Whether records of the kind become modelled objects, whose groups are
@@ -97,8 +105,7 @@ void walkRecord(const Record& record, RecordBasics& basics, Use&& use)
     int part = 0;
     bool inBlock = false;
     bool ownerSeen = false;
-    for (std::size_t i = 0; i < record.size(); ++i) {
-        const Group g = record.at(i);
+    record.forEach([&](const Group& g) {
         if (part != kxdbExtendedDataPart && g.code >= 1000)
             part = kxdbExtendedDataPart;
         bool used = false;
@@ -121,7 +128,8 @@ void walkRecord(const Record& record, RecordBasics& basics, Use&& use)
         }
         if (!used)
             basics.kept.push_back(KxDbFileGroup{std::int16_t(g.code), std::uint8_t(part), std::string(g.value)});
-    }
+        return true;
+    });
 }
 
 }  // namespace kaldo::dxf

@@ -130,19 +130,13 @@ SectionRecords::SectionRecords(GroupReader& reader, ReadAhead readAhead) : reade
                 batch->last = true;
             }
             // While the caller has batches in hand, this thread does some of
-            // its work: it packs the records kept whole and has readAhead
-            // take the others apart. Else it hands the batch over at once,
+            // its work: it has readAhead take records apart. Else it hands the batch over at once,
             // being the slower of the two. Either way the caller gets the
             // same records, and makes what was not made here itself.
             batch->madeAhead = reader_.workAhead() == GroupReader::WorkAhead::Always || ahead.callerBehind();
             if (batch->madeAhead) {
-                for (std::size_t i = 0; i < batch->count; ++i) {
-                    const Record& record = batch->records[i];
-                    if (!record.isModelled())
-                        record.packedGroups();
-                    if (readAhead_)
-                        readAhead_(record, batch->made[i]);
-                }
+                for (std::size_t i = 0; i < batch->count && readAhead_; ++i)
+                    readAhead_(batch->records[i], batch->made[i]);
             }
             const bool last = batch->last;
             ahead.give(std::move(batch));

@@ -33,9 +33,13 @@ bool isModelledTable(std::string_view name)
 // groups the writer writes itself (the flags) are not written twice.
 void placeGroupsOfUnmarkedRecord(const Record& record, RecordBasics& basics)
 {
-    for (std::size_t i = 0; i < record.size(); ++i)
-        if (record.at(i).code == 100)
-            return;
+    bool marked = false;
+    record.forEach([&](const Group& g) {
+        marked = g.code == 100;
+        return !marked;
+    });
+    if (marked)
+        return;
     bool inBlock = false;
     for (KxDbFileGroup& g : basics.kept) {
         if (g.part != 0)

@@ -10,8 +10,7 @@ RecordBasics rawRecordBasics(const Record& record)
 {
     RecordBasics basics;
     bool inBlock = false;
-    for (std::size_t i = 0; i < record.size(); ++i) {
-        const Group g = record.at(i);
+    record.forEach([&](const Group& g) {
         if (g.code == 102)
             inBlock = !g.value.empty() && g.value.front() == '{';
         else if ((g.code == 5 || g.code == 105) && basics.handle == 0)
@@ -19,8 +18,9 @@ RecordBasics rawRecordBasics(const Record& record)
         else if (g.code == 330 && !inBlock && basics.owner == 0)
             basics.owner = toHandle(g);
         else if (g.code == 100)
-            break;
-    }
+            return false;
+        return true;
+    });
     return basics;
 }
 
