@@ -88,8 +88,9 @@ public:
 
 private:
     // The usual group, read straight from the buffer: a code of blanks and
-    // digits and a value, both lines ended by a line feed within what is
-    // read. False, with nothing consumed, for anything else.
+    // digits and a value with nothing to decode, both lines ended by a line
+    // feed within what is read. False, with nothing consumed, for anything
+    // else.
     bool nextPlain(Group& group);
     // Every other case: a group pushed back, the first line, other lines.
     bool nextGeneral(Group& group);
