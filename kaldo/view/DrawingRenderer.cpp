@@ -457,19 +457,18 @@ bool drawnAlike(const DrawingPass& first, const DrawingPass& second, PointBudget
     return second.budget.answersAlike(budget);
 }
 
-// Draws model space on two threads, each half of its entities into a
-// scene of its own, and joins the halves into the scene one thread makes.
-// The second half is drawn with a pass of its own, with the whole budget,
-// or none once the first half has spent it (drawn again from its start
-// then); where it might have drawn otherwise than one thread would
-// (drawnAlike), it is drawn again after the first. between, when given,
-// is called after every kEntitiesBetween entities of both halves, while
-// both wait.
-Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, RenderNotes* notes,
-                   std::size_t points, const TextStyleFonts& styles, bool keepTexts,
+// Draws model space, of so many entities, on two threads, each half of
+// them into a scene of its own, and joins the halves into the scene one
+// thread makes. The second half is drawn with a pass of its own, with
+// the whole budget, or none once the first half has spent it (drawn
+// again from its start then); where it might have drawn otherwise than
+// one thread would (drawnAlike), it is drawn again after the first.
+// between, when given, is called after every kEntitiesBetween entities
+// of both halves, while both wait.
+Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, std::size_t entities,
+                   RenderNotes* notes, std::size_t points, const TextStyleFonts& styles, bool keepTexts,
                    const std::function<void()>& between)
 {
-    const auto entities = std::size_t(space.numEntities());
     const std::array iterators{space.newIterator(), space.newIterator()};
     iterators[0]->start();
     const std::size_t boundary = halfway(*iterators[1], entities);
@@ -487,7 +486,6 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, Re
         secondPass->budget.keepQuestions();
         scenes[1] = sceneFor(entities - boundary, keepTexts);
         drawers[1] = std::make_unique<EntityDrawer>(*secondPass, *scenes[1]);
-        *iterators[1] = secondStart;
     };
     scenes[0] = sceneFor(entities, keepTexts);
     drawers[0] = std::make_unique<EntityDrawer>(firstPass, *scenes[0]);
@@ -535,6 +533,7 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, Re
                 if (!restart || stop)
                     break;
                 again = false;
+                *iterators[1] = secondStart;
                 beginSecond(0);
             }
         } catch (...) {
@@ -564,7 +563,8 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, Re
             if (const auto found = drawers[0]->blockShapes().find(block); found != drawers[0]->blockShapes().end())
                 sameShapes.emplace(shape.shape, found->second.shape);
         drawers[0].reset();
-        scenes[0]->append(*scenes[1], sameShapes);
+        scenes[0]->append(std::move(*scenes[1]), sameShapes);
+        scenes[1].reset();
         if (notes) {
             notes->undrawnKinds.merge(secondNotes.undrawnKinds);
             notes->coarse = notes->coarse || budget.spent();
@@ -588,8 +588,9 @@ Scene renderDrawing(const KxDbDatabase& db, RenderNotes* notes, std::size_t poin
 {
     {
         const KxDbObjectPtr<KxDbBlockTableRecord> space(db.modelSpaceId(), KxDb::kForRead);
-        if (space && std::size_t(space->numEntities()) >= kEntitiesForTwoThreads)
-            return drawInHalves(db, *space, notes, points, styles, keepTexts, between);
+        const std::size_t entities = space ? std::size_t(space->numEntities()) : 0;
+        if (entities >= kEntitiesForTwoThreads)
+            return drawInHalves(db, *space, entities, notes, points, styles, keepTexts, between);
     }
     Scene drawing;
     drawModelSpace(db, std::numeric_limits<std::size_t>::max(), [&](Scene& scene) { drawing = std::move(scene); },

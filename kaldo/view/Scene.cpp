@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <numbers>
+#include <type_traits>
 
 #include "kaldo/util/TwoThreads.h"
 #include "kaldo/view/HugePages.h"
@@ -12,6 +14,9 @@
 namespace kaldo::view {
 
 namespace {
+
+// Lists of this many items or more are worked through on two threads.
+constexpr std::size_t kItemsForTwoThreads = 1 << 16;
 
 // Points of the polyline that stands for an arc of a part: a part may be
 // placed scaled differently along x and y, which turns arcs into ellipses.
@@ -321,9 +326,31 @@ int penIn(const std::vector<int>& pens, int pen)
     return pen == kInstancePen ? pen : pens[std::size_t(pen)];
 }
 
+// Moves the items of from after those of to, each changed by adjust, and
+// frees from. A list of plain items is copied a few megabytes at a time,
+// each piece's pages given back once copied, so that joining two large
+// scenes holds little more than the two.
+template <class Item, class Adjust>
+void moveAppend(std::vector<Item>& to, std::vector<Item>& from, const Adjust& adjust)
+{
+    constexpr std::size_t kPiece = (std::size_t(4) << 20) / sizeof(Item);
+    to.reserve(to.size() + from.size());
+    for (std::size_t first = 0; first < from.size(); first += kPiece) {
+        const std::size_t end = std::min(from.size(), first + kPiece);
+        const std::size_t at = to.size();
+        to.insert(to.end(), std::make_move_iterator(from.begin() + std::ptrdiff_t(first)),
+                  std::make_move_iterator(from.begin() + std::ptrdiff_t(end)));
+        for (std::size_t i = at; i < to.size(); ++i)
+            adjust(to[i]);
+        if constexpr (std::is_trivially_copyable_v<Item>)
+            releasePages(from.data() + first, (end - first) * sizeof(Item));
+    }
+    std::vector<Item>().swap(from);
+}
+
 }  // namespace
 
-void Scene::append(const Scene& later, const std::unordered_map<std::uint32_t, std::uint32_t>& sameShapes)
+void Scene::append(Scene&& later, const std::unordered_map<std::uint32_t, std::uint32_t>& sameShapes)
 {
     std::vector<int> patterns(later.m_patterns.size(), 0);
     for (std::size_t p = 1; p < patterns.size(); ++p)
@@ -336,50 +363,50 @@ void Scene::append(const Scene& later, const std::unordered_map<std::uint32_t, s
     const auto firstPoint = std::uint32_t(m_points.size());
     const auto firstPolyline = std::uint32_t(m_polylines.size());
     const auto firstPolygon = std::uint32_t(m_polygons.size());
-    m_points.insert(m_points.end(), later.m_points.begin(), later.m_points.end());
-    for (Polyline polyline : later.m_polylines) {
-        polyline.first += firstPoint;
-        polyline.pen = penIn(pens, polyline.pen);
-        m_polylines.push_back(polyline);
-    }
-    for (Arc arc : later.m_arcs) {
-        arc.pen = penIn(pens, arc.pen);
-        m_arcs.push_back(arc);
-    }
-    for (Polygon polygon : later.m_polygons) {
-        polygon.first += firstPoint;
-        m_polygons.push_back(polygon);
-    }
-    for (const PolylineGroup& group : later.m_groups)
-        m_groups.push_back({group.first + firstPolyline, group.end + firstPolyline, group.width});
-    for (TextLine text : later.m_texts) {
-        text.pen = penIn(pens, text.pen);
-        m_texts.push_back(std::move(text));
-    }
-
-    const std::uint32_t firstLine = later.m_lineLetters ? lineLetters().append(*later.m_lineLetters) : 0;
-    std::vector<std::uint32_t> shapes(later.m_shapes.size());
-    std::vector<ShapeRun> runs;
-    for (std::uint32_t s = 0; s < shapes.size(); ++s) {
-        const Shape& shape = later.m_shapes[s];
-        if (const auto same = sameShapes.find(s); same != sameShapes.end())
-            shapes[s] = same->second;
-        else if (shape.line != kNoLine)
-            shapes[s] = addLineShape(firstLine + shape.line, shape.box);
-        else {
-            runs.clear();
-            for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r)
-                runs.push_back({appendPart(later, later.m_parts[later.m_runs[r].part], pens), later.m_runs[r].shift});
-            shapes[s] = addShape(runs, shape.box, shape.text);
+    // The points, the largest list, on a second thread; the other lists,
+    // which do not touch them, here (what is joined is the halves of a
+    // large drawing).
+    onTwoThreads(true, [&](int half) {
+        if (half == 0) {
+            moveAppend(m_points, later.m_points, [](Point2&) {});
+            return;
         }
-    }
-    for (Instance instance : later.m_instances) {
-        instance.shape = shapes[instance.shape];
-        instance.pen = penIn(pens, instance.pen);
-        instance.polylinesBefore += firstPolyline;
-        instance.polygonsBefore += firstPolygon;
-        m_instances.push_back(instance);
-    }
+        moveAppend(m_polylines, later.m_polylines, [&](Polyline& polyline) {
+            polyline.first += firstPoint;
+            polyline.pen = penIn(pens, polyline.pen);
+        });
+        moveAppend(m_arcs, later.m_arcs, [&](Arc& arc) { arc.pen = penIn(pens, arc.pen); });
+        moveAppend(m_polygons, later.m_polygons, [&](Polygon& polygon) { polygon.first += firstPoint; });
+        moveAppend(m_groups, later.m_groups, [&](PolylineGroup& group) {
+            group.first += firstPolyline;
+            group.end += firstPolyline;
+        });
+        moveAppend(m_texts, later.m_texts, [&](TextLine& text) { text.pen = penIn(pens, text.pen); });
+
+        const std::uint32_t firstLine = later.m_lineLetters ? lineLetters().append(*later.m_lineLetters) : 0;
+        std::vector<std::uint32_t> shapes(later.m_shapes.size());
+        std::vector<ShapeRun> runs;
+        for (std::uint32_t s = 0; s < shapes.size(); ++s) {
+            const Shape& shape = later.m_shapes[s];
+            if (const auto same = sameShapes.find(s); same != sameShapes.end())
+                shapes[s] = same->second;
+            else if (shape.line != kNoLine)
+                shapes[s] = addLineShape(firstLine + shape.line, shape.box);
+            else {
+                runs.clear();
+                for (std::uint32_t r = shape.firstRun; r < shape.endRun; ++r)
+                    runs.push_back(
+                        {appendPart(later, later.m_parts[later.m_runs[r].part], pens), later.m_runs[r].shift});
+                shapes[s] = addShape(runs, shape.box, shape.text);
+            }
+        }
+        moveAppend(m_instances, later.m_instances, [&](Instance& instance) {
+            instance.shape = shapes[instance.shape];
+            instance.pen = penIn(pens, instance.pen);
+            instance.polylinesBefore += firstPolyline;
+            instance.polygonsBefore += firstPolygon;
+        });
+    });
 }
 
 std::uint32_t Scene::appendPart(const Scene& later, const Part& part, const std::vector<int>& pens)
@@ -427,7 +454,6 @@ Bounds Scene::bounds() const
     // The points on one thread, the arcs (which take sines and cosines),
     // texts and instances on another, for a large scene; minima and maxima
     // come out the same either way.
-    constexpr std::size_t kItemsForTwoThreads = 1 << 16;
     std::array<Bounds, 2> halves;
     onTwoThreads(m_points.size() + m_arcs.size() >= kItemsForTwoThreads, [&](int half) {
         Bounds& b = halves[std::size_t(half)];

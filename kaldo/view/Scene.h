@@ -241,8 +241,10 @@ public:
     // shapes taken over in the order later met them (those this scene has
     // keep their numbers), its items after these. sameShapes maps shapes
     // of later to the shapes of this scene that draw the same (a block
-    // both drew), whose parts are not added again.
-    void append(const Scene& later, const std::unordered_map<std::uint32_t, std::uint32_t>& sameShapes);
+    // both drew), whose parts are not added again. later's lists of items
+    // are freed as they are taken over, so that the two scenes are not
+    // held twice.
+    void append(Scene&& later, const std::unordered_map<std::uint32_t, std::uint32_t>& sameShapes);
 
     const std::vector<Point2>& points() const { return m_points; }
     const std::vector<Polyline>& polylines() const { return m_polylines; }
