@@ -5,11 +5,13 @@
 // as a share of the file's size); what tearing the opened drawing down
 // object by object costs (the host skips it at exit); saving and opening
 // with a progress report; opening with every record read on the caller's
-// thread, and the caller's CPU time.
+// thread, and the caller's CPU time; saving a mixed drawing given by
+// KALDO_BENCH_MIXED_DXF on two threads and on one.
 // KALDO_BENCH_MULTILINES changes the count (ezdxf needs minutes and
 // gigabytes for the full file); KALDO_BENCH_DXF names a file to write the
 // drawing to and keep, for timing whole runs of the host on it.
 #include "PeakMemory.h"
+#include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DxfFile.h"
 #include "kaldo/dxf/GroupReader.h"
 #include "kxdb.h"
@@ -204,6 +206,51 @@ void BM_ReportedOpen(benchmark::State& state)
     state.counters["reports"] = progress.reports / double(state.iterations());
 }
 BENCHMARK(BM_ReportedOpen)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// Saving the drawing KALDO_BENCH_MIXED_DXF names (bench/compare.sh makes
+// mixed ones), its entities made on two threads or on one: wall time and
+// the process's CPU time.
+void timeMixedSaves(benchmark::State& state, bool oneThread)
+{
+    const char* path = std::getenv("KALDO_BENCH_MIXED_DXF");
+    if (!path) {
+        state.SkipWithError("KALDO_BENCH_MIXED_DXF names no drawing");
+        return;
+    }
+    static kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(path);
+    const QTemporaryDir dir;
+    const std::filesystem::path out = dir.filePath("mixed.dxf").toStdString();
+    double cpuSeconds = 0;
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        timespec cpuStart{};
+        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &cpuStart);
+        kaldo::dxf::writeFileAtomically(out, [&](int fd) {
+            kaldo::dxf::writeDxf(fd, *drawing.database, drawing.kept, {}, {4096, oneThread});
+        });
+        timespec cpuEnd{};
+        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &cpuEnd);
+        cpuSeconds += double(cpuEnd.tv_sec - cpuStart.tv_sec) + 1e-9 * double(cpuEnd.tv_nsec - cpuStart.tv_nsec);
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const double megabytes = double(std::filesystem::file_size(out)) / 1e6;
+        state.SetIterationTime(seconds);
+        state.counters["MB"] = megabytes;
+        state.counters["MB/s"] = megabytes / seconds;
+    }
+    state.counters["cpu_ms"] = 1000 * cpuSeconds / double(state.iterations());
+}
+
+void BM_SaveMixedDrawing(benchmark::State& state)
+{
+    timeMixedSaves(state, false);
+}
+BENCHMARK(BM_SaveMixedDrawing)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void BM_SaveMixedDrawingOnOneThread(benchmark::State& state)
+{
+    timeMixedSaves(state, true);
+}
+BENCHMARK(BM_SaveMixedDrawingOnOneThread)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_TearDownDrawing(benchmark::State& state)
 {

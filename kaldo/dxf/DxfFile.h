@@ -2,6 +2,7 @@
 // writing a database (with what its file held beyond it) to a file.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -38,12 +39,21 @@ struct DxfDrawing {
 DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter = {});
 DxfDrawing readDxfFile(const std::filesystem::path& path, const ProgressReport& report = {});
 
+// How the entities of model and paper space are written: a chunk of this
+// many at a time, the texts of the chunks made on two threads when there
+// is more than one chunk, unless oneThread. The bytes are the same.
+struct EntityChunks {
+    std::size_t entities = 4096;
+    bool oneThread = false;
+};
+
 // Writes the drawing. Gives blocks that have none their begin and end
 // records first (so the database may gain objects). Throws DxfError. The
 // report is told the entities and objects written of the objects the
 // database holds; it is last asked before the final flush, and Cancelled
 // is thrown when it stops the writing.
-void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport& report = {});
+void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport& report = {},
+              EntityChunks chunks = {});
 // Writes atomically: the old file stays whole when anything fails or the
 // report stops the writing.
 void saveDxfFile(const std::filesystem::path& path, KxDbDatabase& db, KeptSections& kept, bool replaceReadOnly = false,

@@ -11,16 +11,15 @@
 #include "kaldo/dxf/HeaderSection.h"
 #include "kaldo/dxf/ObjectRecords.h"
 #include "kaldo/dxf/RecordWriting.h"
+#include "kaldo/dxf/SpaceEntities.h"
 #include "kaldo/dxf/TablesSection.h"
 #include "kaldo/dxf/UnmodelledRecords.h"
 #include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
-#include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 #include "kxdbunmodelled.h"
 
 #include <algorithm>
-#include <future>
 #include <vector>
 
 namespace kaldo::dxf {
@@ -76,98 +75,6 @@ void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
     writeUnmodelledRecord(w, record->dxfName(), record->packedGroups(), record->handle());
 }
 
-// A record that cannot be written: the message names it, so that the user
-// knows what to change.
-[[noreturn]] void refuseRecord(const KxDbObject& obj, const DxfError& error)
-{
-    std::string named = "the object with handle " + handleText(obj.handle());
-    if (const auto* style = KxDbMlineStyle::cast(&obj))
-        named = "the multiline style \"" + utf8FromWide(style->name()) + "\" (handle " + handleText(obj.handle()) + ")";
-    else if (KxDbEntity::cast(&obj))
-        named = "the entity with handle " + handleText(obj.handle());
-    throw DxfError(0, named + ": " + error.what());
-}
-
-void writeEntityRecord(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
-{
-    try {
-        writeEntity(w, db, entity, names);
-    } catch (const DxfError& e) {
-        refuseRecord(entity, e);
-    }
-}
-
-// The entities of model and paper space, a chunk at a time, so that no
-// list of them all is held beside the blocks' walks.
-class SpaceChunks {
-public:
-    static constexpr std::size_t kChunk = 4096;
-    explicit SpaceChunks(const KxDbDatabase& db) : db_(db) {}
-
-    // Fills chunk with the next entities; empty once all were given.
-    void next(std::vector<const KxDbEntity*>& chunk)
-    {
-        chunk.clear();
-        while (chunk.size() < kChunk) {
-            if (!walk_ || walk_->done()) {
-                if (space_ == 2)
-                    return;
-                const KxDbObjectId space = space_++ == 0 ? db_.modelSpaceId() : db_.paperSpaceId();
-                const auto* block = KxDbBlockTableRecord::cast(db_.peekObject(space));
-                walk_ = block ? block->newIterator() : nullptr;
-                continue;
-            }
-            if (const auto* entity = KxDbEntity::cast(db_.peekObject(walk_->getEntityId())))
-                chunk.push_back(entity);
-            walk_->step();
-        }
-    }
-
-private:
-    const KxDbDatabase& db_;
-    int space_ = 0;
-    std::unique_ptr<KxDbBlockTableRecordIterator> walk_;
-};
-
-// The entities of model and paper space: a second thread makes the text of
-// every other chunk in memory while this one writes the chunk before it to
-// the file, then that text follows. Reading the drawing from two threads
-// is safe, as nothing changes it while it is saved. The bytes, the first
-// refused entity and the progress are those of one thread.
-void writeSpaces(GroupWriter& w, const KxDbDatabase& db, const KeptSections& kept, NameCache& names,
-                 ProgressMeter& meter)
-{
-    GroupWriter apart;
-    apart.encodeAs(writtenVersion(kept), kept.codePage);
-    NameCache apartNames(db);
-    SpaceChunks chunks(db);
-    std::vector<const KxDbEntity*> mine;
-    std::vector<const KxDbEntity*> theirs;
-    for (;;) {
-        chunks.next(mine);
-        chunks.next(theirs);
-        if (mine.empty())
-            return;
-        std::future<void> made;
-        if (!theirs.empty())
-            made = std::async(std::launch::async, [&] {
-                for (const KxDbEntity* entity : theirs)
-                    writeEntityRecord(apart, db, *entity, apartNames);
-            });
-        for (const KxDbEntity* entity : mine) {
-            writeEntityRecord(w, db, *entity, names);
-            meter.record();
-        }
-        if (!made.valid())
-            return;
-        made.get();
-        w.raw(apart.written());
-        apart.clear();
-        for (std::size_t i = 0; i < theirs.size(); ++i)
-            meter.record();
-    }
-}
-
 void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTableRecord& block, NameCache& names,
                      ProgressMeter& meter)
 {
@@ -189,7 +96,7 @@ void writeKeptSection(GroupWriter& w, const std::string& name, const std::vector
 
 }  // namespace
 
-void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport& report)
+void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport& report, EntityChunks chunks)
 {
     addMissingBlockEnds(db, kept);
     // The list of objects is taken for their count and again for the OBJECTS
@@ -218,7 +125,8 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
 
     w.text(0, "SECTION");
     w.text(2, "ENTITIES");
-    writeSpaces(w, db, kept, names, meter);
+    w.flush();
+    writeSpaceEntities(fd, db, kept, names, meter, chunks);
     w.text(0, "ENDSEC");
 
     w.text(0, "SECTION");

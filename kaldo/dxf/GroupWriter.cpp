@@ -1,5 +1,6 @@
 #include "kaldo/dxf/GroupWriter.h"
 
+#include "kaldo/dxf/DecimalText.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/util/FileAccess.h"
 #include "kaldo/util/Utf8.h"
@@ -11,7 +12,6 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <string>
 #include <numbers>
 
@@ -41,43 +41,6 @@ void requireFinite(int groupCode, double value)
     if (!std::isfinite(value))
         throw DxfError(0, "the drawing holds a number that is not finite (group " + std::to_string(groupCode) + ").");
 }
-// The text of a value from 1 up with few decimals ("-57055.728"), written
-// at out without to_chars's general search; nullptr, with nothing written,
-// for whole values, values below 1 and those that need many digits. With k
-// decimals, the value's text is m / 10^k for the whole number m nearest to
-// value * 10^k: below 2^49, no other whole number comes within 1/16 of it,
-// and m / 10^k (both exact, one rounding) reads back as the value exactly
-// when that text does. The first k that reads back gives the fewest digits,
-// the text to_chars gives as well: for values from 1 up that are not whole,
-// the form with decimals is shorter than the scientific one.
-char* writeFewDecimals(double value, char* out)
-{
-    static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                              1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    const double magnitude = std::abs(value);
-    if (!(magnitude >= 1) || magnitude == std::trunc(magnitude))
-        return nullptr;
-    for (int decimals = 1; decimals < int(std::size(kPowersOfTen)); ++decimals) {
-        const double scaled = magnitude * kPowersOfTen[decimals];
-        if (scaled >= 0x1p49)
-            return nullptr;
-        const auto whole = std::uint64_t(scaled + 0.5);
-        if (double(whole) / kPowersOfTen[decimals] != magnitude)
-            continue;
-        char digits[24];
-        const char* const digitsEnd = std::to_chars(digits, digits + sizeof digits, whole).ptr;
-        const std::size_t wholeDigits = std::size_t(digitsEnd - digits) - std::size_t(decimals);
-        if (value < 0)
-            *out++ = '-';
-        std::memcpy(out, digits, wholeDigits);
-        out += wholeDigits;
-        *out++ = '.';
-        std::memcpy(out, digits + wholeDigits, std::size_t(decimals));
-        return out + decimals;
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 GroupWriter::GroupWriter(int fd)
@@ -102,13 +65,6 @@ void GroupWriter::makeRoom(std::size_t bytes)
     flush();
     if (bytes > buffer_.size())
         buffer_.resize(bytes);
-}
-
-void GroupWriter::raw(std::string_view bytes)
-{
-    ensure(bytes.size());
-    std::memcpy(buffer_.data() + used_, bytes.data(), bytes.size());
-    used_ += bytes.size();
 }
 
 inline void GroupWriter::code(int code)
@@ -164,7 +120,7 @@ void GroupWriter::real(int groupCode, double value)
         // Whole numbers below 100000 are written as integers, far quicker and
         // the same text the shortest form gives them (not so for -0, kept as "-0").
         out = std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr;
-    } else if (char* const written = writeFewDecimals(value, start)) {
+    } else if (char* const written = writeShortestDecimal(value, start)) {
         out = written;
     } else {
         const std::uint64_t bits = std::bit_cast<std::uint64_t>(value);
@@ -207,12 +163,14 @@ void GroupWriter::handle(int groupCode, std::uint64_t value)
 
 void GroupWriter::degrees(int groupCode, double radians)
 {
-    requireFinite(groupCode, radians * (180.0 / std::numbers::pi));
+    const double degrees = radians * (180.0 / std::numbers::pi);
+    requireFinite(groupCode, degrees);
     code(groupCode);
     ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
-    char* out = std::to_chars(start, start + kNumberRoom, radians * (180.0 / std::numbers::pi),
-                              std::chars_format::general, 15).ptr;
+    char* out = writeFifteenDigits(degrees, start);
+    if (!out)
+        out = std::to_chars(start, start + kNumberRoom, degrees, std::chars_format::general, 15).ptr;
     *out++ = '\n';
     used_ += std::size_t(out - start);
 }
@@ -226,10 +184,14 @@ void GroupWriter::point(int groupCode, double x, double y, double z)
 
 void GroupWriter::flush()
 {
-    if (fd_ < 0)
-        return;
+    if (fd_ >= 0)
+        writeTo(fd_);
+}
+
+void GroupWriter::writeTo(int fd)
+{
     try {
-        writeAll(fd_, std::string_view(buffer_.data(), used_));
+        writeAll(fd, written());
     } catch (const FileError& e) {
         throw DxfError(0, e.what());
     }

@@ -21,8 +21,8 @@ public:
     // Writes to fd (not owned); flush() or the destructor's caller must
     // flush. Errors are thrown as DxfError with the system's reason.
     explicit GroupWriter(int fd);
-    // Writes into memory only, for a part of a file made apart: written()
-    // holds the text until clear().
+    // Writes into memory only, for a part of a file made apart: the text
+    // is held until writeTo().
     GroupWriter();
     GroupWriter(const GroupWriter&) = delete;
     GroupWriter& operator=(const GroupWriter&) = delete;
@@ -47,14 +47,13 @@ public:
     void point(int code, const KxGePoint3d& p) { point(code, p.x, p.y, p.z); }
     void vector(int code, const KxGeVector3d& v) { point(code, v.x, v.y, v.z); }
 
-    // Text formatted elsewhere, as it stands.
-    void raw(std::string_view bytes);
-    std::string_view written() const { return std::string_view(buffer_.data(), used_); }
-    void clear() { used_ = 0; }
-
     void flush();
+    // Writes the text held to fd (a writer of memory only, whose text goes
+    // to a file in its turn) and drops it. Errors as flush().
+    void writeTo(int fd);
 
 private:
+    std::string_view written() const { return std::string_view(buffer_.data(), used_); }
     void code(int code);
     // The code and the value as they stand.
     void line(int code, std::string_view value);

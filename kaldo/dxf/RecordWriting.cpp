@@ -1,7 +1,9 @@
 #include "kaldo/dxf/RecordWriting.h"
 
 #include "kaldo/dxf/GroupReader.h"
+#include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
+#include "kxdbmlstyle.h"
 
 #include <charconv>
 #include <cstdio>
@@ -13,6 +15,16 @@ std::string handleText(std::uint64_t handle)
     char text[24];
     std::snprintf(text, sizeof text, "%llX", static_cast<unsigned long long>(handle));
     return text;
+}
+
+void refuseRecord(const KxDbObject& obj, const DxfError& error)
+{
+    std::string named = "the object with handle " + handleText(obj.handle());
+    if (const auto* style = KxDbMlineStyle::cast(&obj))
+        named = "the multiline style \"" + utf8FromWide(style->name()) + "\" (handle " + handleText(obj.handle()) + ")";
+    else if (KxDbEntity::cast(&obj))
+        named = "the entity with handle " + handleText(obj.handle());
+    throw DxfError(0, named + ": " + error.what());
 }
 
 std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kxdbobject.h"
 
@@ -14,6 +15,10 @@ void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part);
 // The integer value of the first kept group of code, or fallback.
 std::int64_t keptInteger(const KxDbObject& obj, int code, std::int64_t fallback);
 void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, int skippedCode);
+// A record that cannot be written: throws a DxfError that names it (by its
+// handle, a multiline style by its name too), so that the user knows what
+// to change, followed by error's reason.
+[[noreturn]] void refuseRecord(const KxDbObject& obj, const DxfError& error);
 // A handle as files write it: upper-case hexadecimal.
 std::string handleText(std::uint64_t handle);
 // The handle of the object id names, 0 for a null or foreign id.

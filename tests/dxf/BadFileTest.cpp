@@ -15,12 +15,17 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <csignal>
+#include <cstdio>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <memory>
+#include <string>
 #include <utility>
 #include <vector>
+#include <sys/resource.h>
 #include <unistd.h>
 
 using ::testing::EndsWith;
@@ -136,6 +141,93 @@ TEST(DxfBadFiles, NumbersThatAreNotFiniteAreNeitherReadNorWritten)
         at = saved.find("LINE\n  5\n" + handleOf(i) + "\n", at);
         ASSERT_NE(at, std::string::npos) << i;
     }
+}
+
+// The entities of model and paper space are written in chunks, their texts
+// made on two threads: the bytes and the progress are those of one thread
+// whatever the chunks' size, and a write that fails in any chunk (a file
+// grown past the process's limit, as a full disk would stop it) leaves the
+// old file whole with the system's reason.
+TEST(DxfBadFiles, EntitiesWrittenOnTwoThreadsAreThoseOfOneAndAFailedWriteKeepsTheOldFile)
+{
+    std::string entities;
+    for (int i = 0; i < 12000; ++i) {
+        const std::string xText = std::to_string(i * 1.37 + 0.001 * (i % 7));
+        const std::string yText = std::to_string(i % 101 * 0.25 + 1e-9 * i);
+        const std::string words = "Room " + xText;
+        const char* const x = xText.c_str();
+        const char* const y = yText.c_str();
+        const char* const layer = i % 3 ? "0" : "WALLS";
+        switch (i % 5) {
+        case 0:
+            entities += groupText({"0", "LINE", "8", layer, "10", x, "20", y, "11", y, "21", x});
+            break;
+        case 1:
+            entities += groupText({"0", "ARC", "8", layer, "10", x, "20", y, "40", "2.5", "50", "10.5", "51", "190.25"});
+            break;
+        case 2:
+            entities += groupText({"0", "CIRCLE", "8", layer, "10", x, "20", y, "40", y});
+            break;
+        case 3:
+            entities += groupText({"0", "LWPOLYLINE", "8", layer, "90", "3", "70", "1", "10", x, "20", y, "10", y,
+                                   "20", x, "42", "0.5", "10", "1", "20", "2"});
+            break;
+        default:
+            entities += groupText({"0", "TEXT", "8", layer, "10", x, "20", y, "40", "2.5", "1", words.c_str()});
+        }
+    }
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(entities, ""));
+    using Report = std::pair<std::uint64_t, std::uint64_t>;
+    const auto save = [&](int fd, kaldo::dxf::EntityChunks chunks, std::vector<Report>& reports) {
+        kaldo::dxf::writeDxf(
+            fd, *drawing.database, drawing.kept,
+            [&](std::uint64_t done, std::uint64_t total) {
+                reports.emplace_back(done, total);
+                return true;
+            },
+            chunks);
+    };
+    const auto saved = [&](kaldo::dxf::EntityChunks chunks, std::vector<Report>& reports) {
+        std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
+        save(fileno(file.get()), chunks, reports);
+        std::string text(std::size_t(std::ftell(file.get())), '\0');
+        std::rewind(file.get());
+        text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+        return text;
+    };
+    std::vector<Report> oneThreadReports;
+    const std::string oneThread = saved({4096, true}, oneThreadReports);
+    ASSERT_GT(oneThread.size(), 1000000u);
+    for (const std::size_t size : {std::size_t(1), std::size_t(7), std::size_t(4096)}) {
+        std::vector<Report> reports;
+        EXPECT_TRUE(saved({size, false}, reports) == oneThread) << size;
+        EXPECT_EQ(reports, oneThreadReports) << size;
+    }
+
+    QTemporaryDir dir;
+    const std::filesystem::path target = dir.filePath("drawing.dxf").toStdString();
+    std::ofstream(target) << "old";
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    for (const double share : {0.2, 0.45, 0.6, 0.85}) {
+        rlimit smaller = limit;
+        smaller.rlim_cur = rlim_t(share * double(oneThread.size()));
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &smaller), 0);
+        std::string message;
+        try {
+            kaldo::dxf::saveDxfFile(target, *drawing.database, drawing.kept);
+        } catch (const kaldo::dxf::DxfError& e) {
+            message = e.what();
+        }
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+        EXPECT_THAT(message, ::testing::HasSubstr("File too large")) << share;
+        EXPECT_EQ(fileText(target), "old");
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path().toStdString()), {}), 1);
+    }
+    std::signal(SIGXFSZ, ignored);
+    kaldo::dxf::saveDxfFile(target, *drawing.database, drawing.kept);
+    EXPECT_TRUE(fileText(target) == oneThread);
 }
 
 // What the reader would refuse is not saved either: the message names it,

@@ -3,20 +3,22 @@
 // its quick way for plain decimals gives the values from_chars gives, and
 // refuses what it refuses or reads as no finite number, and handles as
 // from_chars reads hexadecimal numbers; the
-// writer's quick ways for codes, whole numbers and repeated values give the
-// shortest form's text.
+// writer's quick ways for codes, whole numbers, decimals and repeated values
+// give the shortest form's text, and for degrees the text of fifteen digits.
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/TextCodec.h"
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <numbers>
 #include <random>
 #include <string>
 #include <vector>
@@ -168,29 +170,60 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
         }
     }
     for (const double edge : {1.5, 0.5, 0.9999999, 1.0000000000000002, 99999.99999, 562949953421311.5,
-                              562949953421312.5, 1e14 + 0.25, 4503599627370495.5, 0x1p49 / 1e3, 123456.1e-3})
+                              562949953421312.5, 1e14 + 0.25, 4503599627370495.5, 0x1p49 / 1e3, 123456.1e-3,
+                              9.9999999999999982, 0x1p52 - 0.5, 0x1p52, 0x1p52 + 1, 1e15 - 0.125, 0x1p50 + 0.25,
+                              0x1p50 + 0.75, 0x1p49 + 0.125})
         values.push_back(edge);
+    // Any bits of every exponent from 1 to 2^53, and halves (ties at some
+    // count of decimals).
+    for (int i = 0; i < 200000; ++i) {
+        const std::uint64_t bits = (random() & ((std::uint64_t(1) << 52) - 1))
+                                   | (std::uint64_t(1023 + random() % 53) << 52) | (random() % 2) << 63;
+        values.push_back(std::bit_cast<double>(bits));
+        values.push_back((double(random() % 1000000) + 0.5) / std::pow(10.0, double(random() % 12)));
+    }
     // The codes right-aligned in three places, wider ones as they are.
     const std::vector<std::pair<int, std::string>> codes = {
         {0, "  0"}, {5, "  5"}, {40, " 40"}, {105, "105"}, {999, "999"}, {1071, "1071"}, {-4, "-4"}};
+    // Angles in degrees, to fifteen significant digits: the same values as
+    // radians, and whole and rounded degrees.
+    std::vector<double> radians;
+    for (const double value : values)
+        radians.push_back(value / (180.0 / std::numbers::pi));
+    for (int i = -3600; i <= 3600; ++i)
+        radians.push_back(i * 0.1 * std::numbers::pi / 180);
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
     ASSERT_TRUE(file);
     {
         kaldo::dxf::GroupWriter writer(fileno(file.get()));
         for (std::size_t i = 0; i < values.size(); ++i)
             writer.real(codes[i % codes.size()].first, values[i]);
+        for (const double angle : radians)
+            writer.degrees(50, angle);
         writer.flush();
     }
     std::string written(std::size_t(std::ftell(file.get())), '\0');
     std::rewind(file.get());
     written.resize(std::fread(written.data(), 1, written.size(), file.get()));
     std::size_t at = 0;
+    const auto expect = [&](const std::string& code, const char* text, const char* end, double value) {
+        const std::string expected = code + "\n" + std::string(text, end) + "\n";
+        EXPECT_EQ(written.substr(at, expected.size()), expected) << value;
+        at += expected.size();
+        return written.compare(at - expected.size(), expected.size(), expected) == 0;
+    };
     for (std::size_t i = 0; i < values.size(); ++i) {
         char text[64];
-        char* const end = std::to_chars(text, text + sizeof text, values[i]).ptr;
-        const std::string expected = codes[i % codes.size()].second + "\n" + std::string(text, end) + "\n";
-        ASSERT_EQ(written.substr(at, expected.size()), expected) << values[i];
-        at += expected.size();
+        if (!expect(codes[i % codes.size()].second, text, std::to_chars(text, text + sizeof text, values[i]).ptr,
+                    values[i]))
+            return;
+    }
+    for (const double angle : radians) {
+        char text[64];
+        const double degrees = angle * (180.0 / std::numbers::pi);
+        if (!expect(" 50", text, std::to_chars(text, text + sizeof text, degrees, std::chars_format::general, 15).ptr,
+                    degrees))
+            return;
     }
     EXPECT_EQ(at, written.size());
 }

@@ -1,0 +1,171 @@
+#include "kaldo/dxf/DecimalText.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+namespace kaldo::dxf {
+
+namespace {
+
+// The product of a significand (below 2^53) and a power of ten (at most
+// 10^17) needs up to 110 bits.
+__extension__ typedef unsigned __int128 Wide;
+
+constexpr std::array<std::uint64_t, 18> kPowersOfTen = [] {
+    std::array<std::uint64_t, 18> powers{};
+    std::uint64_t power = 1;
+    for (std::uint64_t& p : powers) {
+        p = power;
+        power *= 10;
+    }
+    return powers;
+}();
+
+// A magnitude from 1 up to 2^52 exactly: significand / 2^shift, with the
+// shift from 1 to 52.
+struct Binary {
+    std::uint64_t significand = 0;
+    int shift = 0;
+};
+
+bool takeBinary(double magnitude, Binary& binary)
+{
+    if (!(magnitude >= 1 && magnitude < 0x1p52))
+        return false;
+    const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+    binary.significand = (bits & ((std::uint64_t(1) << 52) - 1)) | (std::uint64_t(1) << 52);
+    binary.shift = 1075 - int(bits >> 52);
+    return true;
+}
+
+// The count of digits of the whole part (1 to 16).
+int wholeDigits(const Binary& binary)
+{
+    const std::uint64_t whole = binary.significand >> binary.shift;
+    int digits = 1;
+    while (whole >= kPowersOfTen[digits])
+        ++digits;
+    return digits;
+}
+
+// The whole number nearest to the value times 10^decimals, and twice its
+// distance from that product in units of 2^-shift; a tie when the product
+// lies halfway between two whole numbers.
+struct Scaled {
+    std::uint64_t nearest = 0;
+    std::uint64_t twiceDistance = 0;
+    bool tie = false;
+};
+
+Scaled scaled(const Binary& binary, int decimals)
+{
+    const Wide exact = Wide(binary.significand) * kPowersOfTen[decimals];
+    const auto low = std::uint64_t(exact);
+    const auto high = std::uint64_t(exact >> 64);
+    // The shift is below 64: the quotient takes bits of both halves.
+    const std::uint64_t quotient = (high << (64 - binary.shift)) | (low >> binary.shift);
+    const std::uint64_t remainder = low & ((std::uint64_t(1) << binary.shift) - 1);
+    const std::uint64_t half = std::uint64_t(1) << (binary.shift - 1);
+    // Without branches: rounding up or down is as likely.
+    const std::uint64_t distance = std::min(remainder, (half << 1) - remainder);
+    return {quotient + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
+}
+
+char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, char* out)
+{
+    static constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                                     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                                     "8081828384858687888990919293949596979899";
+    if (negative)
+        *out++ = '-';
+    char* const end = out + whole + (decimals > 0 ? 1 + decimals : 0);
+    char* at = end;
+    const auto take = [&](int count) {
+        for (; count >= 2; count -= 2) {
+            at -= 2;
+            std::memcpy(at, kPairs + 2 * (digits % 100), 2);
+            digits /= 100;
+        }
+        if (count == 1) {
+            *--at = char('0' + digits % 10);
+            digits /= 10;
+        }
+    };
+    if (decimals > 0) {
+        take(decimals);
+        *--at = '.';
+    }
+    take(whole);
+    return end;
+}
+
+}  // namespace
+
+char* writeShortestDecimal(double value, char* out)
+{
+    const double magnitude = std::abs(value);
+    Binary binary;
+    if (!takeBinary(magnitude, binary) || magnitude == std::trunc(magnitude))
+        return nullptr;
+    // The text with the fewest decimals that reads back: with a given count
+    // of decimals, the nearest text reads back when it lies within half a
+    // unit in the value's last place. None lies on that edge, which has one
+    // decimal more than the value's own exact text: with that many
+    // decimals, the exact text is the nearest. When one count reads back,
+    // every larger one does, and seventeen significant digits always do.
+    // Such a text with decimals is shorter than the scientific form.
+    Scaled found;
+    bool tie = false;
+    const auto readsBack = [&](int decimals) {
+        found = scaled(binary, decimals);
+        tie = tie || found.tie;
+        return found.twiceDistance < kPowersOfTen[decimals];
+    };
+    // Values typed or snapped have few decimals, computed ones mostly need
+    // sixteen or seventeen significant digits: up to three decimals are
+    // tried first, then fifteen significant digits.
+    const int whole = wholeDigits(binary);
+    const int most = 17 - whole;
+    int decimals = 1;
+    while (decimals < most && decimals <= 3 && !readsBack(decimals))
+        ++decimals;
+    if (decimals == 4 && most > 6 && !readsBack(most - 2))
+        decimals = most - 1;
+    while (decimals < most && !readsBack(decimals))
+        ++decimals;
+    if (decimals == most)
+        readsBack(most);
+    if (tie)
+        return nullptr;
+    return writeDigits(value < 0, found.nearest, whole, decimals, out);
+}
+
+char* writeFifteenDigits(double value, char* out)
+{
+    const double magnitude = std::abs(value);
+    Binary binary;
+    if (!takeBinary(magnitude, binary))
+        return nullptr;
+    const int whole = wholeDigits(binary);
+    if (whole > 15)
+        return nullptr;
+    int decimals = 15 - whole;
+    const Scaled rounded = scaled(binary, decimals);
+    if (rounded.tie || rounded.nearest >= kPowersOfTen[15])
+        return nullptr;
+    // The general form drops the zeros that end the decimals, and the point
+    // when none is left.
+    std::uint64_t digits = rounded.nearest;
+    while (decimals > 0 && digits % 10 == 0) {
+        digits /= 10;
+        --decimals;
+    }
+    return writeDigits(value < 0, digits, whole, decimals, out);
+}
+
+}  // namespace kaldo::dxf

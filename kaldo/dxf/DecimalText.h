@@ -1,0 +1,21 @@
+// Texts of reals from 1 up to 2^52 in magnitude, made in whole-number
+// arithmetic that is exact (the value's significand times a power of ten)
+// instead of std::to_chars's general search, giving the same texts.
+#pragma once
+
+namespace kaldo::dxf {
+
+// Writes at out the text std::to_chars(out, end, value) gives, for a value
+// that is not whole and lies from 1 up to 2^52 in magnitude; returns the
+// end of the text, or nullptr, with nothing written, for other values and
+// for the rare value that lies halfway between two texts.
+char* writeShortestDecimal(double value, char* out);
+
+// Writes at out the text std::to_chars(out, end, value,
+// std::chars_format::general, 15) gives, for a value from 1 up to 2^52 in
+// magnitude; returns the end of the text, or nullptr, with nothing
+// written, for other values, for those that round up to 10^15 and for the
+// rare value that lies halfway between two texts.
+char* writeFifteenDigits(double value, char* out);
+
+}  // namespace kaldo::dxf
