@@ -120,7 +120,18 @@ public:
             const bool dashed = choosePen(m_scene.pens()[p]);
             const std::uint32_t linesEnd = lines.starts[p + 1];
             for (std::uint32_t i = lines.starts[p]; i < linesEnd && !stopped(); ++i) {
-                prefetchLines(lines, i, linesEnd);
+                // (A function of prefetches alone would be dropped as
+                // doing nothing.)
+                if (i + 2 * kAhead < linesEnd && !lines.order[i + 2 * kAhead].instance)
+                    __builtin_prefetch(&m_scene.polylines()[lines.order[i + 2 * kAhead].index]);
+                if (i + kAhead < linesEnd && !lines.order[i + kAhead].instance) {
+                    const Polyline& ahead = m_scene.polylines()[lines.order[i + kAhead].index];
+                    const char* const first = reinterpret_cast<const char*>(&m_scene.points()[ahead.first]);
+                    const char* const last = reinterpret_cast<const char*>(&m_scene.points()[ahead.first + ahead.count]) - 1;
+                    for (const char* line = first; line < std::min(last, first + kAheadBytes); line += kCacheLine)
+                        __builtin_prefetch(line);
+                    __builtin_prefetch(last);
+                }
                 const SceneItem item = lines.order[i];
                 if (item.instance)
                     paintInstance(m_scene.instances()[item.index], int(p), dashed);
@@ -156,20 +167,14 @@ private:
 
     // How many items ahead of the one painted the memory of an item is
     // asked for, so that reading it does not wait: items of one pen lie
-    // apart in the scene, and a polyline's points apart from its record.
+    // apart in the scene, and a polyline's points apart from its record
+    // (asked for 2 kAhead items ahead, its points kAhead ahead, up to
+    // kAheadBytes of them and the last).
     static constexpr std::uint32_t kAhead = 8;
+    static constexpr std::ptrdiff_t kCacheLine = 64;
+    static constexpr std::ptrdiff_t kAheadBytes = 8 * kCacheLine;
 
     bool stopped() const { return m_stop && m_stop->load(std::memory_order_relaxed); }
-
-    // Asks for the record of the polyline 2 kAhead items on and for the
-    // first points of the one kAhead items on.
-    void prefetchLines(const LineGroups& lines, std::uint32_t i, std::uint32_t end) const
-    {
-        if (i + 2 * kAhead < end && !lines.order[i + 2 * kAhead].instance)
-            __builtin_prefetch(&m_scene.polylines()[lines.order[i + 2 * kAhead].index]);
-        if (i + kAhead < end && !lines.order[i + kAhead].instance)
-            __builtin_prefetch(&m_scene.points()[m_scene.polylines()[lines.order[i + kAhead].index].first]);
-    }
 
     QPointF pixel(const Point2& p) const { return {m_frame.x(p.x), m_frame.y(p.y)}; }
 
