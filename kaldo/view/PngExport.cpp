@@ -124,10 +124,13 @@ public:
                 // doing nothing.)
                 if (i + 2 * kAhead < linesEnd && !lines.order[i + 2 * kAhead].instance)
                     __builtin_prefetch(&m_scene.polylines()[lines.order[i + 2 * kAhead].index]);
-                if (i + kAhead < linesEnd && !lines.order[i + kAhead].instance) {
-                    const Polyline& ahead = m_scene.polylines()[lines.order[i + kAhead].index];
-                    const char* const first = reinterpret_cast<const char*>(&m_scene.points()[ahead.first]);
-                    const char* const last = reinterpret_cast<const char*>(&m_scene.points()[ahead.first + ahead.count]) - 1;
+                const Polyline* const ahead = i + kAhead < linesEnd && !lines.order[i + kAhead].instance
+                    ? &m_scene.polylines()[lines.order[i + kAhead].index]
+                    : nullptr;
+                if (ahead && ahead->count > 0) {
+                    const Point2* const points = m_scene.points().data() + ahead->first;
+                    const char* const first = reinterpret_cast<const char*>(points);
+                    const char* const last = reinterpret_cast<const char*>(points + ahead->count) - 1;
                     for (const char* line = first; line < std::min(last, first + kAheadBytes); line += kCacheLine)
                         __builtin_prefetch(line);
                     __builtin_prefetch(last);
