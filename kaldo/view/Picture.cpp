@@ -7,6 +7,7 @@
 #include <map>
 #include <numeric>
 #include <optional>
+#include <utility>
 
 namespace kaldo::view {
 
@@ -129,23 +130,28 @@ void visitInOrder(std::size_t items, const std::vector<std::uint32_t>* chosenIte
 LineGroups groupLines(const Scene& scene, const std::vector<std::uint32_t>* polylines,
                       const std::vector<std::uint32_t>* instances)
 {
+    // Each item's pens are read once (chosen items lie apart in memory),
+    // then put in order.
+    std::vector<std::pair<int, SceneItem>> taken;
+    taken.reserve((polylines ? polylines->size() : scene.polylines().size())
+                  + (instances ? instances->size() : scene.instances().size()));
+    visitInOrder(scene.polylines().size(), polylines, scene.instances(), instances, &Instance::polylinesBefore,
+                 [&](const SceneItem& item) {
+                     if (!item.instance)
+                         taken.emplace_back(scene.polylines()[item.index].pen, item);
+                     else
+                         scene.visitPens(scene.instances()[item.index], [&](int pen) { taken.emplace_back(pen, item); });
+                 });
     LineGroups groups;
     groups.starts.assign(scene.pens().size() + 1, 0);
-    const auto visit = [&](auto&& take) {
-        visitInOrder(scene.polylines().size(), polylines, scene.instances(), instances, &Instance::polylinesBefore,
-                     [&](const SceneItem& item) {
-                         if (!item.instance)
-                             take(scene.polylines()[item.index].pen, item);
-                         else
-                             scene.visitPens(scene.instances()[item.index], [&](int pen) { take(pen, item); });
-                     });
-    };
-    visit([&](int pen, const SceneItem&) { ++groups.starts[std::size_t(pen) + 1]; });
+    for (const auto& [pen, item] : taken)
+        ++groups.starts[std::size_t(pen) + 1];
     for (std::size_t p = 0; p + 1 < groups.starts.size(); ++p)
         groups.starts[p + 1] += groups.starts[p];
     groups.order.resize(groups.starts.back());
     std::vector<std::uint32_t> next(groups.starts.begin(), groups.starts.end() - 1);
-    visit([&](int pen, const SceneItem& item) { groups.order[next[std::size_t(pen)]++] = item; });
+    for (const auto& [pen, item] : taken)
+        groups.order[next[std::size_t(pen)]++] = item;
     return groups;
 }
 

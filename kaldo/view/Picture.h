@@ -76,16 +76,20 @@ PenGroups groupByPen(const std::vector<Item>& items, std::size_t penCount,
 {
     const std::size_t count = chosen ? chosen->size() : items.size();
     const auto itemAt = [&](std::size_t i) { return chosen ? (*chosen)[i] : static_cast<std::uint32_t>(i); };
+    // Each item's pen is read once: chosen items lie apart in memory.
+    std::vector<int> pens(count);
+    for (std::size_t i = 0; i < count; ++i)
+        pens[i] = items[itemAt(i)].pen;
     PenGroups groups;
     groups.starts.assign(penCount + 1, 0);
-    for (std::size_t i = 0; i < count; ++i)
-        ++groups.starts[std::size_t(items[itemAt(i)].pen) + 1];
+    for (const int pen : pens)
+        ++groups.starts[std::size_t(pen) + 1];
     for (std::size_t p = 0; p < penCount; ++p)
         groups.starts[p + 1] += groups.starts[p];
     groups.order.resize(count);
     std::vector<std::uint32_t> next(groups.starts.begin(), groups.starts.end() - 1);
     for (std::size_t i = 0; i < count; ++i)
-        groups.order[next[std::size_t(items[itemAt(i)].pen)]++] = itemAt(i);
+        groups.order[next[std::size_t(pens[i])]++] = itemAt(i);
     return groups;
 }
 

@@ -48,6 +48,16 @@ struct PixelBox {
     bool underAPixel() const { return bottom - top < 1 && right - left < 1; }
 };
 
+// An image of 32-bit pixels that a painter draws on, clipped to a
+// rectangle: dots are set in it directly, as the painter would set them
+// (the pixel a dot rounds to, when it lies within the clip, takes the pen's
+// opaque colour), without the painter's work per point.
+struct DotTarget {
+    QRgb* pixels = nullptr;
+    qsizetype stride = 0;  // pixels per row
+    QRect clip;
+};
+
 // The items to paint by colour of fill and by pen, in scene order: all of
 // them, or those near is given.
 struct PaintOrder {
@@ -79,7 +89,8 @@ struct PaintOrder {
 class ScenePainter {
 public:
     ScenePainter(const Scene& scene, Background background, QPainter& painter, const PictureFrame& frame,
-                 std::vector<Band> bands, const PaintDetail& detail, const PaintOrder* allItems = nullptr)
+                 std::vector<Band> bands, const PaintDetail& detail, const PaintOrder* allItems = nullptr,
+                 const DotTarget& dots = {})
         : m_scene(scene),
           m_background(background),
           m_frame(frame),
@@ -87,7 +98,8 @@ public:
           m_bands(std::move(bands)),
           m_painter(painter),
           m_coarse(detail.coarse),
-          m_stop(detail.stop)
+          m_stop(detail.stop),
+          m_dotTarget(dots)
     {
         m_lines.reserve(kBatch);
         if (detail.index)
@@ -106,7 +118,23 @@ public:
         const std::vector<bool> hidden = m_coarse ? hiddenInNarrowGroups(order) : std::vector<bool>();
         for (const std::size_t p : order) {
             const bool dashed = choosePen(m_scene.pens()[p]);
-            for (std::uint32_t i = lines.starts[p]; i < lines.starts[p + 1] && !stopped(); ++i) {
+            const std::uint32_t linesEnd = lines.starts[p + 1];
+            for (std::uint32_t i = lines.starts[p]; i < linesEnd && !stopped(); ++i) {
+                // (A function of prefetches alone would be dropped as
+                // doing nothing.)
+                if (i + 2 * kAhead < linesEnd && !lines.order[i + 2 * kAhead].instance)
+                    __builtin_prefetch(&m_scene.polylines()[lines.order[i + 2 * kAhead].index]);
+                const Polyline* const ahead = i + kAhead < linesEnd && !lines.order[i + kAhead].instance
+                    ? &m_scene.polylines()[lines.order[i + kAhead].index]
+                    : nullptr;
+                if (ahead && ahead->count > 0) {
+                    const Point2* const points = m_scene.points().data() + ahead->first;
+                    const char* const first = reinterpret_cast<const char*>(points);
+                    const char* const last = reinterpret_cast<const char*>(points + ahead->count) - 1;
+                    for (const char* line = first; line < std::min(last, first + kAheadBytes); line += kCacheLine)
+                        __builtin_prefetch(line);
+                    __builtin_prefetch(last);
+                }
                 const SceneItem item = lines.order[i];
                 if (item.instance)
                     paintInstance(m_scene.instances()[item.index], int(p), dashed);
@@ -114,7 +142,10 @@ public:
                     paintPolyline(item.index, dashed);
             }
             flushSegments();
-            for (std::uint32_t i = arcs.starts[p]; i < arcs.starts[p + 1] && !stopped(); ++i) {
+            const std::uint32_t arcsEnd = arcs.starts[p + 1];
+            for (std::uint32_t i = arcs.starts[p]; i < arcsEnd && !stopped(); ++i) {
+                if (i + kAhead < arcsEnd)
+                    __builtin_prefetch(&m_scene.arcs()[arcs.order[i + kAhead]]);
                 const Arc& arc = m_scene.arcs()[arcs.order[i]];
                 const PixelBox box = pixelBox(arc);
                 if (!reachesBand(box))
@@ -136,6 +167,15 @@ private:
     // A line of text whose box is lower than this is drawn as its box in a
     // coarse picture: its letters would be a smudge.
     static constexpr double kSmallTextPixels = 4.0;
+
+    // How many items ahead of the one painted the memory of an item is
+    // asked for, so that reading it does not wait: items of one pen lie
+    // apart in the scene, and a polyline's points apart from its record
+    // (asked for 2 kAhead items ahead, its points kAhead ahead, up to
+    // kAheadBytes of them and the last).
+    static constexpr std::uint32_t kAhead = 8;
+    static constexpr std::ptrdiff_t kCacheLine = 64;
+    static constexpr std::ptrdiff_t kAheadBytes = 8 * kCacheLine;
 
     bool stopped() const { return m_stop && m_stop->load(std::memory_order_relaxed); }
 
@@ -282,6 +322,7 @@ private:
         }
         m_painter.setPen(qpen);
         m_painter.setBrush(Qt::NoBrush);
+        m_dotColour = qpen.color().rgba();
         return !dashes.lengths.empty();
     }
 
@@ -392,9 +433,22 @@ private:
         if (!m_lines.empty())
             m_painter.drawLines(m_lines.data(), int(m_lines.size()));
         m_lines.clear();
-        if (!m_dots.empty())
+        if (!m_dots.empty() && m_dotTarget.pixels)
+            setDots();
+        else if (!m_dots.empty())
             m_painter.drawPoints(m_dots.data(), int(m_dots.size()));
         m_dots.clear();
+    }
+
+    // The dots as the painter's one-pixel pen sets them on the target.
+    void setDots() const
+    {
+        const QRect& clip = m_dotTarget.clip;
+        for (const QPointF& dot : m_dots) {
+            const int x = qRound(dot.x()), y = qRound(dot.y());
+            if (x >= clip.left() && x <= clip.right() && y >= clip.top() && y <= clip.bottom())
+                m_dotTarget.pixels[qsizetype(y) * m_dotTarget.stride + x] = m_dotColour;
+        }
     }
 
     // Dashed lines go whole, so that the pattern runs on across vertices.
@@ -432,10 +486,21 @@ private:
     std::vector<QPointF> m_dots;
     bool m_coarse;
     const std::atomic<bool>* m_stop;
+    DotTarget m_dotTarget;
+    QRgb m_dotColour = 0;
     std::optional<SceneItems> m_near;
     std::optional<PaintOrder> m_ownOrder;
     const PaintOrder* m_order = nullptr;
 };
+
+// Dots are set directly on images of 32-bit opaque pixels, whose painter
+// draws them as one pixel each; other formats leave them to the painter.
+DotTarget dots(QImage& image, const QRect& clip)
+{
+    if (image.format() != QImage::Format_RGB32)
+        return {};
+    return {reinterpret_cast<QRgb*>(image.bits()), image.bytesPerLine() / qsizetype(sizeof(QRgb)), clip};
+}
 
 }  // namespace
 
@@ -476,9 +541,10 @@ void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Ba
             const int bottom = image.height() * (b + 1) / bands;
             QPainter painter(&view);
             painter.setRenderHint(QPainter::Antialiasing);
-            painter.setClipRect(QRect(0, top, image.width(), bottom - top));
+            const QRect clip(0, top, image.width(), bottom - top);
+            painter.setClipRect(clip);
             ScenePainter(scene, background, painter, frame, {Band{double(top), double(bottom)}}, detail,
-                         allItems ? &*allItems : nullptr)
+                         allItems ? &*allItems : nullptr, dots(view, clip))
                 .paint();
         } catch (...) {
             failures[std::size_t(b)] = std::current_exception();

@@ -3,6 +3,7 @@
 #include "kaldo/util/TwoThreads.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -78,25 +79,38 @@ SceneIndex::SceneIndex(const Scene& scene)
 
 SceneItems SceneIndex::near(const std::vector<Box>& boxes) const
 {
-    // Items are marked, then listed in scene order.
-    std::vector<bool> found(m_index.size());
+    // Items are marked in words of 64, then listed in scene order a word
+    // at a time.
+    std::vector<std::uint64_t> found((m_index.size() + 63) / 64);
+    const auto mark = [&](std::uint32_t item) { found[item / 64] |= std::uint64_t(1) << (item % 64); };
     for (const std::uint32_t item : m_unbounded)
-        found[item] = true;
+        mark(item);
     for (const Box& box : boxes)
-        m_index.query(box, [&](std::uint32_t item) { found[item] = true; });
+        m_index.query(box, mark);
+    // The items begin to end - 1 that are marked, less begin.
+    const auto list = [&](std::size_t begin, std::size_t end, std::vector<std::uint32_t>& into) {
+        const auto bitsOf = [&](std::size_t word) {
+            std::uint64_t bits = found[word];
+            if (word == begin / 64)
+                bits &= ~std::uint64_t(0) << (begin % 64);
+            if (word == end / 64)
+                bits &= (std::uint64_t(1) << (end % 64)) - 1;
+            return bits;
+        };
+        std::size_t count = 0;
+        for (std::size_t word = begin / 64; word * 64 < end; ++word)
+            count += std::size_t(std::popcount(bitsOf(word)));
+        into.reserve(count);
+        for (std::size_t word = begin / 64; word * 64 < end; ++word)
+            for (std::uint64_t bits = bitsOf(word); bits != 0; bits &= bits - 1)
+                into.push_back(std::uint32_t(word * 64 + std::size_t(std::countr_zero(bits)) - begin));
+    };
     SceneItems items;
-    for (std::uint32_t item = 0; item < found.size(); ++item) {
-        if (!found[item])
-            continue;
-        if (item < m_polylines)
-            items.polylines.push_back(item);
-        else if (item < m_polylines + m_arcs)
-            items.arcs.push_back(std::uint32_t(item - m_polylines));
-        else if (item < m_polylines + m_arcs + m_polygons)
-            items.polygons.push_back(std::uint32_t(item - m_polylines - m_arcs));
-        else
-            items.instances.push_back(std::uint32_t(item - m_polylines - m_arcs - m_polygons));
-    }
+    const std::size_t arcs = m_polylines, polygons = arcs + m_arcs, instances = polygons + m_polygons;
+    list(0, arcs, items.polylines);
+    list(arcs, polygons, items.arcs);
+    list(polygons, instances, items.polygons);
+    list(instances, m_index.size(), items.instances);
     return items;
 }
 

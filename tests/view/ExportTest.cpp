@@ -287,7 +287,8 @@ TEST(Export, PngIsTheSameInAnyNumberOfBands)
     // Lines at shallow and steep angles crossing the rows where bands meet,
     // dashed polylines running on across them, arcs and circles, fills of
     // two colours, a closed outline, a polyline with a point that is not a
-    // number, and the sample drawing's multiline with its caps and fill.
+    // number, the sample drawing's multiline with its caps and fill, and
+    // lines and circles smaller than a pixel (dots) strewn over it.
     ViewDrawing d;
     buildSample(d);
     Scene scene = d.render();
@@ -319,6 +320,13 @@ TEST(Export, PngIsTheSameInAnyNumberOfBands)
             scene.addPoint(p);
         scene.endPolygon(DrawColor::fixed(color));
     }
+    for (int i = 0; i < 600; ++i) {
+        const Point2 at{std::fmod(i * 7.31, 100.0), std::fmod(i * 3.17, 50.0)};
+        if (i % 3)
+            scene.addLine(at, {at.x + 0.05, at.y + 0.02}, i % 2 ? red : dashed);
+        else
+            scene.addArc({at, 0.04, 0, 2 * std::numbers::pi, red});
+    }
     for (const Background background : {Background::White, Background::Dark}) {
         const QImage whole = paintScene(scene, {333, background}, 1);
         for (const int bands : {2, 3, 7, 1000})
@@ -337,7 +345,20 @@ TEST(Export, PngIsTheSameInAnyNumberOfBands)
         paintScene(image, scene, frame, Background::White, 3, detail);
         return image;
     };
-    for (const PictureFrame& frame : {whole, zoomed})
+    // Painting an image sets its dots directly: the pixels the painter sets
+    // for them, also where they round to an edge of the image.
+    const auto paintedByPainter = [&](const PictureFrame& frame) {
+        QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setClipRect(image.rect());
+        paintScene(painter, scene, frame, Background::White, 0, frame.height());
+        return image;
+    };
+    for (const PictureFrame& frame : {whole, zoomed}) {
         EXPECT_TRUE(painted(frame, {&index}) == painted(frame, {})) << frame.width();
+        EXPECT_TRUE(painted(frame, {}) == paintedByPainter(frame)) << frame.width();
+    }
     EXPECT_TRUE(painted(zoomed, {&index, true}) == painted(zoomed, {}));
 }
