@@ -1,6 +1,7 @@
 #include "kaldo/dxf/DrawingExtents.h"
 
 #include "kaldo/db/EntityPlane.h"
+#include "kaldo/dxf/SpaceEntities.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 namespace kaldo::dxf {
 
@@ -66,8 +68,9 @@ Extents drawingExtents(const KxDbDatabase& db)
     Box box;
     const auto* space = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()));
     if (space) {
+        std::unique_ptr<KxDbEntity> aside;
         for (auto it = space->newIterator(); !it->done(); it->step())
-            addEntity(box, db.peekObject(it->getEntityId()));
+            addEntity(box, entityToWrite(db, it->getEntityId(), aside));
     }
     return {box.min, box.max};
 }

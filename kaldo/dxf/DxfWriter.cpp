@@ -3,6 +3,7 @@
 #include "kaldo/dxf/DxfFile.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DxfError.h"
@@ -78,8 +79,9 @@ void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
 void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTableRecord& block, NameCache& names,
                      ProgressMeter& meter)
 {
+    std::unique_ptr<KxDbEntity> aside;
     for (auto it = block.newIterator(); !it->done(); it->step())
-        if (const auto* entity = KxDbEntity::cast(db.peekObject(it->getEntityId()))) {
+        if (const KxDbEntity* entity = entityToWrite(db, it->getEntityId(), aside)) {
             writeEntityRecord(w, db, *entity, names);
             meter.record();
         }
@@ -135,6 +137,9 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     if (root)
         writeObject(w, db, *root);
     for (const KxDbObjectId id : db.objectIds()) {
+        // Entities kept unopened were written with their blocks.
+        if (kaldo::isUnopened(id))
+            continue;
         const KxDbObject* obj = db.peekObject(id);
         try {
             if (obj && obj != root && !obj->isErased() && writeObject(w, db, *obj))

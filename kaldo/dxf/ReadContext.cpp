@@ -14,18 +14,21 @@ namespace kaldo::dxf {
 KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
 {
     std::unique_ptr<KxDbObject> owned(obj);
-    const auto run = std::upper_bound(runHandles.begin(), runHandles.end(), basics.handle,
-                                      [](std::uint64_t handle, const auto& range) { return handle < range.first; });
-    if (run != runHandles.begin() && basics.handle <= std::prev(run)->second)
-        basics.handle = 0;
     // The database raises its handle seed above the handle it gives.
-    db.addObject(obj, basics.handle);
+    db.addObject(obj, fileHandle(basics.handle));
     owned.release();
     obj->setKeptGroups(std::move(basics.kept));
     if (basics.owner != 0)
         ownerReferences.push_back({obj->objectId(), basics.owner});
     obj->close();
     return obj->objectId();
+}
+
+std::uint64_t ReadContext::fileHandle(std::uint64_t handle) const
+{
+    const auto run = std::upper_bound(runHandles.begin(), runHandles.end(), handle,
+                                      [](std::uint64_t h, const auto& range) { return h < range.first; });
+    return run != runHandles.begin() && handle <= std::prev(run)->second ? 0 : handle;
 }
 
 KxDbObjectId ReadContext::blockByHandle(std::uint64_t handle)

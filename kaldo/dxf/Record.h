@@ -20,6 +20,9 @@ public:
     // Reads the record that starts with the group just read (code 0): the
     // groups up to the next code 0, which is pushed back.
     void read(GroupReader& reader, const Group& head);
+    // Takes a record of the kind whose groups a record kept as packed
+    // (an entity kept unopened), numbers and all, as read would have.
+    void assign(std::string_view kind, KxDbPackedGroupsView groups);
 
     const std::string& kind() const { return kind_; }
     long line() const { return line_; }
@@ -58,6 +61,9 @@ public:
     KxDbPackedGroupsView packedGroups() const { return KxDbPackedGroupsView(std::string_view(groups_.data(), used_)); }
 
 private:
+    // Notes the numbers of the group just stored, if it is among the first.
+    void noteNumbers(int code, std::string_view value);
+
     // The groups lie packed one after the other in groups_ as
     // KxDbPackedGroupsView reads them (part 0), reused from record to
     // record and longer than the record they hold: a record of many short

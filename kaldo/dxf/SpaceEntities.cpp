@@ -1,5 +1,6 @@
 #include "kaldo/dxf/SpaceEntities.h"
 
+#include "kaldo/db/UnopenedEntities.h"
 #include "kaldo/dxf/HeaderSection.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kxdbdatabase.h"
@@ -19,7 +20,14 @@ namespace kaldo::dxf {
 
 namespace {
 
-using Chunk = std::vector<const KxDbEntity*>;
+// The entities of a chunk, and those made aside for it from their kept
+// records, dropped once the chunk is written.
+struct Chunk {
+    std::vector<const KxDbEntity*> entities;
+    std::vector<std::unique_ptr<KxDbEntity>> aside;
+    std::size_t size() const { return entities.size(); }
+    bool empty() const { return entities.empty(); }
+};
 
 // The entities of model and paper space, a chunk at a time, so that no
 // list of them all is held beside the blocks' walks.
@@ -30,7 +38,8 @@ public:
     // Fills chunk with the next entities; empty once all were given.
     void next(Chunk& chunk)
     {
-        chunk.clear();
+        chunk.entities.clear();
+        chunk.aside.clear();
         while (chunk.size() < size_) {
             if (!walk_ || walk_->done()) {
                 if (space_ == 2)
@@ -40,8 +49,12 @@ public:
                 walk_ = block ? block->newIterator() : nullptr;
                 continue;
             }
-            if (const auto* entity = KxDbEntity::cast(db_.peekObject(walk_->getEntityId())))
-                chunk.push_back(entity);
+            std::unique_ptr<KxDbEntity> aside;
+            if (const KxDbEntity* entity = entityToWrite(db_, walk_->getEntityId(), aside)) {
+                chunk.entities.push_back(entity);
+                if (aside)
+                    chunk.aside.push_back(std::move(aside));
+            }
             walk_->step();
         }
     }
@@ -136,7 +149,7 @@ void writeChunks(int fd, const KxDbDatabase& db, const KeptSections& kept, Chunk
     while (turns.take(chunk, number)) {
         try {
             taken(chunk);
-            for (const KxDbEntity* entity : chunk)
+            for (const KxDbEntity* entity : chunk.entities)
                 writeEntityRecord(text, db, *entity, names);
             if (!turns.awaitTurn(number))
                 return;
@@ -151,6 +164,12 @@ void writeChunks(int fd, const KxDbDatabase& db, const KeptSections& kept, Chunk
 }
 
 }  // namespace
+
+const KxDbEntity* entityToWrite(const KxDbDatabase& db, KxDbObjectId id, std::unique_ptr<KxDbEntity>& aside)
+{
+    aside = db.unopenedEntities().makeAside(id);
+    return aside ? aside.get() : KxDbEntity::cast(db.peekObject(id));
+}
 
 void writeEntityRecord(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
