@@ -72,6 +72,16 @@ void addEntity(Box& box, const KxDbObject* obj)
     }
 }
 
+// The box of a chunk, apart from the walk's lock, so that the box stays in
+// registers.
+Box chunkBox(const EntityWalk::Chunk& chunk)
+{
+    Box box;
+    for (const KxDbEntity* entity : chunk)
+        addEntity(box, entity);
+    return box;
+}
+
 }  // namespace
 
 Extents drawingExtents(const KxDbDatabase& db, const EntityChunks& chunks)
@@ -92,9 +102,7 @@ Extents drawingExtents(const KxDbDatabase& db, const EntityChunks& chunks)
     };
     const auto measure = [&](EntityWalk::Chunk& chunk, std::size_t number) {
         do {
-            Box box;
-            for (const KxDbEntity* entity : chunk)
-                addEntity(box, entity);
+            const Box box = chunkBox(chunk);
             const std::lock_guard lock(mutex);
             boxes[number] = box;
         } while (take(chunk, number));
