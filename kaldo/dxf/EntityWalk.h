@@ -23,7 +23,6 @@ public:
 
     // Fills chunk with the next entities; empty once all were given.
     void next(Chunk& chunk);
-    std::size_t chunkSize() const { return size_; }
 
 private:
     const KxDbDatabase& db_;
