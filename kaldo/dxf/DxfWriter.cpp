@@ -106,7 +106,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     GroupWriter w(fd);
     w.encodeAs(writtenVersion(kept), kept.codePage);
     NameCache names(db);
-    writeHeaderSection(w, db, kept);
+    writeHeaderSection(w, db, kept, chunks);
     if (kept.hasClasses)
         writeKeptSection(w, "CLASSES", kept.classes);
     writeTablesSection(w, db, kept);

@@ -1,5 +1,6 @@
 #include "kaldo/dxf/SpaceEntities.h"
 
+#include "kaldo/dxf/EntityWalk.h"
 #include "kaldo/dxf/HeaderSection.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kxdbdatabase.h"
@@ -19,46 +20,16 @@ namespace kaldo::dxf {
 
 namespace {
 
-using Chunk = std::vector<const KxDbEntity*>;
-
-// The entities of model and paper space, a chunk at a time, so that no
-// list of them all is held beside the blocks' walks.
-class SpaceChunks {
-public:
-    SpaceChunks(const KxDbDatabase& db, std::size_t size) : db_(db), size_(size) {}
-
-    // Fills chunk with the next entities; empty once all were given.
-    void next(Chunk& chunk)
-    {
-        chunk.clear();
-        while (chunk.size() < size_) {
-            if (!walk_ || walk_->done()) {
-                if (space_ == 2)
-                    return;
-                const KxDbObjectId space = space_++ == 0 ? db_.modelSpaceId() : db_.paperSpaceId();
-                const auto* block = KxDbBlockTableRecord::cast(db_.peekObject(space));
-                walk_ = block ? block->newIterator() : nullptr;
-                continue;
-            }
-            if (const auto* entity = KxDbEntity::cast(db_.peekObject(walk_->getEntityId())))
-                chunk.push_back(entity);
-            walk_->step();
-        }
-    }
-
-private:
-    const KxDbDatabase& db_;
-    const std::size_t size_;
-    int space_ = 0;
-    std::unique_ptr<KxDbBlockTableRecordIterator> walk_;
-};
+using Chunk = EntityWalk::Chunk;
 
 // What the threads share: the chunks given out by number, the number of
 // the chunk whose turn it is to be written, and the first chunk that
 // failed (its entity refused, its write or the progress report failing).
 class ChunkTurns {
 public:
-    ChunkTurns(const KxDbDatabase& db, std::size_t size) : chunks_(db, size) {}
+    ChunkTurns(const KxDbDatabase& db, std::size_t size) : chunks_(db, {db.modelSpaceId(), db.paperSpaceId()}, size)
+    {
+    }
 
     // The next chunk and its number; false once all were given or one failed.
     bool take(Chunk& chunk, std::size_t& number)
@@ -115,7 +86,7 @@ public:
 private:
     std::mutex mutex_;
     std::condition_variable turn_;
-    SpaceChunks chunks_;
+    EntityWalk chunks_;
     std::size_t given_ = 0;
     std::size_t written_ = 0;
     std::size_t entitiesWritten_ = 0;
