@@ -522,6 +522,22 @@ void addArcBounds(Bounds& bounds, const Arc& arc)
         return Point2{arc.centre.x + arc.radius * std::cos(angle), arc.centre.y + arc.radius * std::sin(angle)};
     };
     const double sweep = std::clamp(arc.sweep, -2 * std::numbers::pi, 2 * std::numbers::pi);
+    // A whole turn from a start angle of a few turns meets angles within a
+    // rounding of each quadrant point, where sine and cosine are exactly 1
+    // and -1: its box is the centre give or take the radius, the same
+    // numbers without taking sines and cosines, unless a side is beyond
+    // the largest number (other points then still count).
+    constexpr double kFewTurns = 64;
+    if (std::abs(sweep) == 2 * std::numbers::pi && std::abs(arc.start) <= kFewTurns) {
+        const double r = std::abs(arc.radius);
+        const Point2 low{arc.centre.x - r, arc.centre.y - r};
+        const Point2 high{arc.centre.x + r, arc.centre.y + r};
+        if (std::isfinite(low.x) && std::isfinite(low.y) && std::isfinite(high.x) && std::isfinite(high.y)) {
+            bounds.add(low);
+            bounds.add(high);
+            return;
+        }
+    }
     const double lo = std::min(arc.start, arc.start + sweep);
     const double hi = std::max(arc.start, arc.start + sweep);
     bounds.add(at(lo));
