@@ -94,7 +94,7 @@ void KxDbDatabase::buildDefaultDrawing()
 
 Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
 {
-    if (!obj || !obj->m_id.isNull())
+    if (!obj || !obj->objectId().isNull())
         return Kald::eInvalidInput;
     if (handle == 0 || !objectIdFromHandle(handle).isNull())
         handle = newHandle();
@@ -103,9 +103,9 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
         m_header.handseed = std::max(m_header.handseed, handle + 1);
     obj->m_openForWrite = true;
     obj->m_readers = 0;
-    obj->m_id = kaldo::registerObject(obj, this);
+    obj->putId(kaldo::registerObject(obj, this));
     m_objects.emplace_back(obj);
-    m_handles->insert(handle, obj->m_id);
+    m_handles->insert(handle, obj->objectId());
     m_undo->recordAdded(*obj, handle);
     noteChange();
     return Kald::eOk;

@@ -27,6 +27,8 @@ public:
         return serial;
     }
 
+    void skipTo(std::uint64_t serial) { m_lastSerial = std::max(m_lastSerial, serial); }
+
     // serial was given out before and is free now.
     void put(std::uint64_t serial, KxDbObject* obj, KxDbDatabase* db)
     {
@@ -201,6 +203,11 @@ Registry& registry()
 KxDbObjectId registerObject(KxDbObject* obj, KxDbDatabase* db)
 {
     return KxDbObjectId::fromOldId(registry().add(obj, db));
+}
+
+void skipSerialsTo(std::uint64_t serial)
+{
+    registry().skipTo(serial);
 }
 
 void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db)
