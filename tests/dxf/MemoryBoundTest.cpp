@@ -11,10 +11,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <numeric>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -94,26 +97,16 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
     EXPECT_LT(peak, kBase + 13 * text.size() / 10) << text.size() << " bytes";
 }
 
-// Inputs made to cost the most memory per byte of file: records of nothing
-// but their kind (entities and objects), or with one group, or with
-// handles that continue each other, one record of thousands of
-// one-character groups, lines of no groups, multiline vertices of nothing
-// but their first group (laid out anew in the style, which has more
-// elements), beside every input of the fuzz corpus. Records of a kind the
-// host only keeps, without handles or with consecutive ones, are held as
-// one entity or object a run: under 4 times the file (28 with an object
-// per record, 38 with an object of 56 bytes, 47 with a slot per handle and
-// a class pointer, 57 with an object and two strings), and under 2 with
-// handles (9 to 10 with an object per record). A record's groups are read
-// packed as it keeps them: one of one-character groups stays under 4 times
-// the file (8.4 with twelve bytes a group and a packed copy). A line is
-// still an object with its registry and list entries, its handle taking no
-// room of its own when it continues a run of handles, its class a byte and
-// its database two in the registry: a line of no groups stays under 20
-// times its seven bytes (25 with an entity of 96 bytes, 30 before, 35 with
-// its normal held as a vector). A multiline's lists lie flat in one store,
-// so such a vertex costs its geometry and little more: under 19 times its
-// five bytes (22.4 while its record was read as twelve bytes a group).
+// Inputs made to cost the most memory per byte of file, beside every input
+// of the fuzz corpus. Records of a kind the host only keeps (entities and
+// objects), without handles or with handles in any order, are held as one
+// entity or object a run: under 4 times the file (about 10 with an object
+// per record), under 2 with consecutive handles. One record of
+// one-character groups, read packed, stays under 4 times. A line of no
+// groups is an object with its registry and list entries: under 20 times
+// its seven bytes. A multiline vertex of nothing but its first group
+// (laid out anew in the style) costs its geometry: under 19 times its five
+// bytes.
 TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
 {
     struct Input {
@@ -122,16 +115,28 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         std::size_t perByte = kPerByte;
     };
     std::vector<Input> inputs;
-    std::string kindsOnly, kindsAndAGroup, kindsAndHandles, tinyGroups = "0\nX\n", bareLines,
-                                                           bareVertices = mlineHead("20000", "0");
+    std::string kindsOnly, kindsAndAGroup, tinyGroups = "0\nX\n", bareLines, bareVertices = mlineHead("20000", "0");
     // Records held together cost so little that a small file of them stays
     // within the base: these are larger.
-    char handle[24];
-    for (int i = 0; i < 100000; ++i) {
+    constexpr int kRecords = 100000;
+    std::vector<int> shuffled(kRecords);
+    std::iota(shuffled.begin(), shuffled.end(), 0);
+    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(7));
+    const auto withHandles = [&](auto handleOf) {
+        std::string records;
+        char handle[24];
+        for (int i = 0; i < kRecords; ++i) {
+            std::snprintf(handle, sizeof handle, "%X", 0x1000 + handleOf(i));
+            records += std::string("0\nX\n5\n") + handle + "\n";
+        }
+        return records;
+    };
+    const std::string kindsAndHandles = withHandles([](int i) { return i; });
+    const std::string kindsAndGaps = withHandles([](int i) { return 2 * i; });
+    const std::string kindsInNoOrder = withHandles([&](int i) { return 2 * shuffled[std::size_t(i)]; });
+    for (int i = 0; i < kRecords; ++i) {
         kindsOnly += "0\nX\n";
         kindsAndAGroup += "0\nX\n1\n0\n";
-        std::snprintf(handle, sizeof handle, "%X", 0x1000 + i);
-        kindsAndHandles += std::string("0\nX\n5\n") + handle + "\n";
     }
     for (int i = 0; i < 100000; ++i)
         tinyGroups += "1\n0\n";
@@ -144,6 +149,10 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     inputs.push_back({"objects of their kind alone", smallDrawing("", kindsOnly), 4});
     inputs.push_back({"records of their kind and handles", smallDrawing(kindsAndHandles, ""), 2});
     inputs.push_back({"objects of their kind and handles", smallDrawing("", kindsAndHandles), 2});
+    inputs.push_back({"records of their kind and handles with gaps", smallDrawing(kindsAndGaps, ""), 4});
+    inputs.push_back({"objects of their kind and handles with gaps", smallDrawing("", kindsAndGaps), 4});
+    inputs.push_back({"records of their kind and handles in no order", smallDrawing(kindsInNoOrder, ""), 4});
+    inputs.push_back({"objects of their kind and handles in no order", smallDrawing("", kindsInNoOrder), 4});
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 4});
     inputs.push_back({"lines of no groups", smallDrawing(bareLines, ""), 20});
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 19});
