@@ -1,5 +1,6 @@
 #include "kaldo/dxf/SpaceEntities.h"
 
+#include "kaldo/db/RecordRun.h"
 #include "kaldo/dxf/HeaderSection.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kxdbdatabase.h"
@@ -19,10 +20,16 @@ namespace kaldo::dxf {
 
 namespace {
 
-using Chunk = std::vector<const KxDbEntity*>;
+// Entities and how many file records they stand for (a run of kept
+// records stands for each of its own).
+struct Chunk {
+    std::vector<const KxDbEntity*> entities;
+    std::size_t records = 0;
+};
 
-// The entities of model and paper space, a chunk at a time, so that no
-// list of them all is held beside the blocks' walks.
+// The entities of model and paper space, a chunk of as many records at a
+// time, so that no list of them all and no text of them all is held beside
+// the blocks' walks.
 class SpaceChunks {
 public:
     SpaceChunks(const KxDbDatabase& db, std::size_t size) : db_(db), size_(size) {}
@@ -30,8 +37,9 @@ public:
     // Fills chunk with the next entities; empty once all were given.
     void next(Chunk& chunk)
     {
-        chunk.clear();
-        while (chunk.size() < size_) {
+        chunk.entities.clear();
+        chunk.records = 0;
+        while (chunk.records < size_) {
             if (!walk_ || walk_->done()) {
                 if (space_ == 2)
                     return;
@@ -40,8 +48,10 @@ public:
                 walk_ = block ? block->newIterator() : nullptr;
                 continue;
             }
-            if (const auto* entity = KxDbEntity::cast(db_.peekObject(walk_->getEntityId())))
-                chunk.push_back(entity);
+            if (const auto* entity = KxDbEntity::cast(db_.peekObject(walk_->getEntityId()))) {
+                chunk.entities.push_back(entity);
+                chunk.records += kaldo::keptRecordCount(*entity);
+            }
             walk_->step();
         }
     }
@@ -68,7 +78,7 @@ public:
             return false;
         chunks_.next(chunk);
         number = given_++;
-        return !chunk.empty();
+        return !chunk.entities.empty();
     }
     // Waits until the chunks before number are written; false when one of
     // them failed.
@@ -136,12 +146,12 @@ void writeChunks(int fd, const KxDbDatabase& db, const KeptSections& kept, Chunk
     while (turns.take(chunk, number)) {
         try {
             taken(chunk);
-            for (const KxDbEntity* entity : chunk)
+            for (const KxDbEntity* entity : chunk.entities)
                 writeEntityRecord(text, db, *entity, names);
             if (!turns.awaitTurn(number))
                 return;
             text.writeTo(fd);
-            turns.written(chunk.size());
+            turns.written(chunk.entities.size());
             written();
         } catch (...) {
             turns.failed(number, std::current_exception());
@@ -164,7 +174,7 @@ void writeEntityRecord(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity&
 void writeSpaceEntities(int fd, const KxDbDatabase& db, const KeptSections& kept, NameCache& names,
                         ProgressMeter& meter, const EntityChunks& chunks)
 {
-    ChunkTurns turns(db, chunks.entities);
+    ChunkTurns turns(db, chunks.records);
     NameCache otherNames(db);
     std::size_t counted = 0;
     const auto countWritten = [&] {
@@ -174,7 +184,7 @@ void writeSpaceEntities(int fd, const KxDbDatabase& db, const KeptSections& kept
     // The second thread starts once a full chunk shows that more may follow.
     std::optional<std::jthread> other;
     const auto startOther = [&](const Chunk& chunk) {
-        if (!other && !chunks.oneThread && chunk.size() == chunks.entities)
+        if (!other && !chunks.oneThread && chunk.records >= chunks.records)
             other.emplace([&] { writeChunks(fd, db, kept, turns, otherNames, [](const Chunk&) {}, [] {}); });
     };
     writeChunks(fd, db, kept, turns, names, startOther, countWritten);

@@ -48,6 +48,19 @@ std::string mlineHead(const char* vertices, const char* elements)
                       "73", elements});
 }
 
+// Records of nothing but their kind and a handle, handleOf(i) after 0x1000.
+template <class HandleOf>
+std::string kindsWithHandles(int count, HandleOf handleOf)
+{
+    std::string records;
+    char handle[24];
+    for (int i = 0; i < count; ++i) {
+        std::snprintf(handle, sizeof handle, "%X", 0x1000 + handleOf(i));
+        records += std::string("0\nX\n5\n") + handle + "\n";
+    }
+    return records;
+}
+
 }  // namespace
 
 TEST(DxfMemoryBound, CountsThatPromiseMoreThanFollowsAreRefused)
@@ -122,18 +135,9 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     std::vector<int> shuffled(kRecords);
     std::iota(shuffled.begin(), shuffled.end(), 0);
     std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(7));
-    const auto withHandles = [&](auto handleOf) {
-        std::string records;
-        char handle[24];
-        for (int i = 0; i < kRecords; ++i) {
-            std::snprintf(handle, sizeof handle, "%X", 0x1000 + handleOf(i));
-            records += std::string("0\nX\n5\n") + handle + "\n";
-        }
-        return records;
-    };
-    const std::string kindsAndHandles = withHandles([](int i) { return i; });
-    const std::string kindsAndGaps = withHandles([](int i) { return 2 * i; });
-    const std::string kindsInNoOrder = withHandles([&](int i) { return 2 * shuffled[std::size_t(i)]; });
+    const std::string kindsAndHandles = kindsWithHandles(kRecords, [](int i) { return i; });
+    const std::string kindsAndGaps = kindsWithHandles(kRecords, [](int i) { return 2 * i; });
+    const std::string kindsInNoOrder = kindsWithHandles(kRecords, [&](int i) { return 2 * shuffled[std::size_t(i)]; });
     for (int i = 0; i < kRecords; ++i) {
         kindsOnly += "0\nX\n";
         kindsAndAGroup += "0\nX\n1\n0\n";
@@ -172,21 +176,32 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
 // Saving walks the objects and each block's entities, each walk holding a
 // list of ids: one list at a time, eight bytes an object more for a larger
 // drawing, where the list of every object held through the entities' walks
-// took sixteen.
-TEST(DxfMemoryBound, SavingHoldsOneListOfIdsAtATime)
+// took sixteen. The entities' text is made a chunk of 4096 records at a
+// time, a run of kept records counting each of its own: a larger drawing
+// of runs takes no more to save, where a chunk of 4096 runs held all its
+// text.
+TEST(DxfMemoryBound, SavingHoldsOneListAndAFewChunksAtATime)
 {
-    const auto savePeak = [](int lines) {
-        std::string entities;
-        for (int i = 0; i < lines; ++i)
-            entities += "0\nLINE\n";
+    const auto savePeak = [](const std::string& entities) {
         kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(entities, ""));
         std::FILE* file = std::tmpfile();
         const std::size_t peak = peakAllocation([&] { kaldo::dxf::writeDxf(fileno(file), *drawing.database, drawing.kept); });
         std::fclose(file);
         return peak;
     };
+    const auto lines = [](int count) {
+        std::string entities;
+        for (int i = 0; i < count; ++i)
+            entities += "0\nLINE\n";
+        return entities;
+    };
     constexpr int kLines = 40000;
-    const std::size_t smaller = savePeak(kLines);
-    const std::size_t larger = savePeak(2 * kLines);
+    const std::size_t smaller = savePeak(lines(kLines));
+    const std::size_t larger = savePeak(lines(2 * kLines));
     EXPECT_LT(double(larger) - double(smaller), 12.0 * kLines) << smaller << " then " << larger << " bytes";
+    constexpr int kRecords = 100000;
+    const auto runs = [](int count) { return kindsWithHandles(count, [](int i) { return 2 * i; }); };
+    const std::size_t fewer = savePeak(runs(kRecords));
+    const std::size_t more = savePeak(runs(2 * kRecords));
+    EXPECT_LT(double(more) - double(fewer), 1.0 * kRecords) << fewer << " then " << more << " bytes";
 }
