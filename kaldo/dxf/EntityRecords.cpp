@@ -350,6 +350,7 @@ bool gather(const Record& record, ReadContext& context, KxDbObjectId block, std:
             context.runRecordHandles.insert(handle);
     }
     run.lastHandle = handle;
+    run.greatestHandle = run.count == 0 ? handle : std::max(run.greatestHandle, handle);
     ++run.count;
     return true;
 }
@@ -366,38 +367,28 @@ void finishRecordRun(ReadContext& context)
     if (run.count > 1)
         tail = kaldo::KeptRecordTail(run.further, run.count - 1);
     KxDbObject* added = nullptr;
-    const kaldo::KeptRecordTail* held = nullptr;
     if (run.block.isNull()) {
-        std::unique_ptr<KxDbUnmodelledObject> object;
-        if (run.count == 1) {
-            object = std::make_unique<KxDbUnmodelledObject>(run.kind, first);
-        } else {
-            auto objectRun = std::make_unique<kaldo::ObjectRecordRun>(run.kind, first, std::move(tail));
-            held = &objectRun->tail();
-            object = std::move(objectRun);
-        }
-        added = object.release();
+        added = run.count == 1 ? new KxDbUnmodelledObject(run.kind, first)
+                               : new kaldo::ObjectRecordRun(run.kind, first, std::move(tail));
         context.add(added, RecordBasics{run.firstHandle, 0, {}});
     } else {
         std::unique_ptr<KxDbUnmodelledEntity> entity;
-        if (run.count == 1) {
+        if (run.count == 1)
             entity = std::make_unique<KxDbUnmodelledEntity>(run.kind, first);
-        } else {
-            auto entityRun = std::make_unique<kaldo::RecordRun>(run.kind, first, std::move(tail));
-            held = &entityRun->tail();
-            entity = std::move(entityRun);
-        }
+        else
+            entity = std::make_unique<kaldo::RecordRun>(run.kind, first, std::move(tail));
         RecordBasics basics{run.firstHandle, 0, {}};
         EntityLook().applyTo(*entity, context, basics);
         added = append(context, std::move(entity), basics, run.block, 0);
     }
-    if (held) {
-        // The handles of records without them in the file follow the run's.
-        std::uint64_t greatest = added->handle();
-        held->forEach(added->handle(), [&](const kaldo::KeptRecord& record) {
-            context.runRecordHandles.insert(record.handle);
-            greatest = std::max(greatest, record.handle);
-        });
+    if (run.count > 1) {
+        // Records the file gave no handles take those after the run's.
+        std::uint64_t greatest = run.greatestHandle;
+        if (run.firstHandle == 0) {
+            greatest = added->handle() + run.count - 1;
+            for (std::uint64_t handle = added->handle() + 1; handle <= greatest; ++handle)
+                context.runRecordHandles.insert(handle);
+        }
         context.db.setHandseed(std::max(context.db.handseed(), greatest + 1));
         context.maxHandle = std::max(context.maxHandle, greatest);
         context.runs.push_back(added->objectId());

@@ -19,7 +19,10 @@ bool HandleBits::contains(std::uint64_t handle) const
 
 void HandleBits::insert(std::uint64_t handle)
 {
-    m_pages[handle >> kPageBits][(handle % kHandlesPerPage) / 64] |= bitOf(handle);
+    const std::uint64_t page = handle >> kPageBits;
+    if (m_pages.empty() || m_inserted->first != page)
+        m_inserted = m_pages.try_emplace(page).first;
+    m_inserted->second[(handle % kHandlesPerPage) / 64] |= bitOf(handle);
 }
 
 bool HandleBits::offer(std::uint64_t handle)

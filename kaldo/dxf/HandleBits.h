@@ -36,7 +36,11 @@ private:
     static constexpr std::size_t kHandlesPerPage = std::size_t(1) << kPageBits;
     static constexpr std::size_t kOfferedPerPage = 64;
     static constexpr std::size_t kFirstPages = 64;
-    std::map<std::uint64_t, std::array<std::uint64_t, kHandlesPerPage / 64>> m_pages;
+    using Pages = std::map<std::uint64_t, std::array<std::uint64_t, kHandlesPerPage / 64>>;
+    Pages m_pages;
+    // The page of the handle inserted last: a run's handles mostly share
+    // one.
+    Pages::iterator m_inserted;
     std::size_t m_offered = 0;
 };
 

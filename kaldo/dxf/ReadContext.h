@@ -82,6 +82,7 @@ struct ReadContext {
         std::string kind;
         std::uint64_t firstHandle = 0;
         std::uint64_t lastHandle = 0;
+        std::uint64_t greatestHandle = 0;
         std::string firstGroups;
         std::string further;
         std::size_t count = 0;
