@@ -77,7 +77,7 @@ void addEntity(Box& box, const KxDbObject* obj)
 Box chunkBox(const EntityWalk::Chunk& chunk)
 {
     Box box;
-    for (const KxDbEntity* entity : chunk)
+    for (const KxDbEntity* entity : chunk.entities)
         addEntity(box, entity);
     return box;
 }
@@ -89,16 +89,16 @@ Extents drawingExtents(const KxDbDatabase& db, const EntityChunks& chunks)
     // Chunk by chunk, on two threads when a first full chunk shows that
     // more may follow; each chunk's box is kept in its place and the boxes
     // are joined in the drawing's order.
-    EntityWalk walk(db, {db.modelSpaceId()}, chunks.entities);
+    EntityWalk walk(db, {db.modelSpaceId()}, chunks.records);
     std::mutex mutex;
     std::vector<Box> boxes;
     const auto take = [&](EntityWalk::Chunk& chunk, std::size_t& number) {
         const std::lock_guard lock(mutex);
         walk.next(chunk);
         number = boxes.size();
-        if (!chunk.empty())
+        if (!chunk.entities.empty())
             boxes.emplace_back();
-        return !chunk.empty();
+        return !chunk.entities.empty();
     };
     const auto measure = [&](EntityWalk::Chunk& chunk, std::size_t number) {
         do {
@@ -111,7 +111,7 @@ Extents drawingExtents(const KxDbDatabase& db, const EntityChunks& chunks)
     std::size_t number = 0;
     if (take(chunk, number)) {
         std::optional<std::jthread> other;
-        if (!chunks.oneThread && chunk.size() == chunks.entities)
+        if (!chunks.oneThread && chunk.records >= chunks.records)
             other.emplace([&] {
                 EntityWalk::Chunk otherChunk;
                 std::size_t otherNumber = 0;

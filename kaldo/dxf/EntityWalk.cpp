@@ -1,5 +1,6 @@
 #include "kaldo/dxf/EntityWalk.h"
 
+#include "kaldo/db/RecordRun.h"
 #include "kxdbdatabase.h"
 
 namespace kaldo::dxf {
@@ -11,8 +12,9 @@ EntityWalk::EntityWalk(const KxDbDatabase& db, std::vector<KxDbObjectId> blocks,
 
 void EntityWalk::next(Chunk& chunk)
 {
-    chunk.clear();
-    while (chunk.size() < size_) {
+    chunk.entities.clear();
+    chunk.records = 0;
+    while (chunk.records < size_) {
         if (!walk_ || walk_->done()) {
             if (block_ == blocks_.size())
                 return;
@@ -20,8 +22,10 @@ void EntityWalk::next(Chunk& chunk)
             walk_ = block ? block->newIterator() : nullptr;
             continue;
         }
-        if (const auto* entity = KxDbEntity::cast(db_.peekObject(walk_->getEntityId())))
-            chunk.push_back(entity);
+        if (const auto* entity = KxDbEntity::cast(db_.peekObject(walk_->getEntityId()))) {
+            chunk.entities.push_back(entity);
+            chunk.records += kaldo::keptRecordCount(*entity);
+        }
         walk_->step();
     }
 }

@@ -16,9 +16,15 @@ namespace kaldo::dxf {
 
 class EntityWalk {
 public:
-    using Chunk = std::vector<const KxDbEntity*>;
+    // Entities and how many file records they stand for (a run of kept
+    // records stands for each of its own).
+    struct Chunk {
+        std::vector<const KxDbEntity*> entities;
+        std::size_t records = 0;
+    };
 
-    // The entities of blocks, one block after the other, size at a time.
+    // The entities of blocks, one block after the other, as many as stand
+    // for size records at a time.
     EntityWalk(const KxDbDatabase& db, std::vector<KxDbObjectId> blocks, std::size_t size);
 
     // Fills chunk with the next entities; empty once all were given.

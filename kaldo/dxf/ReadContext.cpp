@@ -6,7 +6,6 @@
 #include "kxdbsymtb.h"
 
 #include <algorithm>
-#include <iterator>
 #include <memory>
 
 namespace kaldo::dxf {
@@ -14,9 +13,7 @@ namespace kaldo::dxf {
 KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
 {
     std::unique_ptr<KxDbObject> owned(obj);
-    const auto run = std::upper_bound(runHandles.begin(), runHandles.end(), basics.handle,
-                                      [](std::uint64_t handle, const auto& range) { return handle < range.first; });
-    if (run != runHandles.begin() && basics.handle <= std::prev(run)->second)
+    if (runRecordHandles.contains(basics.handle))
         basics.handle = 0;
     // The database raises its handle seed above the handle it gives.
     db.addObject(obj, basics.handle);

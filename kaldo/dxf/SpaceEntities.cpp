@@ -39,7 +39,7 @@ public:
             return false;
         chunks_.next(chunk);
         number = given_++;
-        return !chunk.empty();
+        return !chunk.entities.empty();
     }
     // Waits until the chunks before number are written; false when one of
     // them failed.
@@ -107,12 +107,12 @@ void writeChunks(int fd, const KxDbDatabase& db, const KeptSections& kept, Chunk
     while (turns.take(chunk, number)) {
         try {
             taken(chunk);
-            for (const KxDbEntity* entity : chunk)
+            for (const KxDbEntity* entity : chunk.entities)
                 writeEntityRecord(text, db, *entity, names);
             if (!turns.awaitTurn(number))
                 return;
             text.writeTo(fd);
-            turns.written(chunk.size());
+            turns.written(chunk.entities.size());
             written();
         } catch (...) {
             turns.failed(number, std::current_exception());
@@ -135,7 +135,7 @@ void writeEntityRecord(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity&
 void writeSpaceEntities(int fd, const KxDbDatabase& db, const KeptSections& kept, NameCache& names,
                         ProgressMeter& meter, const EntityChunks& chunks)
 {
-    ChunkTurns turns(db, chunks.entities);
+    ChunkTurns turns(db, chunks.records);
     NameCache otherNames(db);
     std::size_t counted = 0;
     const auto countWritten = [&] {
@@ -145,7 +145,7 @@ void writeSpaceEntities(int fd, const KxDbDatabase& db, const KeptSections& kept
     // The second thread starts once a full chunk shows that more may follow.
     std::optional<std::jthread> other;
     const auto startOther = [&](const Chunk& chunk) {
-        if (!other && !chunks.oneThread && chunk.size() == chunks.entities)
+        if (!other && !chunks.oneThread && chunk.records >= chunks.records)
             other.emplace([&] { writeChunks(fd, db, kept, turns, otherNames, [](const Chunk&) {}, [] {}); });
     };
     writeChunks(fd, db, kept, turns, names, startOther, countWritten);

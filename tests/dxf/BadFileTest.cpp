@@ -209,8 +209,8 @@ TEST(DxfBadFiles, EntitiesWrittenOnTwoThreadsAreThoseOfOneAndAFailedWriteKeepsTh
     for (const kaldo::dxf::EntityChunks chunks : {kaldo::dxf::EntityChunks{1, false}, kaldo::dxf::EntityChunks{1, true},
                                                   kaldo::dxf::EntityChunks{}}) {
         const kaldo::dxf::Extents extents = kaldo::dxf::drawingExtents(*zeros.database, chunks);
-        EXPECT_FALSE(std::signbit(extents.min.x)) << chunks.entities;
-        EXPECT_TRUE(std::signbit(extents.min.y)) << chunks.entities;
+        EXPECT_FALSE(std::signbit(extents.min.x)) << chunks.records;
+        EXPECT_TRUE(std::signbit(extents.min.y)) << chunks.records;
     }
     for (const std::size_t size : {std::size_t(1), std::size_t(7), std::size_t(4096)}) {
         std::vector<Report> reports;
