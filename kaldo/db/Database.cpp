@@ -212,10 +212,9 @@ Kald::ErrorStatus KxDbDatabase::setRoots(const KxDbDatabaseRoots& roots)
     return Kald::eOk;
 }
 
-std::vector<KxDbObjectId> KxDbDatabase::objectIds() const
+KxDbIdRuns KxDbDatabase::objectIds() const
 {
-    std::vector<KxDbObjectId> ids;
-    ids.reserve(m_objects.size());
+    KxDbIdRuns ids;
     for (const auto& obj : m_objects)
         ids.push_back(obj->objectId());
     m_unopened->appendIds(ids);

@@ -102,7 +102,7 @@ std::unique_ptr<KxDbEntity> UnopenedEntities::makeFrom(KxDbObjectId id, std::uin
     return entity;
 }
 
-void UnopenedEntities::appendIds(std::vector<KxDbObjectId>& ids) const
+void UnopenedEntities::appendIds(KxDbIdRuns& ids) const
 {
     for (const KxDbObjectId id : m_ids)
         if (isUnopened(id))

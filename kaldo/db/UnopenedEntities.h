@@ -64,7 +64,7 @@ public:
     // the id and owner of the kept one, closed. Else null.
     std::unique_ptr<KxDbEntity> makeAside(KxDbObjectId id) const;
     // Appends the ids of the entities never opened, in the order kept.
-    void appendIds(std::vector<KxDbObjectId>& ids) const;
+    void appendIds(KxDbIdRuns& ids) const;
 
 private:
     std::unique_ptr<KxDbEntity> makeFrom(KxDbObjectId id, std::uint64_t entry) const;

@@ -103,7 +103,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
 {
     addMissingBlockEnds(db, kept);
     // The list of objects is taken for their count and again for the OBJECTS
-    // section, so that it is not held while the entities' walks hold theirs.
+    // section, so that it is not held while the entities are written.
     ProgressMeter meter(report, db.objectIds().size());
     meter.report();
     GroupWriter w(fd);

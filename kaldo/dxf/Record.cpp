@@ -50,20 +50,7 @@ void Record::assign(std::string_view kind, KxDbPackedGroupsView groups)
     size_ = 0;
     used_ = groups.bytes().size();
     groups_.assign(groups.bytes());
-    const auto* at = reinterpret_cast<const unsigned char*>(groups_.data());
-    const auto* end = at + used_;
-    while (at < end) {
-        const auto code = std::int16_t(std::uint16_t(at[0] | (at[1] << 8)));
-        at += 3;
-        std::size_t length = 0;
-        for (int shift = 0;; shift += 7) {
-            length |= std::size_t(*at & 0x7F) << shift;
-            if (!(*at++ & 0x80))
-                break;
-        }
-        noteNumbers(code, std::string_view(reinterpret_cast<const char*>(at), length));
-        at += length;
-    }
+    groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view value) { noteNumbers(code, value); });
 }
 
 void Record::noteNumbers(int code, std::string_view value)

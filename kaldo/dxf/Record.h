@@ -31,19 +31,11 @@ public:
     template <class Visit>
     void forEach(Visit&& visit) const
     {
-        const auto* at = reinterpret_cast<const unsigned char*>(groups_.data());
-        for (std::size_t index = 0; index < size_; ++index) {
+        std::size_t index = 0;
+        packedGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
             Group g;
-            g.code = std::int16_t(std::uint16_t(at[0] | (at[1] << 8)));
-            at += 3;
-            std::size_t length = 0;
-            for (int shift = 0;; shift += 7) {
-                length |= std::size_t(*at & 0x7F) << shift;
-                if (!(*at++ & 0x80))
-                    break;
-            }
-            g.value = std::string_view(reinterpret_cast<const char*>(at), length);
-            at += length;
+            g.code = code;
+            g.value = value;
             // Every group takes two lines, its code's and its value's.
             g.line = line_ + 2 * long(index + 1);
             if (index < kReadNumbers) {
@@ -52,9 +44,9 @@ public:
                 else if (numberKinds_[index] == Number::Handle)
                     g.handle = numbers_[index];
             }
-            if (!visit(g))
-                return;
-        }
+            ++index;
+            return bool(visit(g));
+        });
     }
     // Every group as read, packed as a record kept whole holds them; valid
     // until the record is read again.

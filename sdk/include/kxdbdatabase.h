@@ -14,6 +14,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "kxdbidruns.h"
 #include "kxdbobject.h"
 
 class KxDbDictionary;
@@ -70,8 +71,9 @@ public:
     // becomes the current space.
     Kald::ErrorStatus setRoots(const KxDbDatabaseRoots& roots);
     // Every object (erased ones too) in the order they were added, the
-    // entities a file reader keeps unopened after them.
-    std::vector<KxDbObjectId> objectIds() const;
+    // entities a file reader keeps unopened after them: runs of ids, as a
+    // drawing read from a file gives its objects consecutive ones.
+    KxDbIdRuns objectIds() const;
 
     KxDbObjectId namedObjectsDictionaryId() const { return m_namedObjects; }
     KxDbObjectId mlineStyleDictionaryId() const;
