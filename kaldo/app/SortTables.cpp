@@ -103,6 +103,9 @@ std::uint64_t extensionDictionary(const KxDbBlockTableRecord& block)
 SortTables::SortTables(KxDbDatabase& db) : m_db(db)
 {
     for (const KxDbObjectId id : db.objectIds()) {
+        const KxRxClass* cls = id.objectClass();
+        if (!cls || !cls->isDerivedFrom(KxDbUnmodelledObject::desc()))
+            continue;
         const auto* record = KxDbUnmodelledObject::cast(db.peekObject(id));
         if (record && !record->isErased() && record->dxfName() == kTableKind)
             m_tables.emplace(tableBlock(record->groups()), id);

@@ -7,13 +7,16 @@
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
+#include "kaldo/db/UnopenedEntities.h"
 #include "kxdbdict.h"
 #include "kxdbmline.h"
 #include "kxdbmlstyle.h"
 #include "kxdbsymtb.h"
 
 KxDbDatabase::KxDbDatabase(bool buildDefault)
-    : m_handles(std::make_unique<kaldo::HandleTable>()), m_undo(std::make_unique<kaldo::UndoHistory>(*this))
+    : m_handles(std::make_unique<kaldo::HandleTable>()),
+      m_undo(std::make_unique<kaldo::UndoHistory>(*this)),
+      m_unopened(std::make_unique<kaldo::UnopenedEntities>(*this))
 {
     if (buildDefault)
         buildDefaultDrawing();
@@ -23,6 +26,7 @@ KxDbDatabase::~KxDbDatabase()
 {
     for (const auto& obj : m_objects)
         kaldo::unregisterObject(obj->objectId());
+    m_unopened.reset();
     kaldo::unregisterDatabase(this);
 }
 
@@ -163,6 +167,14 @@ std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id, std::uin
     return obj;
 }
 
+void KxDbDatabase::nameMade(KxDbObject& obj, KxDbObjectId id, KxDbObjectId owner)
+{
+    obj.putId(id);
+    obj.putOwner(owner);
+    obj.m_openForWrite = false;
+    obj.m_readers = 0;
+}
+
 void KxDbDatabase::reattachObject(std::unique_ptr<KxDbObject> obj, std::uint64_t handle)
 {
     kaldo::registerObjectAs(obj->objectId(), obj.get(), this);
@@ -200,12 +212,12 @@ Kald::ErrorStatus KxDbDatabase::setRoots(const KxDbDatabaseRoots& roots)
     return Kald::eOk;
 }
 
-std::vector<KxDbObjectId> KxDbDatabase::objectIds() const
+KxDbIdRuns KxDbDatabase::objectIds() const
 {
-    std::vector<KxDbObjectId> ids;
-    ids.reserve(m_objects.size());
+    KxDbIdRuns ids;
     for (const auto& obj : m_objects)
         ids.push_back(obj->objectId());
+    m_unopened->appendIds(ids);
     return ids;
 }
 

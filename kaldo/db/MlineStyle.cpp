@@ -33,6 +33,10 @@ bool KxDbMlineStyle::isReferenced() const
     if (!db || objectId().isNull())
         return false;
     for (const KxDbObjectId& id : db->objectIds()) {
+        // By the class first, so that no other entity is made to be read.
+        const KxRxClass* cls = id.objectClass();
+        if (!cls || !cls->isDerivedFrom(KxDbMline::desc()))
+            continue;
         const auto* mline = KxDbMline::cast(db->peekObject(id));
         if (mline && !mline->isErased() && mline->style() == objectId())
             return true;

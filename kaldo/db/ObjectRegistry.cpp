@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <bitset>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <vector>
 
+#include "kaldo/db/UnopenedEntities.h"
+#include "kxdbdatabase.h"
 #include "kxdbobject.h"
 
 namespace kaldo {
@@ -17,7 +20,9 @@ namespace {
 // of consecutive serials: a lookup is two loads, and objects made together
 // (a drawing read from a file) sit together. A page goes away when its last
 // object does, so a long run that makes and drops drawings keeps only the
-// page list, a pointer per 4096 serials.
+// page list, a pointer per 4096 serials. The slot of an entity kept
+// unopened holds its entry, shifted and tagged by the lowest bit, which no
+// object's address has: the lookups that give an object make it first.
 class Registry {
 public:
     std::uint64_t add(KxDbObject* obj, KxDbDatabase* db)
@@ -27,23 +32,34 @@ public:
         return serial;
     }
 
+    std::uint64_t addUnopened(const KxRxClass* cls, std::uint64_t entry, KxDbDatabase* db)
+    {
+        const std::uint64_t serial = ++m_lastSerial;
+        Page& page = pageToPut(serial);
+        const std::size_t slot = slotOf(serial);
+        page.slots[slot] = reinterpret_cast<KxDbObject*>(std::uintptr_t(entry << 1 | 1));
+        page.classes[slot] = classIndex(cls);
+        page.erased[slot] = false;
+        page.databases[slot] = databaseIndex(db);
+        ++page.live;
+        return serial;
+    }
+
     void skipTo(std::uint64_t serial) { m_lastSerial = std::max(m_lastSerial, serial); }
 
-    // serial was given out before and is free now.
+    // serial was given out before and is free now, or names an unopened
+    // entity that obj was made from.
     void put(std::uint64_t serial, KxDbObject* obj, KxDbDatabase* db)
     {
-        const std::size_t index = pageOf(serial);
-        if (index >= m_pages.size())
-            m_pages.resize(index + 1);
-        std::unique_ptr<Page>& page = m_pages[index];
-        if (!page)
-            page = std::make_unique<Page>();
+        Page& page = pageToPut(serial);
         const std::size_t slot = slotOf(serial);
-        page->slots[slot] = obj;
-        page->classes[slot] = classIndex(obj->isA());
-        page->erased[slot] = obj->isErased();
-        page->databases[slot] = databaseIndex(db);
-        ++page->live;
+        if (!page.slots[slot])
+            ++page.live;
+        page.classes[slot] = classIndex(obj->isA());
+        page.erased[slot] = obj->isErased();
+        page.databases[slot] = databaseIndex(db);
+        // Last, for a lookup on another thread that finds the object.
+        std::atomic_ref<KxDbObject*>(page.slots[slot]).store(obj, std::memory_order_release);
     }
 
     void remove(std::uint64_t serial)
@@ -61,10 +77,24 @@ public:
             m_pages[index].reset();
     }
 
-    KxDbObject* find(std::uint64_t serial) const
+    KxDbObject* find(std::uint64_t serial)
     {
         const Page* page = pageFor(serial);
-        return page ? page->slots[slotOf(serial)] : nullptr;
+        return page ? made(serial, *page) : nullptr;
+    }
+
+    bool holds(std::uint64_t serial) const
+    {
+        const Page* page = pageFor(serial);
+        return page && page->slots[slotOf(serial)];
+    }
+
+    std::optional<std::uint64_t> unopenedEntry(std::uint64_t serial) const
+    {
+        const Page* page = pageFor(serial);
+        if (!page || !isTagged(slotValue(*page, serial)))
+            return std::nullopt;
+        return std::uint64_t(slotValue(*page, serial) >> 1);
     }
 
     KxDbDatabase* databaseOf(std::uint64_t serial) const
@@ -75,13 +105,12 @@ public:
         return m_databases[page->databases[slotOf(serial)]];
     }
 
-    KxDbObject* findOf(std::uint64_t serial, const KxDbDatabase* db) const
+    KxDbObject* findOf(std::uint64_t serial, const KxDbDatabase* db)
     {
         const Page* page = pageFor(serial);
-        if (!page)
+        if (!page || !page->slots[slotOf(serial)] || m_databases[page->databases[slotOf(serial)]] != db)
             return nullptr;
-        KxDbObject* obj = page->slots[slotOf(serial)];
-        return obj && m_databases[page->databases[slotOf(serial)]] == db ? obj : nullptr;
+        return made(serial, *page);
     }
 
     void forgetDatabase(KxDbDatabase* db)
@@ -92,14 +121,14 @@ public:
         m_recentDatabase = kNoDatabase;
     }
 
-    const KxRxClass* classOf(std::uint64_t serial) const
+    const KxRxClass* classOf(std::uint64_t serial)
     {
         const Page* page = pageFor(serial);
         if (!page)
             return nullptr;
         const std::uint8_t index = page->classes[slotOf(serial)];
         if (index == kClassOfObject)
-            return page->slots[slotOf(serial)]->isA();
+            return made(serial, *page)->isA();
         return index == kNoClass ? nullptr : m_classes[index - 1];
     }
 
@@ -137,6 +166,32 @@ private:
     {
         const std::size_t index = pageOf(serial);
         return index < m_pages.size() ? m_pages[index].get() : nullptr;
+    }
+    Page& pageToPut(std::uint64_t serial)
+    {
+        const std::size_t index = pageOf(serial);
+        if (index >= m_pages.size())
+            m_pages.resize(index + 1);
+        std::unique_ptr<Page>& page = m_pages[index];
+        if (!page)
+            page = std::make_unique<Page>();
+        return *page;
+    }
+    static std::uintptr_t slotValue(const Page& page, std::uint64_t serial)
+    {
+        return reinterpret_cast<std::uintptr_t>(std::atomic_ref<KxDbObject* const>(page.slots[slotOf(serial)]).load(
+            std::memory_order_acquire));
+    }
+    static bool isTagged(std::uintptr_t value) { return value & 1; }
+    // The object in the slot, made first when the slot names an unopened
+    // entity.
+    KxDbObject* made(std::uint64_t serial, const Page& page)
+    {
+        const std::uintptr_t value = slotValue(page, serial);
+        if (!isTagged(value))
+            return reinterpret_cast<KxDbObject*>(value);
+        KxDbDatabase* db = m_databases[page.databases[slotOf(serial)]];
+        return db->unopenedEntities().make(KxDbObjectId::fromOldId(serial), std::uint64_t(value >> 1));
     }
     static std::size_t pageOf(std::uint64_t serial) { return std::size_t(serial >> kPageBits); }
     static std::size_t slotOf(std::uint64_t serial) { return std::size_t(serial & ((1u << kPageBits) - 1)); }
@@ -215,6 +270,21 @@ void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db)
     registry().put(id.asOldId(), obj, db);
 }
 
+KxDbObjectId registerUnopened(const KxRxClass* cls, std::uint64_t entry, KxDbDatabase* db)
+{
+    return KxDbObjectId::fromOldId(registry().addUnopened(cls, entry, db));
+}
+
+bool isUnopened(KxDbObjectId id)
+{
+    return registry().unopenedEntry(id.asOldId()).has_value();
+}
+
+std::optional<std::uint64_t> unopenedEntry(KxDbObjectId id)
+{
+    return registry().unopenedEntry(id.asOldId());
+}
+
 void unregisterDatabase(KxDbDatabase* db)
 {
     registry().forgetDatabase(db);
@@ -259,11 +329,14 @@ void setErased(KxDbObjectId id, bool erased)
 
 bool KxDbObjectId::isValid() const
 {
-    return kaldo::lookupObject(*this) != nullptr;
+    return kaldo::registry().holds(asOldId());
 }
 
+// An entity kept unopened is never erased: erasing opens it.
 bool KxDbObjectId::isErased() const
 {
+    if (kaldo::isUnopened(*this))
+        return false;
     const KxDbObject* obj = kaldo::lookupObject(*this);
     return obj && obj->isErased();
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "kxdbid.h"
 
@@ -18,8 +19,17 @@ KxDbObjectId registerObject(KxDbObject* obj, KxDbDatabase* db);
 // that many objects (ids past 32 bits without making four billion first).
 void skipSerialsTo(std::uint64_t serial);
 // Puts an object back under the id it had before unregisterObject (undo
-// taking back the removal of an added object).
+// taking back the removal of an added object), or in place of the record
+// an unopened entity's id names.
 void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db);
+// A new id of class cls in db that names an entity kept unopened, by
+// entry (below 2^63) among db's unopenedEntities(): the lookups below
+// make the entity through it, the others do not.
+KxDbObjectId registerUnopened(const KxRxClass* cls, std::uint64_t entry, KxDbDatabase* db);
+// Whether id names an entity kept unopened.
+bool isUnopened(KxDbObjectId id);
+// The entry an unopened entity's id names, else nothing.
+std::optional<std::uint64_t> unopenedEntry(KxDbObjectId id);
 void unregisterObject(KxDbObjectId id);
 // A database that goes, after its objects: its place in the table is free
 // for another.

@@ -219,6 +219,14 @@ void UndoHistory::recordAdded(KxDbObject& obj, std::uint64_t handle)
     m_open.objects.push_back(std::move(record));
 }
 
+bool UndoHistory::addedUnrecorded(std::uint64_t handle)
+{
+    if (recording())
+        return false;
+    m_handleFloor = std::max(m_handleFloor, handle + 1);
+    return true;
+}
+
 void UndoHistory::recordHeader()
 {
     if (!recording() || m_open.header)

@@ -74,6 +74,9 @@ public:
     // obj was just added under handle.
     void recordAdded(KxDbObject& obj, std::uint64_t handle);
     void recordHeader();
+    // An object is added under handle without one (an entity a file reader
+    // keeps unopened): false, noting nothing, while a step records.
+    bool addedUnrecorded(std::uint64_t handle);
 
     // As upgradeOpen, for an entity that is about to be translated (and
     // changed no other way while open): a multiline has its vertex

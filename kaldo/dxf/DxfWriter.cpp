@@ -3,9 +3,11 @@
 #include "kaldo/dxf/DxfFile.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/EntityWalk.h"
 #include "kaldo/dxf/EntityRecords.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/HeaderSection.h"
@@ -78,8 +80,9 @@ void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
 void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTableRecord& block, NameCache& names,
                      ProgressMeter& meter)
 {
+    std::unique_ptr<KxDbEntity> aside;
     for (auto it = block.newIterator(); !it->done(); it->step())
-        if (const auto* entity = KxDbEntity::cast(db.peekObject(it->getEntityId()))) {
+        if (const KxDbEntity* entity = entityToWrite(db, it->getEntityId(), aside)) {
             writeEntityRecord(w, db, *entity, names);
             meter.record();
         }
@@ -100,7 +103,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
 {
     addMissingBlockEnds(db, kept);
     // The list of objects is taken for their count and again for the OBJECTS
-    // section, so that it is not held while the entities' walks hold theirs.
+    // section, so that it is not held while the entities are written.
     ProgressMeter meter(report, db.objectIds().size());
     meter.report();
     GroupWriter w(fd);
@@ -135,6 +138,9 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     if (root)
         writeObject(w, db, *root);
     for (const KxDbObjectId id : db.objectIds()) {
+        // Entities kept unopened were written with their blocks.
+        if (kaldo::isUnopened(id))
+            continue;
         const KxDbObject* obj = db.peekObject(id);
         try {
             if (obj && obj != root && !obj->isErased() && writeObject(w, db, *obj))

@@ -2,6 +2,7 @@
 
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/RecordRun.h"
+#include "kaldo/db/UnopenedEntities.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/MlineRecord.h"
@@ -47,21 +48,35 @@ struct EntityLook {
         }
         return readColorGroup(g, color);
     }
-    // Names spelled otherwise than their records (other capitals) are
-    // kept as spelled, so that they are written back so.
-    void applyTo(KxDbEntity& entity, ReadContext& context, RecordBasics& basics) const
+    // The layer and linetype the names give, added when missing.
+    void resolve(ReadContext& context, kaldo::UnopenedEntities::Look& resolved) const
     {
         bool same = true;
-        entity.setLayer(context.layer(layer.empty() ? "0" : layer, &same));
-        if (!same)
+        resolved.layer = context.layer(layer.empty() ? "0" : layer, &same);
+        resolved.layerSpelledOtherwise = !same;
+        resolved.linetype = linetype.empty() ? context.linetype("ByLayer") : context.linetype(linetype, &same);
+        resolved.linetypeSpelledOtherwise = !same && !linetype.empty();
+    }
+    // Names spelled otherwise than their records (other capitals) are
+    // kept as spelled, so that they are written back so.
+    void applyTo(KxDbEntity& entity, const kaldo::UnopenedEntities::Look& resolved, RecordBasics& basics) const
+    {
+        entity.setLayer(resolved.layer);
+        if (resolved.layerSpelledOtherwise)
             basics.kept.push_back({8, 1, std::string(layer)});
-        entity.setLinetype(linetype.empty() ? context.linetype("ByLayer") : context.linetype(linetype, &same));
-        if (!same && !linetype.empty())
+        entity.setLinetype(resolved.linetype);
+        if (resolved.linetypeSpelledOtherwise)
             basics.kept.push_back({6, 1, std::string(linetype)});
         // The index beside a true colour is the writer's own choice: kept.
         if (color.isByColor() && !colorIndex.empty())
             basics.kept.push_back({62, 1, std::string(colorIndex)});
         entity.setColor(color);
+    }
+    void applyTo(KxDbEntity& entity, ReadContext& context, RecordBasics& basics) const
+    {
+        kaldo::UnopenedEntities::Look resolved;
+        resolve(context, resolved);
+        applyTo(entity, resolved, basics);
     }
 };
 
@@ -264,6 +279,49 @@ void takeApart(const Record& record, EntityParts& parts)
             return true;
         });
     }
+}
+
+// What an entity of the kinds takeApart makes takes as an object.
+std::size_t objectBytes(const KxDbEntity& entity)
+{
+    if (const auto* pline = KxDbPolyline::cast(&entity))
+        return sizeof(KxDbPolyline) + std::size_t(pline->numVerts()) * 2 * sizeof(double);
+    if (KxDbArc::cast(&entity))
+        return sizeof(KxDbArc);
+    if (KxDbCircle::cast(&entity))
+        return sizeof(KxDbCircle);
+    return sizeof(KxDbLine);
+}
+
+// Makes an entity kept unopened as readEntity would have made it.
+std::unique_ptr<KxDbEntity> makeUnopened(const kaldo::UnopenedEntities::Look& look, KxDbPackedGroupsView groups)
+{
+    Record record;
+    record.assign(look.kind, groups);
+    EntityParts parts;
+    takeApart(record, parts);
+    parts.look.applyTo(*parts.entity, look, parts.basics);
+    parts.entity->setKeptGroups(std::move(parts.basics.kept));
+    return std::move(parts.entity);
+}
+
+// Keeps the entity taken apart from the record unopened when its groups
+// take less than half the object: records of a few groups, where the
+// object would cost many times the file. Larger records, which their
+// objects hold about as densely, are added as objects, so that nothing is
+// read twice.
+bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& context, KxDbObjectId block)
+{
+    const KxDbPackedGroupsView groups = record.packedGroups();
+    if (2 * groups.bytes().size() >= objectBytes(*parts.entity))
+        return false;
+    kaldo::UnopenedEntities::Look look;
+    look.kind = record.kind();
+    look.block = block.isNull() ? blockOf(parts.basics, context) : block;
+    parts.look.resolve(context, look);
+    return !context.db.unopenedEntities()
+                .keep(parts.entity->isA(), look, groups, context.fileHandle(parts.basics.handle), &makeUnopened)
+                .isNull();
 }
 
 // Kinds that something in the host reads by name (the renderer, the
@@ -487,6 +545,8 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         append(context, std::move(unmodelled), parts->basics, block, record.line());
         return;
     }
+    if (keepUnopened(record, *parts, context, block))
+        return;
     parts->look.applyTo(*parts->entity, context, parts->basics);
     append(context, std::move(parts->entity), parts->basics, block, record.line());
 }

@@ -14,12 +14,20 @@ class KxDbEntity;
 
 namespace kaldo::dxf {
 
+// The entity id names, to be written or measured: the drawing's, or for
+// one kept unopened an entity made from its record that aside holds until
+// it is used, so that saving makes no entity the drawing's. Null for no
+// entity.
+const KxDbEntity* entityToWrite(const KxDbDatabase& db, KxDbObjectId id, std::unique_ptr<KxDbEntity>& aside);
+
 class EntityWalk {
 public:
     // Entities and how many file records they stand for (a run of kept
-    // records stands for each of its own).
+    // records stands for each of its own), with those made aside for the
+    // chunk from their kept records (entityToWrite), dropped with it.
     struct Chunk {
         std::vector<const KxDbEntity*> entities;
+        std::vector<std::unique_ptr<KxDbEntity>> aside;
         std::size_t records = 0;
     };
 

@@ -13,16 +13,19 @@ namespace kaldo::dxf {
 KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
 {
     std::unique_ptr<KxDbObject> owned(obj);
-    if (runRecordHandles.contains(basics.handle))
-        basics.handle = 0;
     // The database raises its handle seed above the handle it gives.
-    db.addObject(obj, basics.handle);
+    db.addObject(obj, fileHandle(basics.handle));
     owned.release();
     obj->setKeptGroups(std::move(basics.kept));
     if (basics.owner != 0)
         ownerReferences.push_back({obj->objectId(), basics.owner});
     obj->close();
     return obj->objectId();
+}
+
+std::uint64_t ReadContext::fileHandle(std::uint64_t handle) const
+{
+    return runRecordHandles.contains(handle) ? 0 : handle;
 }
 
 KxDbObjectId ReadContext::blockByHandle(std::uint64_t handle)

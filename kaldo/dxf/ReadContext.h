@@ -99,6 +99,9 @@ struct ReadContext {
     // Adds a new object under its file handle (a new one when the file gave
     // none or a taken one) and closes it; remembers its owner for later.
     KxDbObjectId add(KxDbObject* obj, RecordBasics basics);
+    // The handle a record gave to add its object under: 0 (a new one) when
+    // a run holds it.
+    std::uint64_t fileHandle(std::uint64_t handle) const;
 
     // A layer or linetype by name (as spelled, then without regard to
     // case); a missing one is added to its table so that nothing is lost.

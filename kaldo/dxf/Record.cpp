@@ -38,24 +38,39 @@ void Record::read(GroupReader& reader, const Group& head)
         *at++ = static_cast<unsigned char>(length);
         std::memcpy(at, g.value.data(), g.value.size());
         used_ = std::size_t(reinterpret_cast<char*>(at) - groups_.data()) + g.value.size();
-        if (size_ < kReadNumbers) {
-            if (size_ == numbers_.size()) {
-                numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size_)));
-                numberKinds_.resize(numbers_.size());
-            }
-            Number number = Number::None;
-            if (double real = 0; modelled_ && isRealCode(g.code) && readQuickReal(g.value, real)) {
-                numbers_[size_] = std::bit_cast<std::uint64_t>(real);
-                number = Number::Real;
-            } else if (std::uint64_t handle = 0;
-                       isHandleCode(g.code) && tryHandle(g.value, handle, kxdbHighestHandle + 1)) {
-                numbers_[size_] = handle;
-                number = Number::Handle;
-            }
-            numberKinds_[size_] = number;
-        }
-        ++size_;
+        noteNumbers(g.code, g.value);
     }
+}
+
+void Record::assign(std::string_view kind, KxDbPackedGroupsView groups)
+{
+    kind_.assign(kind);
+    modelled_ = isModelledKind(kind_);
+    line_ = 0;
+    size_ = 0;
+    used_ = groups.bytes().size();
+    groups_.assign(groups.bytes());
+    groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view value) { noteNumbers(code, value); });
+}
+
+void Record::noteNumbers(int code, std::string_view value)
+{
+    if (size_ < kReadNumbers) {
+        if (size_ == numbers_.size()) {
+            numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size_)));
+            numberKinds_.resize(numbers_.size());
+        }
+        Number number = Number::None;
+        if (double real = 0; modelled_ && isRealCode(code) && readQuickReal(value, real)) {
+            numbers_[size_] = std::bit_cast<std::uint64_t>(real);
+            number = Number::Real;
+        } else if (std::uint64_t handle = 0; isHandleCode(code) && tryHandle(value, handle, kxdbHighestHandle + 1)) {
+            numbers_[size_] = handle;
+            number = Number::Handle;
+        }
+        numberKinds_[size_] = number;
+    }
+    ++size_;
 }
 
 bool isModelledKind(std::string_view kind)

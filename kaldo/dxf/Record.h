@@ -20,6 +20,9 @@ public:
     // Reads the record that starts with the group just read (code 0): the
     // groups up to the next code 0, which is pushed back.
     void read(GroupReader& reader, const Group& head);
+    // Takes a record of the kind whose groups a record kept as packed
+    // (an entity kept unopened), numbers and all, as read would have.
+    void assign(std::string_view kind, KxDbPackedGroupsView groups);
 
     const std::string& kind() const { return kind_; }
     long line() const { return line_; }
@@ -28,19 +31,11 @@ public:
     template <class Visit>
     void forEach(Visit&& visit) const
     {
-        const auto* at = reinterpret_cast<const unsigned char*>(groups_.data());
-        for (std::size_t index = 0; index < size_; ++index) {
+        std::size_t index = 0;
+        packedGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
             Group g;
-            g.code = std::int16_t(std::uint16_t(at[0] | (at[1] << 8)));
-            at += 3;
-            std::size_t length = 0;
-            for (int shift = 0;; shift += 7) {
-                length |= std::size_t(*at & 0x7F) << shift;
-                if (!(*at++ & 0x80))
-                    break;
-            }
-            g.value = std::string_view(reinterpret_cast<const char*>(at), length);
-            at += length;
+            g.code = code;
+            g.value = value;
             // Every group takes two lines, its code's and its value's.
             g.line = line_ + 2 * long(index + 1);
             if (index < kReadNumbers) {
@@ -49,15 +44,18 @@ public:
                 else if (numberKinds_[index] == Number::Handle)
                     g.handle = numbers_[index];
             }
-            if (!visit(g))
-                return;
-        }
+            ++index;
+            return bool(visit(g));
+        });
     }
     // Every group as read, packed as a record kept whole holds them; valid
     // until the record is read again.
     KxDbPackedGroupsView packedGroups() const { return KxDbPackedGroupsView(std::string_view(groups_.data(), used_)); }
 
 private:
+    // Notes the numbers of the group just stored, if it is among the first.
+    void noteNumbers(int code, std::string_view value);
+
     // The groups lie packed one after the other in groups_ as
     // KxDbPackedGroupsView reads them (part 0), reused from record to
     // record and longer than the record they hold: a record of many short

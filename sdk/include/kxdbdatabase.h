@@ -14,6 +14,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "kxdbidruns.h"
 #include "kxdbobject.h"
 
 class KxDbDictionary;
@@ -23,6 +24,7 @@ class KxDbLinetypeTable;
 namespace kaldo {
 class HandleTable;
 class UndoHistory;
+class UnopenedEntities;
 }
 
 inline constexpr const wchar_t* kxdbMlineStyleDictionaryName = L"ACAD_MLINESTYLE";
@@ -68,8 +70,10 @@ public:
     // eWrongObjectType when one is missing or of another class. Model space
     // becomes the current space.
     Kald::ErrorStatus setRoots(const KxDbDatabaseRoots& roots);
-    // Every object (erased ones too) in the order they were added.
-    std::vector<KxDbObjectId> objectIds() const;
+    // Every object (erased ones too) in the order they were added, the
+    // entities a file reader keeps unopened after them: runs of ids, as a
+    // drawing read from a file gives its objects consecutive ones.
+    KxDbIdRuns objectIds() const;
 
     KxDbObjectId namedObjectsDictionaryId() const { return m_namedObjects; }
     KxDbObjectId mlineStyleDictionaryId() const;
@@ -141,9 +145,14 @@ public:
     // and restored (see kaldo/db/UndoHistory.h).
     kaldo::UndoHistory& undoHistory() const { return *m_undo; }
 
+    // Entities a file reader keeps as their records until they are first
+    // opened (kaldo/db/UnopenedEntities.h).
+    kaldo::UnopenedEntities& unopenedEntities() const { return *m_unopened; }
+
 private:
     friend class KxDbObject;
     friend class kaldo::UndoHistory;
+    friend class kaldo::UnopenedEntities;
 
     // What the database keeps besides its objects and writes to a file's
     // header; undo copies it whole.
@@ -172,6 +181,9 @@ private:
     // of an addition.
     std::unique_ptr<KxDbObject> detachObject(KxDbObjectId id, std::uint64_t& handle);
     void reattachObject(std::unique_ptr<KxDbObject> obj, std::uint64_t handle);
+    // Gives an entity made from its kept record the id and owner it was
+    // kept with, closed.
+    static void nameMade(KxDbObject& obj, KxDbObjectId id, KxDbObjectId owner);
 
     std::vector<std::unique_ptr<KxDbObject>> m_objects;
     std::unique_ptr<kaldo::HandleTable> m_handles;
@@ -184,4 +196,5 @@ private:
     KxDbObjectId m_byLayer, m_byBlock, m_continuous;
     Header m_header;
     std::unique_ptr<kaldo::UndoHistory> m_undo;
+    std::unique_ptr<kaldo::UnopenedEntities> m_unopened;
 };

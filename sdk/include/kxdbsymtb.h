@@ -19,6 +19,9 @@
 
 class KxDbSymbolTableIterator;
 class KxDbBlockTableRecordIterator;
+namespace kaldo {
+class UnopenedEntities;
+}
 
 class KxDbSymbolTableRecord : public KxDbObject {
 public:
@@ -123,6 +126,7 @@ public:
 
 private:
     friend class kaldo::UndoHistory;
+    friend class kaldo::UnopenedEntities;
     // Undo: cuts the list after its first keep entities and appends tail,
     // which receives the entities cut.
     void exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail);

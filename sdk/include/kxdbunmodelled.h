@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "kxdbobject.h"
@@ -25,10 +26,12 @@ public:
     bool empty() const { return m_bytes.empty(); }
     std::string_view bytes() const { return m_bytes; }
 
-    // Calls visit(code, part, value) for every group, in order.
+    // Calls visit(code, part, value) for every group, in order; a visit
+    // that returns a bool stops the walk by returning false.
     template <class Visit>
     void forEach(Visit&& visit) const
     {
+        using Result = std::invoke_result_t<Visit&, std::int16_t, std::uint8_t, std::string_view>;
         const auto* at = reinterpret_cast<const unsigned char*>(m_bytes.data());
         const auto* end = at + m_bytes.size();
         while (at < end) {
@@ -41,8 +44,14 @@ public:
                 if (!(*at++ & 0x80))
                     break;
             }
-            visit(code, part, std::string_view(reinterpret_cast<const char*>(at), length));
+            const std::string_view value(reinterpret_cast<const char*>(at), length);
             at += length;
+            if constexpr (std::is_same_v<Result, bool>) {
+                if (!visit(code, part, value))
+                    return;
+            } else {
+                visit(code, part, value);
+            }
         }
     }
     std::vector<KxDbFileGroup> unpacked() const;

@@ -1,14 +1,19 @@
 // Drawings written and read back: every modelled value, handles, header
-// variables and the multiline flags survive; neighbouring vertices with
-// the same lists share them, and copies and edits keep them apart.
+// variables and the multiline flags survive; entities kept as their
+// records open as read; neighbouring vertices with the same lists share
+// them, and copies and edits keep them apart.
 #include "DxfText.h"
+#include "GroupText.h"
 #include "MlineLists.h"
+
+#include "kaldo/db/ObjectRegistry.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <vector>
 
 namespace {
 
@@ -90,6 +95,58 @@ TEST(DxfRoundTrip, ModelledEntitiesKeepEveryValueAndHandle)
 
     // Written again, the text is the same: nothing drifts, no handle moves.
     EXPECT_EQ(toDxfText(back), text);
+}
+
+// Entities of a few groups are kept as their records until first opened:
+// saving writes them without making them the drawing's, and opening one
+// (by peeking or by an open) gives the values, handle, owner and layer
+// read, counts no change, and the drawing saves the same bytes.
+TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
+{
+    const std::string entities =
+        groupText({"0", "LINE", "0", "LINE", "5", "2A", "8", "walls", "62", "1", "10", "1.5", "11", "2", "0", "CIRCLE",
+                   "8", "WALLS", "40", "2", "0", "ARC", "40", "1", "51", "90", "0", "LWPOLYLINE", "90", "2", "10", "1",
+                   "20", "2", "10", "3", "20", "4"});
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(entities, ""));
+    KxDbDatabase& db = *drawing.database;
+    std::vector<KxDbObjectId> ids;
+    const auto* space = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()));
+    for (auto it = space->newIterator(); !it->done(); it->step())
+        ids.push_back(it->getEntityId());
+    ASSERT_EQ(ids.size(), 5u);
+    EXPECT_EQ(db.objectIdFromHandle(0x2A), ids[1]);
+    EXPECT_EQ(ids[2].objectClass(), KxDbCircle::desc());
+    const std::string saved = toDxfText(drawing);
+    EXPECT_NE(saved.find("\nWALLS\n"), std::string::npos) << "the layer as the record spells it";
+    for (const KxDbObjectId id : ids)
+        EXPECT_TRUE(kaldo::isUnopened(id));
+
+    const std::uint64_t changes = db.changeCount();
+    const auto* line = KxDbLine::cast(db.peekObject(ids[1]));
+    ASSERT_NE(line, nullptr);
+    EXPECT_FALSE(kaldo::isUnopened(ids[1]));
+    EXPECT_EQ(db.peekObject(ids[1]), line) << "made once";
+    EXPECT_EQ(line->handle(), 0x2Au);
+    EXPECT_EQ(line->ownerId(), db.modelSpaceId());
+    EXPECT_EQ(line->startPoint().x, 1.5);
+    EXPECT_EQ(line->endPoint().x, 2);
+    EXPECT_EQ(line->color().colorIndex(), 1);
+    const auto* circle = KxDbCircle::cast(db.peekObject(ids[2]));
+    ASSERT_NE(circle, nullptr);
+    EXPECT_EQ(circle->layerId(), line->layerId());
+    EXPECT_EQ(circle->radius(), 2);
+    const auto* arc = KxDbArc::cast(db.peekObject(ids[3]));
+    ASSERT_NE(arc, nullptr);
+    EXPECT_NEAR(arc->endAngle(), std::numbers::pi / 2, 1e-15);
+    const auto* pline = KxDbPolyline::cast(db.peekObject(ids[4]));
+    ASSERT_NE(pline, nullptr);
+    EXPECT_EQ(pline->numVerts(), 2);
+    KxDbObjectPtr<KxDbLine> bare(ids[0], KxDb::kForRead);
+    ASSERT_EQ(bare.openStatus(), Kald::eOk);
+    EXPECT_EQ(bare->ownerId(), db.modelSpaceId());
+    bare.close();
+    EXPECT_EQ(db.changeCount(), changes);
+    EXPECT_EQ(toDxfText(drawing), saved);
 }
 
 TEST(DxfRoundTrip, MultilinesKeepVerticesMitersListsAndAllSixteenFlagCombinations)
