@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -239,17 +240,16 @@ MlineOutline checkMline(const Record& record, RecordBasics& basics, const std::f
 
 std::size_t mlineObjectBytes(const Record& record)
 {
-    std::size_t bytes = sizeof(KxDbMline);
-    record.forEach([&bytes](const Group& g) {
-        if (g.code == 11)
-            bytes += sizeof(KxDbMlineVertex);
-        else if (g.code == 74 || g.code == 75)
-            bytes += sizeof(std::uint32_t);
-        else if (g.code == 41 || g.code == 42)
-            bytes += sizeof(double);
-        return true;
+    // The count comes before the vertices: only the head is looked at.
+    std::size_t vertices = 0;
+    record.forEach([&vertices](const Group& g) {
+        if (g.code != 72)
+            return true;
+        const std::string_view text = trimmed(g.value);
+        std::from_chars(text.data(), text.data() + text.size(), vertices);
+        return false;
     });
-    return bytes;
+    return sizeof(KxDbMline) + std::min(vertices, record.size()) * sizeof(KxDbMlineVertex);
 }
 
 bool layoutFinite(const Record& record, const KxDbMlineStyle& style)

@@ -47,8 +47,10 @@ struct MlineOutline {
 MlineOutline checkMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
                         MlineStyleLink& style, KxDbMlineListStore& scratch);
 
-// About what the multiline the record lists takes as an object, its lists
-// as listed: a vertex for every 11 group, a value for every 41 and 42.
+// At least what the multiline the record lists takes as an object: the
+// vertices its count (72) announces, which it must hold to be read, up to
+// one a group, without their lists (0 vertices when the count is missing
+// or no number).
 std::size_t mlineObjectBytes(const Record& record);
 
 // Whether the multiline of a record checked before, laid out anew in style
