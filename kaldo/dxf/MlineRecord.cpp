@@ -151,10 +151,6 @@ private:
     long listLine_ = 0;
 };
 
-}  // namespace
-
-namespace {
-
 // Reads the record into mline, its vertices to the collector, and gives
 // every error the record holds; the style is left to the caller.
 void readInto(KxDbMline& mline, const Record& record, RecordBasics& basics,
@@ -254,8 +250,9 @@ std::size_t mlineObjectBytes(const Record& record)
 
 bool layoutFinite(const Record& record, const KxDbMlineStyle& style)
 {
+    KxDbMline mline;
     KxDbMlineListStore scratch;
-    const auto walk = [&](KxDbMline& mline, std::function<void(const KxGePoint3d&)> completed) {
+    const auto walk = [&](std::function<void(const KxGePoint3d&)> completed) {
         RecordBasics basics;
         MlineStyleLink link;
         VertexCollector vertices(record.size(), scratch, false, std::move(completed));
@@ -263,10 +260,9 @@ bool layoutFinite(const Record& record, const KxDbMlineStyle& style)
     };
     // The first and last position first: a closed multiline's ends look at
     // each other.
-    KxDbMline mline;
     std::size_t n = 0;
     KxGePoint3d first, last;
-    walk(mline, [&](const KxGePoint3d& p) {
+    walk([&](const KxGePoint3d& p) {
         if (n++ == 0)
             first = p;
         last = p;
@@ -282,7 +278,7 @@ bool layoutFinite(const Record& record, const KxDbMlineStyle& style)
     };
     bool finite = true;
     std::size_t at = 0;
-    walk(mline, [&](const KxGePoint3d& p) {
+    walk([&](const KxGePoint3d& p) {
         recent[at % 3] = p;
         if (at > 0 && finite)
             finite = finiteFrame(at - 1);

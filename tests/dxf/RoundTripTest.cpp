@@ -214,6 +214,25 @@ TEST(DxfRoundTrip, MultilinesKeptAsTheirRecordsOpenAsThoseMadeWhenRead)
     for (int v = 0; v < 4; ++v)
         EXPECT_TRUE(laidOut->parametersAt(v).sameAs(opened->parametersAt(v))) << v;
 
+    // Lists to be put in the order of a style that the file lists out of
+    // order: opened for that once read.
+    const auto ordered = [&longZero](bool longZ) {
+        std::string text = groupText({"0", "MLINE", "5", "2B", "100", "AcDbMline", "340", "40", "72", "3", "73", "2"});
+        for (const char* x : {"0", "1", "3"})
+            text += groupText({"11", x, "74", "1", "41", "1", "75", "0", "74", "1", "41", "2", "75", "0"})
+                    + (longZ ? longZero : "");
+        return smallDrawing(text, "0\nDICTIONARY\n5\nC\n100\nAcDbDictionary\n3\nACAD_MLINESTYLE\n350\n17\n"
+                                  "0\nDICTIONARY\n5\n17\n100\nAcDbDictionary\n3\nUP\n350\n40\n"
+                                  "0\nMLINESTYLE\n5\n40\n100\nAcDbMlineStyle\n2\nUP\n70\n0\n3\n\n51\n90\n"
+                                  "52\n90\n71\n2\n49\n-0.5\n62\n256\n6\nBYLAYER\n49\n0.5\n62\n256\n6\nBYLAYER\n");
+    };
+    kaldo::dxf::DxfDrawing orderedKept = fromDxfText(ordered(false));
+    kaldo::dxf::DxfDrawing orderedMade = fromDxfText(ordered(true));
+    const auto* orderedMline = firstEntity<KxDbMline>(*orderedKept.database);
+    ASSERT_NE(orderedMline, nullptr);
+    EXPECT_EQ(orderedMline->parametersAt(0).element(0)[0], 2) << "the element of offset 0.5 first";
+    EXPECT_EQ(toDxfText(orderedKept), toDxfText(orderedMade));
+
     // Offsets near the largest number, fine along a straight segment, but
     // not at the corner.
     const std::vector<std::pair<const char*, const char*>> corner{{"0", "0"}, {"1", "0"}, {"1", "1"}};
