@@ -98,7 +98,7 @@ void KxDbDatabase::buildDefaultDrawing()
 
 Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
 {
-    if (!obj || !obj->m_id.isNull())
+    if (!obj || !obj->objectId().isNull())
         return Kald::eInvalidInput;
     if (handle == 0 || !objectIdFromHandle(handle).isNull())
         handle = newHandle();
@@ -107,9 +107,9 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
         m_header.handseed = std::max(m_header.handseed, handle + 1);
     obj->m_openForWrite = true;
     obj->m_readers = 0;
-    obj->m_id = kaldo::registerObject(obj, this);
+    obj->putId(kaldo::registerObject(obj, this));
     m_objects.emplace_back(obj);
-    m_handles->insert(handle, obj->m_id);
+    m_handles->insert(handle, obj->objectId());
     m_undo->recordAdded(*obj, handle);
     noteChange();
     return Kald::eOk;
@@ -169,8 +169,8 @@ std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id, std::uin
 
 void KxDbDatabase::nameMade(KxDbObject& obj, KxDbObjectId id, KxDbObjectId owner)
 {
-    obj.m_id = id;
-    obj.m_owner = owner;
+    obj.putId(id);
+    obj.putOwner(owner);
     obj.m_openForWrite = false;
     obj.m_readers = 0;
 }

@@ -1,6 +1,7 @@
 #include "kxdbobject.h"
 
 #include <atomic>
+#include <cstring>
 #include <cstdio>
 #include <limits>
 
@@ -49,28 +50,28 @@ bool dropReader(std::uint16_t& readers)
 
 }  // namespace
 
-// An object is a pointer to its class and four words; an entity adds its
-// properties in two more.
-static_assert(sizeof(KxDbObject) == 40);
-static_assert(sizeof(KxDbEntity) == 48);
+// An object is a pointer to its class and three words; an entity adds its
+// properties in one more.
+static_assert(sizeof(KxDbObject) == 32);
+static_assert(sizeof(KxDbEntity) == 40);
 
 KxDbObject::~KxDbObject() = default;
 
 KxDbDatabase* KxDbObject::database() const
 {
-    return kaldo::registeredDatabase(m_id);
+    return kaldo::registeredDatabase(objectId());
 }
 
 std::uint64_t KxDbObject::handle() const
 {
     const KxDbDatabase* db = database();
-    return db ? db->m_handles->handleOf(m_id) : 0;
+    return db ? db->m_handles->handleOf(objectId()) : 0;
 }
 
 Kald::ErrorStatus KxDbObject::setOwnerId(KxDbObjectId owner)
 {
     kaldo::recordBeforeChange(*this);
-    m_owner = owner;
+    putOwner(owner);
     return Kald::eOk;
 }
 
@@ -87,13 +88,13 @@ Kald::ErrorStatus KxDbObject::erase(bool erasing)
         return Kald::eNotOpenForWrite;
     kaldo::recordBeforeChange(*this);
     m_erased = erasing;
-    kaldo::setErased(m_id, erasing);
+    kaldo::setErased(objectId(), erasing);
     return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbObject::close()
 {
-    if (m_id.isNull())
+    if (m_id == 0)
         return Kald::eOk;
     if (m_openForWrite) {
         m_openForWrite = false;
@@ -124,8 +125,16 @@ Kald::ErrorStatus KxDbObject::copyFrom(const KxDbObject* other)
 {
     if (!other || !other->isKindOf(isA()) || !isKindOf(other->isA()))
         return Kald::eWrongObjectType;
-    // Of the same class, so an entity's part of the extras is its to copy.
+    // Of the same class, so an entity's part of the extras is its to copy;
+    // the object's own id and owner stay.
+    const KxDbObjectId id = objectId();
+    const KxDbObjectId owner = ownerId();
     m_extras = other->m_extras ? std::make_unique<Extras>(*other->m_extras) : nullptr;
+    if (m_extras)
+        m_extras->farId = m_extras->farOwner = KxDbObjectId::kNull;
+    putId(id);
+    putOwner(owner);
+    dropExtrasIfDefault();
     return Kald::eOk;
 }
 
@@ -153,6 +162,7 @@ KxDbObject::Extras& KxDbObject::extrasForWrite()
 void KxDbObject::dropExtrasIfDefault()
 {
     if (m_extras && m_extras->keptGroups.empty() && !m_extras->namedColor && m_extras->linetypeScale == 1.0
+        && !m_extras->normal && m_extras->farId.isNull() && m_extras->farOwner.isNull()
         && m_extras->farLayer.isNull() && m_extras->farLinetype.isNull())
         m_extras.reset();
 }
@@ -190,7 +200,7 @@ Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int m
     return Kald::eOk;
 }
 
-void KxDbEntity::setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id)
+void KxDbObject::setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id)
 {
     if (id.asOldId() < kFarId) {
         compact = std::uint32_t(id.asOldId());
@@ -201,6 +211,17 @@ void KxDbEntity::setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far,
     } else {
         compact = kFarId;
         extrasForWrite().*far = id;
+    }
+}
+
+void KxDbEntity::setPlaneNormal(const KxGeVector3d& normal)
+{
+    static constexpr KxGeVector3d zAxis(0, 0, 1);
+    if (std::memcmp(&normal, &zAxis, sizeof normal) != 0) {
+        extrasForWrite().normal = normal;
+    } else if (extras() && extras()->normal) {
+        extrasForWrite().normal.reset();
+        dropExtrasIfDefault();
     }
 }
 

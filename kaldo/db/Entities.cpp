@@ -1,6 +1,8 @@
 #include "kxdbents.h"
 
+#include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "kaldo/db/EntityPlane.h"
 
@@ -11,13 +13,12 @@ KX_RX_DEFINE_MEMBERS(KxDbPolyline, KxDbEntity)
 
 namespace {
 
-template <class Normal>
-Kald::ErrorStatus checkedNormal(const KxGeVector3d& normal, Normal& out)
+// normal of unit length, or nothing for one too short to give a direction.
+std::optional<KxGeVector3d> checkedNormal(const KxGeVector3d& normal)
 {
     if (normal.length() <= kxGeTolerance)
-        return Kald::eInvalidInput;
-    out = normalized(normal);
-    return Kald::eOk;
+        return std::nullopt;
+    return normalized(normal);
 }
 
 }  // namespace
@@ -36,7 +37,11 @@ Kald::ErrorStatus KxDbLine::setEndPoint(const KxGePoint3d& point)
 
 Kald::ErrorStatus KxDbLine::setNormal(const KxGeVector3d& normal)
 {
-    return checkedNormal(normal, m_normal);
+    const std::optional<KxGeVector3d> unit = checkedNormal(normal);
+    if (!unit)
+        return Kald::eInvalidInput;
+    setPlaneNormal(*unit);
+    return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbLine::copyFrom(const KxDbObject* other)
@@ -46,7 +51,6 @@ Kald::ErrorStatus KxDbLine::copyFrom(const KxDbObject* other)
     const auto* src = static_cast<const KxDbLine*>(other);
     m_start = src->m_start;
     m_end = src->m_end;
-    m_normal = src->m_normal;
     return Kald::eOk;
 }
 
@@ -78,18 +82,22 @@ Kald::ErrorStatus KxDbArc::setEndAngle(double radians)
 
 Kald::ErrorStatus KxDbArc::setNormal(const KxGeVector3d& normal)
 {
-    return checkedNormal(normal, m_normal);
+    const std::optional<KxGeVector3d> unit = checkedNormal(normal);
+    if (!unit)
+        return Kald::eInvalidInput;
+    setPlaneNormal(*unit);
+    return Kald::eOk;
 }
 
 KxGePoint3d KxDbArc::startPoint() const
 {
-    const kaldo::EntityPlane plane(m_normal);
+    const kaldo::EntityPlane plane(planeNormal());
     return m_center + plane.toWorld(KxGeVector3d(std::cos(m_startAngle), std::sin(m_startAngle))) * m_radius;
 }
 
 KxGePoint3d KxDbArc::endPoint() const
 {
-    const kaldo::EntityPlane plane(m_normal);
+    const kaldo::EntityPlane plane(planeNormal());
     return m_center + plane.toWorld(KxGeVector3d(std::cos(m_endAngle), std::sin(m_endAngle))) * m_radius;
 }
 
@@ -99,7 +107,6 @@ Kald::ErrorStatus KxDbArc::copyFrom(const KxDbObject* other)
         return es;
     const auto* src = static_cast<const KxDbArc*>(other);
     m_center = src->m_center;
-    m_normal = src->m_normal;
     m_radius = src->m_radius;
     m_startAngle = src->m_startAngle;
     m_endAngle = src->m_endAngle;
@@ -122,7 +129,11 @@ Kald::ErrorStatus KxDbCircle::setRadius(double radius)
 
 Kald::ErrorStatus KxDbCircle::setNormal(const KxGeVector3d& normal)
 {
-    return checkedNormal(normal, m_normal);
+    const std::optional<KxGeVector3d> unit = checkedNormal(normal);
+    if (!unit)
+        return Kald::eInvalidInput;
+    setPlaneNormal(*unit);
+    return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbCircle::copyFrom(const KxDbObject* other)
@@ -131,7 +142,6 @@ Kald::ErrorStatus KxDbCircle::copyFrom(const KxDbObject* other)
         return es;
     const auto* src = static_cast<const KxDbCircle*>(other);
     m_center = src->m_center;
-    m_normal = src->m_normal;
     m_radius = src->m_radius;
     return Kald::eOk;
 }
@@ -141,59 +151,112 @@ KxGePoint3d KxDbPolyline::pointAt(int index) const
     if (index < 0 || index >= numVerts())
         return {};
     const Position& v = m_positions[std::size_t(index)];
-    const kaldo::EntityPlane plane(m_normal);
-    return plane.toWorld(KxGePoint3d(v.x, v.y, m_elevation));
+    const kaldo::EntityPlane plane(planeNormal());
+    return plane.toWorld(KxGePoint3d(v.x, v.y, elevation()));
 }
 
 KxDbPolyline::Vertex KxDbPolyline::vertexAt(int index) const
 {
     const Position& p = m_positions[std::size_t(index)];
-    if (!m_shapes)
+    if (!m_shaping || m_shaping->shapes.empty())
         return Vertex{p.x, p.y};
-    const Shape& s = (*m_shapes)[std::size_t(index)];
+    const Shape& s = m_shaping->shapes[std::size_t(index)];
     return Vertex{p.x, p.y, s.startWidth, s.endWidth, s.bulge};
 }
 
 std::vector<KxDbPolyline::Vertex> KxDbPolyline::vertices() const
 {
     std::vector<Vertex> all;
-    all.reserve(m_positions.size());
+    all.reserve(m_count);
     for (int i = 0; i < numVerts(); ++i)
         all.push_back(vertexAt(i));
     return all;
 }
 
+void KxDbPolyline::reserve(std::uint32_t count)
+{
+    if (count <= m_room)
+        return;
+    auto room = std::make_unique_for_overwrite<Position[]>(count);
+    std::copy_n(m_positions.get(), m_count, room.get());
+    m_positions = std::move(room);
+    m_room = count;
+}
+
 void KxDbPolyline::setVertices(const std::vector<Vertex>& vertices)
 {
-    m_positions.clear();
-    m_shapes.reset();
-    m_positions.reserve(vertices.size());
+    m_positions.reset();
+    m_count = m_room = 0;
+    if (m_shaping) {
+        m_shaping->shapes.clear();
+        dropShapingIfDefault();
+    }
+    reserve(std::uint32_t(vertices.size()));
     for (const Vertex& v : vertices)
         addVertexAt(v);
-    m_positions.shrink_to_fit();
-    if (m_shapes)
-        m_shapes->shrink_to_fit();
+    if (m_shaping)
+        m_shaping->shapes.shrink_to_fit();
 }
 
 void KxDbPolyline::addVertexAt(const Vertex& vertex)
 {
-    m_positions.push_back({vertex.x, vertex.y});
+    if (m_count == m_room)
+        reserve(std::max<std::uint32_t>(4, m_room * 2));
+    m_positions[m_count++] = {vertex.x, vertex.y};
     const bool shaped = vertex.startWidth != 0 || vertex.endWidth != 0 || vertex.bulge != 0;
-    if (!m_shapes && !shaped)
+    if ((!m_shaping || m_shaping->shapes.empty()) && !shaped)
         return;
-    if (!m_shapes)
-        m_shapes = std::make_unique<std::vector<Shape>>(m_positions.size() - 1);
-    m_shapes->push_back({vertex.startWidth, vertex.endWidth, vertex.bulge});
+    std::vector<Shape>& shapes = shapingForWrite().shapes;
+    shapes.resize(m_count - 1);
+    shapes.push_back({vertex.startWidth, vertex.endWidth, vertex.bulge});
+}
+
+KxDbPolyline::Shaping& KxDbPolyline::shapingForWrite()
+{
+    if (!m_shaping)
+        m_shaping = std::make_unique<Shaping>();
+    return *m_shaping;
+}
+
+void KxDbPolyline::dropShapingIfDefault()
+{
+    // -0 is kept: it is written back as read.
+    const auto isZero = [](double value) { return value == 0 && !std::signbit(value); };
+    if (m_shaping && m_shaping->shapes.empty() && isZero(m_shaping->constantWidth) && isZero(m_shaping->elevation)
+        && isZero(m_shaping->thickness))
+        m_shaping.reset();
+}
+
+void KxDbPolyline::setConstantWidth(double width)
+{
+    shapingForWrite().constantWidth = width;
+    dropShapingIfDefault();
+}
+
+void KxDbPolyline::setElevation(double elevation)
+{
+    shapingForWrite().elevation = elevation;
+    dropShapingIfDefault();
+}
+
+void KxDbPolyline::setThickness(double thickness)
+{
+    shapingForWrite().thickness = thickness;
+    dropShapingIfDefault();
 }
 
 std::size_t KxDbPolyline::vertexBytes() const
 {
-    return m_positions.size() * sizeof(Position) + (m_shapes ? m_shapes->size() * sizeof(Shape) : 0);
+    return m_count * sizeof(Position) + (m_shaping ? m_shaping->shapes.size() * sizeof(Shape) : 0);
 }
 
 Kald::ErrorStatus KxDbPolyline::setNormal(const KxGeVector3d& normal)
 {
-    return checkedNormal(normal, m_normal);
+    const std::optional<KxGeVector3d> unit = checkedNormal(normal);
+    if (!unit)
+        return Kald::eInvalidInput;
+    setPlaneNormal(*unit);
+    return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbPolyline::copyFrom(const KxDbObject* other)
@@ -201,12 +264,12 @@ Kald::ErrorStatus KxDbPolyline::copyFrom(const KxDbObject* other)
     if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
         return es;
     const auto* src = static_cast<const KxDbPolyline*>(other);
-    m_positions = src->m_positions;
-    m_shapes = src->m_shapes ? std::make_unique<std::vector<Shape>>(*src->m_shapes) : nullptr;
-    m_normal = src->m_normal;
-    m_constantWidth = src->m_constantWidth;
-    m_elevation = src->m_elevation;
-    m_thickness = src->m_thickness;
+    m_positions.reset();
+    m_count = m_room = 0;
+    reserve(src->m_count);
+    std::copy_n(src->m_positions.get(), src->m_count, m_positions.get());
+    m_count = src->m_count;
+    m_shaping = src->m_shaping ? std::make_unique<Shaping>(*src->m_shaping) : nullptr;
     m_closed = src->m_closed;
     m_plinegen = src->m_plinegen;
     return Kald::eOk;

@@ -86,7 +86,7 @@ Kald::ErrorStatus KxDbEntity::moveStretchPointsAt(std::span<const int>, const Kx
 Kald::ErrorStatus KxDbLine::transformBy(const KxGeMatrix3d& m)
 {
     KxGeVector3d normal;
-    if (m.uniformScale() == 0 || !transformedNormal(m, m_normal, normal))
+    if (m.uniformScale() == 0 || !transformedNormal(m, planeNormal(), normal))
         return Kald::eInvalidInput;
     const KxGePoint3d start = m * m_start;
     const KxGePoint3d end = m * m_end;
@@ -94,7 +94,7 @@ Kald::ErrorStatus KxDbLine::transformBy(const KxGeMatrix3d& m)
         return Kald::eInvalidInput;
     m_start = start;
     m_end = end;
-    m_normal = normal;
+    setPlaneNormal(normal);
     return Kald::eOk;
 }
 
@@ -119,17 +119,17 @@ Kald::ErrorStatus KxDbLine::moveStretchPointsAt(std::span<const int> indices, co
 
 Kald::ErrorStatus KxDbArc::transformBy(const KxGeMatrix3d& m)
 {
-    const auto image = circleImage(m, m_center, m_radius, m_normal);
+    const auto image = circleImage(m, m_center, m_radius, planeNormal());
     if (!image)
         return Kald::eInvalidInput;
-    const kaldo::EntityPlane from(m_normal);
+    const kaldo::EntityPlane from(planeNormal());
     const kaldo::EntityPlane plane(image->normal);
     // A reflection runs the arc the other way round: it starts at the
     // image of its end.
     const double sweep = kaldo::arcSweep(m_startAngle, m_endAngle);
     const double start = imageAngle(m, from, plane, m.determinant() < 0 ? m_endAngle : m_startAngle);
     m_center = image->center;
-    m_normal = image->normal;
+    setPlaneNormal(image->normal);
     m_radius = image->radius;
     m_startAngle = start;
     m_endAngle = kaldo::wrappedAngle(start + sweep);
@@ -148,11 +148,11 @@ Kald::ErrorStatus KxDbArc::moveStretchPointsAt(std::span<const int> indices, con
 
 Kald::ErrorStatus KxDbCircle::transformBy(const KxGeMatrix3d& m)
 {
-    const auto image = circleImage(m, m_center, m_radius, m_normal);
+    const auto image = circleImage(m, m_center, m_radius, planeNormal());
     if (!image)
         return Kald::eInvalidInput;
     m_center = image->center;
-    m_normal = image->normal;
+    setPlaneNormal(image->normal);
     m_radius = image->radius;
     return Kald::eOk;
 }
@@ -171,12 +171,12 @@ Kald::ErrorStatus KxDbPolyline::transformBy(const KxGeMatrix3d& m)
 {
     const double k = m.uniformScale();
     KxGeVector3d normal;
-    if (k == 0 || !transformedNormal(m, m_normal, normal))
+    if (k == 0 || !transformedNormal(m, planeNormal(), normal))
         return Kald::eInvalidInput;
     const kaldo::EntityPlane plane(normal);
     const bool reflects = m.determinant() < 0;
     std::vector<Vertex> vertices = this->vertices();
-    double elevation = m_elevation;
+    double elevation = this->elevation();
     for (int i = 0; i < numVerts(); ++i) {
         const KxGePoint3d p = plane.toPlane(m * pointAt(i));
         Vertex& v = vertices[std::size_t(i)];
@@ -191,16 +191,16 @@ Kald::ErrorStatus KxDbPolyline::transformBy(const KxGeMatrix3d& m)
             return Kald::eInvalidInput;
     }
     if (vertices.empty())
-        elevation = plane.toPlane(m * kaldo::EntityPlane(m_normal).toWorld(KxGePoint3d(0, 0, m_elevation))).z;
-    const double width = m_constantWidth * k;
-    const double thickness = m_thickness * k;
+        elevation = plane.toPlane(m * kaldo::EntityPlane(planeNormal()).toWorld(KxGePoint3d(0, 0, this->elevation()))).z;
+    const double width = constantWidth() * k;
+    const double thickness = this->thickness() * k;
     if (!std::isfinite(elevation) || !std::isfinite(width) || !std::isfinite(thickness))
         return Kald::eInvalidInput;
     setVertices(vertices);
-    m_normal = normal;
-    m_elevation = elevation;
-    m_constantWidth = width;
-    m_thickness = thickness;
+    setPlaneNormal(normal);
+    setElevation(elevation);
+    setConstantWidth(width);
+    setThickness(thickness);
     return Kald::eOk;
 }
 
@@ -217,16 +217,17 @@ Kald::ErrorStatus KxDbPolyline::moveStretchPointsAt(std::span<const int> indices
         return Kald::eInvalidIndex;
     // The offset in the polyline's plane; a part along the normal would
     // take the vertex out of it.
-    const kaldo::EntityPlane plane(m_normal);
+    const kaldo::EntityPlane plane(planeNormal());
     const KxGeVector3d along = plane.toPlane(offset);
-    std::vector<Position> positions = m_positions;
+    std::vector<Position> moved;
+    moved.reserve(indices.size());
     for (const int i : indices) {
-        Position& p = positions[std::size_t(i)];
-        p.x = m_positions[std::size_t(i)].x + along.x;
-        p.y = m_positions[std::size_t(i)].y + along.y;
-        if (!std::isfinite(p.x) || !std::isfinite(p.y))
+        const Position& p = m_positions[std::size_t(i)];
+        moved.push_back({p.x + along.x, p.y + along.y});
+        if (!std::isfinite(moved.back().x) || !std::isfinite(moved.back().y))
             return Kald::eInvalidInput;
     }
-    m_positions = std::move(positions);
+    for (std::size_t n = 0; n < indices.size(); ++n)
+        m_positions[std::size_t(indices[n])] = moved[n];
     return Kald::eOk;
 }

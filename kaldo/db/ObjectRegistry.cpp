@@ -45,6 +45,8 @@ public:
         return serial;
     }
 
+    void skipTo(std::uint64_t serial) { m_lastSerial = std::max(m_lastSerial, serial); }
+
     // serial was given out before and is free now, or names an unopened
     // entity that obj was made from.
     void put(std::uint64_t serial, KxDbObject* obj, KxDbDatabase* db)
@@ -256,6 +258,11 @@ Registry& registry()
 KxDbObjectId registerObject(KxDbObject* obj, KxDbDatabase* db)
 {
     return KxDbObjectId::fromOldId(registry().add(obj, db));
+}
+
+void skipSerialsTo(std::uint64_t serial)
+{
+    registry().skipTo(serial);
 }
 
 void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db)

@@ -15,6 +15,9 @@ class KxRxClass;
 namespace kaldo {
 
 KxDbObjectId registerObject(KxDbObject* obj, KxDbDatabase* db);
+// Gives the serials after serial next, as a process would that had made
+// that many objects (ids past 32 bits without making four billion first).
+void skipSerialsTo(std::uint64_t serial);
 // Puts an object back under the id it had before unregisterObject (undo
 // taking back the removal of an added object), or in place of the record
 // an unopened entity's id names.

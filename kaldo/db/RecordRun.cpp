@@ -25,26 +25,52 @@ KeptRecordTail& KeptRecordTail::operator=(const KeptRecordTail& other)
     return *this;
 }
 
-void KeptRecordTail::append(std::string& bytes, KxDbPackedGroupsView groups)
+namespace {
+
+void appendNumber(std::string& bytes, std::uint64_t number)
 {
-    const auto length = std::uint32_t(groups.bytes().size());
-    bytes.append(reinterpret_cast<const char*>(&length), sizeof length);
+    for (; number >= 0x80; number >>= 7)
+        bytes.push_back(char(0x80 | (number & 0x7F)));
+    bytes.push_back(char(number));
+}
+
+std::uint64_t takeNumber(const char*& at)
+{
+    std::uint64_t number = 0;
+    for (int shift = 0;; shift += 7) {
+        const auto byte = static_cast<unsigned char>(*at++);
+        number |= std::uint64_t(byte & 0x7F) << shift;
+        if (!(byte & 0x80))
+            return number;
+    }
+}
+
+}  // namespace
+
+void KeptRecordTail::append(std::string& bytes, std::uint64_t previous, std::uint64_t handle,
+                            KxDbPackedGroupsView groups)
+{
+    // The distance from the next handle, its sign in the lowest bit.
+    const std::uint64_t step = handle == 0 ? 0 : handle - (previous + 1);
+    appendNumber(bytes, (step << 1) ^ (std::int64_t(step) < 0 ? ~std::uint64_t(0) : 0));
+    appendNumber(bytes, groups.bytes().size());
     bytes.append(groups.bytes());
 }
 
-KxDbPackedGroupsView KeptRecordTail::take(const char*& at)
+KeptRecord KeptRecordTail::take(const char*& at, std::uint64_t previous)
 {
-    std::uint32_t length = 0;
-    std::memcpy(&length, at, sizeof length);
-    const KxDbPackedGroupsView groups(std::string_view(at + sizeof length, length));
-    at += sizeof length + length;
-    return groups;
+    const std::uint64_t zigzag = takeNumber(at);
+    const std::uint64_t step = (zigzag >> 1) ^ (zigzag & 1 ? ~std::uint64_t(0) : 0);
+    const std::uint64_t length = takeNumber(at);
+    const KxDbPackedGroupsView groups(std::string_view(at, length));
+    at += length;
+    return {groups, previous + 1 + step};
 }
 
-KxDbPackedGroupsView KeptRecordTail::last() const
+KeptRecord KeptRecordTail::last(std::uint64_t handle) const
 {
-    KxDbPackedGroupsView last;
-    forEach([&](KxDbPackedGroupsView groups) { last = groups; });
+    KeptRecord last;
+    forEach(handle, [&](const KeptRecord& record) { last = record; });
     return last;
 }
 
@@ -52,7 +78,13 @@ void KeptRecordTail::dropLast()
 {
     if (m_count == 0)
         return;
-    m_bytes -= std::uint32_t(sizeof(std::uint32_t) + last().bytes().size());
+    const char* at = m_records.get();
+    const char* lastAt = at;
+    for (std::size_t index = 0; index < m_count; ++index) {
+        lastAt = at;
+        take(at, 0);
+    }
+    m_bytes = std::uint32_t(lastAt - m_records.get());
     --m_count;
 }
 
@@ -81,13 +113,13 @@ KxDbObjectId splitOffLastRecord(KxDbDatabase& db, KxDbObjectId id)
     auto* run = RecordRun::cast(db.peekObject(id));
     if (!run || run->numRecords() < 2 || !KxDbBlockTableRecord::cast(db.peekObject(run->ownerId())))
         return id;
-    std::unique_ptr<KxDbObject> last = entityOfRecord(*run, run->tail().last());
+    const KeptRecord record = run->tail().last(run->handle());
+    std::unique_ptr<KxDbObject> last = entityOfRecord(*run, record.groups);
     const KxDbObject* split = last.get();
-    const std::uint64_t handle = run->handle() + run->numRecords() - 1;
     run->dropLastRecord();
     std::vector<UndoHistory::UnrecordedInsert> inserts(1);
     inserts[0].after = id;
-    inserts[0].objects.emplace_back(std::move(last), handle);
+    inserts[0].objects.emplace_back(std::move(last), record.handle);
     db.undoHistory().insertUnrecorded(std::move(inserts));
     return split->objectId();
 }
@@ -98,17 +130,17 @@ void separateRecords(KxDbDatabase& db, const std::vector<KxDbObjectId>& runs)
     for (const KxDbObjectId id : runs) {
         KxDbObject* object = db.peekObject(id);
         UndoHistory::UnrecordedInsert insert{id, {}};
-        std::uint64_t handle = object ? object->handle() : 0;
+        const std::uint64_t handle = object ? object->handle() : 0;
         if (auto* run = RecordRun::cast(object)) {
             const KeptRecordTail tail = run->takeTail();
-            tail.forEach([&](KxDbPackedGroupsView groups) {
-                insert.objects.emplace_back(entityOfRecord(*run, groups), ++handle);
+            tail.forEach(handle, [&](const KeptRecord& record) {
+                insert.objects.emplace_back(entityOfRecord(*run, record.groups), record.handle);
             });
         } else if (auto* objectRun = ObjectRecordRun::cast(object)) {
             const KeptRecordTail tail = objectRun->takeTail();
-            tail.forEach([&](KxDbPackedGroupsView groups) {
-                insert.objects.emplace_back(std::make_unique<KxDbUnmodelledObject>(objectRun->dxfName(), groups),
-                                            ++handle);
+            tail.forEach(handle, [&](const KeptRecord& record) {
+                insert.objects.emplace_back(
+                    std::make_unique<KxDbUnmodelledObject>(objectRun->dxfName(), record.groups), record.handle);
             });
         }
         inserts.push_back(std::move(insert));

@@ -1,13 +1,13 @@
 // Consecutive records of one kind that nothing in the host reads by name,
-// read from a file that gave them no handles or consecutive ones, held as one entity (in one
-// block) or one object: a file can spend four bytes on such a record,
-// where an object per record costs far more. The records keep consecutive
-// handles from the run's own (the database gives out none of them again)
-// and are written back one by one, as the objects they stand for would be.
+// held as one entity (in one block) or one object: a file can spend four
+// bytes on such a record, where an object per record costs far more. Each
+// record keeps its handle: the file's, in any order, or, for records the
+// file gave none, the one after the record before (the first record's is
+// the run's own); the database gives out none of them again. They are
+// written back one by one, as the objects they stand for would be.
 // A selection that takes an entity run's last record by itself (Last)
 // splits it off into an entity of its own first (splitOffLastRecord), so
-// that no command ever acts on a run; objects are never selected. Records
-// that the file gave handles continuing each other are held so too.
+// that no command ever acts on a run; objects are never selected.
 #pragma once
 
 #include <cstdint>
@@ -23,8 +23,16 @@ class KxDbDatabase;
 
 namespace kaldo {
 
-// The records of a run after its first: each its groups' length (four
-// bytes) then its packed groups.
+// A record of a run and its handle.
+struct KeptRecord {
+    KxDbPackedGroupsView groups;
+    std::uint64_t handle = 0;
+};
+
+// The records of a run after its first: each how far its handle lies from
+// the one after the record before's (zigzag, seven bits a byte: one byte
+// for the next handle or one a few further), its groups' length (seven
+// bits a byte) and its packed groups.
 class KeptRecordTail {
 public:
     KeptRecordTail() = default;
@@ -36,24 +44,29 @@ public:
 
     std::size_t count() const { return m_count; }
     std::size_t byteSize() const { return m_bytes; }
-    // Calls visit(groups) for every record, in order.
+    // Calls visit(record) for every record, in order; handle is the one of
+    // the record before the first (the run's).
     template <class Visit>
-    void forEach(Visit&& visit) const
+    void forEach(std::uint64_t handle, Visit&& visit) const
     {
         const char* at = m_records.get();
-        for (std::size_t index = 0; index < m_count; ++index)
-            visit(take(at));
+        for (std::size_t index = 0; index < m_count; ++index) {
+            const KeptRecord record = take(at, handle);
+            handle = record.handle;
+            visit(record);
+        }
     }
-    KxDbPackedGroupsView last() const;
+    KeptRecord last(std::uint64_t handle) const;
     void dropLast();
 
-    // Appends a record's groups as the bytes of a tail hold them.
-    static void append(std::string& bytes, KxDbPackedGroupsView groups);
+    // Appends a record as the bytes of a tail hold it: its handle (0 for
+    // the one after previous, the handle of the record before) and groups.
+    static void append(std::string& bytes, std::uint64_t previous, std::uint64_t handle, KxDbPackedGroupsView groups);
 
 private:
     std::string_view bytes() const { return {m_records.get(), m_bytes}; }
-    // The record at, and at moved past it.
-    static KxDbPackedGroupsView take(const char*& at);
+    // The record at, after the one of handle previous, and at moved past it.
+    static KeptRecord take(const char*& at, std::uint64_t previous);
 
     std::unique_ptr<char[]> m_records;
     std::uint32_t m_bytes = 0;
@@ -107,14 +120,13 @@ public:
 };
 
 // Calls visit(groups, handle) for every record an unmodelled entity or
-// object holds: its own, or each of a run's with the handles that follow
-// the run's.
+// object holds: its own, or each of a run's.
 template <class Record, class Run, class Visit>
 void forEachKeptRecordOf(const Record& record, std::uint64_t handle, Visit&& visit)
 {
     visit(record.packedGroups(), handle);
     if (const auto* run = Run::cast(&record))
-        run->tail().forEach([&](KxDbPackedGroupsView groups) { visit(groups, ++handle); });
+        run->tail().forEach(handle, [&](const KeptRecord& kept) { visit(kept.groups, kept.handle); });
 }
 template <class Visit>
 void forEachKeptRecord(const KxDbUnmodelledEntity& entity, std::uint64_t handle, Visit&& visit)

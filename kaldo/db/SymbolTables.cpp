@@ -298,8 +298,11 @@ Kald::ErrorStatus KxDbBlockTableRecord::setEntityOrder(const std::vector<KxDbObj
     if (given != live)
         return Kald::eInvalidInput;
     kaldo::recordBeforeChange(*this);
-    m_entities = order;
-    m_entities.insert(m_entities.end(), erased.begin(), erased.end());
+    m_entities = KxDbIdRuns();
+    for (const KxDbObjectId& id : order)
+        m_entities.push_back(id);
+    for (const KxDbObjectId& id : erased)
+        m_entities.push_back(id);
     return Kald::eOk;
 }
 
@@ -318,36 +321,45 @@ Kald::ErrorStatus KxDbBlockTableRecord::copyFrom(const KxDbObject* other)
 
 void KxDbBlockTableRecord::exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail)
 {
-    exchangeIdTail(m_entities, keep, tail);
+    std::vector<KxDbObjectId> cut = m_entities.cutAfter(keep);
+    for (const KxDbObjectId& id : tail)
+        m_entities.push_back(id);
+    tail = std::move(cut);
 }
 
-KxDbBlockTableRecordIterator::KxDbBlockTableRecordIterator(std::vector<KxDbObjectId> ids) : m_ids(std::move(ids))
+KxDbBlockTableRecordIterator::KxDbBlockTableRecordIterator(KxDbIdRuns ids) : m_ids(std::move(ids))
 {
     start();
 }
 
 void KxDbBlockTableRecordIterator::start()
 {
-    m_pos = 0;
-    skipErasedIds(m_ids, m_pos);
+    m_at = m_ids.first();
+    skipErased();
+}
+
+void KxDbBlockTableRecordIterator::skipErased()
+{
+    while (!m_ids.isEnd(m_at) && !isLive(m_ids.idAt(m_at)))
+        m_ids.step(m_at);
 }
 
 bool KxDbBlockTableRecordIterator::done() const
 {
-    return m_pos >= m_ids.size();
+    return m_ids.isEnd(m_at);
 }
 
 void KxDbBlockTableRecordIterator::step()
 {
     if (done())
         return;
-    ++m_pos;
-    skipErasedIds(m_ids, m_pos);
+    m_ids.step(m_at);
+    skipErased();
 }
 
 KxDbObjectId KxDbBlockTableRecordIterator::getEntityId() const
 {
-    return done() ? KxDbObjectId::kNull : m_ids[m_pos];
+    return done() ? KxDbObjectId::kNull : m_ids.idAt(m_at);
 }
 
 Kald::ErrorStatus KxDbBlockTableRecordIterator::getEntityId(KxDbObjectId& id) const
@@ -361,7 +373,7 @@ Kald::ErrorStatus KxDbBlockTableRecordIterator::getEntity(KxDbEntity*& entity, i
     entity = nullptr;
     if (done())
         return Kald::eInvalidIndex;
-    return kxdbOpenObject(entity, m_ids[m_pos], mode, openErased);
+    return kxdbOpenObject(entity, m_ids.idAt(m_at), mode, openErased);
 }
 
 Kald::ErrorStatus KxDbLayerTableRecord::copyFrom(const KxDbObject* other)

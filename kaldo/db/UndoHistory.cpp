@@ -99,9 +99,9 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
         if (!after || insert.objects.empty())
             continue;
         for (auto& [object, handle] : insert.objects) {
-            object->m_id = registerObject(object.get(), &m_db);
-            object->m_owner = after->ownerId();
-            m_db.m_handles->insert(handle, object->m_id);
+            object->putId(registerObject(object.get(), &m_db));
+            object->putOwner(after->ownerId());
+            m_db.m_handles->insert(handle, object->objectId());
             m_handleFloor = std::max(m_handleFloor, handle + 1);
         }
         count += insert.objects.size();
@@ -129,8 +129,7 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
         std::unordered_map<std::uint64_t, UnrecordedInsert*> after;
         for (UnrecordedInsert* insert : blockInserts)
             after.emplace(insert->after.asOldId(), insert);
-        std::vector<KxDbObjectId> entities;
-        entities.reserve(block->m_entities.size());
+        KxDbIdRuns entities;
         for (const KxDbObjectId id : block->m_entities) {
             entities.push_back(id);
             const auto found = after.find(id.asOldId());
@@ -298,7 +297,9 @@ void UndoHistory::exchange(ObjectRecord& record, std::span<KxGePoint3d> position
             return;
         std::unique_ptr<KxDbObject> current = live->clone();
         live->copyFrom(record.object.get());
-        std::swap(live->m_owner, record.owner);
+        const KxDbObjectId owner = live->ownerId();
+        live->putOwner(record.owner);
+        record.owner = owner;
         const bool wasErased = live->m_erased;
         live->m_erased = record.erased;
         record.erased = wasErased;

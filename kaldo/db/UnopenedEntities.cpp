@@ -41,10 +41,9 @@ std::size_t takeLength(const char*& at)
 
 UnopenedEntities::~UnopenedEntities()
 {
-    for (const auto& [first, count] : m_ids)
-        for (std::uint64_t serial = first; serial < first + count; ++serial)
-            if (isUnopened(KxDbObjectId::fromOldId(serial)))
-                unregisterObject(KxDbObjectId::fromOldId(serial));
+    for (const KxDbObjectId id : m_ids)
+        if (isUnopened(id))
+            unregisterObject(id);
 }
 
 KxDbObjectId UnopenedEntities::keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups,
@@ -65,10 +64,7 @@ KxDbObjectId UnopenedEntities::keep(const KxRxClass* cls, const Look& look, KxDb
     appendLength(m_records, groups.bytes().size());
     m_records.append(groups.bytes());
     const KxDbObjectId id = registerUnopened(cls, entry, &m_db);
-    if (!m_ids.empty() && m_ids.back().first + m_ids.back().second == id.asOldId())
-        ++m_ids.back().second;
-    else
-        m_ids.emplace_back(id.asOldId(), 1);
+    m_ids.push_back(id);
     m_db.m_handles->insert(handle, id);
     block->m_entities.push_back(id);
     m_db.noteChange();
@@ -100,12 +96,9 @@ void UnopenedEntities::makeLaidOutIn(KxDbObjectId style)
     const auto laidOutIn = [style](const Look& look) { return look.layOut && look.style == style; };
     if (std::none_of(m_looks.begin(), m_looks.end(), laidOutIn))
         return;
-    for (const auto& [first, count] : m_ids)
-        for (std::uint64_t serial = first; serial < first + count; ++serial) {
-            const KxDbObjectId id = KxDbObjectId::fromOldId(serial);
-            if (const std::optional<std::uint64_t> entry = unopenedEntry(id); entry && laidOutIn(*keptAt(*entry).look))
-                make(id, *entry);
-        }
+    for (const KxDbObjectId id : m_ids)
+        if (const std::optional<std::uint64_t> entry = unopenedEntry(id); entry && laidOutIn(*keptAt(*entry).look))
+            make(id, *entry);
 }
 
 std::optional<UnopenedEntities::Kept> UnopenedEntities::kept(KxDbObjectId id) const
@@ -153,10 +146,9 @@ std::unique_ptr<KxDbEntity> UnopenedEntities::makeFrom(KxDbObjectId id, std::uin
 
 void UnopenedEntities::appendIds(std::vector<KxDbObjectId>& ids) const
 {
-    for (const auto& [first, count] : m_ids)
-        for (std::uint64_t serial = first; serial < first + count; ++serial)
-            if (isUnopened(KxDbObjectId::fromOldId(serial)))
-                ids.push_back(KxDbObjectId::fromOldId(serial));
+    for (const KxDbObjectId id : m_ids)
+        if (isUnopened(id))
+            ids.push_back(id);
 }
 
 }  // namespace kaldo

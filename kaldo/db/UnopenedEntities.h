@@ -17,10 +17,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "kxdbid.h"
+#include "kxdbidruns.h"
 #include "kxdbunmodelled.h"
 
 class KxDbDatabase;
@@ -97,9 +97,8 @@ private:
     // length so, then the groups.
     std::string m_records;
     std::vector<Look> m_looks;
-    // The ids kept, as runs (first serial, count): a file's entities get
-    // consecutive ids.
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> m_ids;
+    // The ids kept, in order: a file's entities get consecutive ids.
+    KxDbIdRuns m_ids;
     std::mutex m_making;
 };
 

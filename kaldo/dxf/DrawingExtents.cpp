@@ -1,7 +1,7 @@
 #include "kaldo/dxf/DrawingExtents.h"
 
 #include "kaldo/db/EntityPlane.h"
-#include "kaldo/dxf/SpaceEntities.h"
+#include "kaldo/dxf/EntityWalk.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
@@ -10,7 +10,10 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
 
 namespace kaldo::dxf {
 
@@ -37,6 +40,14 @@ struct Box {
         add(center + KxGeVector3d(radius, radius, radius));
         add(center - KxGeVector3d(radius, radius, radius));
     }
+    // Takes in the box of entities that come after this box's: of equal
+    // coordinates (0 and -0) the first stays, as when they are added one by
+    // one.
+    void add(const Box& later)
+    {
+        min = {std::min(min.x, later.min.x), std::min(min.y, later.min.y), std::min(min.z, later.min.z)};
+        max = {std::max(max.x, later.max.x), std::max(max.y, later.max.y), std::max(max.z, later.max.z)};
+    }
 };
 
 void addEntity(Box& box, const KxDbObject* obj)
@@ -61,18 +72,58 @@ void addEntity(Box& box, const KxDbObject* obj)
     }
 }
 
-}  // namespace
-
-Extents drawingExtents(const KxDbDatabase& db)
+// The box of a chunk, apart from the walk's lock, so that the box stays in
+// registers.
+Box chunkBox(const EntityWalk::Chunk& chunk)
 {
     Box box;
-    const auto* space = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()));
-    if (space) {
-        std::unique_ptr<KxDbEntity> aside;
-        for (auto it = space->newIterator(); !it->done(); it->step())
-            addEntity(box, entityToWrite(db, it->getEntityId(), aside));
+    for (const KxDbEntity* entity : chunk.entities)
+        addEntity(box, entity);
+    return box;
+}
+
+}  // namespace
+
+Extents drawingExtents(const KxDbDatabase& db, const EntityChunks& chunks)
+{
+    // Chunk by chunk, on two threads when a first full chunk shows that
+    // more may follow; each chunk's box is kept in its place and the boxes
+    // are joined in the drawing's order.
+    EntityWalk walk(db, {db.modelSpaceId()}, chunks.records);
+    std::mutex mutex;
+    std::vector<Box> boxes;
+    const auto take = [&](EntityWalk::Chunk& chunk, std::size_t& number) {
+        const std::lock_guard lock(mutex);
+        walk.next(chunk);
+        number = boxes.size();
+        if (!chunk.entities.empty())
+            boxes.emplace_back();
+        return !chunk.entities.empty();
+    };
+    const auto measure = [&](EntityWalk::Chunk& chunk, std::size_t number) {
+        do {
+            const Box box = chunkBox(chunk);
+            const std::lock_guard lock(mutex);
+            boxes[number] = box;
+        } while (take(chunk, number));
+    };
+    EntityWalk::Chunk chunk;
+    std::size_t number = 0;
+    if (take(chunk, number)) {
+        std::optional<std::jthread> other;
+        if (!chunks.oneThread && chunk.records >= chunks.records)
+            other.emplace([&] {
+                EntityWalk::Chunk otherChunk;
+                std::size_t otherNumber = 0;
+                if (take(otherChunk, otherNumber))
+                    measure(otherChunk, otherNumber);
+            });
+        measure(chunk, number);
     }
-    return {box.min, box.max};
+    Box all;
+    for (const Box& box : boxes)
+        all.add(box);
+    return {all.min, all.max};
 }
 
 }  // namespace kaldo::dxf

@@ -2,6 +2,7 @@
 // (vertices, centres with radii), for the header's extents.
 #pragma once
 
+#include "kaldo/dxf/DxfFile.h"
 #include "kxtypes.h"
 
 class KxDbDatabase;
@@ -14,7 +15,9 @@ struct Extents {
 };
 
 // For a drawing without modelled entities, the inverted box that files
-// use to say "empty": min 1e20, max -1e20.
-Extents drawingExtents(const KxDbDatabase& db);
+// use to say "empty": min 1e20, max -1e20. The entities are measured in
+// chunks, on two threads when there is more than one (EntityChunks): the
+// box is the same.
+Extents drawingExtents(const KxDbDatabase& db, const EntityChunks& chunks = {});
 
 }  // namespace kaldo::dxf

@@ -39,11 +39,13 @@ struct DxfDrawing {
 DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter = {});
 DxfDrawing readDxfFile(const std::filesystem::path& path, const ProgressReport& report = {});
 
-// How the entities of model and paper space are written: a chunk of this
-// many at a time, the texts of the chunks made on two threads when there
-// is more than one chunk, unless oneThread. The bytes are the same.
+// How the entities of model and paper space are written: a chunk of
+// entities that stand for this many file records at a time (a run of kept
+// records for each of its own), the texts of the chunks made on two
+// threads when there is more than one chunk, unless oneThread. The bytes
+// are the same.
 struct EntityChunks {
-    std::size_t entities = 4096;
+    std::size_t records = 4096;
     bool oneThread = false;
 };
 

@@ -378,9 +378,7 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
     // Beyond the top of the range new handles are the lowest free ones,
     // which must pass over those of the records held in runs.
     if (context.db.handseed() > kxdbHighestHandle)
-        for (const auto& [first, last] : context.runHandles)
-            for (std::uint64_t handle = first + 1; handle <= last; ++handle)
-                context.db.reserveHandle(handle);
+        context.runRecordHandles.forEach([&](std::uint64_t handle) { context.db.reserveHandle(handle); });
     // The reading room goes before multilines may be laid out anew.
     context.mlineLists = {};
     resolveReferences(context);

@@ -7,6 +7,7 @@
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/EntityWalk.h"
 #include "kaldo/dxf/EntityRecords.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/HeaderSection.h"
@@ -108,7 +109,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     GroupWriter w(fd);
     w.encodeAs(writtenVersion(kept), kept.codePage);
     NameCache names(db);
-    writeHeaderSection(w, db, kept);
+    writeHeaderSection(w, db, kept, chunks);
     if (kept.hasClasses)
         writeKeptSection(w, "CLASSES", kept.classes);
     writeTablesSection(w, db, kept);

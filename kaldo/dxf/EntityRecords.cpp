@@ -416,28 +416,26 @@ bool mayJoinRun(const Record& record, const EntityParts& parts, const ReadContex
            && look.color == KxCmColor() && mayJoinRun(record, parts.basics, context);
 }
 
-// Whether a record of a run may keep the handle its file gives it: no
-// object and no run has it, and it lies above every run's handles, which
-// so stay in order.
-bool mayKeepHandle(std::uint64_t handle, const ReadContext& context)
+// Whether a record of a run may keep the handle its file gives it: the
+// runs' handles take little room for it, and no object and no record of a
+// run (the one being gathered too) has it.
+bool mayKeepHandle(std::uint64_t handle, ReadContext& context)
 {
-    return handle <= kxdbHighestHandle - kMostRunRecords
-           && (context.runHandles.empty() || handle > context.runHandles.back().second)
-           && context.db.objectIdFromHandle(handle).isNull();
+    return context.runRecordHandles.offer(handle) && handle <= kxdbHighestHandle
+           && (context.run.count == 0 || handle != context.run.firstHandle)
+           && !context.runRecordHandles.contains(handle) && context.db.objectIdFromHandle(handle).isNull();
 }
 
 // Adds the record to the run being gathered, after finishing one it cannot
 // join; block is null for objects. Records without handles join a run of
-// such records; a record with a handle joins a run whose handles it
-// continues, the run taking the first record's handle. False, with the run
-// finished, when the record's handle cannot be kept so.
+// such records, records with handles a run of such records, the run taking
+// the first record's handle. False, with the run finished, when the
+// record's handle cannot be kept so.
 bool gather(const Record& record, ReadContext& context, KxDbObjectId block, std::uint64_t handle)
 {
     ReadContext::PendingRun& run = context.run;
     const bool continues = run.count > 0 && run.block == block && run.kind == record.kind()
-                           && run.count < kMostRunRecords
-                           && (handle == 0 ? run.firstHandle == 0
-                                           : run.firstHandle != 0 && handle == run.firstHandle + run.count);
+                           && run.count < kMostRunRecords && (handle == 0) == (run.firstHandle == 0);
     if (run.count > 0 && !continues)
         finishRecordRun(context);
     // The layer and linetype an entity of its own would make before its
@@ -456,8 +454,12 @@ bool gather(const Record& record, ReadContext& context, KxDbObjectId block, std:
         run.firstHandle = handle;
         run.firstGroups = record.packedGroups().bytes();
     } else {
-        kaldo::KeptRecordTail::append(run.further, record.packedGroups());
+        kaldo::KeptRecordTail::append(run.further, run.lastHandle, handle, record.packedGroups());
+        if (handle != 0)
+            context.runRecordHandles.insert(handle);
     }
+    run.lastHandle = handle;
+    run.greatestHandle = run.count == 0 ? handle : std::max(run.greatestHandle, handle);
     ++run.count;
     return true;
 }
@@ -475,10 +477,9 @@ void finishRecordRun(ReadContext& context)
         tail = kaldo::KeptRecordTail(run.further, run.count - 1);
     KxDbObject* added = nullptr;
     if (run.block.isNull()) {
-        KxDbObject* object = run.count == 1 ? new KxDbUnmodelledObject(run.kind, first)
-                                            : new kaldo::ObjectRecordRun(run.kind, first, std::move(tail));
-        context.add(object, RecordBasics{run.firstHandle, 0, {}});
-        added = object;
+        added = run.count == 1 ? new KxDbUnmodelledObject(run.kind, first)
+                               : new kaldo::ObjectRecordRun(run.kind, first, std::move(tail));
+        context.add(added, RecordBasics{run.firstHandle, 0, {}});
     } else {
         std::unique_ptr<KxDbUnmodelledEntity> entity;
         if (run.count == 1)
@@ -490,11 +491,16 @@ void finishRecordRun(ReadContext& context)
         added = append(context, std::move(entity), basics, run.block, 0);
     }
     if (run.count > 1) {
-        const std::uint64_t firstHandle = added->handle();
-        const std::uint64_t lastHandle = firstHandle + run.count - 1;
-        context.db.setHandseed(std::max(context.db.handseed(), lastHandle + 1));
-        context.maxHandle = std::max(context.maxHandle, lastHandle);
-        context.runHandles.emplace_back(firstHandle, lastHandle);
+        // Records the file gave no handles take those after the run's.
+        std::uint64_t greatest = run.greatestHandle;
+        if (run.firstHandle == 0) {
+            greatest = added->handle() + run.count - 1;
+            for (std::uint64_t handle = added->handle() + 1; handle <= greatest; ++handle)
+                context.runRecordHandles.insert(handle);
+        }
+        context.db.setHandseed(std::max(context.db.handseed(), greatest + 1));
+        context.maxHandle = std::max(context.maxHandle, greatest);
+        context.runs.push_back(added->objectId());
     }
     run.count = 0;
     run.further.clear();
@@ -502,13 +508,10 @@ void finishRecordRun(ReadContext& context)
 
 void separateNamedRunRecords(ReadContext& context)
 {
-    const auto& ranges = context.runHandles;
     std::vector<std::uint64_t> named;
     const auto note = [&](std::uint64_t handle) {
-        const auto range = std::upper_bound(ranges.begin(), ranges.end(), handle,
-                                            [](std::uint64_t h, const auto& r) { return h < r.first; });
-        if (range != ranges.begin() && handle > std::prev(range)->first && handle <= std::prev(range)->second)
-            named.push_back(std::prev(range)->first);
+        if (context.runRecordHandles.contains(handle))
+            named.push_back(handle);
     };
     for (const ReadContext::DictionaryEntry& entry : context.dictionaryEntries)
         note(entry.handle);
@@ -517,11 +520,20 @@ void separateNamedRunRecords(ReadContext& context)
     if (named.empty())
         return;
     std::sort(named.begin(), named.end());
-    named.erase(std::unique(named.begin(), named.end()), named.end());
     std::vector<KxDbObjectId> runs;
-    runs.reserve(named.size());
-    for (const std::uint64_t handle : named)
-        runs.push_back(context.db.objectIdFromHandle(handle));
+    for (const KxDbObjectId id : context.runs) {
+        bool holdsNamed = false;
+        const auto find = [&](KxDbPackedGroupsView, std::uint64_t handle) {
+            holdsNamed = holdsNamed || std::binary_search(named.begin(), named.end(), handle);
+        };
+        const KxDbObject* run = context.db.peekObject(id);
+        if (const auto* entity = KxDbUnmodelledEntity::cast(run))
+            kaldo::forEachKeptRecord(*entity, entity->handle(), find);
+        else if (const auto* object = KxDbUnmodelledObject::cast(run))
+            kaldo::forEachKeptRecord(*object, object->handle(), find);
+        if (holdsNamed)
+            runs.push_back(id);
+    }
     kaldo::separateRecords(context.db, runs);
 }
 

@@ -25,9 +25,9 @@ class GroupWriter;
 // made of the record, if anything.
 void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, RecordAhead* ahead = nullptr);
 // Small records of kinds that nothing reads by name, given without owner
-// or look, and without handles or each with the handle after the one
-// before, are gathered while they follow one another (in one block, or
-// among the objects) and held as one entity or object a run
+// or look, and all without handles or all with handles nothing else has
+// (in any order), are gathered while they follow one another (in one
+// block, or among the objects) and held as one entity or object a run
 // (kaldo/db/RecordRun.h). finishRecordRun adds the run being gathered, if
 // any: before anything else is added to the drawing (a block's end, the
 // end of a section).

@@ -180,7 +180,7 @@ std::string writtenVersion(const KeptSections& kept)
     return kept.version > kWrittenVersion ? kept.version : std::string(kWrittenVersion);
 }
 
-void writeHeaderSection(GroupWriter& w, const KxDbDatabase& db, const KeptSections& kept)
+void writeHeaderSection(GroupWriter& w, const KxDbDatabase& db, const KeptSections& kept, const EntityChunks& chunks)
 {
     w.text(0, "SECTION");
     w.text(2, "HEADER");
@@ -213,7 +213,7 @@ void writeHeaderSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
     w.vector(10, db.ucsxdir());
     w.text(9, "$UCSYDIR");
     w.vector(10, db.ucsydir());
-    const Extents extents = drawingExtents(db);
+    const Extents extents = drawingExtents(db, chunks);
     w.text(9, "$EXTMIN");
     w.point(10, extents.min);
     w.text(9, "$EXTMAX");

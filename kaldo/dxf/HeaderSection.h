@@ -12,6 +12,7 @@ namespace kaldo::dxf {
 
 struct ReadContext;
 struct KeptSections;
+struct EntityChunks;
 class GroupWriter;
 
 // The version written when a drawing has none of its own or an older one.
@@ -25,6 +26,8 @@ void readHeaderSection(GroupReader& reader, ReadContext& context);
 // objects are read.
 void resolveHeaderReferences(ReadContext& context);
 
-void writeHeaderSection(GroupWriter& writer, const KxDbDatabase& db, const KeptSections& kept);
+// The extents are measured in the chunks given (drawingExtents).
+void writeHeaderSection(GroupWriter& writer, const KxDbDatabase& db, const KeptSections& kept,
+                        const EntityChunks& chunks);
 
 }  // namespace kaldo::dxf

@@ -6,7 +6,6 @@
 #include "kxdbsymtb.h"
 
 #include <algorithm>
-#include <iterator>
 #include <memory>
 
 namespace kaldo::dxf {
@@ -26,9 +25,7 @@ KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
 
 std::uint64_t ReadContext::fileHandle(std::uint64_t handle) const
 {
-    const auto run = std::upper_bound(runHandles.begin(), runHandles.end(), handle,
-                                      [](std::uint64_t h, const auto& range) { return h < range.first; });
-    return run != runHandles.begin() && handle <= std::prev(run)->second ? 0 : handle;
+    return runRecordHandles.contains(handle) ? 0 : handle;
 }
 
 KxDbObjectId ReadContext::blockByHandle(std::uint64_t handle)

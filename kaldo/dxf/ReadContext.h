@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kaldo/dxf/HandleBits.h"
 #include "kaldo/dxf/KeptSections.h"
 #include "kaldo/dxf/MlineRecord.h"
 #include "kaldo/dxf/Record.h"
@@ -81,23 +82,27 @@ struct ReadContext {
     // The lists of the multiline being read, whose room the next reuses.
     KxDbMlineListStore mlineLists;
     // Records of one kind that nothing reads by name and that name no
-    // owner or look, and either no handle or each the handle after the one
-    // before (from firstHandle on), gathered to become one entity of their
-    // block (kaldo/db/RecordRun.h) once a record of another kind or block
-    // comes.
+    // owner or look, either all without handles or all with handles that
+    // no object or run has, gathered to become one entity of their block
+    // (kaldo/db/RecordRun.h) once a record of another kind or block comes.
     struct PendingRun {
         KxDbObjectId block;
         std::string kind;
         std::uint64_t firstHandle = 0;
+        std::uint64_t lastHandle = 0;
+        std::uint64_t greatestHandle = 0;
         std::string firstGroups;
         std::string further;
         std::size_t count = 0;
     };
     PendingRun run;
-    // The first and last handle of every run added, in order: a record that
-    // names one of them later gets a new handle, as it would have were each
-    // record of the run an object of its own.
-    std::vector<std::pair<std::uint64_t, std::uint64_t>> runHandles;
+    // The handles of the records runs hold after their first (whose handle
+    // is the run's): a record that names one of them later gets a new
+    // handle, as it would have were each record of a run an object of its
+    // own.
+    HandleBits runRecordHandles;
+    // Every run of more than one record, in the order added.
+    std::vector<KxDbObjectId> runs;
 
     // Adds a new object under its file handle (a new one when the file gave
     // none or a taken one) and closes it; remembers its owner for later.

@@ -1,6 +1,6 @@
 #include "kaldo/dxf/SpaceEntities.h"
 
-#include "kaldo/db/UnopenedEntities.h"
+#include "kaldo/dxf/EntityWalk.h"
 #include "kaldo/dxf/HeaderSection.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kxdbdatabase.h"
@@ -20,58 +20,16 @@ namespace kaldo::dxf {
 
 namespace {
 
-// The entities of a chunk, and those made aside for it from their kept
-// records, dropped once the chunk is written.
-struct Chunk {
-    std::vector<const KxDbEntity*> entities;
-    std::vector<std::unique_ptr<KxDbEntity>> aside;
-    std::size_t size() const { return entities.size(); }
-    bool empty() const { return entities.empty(); }
-};
-
-// The entities of model and paper space, a chunk at a time, so that no
-// list of them all is held beside the blocks' walks.
-class SpaceChunks {
-public:
-    SpaceChunks(const KxDbDatabase& db, std::size_t size) : db_(db), size_(size) {}
-
-    // Fills chunk with the next entities; empty once all were given.
-    void next(Chunk& chunk)
-    {
-        chunk.entities.clear();
-        chunk.aside.clear();
-        while (chunk.size() < size_) {
-            if (!walk_ || walk_->done()) {
-                if (space_ == 2)
-                    return;
-                const KxDbObjectId space = space_++ == 0 ? db_.modelSpaceId() : db_.paperSpaceId();
-                const auto* block = KxDbBlockTableRecord::cast(db_.peekObject(space));
-                walk_ = block ? block->newIterator() : nullptr;
-                continue;
-            }
-            std::unique_ptr<KxDbEntity> aside;
-            if (const KxDbEntity* entity = entityToWrite(db_, walk_->getEntityId(), aside)) {
-                chunk.entities.push_back(entity);
-                if (aside)
-                    chunk.aside.push_back(std::move(aside));
-            }
-            walk_->step();
-        }
-    }
-
-private:
-    const KxDbDatabase& db_;
-    const std::size_t size_;
-    int space_ = 0;
-    std::unique_ptr<KxDbBlockTableRecordIterator> walk_;
-};
+using Chunk = EntityWalk::Chunk;
 
 // What the threads share: the chunks given out by number, the number of
 // the chunk whose turn it is to be written, and the first chunk that
 // failed (its entity refused, its write or the progress report failing).
 class ChunkTurns {
 public:
-    ChunkTurns(const KxDbDatabase& db, std::size_t size) : chunks_(db, size) {}
+    ChunkTurns(const KxDbDatabase& db, std::size_t size) : chunks_(db, {db.modelSpaceId(), db.paperSpaceId()}, size)
+    {
+    }
 
     // The next chunk and its number; false once all were given or one failed.
     bool take(Chunk& chunk, std::size_t& number)
@@ -81,7 +39,7 @@ public:
             return false;
         chunks_.next(chunk);
         number = given_++;
-        return !chunk.empty();
+        return !chunk.entities.empty();
     }
     // Waits until the chunks before number are written; false when one of
     // them failed.
@@ -128,7 +86,7 @@ public:
 private:
     std::mutex mutex_;
     std::condition_variable turn_;
-    SpaceChunks chunks_;
+    EntityWalk chunks_;
     std::size_t given_ = 0;
     std::size_t written_ = 0;
     std::size_t entitiesWritten_ = 0;
@@ -154,7 +112,7 @@ void writeChunks(int fd, const KxDbDatabase& db, const KeptSections& kept, Chunk
             if (!turns.awaitTurn(number))
                 return;
             text.writeTo(fd);
-            turns.written(chunk.size());
+            turns.written(chunk.entities.size());
             written();
         } catch (...) {
             turns.failed(number, std::current_exception());
@@ -164,12 +122,6 @@ void writeChunks(int fd, const KxDbDatabase& db, const KeptSections& kept, Chunk
 }
 
 }  // namespace
-
-const KxDbEntity* entityToWrite(const KxDbDatabase& db, KxDbObjectId id, std::unique_ptr<KxDbEntity>& aside)
-{
-    aside = db.unopenedEntities().makeAside(id);
-    return aside ? aside.get() : KxDbEntity::cast(db.peekObject(id));
-}
 
 void writeEntityRecord(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
@@ -183,7 +135,7 @@ void writeEntityRecord(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity&
 void writeSpaceEntities(int fd, const KxDbDatabase& db, const KeptSections& kept, NameCache& names,
                         ProgressMeter& meter, const EntityChunks& chunks)
 {
-    ChunkTurns turns(db, chunks.entities);
+    ChunkTurns turns(db, chunks.records);
     NameCache otherNames(db);
     std::size_t counted = 0;
     const auto countWritten = [&] {
@@ -193,7 +145,7 @@ void writeSpaceEntities(int fd, const KxDbDatabase& db, const KeptSections& kept
     // The second thread starts once a full chunk shows that more may follow.
     std::optional<std::jthread> other;
     const auto startOther = [&](const Chunk& chunk) {
-        if (!other && !chunks.oneThread && chunk.size() == chunks.entities)
+        if (!other && !chunks.oneThread && chunk.records >= chunks.records)
             other.emplace([&] { writeChunks(fd, db, kept, turns, otherNames, [](const Chunk&) {}, [] {}); });
     };
     writeChunks(fd, db, kept, turns, names, startOther, countWritten);

@@ -3,8 +3,6 @@
 // in memory and writes it to the file once the chunk before it is written.
 #pragma once
 
-#include <memory>
-
 #include "kaldo/dxf/DxfFile.h"
 #include "kaldo/dxf/EntityRecords.h"
 #include "kaldo/dxf/GroupWriter.h"
@@ -12,11 +10,6 @@
 class KxDbEntity;
 
 namespace kaldo::dxf {
-
-// The entity id names, to be written: the drawing's, or for one kept
-// unopened an entity made from its record that aside holds until it is
-// written, so that saving makes no entity the drawing's. Null for no entity.
-const KxDbEntity* entityToWrite(const KxDbDatabase& db, KxDbObjectId id, std::unique_ptr<KxDbEntity>& aside);
 
 // Writes the entity, or throws DxfError naming it when it cannot be written.
 void writeEntityRecord(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names);

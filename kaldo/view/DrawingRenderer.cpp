@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <numbers>
 #include <unordered_map>
@@ -420,15 +421,12 @@ void drawModelSpace(const KxDbDatabase& db, std::size_t entitiesPerPiece, const 
     done(*scene);
 }
 
-// Moves it (started) to the entity halfway through model space, or past
-// it to the first that does not go on an old-form polyline; returns how
-// many entities lie before it.
-std::size_t halfway(KxDbBlockTableRecordIterator& it, std::size_t entities)
+// Moves it on past the entities that go on an old-form polyline (its
+// vertices and end); returns how many it passed.
+std::size_t pastOldPolyline(KxDbBlockTableRecordIterator& it)
 {
-    std::size_t before = 0;
-    for (it.start(); !it.done() && before < entities / 2; it.step())
-        ++before;
-    for (; !it.done(); it.step(), ++before) {
+    std::size_t passed = 0;
+    for (; !it.done(); it.step(), ++passed) {
         KxDbEntity* opened = nullptr;
         if (it.getEntity(opened, KxDb::kForRead) != Kald::eOk)
             break;
@@ -437,7 +435,26 @@ std::size_t halfway(KxDbBlockTableRecordIterator& it, std::size_t entities)
         if (!record || (record->dxfName() != "VERTEX" && record->dxfName() != "SEQEND"))
             break;
     }
-    return before;
+    return passed;
+}
+
+// Moves it on by count entities, or to the end, and then past an old-form
+// polyline; returns how many entities it passed.
+std::size_t skipEntities(KxDbBlockTableRecordIterator& it, std::size_t count)
+{
+    std::size_t passed = 0;
+    for (; !it.done() && passed < count; it.step())
+        ++passed;
+    return passed + pastOldPolyline(it);
+}
+
+// Moves it (started) to the entity halfway through model space, or past
+// it to the first that does not go on an old-form polyline; returns how
+// many entities lie before it.
+std::size_t halfway(KxDbBlockTableRecordIterator& it, std::size_t entities)
+{
+    it.start();
+    return skipEntities(it, entities / 2);
 }
 
 // Whether the second half, drawn with a pass of its own, drew all as it
@@ -460,11 +477,12 @@ bool drawnAlike(const DrawingPass& first, const DrawingPass& second, PointBudget
 // Draws model space, of so many entities, on two threads, each half of
 // them into a scene of its own, and joins the halves into the scene one
 // thread makes. The second half is drawn with a pass of its own, with
-// the whole budget, or none once the first half has spent it (drawn
-// again from its start then); where it might have drawn otherwise than
-// one thread would (drawnAlike), it is drawn again after the first.
-// between, when given, is called after every kEntitiesBetween entities
-// of both halves, while both wait.
+// the whole budget, or none once the first half has spent it: then it
+// starts again further on, and the first half draws on to there, so that
+// both end about together (or from its start when the first has ended).
+// Where it might have drawn otherwise than one thread would (drawnAlike),
+// it is drawn again after the first. between, when given, is called after
+// every kEntitiesBetween entities of both halves, while both wait.
 Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, std::size_t entities,
                    RenderNotes* notes, std::size_t points, const TextStyleFonts& styles, bool keepTexts,
                    const std::function<void()>& between)
@@ -472,7 +490,8 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, st
     const std::array iterators{space.newIterator(), space.newIterator()};
     iterators[0]->start();
     const std::size_t boundary = halfway(*iterators[1], entities);
-    const KxDbBlockTableRecordIterator secondStart = *iterators[1];
+    KxDbBlockTableRecordIterator secondStart = *iterators[1];
+    std::size_t secondFirst = boundary;  // the entities before the second half
     DrawingPass firstPass(db, notes, styles, points);
     RenderNotes secondNotes;
     std::unique_ptr<DrawingPass> secondPass;
@@ -484,7 +503,7 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, st
         secondNotes = {};
         secondPass = std::make_unique<DrawingPass>(db, &secondNotes, styles, budget);
         secondPass->budget.keepQuestions();
-        scenes[1] = sceneFor(entities - boundary, keepTexts);
+        scenes[1] = sceneFor(entities - secondFirst, keepTexts);
         drawers[1] = std::make_unique<EntityDrawer>(*secondPass, *scenes[1]);
     };
     scenes[0] = sceneFor(entities, keepTexts);
@@ -494,6 +513,15 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, st
 
     std::atomic<bool> stop = false;
     std::atomic<bool> firstSpent = false;
+    // How many entities the first half had drawn when its budget was
+    // found spent.
+    std::atomic<std::size_t> drawnWhenSpent = 0;
+    // Whether the first half has ended its entities, and whether the
+    // second started again further on (secondFirst, secondStart), which
+    // the first then draws on to: decided under the lock.
+    std::mutex meetingAfterSpending;
+    bool firstEnded = false;
+    bool secondMoved = false;
     std::exception_ptr stopped;
     std::array<std::exception_ptr, 2> failures;
     // The halves meet after every half of kEntitiesBetween entities each,
@@ -508,6 +536,17 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, st
             stop = true;
         }
     });
+    // Where the second half starts again with none of the budget: where
+    // the first, drawing on from its end, has as many entities left as
+    // the second (the entities of both cost alike once the budget is
+    // spent), past an old-form polyline.
+    const auto moveSecond = [&] {
+        const std::size_t left = entities - boundary;
+        const std::size_t firstLeft = boundary - std::min(boundary, drawnWhenSpent.load());
+        const std::size_t moved = left > firstLeft ? (left - firstLeft) / 2 : 0;
+        secondFirst += skipEntities(*iterators[1], moved);
+        secondStart = *iterators[1];
+    };
     // The first half is drawn on this thread and the second on the other:
     // fonts are made for the thread that uses them and must go before it
     // ends, and the first half's drawer may go on here.
@@ -517,23 +556,48 @@ Scene drawInHalves(const KxDbDatabase& db, const KxDbBlockTableRecord& space, st
             bool again = half == 1;
             if (half == 1)
                 beginSecond(points);
+            std::size_t drawn = 0;
+            const auto draw = [&](const KxDbEntity& entity) {
+                drawers[std::size_t(half)]->draw(entity);
+                ++drawn;
+            };
+            bool restart = false;
+            const auto goOn = [&] {
+                if (half == 0 && !firstSpent && firstPass.budget.spent()) {
+                    drawnWhenSpent = drawn;
+                    firstSpent = true;
+                }
+                if (between)
+                    meeting.arrive_and_wait();
+                restart = again && firstSpent;
+                return !stop && !restart;
+            };
             while (true) {
-                bool restart = false;
-                forEntities(
-                    *iterators[std::size_t(half)], half == 0 ? boundary : entities, kEntitiesBetween / 2,
-                    [&] {
-                        if (half == 0 && firstPass.budget.spent())
-                            firstSpent = true;
-                        if (between)
-                            meeting.arrive_and_wait();
-                        restart = again && firstSpent;
-                        return !stop && !restart;
-                    },
-                    [&](const KxDbEntity& entity) { drawers[std::size_t(half)]->draw(entity); });
+                restart = false;
+                forEntities(*iterators[std::size_t(half)], half == 0 ? boundary : entities, kEntitiesBetween / 2,
+                            goOn, draw);
+                if (half == 0) {
+                    bool drawOn = false;
+                    {
+                        const std::lock_guard lock(meetingAfterSpending);
+                        firstEnded = true;
+                        drawOn = secondMoved;
+                    }
+                    if (drawOn && !stop)
+                        forEntities(*iterators[0], secondFirst - boundary, kEntitiesBetween / 2, goOn, draw);
+                    break;
+                }
                 if (!restart || stop)
                     break;
                 again = false;
-                *iterators[1] = secondStart;
+                {
+                    const std::lock_guard lock(meetingAfterSpending);
+                    *iterators[1] = secondStart;
+                    if (!firstEnded) {
+                        moveSecond();
+                        secondMoved = true;
+                    }
+                }
                 beginSecond(0);
             }
         } catch (...) {

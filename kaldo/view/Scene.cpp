@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <numbers>
 #include <type_traits>
 
@@ -89,6 +90,24 @@ void Bounds::add(const Point2& p)
     maxX = std::max(maxX, p.x);
     minY = std::min(minY, p.y);
     maxY = std::max(maxY, p.y);
+}
+
+Bounds pointBounds(std::span<const Point2> points)
+{
+    // Without a branch per point, in registers: as Bounds::add gives,
+    // from infinite extremes that the first finite point replaces.
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    double minX = kInfinity, minY = kInfinity, maxX = -kInfinity, maxY = -kInfinity;
+    for (const Point2& p : points) {
+        const bool finite = std::isfinite(p.x) && std::isfinite(p.y);
+        minX = finite && p.x < minX ? p.x : minX;
+        maxX = finite && maxX < p.x ? p.x : maxX;
+        minY = finite && p.y < minY ? p.y : minY;
+        maxY = finite && maxY < p.y ? p.y : maxY;
+    }
+    if (minX > maxX)
+        return {};
+    return {minX, minY, maxX, maxY, false};
 }
 
 Affine Affine::after(const Affine& first) const
@@ -451,19 +470,26 @@ void Scene::groupPolylines(std::uint32_t first, double width)
 
 Bounds Scene::bounds() const
 {
-    // The points on one thread, the arcs (which take sines and cosines),
-    // texts and instances on another, for a large scene; minima and maxima
-    // come out the same either way.
+    // The points and some of the arcs (which take sines and cosines) on
+    // one thread, the other arcs, texts and instances on another, for a
+    // large scene, so that both take about as long; minima and maxima come
+    // out the same either way.
+    constexpr std::size_t kPointsPerArc = 64;  // bounded in the time of an arc
+    const std::size_t pointArcs = m_points.size() / kPointsPerArc;
+    const std::size_t arcsWithPoints = m_arcs.size() > pointArcs ? (m_arcs.size() - pointArcs) / 2 : 0;
     std::array<Bounds, 2> halves;
     onTwoThreads(m_points.size() + m_arcs.size() >= kItemsForTwoThreads, [&](int half) {
         Bounds& b = halves[std::size_t(half)];
+        const auto addArcs = [&](std::size_t first, std::size_t end) {
+            for (std::size_t a = first; a < end; ++a)
+                addArcBounds(b, m_arcs[a]);
+        };
         if (half == 0) {
-            for (const Point2& p : m_points)
-                b.add(p);
+            b = pointBounds(m_points);
+            addArcs(0, arcsWithPoints);
             return;
         }
-        for (const Arc& arc : m_arcs)
-            addArcBounds(b, arc);
+        addArcs(arcsWithPoints, m_arcs.size());
         for (const TextLine& text : m_texts)
             for (const Point2& corner : textCorners(text))
                 b.add(corner);
@@ -496,6 +522,22 @@ void addArcBounds(Bounds& bounds, const Arc& arc)
         return Point2{arc.centre.x + arc.radius * std::cos(angle), arc.centre.y + arc.radius * std::sin(angle)};
     };
     const double sweep = std::clamp(arc.sweep, -2 * std::numbers::pi, 2 * std::numbers::pi);
+    // A whole turn from a start angle of a few turns meets angles within a
+    // rounding of each quadrant point, where sine and cosine are exactly 1
+    // and -1: its box is the centre give or take the radius, the same
+    // numbers without taking sines and cosines, unless a side is beyond
+    // the largest number (other points then still count).
+    constexpr double kFewTurns = 64;
+    if (std::abs(sweep) == 2 * std::numbers::pi && std::abs(arc.start) <= kFewTurns) {
+        const double r = std::abs(arc.radius);
+        const Point2 low{arc.centre.x - r, arc.centre.y - r};
+        const Point2 high{arc.centre.x + r, arc.centre.y + r};
+        if (std::isfinite(low.x) && std::isfinite(low.y) && std::isfinite(high.x) && std::isfinite(high.y)) {
+            bounds.add(low);
+            bounds.add(high);
+            return;
+        }
+    }
     const double lo = std::min(arc.start, arc.start + sweep);
     const double hi = std::max(arc.start, arc.start + sweep);
     bounds.add(at(lo));

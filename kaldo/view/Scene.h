@@ -100,6 +100,9 @@ struct Bounds {
     void add(const Point2& p);
 };
 
+// The bounds of points, as adding them one by one gives.
+Bounds pointBounds(std::span<const Point2> points);
+
 // Where a part's points go: (xx x + xy y + dx, yx x + yy y + dy).
 struct Affine {
     double xx = 1, xy = 0, yx = 0, yy = 1, dx = 0, dy = 0;

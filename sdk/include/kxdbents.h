@@ -1,43 +1,12 @@
 // Simple entities: lines, arcs, circles and light-weight polylines.
 #pragma once
 
-#include <cstring>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "kxdbobject.h"
 #include "kxgematrix.h"
-
-// The normal of a line, an arc, a circle or a polyline: almost always the z axis, so
-// only another direction takes room (eight bytes where a vector takes 24).
-class KxDbEntityNormal {
-public:
-    KxDbEntityNormal() = default;
-    KxDbEntityNormal(const KxGeVector3d& normal) { *this = normal; }
-    KxDbEntityNormal(const KxDbEntityNormal& other) { *this = other.get(); }
-    KxDbEntityNormal& operator=(const KxDbEntityNormal& other) { return *this = other.get(); }
-    KxDbEntityNormal& operator=(const KxGeVector3d& normal)
-    {
-        // The z axis bit for bit: a normal of -0 components keeps its sign.
-        if (std::memcmp(&normal, &zAxis(), sizeof normal) == 0)
-            m_other.reset();
-        else if (m_other)
-            *m_other = normal;
-        else
-            m_other = std::make_unique<KxGeVector3d>(normal);
-        return *this;
-    }
-    const KxGeVector3d& get() const { return m_other ? *m_other : zAxis(); }
-    operator const KxGeVector3d&() const { return get(); }
-
-private:
-    static const KxGeVector3d& zAxis()
-    {
-        static const KxGeVector3d axis(0, 0, 1);
-        return axis;
-    }
-    std::unique_ptr<KxGeVector3d> m_other;
-};
 
 class KxDbLine : public KxDbEntity {
 public:
@@ -49,7 +18,7 @@ public:
     Kald::ErrorStatus setStartPoint(const KxGePoint3d& point);
     const KxGePoint3d& endPoint() const { return m_end; }
     Kald::ErrorStatus setEndPoint(const KxGePoint3d& point);
-    const KxGeVector3d& normal() const { return m_normal; }
+    const KxGeVector3d& normal() const { return planeNormal(); }
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
 
     // Stretch points: the two ends.
@@ -63,7 +32,6 @@ public:
 private:
     KxGePoint3d m_start;
     KxGePoint3d m_end;
-    KxDbEntityNormal m_normal;
 };
 
 // An arc in the plane of its normal: centre in world coordinates, angles
@@ -78,8 +46,9 @@ public:
     {
     }
     KxDbArc(const KxGePoint3d& center, const KxGeVector3d& normal, double radius, double startAngle, double endAngle)
-        : m_center(center), m_normal(normal), m_radius(radius), m_startAngle(startAngle), m_endAngle(endAngle)
+        : m_center(center), m_radius(radius), m_startAngle(startAngle), m_endAngle(endAngle)
     {
+        setPlaneNormal(normal);
     }
 
     const KxGePoint3d& center() const { return m_center; }
@@ -90,7 +59,7 @@ public:
     Kald::ErrorStatus setStartAngle(double radians);
     double endAngle() const { return m_endAngle; }
     Kald::ErrorStatus setEndAngle(double radians);
-    const KxGeVector3d& normal() const { return m_normal; }
+    const KxGeVector3d& normal() const { return planeNormal(); }
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
 
     // Points of the arc at its start and end, in world coordinates.
@@ -109,7 +78,6 @@ public:
 
 private:
     KxGePoint3d m_center;
-    KxDbEntityNormal m_normal;
     double m_radius = 0;
     double m_startAngle = 0;
     double m_endAngle = 0;
@@ -125,7 +93,7 @@ public:
     Kald::ErrorStatus setCenter(const KxGePoint3d& center);
     double radius() const { return m_radius; }
     Kald::ErrorStatus setRadius(double radius);
-    const KxGeVector3d& normal() const { return m_normal; }
+    const KxGeVector3d& normal() const { return planeNormal(); }
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
 
     // Stretch point: the centre.
@@ -138,7 +106,6 @@ public:
 
 private:
     KxGePoint3d m_center;
-    KxDbEntityNormal m_normal;
     double m_radius = 0;
 };
 
@@ -157,7 +124,7 @@ public:
         friend bool operator==(const Vertex&, const Vertex&) = default;
     };
 
-    int numVerts() const { return static_cast<int>(m_positions.size()); }
+    int numVerts() const { return static_cast<int>(m_count); }
     // The vertex at index (0 <= index < numVerts()).
     Vertex vertexAt(int index) const;
     // Every vertex, in order, as a copy.
@@ -172,13 +139,13 @@ public:
     // Linetype pattern runs on over vertices instead of restarting at each.
     bool plinegen() const { return m_plinegen; }
     void setPlinegen(bool on) { m_plinegen = on; }
-    double constantWidth() const { return m_constantWidth; }
-    void setConstantWidth(double width) { m_constantWidth = width; }
-    double elevation() const { return m_elevation; }
-    void setElevation(double elevation) { m_elevation = elevation; }
-    double thickness() const { return m_thickness; }
-    void setThickness(double thickness) { m_thickness = thickness; }
-    const KxGeVector3d& normal() const { return m_normal; }
+    double constantWidth() const { return m_shaping ? m_shaping->constantWidth : 0; }
+    void setConstantWidth(double width);
+    double elevation() const { return m_shaping ? m_shaping->elevation : 0; }
+    void setElevation(double elevation);
+    double thickness() const { return m_shaping ? m_shaping->thickness : 0; }
+    void setThickness(double thickness);
+    const KxGeVector3d& normal() const { return planeNormal(); }
     Kald::ErrorStatus setNormal(const KxGeVector3d& normal);
 
     // Stretch points: the vertices; arc segments keep their bulges. The
@@ -195,21 +162,35 @@ public:
     std::size_t vertexBytes() const;
 
 private:
-    // Positions of the vertices, and their widths and bulges only when some
-    // vertex has any (one per vertex then): most polylines are straight and
-    // of no width, and keep sixteen bytes a vertex and a null pointer.
+    // Positions of the vertices in a block of room of their own (sixteen
+    // bytes a vertex), and what most polylines lack apart: widths and
+    // bulges (one per vertex, when some vertex has any), a constant width,
+    // an elevation and a thickness. A straight polyline of no width, at
+    // elevation 0, costs its positions and a null pointer.
     struct Position {
         double x = 0, y = 0;
     };
     struct Shape {
         double startWidth = 0, endWidth = 0, bulge = 0;
     };
-    std::vector<Position> m_positions;
-    std::unique_ptr<std::vector<Shape>> m_shapes;
-    KxDbEntityNormal m_normal;
-    double m_constantWidth = 0;
-    double m_elevation = 0;
-    double m_thickness = 0;
+    struct Shaping {
+        std::vector<Shape> shapes;
+        double constantWidth = 0;
+        double elevation = 0;
+        double thickness = 0;
+    };
+    // Room for count positions, keeping those held; the room at least
+    // doubles when it grows by one.
+    void reserve(std::uint32_t count);
+    // The shaping, made when there is none yet; let go again once it
+    // holds only defaults.
+    Shaping& shapingForWrite();
+    void dropShapingIfDefault();
+
+    std::unique_ptr<Position[]> m_positions;
+    std::uint32_t m_count = 0;
+    std::uint32_t m_room = 0;
+    std::unique_ptr<Shaping> m_shaping;
     bool m_closed = false;
     bool m_plinegen = false;
 };

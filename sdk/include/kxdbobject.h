@@ -59,8 +59,8 @@ public:
     KxDbObject& operator=(const KxDbObject&) = delete;
     ~KxDbObject() override;
 
-    KxDbObjectId objectId() const { return m_id; }
-    KxDbObjectId ownerId() const { return m_owner; }
+    KxDbObjectId objectId() const { return compactId(m_id, &Extras::farId); }
+    KxDbObjectId ownerId() const { return compactId(m_owner, &Extras::farOwner); }
     Kald::ErrorStatus setOwnerId(KxDbObjectId owner);
     KxDbDatabase* database() const;
 
@@ -78,7 +78,7 @@ public:
     // that is in no database does nothing.
     Kald::ErrorStatus close();
     // An object has an id from the time it is added to a database.
-    bool isWriteEnabled() const { return m_openForWrite || m_id.isNull(); }
+    bool isWriteEnabled() const { return m_openForWrite || m_id == 0; }
     bool isReadEnabled() const { return m_readers > 0 || isWriteEnabled(); }
     // Turns the caller's read open into a write open when it is the only one.
     Kald::ErrorStatus upgradeOpen();
@@ -98,12 +98,14 @@ public:
 protected:
     // What few objects hold, apart, so that the others pay one null pointer:
     // kept groups, and an entity's colour-book names, a linetype scale other
-    // than 1 and references to objects whose serials pass 32 bits.
+    // than 1, a normal other than the z axis, and ids (its own, its owner's,
+    // its layer's and linetype's) whose serials pass 32 bits.
     struct Extras {
         std::vector<KxDbFileGroup> keptGroups;
         std::optional<KxCmColor> namedColor;
         double linetypeScale = 1.0;
-        KxDbObjectId farLayer, farLinetype;
+        std::optional<KxGeVector3d> normal;
+        KxDbObjectId farId, farOwner, farLayer, farLinetype;
     };
     const Extras* extras() const { return m_extras.get(); }
     // The extras, made when there are none yet.
@@ -111,17 +113,33 @@ protected:
     // Lets the extras go once they hold nothing but defaults.
     void dropExtrasIfDefault();
 
+    // An id is held as its serial in 32 bits; a serial beyond them (a
+    // process that has made four billion objects) is held in the extras,
+    // and the compact value says so.
+    static constexpr std::uint32_t kFarId = 0xFFFFFFFF;
+    KxDbObjectId compactId(std::uint32_t compact, KxDbObjectId Extras::*far) const
+    {
+        return compact == kFarId ? m_extras.get()->*far : KxDbObjectId::fromOldId(compact);
+    }
+    // Sets compact (and far, in the extras) to name id.
+    void setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id);
+
 private:
     friend class KxDbDatabase;
     friend class kaldo::UndoHistory;
     friend Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*&, KxDbObjectId, int, bool, const KxRxClass*);
 
+    // The id the database gives, and an owner put back by undo, set
+    // without a record for undo.
+    void putId(KxDbObjectId id) { setCompactId(m_id, &Extras::farId, id); }
+    void putOwner(KxDbObjectId owner) { setCompactId(m_owner, &Extras::farOwner, owner); }
+
     // The object's database and handle are not held here: the table of ids
     // knows each object's database, and the database its handle (see
     // kaldo/db/ObjectRegistry.h and kaldo/db/HandleTable.h).
-    KxDbObjectId m_id;
-    KxDbObjectId m_owner;
     std::unique_ptr<Extras> m_extras;
+    std::uint32_t m_id = 0;
+    std::uint32_t m_owner = 0;
     // At most 65535 readers at once (eOutOfRange beyond).
     std::uint16_t m_readers = 0;
     // Last, so that an entity's first members fit in the bytes after them.
@@ -134,7 +152,7 @@ class KxDbEntity : public KxDbObject {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbEntity)
 
-    KxDbObjectId layerId() const { return compactId(m_layer, extras() ? extras()->farLayer : KxDbObjectId::kNull); }
+    KxDbObjectId layerId() const { return compactId(m_layer, &Extras::farLayer); }
     Kald::ErrorStatus setLayer(KxDbObjectId layer);
     // The setters' doSubents: whether an entity made of parts passes the
     // property on to them; the host's entities have no such parts.
@@ -142,10 +160,7 @@ public:
     Kald::ErrorStatus setColor(const KxCmColor& color, bool doSubents = true);
     int colorIndex() const { return color().colorIndex(); }
     Kald::ErrorStatus setColorIndex(int index);
-    KxDbObjectId linetypeId() const
-    {
-        return compactId(m_linetype, extras() ? extras()->farLinetype : KxDbObjectId::kNull);
-    }
+    KxDbObjectId linetypeId() const { return compactId(m_linetype, &Extras::farLinetype); }
     Kald::ErrorStatus setLinetype(KxDbObjectId linetype, bool doSubents = true);
     // Lineweight and linetype scale as the host draws the entity (previews);
     // a drawing file's own groups for them are kept as they were read.
@@ -180,18 +195,19 @@ public:
 protected:
     virtual void subSetDatabaseDefaults(KxDbDatabase* db);
 
-private:
-    // A reference is its id's serial in 32 bits; a serial beyond them
-    // (a process that has made four billion objects) is held in the
-    // extras, and the compact value says so.
-    static constexpr std::uint32_t kFarId = 0xFFFFFFFF;
-    static KxDbObjectId compactId(std::uint32_t compact, KxDbObjectId far)
+    // The normal of an entity that lies in a plane (lines, arcs, circles,
+    // polylines): almost always the z axis, so only another direction
+    // takes room, in the extras.
+    const KxGeVector3d& planeNormal() const
     {
-        return compact == kFarId ? far : KxDbObjectId::fromOldId(compact);
+        static constexpr KxGeVector3d zAxis(0, 0, 1);
+        return extras() && extras()->normal ? *extras()->normal : zAxis;
     }
-    // Sets compact (and far, in the extras) to name id.
-    void setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id);
+    // The z axis bit for bit is no other direction: a normal of -0
+    // components keeps its sign.
+    void setPlaneNormal(const KxGeVector3d& normal);
 
+private:
     // First, in the room an object leaves after its last flag: the
     // lineweight counted from KxDb::kLnWtByLwDefault.
     std::uint8_t m_lineWeight = KxDb::kLnWtByLayer - KxDb::kLnWtByLwDefault;

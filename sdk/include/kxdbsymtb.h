@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "kxdbidruns.h"
 #include "kxdbobject.h"
 
 class KxDbSymbolTableIterator;
@@ -131,12 +132,12 @@ private:
     void exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail);
 
     KxGePoint3d m_origin;
-    std::vector<KxDbObjectId> m_entities;
+    KxDbIdRuns m_entities;
 };
 
 class KxDbBlockTableRecordIterator {
 public:
-    explicit KxDbBlockTableRecordIterator(std::vector<KxDbObjectId> ids);
+    explicit KxDbBlockTableRecordIterator(KxDbIdRuns ids);
     void start();
     bool done() const;
     void step();
@@ -147,8 +148,8 @@ public:
 private:
     void skipErased();
 
-    std::vector<KxDbObjectId> m_ids;
-    std::size_t m_pos = 0;
+    KxDbIdRuns m_ids;
+    KxDbIdRuns::Place m_at;
 };
 
 // The names of the two layout blocks.

@@ -91,3 +91,30 @@ TEST(NewDrawing, BlockIteratorSkipsErasedEntities)
     }
     EXPECT_EQ(visited(), (std::vector<KxDbObjectId>{ids[0], ids[1], ids[2]})) << "unerased, it is walked again";
 }
+
+// A block's list holds its ids as runs of consecutive serials: any order
+// reads back as appended, and a cut anywhere (undo taking back what was
+// appended) keeps the ids before it and hands back those after, in order,
+// after which appending them again gives the list back.
+TEST(NewDrawing, IdRunsKeepAnyOrderAndCutAnywhere)
+{
+    std::vector<KxDbObjectId> ids;
+    for (const std::uint64_t serial : {5, 6, 7, 8, 20, 9, 10, 11, 30, 31, 2, 1, 100, 101, 102})
+        ids.push_back(KxDbObjectId::fromOldId(serial));
+    const auto listed = [](const KxDbIdRuns& runs) { return std::vector<KxDbObjectId>(runs.begin(), runs.end()); };
+    for (std::size_t keep = 0; keep <= ids.size() + 1; ++keep) {
+        KxDbIdRuns runs;
+        for (const KxDbObjectId id : ids)
+            runs.push_back(id);
+        EXPECT_EQ(runs.size(), ids.size());
+        EXPECT_EQ(listed(runs), ids);
+        const std::vector<KxDbObjectId> cut = runs.cutAfter(keep);
+        const auto at = ids.begin() + std::ptrdiff_t(std::min(keep, ids.size()));
+        EXPECT_EQ(runs.size(), std::size_t(at - ids.begin())) << keep;
+        EXPECT_EQ(listed(runs), std::vector<KxDbObjectId>(ids.begin(), at)) << keep;
+        EXPECT_EQ(cut, std::vector<KxDbObjectId>(at, ids.end())) << keep;
+        for (const KxDbObjectId id : cut)
+            runs.push_back(id);
+        EXPECT_EQ(listed(runs), ids) << keep;
+    }
+}

@@ -6,6 +6,7 @@
 #include "GroupText.h"
 
 #include "kaldo/dxf/AtomicFile.h"
+#include "kaldo/dxf/DrawingExtents.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/RecordWriting.h"
 
@@ -15,6 +16,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdint>
@@ -144,10 +146,11 @@ TEST(DxfBadFiles, NumbersThatAreNotFiniteAreNeitherReadNorWritten)
 }
 
 // The entities of model and paper space are written in chunks, their texts
-// made on two threads: the bytes and the progress are those of one thread
-// whatever the chunks' size, and a write that fails in any chunk (a file
-// grown past the process's limit, as a full disk would stop it) leaves the
-// old file whole with the system's reason.
+// made and their extents measured on two threads: the bytes and the
+// progress are those of one thread whatever the chunks' size (of extents
+// equal but for the sign of 0, the first entity's stays), and a write that
+// fails in any chunk (a file grown past the process's limit, as a full disk
+// would stop it) leaves the old file whole with the system's reason.
 TEST(DxfBadFiles, EntitiesWrittenOnTwoThreadsAreThoseOfOneAndAFailedWriteKeepsTheOldFile)
 {
     std::string entities;
@@ -198,6 +201,17 @@ TEST(DxfBadFiles, EntitiesWrittenOnTwoThreadsAreThoseOfOneAndAFailedWriteKeepsTh
     std::vector<Report> oneThreadReports;
     const std::string oneThread = saved({4096, true}, oneThreadReports);
     ASSERT_GT(oneThread.size(), 1000000u);
+    // Of extents equal but for the sign of 0, the first entity's stays.
+    const kaldo::dxf::DxfDrawing zeros = fromDxfText(
+        smallDrawing(groupText({"0", "LINE", "8", "0", "10", "0", "20", "-0", "11", "1", "21", "1", "0", "LINE", "8",
+                                "0", "10", "-0", "20", "0", "11", "1", "21", "1"}),
+                     ""));
+    for (const kaldo::dxf::EntityChunks chunks : {kaldo::dxf::EntityChunks{1, false}, kaldo::dxf::EntityChunks{1, true},
+                                                  kaldo::dxf::EntityChunks{}}) {
+        const kaldo::dxf::Extents extents = kaldo::dxf::drawingExtents(*zeros.database, chunks);
+        EXPECT_FALSE(std::signbit(extents.min.x)) << chunks.records;
+        EXPECT_TRUE(std::signbit(extents.min.y)) << chunks.records;
+    }
     for (const std::size_t size : {std::size_t(1), std::size_t(7), std::size_t(4096)}) {
         std::vector<Report> reports;
         EXPECT_TRUE(saved({size, false}, reports) == oneThread) << size;

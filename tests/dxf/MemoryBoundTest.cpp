@@ -11,10 +11,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <numeric>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,6 +46,19 @@ std::string mlineHead(const char* vertices, const char* elements)
 {
     return groupText({"0", "MLINE", "5", "31", "100", "AcDbEntity", "8", "0", "100", "AcDbMline", "72", vertices,
                       "73", elements});
+}
+
+// Records of nothing but their kind and a handle, handleOf(i) after 0x1000.
+template <class HandleOf>
+std::string kindsWithHandles(int count, HandleOf handleOf)
+{
+    std::string records;
+    char handle[24];
+    for (int i = 0; i < count; ++i) {
+        std::snprintf(handle, sizeof handle, "%X", 0x1000 + handleOf(i));
+        records += std::string("0\nX\n5\n") + handle + "\n";
+    }
+    return records;
 }
 
 }  // namespace
@@ -94,29 +110,20 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
     EXPECT_LT(peak, kBase + 13 * text.size() / 10) << text.size() << " bytes";
 }
 
-// Inputs made to cost the most memory per byte of file: records of nothing
-// but their kind (entities and objects), or with one group, or with
-// handles that continue each other, one record of thousands of
-// one-character groups, lines of no groups, multiline vertices of nothing
-// but their first group (laid out anew in the style, which has more
-// elements), beside every input of the fuzz corpus. Records of a kind the
-// host only keeps, without handles or with consecutive ones, are held as
-// one entity or object a run: under 4 times the file (28 with an object
-// per record, 38 with an object of 56 bytes, 47 with a slot per handle and
-// a class pointer, 57 with an object and two strings), and under 2 with
-// handles (9 to 10 with an object per record). A record's groups are read
-// packed as it keeps them: one of one-character groups stays under 4 times
-// the file (8.4 with twelve bytes a group and a packed copy). A line of a
-// few groups is kept as its record until opened, its registry slot naming
-// the record (its class a byte there, its database two), its handle taking
-// no room of its own when it continues a run of handles: a line of no
-// groups stays under 4 times its seven bytes (20 as an object with its
-// registry and list entries, 25 with an entity of 96 bytes, 30 before, 35
-// with its normal held as a vector). A multiline of such vertices is kept
-// as its record too, checked one vertex at a time and laid out in its style
-// only when opened: under 2 times their five bytes (19 as an object whose
-// lists lie flat in one store, 22.4 while its record was read as twelve
-// bytes a group).
+// Inputs made to cost the most memory per byte of file, beside every input
+// of the fuzz corpus. Records of a kind the host only keeps (entities and
+// objects), without handles or with handles in any order, are held as one
+// entity or object a run: under 4 times the file (about 10 with an object
+// per record), under 2 with consecutive handles. One record of
+// one-character groups, read packed, stays under 4 times. A line of no
+// groups is kept as its record until opened, its registry slot naming the
+// record, its block's entry a share of a run of ids: under 4 times its
+// seven bytes (17 as an object with its registry entry, 20 with ids of 64
+// bits and its normal beside it). A multiline of vertices of nothing but
+// their first group (laid out anew in the style) is kept as its record
+// too, checked one vertex at a time and laid out only when opened: under 2
+// times their five bytes (19 as an object, which costs each vertex's
+// geometry).
 TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
 {
     struct Input {
@@ -125,16 +132,19 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         std::size_t perByte = kPerByte;
     };
     std::vector<Input> inputs;
-    std::string kindsOnly, kindsAndAGroup, kindsAndHandles, tinyGroups = "0\nX\n", bareLines,
-                                                           bareVertices = mlineHead("20000", "0");
+    std::string kindsOnly, kindsAndAGroup, tinyGroups = "0\nX\n", bareLines, bareVertices = mlineHead("20000", "0");
     // Records held together cost so little that a small file of them stays
     // within the base: these are larger.
-    char handle[24];
-    for (int i = 0; i < 100000; ++i) {
+    constexpr int kRecords = 100000;
+    std::vector<int> shuffled(kRecords);
+    std::iota(shuffled.begin(), shuffled.end(), 0);
+    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(7));
+    const std::string kindsAndHandles = kindsWithHandles(kRecords, [](int i) { return i; });
+    const std::string kindsAndGaps = kindsWithHandles(kRecords, [](int i) { return 2 * i; });
+    const std::string kindsInNoOrder = kindsWithHandles(kRecords, [&](int i) { return 2 * shuffled[std::size_t(i)]; });
+    for (int i = 0; i < kRecords; ++i) {
         kindsOnly += "0\nX\n";
         kindsAndAGroup += "0\nX\n1\n0\n";
-        std::snprintf(handle, sizeof handle, "%X", 0x1000 + i);
-        kindsAndHandles += std::string("0\nX\n5\n") + handle + "\n";
     }
     for (int i = 0; i < 100000; ++i)
         tinyGroups += "1\n0\n";
@@ -147,6 +157,10 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     inputs.push_back({"objects of their kind alone", smallDrawing("", kindsOnly), 4});
     inputs.push_back({"records of their kind and handles", smallDrawing(kindsAndHandles, ""), 2});
     inputs.push_back({"objects of their kind and handles", smallDrawing("", kindsAndHandles), 2});
+    inputs.push_back({"records of their kind and handles with gaps", smallDrawing(kindsAndGaps, ""), 4});
+    inputs.push_back({"objects of their kind and handles with gaps", smallDrawing("", kindsAndGaps), 4});
+    inputs.push_back({"records of their kind and handles in no order", smallDrawing(kindsInNoOrder, ""), 4});
+    inputs.push_back({"objects of their kind and handles in no order", smallDrawing("", kindsInNoOrder), 4});
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 4});
     inputs.push_back({"lines of no groups", smallDrawing(bareLines, ""), 4});
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 2});
@@ -166,21 +180,32 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
 // Saving walks the objects and each block's entities, each walk holding a
 // list of ids: one list at a time, eight bytes an object more for a larger
 // drawing, where the list of every object held through the entities' walks
-// took sixteen.
-TEST(DxfMemoryBound, SavingHoldsOneListOfIdsAtATime)
+// took sixteen. The entities' text is made a chunk of 4096 records at a
+// time, a run of kept records counting each of its own: a larger drawing
+// of runs takes no more to save, where a chunk of 4096 runs held all its
+// text.
+TEST(DxfMemoryBound, SavingHoldsOneListAndAFewChunksAtATime)
 {
-    const auto savePeak = [](int lines) {
-        std::string entities;
-        for (int i = 0; i < lines; ++i)
-            entities += "0\nLINE\n";
+    const auto savePeak = [](const std::string& entities) {
         kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(entities, ""));
         std::FILE* file = std::tmpfile();
         const std::size_t peak = peakAllocation([&] { kaldo::dxf::writeDxf(fileno(file), *drawing.database, drawing.kept); });
         std::fclose(file);
         return peak;
     };
+    const auto lines = [](int count) {
+        std::string entities;
+        for (int i = 0; i < count; ++i)
+            entities += "0\nLINE\n";
+        return entities;
+    };
     constexpr int kLines = 40000;
-    const std::size_t smaller = savePeak(kLines);
-    const std::size_t larger = savePeak(2 * kLines);
+    const std::size_t smaller = savePeak(lines(kLines));
+    const std::size_t larger = savePeak(lines(2 * kLines));
     EXPECT_LT(double(larger) - double(smaller), 12.0 * kLines) << smaller << " then " << larger << " bytes";
+    constexpr int kRecords = 100000;
+    const auto runs = [](int count) { return kindsWithHandles(count, [](int i) { return 2 * i; }); };
+    const std::size_t fewer = savePeak(runs(kRecords));
+    const std::size_t more = savePeak(runs(2 * kRecords));
+    EXPECT_LT(double(more) - double(fewer), 1.0 * kRecords) << fewer << " then " << more << " bytes";
 }

@@ -1,6 +1,7 @@
 // The session and its command loop in process: the host is installed while
 // a session lives and cleared after, and a command that throws is reported
 // to the crash recorder while the loop goes on.
+#include "FileText.h"
 #include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Session.h"
 #include "kaldo/core/Host.h"
@@ -17,7 +18,6 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
@@ -45,12 +45,6 @@ kaldo::SessionPaths tempPaths(const QTemporaryDir& dir)
 {
     const std::filesystem::path root = dir.path().toStdString();
     return {root / "kaldo.ini", root / "Support", root / "modules", root / "crash"};
-}
-
-std::string reportText(const std::filesystem::path& folder)
-{
-    std::ifstream in(folder / "report.txt");
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 }  // namespace
@@ -108,8 +102,8 @@ TEST(CommandLoop, ThrowingCommandsAreReportedAndTheLoopGoesOn)
         reports.push_back(entry.path());
     std::sort(reports.begin(), reports.end());
     ASSERT_EQ(reports.size(), 4u);
-    EXPECT_THAT(reportText(reports[0]), HasSubstr("disk on fire"));
-    EXPECT_THAT(reportText(reports[1]), HasSubstr("bad style"));
+    EXPECT_THAT(fileText(reports[0] / "report.txt"), HasSubstr("disk on fire"));
+    EXPECT_THAT(fileText(reports[1] / "report.txt"), HasSubstr("bad style"));
 }
 
 TEST(CommandLoop, RunCommandFindsCommandsThenVariables)

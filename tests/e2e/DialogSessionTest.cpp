@@ -3,6 +3,7 @@
 // it runs none, and SHOW, GRAB and refused actions print what they should.
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "MleditScripts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,9 +17,6 @@ using ::testing::Not;
 
 namespace {
 
-// Two multilines of STANDARD at scale 10 crossing at (50, 0).
-const std::string kCrossingPair =
-    "SETVAR\nPICKBOX\n1\nMLINE\nJ\nZ\nS\n10\n^C\nMLINE\n0,0\n100,0\n\nMLINE\n50,-50\n50,50\n\n";
 // The picks of a closed cross: the horizontal one first.
 const std::string kCrossPicks = "20,5\n45,30\n\n";
 

@@ -2,6 +2,7 @@
 // and cancel, ERASE by pick, UCS rotation seen through LIST in world
 // coordinates, and Enter repeating the last command.
 #include "KaldoProcess.h"
+#include "ListedMlines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,12 +11,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 namespace {
-
-// What LIST prints for a line, in world coordinates.
-std::string listedLine(const std::string& from, const std::string& to)
-{
-    return "  from point: " + from + "\n    to point: " + to + "\n";
-}
 
 // A LIST whose pick found nothing: the pick is a window's first corner, and
 // Enter there finds nothing.

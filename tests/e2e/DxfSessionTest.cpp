@@ -3,6 +3,7 @@
 // that cannot be read or written.
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "ListedMlines.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,11 +18,6 @@ namespace {
 QString str(const std::filesystem::path& path)
 {
     return QString::fromStdString(path.string());
-}
-
-std::string listedLine(const std::string& from, const std::string& to)
-{
-    return "  from point: " + from + "\n    to point: " + to + "\n";
 }
 
 // The ENTITIES section of a saved drawing.

@@ -1,5 +1,6 @@
 #include "EzdxfReport.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
 
@@ -22,4 +23,13 @@ EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script, const 
     report.file = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
     report.ran = true;
     return report;
+}
+
+std::string auditFindings(const EzdxfReport& report)
+{
+    std::string found;
+    for (const char* kind : {"errors", "fixes"})
+        for (const QJsonValue finding : report.file[kind].toArray())
+            found += std::string(kind) + ": " + finding.toString().toStdString() + "\n";
+    return found;
 }

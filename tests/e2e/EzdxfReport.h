@@ -18,3 +18,7 @@ struct EzdxfReport {
 // drawing's path and then arguments.
 EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script = "ezdxf_mlines.py",
                           const QStringList& arguments = {});
+
+// What the reader's audit found in the drawing, errors and then fixes, one
+// a line; empty when it found nothing.
+std::string auditFindings(const EzdxfReport& report);

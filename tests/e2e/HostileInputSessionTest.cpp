@@ -3,6 +3,7 @@
 // ends, drawings that would keep the renderer busy for ever. Each gets a
 // message; the session goes on and nothing broken reaches a saved file,
 // a picture or the terminal.
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
@@ -10,8 +11,6 @@
 
 #include <QImage>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include <sys/stat.h>
@@ -47,10 +46,8 @@ TEST(HostileInputSession, NumbersThatOverflowAreRefused)
     EXPECT_THAT(run.out, HasSubstr("ANGBASE cannot be set to \"1e309\""));
     EXPECT_THAT(run.out, HasSubstr("Cannot open the drawing: nan.dxf, line 8: group 10 needs a number, not \"nan\"."));
     EXPECT_EQ(run.err, "");
-    std::ifstream in(saved);
-    const std::string text{std::istreambuf_iterator<char>(in), {}};
-    EXPECT_THAT(text, HasSubstr("\n 11\n1e+308\n"));
-    EXPECT_THAT(text, Not(HasSubstr("inf")));
+    EXPECT_THAT(fileText(saved), HasSubstr("\n 11\n1e+308\n"));
+    EXPECT_THAT(fileText(saved), Not(HasSubstr("inf")));
 }
 
 // A number too large to read in full is written in scientific form, by
@@ -181,8 +178,6 @@ TEST(HostileInputSession, DrawingsMadeToBreakTheRendererAreExportedWithBoundedWo
         run = kaldo.runScript("", {dxf, "--export", svg});
         ASSERT_EQ(run.exitCode, 0) << drawing.name << run.err;
         EXPECT_THAT(run.out, HasSubstr(drawing.said)) << drawing.name;
-        std::ifstream in(svg.toStdString());
-        const std::string text{std::istreambuf_iterator<char>(in), {}};
-        EXPECT_THAT(text, ::testing::ContainsRegex("<(polyline|polygon|path fill-rule)")) << drawing.name;
+        EXPECT_THAT(fileText(svg.toStdString()), ::testing::ContainsRegex("<(polyline|polygon|path fill-rule)")) << drawing.name;
     }
 }

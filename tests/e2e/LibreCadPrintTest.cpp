@@ -7,6 +7,7 @@
 // fill, a gap in the elements where the cut is, and the dashed element's
 // gaps. Texts outside ASCII print from kaldo's saved copy as from the
 // original another program wrote.
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gtest/gtest.h>
@@ -192,8 +193,7 @@ TEST(LibreCadPrint, ExplodedCopiesPrintAsKaldoDrawsThem)
 {
     KaldoProcess kaldo;
     const auto gallery = [](const char* name) {
-        QFile file(QStringLiteral(KALDO_SOURCE_DIR "/docs/gallery/") + name);
-        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+        return fileText(std::filesystem::path(KALDO_SOURCE_DIR "/docs/gallery") / name);
     };
     kaldo.writeFile("gallery.mln", gallery("gallery.mln"));
     const std::string wall = gallery("wall.scr");

@@ -1,4 +1,5 @@
-// Multilines as the LIST command shows them in a session's transcript.
+// Lines and multilines as the LIST command shows them in a session's
+// transcript.
 #pragma once
 
 #include <string>
@@ -22,6 +23,12 @@ struct ListedMline {
     ListedVec normal;
     std::vector<ListedVertex> vertices;
 };
+
+// What LIST prints for a line, in world coordinates.
+inline std::string listedLine(const std::string& from, const std::string& to)
+{
+    return "  from point: " + from + "\n    to point: " + to + "\n";
+}
 
 // Every multiline LIST showed in the transcript, in order.
 std::vector<ListedMline> listedMlines(const std::string& transcript);

@@ -1,9 +1,9 @@
 // -MLEDIT through the real binary where picks and crossings come close to
 // a vertex: every tool picked near either end of a segment of a wall 100
 // wide cuts and keeps where the pick was made; elements end exactly on the
-// element lines they meet next to a bend, as those are drawn; add vertex
-// keeps the runs beyond the new vertex; a multiline of one segment picked
-// twice for a corner is told that there is no crossing.
+// element lines they meet next to a bend, as those are drawn (an
+// independent reader finds them there: MleditJoinSession); a multiline of
+// one segment picked twice for a corner is told that there is no crossing.
 #include "KaldoProcess.h"
 #include "ListedMlines.h"
 #include "MleditScripts.h"
@@ -11,8 +11,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QJsonArray>
-#include <QJsonObject>
 
 #include <cmath>
 #include <numbers>
@@ -246,39 +244,4 @@ TEST(MleditEdgeSession, ElementsEndOnTheElementLinesTheyMeetNextToABend)
     KaldoProcess kaldo;
     for (const Session& session : sessions)
         expectSession(kaldo, session);
-}
-
-TEST(MleditEdgeSession, AnIndependentReaderFindsTheStemEndingOnTheBarAsDrawn)
-{
-    // The open tee on the bar turning left: the stem's element 0 stops,
-    // and the bar's element 0 starts again on its segment 1, at the same
-    // point (103, 3 + 5 sqrt 2), which lies on the bar's element line.
-    KaldoProcess kaldo;
-    const QJsonArray mlines = mlinesReadBack(
-        kaldo, kSetup + mline({"0,0", "100,0", "200,100"}) + mline({"98,50", "98,-50"}) + "-MLEDIT\nOT\n103,30\n20,5\n\n",
-        "tee.dxf");
-    ASSERT_EQ(mlines.size(), 2);
-    const auto stemEnds = runEnds(mlines[1].toObject(), 0, 0);
-    const auto barStarts = runEnds(mlines[0].toObject(), 1, 0);
-    ASSERT_EQ(stemEnds.size(), 2u);
-    ASSERT_EQ(barStarts.size(), 1u);
-    const double y = 3 + 5 * kSqrt2;
-    EXPECT_NEAR(stemEnds[1].first, 103, 1e-9);
-    EXPECT_NEAR(stemEnds[1].second, y, 1e-9);
-    EXPECT_NEAR(barStarts[0].first, 103, 1e-9);
-    EXPECT_NEAR(barStarts[0].second, y, 1e-9);
-    EXPECT_NEAR(barStarts[0].second - barStarts[0].first, 5 * kSqrt2 - 100, 1e-9) << "on y = x - 100 + 5 sqrt 2";
-}
-
-TEST(MleditEdgeSession, AddVertexKeepsTheRunsBeyondTheNewVertex)
-{
-    // Element 0 (y = 5) cut from 20 to 40, then a vertex added at x = 30 in
-    // the gap: segment 0 keeps 0 to 20, the new segment from (30, 5) is not
-    // drawn up to 40, 10 along it, and drawn on from there.
-    KaldoProcess kaldo;
-    expectSession(kaldo, {"add vertex in a gap",
-                          mline({"0,0", "100,0"}) + "-MLEDIT\nCS\n20,5\n40,5\n\n-MLEDIT\nAV\n30,-5\n\n",
-                          {"60,-5"},
-                          {{"0.0000,0.0000", "30.0000,0.0000", "100.0000,0.0000"}},
-                          {{0, 0, 0, {5, 0, 20}}, {0, 1, 0, {5, 10}}, {0, 0, 1, {-5, 0}}, {0, 1, 1, {-5, 0}}}});
 }

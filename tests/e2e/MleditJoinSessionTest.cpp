@@ -1,8 +1,9 @@
 // -MLEDIT tees, corner joint and vertex tools through the real binary:
 // scripts draw multilines with MLINE and edit them, LIST shows the lists
-// that result, an independent reader checks the saved drawing and where the
-// drawn runs end (of a tee, a corner and a cross), and the tools' Undo
-// gives back the drawing byte for byte.
+// that result (add vertex keeps the runs beyond the new vertex), an
+// independent reader checks the saved drawing and where the drawn runs end
+// (of tees on a straight and on a bent bar, a corner and a cross), and the
+// tools' Undo gives back the drawing byte for byte.
 #include "FileText.h"
 #include "KaldoProcess.h"
 #include "ListedMlines.h"
@@ -14,6 +15,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -175,6 +177,15 @@ TEST(MleditJoinSession, AddAndDeleteVertexOnStraightBentAndClosedMultilines)
     ASSERT_THAT(listed, SizeIs(2));
     EXPECT_THAT(positions(listed, 0), SizeIs(2));
     EXPECT_THAT(positions(listed, 1), SizeIs(3));
+
+    // Element 0 (y = 5) cut from 20 to 40, then a vertex added at x = 30 in
+    // the gap: segment 0 keeps 0 to 20, the new segment from (30, 5) is not
+    // drawn up to 40, 10 along it, and drawn on from there.
+    expectSession(kaldo, {"add vertex in a gap",
+                          mline({"0,0", "100,0"}) + "-MLEDIT\nCS\n20,5\n40,5\n\n-MLEDIT\nAV\n30,-5\n\n",
+                          {"60,-5"},
+                          {{"0.0000,0.0000", "30.0000,0.0000", "100.0000,0.0000"}},
+                          {{0, 0, 0, {5, 0, 20}}, {0, 1, 0, {5, 10}}, {0, 0, 1, {-5, 0}}, {0, 1, 1, {-5, 0}}}});
 }
 
 // The tools' own Undo, typed in full and lower case, gives back the
@@ -206,17 +217,18 @@ TEST(MleditJoinSession, UndoGivesBackTheSavedDrawingByteForByte)
     }
 }
 
-TEST(MleditJoinSession, AnIndependentReaderFindsTheTeeTheCornerAndTheCross)
+TEST(MleditJoinSession, AnIndependentReaderFindsTheTeesTheCornerAndTheCross)
 {
     KaldoProcess kaldo;
     const QJsonArray mlines = mlinesReadBack(kaldo,
                                              kBar + mline({"50,50", "50,-30"}) + mline({"0,100", "90,100"})
                                                  + mline({"100,200", "100,110"}) + mline({"300,0", "400,0"})
-                                                 + mline({"350,-50", "350,50"})
+                                                 + mline({"350,-50", "350,50"}) + mline({"0,-300", "100,-300", "200,-200"})
+                                                 + mline({"98,-250", "98,-350"})
                                                  + "-MLEDIT\nOT\n55,30\n20,5\n\n-MLEDIT\nCJ\n50,105\n105,150\n\n"
-                                                 + "-MLEDIT\nOC\n320,5\n345,30\n\n",
+                                                 + "-MLEDIT\nOC\n320,5\n345,30\n\n-MLEDIT\nOT\n103,-270\n20,-295\n\n",
                                              "joined.dxf");
-    ASSERT_EQ(mlines.size(), 6);
+    ASSERT_EQ(mlines.size(), 8);
     const QJsonObject bar = mlines[0].toObject();
     const QJsonObject stem = mlines[1].toObject();
     // The stem's end caps are off and its elements stop on the bar's upper
@@ -261,4 +273,19 @@ TEST(MleditJoinSession, AnIndependentReaderFindsTheTeeTheCornerAndTheCross)
         }
         EXPECT_EQ(vertices[1].toObject()["element"].toArray()[0].toArray().size(), 2);
     }
+    // The open tee on a bar turning left at (100, -300): the stem's element
+    // 0 stops, and the bar's element 0 starts again on its segment 1, at the
+    // same point (103, -297 + 5 sqrt 2), which lies on the bar's element
+    // line.
+    const auto stemEnds = runEnds(mlines[7].toObject(), 0, 0);
+    const auto barStarts = runEnds(mlines[6].toObject(), 1, 0);
+    ASSERT_THAT(stemEnds, SizeIs(2));
+    ASSERT_THAT(barStarts, SizeIs(1));
+    const double y = -297 + 5 * std::numbers::sqrt2;
+    EXPECT_NEAR(stemEnds[1].first, 103, 1e-9);
+    EXPECT_NEAR(stemEnds[1].second, y, 1e-9);
+    EXPECT_NEAR(barStarts[0].first, 103, 1e-9);
+    EXPECT_NEAR(barStarts[0].second, y, 1e-9);
+    EXPECT_NEAR(barStarts[0].second - barStarts[0].first, 5 * std::numbers::sqrt2 - 400, 1e-9)
+        << "on y = x - 400 + 5 sqrt 2";
 }

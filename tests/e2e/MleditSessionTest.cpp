@@ -18,13 +18,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::SizeIs;
 
-namespace {
-
-// A horizontal multiline and a vertical one crossing it at (50, 0).
-const std::string kCrossingPair = kSetup + mline({"0,0", "100,0"}) + mline({"50,-50", "50,50"});
-
-}  // namespace
-
 TEST(MleditSession, CrossToolsOnTwoElementMultilines)
 {
     const std::string pair = mline({"0,0", "100,0"}) + mline({"50,-50", "50,50"});
@@ -133,7 +126,7 @@ TEST(MleditSession, CrossingsOnClosedMultilinesAndNearVertices)
     EXPECT_THAT(runs(listed, 0, 1, 1), listIs(-miter, 6.4 * root26 - 26));
 }
 
-TEST(MleditSession, CutSingleAndCutAll)
+TEST(MleditSession, CutSingleCutAllAndWeldAll)
 {
     KaldoProcess kaldo;
     // Cut single from the upper element to a point on the lower one: the
@@ -157,11 +150,13 @@ TEST(MleditSession, CutSingleAndCutAll)
     EXPECT_THAT(runs(listed, 0, 1, 0), listIs(7.071068, 0.0, 15.0, 35.0));
     EXPECT_THAT(runs(listed, 0, 1, 1), listIs(-7.071068, 0.0, 25.0, 45.0));
 
-    // Cut all across three segments hides the middle one entirely.
+    // Cut all across three segments hides the middle one entirely; a weld
+    // from segment 0 to segment 2 draws segment 1 whole again (over a gap
+    // within one segment: MleditEdgeSession).
     const KaldoRun all = kaldo.runScript(kSetup + mline({"0,0", "50,0", "50,50", "100,50"}) + "-MLEDIT\nCA\n20,5\n75,55\n\n"
-                                         + list({"10,5"}));
+                                         + list({"10,5"}) + "-MLEDIT\nWA\n10,5\n90,55\n\n" + list({"5,5"}));
     listed = listedMlines(all.out);
-    ASSERT_THAT(listed, SizeIs(1));
+    ASSERT_THAT(listed, SizeIs(2));
     for (std::size_t e = 0; e < 2; ++e) {
         const std::vector<double> first = runs(listed, 0, 0, e);
         ASSERT_THAT(first, SizeIs(3)) << e;
@@ -169,23 +164,10 @@ TEST(MleditSession, CutSingleAndCutAll)
         EXPECT_THAT(runs(listed, 0, 1, e), SizeIs(1)) << "hidden along segment 1";
         ASSERT_THAT(runs(listed, 0, 2, e), SizeIs(2)) << e;
         EXPECT_GT(runs(listed, 0, 2, e)[1], 0.0) << e;
-    }
-}
-
-// A weld from segment 0 to segment 2 draws segment 1 whole again (over a
-// gap within one segment: MleditEdgeSession).
-TEST(MleditSession, WeldAllDrawsSegmentsThrough)
-{
-    KaldoProcess kaldo;
-    const KaldoRun across = kaldo.runScript(kSetup + mline({"0,0", "50,0", "50,50", "100,50"})
-                                            + "-MLEDIT\nCA\n20,5\n75,55\n\n-MLEDIT\nWA\n10,5\n90,55\n\n" + list({"5,5"}));
-    EXPECT_EQ(across.exitCode, 0) << across.err;
-    const auto listed = listedMlines(across.out);
-    ASSERT_THAT(listed, SizeIs(1));
-    for (std::size_t e = 0; e < 2; ++e) {
-        EXPECT_THAT(runs(listed, 0, 1, e), SizeIs(2)) << e;
-        EXPECT_NEAR(runs(listed, 0, 1, e).back(), 0.0, kListed) << e;
-        EXPECT_THAT(runs(listed, 0, 0, e), SizeIs(2)) << e;
+        // Welded: segments 0 and 1 drawn whole again.
+        EXPECT_THAT(runs(listed, 1, 0, e), SizeIs(2)) << e;
+        EXPECT_THAT(runs(listed, 1, 1, e), SizeIs(2)) << e;
+        EXPECT_NEAR(runs(listed, 1, 1, e).back(), 0.0, kListed) << e;
     }
 }
 

@@ -2,14 +2,13 @@
 // open repaired and say what was repaired, and nothing that is not a finite
 // number enters a drawing, so that every drawing stays savable. (Every
 // drawing these tests leave is checked again when KaldoProcess goes.)
+#include "FileText.h"
 #include "KaldoProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 using ::testing::HasSubstr;
@@ -18,12 +17,6 @@ using ::testing::Not;
 namespace {
 
 const std::filesystem::path kData = KALDO_SOURCE_DIR "/tests/data";
-
-std::string fileText(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // A file of the test data copied into the session's folder.
 std::string copied(const KaldoProcess& kaldo, const std::string& data)

@@ -25,14 +25,6 @@ namespace fs = std::filesystem;
 
 const fs::path kSupportStyles = KALDO_STAGE_DIR "/share/kaldo/Support/KALDO.mln";
 
-std::size_t count(const std::string& text, const std::string& part)
-{
-    std::size_t n = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++n;
-    return n;
-}
-
 // The manager's Save of its selected style (STANDARD) into path.
 std::string saveInto(const fs::path& path)
 {
@@ -47,7 +39,7 @@ TEST(StyleFileTargetSession, SaveKeepsWhatItCannotReadAndWritesInPlace)
     kaldo.keepToFilePermissions();
     const fs::path dir = kaldo.dir();
     const std::string nineStyles = fileText(kSupportStyles);
-    ASSERT_EQ(count(nineStyles, "MLSTYLE"), 9u);
+    ASSERT_EQ(QString::fromStdString(nineStyles).count("MLSTYLE"), 9);
     const std::string keep = "MLSTYLE\r\n2\r\n KEEP\r\n70\r\n 0\r\n3\r\n \r\n71\r\n 0\r\n0\r\n";
 
     const fs::path fifo = dir / "pipe.mln";
@@ -99,7 +91,7 @@ TEST(StyleFileTargetSession, SaveKeepsWhatItCannotReadAndWritesInPlace)
     EXPECT_EQ(fs::status(linked).permissions(),
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
     EXPECT_EQ(std::distance(fs::directory_iterator(dir / "closed"), {}), 1);
-    EXPECT_EQ(count(run.out, "Message: "), 4u) << run.out;
+    EXPECT_EQ(QString::fromStdString(run.out).count("Message: "), 4) << run.out;
 }
 
 TEST(StyleFileTargetSession, LoadAndPicturesNeverWaitOnAFifoNorLeaveAnEmptyPicture)

@@ -45,7 +45,6 @@ const std::string kMakeWall = "MLSTYLE\nCLICK 1028\nTEXT 1035 WALL\nCLICK 1\nCLI
 
 TEST(UndoSession, EveryCommandTakenBackAndRestoredByteForByte)
 {
-    const std::string crossing = kSetup + mline({"0,0", "100,0"}) + mline({"50,-50", "50,50"});
     const std::string bar = kSetup + mline({"0,0", "100,0"});
     const std::vector<Case> cases = {
         {"LINE", "", "LINE\n0,0\n100,0\n100,50\n\n"},
@@ -53,9 +52,9 @@ TEST(UndoSession, EveryCommandTakenBackAndRestoredByteForByte)
         {"LINE", "", "LINE\n0,0\n100,0\n100,50\n^C\n"},
         {"ERASE", "LINE\n0,0\n100,0\n\nLINE\n0,20\n100,20\n\n", "ERASE\n50,0\n50,20\n\n"},
         {"MLINE", kMakeWall, "MLINE\nST\nWALL\nJ\nB\nS\n2\n0,0\n100,0\n100,50\nC\n"},
-        {"-MLEDIT", crossing, "-MLEDIT\nCC\n20,5\n45,30\n\n"},
+        {"-MLEDIT", kCrossingPair, "-MLEDIT\nCC\n20,5\n45,30\n\n"},
         // Two edits, the first taken back by the tool's own Undo: one step.
-        {"-MLEDIT", crossing, "-MLEDIT\nOC\n20,5\n45,30\nU\n20,-5\n55,-30\n\n"},
+        {"-MLEDIT", kCrossingPair, "-MLEDIT\nOC\n20,5\n45,30\nU\n20,-5\n55,-30\n\n"},
         {"-MLEDIT", bar + mline({"50,-50", "50,-10"}), "-MLEDIT\nCT\n55,-30\n20,5\n\n"},
         {"-MLEDIT", bar, "-MLEDIT\nAV\n40,5\n\n"},
         {"-MLEDIT", bar, "-MLEDIT\nCS\n20,5\n30,-5\n\n"},

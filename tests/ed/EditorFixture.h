@@ -25,6 +25,16 @@ protected:
     }
     ~EditorFixture() override { host() = saved_; }
 
+    // Adds the entity to the drawing's current space and closes it.
+    KxDbObjectId add(KxDbEntity* entity)
+    {
+        KxDbObjectId id;
+        EXPECT_EQ(db.addToCurrentSpace(entity, id), Kald::eOk);
+        entity->close();
+        return id;
+    }
+    KxDbObjectId addLine(const KxGePoint3d& a, const KxGePoint3d& b) { return add(new KxDbLine(a, b)); }
+
     void script(const std::string& lines)
     {
         source = std::make_unique<ScriptInputSource>(std::make_unique<std::istringstream>(lines));

@@ -10,14 +10,6 @@ namespace {
 
 class EntitySelection : public EditorFixture {
 protected:
-    KxDbObjectId addLine(const KxGePoint3d& a, const KxGePoint3d& b)
-    {
-        auto* line = new KxDbLine(a, b);
-        KxDbObjectId id;
-        EXPECT_EQ(db.addToCurrentSpace(line, id), Kald::eOk);
-        line->close();
-        return id;
-    }
     KxDbObjectId picked(const kxds_name name)
     {
         KxDbObjectId id;

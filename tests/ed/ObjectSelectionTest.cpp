@@ -23,15 +23,6 @@ using ::testing::Pointwise;
 
 class ObjectSelection : public EditorFixture {
 protected:
-    KxDbObjectId add(KxDbEntity* entity)
-    {
-        KxDbObjectId id;
-        EXPECT_EQ(db.addToCurrentSpace(entity, id), Kald::eOk);
-        entity->close();
-        return id;
-    }
-    KxDbObjectId addLine(const KxGePoint3d& a, const KxGePoint3d& b) { return add(new KxDbLine(a, b)); }
-
     std::string said() const { return QString::fromStdWString(transcript).toStdString(); }
 };
 

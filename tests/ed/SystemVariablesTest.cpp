@@ -131,32 +131,21 @@ TEST_F(SystemVariablesTest, ScriptInputShowsInLispCommandHasMore)
     EXPECT_EQ(get(L"LISPCOMMANDHASMORE").resval.rint, 0);
 }
 
+// The values of every type as SETVAR shows, takes and refuses them are
+// checked in a session (SetvarSession); here the rest: names that are no
+// variable, blanks round a number, a relative point and an angle.
 TEST_F(SystemVariablesTest, VariablesAsText)
 {
     EXPECT_TRUE(isSystemVariable(L"cmlscale"));
     EXPECT_FALSE(isSystemVariable(L"LINE"));
-    EXPECT_EQ(variableAsText(L"CMLSCALE"), L"1.0000");
-    EXPECT_EQ(variableAsText(L"PICKBOX"), L"3");
-    EXPECT_EQ(variableAsText(L"CMLSTYLE"), L"STANDARD");
-    EXPECT_EQ(variableAsText(L"UCSXDIR"), L"1.0000,0.0000,0.0000");
     EXPECT_EQ(variableAsText(L"NOSUCHVAR"), L"");
+    EXPECT_EQ(setVariableFromText(L"NOSUCHVAR", L"1"), RTERROR);
 
     EXPECT_EQ(setVariableFromText(L"CMLSCALE", L" 2.5 "), RTNORM);
     EXPECT_EQ(db.cmlscale(), 2.5);
-    EXPECT_EQ(setVariableFromText(L"CMLSCALE", L"big"), RTERROR);
-    EXPECT_EQ(setVariableFromText(L"CMLJUST", L"2"), RTNORM);
-    EXPECT_EQ(setVariableFromText(L"CMLJUST", L"1.5"), RTERROR);
-    EXPECT_EQ(setVariableFromText(L"CMLJUST", L"7"), RTERROR);
-    EXPECT_EQ(db.cmljust(), 2);
-    EXPECT_EQ(setVariableFromText(L"LASTPOINT", L"1,2,3"), RTNORM);
-    EXPECT_EQ(variableAsText(L"LASTPOINT"), L"1.0000,2.0000,3.0000");
     EXPECT_EQ(setVariableFromText(L"LASTPOINT", L"@1,2"), RTERROR);
     EXPECT_EQ(setVariableFromText(L"ANGBASE", L"90"), RTNORM);
     EXPECT_EQ(variableAsText(L"ANGBASE"), L"90");
-    EXPECT_EQ(setVariableFromText(L"CMLSTYLE", L"Standard"), RTNORM);
-    EXPECT_EQ(setVariableFromText(L"CMLSTYLE", L"nope"), RTERROR);
-    EXPECT_EQ(setVariableFromText(L"UCSYDIR", L"0,1,0"), RTERROR);
-    EXPECT_EQ(setVariableFromText(L"NOSUCHVAR", L"1"), RTERROR);
 }
 
 }  // namespace

@@ -103,10 +103,7 @@ TEST_F(MlinePicking, ClosedMultilinesAndRefusedEntities)
     pickAt({50, 50}, square, context.first);
     EXPECT_LT(context.first.hitSegment, 4);
 
-    auto* line = new KxDbLine({0, 200, 0}, {10, 200, 0});
-    KxDbObjectId lineId;
-    db.addToCurrentSpace(line, lineId);
-    line->close();
+    const KxDbObjectId lineId = addLine({0, 200, 0}, {10, 200, 0});
     kxds_name_t name;
     kxdbGetEntityName(name.id, lineId);
     EXPECT_FALSE(isMultilineEntity(name));

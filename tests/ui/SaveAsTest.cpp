@@ -7,18 +7,10 @@
 #include "../e2e/EzdxfReport.h"
 
 #include <QJsonObject>
-#include <QMenuBar>
 #include <QTest>
 
 class SaveAs : public WindowFixture {
 protected:
-    QAction* saveAsAction()
-    {
-        for (QAction* action : window().menuBar()->findChildren<QAction*>())
-            if (action->text() == "Save &As...")
-                return action;
-        return nullptr;
-    }
     [[nodiscard]] bool waitForTranscript(const QString& text)
     {
         return QTest::qWaitFor([&] { return transcript().contains(text); }, kWaitMs);
@@ -29,7 +21,7 @@ TEST_F(SaveAs, TheDialogAddsTheExtensionAndOffersTheExplodedCopy)
 {
     ASSERT_TRUE(runTyped({"MLINE", "0,0", "100,0", ""}));
     const QString dirName = QString::fromStdString(dir());
-    QAction* saveAsItem = saveAsAction();
+    QAction* saveAsItem = menuAction("Save &As...");
     ASSERT_NE(saveAsItem, nullptr);
 
     chooseInFileDialogSoon(dirName + "/plan-edited", 0);

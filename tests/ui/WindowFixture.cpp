@@ -1,5 +1,6 @@
 #include "WindowFixture.h"
 
+#include "TestApplication.h"
 #include "kaldo/ui/ViewGeometry.h"
 
 #include <QAbstractButton>
@@ -9,30 +10,17 @@
 #include <QDeadlineTimer>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
 
-namespace {
-
-// Lives until the process ends and is never destroyed: QTest's input
-// devices would otherwise be torn down after the application they belong to.
-QApplication& application()
-{
-    static int argc = 1;
-    static char name[] = "test_ui";
-    static char* argv[] = {name, nullptr};
-    static QApplication* app = new QApplication(argc, argv);
-    return *app;
-}
-
-}  // namespace
 
 WindowFixture::WindowFixture() : WindowFixture(nullptr) {}
 
 WindowFixture::WindowFixture(const std::function<void(kaldo::Profile&)>& prepare)
 {
-    application();
+    testApplication();
     if (prepare) {
         kaldo::Profile profile(temp_.filePath("kaldo.ini").toStdString());
         prepare(profile);
@@ -100,6 +88,14 @@ bool WindowFixture::saveAs(const std::string& path)
 {
     return runTyped({"FILEDIA", "0", "SAVEAS", QString::fromStdString(path)})
         && transcript().contains("Saved \"" + QString::fromStdString(path) + "\"");
+}
+
+QAction* WindowFixture::menuAction(const QString& text)
+{
+    for (QAction* action : window_->menuBar()->findChildren<QAction*>())
+        if (action->text() == text)
+            return action;
+    return nullptr;
 }
 
 QString WindowFixture::transcript() const

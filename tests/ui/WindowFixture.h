@@ -54,6 +54,9 @@ protected:
     // Types a command and its answers, each waited for (prompt ends, any
     // kind), then waits for the command prompt.
     [[nodiscard]] bool runTyped(const QStringList& lines);
+    // The menu bar's action of this text ("&" marks included); null when
+    // there is none.
+    QAction* menuAction(const QString& text);
     // Saves the drawing as path through SAVEAS on the command line.
     [[nodiscard]] bool saveAs(const std::string& path);
     // Ends the command loop (answering the unsaved-changes question with

@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
+#include <vector>
 
 #include "kaldo/view/ColorPalette.h"
 #include "kaldo/view/Picture.h"
@@ -40,6 +42,18 @@ TEST(Picture, FrameFitsTheDrawingWithAMargin)
     point.add({std::nan(""), 1e9});
     point.add({-1e9, std::numeric_limits<double>::infinity()});
     EXPECT_DOUBLE_EQ(PictureFrame(point, 100).x(5), 50);
+
+    // A scene's points bounded at once come out as added one by one.
+    const std::vector<Point2> points{{std::nan(""), 1e9}, {5, -2}, {-1e9, std::numeric_limits<double>::infinity()},
+                                     {-3, 7}, {4, std::nan("")}, {1, 1}};
+    Bounds oneByOne;
+    for (const Point2& p : points)
+        oneByOne.add(p);
+    const Bounds atOnce = pointBounds(points);
+    EXPECT_FALSE(atOnce.empty);
+    EXPECT_EQ(std::tie(atOnce.minX, atOnce.minY, atOnce.maxX, atOnce.maxY),
+              std::tie(oneByOne.minX, oneByOne.minY, oneByOne.maxX, oneByOne.maxY));
+    EXPECT_TRUE(pointBounds(std::vector<Point2>{{std::nan(""), 0}, {0, -std::numeric_limits<double>::infinity()}}).empty);
 }
 
 TEST(Picture, ForegroundFlipsWithTheBackground)

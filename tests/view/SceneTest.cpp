@@ -3,8 +3,11 @@
 // count in the extents by the quadrants they pass.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <tuple>
+#include <vector>
 
 #include "kaldo/view/Scene.h"
 
@@ -56,4 +59,20 @@ TEST(Scene, ArcExtents)
     EXPECT_DOUBLE_EQ(c.minX, 9);
     EXPECT_DOUBLE_EQ(c.maxY, 1);
     EXPECT_DOUBLE_EQ(c.minY, -1);
+    // A whole turn has the very box of its two halves, whatever its start,
+    // direction and radius; also near the largest number, where points
+    // short of a side still count.
+    for (const Arc& turn : std::vector<Arc>{{{10, 0}, 1, 0, -2 * std::numbers::pi, 0},
+                                            {{-3.7, 1e5}, 0.3, 2.1, 2 * std::numbers::pi, 0},
+                                            {{1e-3, -7}, -2.5, -40.3, 7, 0},
+                                            {{0.1, 0.2}, 1e-9, 5.5, -9, 0},
+                                            {{1.7e308, 0}, 1e308, 0.5, 2 * std::numbers::pi, 0}}) {
+        Bounds whole, halves;
+        addArcBounds(whole, turn);
+        const double half = std::clamp(turn.sweep, -2 * std::numbers::pi, 2 * std::numbers::pi) / 2;
+        addArcBounds(halves, {turn.centre, turn.radius, turn.start, half, 0});
+        addArcBounds(halves, {turn.centre, turn.radius, turn.start + half, half, 0});
+        EXPECT_EQ(std::tie(whole.empty, whole.minX, whole.minY, whole.maxX, whole.maxY),
+                  std::tie(halves.empty, halves.minX, halves.minY, halves.maxX, halves.maxY));
+    }
 }
