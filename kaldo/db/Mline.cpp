@@ -3,16 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
 #include <numeric>
 #include <optional>
 #include <span>
 #include <utility>
 #include <vector>
 
-#include "kaldo/db/EntityPlane.h"
 #include "kaldo/db/FiniteValues.h"
-#include "kaldo/db/MlineGeometry.h"
+#include "kaldo/db/MlineLayout.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kxdbdatabase.h"
 #include "kxdbmlstyle.h"
@@ -122,58 +120,24 @@ KxDbMline::~KxDbMline() = default;
 
 namespace {
 
-// What laying a multiline's vertices out takes from its style and plane.
-struct Layout {
-    kaldo::EntityPlane plane;
-    std::vector<double> offsets;
-    double startAngle = std::numbers::pi / 2;
-    double endAngle = std::numbers::pi / 2;
-};
-
-Layout layoutOf(const KxDbMline& mline)
+kaldo::MlineLayout layoutOf(const KxDbMline& mline)
 {
-    Layout layout{kaldo::EntityPlane(mline.normal()), {}};
-    if (const auto* style = KxDbMlineStyle::cast(kaldo::lookupObject(mline.style()))) {
-        layout.offsets = kxdbMlineElementOffsets(*style, mline.scale(), mline.justification());
-        layout.startAngle = style->startAngle();
-        layout.endAngle = style->endAngle();
-    }
-    return layout;
+    return kaldo::mlineLayout(KxDbMlineStyle::cast(kaldo::lookupObject(mline.style())), mline.scale(),
+                              mline.justification(), mline.normal());
 }
 
-// A vertex's axis and miter as laid out, with their plane angles.
-struct VertexFrame {
-    KxGeVector3d axis;
-    KxGeVector3d miter;
-    kaldo::VertexAngles angles;
-
-    double entry0(const Layout& layout, std::size_t element) const
-    {
-        return kaldo::miterDistance(layout.offsets[element], angles.miter, angles.axis);
-    }
-};
-
-VertexFrame frameAt(const Layout& layout, std::span<const KxDbMlineVertex> vertices, bool closed, std::size_t v)
+kaldo::VertexFrame frameAt(const kaldo::MlineLayout& layout, std::span<const KxDbMlineVertex> vertices, bool closed,
+                           std::size_t v)
 {
-    const auto point = [&](std::size_t i) { return layout.plane.toPlane(vertices[i].position); };
-    const kaldo::VertexAngles a =
-        kaldo::vertexAnglesAt(point, vertices.size(), v, closed, layout.startAngle, layout.endAngle);
-    return {layout.plane.toWorld(KxGeVector3d(std::cos(a.axis), std::sin(a.axis))),
-            layout.plane.toWorld(KxGeVector3d(std::cos(a.miter), std::sin(a.miter))), a};
+    return kaldo::frameAt(layout, [&](std::size_t i) { return vertices[i].position; }, vertices.size(), closed, v);
 }
 
-// Whether laying every vertex out anew gives numbers only: its axis, its
-// miter and entry 0 of each element (the other entries of fresh lists are 0).
-bool layoutFinite(const Layout& layout, std::span<const KxDbMlineVertex> vertices, bool closed)
+// Whether laying every vertex out anew gives numbers only.
+bool layoutFinite(const kaldo::MlineLayout& layout, std::span<const KxDbMlineVertex> vertices, bool closed)
 {
-    for (std::size_t v = 0; v < vertices.size(); ++v) {
-        const VertexFrame frame = frameAt(layout, vertices, closed, v);
-        if (!isFinite(frame.axis) || !isFinite(frame.miter))
+    for (std::size_t v = 0; v < vertices.size(); ++v)
+        if (!kaldo::frameFinite(layout, frameAt(layout, vertices, closed, v)))
             return false;
-        for (std::size_t e = 0; e < layout.offsets.size(); ++e)
-            if (!std::isfinite(frame.entry0(layout, e)))
-                return false;
-    }
     return true;
 }
 
@@ -417,7 +381,7 @@ void KxDbMline::rebuildVertices(const Vertices& vertices, const IsFresh& isFresh
     const std::size_t n = m_vertices.size();
     if (n == 0)
         return;
-    const Layout layout = layoutOf(*this);
+    const kaldo::MlineLayout layout = layoutOf(*this);
 
     // The lists made for the vertex before, which an equal one shares:
     // straight runs keep one set of lists, as they do when read from a file.
@@ -427,7 +391,7 @@ void KxDbMline::rebuildVertices(const Vertices& vertices, const IsFresh& isFresh
     for (const std::size_t v : vertices) {
         if (v >= n)
             continue;
-        const VertexFrame frame = frameAt(layout, m_vertices, m_closed, v);
+        const kaldo::VertexFrame frame = frameAt(layout, m_vertices, m_closed, v);
         Vertex& vertex = m_vertices[v];
         vertex.axis = frame.axis;
         vertex.miter = frame.miter;

@@ -1,5 +1,8 @@
 #include "kaldo/db/MlineGeometry.h"
 
+#include "kaldo/db/FiniteValues.h"
+#include "kaldo/db/MlineLayout.h"
+
 #include <cmath>
 #include <numbers>
 
@@ -51,3 +54,28 @@ std::vector<double> kxdbMlineElementOffsets(const KxDbMlineStyle& style, double 
         o -= shift;
     return offsets;
 }
+
+namespace kaldo {
+
+MlineLayout mlineLayout(const KxDbMlineStyle* style, double scale, int justification, const KxGeVector3d& normal)
+{
+    MlineLayout layout{EntityPlane(normal), {}};
+    if (style) {
+        layout.offsets = kxdbMlineElementOffsets(*style, scale, justification);
+        layout.startAngle = style->startAngle();
+        layout.endAngle = style->endAngle();
+    }
+    return layout;
+}
+
+bool frameFinite(const MlineLayout& layout, const VertexFrame& frame)
+{
+    if (!isFinite(frame.axis) || !isFinite(frame.miter))
+        return false;
+    for (std::size_t e = 0; e < layout.offsets.size(); ++e)
+        if (!std::isfinite(frame.entry0(layout, e)))
+            return false;
+    return true;
+}
+
+}  // namespace kaldo

@@ -5,10 +5,23 @@
 #include <iterator>
 #include <numbers>
 
+#include "kaldo/db/UnopenedEntities.h"
 #include "kxdbdatabase.h"
 #include "kxdbmline.h"
 
 KX_RX_DEFINE_MEMBERS(KxDbMlineStyle, KxDbObject)
+
+namespace {
+
+// Multilines kept unopened that are laid out anew in the style when made
+// are made before its elements or angles change, in the style as it was.
+void makeLaidOutIn(const KxDbMlineStyle& style)
+{
+    if (KxDbDatabase* db = style.database(); db && !style.objectId().isNull())
+        db->unopenedEntities().makeLaidOutIn(style.objectId());
+}
+
+}  // namespace
 
 KxDbMlineStyle::KxDbMlineStyle()
 {
@@ -17,6 +30,7 @@ KxDbMlineStyle::KxDbMlineStyle()
 
 void KxDbMlineStyle::initMlineStyle()
 {
+    makeLaidOutIn(*this);
     m_description.clear();
     m_filled = false;
     m_fillColor = KxCmColor();
@@ -37,6 +51,12 @@ bool KxDbMlineStyle::isReferenced() const
         const KxRxClass* cls = id.objectClass();
         if (!cls || !cls->isDerivedFrom(KxDbMline::desc()))
             continue;
+        // One kept unopened answers by the style it was kept with.
+        if (const auto kept = db->unopenedEntities().kept(id)) {
+            if (kept->look->style == objectId())
+                return true;
+            continue;
+        }
         const auto* mline = KxDbMline::cast(db->peekObject(id));
         if (mline && !mline->isErased() && mline->style() == objectId())
             return true;
@@ -50,6 +70,7 @@ Kald::ErrorStatus KxDbMlineStyle::set(const KxDbMlineStyle& src, bool checkIfRef
         return Kald::eOk;
     if (checkIfReferenced && isReferenced())
         return Kald::eNotApplicable;
+    makeLaidOutIn(*this);
     m_name = src.m_name;
     m_description = src.m_description;
     m_filled = src.m_filled;
@@ -94,6 +115,7 @@ Kald::ErrorStatus KxDbMlineStyle::setStartAngle(double radians)
 {
     if (!isCapAngle(radians))
         return Kald::eInvalidInput;
+    makeLaidOutIn(*this);
     m_startAngle = radians;
     return Kald::eOk;
 }
@@ -102,6 +124,7 @@ Kald::ErrorStatus KxDbMlineStyle::setEndAngle(double radians)
 {
     if (!isCapAngle(radians))
         return Kald::eInvalidInput;
+    makeLaidOutIn(*this);
     m_endAngle = radians;
     return Kald::eOk;
 }
@@ -146,6 +169,7 @@ Kald::ErrorStatus KxDbMlineStyle::setElement(int index, double offset, const KxC
         return Kald::eInvalidIndex;
     if (!std::isfinite(offset))
         return Kald::eInvalidInput;
+    makeLaidOutIn(*this);
     m_elements[std::size_t(index)] = Element{offset, color, linetype};
     placeElement(index);
     return Kald::eOk;
@@ -161,6 +185,7 @@ Kald::ErrorStatus KxDbMlineStyle::addElement(int& index, double offset, const Kx
         return Kald::eOutOfRange;
     if (checkIfReferenced && isReferenced())
         return Kald::eNotApplicable;
+    makeLaidOutIn(*this);
     const auto place = std::partition_point(m_elements.begin(), m_elements.end(),
                                             [offset](const Element& e) { return !(e.offset < offset); });
     index = static_cast<int>(place - m_elements.begin());
@@ -172,6 +197,7 @@ Kald::ErrorStatus KxDbMlineStyle::removeElementAt(int index)
 {
     if (index < 0 || index >= numElements())
         return Kald::eInvalidIndex;
+    makeLaidOutIn(*this);
     m_elements.erase(m_elements.begin() + index);
     return Kald::eOk;
 }

@@ -14,12 +14,17 @@ namespace kaldo {
 
 namespace {
 
-void appendLength(std::string& bytes, std::size_t length)
+// A length of seven bits a byte, lowest first, the high bit set on all
+// but the last byte; at least width bytes (leading bytes of no bits).
+void appendLength(std::string& bytes, std::size_t length, int width = 1)
 {
-    for (; length >= 0x80; length >>= 7)
+    for (; length >= 0x80 || width > 1; length >>= 7, --width)
         bytes.push_back(char((length & 0x7F) | 0x80));
     bytes.push_back(char(length));
 }
+
+// The bytes of a look's place kept with room for another.
+constexpr int kLookLaterWidth = 5;
 
 std::size_t takeLength(const char*& at)
 {
@@ -42,7 +47,7 @@ UnopenedEntities::~UnopenedEntities()
 }
 
 KxDbObjectId UnopenedEntities::keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups,
-                                    std::uint64_t handle, Maker maker)
+                                    std::uint64_t handle, Maker maker, bool lookLater)
 {
     auto* block = KxDbBlockTableRecord::cast(m_db.peekObject(look.block));
     if (!block)
@@ -54,15 +59,8 @@ KxDbObjectId UnopenedEntities::keep(const KxRxClass* cls, const Look& look, KxDb
     if (handle <= kxdbHighestHandle)
         m_db.m_header.handseed = std::max(m_db.m_header.handseed, handle + 1);
     m_maker = maker;
-    // The looks of a file's entities are few: the latest is met again most.
-    auto known = std::find(m_looks.rbegin(), m_looks.rend(), look);
-    std::size_t place = std::size_t(m_looks.rend() - known) - 1;
-    if (known == m_looks.rend()) {
-        place = m_looks.size();
-        m_looks.push_back(look);
-    }
     const std::uint64_t entry = m_records.size();
-    appendLength(m_records, place);
+    appendLength(m_records, placeOf(look), lookLater ? kLookLaterWidth : 1);
     appendLength(m_records, groups.bytes().size());
     m_records.append(groups.bytes());
     const KxDbObjectId id = registerUnopened(cls, entry, &m_db);
@@ -71,6 +69,52 @@ KxDbObjectId UnopenedEntities::keep(const KxRxClass* cls, const Look& look, KxDb
     block->m_entities.push_back(id);
     m_db.noteChange();
     return id;
+}
+
+std::size_t UnopenedEntities::placeOf(const Look& look)
+{
+    // The looks of a file's entities are few: the latest is met again most.
+    const auto known = std::find(m_looks.rbegin(), m_looks.rend(), look);
+    if (known != m_looks.rend())
+        return std::size_t(m_looks.rend() - known) - 1;
+    m_looks.push_back(look);
+    return m_looks.size() - 1;
+}
+
+void UnopenedEntities::setLook(KxDbObjectId id, const Look& look)
+{
+    const std::optional<std::uint64_t> entry = unopenedEntry(id);
+    if (!entry)
+        return;
+    std::string place;
+    appendLength(place, placeOf(look), kLookLaterWidth);
+    m_records.replace(*entry, place.size(), place);
+}
+
+void UnopenedEntities::makeLaidOutIn(KxDbObjectId style)
+{
+    const auto laidOutIn = [style](const Look& look) { return look.layOut && look.style == style; };
+    if (std::none_of(m_looks.begin(), m_looks.end(), laidOutIn))
+        return;
+    for (const KxDbObjectId id : m_ids)
+        if (const std::optional<std::uint64_t> entry = unopenedEntry(id); entry && laidOutIn(*keptAt(*entry).look))
+            make(id, *entry);
+}
+
+std::optional<UnopenedEntities::Kept> UnopenedEntities::kept(KxDbObjectId id) const
+{
+    const std::optional<std::uint64_t> entry = unopenedEntry(id);
+    if (!entry)
+        return std::nullopt;
+    return keptAt(*entry);
+}
+
+UnopenedEntities::Kept UnopenedEntities::keptAt(std::uint64_t entry) const
+{
+    const char* at = m_records.data() + entry;
+    const Look& look = m_looks[takeLength(at)];
+    const std::size_t length = takeLength(at);
+    return Kept{&look, KxDbPackedGroupsView(std::string_view(at, length))};
 }
 
 KxDbObject* UnopenedEntities::make(KxDbObjectId id, std::uint64_t entry)
@@ -94,11 +138,9 @@ std::unique_ptr<KxDbEntity> UnopenedEntities::makeAside(KxDbObjectId id) const
 
 std::unique_ptr<KxDbEntity> UnopenedEntities::makeFrom(KxDbObjectId id, std::uint64_t entry) const
 {
-    const char* at = m_records.data() + entry;
-    const Look& look = m_looks[takeLength(at)];
-    const std::size_t length = takeLength(at);
-    std::unique_ptr<KxDbEntity> entity = m_maker(look, KxDbPackedGroupsView(std::string_view(at, length)));
-    KxDbDatabase::nameMade(*entity, id, look.block);
+    const Kept record = keptAt(entry);
+    std::unique_ptr<KxDbEntity> entity = m_maker(*record.look, record.groups);
+    KxDbDatabase::nameMade(*entity, id, record.look->block);
     return entity;
 }
 

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +39,10 @@ public:
         KxDbObjectId block, layer, linetype;
         bool layerSpelledOtherwise = false;
         bool linetypeSpelledOtherwise = false;
+        // A multiline's style, and whether its vertices are laid out anew
+        // in it rather than kept as listed.
+        KxDbObjectId style;
+        bool layOut = false;
         friend bool operator==(const Look&, const Look&) = default;
     };
     // Makes the entity from its record's groups and look, as the reader
@@ -54,8 +59,22 @@ public:
     // taken), appended to look.block, as addObject and appendKxDbEntity
     // would add the entity made; null, keeping nothing, while the undo
     // history records (the entity must then be added as an object).
+    // lookLater leaves room for setLook.
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
-                      Maker maker);
+                      Maker maker, bool lookLater = false);
+    // Gives an entity kept with lookLater, not opened yet, another look
+    // (a multiline's style, found once the whole file is read).
+    void setLook(KxDbObjectId id, const Look& look);
+    // Makes the multilines kept to be laid out anew in style when made, so
+    // that they take the style as it is before it changes.
+    void makeLaidOutIn(KxDbObjectId style);
+    // The look and groups of an entity kept unopened; nothing for any
+    // other id.
+    struct Kept {
+        const Look* look = nullptr;
+        KxDbPackedGroupsView groups;
+    };
+    std::optional<Kept> kept(KxDbObjectId id) const;
     // The entity the registry names by entry for id, made now (or just
     // before, on another thread).
     KxDbObject* make(KxDbObjectId id, std::uint64_t entry);
@@ -67,12 +86,15 @@ public:
     void appendIds(KxDbIdRuns& ids) const;
 
 private:
+    std::size_t placeOf(const Look& look);
+    Kept keptAt(std::uint64_t entry) const;
     std::unique_ptr<KxDbEntity> makeFrom(KxDbObjectId id, std::uint64_t entry) const;
 
     KxDbDatabase& m_db;
     Maker m_maker = nullptr;
     // Every record kept: the place of its look (a byte while below 128,
-    // more as needed), its groups' length so, then the groups.
+    // more as needed; always five when kept with lookLater), its groups'
+    // length so, then the groups.
     std::string m_records;
     std::vector<Look> m_looks;
     // The ids kept, in order: a file's entities get consecutive ids.

@@ -3,6 +3,8 @@
 #include "kaldo/dxf/DxfFile.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/UnopenedEntities.h"
 #include "kaldo/dxf/DefaultRecords.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/EntityRecords.h"
@@ -202,6 +204,9 @@ void resolveReferences(ReadContext& context)
     }
 }
 
+constexpr const char* kLayoutNotFinite =
+    "the multiline's lists do not fit its style, and laid out anew in it its numbers would not be finite.";
+
 // Fits the lists of every vertex to the style's elements: the lists of the
 // elements the style kept, in the style's order. False, with nothing
 // changed, when a vertex lists another number of elements than the file
@@ -238,6 +243,33 @@ bool fitElements(KxDbMline& mline, const KxDbMlineStyle& style, const ReadContex
     return true;
 }
 
+// Gives a multiline kept unopened its style in its look, laid out anew
+// when its lists do not fit, as resolveMlineStyles does to one opened:
+// false, giving nothing, when its lists must be put in the style's order
+// (it is opened for that).
+bool styleUnopened(KxDbDatabase& db, const ReadContext::StyleReference& ref, const MlineOutline& outline,
+                   const KxDbMlineStyle& style, const ReadContext::StyleElementOrder* order, int& laidOut)
+{
+    const std::size_t listed = order ? order->listed : std::size_t(style.numElements());
+    const bool fits = outline.vertices == 0 || (outline.elements >= 0 && std::size_t(outline.elements) == listed);
+    if (fits && order)
+        return false;
+    kaldo::UnopenedEntities& unopened = db.unopenedEntities();
+    const std::optional<kaldo::UnopenedEntities::Kept> kept = unopened.kept(ref.mline);
+    kaldo::UnopenedEntities::Look look = *kept->look;
+    look.style = style.objectId();
+    look.layOut = !fits;
+    if (!fits) {
+        Record record;
+        record.assign(look.kind, kept->groups);
+        if (!layoutFinite(record, style))
+            throw DxfError(ref.line, kLayoutNotFinite);
+        ++laidOut;
+    }
+    unopened.setLook(ref.mline, look);
+    return true;
+}
+
 // Gives every multiline its style. A multiline whose style handle points
 // to no style takes STANDARD, and one whose lists do not fit its style's
 // elements is laid out anew in that style (its runs drawn whole), so that
@@ -250,7 +282,11 @@ void resolveMlineStyles(ReadContext& context)
     styles->getAt(kxdbStandardStyleName, standard);
     int restyled = 0;
     int laidOut = 0;
+    auto unopened = context.unopenedMlines.begin();
     for (const ReadContext::StyleReference& ref : context.styleReferences) {
+        const MlineOutline* outline = nullptr;
+        if (unopened != context.unopenedMlines.end() && unopened->mline == ref.mline)
+            outline = &(unopened++)->outline;
         KxDbObjectId style;
         if (ref.handle != 0) {
             style = db.objectIdFromHandle(ref.handle);
@@ -261,19 +297,22 @@ void resolveMlineStyles(ReadContext& context)
         } else if (styles->getAt(ref.name.c_str(), style) != Kald::eOk) {
             style = standard;
         }
-        auto* mline = KxDbMline::cast(db.peekObject(ref.mline));
         const auto* styleObject = KxDbMlineStyle::cast(db.peekObject(style));
         const auto order = context.styleElementOrders.find(styleObject->handle());
-        if (fitElements(*mline, *styleObject,
-                        order == context.styleElementOrders.end() ? nullptr : &order->second)) {
+        const ReadContext::StyleElementOrder* elementOrder =
+            order == context.styleElementOrders.end() ? nullptr : &order->second;
+        if (outline && kaldo::isUnopened(ref.mline)
+            && styleUnopened(db, ref, *outline, *styleObject, elementOrder, laidOut))
+            continue;
+        auto* mline = KxDbMline::cast(db.peekObject(ref.mline));
+        if (fitElements(*mline, *styleObject, elementOrder)) {
             KxDbSystemInternals::getImpObject(mline)->setStoredProperties(
                 style, mline->justification(), mline->scale(), mline->normal(), mline->closedMline(),
                 mline->supressStartCaps(), mline->supressEndCaps());
         } else if (mline->setStyle(style) == Kald::eOk) {
             ++laidOut;
         } else {
-            throw DxfError(ref.line, "the multiline's lists do not fit its style, and laid out anew in it "
-                                     "its numbers would not be finite.");
+            throw DxfError(ref.line, kLayoutNotFinite);
         }
     }
     if (restyled > 0)

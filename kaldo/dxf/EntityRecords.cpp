@@ -293,11 +293,35 @@ std::size_t objectBytes(const KxDbEntity& entity)
     return sizeof(KxDbLine);
 }
 
+// Makes a multiline kept unopened as readEntity and the style's
+// resolution once the file was read would have made it.
+std::unique_ptr<KxDbEntity> makeUnopenedMline(const Record& record, const kaldo::UnopenedEntities::Look& look)
+{
+    RecordBasics basics;
+    EntityLook entityLook;
+    MlineStyleLink styleLink;
+    KxDbMlineListStore scratch;
+    std::unique_ptr<KxDbMline> mline(readMline(
+        record, basics, [&entityLook](const Group& g) { return entityLook.take(g); }, styleLink, scratch));
+    entityLook.applyTo(*mline, look, basics);
+    mline->setKeptGroups(std::move(basics.kept));
+    // Checked when the file was read: the layout gives numbers only.
+    if (look.layOut)
+        mline->setStyle(look.style);
+    else
+        KxDbSystemInternals::getImpObject(mline.get())
+            ->setStoredProperties(look.style, mline->justification(), mline->scale(), mline->normal(),
+                                  mline->closedMline(), mline->supressStartCaps(), mline->supressEndCaps());
+    return mline;
+}
+
 // Makes an entity kept unopened as readEntity would have made it.
 std::unique_ptr<KxDbEntity> makeUnopened(const kaldo::UnopenedEntities::Look& look, KxDbPackedGroupsView groups)
 {
     Record record;
     record.assign(look.kind, groups);
+    if (look.kind == "MLINE")
+        return makeUnopenedMline(record, look);
     EntityParts parts;
     takeApart(record, parts);
     parts.look.applyTo(*parts.entity, look, parts.basics);
@@ -322,6 +346,33 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
     return !context.db.unopenedEntities()
                 .keep(parts.entity->isA(), look, groups, context.fileHandle(parts.basics.handle), &makeUnopened)
                 .isNull();
+}
+
+// Keeps a multiline unopened, checked in full, when its groups take less
+// than half what it would as an object as listed: vertices of a few short
+// groups, each of which costs its geometry and lists as an object. Its
+// style is found once the whole file is read (see resolveMlineStyles).
+bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId block)
+{
+    const KxDbPackedGroupsView groups = record.packedGroups();
+    if (2 * groups.bytes().size() >= mlineObjectBytes(record))
+        return false;
+    RecordBasics basics;
+    EntityLook look;
+    MlineStyleLink styleLink;
+    const MlineOutline outline = checkMline(
+        record, basics, [&look](const Group& g) { return look.take(g); }, styleLink, context.mlineLists);
+    kaldo::UnopenedEntities::Look resolved;
+    resolved.kind = record.kind();
+    resolved.block = block.isNull() ? blockOf(basics, context) : block;
+    look.resolve(context, resolved);
+    const KxDbObjectId id = context.db.unopenedEntities().keep(
+        KxDbMline::desc(), resolved, groups, context.fileHandle(basics.handle), &makeUnopened, true);
+    if (id.isNull())
+        return false;
+    context.styleReferences.push_back({id, styleLink.handle, styleLink.name, styleLink.line});
+    context.unopenedMlines.push_back({id, outline});
+    return true;
 }
 
 // Kinds that something in the host reads by name (the renderer, the
@@ -514,6 +565,8 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     const std::string& kind = record.kind();
     if (kind == "MLINE") {
         finishRecordRun(context);
+        if (keepMlineUnopened(record, context, block))
+            return;
         RecordBasics basics;
         EntityLook look;
         MlineStyleLink styleLink;

@@ -1,5 +1,6 @@
 #include "kaldo/dxf/MlineRecord.h"
 
+#include "kaldo/db/MlineLayout.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/RecordWriting.h"
@@ -9,6 +10,8 @@
 #include "kxdbmlstyle.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -23,10 +26,14 @@ enum MlineFlags : int { kHasVertices = 1, kClosed = 2, kSuppressStart = 4, kSupp
 // count; their lists go to the scratch store, whose room is kept from
 // multiline to multiline, so that reading one like the one before
 // allocates nothing for its lists. Room is made for what the record holds,
-// never for what its counts claim.
+// never for what its counts claim. Unless told to keep them, it holds one
+// vertex at a time and tells each one's position to a callback once
+// complete, as a record is checked.
 class VertexCollector {
 public:
-    VertexCollector(std::size_t groups, KxDbMlineListStore& scratch) : groups_(groups), lists_(scratch)
+    VertexCollector(std::size_t groups, KxDbMlineListStore& scratch, bool keep,
+                    std::function<void(const KxGePoint3d&)> completed = {})
+        : groups_(groups), lists_(scratch), keep_(keep), completed_(std::move(completed))
     {
         lists_.clear();
     }
@@ -36,6 +43,12 @@ public:
         switch (g.code) {
         case 11:
             finishList();
+            if (!vertices_.empty())
+                complete(vertices_.back());
+            if (!keep_ && !vertices_.empty()) {
+                lists_.clear();
+                vertices_.pop_back();
+            }
             vertices_.push_back(KxDbMlineVertex{KxGePoint3d(toReal(g), 0, 0), {}, {}, lists_.openVertex()});
             return true;
         case 21: current(g).position.y = toReal(g); return true;
@@ -80,15 +93,25 @@ public:
     // as many vertices as its groups can hold.
     void expect(long vertices)
     {
-        if (vertices > 0)
+        if (vertices > 0 && keep_)
             vertices_.reserve(std::min(std::size_t(vertices), groups_));
     }
 
-    std::vector<KxDbMlineVertex> finish()
+    // Ends the last list and vertex.
+    void finish()
     {
         finishList();
-        return std::move(vertices_);
+        if (!vertices_.empty())
+            complete(vertices_.back());
     }
+    // The vertices once finished, when kept.
+    std::vector<KxDbMlineVertex> release() { return std::move(vertices_); }
+
+    std::size_t count() const { return count_; }
+    // The elements every vertex lists: the first vertex's, and the first
+    // other number a later vertex lists (-1 when none does).
+    long firstElements() const { return firstElements_; }
+    long otherElements() const { return otherElements_; }
 
 private:
     KxDbMlineVertex& current(const Group& g)
@@ -104,21 +127,35 @@ private:
         listCode_ = 0;
     }
 
+    void complete(const KxDbMlineVertex& v)
+    {
+        const auto elements = long(v.lists.elements);
+        if (count_++ == 0)
+            firstElements_ = elements;
+        else if (elements != firstElements_ && otherElements_ < 0)
+            otherElements_ = elements;
+        if (completed_)
+            completed_(v.position);
+    }
+
     const std::size_t groups_;
     KxDbMlineListStore& lists_;
+    const bool keep_;
+    const std::function<void(const KxGePoint3d&)> completed_;
     std::vector<KxDbMlineVertex> vertices_;
+    std::size_t count_ = 0;
+    long firstElements_ = 0;
+    long otherElements_ = -1;
     int listCode_ = 0;
     long remaining_ = 0;
     long listLine_ = 0;
 };
 
-}  // namespace
-
-KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
-                     MlineStyleLink& style, KxDbMlineListStore& scratch)
+// Reads the record into mline, its vertices to the collector, and gives
+// every error the record holds; the style is left to the caller.
+void readInto(KxDbMline& mline, const Record& record, RecordBasics& basics,
+              const std::function<bool(const Group&)>& other, MlineStyleLink& style, VertexCollector& vertices)
 {
-    auto mline = std::make_unique<KxDbMline>();
-    VertexCollector vertices(record.size(), scratch);
     double scale = 1;
     int justification = 0;
     int flags = 0;
@@ -159,22 +196,95 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
             return other(g);
         }
     });
-    std::vector<KxDbMlineVertex> stored = vertices.finish();
-    if (vertexCount >= 0 && std::size_t(vertexCount) != stored.size())
+    vertices.finish();
+    if (vertexCount >= 0 && std::size_t(vertexCount) != vertices.count())
         throw DxfError(record.line(), "the multiline announces " + std::to_string(vertexCount)
-                                          + " vertices but has " + std::to_string(stored.size()) + ".");
-    for (const KxDbMlineVertex& v : stored)
-        if (elementCount >= 0 && v.lists.elements != std::size_t(elementCount))
-            throw DxfError(record.line(), "a vertex of the multiline has " + std::to_string(v.lists.elements)
-                                              + " elements instead of " + std::to_string(elementCount) + ".");
-    KxDbMlineImp* imp = KxDbSystemInternals::getImpObject(mline.get());
-    if (imp->setStoredProperties({}, justification, scale, normal, flags & kClosed, flags & kSuppressStart,
-                                         flags & kSuppressEnd)
+                                          + " vertices but has " + std::to_string(vertices.count()) + ".");
+    // The first vertex that lists another number of elements than announced.
+    const long wrong = vertices.firstElements() != elementCount ? vertices.firstElements() : vertices.otherElements();
+    if (elementCount >= 0 && vertices.count() > 0 && wrong >= 0)
+        throw DxfError(record.line(), "a vertex of the multiline has " + std::to_string(wrong)
+                                          + " elements instead of " + std::to_string(elementCount) + ".");
+    if (KxDbSystemInternals::getImpObject(&mline)->setStoredProperties({}, justification, scale, normal,
+                                                                       flags & kClosed, flags & kSuppressStart,
+                                                                       flags & kSuppressEnd)
         != Kald::eOk)
         throw DxfError(record.line(), "the multiline's justification, scale or normal is out of range.");
+}
+
+}  // namespace
+
+KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
+                     MlineStyleLink& style, KxDbMlineListStore& scratch)
+{
+    auto mline = std::make_unique<KxDbMline>();
+    VertexCollector vertices(record.size(), scratch, true);
+    readInto(*mline, record, basics, other, style, vertices);
     // The reader takes finite numbers only, which the multiline accepts.
-    imp->setStoredVertices(std::move(stored), scratch);
+    KxDbSystemInternals::getImpObject(mline.get())->setStoredVertices(vertices.release(), scratch);
     return mline.release();
+}
+
+MlineOutline checkMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
+                        MlineStyleLink& style, KxDbMlineListStore& scratch)
+{
+    KxDbMline probe;
+    VertexCollector vertices(record.size(), scratch, false);
+    readInto(probe, record, basics, other, style, vertices);
+    return {vertices.count(), vertices.otherElements() >= 0 ? -1 : vertices.firstElements()};
+}
+
+std::size_t mlineObjectBytes(const Record& record)
+{
+    // The count comes before the vertices: only the head is looked at.
+    std::size_t vertices = 0;
+    record.forEach([&vertices](const Group& g) {
+        if (g.code != 72)
+            return true;
+        const std::string_view text = trimmed(g.value);
+        std::from_chars(text.data(), text.data() + text.size(), vertices);
+        return false;
+    });
+    return sizeof(KxDbMline) + std::min(vertices, record.size()) * sizeof(KxDbMlineVertex);
+}
+
+bool layoutFinite(const Record& record, const KxDbMlineStyle& style)
+{
+    KxDbMline mline;
+    KxDbMlineListStore scratch;
+    const auto walk = [&](std::function<void(const KxGePoint3d&)> completed) {
+        RecordBasics basics;
+        MlineStyleLink link;
+        VertexCollector vertices(record.size(), scratch, false, std::move(completed));
+        readInto(mline, record, basics, [](const Group&) { return false; }, link, vertices);
+    };
+    // The first and last position first: a closed multiline's ends look at
+    // each other.
+    std::size_t n = 0;
+    KxGePoint3d first, last;
+    walk([&](const KxGePoint3d& p) {
+        if (n++ == 0)
+            first = p;
+        last = p;
+    });
+    // Then each vertex's frame once the vertex after it is known, from the
+    // last three positions.
+    const kaldo::MlineLayout layout =
+        kaldo::mlineLayout(&style, mline.scale(), mline.justification(), mline.normal());
+    std::array<KxGePoint3d, 3> recent;
+    const auto position = [&](std::size_t i) { return i == 0 ? first : i + 1 == n ? last : recent[i % 3]; };
+    const auto finiteFrame = [&](std::size_t v) {
+        return kaldo::frameFinite(layout, kaldo::frameAt(layout, position, n, mline.closedMline(), v));
+    };
+    bool finite = true;
+    std::size_t at = 0;
+    walk([&](const KxGePoint3d& p) {
+        recent[at % 3] = p;
+        if (at > 0 && finite)
+            finite = finiteFrame(at - 1);
+        ++at;
+    });
+    return n == 0 || (finite && finiteFrame(n - 1));
 }
 
 void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mline)

@@ -14,6 +14,7 @@
 #include "kxdbmline.h"
 
 class KxDbDatabase;
+class KxDbMlineStyle;
 
 namespace kaldo::dxf {
 
@@ -32,6 +33,30 @@ struct MlineStyleLink {
 // record to record so that their room is reused.
 KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
                      MlineStyleLink& style, KxDbMlineListStore& scratch);
+
+// What checking a record found, its vertices not kept: their count, and
+// the number of elements every vertex lists (-1 when they list different
+// numbers).
+struct MlineOutline {
+    std::size_t vertices = 0;
+    long elements = 0;
+};
+
+// Checks the record as readMline reads it, giving the same errors, one
+// vertex at a time in scratch.
+MlineOutline checkMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
+                        MlineStyleLink& style, KxDbMlineListStore& scratch);
+
+// At least what the multiline the record lists takes as an object: the
+// vertices its count (72) announces, which it must hold to be read, up to
+// one a group, without their lists (0 vertices when the count is missing
+// or no number).
+std::size_t mlineObjectBytes(const Record& record);
+
+// Whether the multiline of a record checked before, laid out anew in style
+// (KxDbMline::setStyle), gives numbers only; two walks of the record, the
+// vertices not kept.
+bool layoutFinite(const Record& record, const KxDbMlineStyle& style);
 
 // Writes from the AcDbMline subclass marker to the last vertex.
 void writeMlineBody(GroupWriter& w, const KxDbDatabase& db, const KxDbMline& mline);

@@ -13,6 +13,7 @@
 
 #include "kaldo/dxf/HandleBits.h"
 #include "kaldo/dxf/KeptSections.h"
+#include "kaldo/dxf/MlineRecord.h"
 #include "kaldo/dxf/Record.h"
 #include "kxdbdatabase.h"
 #include "kxdbmline.h"
@@ -41,6 +42,13 @@ struct ReadContext {
         long line;
     };
     std::vector<StyleReference> styleReferences;
+    // The multilines kept unopened among them, in the same order, with
+    // what the check found.
+    struct UnopenedMline {
+        KxDbObjectId mline;
+        MlineOutline outline;
+    };
+    std::vector<UnopenedMline> unopenedMlines;
     struct DictionaryEntry {
         KxDbObjectId dictionary;
         std::wstring name;

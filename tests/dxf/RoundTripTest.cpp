@@ -7,12 +7,15 @@
 #include "MlineLists.h"
 
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/dxf/DxfError.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -147,6 +150,102 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
     bare.close();
     EXPECT_EQ(db.changeCount(), changes);
     EXPECT_EQ(toDxfText(drawing), saved);
+}
+
+// Multilines of a few groups a vertex are kept as their records too, their
+// style found once the file is read: the style counts as used while they
+// stay unopened, and each opens and saves as the same multiline read with
+// longer groups (made when read) does, laid out anew in its style when its
+// lists do not fit it, refused when read when that layout would overflow.
+TEST(DxfRoundTrip, MultilinesKeptAsTheirRecordsOpenAsThoseMadeWhenRead)
+{
+    // Vertices of x and y only, or with a z spelled long enough that the
+    // record is made into a multiline when read.
+    const std::string longZero = "31\n0." + std::string(120, '0') + "\n";
+    const auto mline = [&longZero](const char* scale, const std::vector<std::pair<const char*, const char*>>& vertices,
+                                   bool longZ) {
+        std::string text = groupText({"0", "MLINE", "5", "2B", "8", "walls", "100", "AcDbMline", "40", scale, "72",
+                                      vertices.size() == 3 ? "3" : "4", "73", "0"});
+        for (const auto& [x, y] : vertices)
+            text += groupText({"11", x, "21", y}) + (longZ ? longZero : "");
+        return smallDrawing(text, "");
+    };
+    const std::vector<std::pair<const char*, const char*>> square{{"0", "0"}, {"4", "0"}, {"4", "3"}, {"0", "3"}};
+    kaldo::dxf::DxfDrawing kept = fromDxfText(mline("2", square, false));
+    kaldo::dxf::DxfDrawing made = fromDxfText(mline("2", square, true));
+    KxDbDatabase& db = *kept.database;
+    const KxDbObjectId id = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()))->newIterator()->getEntityId();
+    ASSERT_TRUE(kaldo::isUnopened(id));
+    EXPECT_FALSE(kaldo::isUnopened(
+        KxDbBlockTableRecord::cast(made.database->peekObject(made.database->modelSpaceId()))->newIterator()->getEntityId()));
+    EXPECT_EQ(kept.repairs, made.repairs);
+    EXPECT_EQ(kept.repairs.size(), 1u);
+    auto* standard = KxDbMlineStyle::cast(db.peekObject(db.cmlstyleID()));
+    KxDbMlineStyle copy;
+    copy.set(*standard, false);
+    EXPECT_EQ(standard->set(copy), Kald::eNotApplicable) << "a style in use is not changed";
+    const std::string saved = toDxfText(kept);
+    EXPECT_TRUE(kaldo::isUnopened(id));
+    EXPECT_EQ(saved, toDxfText(made));
+
+    const std::uint64_t changes = db.changeCount();
+    const auto* opened = KxDbMline::cast(db.peekObject(id));
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(opened->style(), db.cmlstyleID());
+    EXPECT_EQ(opened->parametersAt(2).numElements(), 2);
+    EXPECT_EQ(opened->scale(), 2);
+    EXPECT_EQ(db.changeCount(), changes);
+    EXPECT_EQ(toDxfText(kept), saved);
+
+    // A change to the style's elements makes it first, in the style as it
+    // was.
+    kaldo::dxf::DxfDrawing changed = fromDxfText(mline("2", square, false));
+    KxDbDatabase& changedDb = *changed.database;
+    const KxDbObjectId changedId =
+        KxDbBlockTableRecord::cast(changedDb.peekObject(changedDb.modelSpaceId()))->newIterator()->getEntityId();
+    auto* changedStyle = KxDbMlineStyle::cast(changedDb.peekObject(changedDb.cmlstyleID()));
+    double offset = 0;
+    KxCmColor color;
+    KxDbObjectId linetype;
+    ASSERT_EQ(changedStyle->getElementAt(0, offset, color, linetype), Kald::eOk);
+    ASSERT_EQ(changedStyle->setElement(0, offset + 1, color, linetype), Kald::eOk);
+    EXPECT_FALSE(kaldo::isUnopened(changedId));
+    const auto* laidOut = KxDbMline::cast(changedDb.peekObject(changedId));
+    for (int v = 0; v < 4; ++v)
+        EXPECT_TRUE(laidOut->parametersAt(v).sameAs(opened->parametersAt(v))) << v;
+
+    // Lists to be put in the order of a style that the file lists out of
+    // order: opened for that once read.
+    const auto ordered = [&longZero](bool longZ) {
+        std::string text = groupText({"0", "MLINE", "5", "2B", "100", "AcDbMline", "340", "40", "72", "3", "73", "2"});
+        for (const char* x : {"0", "1", "3"})
+            text += groupText({"11", x, "74", "1", "41", "1", "75", "0", "74", "1", "41", "2", "75", "0"})
+                    + (longZ ? longZero : "");
+        return smallDrawing(text, "0\nDICTIONARY\n5\nC\n100\nAcDbDictionary\n3\nACAD_MLINESTYLE\n350\n17\n"
+                                  "0\nDICTIONARY\n5\n17\n100\nAcDbDictionary\n3\nUP\n350\n40\n"
+                                  "0\nMLINESTYLE\n5\n40\n100\nAcDbMlineStyle\n2\nUP\n70\n0\n3\n\n51\n90\n"
+                                  "52\n90\n71\n2\n49\n-0.5\n62\n256\n6\nBYLAYER\n49\n0.5\n62\n256\n6\nBYLAYER\n");
+    };
+    kaldo::dxf::DxfDrawing orderedKept = fromDxfText(ordered(false));
+    kaldo::dxf::DxfDrawing orderedMade = fromDxfText(ordered(true));
+    const auto* orderedMline = firstEntity<KxDbMline>(*orderedKept.database);
+    ASSERT_NE(orderedMline, nullptr);
+    EXPECT_EQ(orderedMline->parametersAt(0).element(0)[0], 2) << "the element of offset 0.5 first";
+    EXPECT_EQ(toDxfText(orderedKept), toDxfText(orderedMade));
+
+    // Offsets near the largest number, fine along a straight segment, but
+    // not at the corner.
+    const std::vector<std::pair<const char*, const char*>> corner{{"0", "0"}, {"1", "0"}, {"1", "1"}};
+    std::string errors[2];
+    for (bool longZ : {false, true}) {
+        try {
+            fromDxfText(mline("1.5e308", corner, longZ));
+        } catch (const kaldo::dxf::DxfError& e) {
+            errors[longZ] = e.what();
+        }
+    }
+    EXPECT_NE(errors[0].find("would not be finite"), std::string::npos) << errors[0];
+    EXPECT_EQ(errors[0], errors[1]);
 }
 
 TEST(DxfRoundTrip, MultilinesKeepVerticesMitersListsAndAllSixteenFlagCombinations)
