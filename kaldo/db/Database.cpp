@@ -119,14 +119,14 @@ std::uint64_t KxDbDatabase::newHandle()
 {
     if (m_header.handseed <= kxdbHighestHandle)
         return m_header.handseed;
-    while (m_handles->contains(m_lowestFreeHandle) || m_reservedHandles.contains(m_lowestFreeHandle))
+    while (m_handles->isTaken(m_lowestFreeHandle))
         ++m_lowestFreeHandle;
     return m_lowestFreeHandle;
 }
 
 void KxDbDatabase::reserveHandle(std::uint64_t handle)
 {
-    m_reservedHandles.insert(handle);
+    m_handles->reserve(handle);
 }
 
 std::uint64_t KxDbDatabase::reserveNewHandle()

@@ -375,10 +375,6 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
         throw DxfError(g.line, "the file ends without EOF: it is cut short.");
     if (!sawEntities)
         throw DxfError(0, "the file has no ENTITIES section: it is no drawing.");
-    // Beyond the top of the range new handles are the lowest free ones,
-    // which must pass over those of the records held in runs.
-    if (context.db.handseed() > kxdbHighestHandle)
-        context.runRecordHandles.forEach([&](std::uint64_t handle) { context.db.reserveHandle(handle); });
     // The reading room goes before multilines may be laid out anew.
     context.mlineLists = {};
     resolveReferences(context);

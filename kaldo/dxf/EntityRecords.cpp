@@ -399,13 +399,14 @@ constexpr std::size_t kLargestRunRecord = 256;
 constexpr std::size_t kMostRunRecords = 4096;
 
 // Whether a record may join a run: a small one of a kind nothing reads by
-// name, with no owner of its own, while the handles after the seed are free
-// (near the top of the range they may be taken, and records get handles one
-// by one).
+// name, with no owner of its own; one without a handle only while the
+// handles after the seed are free (near the top of the range they may be
+// taken, and records get handles one by one).
 bool mayJoinRun(const Record& record, const RecordBasics& basics, const ReadContext& context)
 {
     return record.packedGroups().bytes().size() <= kLargestRunRecord && basics.owner == 0
-           && !readByName(record.kind()) && context.db.handseed() <= kxdbHighestHandle - kMostRunRecords;
+           && !readByName(record.kind())
+           && (basics.handle != 0 || context.db.handseed() <= kxdbHighestHandle - kMostRunRecords);
 }
 
 // An entity record may join a run when it has no look of its own either.
@@ -416,13 +417,11 @@ bool mayJoinRun(const Record& record, const EntityParts& parts, const ReadContex
            && look.color == KxCmColor() && mayJoinRun(record, parts.basics, context);
 }
 
-// Whether a record of a run may keep the handle its file gives it: the
-// runs' handles take little room for it, and no object and no record of a
-// run (the one being gathered too) has it.
-bool mayKeepHandle(std::uint64_t handle, ReadContext& context)
+// Whether a record of a run may keep the handle its file gives it: no object
+// and no record of a run (the one being gathered too) has it.
+bool mayKeepHandle(std::uint64_t handle, const ReadContext& context)
 {
-    return context.runRecordHandles.offer(handle) && handle <= kxdbHighestHandle
-           && (context.run.count == 0 || handle != context.run.firstHandle)
+    return handle <= kxdbHighestHandle && (context.run.count == 0 || handle != context.run.firstHandle)
            && !context.runRecordHandles.contains(handle) && context.db.objectIdFromHandle(handle).isNull();
 }
 
@@ -456,7 +455,7 @@ bool gather(const Record& record, ReadContext& context, KxDbObjectId block, std:
     } else {
         kaldo::KeptRecordTail::append(run.further, run.lastHandle, handle, record.packedGroups());
         if (handle != 0)
-            context.runRecordHandles.insert(handle);
+            context.holdRunRecordHandle(handle);
     }
     run.lastHandle = handle;
     run.greatestHandle = run.count == 0 ? handle : std::max(run.greatestHandle, handle);
@@ -496,7 +495,7 @@ void finishRecordRun(ReadContext& context)
         if (run.firstHandle == 0) {
             greatest = added->handle() + run.count - 1;
             for (std::uint64_t handle = added->handle() + 1; handle <= greatest; ++handle)
-                context.runRecordHandles.insert(handle);
+                context.holdRunRecordHandle(handle);
         }
         context.db.setHandseed(std::max(context.db.handseed(), greatest + 1));
         context.maxHandle = std::max(context.maxHandle, greatest);

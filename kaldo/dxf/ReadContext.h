@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "kaldo/dxf/HandleBits.h"
+#include "kaldo/db/HandleSet.h"
 #include "kaldo/dxf/KeptSections.h"
 #include "kaldo/dxf/MlineRecord.h"
 #include "kaldo/dxf/Record.h"
@@ -100,7 +100,15 @@ struct ReadContext {
     // is the run's): a record that names one of them later gets a new
     // handle, as it would have were each record of a run an object of its
     // own.
-    HandleBits runRecordHandles;
+    HandleSet runRecordHandles;
+    // Notes the handle of a record a run holds after its first, and
+    // reserves it in the drawing: once the seed passes the top of the range,
+    // new objects take the lowest free handles, which pass over it.
+    void holdRunRecordHandle(std::uint64_t handle)
+    {
+        runRecordHandles.insert(handle);
+        db.reserveHandle(handle);
+    }
     // Every run of more than one record, in the order added.
     std::vector<KxDbObjectId> runs;
 

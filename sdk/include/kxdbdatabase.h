@@ -11,7 +11,6 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "kxdbidruns.h"
@@ -56,7 +55,8 @@ public:
     // newHandle). The object stays open for write; the caller closes it.
     Kald::ErrorStatus addObject(KxDbObject* obj, std::uint64_t handle = 0);
     // Keeps a handle that something kept beside the objects holds (a table
-    // record a file reader keeps as it was) from being given to an object.
+    // record a file reader keeps as it was, a record of a run of kept
+    // records) from being given to an object.
     void reserveHandle(std::uint64_t handle);
     // A new handle for something kept beside the objects, given out as an
     // object's would be and reserved.
@@ -186,8 +186,8 @@ private:
     static void nameMade(KxDbObject& obj, KxDbObjectId id, KxDbObjectId owner);
 
     std::vector<std::unique_ptr<KxDbObject>> m_objects;
+    // The objects' handles, and those reserved.
     std::unique_ptr<kaldo::HandleTable> m_handles;
-    std::unordered_set<std::uint64_t> m_reservedHandles;
     // Where the search for a free handle goes on (below it none is free).
     std::uint64_t m_lowestFreeHandle = 1;
     std::uint64_t m_changes = 0;

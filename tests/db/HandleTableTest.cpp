@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <random>
+#include <set>
 #include <vector>
 
 // Handles taken out in any order (not only the last added first) leave
@@ -102,12 +103,19 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
 // order, ids given another handle, handles given another id, and handles
 // taken out of runs' middles and ends, in a seeded random mix: the table
 // always answers both ways as a pair of plain maps does, an id having one
-// handle at most.
+// handle at most. Handles reserved among them (close together, in any
+// order) and far apart over the whole range are taken, and no others.
 TEST(HandleTable, AnswersAsAPlainMapUnderAnyMixOfChanges)
 {
     std::mt19937_64 random(20261126);
     kaldo::HandleTable table;
     std::map<std::uint64_t, std::uint64_t> idOf, handleOf;
+    std::set<std::uint64_t> reserved;
+    const auto reserve = [&](std::uint64_t handle) {
+        table.reserve(handle);
+        reserved.insert(handle);
+    };
+    const auto isTaken = [&](std::uint64_t handle) { return idOf.contains(handle) || reserved.contains(handle); };
     const auto insert = [&](std::uint64_t handle, std::uint64_t serial) {
         table.insert(handle, KxDbObjectId::fromOldId(serial));
         if (const auto named = idOf.find(handle); named != idOf.end())
@@ -136,12 +144,18 @@ TEST(HandleTable, AnswersAsAPlainMapUnderAnyMixOfChanges)
             // A gap in the handles, or ids given to something else meanwhile.
             (random() % 2 ? nextHandle : nextSerial) += 1 + random() % 40;
         }
+        if (step % 3 == 0)
+            reserve(random() % 2 ? 1 + random() % (nextHandle + 50) : 1 + random() % (~0ull - 1));
         if (step % 500 == 0 || step == 19999) {
             for (std::uint64_t handle = 1; handle < nextHandle + 60; ++handle) {
                 const auto it = idOf.find(handle);
                 ASSERT_EQ(table.find(handle), KxDbObjectId::fromOldId(it == idOf.end() ? 0 : it->second))
                     << "step " << step << ", handle " << handle;
+                ASSERT_EQ(table.isTaken(handle), isTaken(handle)) << "step " << step << ", handle " << handle;
             }
+            for (const std::uint64_t handle : reserved)
+                for (const std::uint64_t near : {handle - 1, handle, handle + 1})
+                    ASSERT_EQ(table.isTaken(near), isTaken(near)) << "step " << step << ", handle " << near;
             ASSERT_EQ(table.greatestHandle(), idOf.empty() ? 0 : idOf.rbegin()->first) << "step " << step;
             for (std::uint64_t serial = 1; serial < nextSerial + 60; ++serial) {
                 const auto it = handleOf.find(serial);

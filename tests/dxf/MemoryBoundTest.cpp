@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -55,7 +56,7 @@ std::string kindsWithHandles(int count, HandleOf handleOf)
     std::string records;
     char handle[24];
     for (int i = 0; i < count; ++i) {
-        std::snprintf(handle, sizeof handle, "%X", 0x1000 + handleOf(i));
+        std::snprintf(handle, sizeof handle, "%llX", 0x1000ull + static_cast<unsigned long long>(handleOf(i)));
         records += std::string("0\nX\n5\n") + handle + "\n";
     }
     return records;
@@ -142,6 +143,13 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     const std::string kindsAndHandles = kindsWithHandles(kRecords, [](int i) { return i; });
     const std::string kindsAndGaps = kindsWithHandles(kRecords, [](int i) { return 2 * i; });
     const std::string kindsInNoOrder = kindsWithHandles(kRecords, [&](int i) { return 2 * shuffled[std::size_t(i)]; });
+    const std::string kindsFarApart =
+        kindsWithHandles(kRecords, [&](int i) { return 5000ull * std::uint64_t(shuffled[std::size_t(i)]); });
+    // Handles anywhere in the range, the highest among them.
+    std::mt19937_64 random(11);
+    std::uniform_int_distribution<std::uint64_t> anywhere(1, kxdbHighestHandle - 0x1000);
+    const std::string kindsAnywhere = kindsWithHandles(
+        kRecords, [&](int i) { return i == kRecords / 2 ? kxdbHighestHandle - 0x1000 : anywhere(random); });
     for (int i = 0; i < kRecords; ++i) {
         kindsOnly += "0\nX\n";
         kindsAndAGroup += "0\nX\n1\n0\n";
@@ -161,6 +169,10 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     inputs.push_back({"objects of their kind and handles with gaps", smallDrawing("", kindsAndGaps), 4});
     inputs.push_back({"records of their kind and handles in no order", smallDrawing(kindsInNoOrder, ""), 4});
     inputs.push_back({"objects of their kind and handles in no order", smallDrawing("", kindsInNoOrder), 4});
+    inputs.push_back({"records of their kind and handles far apart", smallDrawing(kindsFarApart, ""), 4});
+    inputs.push_back({"objects of their kind and handles far apart", smallDrawing("", kindsFarApart), 4});
+    inputs.push_back({"records of their kind and handles anywhere", smallDrawing(kindsAnywhere, ""), 4});
+    inputs.push_back({"objects of their kind and handles anywhere", smallDrawing("", kindsAnywhere), 4});
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 4});
     inputs.push_back({"lines of no groups", smallDrawing(bareLines, ""), 4});
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 2});
