@@ -2,6 +2,7 @@
 // needed) and writes it as PNG.
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <QPainter>
 #include <QRegion>
@@ -56,6 +57,11 @@ void paintScene(QImage& image, const Scene& scene, const PictureFrame& frame, Ba
 QImage paintScene(const Scene& scene, const PictureOptions& options, int bands);
 // As many bands as the machine has processors, up to four.
 QImage paintScene(const Scene& scene, const PictureOptions& options);
+
+// The bytes of a PNG file of the whole scene, painted in bands: each
+// band's thread deflates its rows once it has painted them, into its part
+// of the file's image data.
+QByteArray paintPng(const Scene& scene, const PictureOptions& options, int bands);
 
 // Writes the picture atomically; returns why it failed, empty on success.
 std::string writePng(const Scene& scene, const std::filesystem::path& file, const PictureOptions& options);

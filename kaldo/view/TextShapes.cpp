@@ -164,10 +164,13 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
             continue;
         }
         const Affine lineStart = toDrawing.shiftedAlongX(left);
-        Bounds ink;
-        for (const auto& [glyph, shift] : measure.letters)
+        m_inkCorners.clear();
+        for (const auto& [glyph, shift] : measure.letters) {
+            const Affine place = lineStart.shiftedAlongX(shift);
             for (const Point2& corner : glyph->hull)
-                ink.add(lineStart.shiftedAlongX(shift)(corner));
+                m_inkCorners.push_back(place(corner));
+        }
+        const Bounds ink = pointBounds(m_inkCorners);
         if (ink.empty) {
             drawBox(box, toDrawing, pen);
             continue;

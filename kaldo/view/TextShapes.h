@@ -122,6 +122,9 @@ private:
 
     // The line measured last; its room is used again for the next.
     LineMeasure m_measure;
+    // The corners of the hulls of the letters of the line drawn last,
+    // placed; their room is used again for the next.
+    std::vector<Point2> m_inkCorners;
     Scene& m_scene;
     PointBudget& m_budget;
     const TextStyleFonts& m_styles;
