@@ -3,9 +3,44 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <emmintrin.h>
 #include <limits>
+#include <string_view>
 
 namespace kaldo::dxf {
+
+namespace {
+// Copies a value into the record's store without a call for the usual
+// short one: two copies of a fixed size that overlap in the middle cover
+// every length between them, reading and writing only the value's bytes.
+inline void copyValue(unsigned char* to, std::string_view value)
+{
+    const char* const from = value.data();
+    const std::size_t n = value.size();
+    const auto copyEnds = [&](auto word) {
+        std::memcpy(&word, from, sizeof word);
+        std::memcpy(to, &word, sizeof word);
+        std::memcpy(&word, from + n - sizeof word, sizeof word);
+        std::memcpy(to + n - sizeof word, &word, sizeof word);
+    };
+    if (n >= 16 && n <= 32) {
+        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i last = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + n - 16));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), first);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + n - 16), last);
+    } else if (n >= 8 && n < 16) {
+        copyEnds(std::uint64_t());
+    } else if (n >= 4 && n < 8) {
+        copyEnds(std::uint32_t());
+    } else if (n > 0 && n < 4) {
+        to[0] = static_cast<unsigned char>(from[0]);
+        to[n / 2] = static_cast<unsigned char>(from[n / 2]);
+        to[n - 1] = static_cast<unsigned char>(from[n - 1]);
+    } else if (n > 32) {
+        std::memcpy(to, from, n);
+    }
+}
+}  // namespace
 
 void Record::read(GroupReader& reader, const Group& head)
 {
@@ -36,7 +71,7 @@ void Record::read(GroupReader& reader, const Group& head)
         for (; length >= 0x80; length >>= 7)
             *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
         *at++ = static_cast<unsigned char>(length);
-        std::memcpy(at, g.value.data(), g.value.size());
+        copyValue(at, g.value);
         used_ = std::size_t(reinterpret_cast<char*>(at) - groups_.data()) + g.value.size();
         if (size_ < kReadNumbers) {
             if (size_ == numbers_.size()) {
