@@ -267,21 +267,24 @@ bool readPlainDecimal(std::string_view text, double& value)
     if (negative)
         ++p;
     const char* const first = p;
-    const char* point = nullptr;
+    // The point's place counted from the end (negative), 0 for none.
+    std::ptrdiff_t point = 0;
     // More digits than fit wrap around here, but such texts are refused below.
     std::uint64_t digits = 0;
-    for (; p < end; ++p) {
-        const unsigned digit = unsigned(*p) - '0';
+    // Counted up to the end, so that one addition both steps and tests; the
+    // point is told by the digit it would be, so the byte is read once.
+    for (std::ptrdiff_t at = first - end; at != 0; ++at) {
+        const unsigned digit = unsigned(end[at]) - '0';
         if (digit < 10)
             digits = digits * 10 + digit;
-        else if (*p == '.' && !point)
-            point = p;
+        else if (digit == unsigned('.' - '0') && point == 0)
+            point = at;
         else
             return false;
     }
-    const int fractional = point ? int(end - point - 1) : 0;
-    const int count = int(end - first) - (point ? 1 : 0);
-    if (count > kMostDigits || count == fractional || (point && fractional == 0))
+    const int fractional = point != 0 ? int(-point - 1) : 0;
+    const int count = int(end - first) - (point != 0 ? 1 : 0);
+    if (count > kMostDigits || count == fractional || (point != 0 && fractional == 0))
         return false;
     double magnitude = 0;
     if (digits <= (std::uint64_t(1) << 53))
@@ -308,9 +311,14 @@ bool readQuickReal(std::string_view text, double& value)
         value = text[0] - '0';
         return true;
     }
-    text = trimmed(text);
-    if (!text.empty() && text.front() == '+')
-        text.remove_prefix(1);
+    // Only a text with a blank at either end or a plus sign needs trimming:
+    // most have neither, and their ends are tested once here.
+    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    if (!text.empty() && (blank(text.front()) || blank(text.back()) || text.front() == '+')) {
+        text = trimmed(text);
+        if (!text.empty() && text.front() == '+')
+            text.remove_prefix(1);
+    }
     return readPlainDecimal(text, value);
 }
 
