@@ -3,6 +3,7 @@
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/RecordWriting.h"
 
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -298,6 +299,13 @@ bool readPlainDecimal(std::string_view text, double& value)
 }  // namespace
 
 namespace {
+// Whether trimmed would change the text: its ends are tested once, sparing
+// most values the trimming loops.
+bool hasBlankEnd(std::string_view text)
+{
+    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    return !text.empty() && (blank(text.front()) || blank(text.back()));
+}
 // One digit, the most usual value of all ("0", "1", "8").
 bool isOneDigit(std::string_view text)
 {
@@ -312,9 +320,8 @@ bool readQuickReal(std::string_view text, double& value)
         return true;
     }
     // Only a text with a blank at either end or a plus sign needs trimming:
-    // most have neither, and their ends are tested once here.
-    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
-    if (!text.empty() && (blank(text.front()) || blank(text.back()) || text.front() == '+')) {
+    // most have neither.
+    if (hasBlankEnd(text) || (!text.empty() && text.front() == '+')) {
         text = trimmed(text);
         if (!text.empty() && text.front() == '+')
             text.remove_prefix(1);
@@ -322,10 +329,8 @@ bool readQuickReal(std::string_view text, double& value)
     return readPlainDecimal(text, value);
 }
 
-double toReal(const Group& group)
+double toRealText(const Group& group)
 {
-    if (!std::isnan(group.real))
-        return group.real;
     double value = 0;
     if (readQuickReal(group.value, value))
         return value;
@@ -356,12 +361,20 @@ bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highe
 {
     // Hexadecimal digits of either case, as from_chars reads them, a step
     // a digit without its general paths: every record has a handle or two.
-    text = trimmed(text);
+    static constexpr std::array<std::uint8_t, 256> kDigits = [] {
+        std::array<std::uint8_t, 256> digits{};
+        digits.fill(16);
+        for (int i = 0; i < 10; ++i)
+            digits['0' + i] = std::uint8_t(i);
+        for (int i = 0; i < 6; ++i)
+            digits['a' + i] = digits['A' + i] = std::uint8_t(10 + i);
+        return digits;
+    }();
+    if (hasBlankEnd(text))
+        text = trimmed(text);
     std::uint64_t value = 0;
     for (const char c : text) {
-        const unsigned decimal = unsigned(c) - '0';
-        const unsigned letter = (unsigned(c) | 0x20u) - 'a';
-        const unsigned digit = decimal < 10 ? decimal : letter < 6 ? letter + 10 : 16;
+        const unsigned digit = kDigits[static_cast<unsigned char>(c)];
         // A digit more would carry out of 64 bits.
         if (digit == 16 || value >> 60 != 0)
             return false;
