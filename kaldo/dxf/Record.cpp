@@ -47,50 +47,72 @@ void Record::read(GroupReader& reader, const Group& head)
     kind_.assign(trimmed(head.value));
     modelled_ = isModelledKind(kind_);
     line_ = head.line;
-    size_ = 0;
-    used_ = 0;
+    // Kept in locals while the groups are read: the members would be
+    // stored and loaded again around every call of the reader.
+    const bool modelled = modelled_;
+    std::size_t size = 0;
+    std::size_t used = 0;
+    char* store = groups_.data();
+    std::size_t room = groups_.size();
+    std::uint64_t* numbers = numbers_.data();
+    Number* kinds = numberKinds_.data();
+    std::size_t numbered = numbers_.size();
     Group g;
-    while (reader.next(g)) {
-        if (g.code == 0) {
-            reader.pushBack(g);
-            return;
-        }
-        // The store only grows, doubling, so that a record of the usual
-        // size needs no allocation and no check beyond this one: room for
-        // the code, the part, the value's length (five bytes hold any
-        // value's) and the value.
-        if (const std::size_t most = used_ + 8 + g.value.size(); most > groups_.size())
-            groups_.resize(std::max(2 * groups_.size(), most));
-        auto* at = reinterpret_cast<unsigned char*>(groups_.data() + used_);
-        const auto code = std::uint16_t(g.code);
-        at[0] = static_cast<unsigned char>(code & 0xFF);
-        at[1] = static_cast<unsigned char>(code >> 8);
-        at[2] = 0;
-        at += 3;
-        std::size_t length = g.value.size();
-        for (; length >= 0x80; length >>= 7)
-            *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
-        *at++ = static_cast<unsigned char>(length);
-        copyValue(at, g.value);
-        used_ = std::size_t(reinterpret_cast<char*>(at) - groups_.data()) + g.value.size();
-        if (size_ < kReadNumbers) {
-            if (size_ == numbers_.size()) {
-                numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size_)));
-                numberKinds_.resize(numbers_.size());
+    try {
+        while (reader.next(g)) {
+            if (g.code == 0) {
+                reader.pushBack(g);
+                break;
             }
-            Number number = Number::None;
-            if (double real = 0; modelled_ && isRealCode(g.code) && readQuickReal(g.value, real)) {
-                numbers_[size_] = std::bit_cast<std::uint64_t>(real);
-                number = Number::Real;
-            } else if (std::uint64_t handle = 0;
-                       isHandleCode(g.code) && tryHandle(g.value, handle, kxdbHighestHandle + 1)) {
-                numbers_[size_] = handle;
-                number = Number::Handle;
+            // The store only grows, doubling, so that a record of the usual
+            // size needs no allocation and no check beyond this one: room for
+            // the code, the part, the value's length (five bytes hold any
+            // value's) and the value.
+            if (const std::size_t most = used + 8 + g.value.size(); most > room) {
+                groups_.resize(std::max(2 * room, most));
+                store = groups_.data();
+                room = groups_.size();
             }
-            numberKinds_[size_] = number;
+            auto* at = reinterpret_cast<unsigned char*>(store + used);
+            const auto code = std::uint16_t(g.code);
+            at[0] = static_cast<unsigned char>(code & 0xFF);
+            at[1] = static_cast<unsigned char>(code >> 8);
+            at[2] = 0;
+            at += 3;
+            std::size_t length = g.value.size();
+            for (; length >= 0x80; length >>= 7)
+                *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
+            *at++ = static_cast<unsigned char>(length);
+            copyValue(at, g.value);
+            used = std::size_t(reinterpret_cast<char*>(at) - store) + g.value.size();
+            if (size < kReadNumbers) {
+                if (size == numbered) {
+                    numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size)));
+                    numberKinds_.resize(numbers_.size());
+                    numbers = numbers_.data();
+                    kinds = numberKinds_.data();
+                    numbered = numbers_.size();
+                }
+                Number number = Number::None;
+                if (double real = 0; modelled && isRealCode(g.code) && readQuickReal(g.value, real)) {
+                    numbers[size] = std::bit_cast<std::uint64_t>(real);
+                    number = Number::Real;
+                } else if (std::uint64_t handle = 0;
+                           isHandleCode(g.code) && tryHandle(g.value, handle, kxdbHighestHandle + 1)) {
+                    numbers[size] = handle;
+                    number = Number::Handle;
+                }
+                kinds[size] = number;
+            }
+            ++size;
         }
-        ++size_;
+    } catch (...) {
+        size_ = size;
+        used_ = used;
+        throw;
     }
+    size_ = size;
+    used_ = used;
 }
 
 bool isModelledKind(std::string_view kind)
