@@ -28,27 +28,34 @@ public:
     template <class Visit>
     void forEach(Visit&& visit) const
     {
+        // In locals, which visit's calls cannot change.
         const auto* at = reinterpret_cast<const unsigned char*>(groups_.data());
-        for (std::size_t index = 0; index < size_; ++index) {
-            Group g;
+        const std::size_t size = size_;
+        const std::uint64_t* const numbers = numbers_.data();
+        const Number* const kinds = numberKinds_.data();
+        // One group given in turn, each field set once.
+        Group g;
+        // Every group takes two lines, its code's and its value's.
+        g.line = line_;
+        for (std::size_t index = 0; index < size; ++index) {
             g.code = std::int16_t(std::uint16_t(at[0] | (at[1] << 8)));
             at += 3;
-            std::size_t length = 0;
-            for (int shift = 0;; shift += 7) {
-                length |= std::size_t(*at & 0x7F) << shift;
-                if (!(*at++ & 0x80))
-                    break;
+            std::size_t length = *at++;
+            if (length & 0x80) {
+                length &= 0x7F;
+                for (int shift = 7;; shift += 7) {
+                    length |= std::size_t(*at & 0x7F) << shift;
+                    if (!(*at++ & 0x80))
+                        break;
+                }
             }
             g.value = std::string_view(reinterpret_cast<const char*>(at), length);
             at += length;
-            // Every group takes two lines, its code's and its value's.
-            g.line = line_ + 2 * long(index + 1);
-            if (index < kReadNumbers) {
-                if (numberKinds_[index] == Number::Real)
-                    g.real = std::bit_cast<double>(numbers_[index]);
-                else if (numberKinds_[index] == Number::Handle)
-                    g.handle = numbers_[index];
-            }
+            g.line += 2;
+            const Number kind = index < kReadNumbers ? kinds[index] : Number::None;
+            g.real = kind == Number::Real ? std::bit_cast<double>(numbers[index])
+                                          : std::numeric_limits<double>::quiet_NaN();
+            g.handle = kind == Number::Handle ? numbers[index] : Group::kNoHandle;
             if (!visit(g))
                 return;
         }
