@@ -191,9 +191,25 @@ void KxDbPolyline::setVertices(const std::vector<Vertex>& vertices)
         m_shaping->shapes.clear();
         dropShapingIfDefault();
     }
-    reserve(std::uint32_t(vertices.size()));
-    for (const Vertex& v : vertices)
-        addVertexAt(v);
+    const auto count = std::uint32_t(vertices.size());
+    reserve(count);
+    // The positions in one pass; shapes, as addVertexAt keeps them, from
+    // the first vertex with a width or a bulge on (defaults before it).
+    std::uint32_t firstShaped = count;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const Vertex& v = vertices[i];
+        m_positions[i] = {v.x, v.y};
+        if (firstShaped == count && (v.startWidth != 0 || v.endWidth != 0 || v.bulge != 0))
+            firstShaped = i;
+    }
+    m_count = count;
+    if (firstShaped < count) {
+        std::vector<Shape>& shapes = shapingForWrite().shapes;
+        shapes.reserve(count);
+        shapes.resize(firstShaped);
+        for (std::uint32_t i = firstShaped; i < count; ++i)
+            shapes.push_back({vertices[i].startWidth, vertices[i].endWidth, vertices[i].bulge});
+    }
     if (m_shaping)
         m_shaping->shapes.shrink_to_fit();
 }

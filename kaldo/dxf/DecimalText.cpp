@@ -132,14 +132,37 @@ char* writeShortestDecimal(double value, char* out)
     const int whole = wholeDigits(binary);
     const int most = 17 - whole;
     int decimals = 1;
-    while (decimals < most && decimals <= 3 && !readsBack(decimals))
-        ++decimals;
-    if (decimals == 4 && most > 6 && !readsBack(most - 2))
-        decimals = most - 1;
-    while (decimals < most && !readsBack(decimals))
-        ++decimals;
-    if (decimals == most)
-        readsBack(most);
+    // Whether found holds the text of the count chosen, so that it is not
+    // made again.
+    bool chosen = false;
+    if (most > 3) {
+        // Searched from two: two tries for up to three decimals, one try
+        // fewer than upwards from one for three and for computed values.
+        if (readsBack(2)) {
+            const Scaled two = found;
+            decimals = readsBack(1) ? 1 : 2;
+            if (decimals == 2)
+                found = two;
+            chosen = true;
+        } else if (readsBack(3)) {
+            decimals = 3;
+            chosen = true;
+        } else {
+            decimals = 4;
+        }
+    } else {
+        while (decimals < most && !readsBack(decimals))
+            ++decimals;
+        chosen = decimals < most;
+    }
+    if (!chosen) {
+        if (decimals == 4 && most > 6 && !readsBack(most - 2))
+            decimals = most - 1;
+        while (decimals < most && !readsBack(decimals))
+            ++decimals;
+        if (decimals == most)
+            readsBack(most);
+    }
     if (tie)
         return nullptr;
     return writeDigits(value < 0, found.nearest, whole, decimals, out);

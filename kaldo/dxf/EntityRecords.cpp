@@ -21,6 +21,7 @@
 #include <iterator>
 #include <memory>
 #include <numbers>
+#include <optional>
 #include <vector>
 
 namespace kaldo::dxf {
@@ -577,12 +578,12 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         return;
     }
     // Owned here until its block takes it, so that a group refused on the
-    // way leaves nothing behind.
-    EntityParts partsHere;
+    // way leaves nothing behind; made only when not taken apart ahead.
+    std::optional<EntityParts> partsHere;
     auto* parts = static_cast<EntityParts*>(ahead);
     if (!parts) {
-        parts = &partsHere;
-        takeApart(record, partsHere);
+        parts = &partsHere.emplace();
+        takeApart(record, *parts);
     } else if (parts->error) {
         std::rethrow_exception(parts->error);
     }

@@ -3,6 +3,7 @@
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/RecordWriting.h"
 
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -267,21 +268,24 @@ bool readPlainDecimal(std::string_view text, double& value)
     if (negative)
         ++p;
     const char* const first = p;
-    const char* point = nullptr;
+    // The point's place counted from the end (negative), 0 for none.
+    std::ptrdiff_t point = 0;
     // More digits than fit wrap around here, but such texts are refused below.
     std::uint64_t digits = 0;
-    for (; p < end; ++p) {
-        const unsigned digit = unsigned(*p) - '0';
+    // Counted up to the end, so that one addition both steps and tests; the
+    // point is told by the digit it would be, so the byte is read once.
+    for (std::ptrdiff_t at = first - end; at != 0; ++at) {
+        const unsigned digit = unsigned(end[at]) - '0';
         if (digit < 10)
             digits = digits * 10 + digit;
-        else if (*p == '.' && !point)
-            point = p;
+        else if (digit == unsigned('.' - '0') && point == 0)
+            point = at;
         else
             return false;
     }
-    const int fractional = point ? int(end - point - 1) : 0;
-    const int count = int(end - first) - (point ? 1 : 0);
-    if (count > kMostDigits || count == fractional || (point && fractional == 0))
+    const int fractional = point != 0 ? int(-point - 1) : 0;
+    const int count = int(end - first) - (point != 0 ? 1 : 0);
+    if (count > kMostDigits || count == fractional || (point != 0 && fractional == 0))
         return false;
     double magnitude = 0;
     if (digits <= (std::uint64_t(1) << 53))
@@ -295,6 +299,13 @@ bool readPlainDecimal(std::string_view text, double& value)
 }  // namespace
 
 namespace {
+// Whether trimmed would change the text: its ends are tested once, sparing
+// most values the trimming loops.
+bool hasBlankEnd(std::string_view text)
+{
+    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    return !text.empty() && (blank(text.front()) || blank(text.back()));
+}
 // One digit, the most usual value of all ("0", "1", "8").
 bool isOneDigit(std::string_view text)
 {
@@ -308,16 +319,18 @@ bool readQuickReal(std::string_view text, double& value)
         value = text[0] - '0';
         return true;
     }
-    text = trimmed(text);
-    if (!text.empty() && text.front() == '+')
-        text.remove_prefix(1);
+    // Only a text with a blank at either end or a plus sign needs trimming:
+    // most have neither.
+    if (hasBlankEnd(text) || (!text.empty() && text.front() == '+')) {
+        text = trimmed(text);
+        if (!text.empty() && text.front() == '+')
+            text.remove_prefix(1);
+    }
     return readPlainDecimal(text, value);
 }
 
-double toReal(const Group& group)
+double toRealText(const Group& group)
 {
-    if (!std::isnan(group.real))
-        return group.real;
     double value = 0;
     if (readQuickReal(group.value, value))
         return value;
@@ -348,12 +361,20 @@ bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highe
 {
     // Hexadecimal digits of either case, as from_chars reads them, a step
     // a digit without its general paths: every record has a handle or two.
-    text = trimmed(text);
+    static constexpr std::array<std::uint8_t, 256> kDigits = [] {
+        std::array<std::uint8_t, 256> digits{};
+        digits.fill(16);
+        for (int i = 0; i < 10; ++i)
+            digits['0' + i] = std::uint8_t(i);
+        for (int i = 0; i < 6; ++i)
+            digits['a' + i] = digits['A' + i] = std::uint8_t(10 + i);
+        return digits;
+    }();
+    if (hasBlankEnd(text))
+        text = trimmed(text);
     std::uint64_t value = 0;
     for (const char c : text) {
-        const unsigned decimal = unsigned(c) - '0';
-        const unsigned letter = (unsigned(c) | 0x20u) - 'a';
-        const unsigned digit = decimal < 10 ? decimal : letter < 6 ? letter + 10 : 16;
+        const unsigned digit = kDigits[static_cast<unsigned char>(c)];
         // A digit more would carry out of 64 bits.
         if (digit == 16 || value >> 60 != 0)
             return false;

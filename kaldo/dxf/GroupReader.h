@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -124,7 +125,15 @@ private:
 };
 
 // Value conversions that name the group's line when the text is no number.
-double toReal(const Group& group);
+// toRealText reads the text even when the group comes with its real read
+// beforehand.
+double toRealText(const Group& group);
+inline double toReal(const Group& group)
+{
+    if (!std::isnan(group.real))
+        return group.real;
+    return toRealText(group);
+}
 // Whether the group code is one of reals (coordinates, distances, angles).
 constexpr bool isRealCode(int code)
 {

@@ -41,35 +41,50 @@ KxDbObjectId ReadContext::blockByHandle(std::uint64_t handle)
     return id;
 }
 
+const ReadContext::Found* ReadContext::FoundNames::firstNamed(std::string_view name) const
+{
+    // Names are short: compared byte by byte, most differ in their length
+    // or their first byte, without a call.
+    for (const auto* entry : first) {
+        const std::string& known = entry->first;
+        if (known.size() == name.size() && std::equal(known.begin(), known.end(), name.begin()))
+            return &entry->second;
+    }
+    return nullptr;
+}
+
+KxDbObjectId ReadContext::found(const Found& entry, bool* spelledAsRecord)
+{
+    if (spelledAsRecord)
+        *spelledAsRecord = entry.spelledAsRecord;
+    return entry.id;
+}
+
+// Names are kept as record() keeps them, so a name spelled so already is
+// found as it stands among the first few, before anything else is done.
 KxDbObjectId ReadContext::layer(std::string_view name, bool* spelledAsRecord)
 {
+    if (const Found* entry = layers_.firstNamed(name))
+        return found(*entry, spelledAsRecord);
     return record(ensureLayerTable(*this), layers_, name, true, spelledAsRecord);
 }
 
 KxDbObjectId ReadContext::linetype(std::string_view name, bool* spelledAsRecord)
 {
+    if (const Found* entry = linetypes_.firstNamed(name))
+        return found(*entry, spelledAsRecord);
     return record(ensureLinetypeTable(*this), linetypes_, name, false, spelledAsRecord);
 }
 
 KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::string_view name, bool isLayer,
                                  bool* spelledAsRecord)
 {
-    const auto found = [&](const std::pair<const std::string, Found>& entry) {
-        if (spelledAsRecord)
-            *spelledAsRecord = entry.second.spelledAsRecord;
-        return entry.second.id;
-    };
-    // Names are kept as below, so a name spelled so already is found as it
-    // stands.
-    for (const auto* entry : cache.first)
-        if (entry->first == name)
-            return found(*entry);
     // The database takes a name as a C string: it ends at its first NUL, and
     // what is left is trimmed again, so that the name saved reads back as the
     // same record.
     name = trimmed(name.substr(0, name.find('\0')));
     if (const auto it = cache.byName.find(name); it != cache.byName.end())
-        return found(*it);
+        return found(it->second, spelledAsRecord);
     auto* table = KxDbSymbolTable::cast(db.peekObject(tableId));
     if (!table || name.empty())
         return {};
@@ -90,7 +105,7 @@ KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::s
     const auto& entry = *cache.byName.emplace(std::string(name), Found{id, named && named->name() == wideName}).first;
     if (cache.first.size() < FoundNames::kFirst)
         cache.first.push_back(&entry);
-    return found(entry);
+    return found(entry.second, spelledAsRecord);
 }
 
 }  // namespace kaldo::dxf

@@ -148,7 +148,10 @@ private:
         static constexpr std::size_t kFirst = 8;
         std::unordered_map<std::string, Found, NameHash, std::equal_to<>> byName;
         std::vector<const std::pair<const std::string, Found>*> first;
+        // The entry of the first few spelled as name exactly, or null.
+        const Found* firstNamed(std::string_view name) const;
     };
+    static KxDbObjectId found(const Found& entry, bool* spelledAsRecord);
     KxDbObjectId record(KxDbObjectId table, FoundNames& cache, std::string_view name, bool isLayer,
                         bool* spelledAsRecord);
     FoundNames layers_;

@@ -3,43 +3,120 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <emmintrin.h>
 #include <limits>
+#include <string_view>
 
 namespace kaldo::dxf {
+
+namespace {
+// Copies a value into the record's store without a call for the usual
+// short one: two copies of a fixed size that overlap in the middle cover
+// every length between them, reading and writing only the value's bytes.
+inline void copyValue(unsigned char* to, std::string_view value)
+{
+    const char* const from = value.data();
+    const std::size_t n = value.size();
+    const auto copyEnds = [&](auto word) {
+        std::memcpy(&word, from, sizeof word);
+        std::memcpy(to, &word, sizeof word);
+        std::memcpy(&word, from + n - sizeof word, sizeof word);
+        std::memcpy(to + n - sizeof word, &word, sizeof word);
+    };
+    if (n >= 16 && n <= 32) {
+        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i last = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + n - 16));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), first);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + n - 16), last);
+    } else if (n >= 8 && n < 16) {
+        copyEnds(std::uint64_t());
+    } else if (n >= 4 && n < 8) {
+        copyEnds(std::uint32_t());
+    } else if (n > 0 && n < 4) {
+        to[0] = static_cast<unsigned char>(from[0]);
+        to[n / 2] = static_cast<unsigned char>(from[n / 2]);
+        to[n - 1] = static_cast<unsigned char>(from[n - 1]);
+    } else if (n > 32) {
+        std::memcpy(to, from, n);
+    }
+}
+}  // namespace
+
+Record::Number Record::numberOf(bool modelled, int code, std::string_view value, std::uint64_t& number)
+{
+    if (double real = 0; modelled && isRealCode(code) && readQuickReal(value, real)) {
+        number = std::bit_cast<std::uint64_t>(real);
+        return Number::Real;
+    }
+    if (std::uint64_t handle = 0; isHandleCode(code) && tryHandle(value, handle, kxdbHighestHandle + 1)) {
+        number = handle;
+        return Number::Handle;
+    }
+    return Number::None;
+}
 
 void Record::read(GroupReader& reader, const Group& head)
 {
     kind_.assign(trimmed(head.value));
     modelled_ = isModelledKind(kind_);
     line_ = head.line;
-    size_ = 0;
-    used_ = 0;
+    // Kept in locals while the groups are read: the members would be
+    // stored and loaded again around every call of the reader.
+    const bool modelled = modelled_;
+    std::size_t size = 0;
+    std::size_t used = 0;
+    char* store = groups_.data();
+    std::size_t room = groups_.size();
+    std::uint64_t* numbers = numbers_.data();
+    Number* kinds = numberKinds_.data();
+    std::size_t numbered = numbers_.size();
     Group g;
-    while (reader.next(g)) {
-        if (g.code == 0) {
-            reader.pushBack(g);
-            return;
+    try {
+        while (reader.next(g)) {
+            if (g.code == 0) {
+                reader.pushBack(g);
+                break;
+            }
+            // The store only grows, doubling, so that a record of the usual
+            // size needs no allocation and no check beyond this one: room for
+            // the code, the part, the value's length (five bytes hold any
+            // value's) and the value.
+            if (const std::size_t most = used + 8 + g.value.size(); most > room) {
+                groups_.resize(std::max(2 * room, most));
+                store = groups_.data();
+                room = groups_.size();
+            }
+            auto* at = reinterpret_cast<unsigned char*>(store + used);
+            const auto code = std::uint16_t(g.code);
+            at[0] = static_cast<unsigned char>(code & 0xFF);
+            at[1] = static_cast<unsigned char>(code >> 8);
+            at[2] = 0;
+            at += 3;
+            std::size_t length = g.value.size();
+            for (; length >= 0x80; length >>= 7)
+                *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
+            *at++ = static_cast<unsigned char>(length);
+            copyValue(at, g.value);
+            used = std::size_t(reinterpret_cast<char*>(at) - store) + g.value.size();
+            if (size < kReadNumbers) {
+                if (size == numbered) {
+                    numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size)));
+                    numberKinds_.resize(numbers_.size());
+                    numbers = numbers_.data();
+                    kinds = numberKinds_.data();
+                    numbered = numbers_.size();
+                }
+                kinds[size] = numberOf(modelled, g.code, g.value, numbers[size]);
+            }
+            ++size;
         }
-        // The store only grows, doubling, so that a record of the usual
-        // size needs no allocation and no check beyond this one: room for
-        // the code, the part, the value's length (five bytes hold any
-        // value's) and the value.
-        if (const std::size_t most = used_ + 8 + g.value.size(); most > groups_.size())
-            groups_.resize(std::max(2 * groups_.size(), most));
-        auto* at = reinterpret_cast<unsigned char*>(groups_.data() + used_);
-        const auto code = std::uint16_t(g.code);
-        at[0] = static_cast<unsigned char>(code & 0xFF);
-        at[1] = static_cast<unsigned char>(code >> 8);
-        at[2] = 0;
-        at += 3;
-        std::size_t length = g.value.size();
-        for (; length >= 0x80; length >>= 7)
-            *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
-        *at++ = static_cast<unsigned char>(length);
-        std::memcpy(at, g.value.data(), g.value.size());
-        used_ = std::size_t(reinterpret_cast<char*>(at) - groups_.data()) + g.value.size();
-        noteNumbers(g.code, g.value);
+    } catch (...) {
+        size_ = size;
+        used_ = used;
+        throw;
     }
+    size_ = size;
+    used_ = used;
 }
 
 void Record::assign(std::string_view kind, KxDbPackedGroupsView groups)
@@ -60,15 +137,7 @@ void Record::noteNumbers(int code, std::string_view value)
             numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size_)));
             numberKinds_.resize(numbers_.size());
         }
-        Number number = Number::None;
-        if (double real = 0; modelled_ && isRealCode(code) && readQuickReal(value, real)) {
-            numbers_[size_] = std::bit_cast<std::uint64_t>(real);
-            number = Number::Real;
-        } else if (std::uint64_t handle = 0; isHandleCode(code) && tryHandle(value, handle, kxdbHighestHandle + 1)) {
-            numbers_[size_] = handle;
-            number = Number::Handle;
-        }
-        numberKinds_[size_] = number;
+        numberKinds_[size_] = numberOf(modelled_, code, value, numbers_[size_]);
     }
     ++size_;
 }

@@ -31,19 +31,22 @@ public:
     template <class Visit>
     void forEach(Visit&& visit) const
     {
+        // In locals, which visit's calls cannot change.
+        const std::uint64_t* const numbers = numbers_.data();
+        const Number* const kinds = numberKinds_.data();
+        // One group given in turn, each field set once.
+        Group g;
+        // Every group takes two lines, its code's and its value's.
+        g.line = line_;
         std::size_t index = 0;
         packedGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
-            Group g;
             g.code = code;
             g.value = value;
-            // Every group takes two lines, its code's and its value's.
-            g.line = line_ + 2 * long(index + 1);
-            if (index < kReadNumbers) {
-                if (numberKinds_[index] == Number::Real)
-                    g.real = std::bit_cast<double>(numbers_[index]);
-                else if (numberKinds_[index] == Number::Handle)
-                    g.handle = numbers_[index];
-            }
+            g.line += 2;
+            const Number kind = index < kReadNumbers ? kinds[index] : Number::None;
+            g.real = kind == Number::Real ? std::bit_cast<double>(numbers[index])
+                                          : std::numeric_limits<double>::quiet_NaN();
+            g.handle = kind == Number::Handle ? numbers[index] : Group::kNoHandle;
             ++index;
             return bool(visit(g));
         });
@@ -53,6 +56,10 @@ public:
     KxDbPackedGroupsView packedGroups() const { return KxDbPackedGroupsView(std::string_view(groups_.data(), used_)); }
 
 private:
+    enum class Number : std::uint8_t { None, Real, Handle };
+    // The number read ahead from a group's value, if any: the real of a
+    // group of reals in a modelled record, the handle of a group of handles.
+    static Number numberOf(bool modelled, int code, std::string_view value, std::uint64_t& number);
     // Notes the numbers of the group just stored, if it is among the first.
     void noteNumbers(int code, std::string_view value);
 
@@ -62,7 +69,6 @@ private:
     // groups takes about what the file spends on them, and a record kept
     // whole is copied as it lies.
     static constexpr std::size_t kFirstGroups = 64;
-    enum class Number : std::uint8_t { None, Real, Handle };
     std::string kind_;
     bool modelled_ = false;
     long line_ = 0;

@@ -38,11 +38,15 @@ public:
             const auto code = std::int16_t(std::uint16_t(at[0] | (at[1] << 8)));
             const std::uint8_t part = at[2];
             at += 3;
-            std::size_t length = 0;
-            for (int shift = 0;; shift += 7) {
-                length |= std::size_t(*at & 0x7F) << shift;
-                if (!(*at++ & 0x80))
-                    break;
+            // A length below 128, the usual one, takes its one byte.
+            std::size_t length = *at++;
+            if (length & 0x80) {
+                length &= 0x7F;
+                for (int shift = 7;; shift += 7) {
+                    length |= std::size_t(*at & 0x7F) << shift;
+                    if (!(*at++ & 0x80))
+                        break;
+                }
             }
             const std::string_view value(reinterpret_cast<const char*>(at), length);
             at += length;

@@ -116,6 +116,11 @@ TEST(EntityProperties, RareValuesReadBackThroughCopies)
     EXPECT_EQ(pline->normal().z, 1);
     EXPECT_EQ(copiedPline->vertices(), vertices);
     EXPECT_EQ(copiedPline->vertexBytes(), 37u * 16 + 37u * 24);
+    // Set at once, the same vertices and shapes as grown one by one.
+    KxDbPolyline setAtOnce;
+    setAtOnce.setVertices(vertices);
+    EXPECT_EQ(setAtOnce.vertices(), vertices);
+    EXPECT_EQ(setAtOnce.vertexBytes(), copiedPline->vertexBytes());
     EXPECT_EQ(copiedPline->constantWidth(), 0.125);
     EXPECT_TRUE(std::signbit(copiedPline->elevation()));
     EXPECT_EQ(copiedPline->thickness(), 3);
