@@ -824,7 +824,11 @@ TEST_F(Window, DrawingsMadeToBreakTheRendererAreShownAndMemoryThatRunsOutIsSaid)
         return QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs);
     };
     ASSERT_TRUE(runTyped({"FILEDIA", "0"}));
-    const std::pair<const char*, const char*> drawings[] = {
+    struct Drawing {
+        const char* name;
+        const char* said;
+    };
+    const Drawing drawings[] = {
         {"block-inserts-itself", "Blocks that contain themselves, drawn once in the window: LOOP.\n"},
         {"nested-insert-fan",
          "Drawn as boxes in the window beyond 4194304 points: copies of blocks and lines of text.\n"},
@@ -832,7 +836,9 @@ TEST_F(Window, DrawingsMadeToBreakTheRendererAreShownAndMemoryThatRunsOutIsSaid)
         {"spline-degree-1200", "Opened"},
         {"hatch-claims-huge-counts", "Opened"},
     };
-    for (const auto& [name, said] : drawings) {
+    for (const Drawing& drawing : drawings) {
+        const char* name = drawing.name;
+        const char* said = drawing.said;
         const QString path = QStringLiteral(KALDO_SOURCE_DIR "/tests/data/render/%1.dxf").arg(name);
         const qsizetype before = transcript().size();
         ASSERT_TRUE(open(path)) << name;
