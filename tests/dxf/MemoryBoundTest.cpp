@@ -189,10 +189,9 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     }
 }
 
-// Saving walks the objects and each block's entities, each walk holding a
-// list of ids: one list at a time, eight bytes an object more for a larger
-// drawing, where the list of every object held through the entities' walks
-// took sixteen. The entities' text is made a chunk of 4096 records at a
+// Saving walks the objects and each block's entities, the list of objects
+// as runs of ids, not held through the entities' walks (it took eight
+// bytes an object as a vector of ids, sixteen when held through them). The entities' text is made a chunk of 4096 records at a
 // time, a run of kept records counting each of its own: a larger drawing
 // of runs takes no more to save, where a chunk of 4096 runs held all its
 // text.
