@@ -113,9 +113,10 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 
 // Inputs made to cost the most memory per byte of file, beside every input
 // of the fuzz corpus. Records of a kind the host only keeps (entities and
-// objects), without handles or with handles in any order, are held as one
-// entity or object a run: under 4 times the file (about 10 with an object
-// per record), under 2 with consecutive handles. One record of
+// objects), without handles or with handles in any order, however far
+// apart (up to the top of the range), are held as one entity or object a
+// run: under 4 times the file (10 to 18 with an object per record), under
+// 2 with consecutive handles. One record of
 // one-character groups, read packed, stays under 4 times. A line of no
 // groups is an object with its registry entry and a share of a run of ids
 // in its block: under 17 times its seven bytes (20 with ids of 64 bits and
