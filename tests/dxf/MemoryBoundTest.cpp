@@ -115,7 +115,7 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 // of the fuzz corpus. Records of a kind the host only keeps (entities and
 // objects), without handles or with handles in any order, however far
 // apart (up to the top of the range), are held as one entity or object a
-// run: under 4 times the file (10 to 18 with an object per record), under
+// run: under 4 times the file (about 10 with an object per record), under
 // 2 with consecutive handles. One record of
 // one-character groups, read packed, stays under 4 times. A line of no
 // groups is an object with its registry entry and a share of a run of ids
