@@ -36,8 +36,9 @@ void HandleSet::insert(std::uint64_t handle)
     const std::uint64_t page = handle >> kPageBits;
     if (m_pages.empty() || m_inserted->first != page) {
         const auto found = m_pages.find(page);
-        if (found == m_pages.end() && countApart(page) + 1 < kHandlesOfAPage) {
-            if (!containsApart(handle))
+        bool present = false;
+        if (found == m_pages.end() && countApart(handle, present) + 1 < kHandlesOfAPage) {
+            if (!present)
                 insertApart(handle);
             return;
         }
@@ -51,14 +52,16 @@ void HandleSet::insert(std::uint64_t handle)
     m_inserted->second[(handle % kHandlesPerPage) / 64] |= bitOf(handle);
 }
 
-std::size_t HandleSet::countApart(std::uint64_t page) const
+std::size_t HandleSet::countApart(std::uint64_t handle, bool& present) const
 {
+    const std::uint64_t page = handle >> kPageBits;
     std::size_t count = 0;
-    for (const std::vector<std::uint64_t>& list : m_apart) {
-        const auto first = std::lower_bound(list.begin(), list.end(), page << kPageBits);
-        count += std::size_t(std::find_if(first, list.end(), [page](std::uint64_t h) { return (h >> kPageBits) != page; })
-                             - first);
-    }
+    for (const std::vector<std::uint64_t>& list : m_apart)
+        for (auto at = std::lower_bound(list.begin(), list.end(), page << kPageBits);
+             at != list.end() && (*at >> kPageBits) == page; ++at) {
+            ++count;
+            present = present || *at == handle;
+        }
     return count;
 }
 

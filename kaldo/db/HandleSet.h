@@ -32,8 +32,9 @@ private:
     using Page = std::array<std::uint64_t, kHandlesPerPage / 64>;
     using Pages = std::map<std::uint64_t, Page>;
 
-    // How many handles of the lists lie in page.
-    std::size_t countApart(std::uint64_t page) const;
+    // How many handles of the lists lie in the handle's page; present tells
+    // whether the handle is among them.
+    std::size_t countApart(std::uint64_t handle, bool& present) const;
     bool containsApart(std::uint64_t handle) const;
     // Adds a handle the lists do not hold.
     void insertApart(std::uint64_t handle);

@@ -113,9 +113,10 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 
 // Inputs made to cost the most memory per byte of file, beside every input
 // of the fuzz corpus. Records of a kind the host only keeps (entities and
-// objects), without handles or with handles in any order, are held as one
-// entity or object a run: under 4 times the file (about 10 with an object
-// per record), under 2 with consecutive handles. One record of
+// objects), without handles or with handles in any order, however far
+// apart (up to the top of the range), are held as one entity or object a
+// run: under 4 times the file (about 10 with an object per record), under
+// 2 with consecutive handles. One record of
 // one-character groups, read packed, stays under 4 times. A line of no
 // groups is kept as its record until opened, its registry slot naming the
 // record, its block's entry a share of a run of ids: under 4 times its
