@@ -1,6 +1,7 @@
 #include "kaldo/db/RecordRun.h"
 
 #include "kaldo/db/UndoHistory.h"
+#include "kaldo/db/VarNumber.h"
 #include "kxdbdatabase.h"
 #include "kxdbsymtb.h"
 
@@ -25,43 +26,22 @@ KeptRecordTail& KeptRecordTail::operator=(const KeptRecordTail& other)
     return *this;
 }
 
-namespace {
-
-void appendNumber(std::string& bytes, std::uint64_t number)
-{
-    for (; number >= 0x80; number >>= 7)
-        bytes.push_back(char(0x80 | (number & 0x7F)));
-    bytes.push_back(char(number));
-}
-
-std::uint64_t takeNumber(const char*& at)
-{
-    std::uint64_t number = 0;
-    for (int shift = 0;; shift += 7) {
-        const auto byte = static_cast<unsigned char>(*at++);
-        number |= std::uint64_t(byte & 0x7F) << shift;
-        if (!(byte & 0x80))
-            return number;
-    }
-}
-
-}  // namespace
 
 void KeptRecordTail::append(std::string& bytes, std::uint64_t previous, std::uint64_t handle,
                             KxDbPackedGroupsView groups)
 {
     // The distance from the next handle, its sign in the lowest bit.
     const std::uint64_t step = handle == 0 ? 0 : handle - (previous + 1);
-    appendNumber(bytes, (step << 1) ^ (std::int64_t(step) < 0 ? ~std::uint64_t(0) : 0));
-    appendNumber(bytes, groups.bytes().size());
+    appendVarNumber(bytes, (step << 1) ^ (std::int64_t(step) < 0 ? ~std::uint64_t(0) : 0));
+    appendVarNumber(bytes, groups.bytes().size());
     bytes.append(groups.bytes());
 }
 
 KeptRecord KeptRecordTail::take(const char*& at, std::uint64_t previous)
 {
-    const std::uint64_t zigzag = takeNumber(at);
+    const std::uint64_t zigzag = takeVarNumber(at);
     const std::uint64_t step = (zigzag >> 1) ^ (zigzag & 1 ? ~std::uint64_t(0) : 0);
-    const std::uint64_t length = takeNumber(at);
+    const std::uint64_t length = takeVarNumber(at);
     const KxDbPackedGroupsView groups(std::string_view(at, length));
     at += length;
     return {groups, previous + 1 + step};

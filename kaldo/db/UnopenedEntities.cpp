@@ -6,6 +6,7 @@
 #include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
+#include "kaldo/db/VarNumber.h"
 #include "kxdbdatabase.h"
 #include "kxdbents.h"
 #include "kxdbsymtb.h"
@@ -14,28 +15,8 @@ namespace kaldo {
 
 namespace {
 
-// A length of seven bits a byte, lowest first, the high bit set on all
-// but the last byte; at least width bytes (leading bytes of no bits).
-void appendLength(std::string& bytes, std::size_t length, int width = 1)
-{
-    for (; length >= 0x80 || width > 1; length >>= 7, --width)
-        bytes.push_back(char((length & 0x7F) | 0x80));
-    bytes.push_back(char(length));
-}
-
 // The bytes of a look's place kept with room for another.
 constexpr int kLookLaterWidth = 5;
-
-std::size_t takeLength(const char*& at)
-{
-    std::size_t length = 0;
-    for (int shift = 0;; shift += 7) {
-        const auto byte = static_cast<unsigned char>(*at++);
-        length |= std::size_t(byte & 0x7F) << shift;
-        if (!(byte & 0x80))
-            return length;
-    }
-}
 
 }  // namespace
 
@@ -60,8 +41,8 @@ KxDbObjectId UnopenedEntities::keep(const KxRxClass* cls, const Look& look, KxDb
         m_db.m_header.handseed = std::max(m_db.m_header.handseed, handle + 1);
     m_maker = maker;
     const std::uint64_t entry = m_records.size();
-    appendLength(m_records, placeOf(look), lookLater ? kLookLaterWidth : 1);
-    appendLength(m_records, groups.bytes().size());
+    appendVarNumber(m_records, placeOf(look), lookLater ? kLookLaterWidth : 1);
+    appendVarNumber(m_records, groups.bytes().size());
     m_records.append(groups.bytes());
     const KxDbObjectId id = registerUnopened(cls, entry, &m_db);
     m_ids.push_back(id);
@@ -87,7 +68,7 @@ void UnopenedEntities::setLook(KxDbObjectId id, const Look& look)
     if (!entry)
         return;
     std::string place;
-    appendLength(place, placeOf(look), kLookLaterWidth);
+    appendVarNumber(place, placeOf(look), kLookLaterWidth);
     m_records.replace(*entry, place.size(), place);
 }
 
@@ -112,8 +93,8 @@ std::optional<UnopenedEntities::Kept> UnopenedEntities::kept(KxDbObjectId id) co
 UnopenedEntities::Kept UnopenedEntities::keptAt(std::uint64_t entry) const
 {
     const char* at = m_records.data() + entry;
-    const Look& look = m_looks[takeLength(at)];
-    const std::size_t length = takeLength(at);
+    const Look& look = m_looks[std::size_t(takeVarNumber(at))];
+    const std::size_t length = std::size_t(takeVarNumber(at));
     return Kept{&look, KxDbPackedGroupsView(std::string_view(at, length))};
 }
 
