@@ -180,7 +180,7 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {
         std::ifstream in(entry.path(), std::ios::binary);
-        inputs.push_back({entry.path().filename().string(), std::string{std::istreambuf_iterator<char>(in), {}}});
+        inputs.push_back({entry.path().filename().string(), std::string{std::istreambuf_iterator<char>(in), {}}, 4});
     }
     for (const Input& input : inputs) {
         const auto [peak, error] = readMeasured(input.text);
