@@ -161,19 +161,18 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         bareLines += "0\nLINE\n";
         bareVertices += "11\n0\n";
     }
-    inputs.push_back({"records of their kind alone", smallDrawing(kindsOnly, ""), 4});
+    // Each set of records read once as entities and once as objects.
+    const auto asEntitiesAndObjects = [&](const std::string& what, const std::string& records, std::size_t perByte) {
+        inputs.push_back({"records of their kind" + what, smallDrawing(records, ""), perByte});
+        inputs.push_back({"objects of their kind" + what, smallDrawing("", records), perByte});
+    };
+    asEntitiesAndObjects(" alone", kindsOnly, 4);
     inputs.push_back({"records of their kind and a group", smallDrawing(kindsAndAGroup, ""), 4});
-    inputs.push_back({"objects of their kind alone", smallDrawing("", kindsOnly), 4});
-    inputs.push_back({"records of their kind and handles", smallDrawing(kindsAndHandles, ""), 2});
-    inputs.push_back({"objects of their kind and handles", smallDrawing("", kindsAndHandles), 2});
-    inputs.push_back({"records of their kind and handles with gaps", smallDrawing(kindsAndGaps, ""), 4});
-    inputs.push_back({"objects of their kind and handles with gaps", smallDrawing("", kindsAndGaps), 4});
-    inputs.push_back({"records of their kind and handles in no order", smallDrawing(kindsInNoOrder, ""), 4});
-    inputs.push_back({"objects of their kind and handles in no order", smallDrawing("", kindsInNoOrder), 4});
-    inputs.push_back({"records of their kind and handles far apart", smallDrawing(kindsFarApart, ""), 4});
-    inputs.push_back({"objects of their kind and handles far apart", smallDrawing("", kindsFarApart), 4});
-    inputs.push_back({"records of their kind and handles anywhere", smallDrawing(kindsAnywhere, ""), 4});
-    inputs.push_back({"objects of their kind and handles anywhere", smallDrawing("", kindsAnywhere), 4});
+    asEntitiesAndObjects(" and handles", kindsAndHandles, 2);
+    asEntitiesAndObjects(" and handles with gaps", kindsAndGaps, 4);
+    asEntitiesAndObjects(" and handles in no order", kindsInNoOrder, 4);
+    asEntitiesAndObjects(" and handles far apart", kindsFarApart, 4);
+    asEntitiesAndObjects(" and handles anywhere", kindsAnywhere, 4);
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 4});
     inputs.push_back({"lines of no groups", smallDrawing(bareLines, ""), 4});
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 2});
