@@ -7,7 +7,7 @@
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
-#include "kaldo/db/UnopenedEntities.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kxdbdict.h"
 #include "kxdbmline.h"
 #include "kxdbmlstyle.h"
@@ -16,7 +16,7 @@
 KxDbDatabase::KxDbDatabase(bool buildDefault)
     : m_handles(std::make_unique<kaldo::HandleTable>()),
       m_undo(std::make_unique<kaldo::UndoHistory>(*this)),
-      m_unopened(std::make_unique<kaldo::UnopenedEntities>(*this))
+      m_unopened(std::make_unique<kaldo::UnopenedRecords>(*this))
 {
     if (buildDefault)
         buildDefaultDrawing();
@@ -215,9 +215,7 @@ Kald::ErrorStatus KxDbDatabase::setRoots(const KxDbDatabaseRoots& roots)
 KxDbIdRuns KxDbDatabase::objectIds() const
 {
     KxDbIdRuns ids;
-    for (const auto& obj : m_objects)
-        ids.push_back(obj->objectId());
-    m_unopened->appendIds(ids);
+    m_unopened->listWith(m_objects, ids);
     return ids;
 }
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <numbers>
 
-#include "kaldo/db/UnopenedEntities.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kxdbdatabase.h"
 #include "kxdbmline.h"
 
@@ -18,7 +18,7 @@ namespace {
 void makeLaidOutIn(const KxDbMlineStyle& style)
 {
     if (KxDbDatabase* db = style.database(); db && !style.objectId().isNull())
-        db->unopenedEntities().makeLaidOutIn(style.objectId());
+        db->unopenedRecords().makeLaidOutIn(style.objectId());
 }
 
 }  // namespace
@@ -52,7 +52,7 @@ bool KxDbMlineStyle::isReferenced() const
         if (!cls || !cls->isDerivedFrom(KxDbMline::desc()))
             continue;
         // One kept unopened answers by the style it was kept with.
-        if (const auto kept = db->unopenedEntities().kept(id)) {
+        if (const auto kept = db->unopenedRecords().kept(id)) {
             if (kept->look->style == objectId())
                 return true;
             continue;

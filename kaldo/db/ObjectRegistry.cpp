@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "kaldo/db/UnopenedEntities.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kxdbdatabase.h"
 #include "kxdbobject.h"
 
@@ -20,7 +20,7 @@ namespace {
 // of consecutive serials: a lookup is two loads, and objects made together
 // (a drawing read from a file) sit together. A page goes away when its last
 // object does, so a long run that makes and drops drawings keeps only the
-// page list, a pointer per 4096 serials. The slot of an entity kept
+// page list, a pointer per 4096 serials. The slot of a record kept
 // unopened holds its entry, shifted and tagged by the lowest bit, which no
 // object's address has: the lookups that give an object make it first.
 class Registry {
@@ -48,7 +48,7 @@ public:
     void skipTo(std::uint64_t serial) { m_lastSerial = std::max(m_lastSerial, serial); }
 
     // serial was given out before and is free now, or names an unopened
-    // entity that obj was made from.
+    // record that obj was made from.
     void put(std::uint64_t serial, KxDbObject* obj, KxDbDatabase* db)
     {
         Page& page = pageToPut(serial);
@@ -184,14 +184,14 @@ private:
     }
     static bool isTagged(std::uintptr_t value) { return value & 1; }
     // The object in the slot, made first when the slot names an unopened
-    // entity.
+    // record.
     KxDbObject* made(std::uint64_t serial, const Page& page)
     {
         const std::uintptr_t value = slotValue(page, serial);
         if (!isTagged(value))
             return reinterpret_cast<KxDbObject*>(value);
         KxDbDatabase* db = m_databases[page.databases[slotOf(serial)]];
-        return db->unopenedEntities().make(KxDbObjectId::fromOldId(serial), std::uint64_t(value >> 1));
+        return db->unopenedRecords().make(KxDbObjectId::fromOldId(serial), std::uint64_t(value >> 1));
     }
     static std::size_t pageOf(std::uint64_t serial) { return std::size_t(serial >> kPageBits); }
     static std::size_t slotOf(std::uint64_t serial) { return std::size_t(serial & ((1u << kPageBits) - 1)); }
@@ -332,7 +332,7 @@ bool KxDbObjectId::isValid() const
     return kaldo::registry().holds(asOldId());
 }
 
-// An entity kept unopened is never erased: erasing opens it.
+// A record kept unopened is never erased: erasing opens it.
 bool KxDbObjectId::isErased() const
 {
     if (kaldo::isUnopened(*this))

@@ -26,9 +26,9 @@ void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db);
 // entry (below 2^63) among db's unopenedEntities(): the lookups below
 // make the entity through it, the others do not.
 KxDbObjectId registerUnopened(const KxRxClass* cls, std::uint64_t entry, KxDbDatabase* db);
-// Whether id names an entity kept unopened.
+// Whether id names a record kept unopened.
 bool isUnopened(KxDbObjectId id);
-// The entry an unopened entity's id names, else nothing.
+// The entry an unopened record's id names, else nothing.
 std::optional<std::uint64_t> unopenedEntry(KxDbObjectId id);
 void unregisterObject(KxDbObjectId id);
 // A database that goes, after its objects: its place in the table is free

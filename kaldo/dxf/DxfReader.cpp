@@ -4,7 +4,7 @@
 
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
-#include "kaldo/db/UnopenedEntities.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/DefaultRecords.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/EntityRecords.h"
@@ -254,9 +254,9 @@ bool styleUnopened(KxDbDatabase& db, const ReadContext::StyleReference& ref, con
     const bool fits = outline.vertices == 0 || (outline.elements >= 0 && std::size_t(outline.elements) == listed);
     if (fits && order)
         return false;
-    kaldo::UnopenedEntities& unopened = db.unopenedEntities();
-    const std::optional<kaldo::UnopenedEntities::Kept> kept = unopened.kept(ref.mline);
-    kaldo::UnopenedEntities::Look look = *kept->look;
+    kaldo::UnopenedRecords& unopened = db.unopenedRecords();
+    const std::optional<kaldo::UnopenedRecords::Kept> kept = unopened.kept(ref.mline);
+    kaldo::UnopenedRecords::Look look = *kept->look;
     look.style = style.objectId();
     look.layOut = !fits;
     if (!fits) {

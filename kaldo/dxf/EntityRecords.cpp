@@ -2,7 +2,7 @@
 
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/RecordRun.h"
-#include "kaldo/db/UnopenedEntities.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/MlineRecord.h"
@@ -50,7 +50,7 @@ struct EntityLook {
         return readColorGroup(g, color);
     }
     // The layer and linetype the names give, added when missing.
-    void resolve(ReadContext& context, kaldo::UnopenedEntities::Look& resolved) const
+    void resolve(ReadContext& context, kaldo::UnopenedRecords::Look& resolved) const
     {
         bool same = true;
         resolved.layer = context.layer(layer.empty() ? "0" : layer, &same);
@@ -60,7 +60,7 @@ struct EntityLook {
     }
     // Names spelled otherwise than their records (other capitals) are
     // kept as spelled, so that they are written back so.
-    void applyTo(KxDbEntity& entity, const kaldo::UnopenedEntities::Look& resolved, RecordBasics& basics) const
+    void applyTo(KxDbEntity& entity, const kaldo::UnopenedRecords::Look& resolved, RecordBasics& basics) const
     {
         entity.setLayer(resolved.layer);
         if (resolved.layerSpelledOtherwise)
@@ -75,7 +75,7 @@ struct EntityLook {
     }
     void applyTo(KxDbEntity& entity, ReadContext& context, RecordBasics& basics) const
     {
-        kaldo::UnopenedEntities::Look resolved;
+        kaldo::UnopenedRecords::Look resolved;
         resolve(context, resolved);
         applyTo(entity, resolved, basics);
     }
@@ -296,7 +296,7 @@ std::size_t objectBytes(const KxDbEntity& entity)
 
 // Makes a multiline kept unopened as readEntity and the style's
 // resolution once the file was read would have made it.
-std::unique_ptr<KxDbEntity> makeUnopenedMline(const Record& record, const kaldo::UnopenedEntities::Look& look)
+std::unique_ptr<KxDbEntity> makeUnopenedMline(const Record& record, const kaldo::UnopenedRecords::Look& look)
 {
     RecordBasics basics;
     EntityLook entityLook;
@@ -317,7 +317,7 @@ std::unique_ptr<KxDbEntity> makeUnopenedMline(const Record& record, const kaldo:
 }
 
 // Makes an entity kept unopened as readEntity would have made it.
-std::unique_ptr<KxDbEntity> makeUnopened(const kaldo::UnopenedEntities::Look& look, KxDbPackedGroupsView groups)
+std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& look, KxDbPackedGroupsView groups)
 {
     Record record;
     record.assign(look.kind, groups);
@@ -340,12 +340,13 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
     const KxDbPackedGroupsView groups = record.packedGroups();
     if (2 * groups.bytes().size() >= objectBytes(*parts.entity))
         return false;
-    kaldo::UnopenedEntities::Look look;
+    kaldo::UnopenedRecords::Look look;
     look.kind = record.kind();
-    look.block = block.isNull() ? blockOf(parts.basics, context) : block;
+    look.owner = block.isNull() ? blockOf(parts.basics, context) : block;
+    look.maker = &makeUnopened;
     parts.look.resolve(context, look);
-    return !context.db.unopenedEntities()
-                .keep(parts.entity->isA(), look, groups, context.fileHandle(parts.basics.handle), &makeUnopened)
+    return !context.db.unopenedRecords()
+                .keep(parts.entity->isA(), look, groups, context.fileHandle(parts.basics.handle))
                 .isNull();
 }
 
@@ -363,12 +364,13 @@ bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId 
     MlineStyleLink styleLink;
     const MlineOutline outline = checkMline(
         record, basics, [&look](const Group& g) { return look.take(g); }, styleLink, context.mlineLists);
-    kaldo::UnopenedEntities::Look resolved;
+    kaldo::UnopenedRecords::Look resolved;
     resolved.kind = record.kind();
-    resolved.block = block.isNull() ? blockOf(basics, context) : block;
+    resolved.owner = block.isNull() ? blockOf(basics, context) : block;
+    resolved.maker = &makeUnopened;
     look.resolve(context, resolved);
-    const KxDbObjectId id = context.db.unopenedEntities().keep(
-        KxDbMline::desc(), resolved, groups, context.fileHandle(basics.handle), &makeUnopened, true);
+    const KxDbObjectId id = context.db.unopenedRecords().keep(
+        KxDbMline::desc(), resolved, groups, context.fileHandle(basics.handle), true);
     if (id.isNull())
         return false;
     context.styleReferences.push_back({id, styleLink.handle, styleLink.name, styleLink.line});

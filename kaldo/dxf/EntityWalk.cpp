@@ -1,15 +1,20 @@
 #include "kaldo/dxf/EntityWalk.h"
 
 #include "kaldo/db/RecordRun.h"
-#include "kaldo/db/UnopenedEntities.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kxdbdatabase.h"
 
 namespace kaldo::dxf {
 
 const KxDbEntity* entityToWrite(const KxDbDatabase& db, KxDbObjectId id, std::unique_ptr<KxDbEntity>& aside)
 {
-    aside = db.unopenedEntities().makeAside(id);
-    return aside ? aside.get() : KxDbEntity::cast(db.peekObject(id));
+    std::unique_ptr<KxDbObject> made = db.unopenedRecords().makeAside(id);
+    if (!made)
+        return KxDbEntity::cast(db.peekObject(id));
+    aside.reset(KxDbEntity::cast(made.get()));
+    if (aside)
+        made.release();
+    return aside.get();
 }
 
 EntityWalk::EntityWalk(const KxDbDatabase& db, std::vector<KxDbObjectId> blocks, std::size_t size)

@@ -23,7 +23,7 @@ class KxDbLinetypeTable;
 namespace kaldo {
 class HandleTable;
 class UndoHistory;
-class UnopenedEntities;
+class UnopenedRecords;
 }
 
 inline constexpr const wchar_t* kxdbMlineStyleDictionaryName = L"ACAD_MLINESTYLE";
@@ -70,9 +70,9 @@ public:
     // eWrongObjectType when one is missing or of another class. Model space
     // becomes the current space.
     Kald::ErrorStatus setRoots(const KxDbDatabaseRoots& roots);
-    // Every object (erased ones too) in the order they were added, the
-    // entities a file reader keeps unopened after them: runs of ids, as a
-    // drawing read from a file gives its objects consecutive ones.
+    // Every object (erased ones too) in the order they were added, those a
+    // file reader keeps unopened among them: runs of ids, as a drawing read
+    // from a file gives its objects consecutive ones.
     KxDbIdRuns objectIds() const;
 
     KxDbObjectId namedObjectsDictionaryId() const { return m_namedObjects; }
@@ -145,14 +145,14 @@ public:
     // and restored (see kaldo/db/UndoHistory.h).
     kaldo::UndoHistory& undoHistory() const { return *m_undo; }
 
-    // Entities a file reader keeps as their records until they are first
-    // opened (kaldo/db/UnopenedEntities.h).
-    kaldo::UnopenedEntities& unopenedEntities() const { return *m_unopened; }
+    // Entities and objects a file reader keeps as their records until they
+    // are first opened (kaldo/db/UnopenedRecords.h).
+    kaldo::UnopenedRecords& unopenedRecords() const { return *m_unopened; }
 
 private:
     friend class KxDbObject;
     friend class kaldo::UndoHistory;
-    friend class kaldo::UnopenedEntities;
+    friend class kaldo::UnopenedRecords;
 
     // What the database keeps besides its objects and writes to a file's
     // header; undo copies it whole.
@@ -181,7 +181,7 @@ private:
     // of an addition.
     std::unique_ptr<KxDbObject> detachObject(KxDbObjectId id, std::uint64_t& handle);
     void reattachObject(std::unique_ptr<KxDbObject> obj, std::uint64_t handle);
-    // Gives an entity made from its kept record the id and owner it was
+    // Gives an object made from its kept record the id and owner it was
     // kept with, closed.
     static void nameMade(KxDbObject& obj, KxDbObjectId id, KxDbObjectId owner);
 
@@ -196,5 +196,5 @@ private:
     KxDbObjectId m_byLayer, m_byBlock, m_continuous;
     Header m_header;
     std::unique_ptr<kaldo::UndoHistory> m_undo;
-    std::unique_ptr<kaldo::UnopenedEntities> m_unopened;
+    std::unique_ptr<kaldo::UnopenedRecords> m_unopened;
 };

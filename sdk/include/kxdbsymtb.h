@@ -20,7 +20,7 @@
 class KxDbSymbolTableIterator;
 class KxDbBlockTableRecordIterator;
 namespace kaldo {
-class UnopenedEntities;
+class UnopenedRecords;
 }
 
 class KxDbSymbolTableRecord : public KxDbObject {
@@ -126,7 +126,7 @@ public:
 
 private:
     friend class kaldo::UndoHistory;
-    friend class kaldo::UnopenedEntities;
+    friend class kaldo::UnopenedRecords;
     // Undo: cuts the list after its first keep entities and appends tail,
     // which receives the entities cut.
     void exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail);

@@ -1,0 +1,171 @@
+#include "kaldo/db/UnopenedRecords.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+
+#include "kaldo/db/HandleTable.h"
+#include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/UndoHistory.h"
+#include "kaldo/db/VarNumber.h"
+#include "kxdbdatabase.h"
+#include "kxdbents.h"
+#include "kxdbsymtb.h"
+
+namespace kaldo {
+
+namespace {
+
+// The bytes of a look's place kept with room for another.
+constexpr int kLookLaterWidth = 5;
+
+}  // namespace
+
+UnopenedRecords::~UnopenedRecords()
+{
+    for (const KxDbObjectId id : m_ids)
+        unregisterObject(id);
+}
+
+std::size_t UnopenedRecords::LookHash::operator()(const Look& look) const
+{
+    std::size_t hash = std::hash<std::string>()(look.kind);
+    for (const KxDbObjectId id : {look.owner, look.layer, look.linetype, look.style})
+        hash = hash * 31 + std::hash<std::uint64_t>()(id.asOldId());
+    hash = hash * 31 + std::hash<Maker>()(look.maker);
+    return hash * 8 + (look.layerSpelledOtherwise ? 4 : 0) + (look.linetypeSpelledOtherwise ? 2 : 0)
+           + (look.layOut ? 1 : 0);
+}
+
+KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups,
+                                   std::uint64_t handle, bool lookLater)
+{
+    KxDbBlockTableRecord* block = nullptr;
+    if (cls->isDerivedFrom(KxDbEntity::desc())) {
+        block = KxDbBlockTableRecord::cast(m_db.peekObject(look.owner));
+        if (!block)
+            return {};
+    }
+    if (handle == 0 || !m_db.objectIdFromHandle(handle).isNull())
+        handle = m_db.newHandle();
+    if (!m_db.m_undo->addedUnrecorded(handle))
+        return {};
+    if (handle <= kxdbHighestHandle)
+        m_db.m_header.handseed = std::max(m_db.m_header.handseed, handle + 1);
+    const std::uint64_t entry = m_records.size();
+    appendVarNumber(m_records, placeOf(look), lookLater ? kLookLaterWidth : 1);
+    appendVarNumber(m_records, groups.bytes().size());
+    m_records.append(groups.bytes());
+    const KxDbObjectId id = registerUnopened(cls, entry, &m_db);
+    m_ids.push_back(id);
+    noteListed();
+    m_db.m_handles->insert(handle, id);
+    if (block)
+        block->m_entities.push_back(id);
+    m_db.noteChange();
+    return id;
+}
+
+void UnopenedRecords::noteListed()
+{
+    const KxDbObjectId after = m_db.m_objects.empty() ? KxDbObjectId() : m_db.m_objects.back()->objectId();
+    if (m_listed.empty() || m_listed.back().after != after)
+        m_listed.push_back({after, 0});
+    ++m_listed.back().count;
+}
+
+std::size_t UnopenedRecords::placeOf(const Look& look)
+{
+    // Records of a file mostly share the look of the one before.
+    if (m_latestLook < m_looks.size() && m_looks[m_latestLook] == look)
+        return m_latestLook;
+    const auto [known, added] = m_lookPlaces.try_emplace(look, m_looks.size());
+    if (added)
+        m_looks.push_back(look);
+    m_latestLook = known->second;
+    return m_latestLook;
+}
+
+void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
+{
+    const std::optional<std::uint64_t> entry = unopenedEntry(id);
+    if (!entry)
+        return;
+    std::string place;
+    appendVarNumber(place, placeOf(look), kLookLaterWidth);
+    m_records.replace(*entry, place.size(), place);
+}
+
+void UnopenedRecords::makeLaidOutIn(KxDbObjectId style)
+{
+    const auto laidOutIn = [style](const Look& look) { return look.layOut && look.style == style; };
+    if (std::none_of(m_looks.begin(), m_looks.end(), laidOutIn))
+        return;
+    for (const KxDbObjectId id : m_ids)
+        if (const std::optional<std::uint64_t> entry = unopenedEntry(id); entry && laidOutIn(*keptAt(*entry).look))
+            make(id, *entry);
+}
+
+std::optional<UnopenedRecords::Kept> UnopenedRecords::kept(KxDbObjectId id) const
+{
+    const std::optional<std::uint64_t> entry = unopenedEntry(id);
+    if (!entry)
+        return std::nullopt;
+    return keptAt(*entry);
+}
+
+UnopenedRecords::Kept UnopenedRecords::keptAt(std::uint64_t entry) const
+{
+    const char* at = m_records.data() + entry;
+    const Look& look = m_looks[std::size_t(takeVarNumber(at))];
+    const std::size_t length = std::size_t(takeVarNumber(at));
+    return Kept{&look, KxDbPackedGroupsView(std::string_view(at, length))};
+}
+
+KxDbObject* UnopenedRecords::make(KxDbObjectId id, std::uint64_t entry)
+{
+    const std::lock_guard lock(m_making);
+    // Made on another thread while this one waited.
+    if (!isUnopened(id))
+        return lookupObject(id);
+    std::unique_ptr<KxDbObject> object = makeFrom(id, entry);
+    KxDbObject* made = object.get();
+    registerObjectAs(id, made, &m_db);
+    m_made.push_back(std::move(object));
+    return made;
+}
+
+std::unique_ptr<KxDbObject> UnopenedRecords::makeAside(KxDbObjectId id) const
+{
+    const std::optional<std::uint64_t> entry = unopenedEntry(id);
+    return entry ? makeFrom(id, *entry) : nullptr;
+}
+
+std::unique_ptr<KxDbObject> UnopenedRecords::makeFrom(KxDbObjectId id, std::uint64_t entry) const
+{
+    const Kept record = keptAt(entry);
+    std::unique_ptr<KxDbObject> object = record.look->maker(*record.look, record.groups);
+    KxDbDatabase::nameMade(*object, id, record.look->owner);
+    return object;
+}
+
+void UnopenedRecords::listWith(const std::vector<std::unique_ptr<KxDbObject>>& objects, KxDbIdRuns& ids) const
+{
+    auto kept = m_ids.begin();
+    auto listed = m_listed.begin();
+    const auto listAfter = [&](KxDbObjectId after) {
+        for (; listed != m_listed.end() && listed->after == after; ++listed)
+            for (std::size_t i = 0; i < listed->count; ++i)
+                ids.push_back(*kept++);
+    };
+    listAfter(KxDbObjectId());
+    for (const auto& object : objects) {
+        ids.push_back(object->objectId());
+        listAfter(object->objectId());
+    }
+    // After objects taken out since (none while a file is read): last.
+    for (; kept != m_ids.end(); ++kept)
+        ids.push_back(*kept);
+}
+
+}  // namespace kaldo

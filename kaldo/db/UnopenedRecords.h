@@ -1,0 +1,132 @@
+// Records a file reader keeps as read until they are first opened: a file
+// can spend a few bytes on an entity or object whose object costs a
+// hundred. The reader checks such a record in full, then keeps its packed
+// groups in one store of the database (no allocation per record) with
+// what the reader resolved by name (its look: kind, owner, layer,
+// linetype, and the reader's code that makes it); the registry's slot for
+// its id names the record instead of an object and knows its class and
+// database, the handle table its handle. An entity's block lists its id;
+// an object is in no block. Whatever looks the id up (every open,
+// peekObject) gets an object made from the record by the reader's own
+// code, which the store holds from then on; making one changes nothing
+// else (no undo record, no change counted), so it is invisible. The
+// database lists every record kept, opened or not, in the place among its
+// objects where it was kept (listWith), so that objects keep the file's
+// order.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "kxdbid.h"
+#include "kxdbidruns.h"
+#include "kxdbunmodelled.h"
+
+class KxDbDatabase;
+class KxDbObject;
+class KxRxClass;
+
+namespace kaldo {
+
+class UnopenedRecords {
+public:
+    struct Look;
+    // Makes the object from its record's groups and look, as the reader
+    // would have made it.
+    using Maker = std::unique_ptr<KxDbObject> (*)(const Look& look, KxDbPackedGroupsView groups);
+    // What a record does not say by itself: the names it gives resolved to
+    // records, whether it spells them otherwise than they are spelled, and
+    // the code that makes its object.
+    struct Look {
+        std::string kind;
+        // An entity's block, an object's owner.
+        KxDbObjectId owner;
+        KxDbObjectId layer, linetype;
+        bool layerSpelledOtherwise = false;
+        bool linetypeSpelledOtherwise = false;
+        // A multiline's style, and whether its vertices are laid out anew
+        // in it rather than kept as listed.
+        KxDbObjectId style;
+        bool layOut = false;
+        Maker maker = nullptr;
+        friend bool operator==(const Look&, const Look&) = default;
+    };
+
+    explicit UnopenedRecords(KxDbDatabase& db) : m_db(db) {}
+    // Takes the ids of the records kept, opened or not, out of the registry.
+    ~UnopenedRecords();
+    UnopenedRecords(const UnopenedRecords&) = delete;
+    UnopenedRecords& operator=(const UnopenedRecords&) = delete;
+
+    // Keeps a record of class cls under handle (a new one when 0 or
+    // taken), as addObject would add the object made, and an entity
+    // appended to look.owner (a block) as appendKxDbEntity would; null,
+    // keeping nothing, while the undo history records (the object must
+    // then be added as one) or when an entity's owner is no block.
+    // lookLater leaves room for setLook.
+    KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
+                      bool lookLater = false);
+    // Gives a record kept with lookLater, not opened yet, another look
+    // (a multiline's style, found once the whole file is read).
+    void setLook(KxDbObjectId id, const Look& look);
+    // Makes the multilines kept to be laid out anew in style when made, so
+    // that they take the style as it is before it changes.
+    void makeLaidOutIn(KxDbObjectId style);
+    // The look and groups of a record kept unopened; nothing for any other
+    // id.
+    struct Kept {
+        const Look* look = nullptr;
+        KxDbPackedGroupsView groups;
+    };
+    std::optional<Kept> kept(KxDbObjectId id) const;
+    // The object the registry names by entry for id, made now (or just
+    // before, on another thread).
+    KxDbObject* make(KxDbObjectId id, std::uint64_t entry);
+    // When id names a record kept unopened, an object made from it for a
+    // moment (saving writes it so), which the drawing does not hold: the id
+    // and owner of the kept one, closed. Else null.
+    std::unique_ptr<KxDbObject> makeAside(KxDbObjectId id) const;
+    // Lists the ids of objects, with those of the records kept (opened or
+    // not) in their places among them.
+    void listWith(const std::vector<std::unique_ptr<KxDbObject>>& objects, KxDbIdRuns& ids) const;
+
+private:
+    std::size_t placeOf(const Look& look);
+    Kept keptAt(std::uint64_t entry) const;
+    std::unique_ptr<KxDbObject> makeFrom(KxDbObjectId id, std::uint64_t entry) const;
+    // Notes a record kept after the database's latest object.
+    void noteListed();
+
+    KxDbDatabase& m_db;
+    // Every record kept: the place of its look (a byte while below 128,
+    // more as needed; always five when kept with lookLater), its groups'
+    // length so, then the groups.
+    std::string m_records;
+    std::vector<Look> m_looks;
+    struct LookHash {
+        std::size_t operator()(const Look& look) const;
+    };
+    std::unordered_map<Look, std::size_t, LookHash> m_lookPlaces;
+    std::size_t m_latestLook = 0;
+    // The ids kept, in order: a file's records get consecutive ids.
+    KxDbIdRuns m_ids;
+    // Where they lie among the database's objects: so many after the
+    // object named (null: before all), in the order of m_ids.
+    struct Listed {
+        KxDbObjectId after;
+        std::size_t count = 0;
+    };
+    std::vector<Listed> m_listed;
+    // The objects made from records kept.
+    std::vector<std::unique_ptr<KxDbObject>> m_made;
+    std::mutex m_making;
+};
+
+}  // namespace kaldo
