@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "kaldo/db/UnopenedRecords.h"
 #include "kxdbdatabase.h"
 #include "kxdbdict.h"
 #include "kxdbsymtb.h"
@@ -105,6 +106,9 @@ SortTables::SortTables(KxDbDatabase& db) : m_db(db)
     for (const KxDbObjectId id : db.objectIds()) {
         const KxRxClass* cls = id.objectClass();
         if (!cls || !cls->isDerivedFrom(KxDbUnmodelledObject::desc()))
+            continue;
+        // Records kept unopened of other kinds stay so.
+        if (const auto kept = db.unopenedRecords().kept(id); kept && kept->look->kind != kTableKind)
             continue;
         const auto* record = KxDbUnmodelledObject::cast(db.peekObject(id));
         if (record && !record->isErased() && record->dxfName() == kTableKind)

@@ -7,6 +7,7 @@
 #include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/StateBytes.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kxdbmline.h"
 #include "kxdbsymtb.h"
 
@@ -150,9 +151,12 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
     for (std::unique_ptr<KxDbObject>& object : m_db.m_objects) {
         const auto found = byObject.find(object->objectId().asOldId());
         objects.push_back(std::move(object));
-        if (found != byObject.end())
-            for (auto& [inserted, handle] : found->second->objects)
-                objects.push_back(std::move(inserted));
+        if (found == byObject.end())
+            continue;
+        for (auto& [inserted, handle] : found->second->objects)
+            objects.push_back(std::move(inserted));
+        // Records kept unopened after the object come after what follows it now.
+        m_db.unopenedRecords().relist(KxDbObjectId::fromOldId(found->first), objects.back()->objectId());
     }
     m_db.m_objects = std::move(objects);
 }

@@ -16,8 +16,10 @@ namespace kaldo {
 
 namespace {
 
-// The bytes of a look's place kept with room for another.
+// The bytes of a look's place kept with room for another, and of an
+// owner not known yet, with room for serials of 35 bits.
 constexpr int kLookLaterWidth = 5;
+constexpr int kOwnerLaterWidth = 5;
 
 }  // namespace
 
@@ -33,12 +35,12 @@ std::size_t UnopenedRecords::LookHash::operator()(const Look& look) const
     for (const KxDbObjectId id : {look.owner, look.layer, look.linetype, look.style})
         hash = hash * 31 + std::hash<std::uint64_t>()(id.asOldId());
     hash = hash * 31 + std::hash<Maker>()(look.maker);
-    return hash * 8 + (look.layerSpelledOtherwise ? 4 : 0) + (look.linetypeSpelledOtherwise ? 2 : 0)
-           + (look.layOut ? 1 : 0);
+    return hash * 16 + (look.ownerInRecord ? 8 : 0) + (look.layerSpelledOtherwise ? 4 : 0)
+           + (look.linetypeSpelledOtherwise ? 2 : 0) + (look.layOut ? 1 : 0);
 }
 
 KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups,
-                                   std::uint64_t handle, bool lookLater)
+                                   std::uint64_t handle, bool lookLater, KxDbObjectId owner)
 {
     KxDbBlockTableRecord* block = nullptr;
     if (cls->isDerivedFrom(KxDbEntity::desc())) {
@@ -54,6 +56,8 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
         m_db.m_header.handseed = std::max(m_db.m_header.handseed, handle + 1);
     const std::uint64_t entry = m_records.size();
     appendVarNumber(m_records, placeOf(look), lookLater ? kLookLaterWidth : 1);
+    if (look.ownerInRecord)
+        appendVarNumber(m_records, owner.asOldId(), owner.isNull() ? kOwnerLaterWidth : 1);
     appendVarNumber(m_records, groups.bytes().size());
     m_records.append(groups.bytes());
     const KxDbObjectId id = registerUnopened(cls, entry, &m_db);
@@ -96,6 +100,24 @@ void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
     m_records.replace(*entry, place.size(), place);
 }
 
+bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
+{
+    const std::optional<std::uint64_t> entry = unopenedEntry(id);
+    if (!entry)
+        return false;
+    const char* at = m_records.data() + *entry;
+    if (!m_looks[std::size_t(takeVarNumber(at))].ownerInRecord)
+        return false;
+    const char* ownerAt = at;
+    takeVarNumber(at);
+    std::string serial;
+    appendVarNumber(serial, owner.asOldId(), int(at - ownerAt));
+    if (serial.size() != std::size_t(at - ownerAt))
+        return false;
+    m_records.replace(std::size_t(ownerAt - m_records.data()), serial.size(), serial);
+    return true;
+}
+
 void UnopenedRecords::makeLaidOutIn(KxDbObjectId style)
 {
     const auto laidOutIn = [style](const Look& look) { return look.layOut && look.style == style; };
@@ -114,12 +136,26 @@ std::optional<UnopenedRecords::Kept> UnopenedRecords::kept(KxDbObjectId id) cons
     return keptAt(*entry);
 }
 
+void UnopenedRecords::forEachOwnerUnknown(const std::function<void(KxDbObjectId, const Kept&)>& see) const
+{
+    const auto seeUnknown = [&](KxDbObjectId id, std::uint64_t entry) {
+        if (const Kept record = keptAt(entry); record.look->ownerInRecord && record.owner.isNull())
+            see(id, record);
+    };
+    for (const KxDbObjectId id : m_ids)
+        if (const std::optional<std::uint64_t> entry = unopenedEntry(id))
+            seeUnknown(id, *entry);
+    for (std::size_t i = 0; i < m_made.size(); ++i)
+        seeUnknown(m_made[i]->objectId(), m_madeEntries[i]);
+}
+
 UnopenedRecords::Kept UnopenedRecords::keptAt(std::uint64_t entry) const
 {
     const char* at = m_records.data() + entry;
     const Look& look = m_looks[std::size_t(takeVarNumber(at))];
+    const KxDbObjectId owner = look.ownerInRecord ? KxDbObjectId::fromOldId(takeVarNumber(at)) : look.owner;
     const std::size_t length = std::size_t(takeVarNumber(at));
-    return Kept{&look, KxDbPackedGroupsView(std::string_view(at, length))};
+    return Kept{&look, owner, KxDbPackedGroupsView(std::string_view(at, length))};
 }
 
 KxDbObject* UnopenedRecords::make(KxDbObjectId id, std::uint64_t entry)
@@ -132,6 +168,7 @@ KxDbObject* UnopenedRecords::make(KxDbObjectId id, std::uint64_t entry)
     KxDbObject* made = object.get();
     registerObjectAs(id, made, &m_db);
     m_made.push_back(std::move(object));
+    m_madeEntries.push_back(entry);
     return made;
 }
 
@@ -145,7 +182,7 @@ std::unique_ptr<KxDbObject> UnopenedRecords::makeFrom(KxDbObjectId id, std::uint
 {
     const Kept record = keptAt(entry);
     std::unique_ptr<KxDbObject> object = record.look->maker(*record.look, record.groups);
-    KxDbDatabase::nameMade(*object, id, record.look->owner);
+    KxDbDatabase::nameMade(*object, id, record.owner);
     return object;
 }
 
@@ -166,6 +203,13 @@ void UnopenedRecords::listWith(const std::vector<std::unique_ptr<KxDbObject>>& o
     // After objects taken out since (none while a file is read): last.
     for (; kept != m_ids.end(); ++kept)
         ids.push_back(*kept);
+}
+
+void UnopenedRecords::relist(KxDbObjectId from, KxDbObjectId to)
+{
+    for (Listed& listed : m_listed)
+        if (listed.after == from)
+            listed.after = to;
 }
 
 }  // namespace kaldo

@@ -17,6 +17,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -48,6 +49,9 @@ public:
         std::string kind;
         // An entity's block, an object's owner.
         KxDbObjectId owner;
+        // An object that names an owner keeps it with its record instead:
+        // a file's objects name many owners.
+        bool ownerInRecord = false;
         KxDbObjectId layer, linetype;
         bool layerSpelledOtherwise = false;
         bool linetypeSpelledOtherwise = false;
@@ -70,22 +74,32 @@ public:
     // appended to look.owner (a block) as appendKxDbEntity would; null,
     // keeping nothing, while the undo history records (the object must
     // then be added as one) or when an entity's owner is no block.
-    // lookLater leaves room for setLook.
+    // lookLater leaves room for setLook. owner is the record's own when
+    // the look says so (null while not known yet, see setOwner).
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
-                      bool lookLater = false);
+                      bool lookLater = false, KxDbObjectId owner = {});
     // Gives a record kept with lookLater, not opened yet, another look
     // (a multiline's style, found once the whole file is read).
     void setLook(KxDbObjectId id, const Look& look);
+    // Gives a record not opened yet, kept with its owner not known, the
+    // owner found once the whole file is read; false when id names no
+    // record kept unopened with its owner, or the owner's serial does not
+    // fit the room kept (the record must then be opened).
+    bool setOwner(KxDbObjectId id, KxDbObjectId owner);
     // Makes the multilines kept to be laid out anew in style when made, so
     // that they take the style as it is before it changes.
     void makeLaidOutIn(KxDbObjectId style);
-    // The look and groups of a record kept unopened; nothing for any other
-    // id.
+    // The look, owner and groups of a record kept unopened; nothing for any
+    // other id.
     struct Kept {
         const Look* look = nullptr;
+        KxDbObjectId owner;
         KxDbPackedGroupsView groups;
     };
     std::optional<Kept> kept(KxDbObjectId id) const;
+    // Calls see(id, kept) for every record kept with its owner not known
+    // (see setOwner), opened since or not.
+    void forEachOwnerUnknown(const std::function<void(KxDbObjectId, const Kept&)>& see) const;
     // The object the registry names by entry for id, made now (or just
     // before, on another thread).
     KxDbObject* make(KxDbObjectId id, std::uint64_t entry);
@@ -96,6 +110,9 @@ public:
     // Lists the ids of objects, with those of the records kept (opened or
     // not) in their places among them.
     void listWith(const std::vector<std::unique_ptr<KxDbObject>>& objects, KxDbIdRuns& ids) const;
+    // The records kept after the object from are now listed after to
+    // (objects put in after from, in its place).
+    void relist(KxDbObjectId from, KxDbObjectId to);
 
 private:
     std::size_t placeOf(const Look& look);
@@ -106,8 +123,9 @@ private:
 
     KxDbDatabase& m_db;
     // Every record kept: the place of its look (a byte while below 128,
-    // more as needed; always five when kept with lookLater), its groups'
-    // length so, then the groups.
+    // more as needed; always five when kept with lookLater), its owner's
+    // serial so when the look keeps it there (five bytes while not known),
+    // its groups' length so, then the groups.
     std::string m_records;
     std::vector<Look> m_looks;
     struct LookHash {
@@ -124,8 +142,9 @@ private:
         std::size_t count = 0;
     };
     std::vector<Listed> m_listed;
-    // The objects made from records kept.
+    // The objects made from records kept, and the records' entries.
     std::vector<std::unique_ptr<KxDbObject>> m_made;
+    std::vector<std::uint64_t> m_madeEntries;
     std::mutex m_making;
 };
 

@@ -169,6 +169,7 @@ std::wstring freeKey(const KxDbDictionary& dict, const std::wstring& name)
 
 void resolveReferences(ReadContext& context)
 {
+    noteKeptOwners(context);
     separateNamedRunRecords(context);
     KxDbDatabase& db = context.db;
     for (const ReadContext::DictionaryEntry& entry : context.dictionaryEntries) {
@@ -197,9 +198,12 @@ void resolveReferences(ReadContext& context)
         dict->setAt(key.c_str(), obj, id);
     }
     for (const ReadContext::OwnerReference& ref : context.ownerReferences) {
-        KxDbObject* obj = db.peekObject(ref.object);
         const KxDbObjectId owner = db.objectIdFromHandle(ref.owner);
-        if (obj && !owner.isNull() && obj->ownerId().isNull())
+        // An object kept unopened keeps its owner with its record.
+        if (owner.isNull() || db.unopenedRecords().setOwner(ref.object, owner))
+            continue;
+        KxDbObject* obj = db.peekObject(ref.object);
+        if (obj && obj->ownerId().isNull())
             obj->setOwnerId(owner);
     }
 }

@@ -5,6 +5,7 @@
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/EntityWalk.h"
@@ -22,6 +23,7 @@
 #include "kxdbunmodelled.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace kaldo::dxf {
@@ -137,11 +139,14 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     const KxDbObject* root = db.peekObject(db.namedObjectsDictionaryId());
     if (root)
         writeObject(w, db, *root);
+    std::unique_ptr<KxDbObject> aside;
     for (const KxDbObjectId id : db.objectIds()) {
-        // Entities kept unopened were written with their blocks.
-        if (kaldo::isUnopened(id))
+        // Entities kept unopened were written with their blocks; objects
+        // kept so are written from an object made for the moment.
+        if (kaldo::isUnopened(id) && id.objectClass()->isDerivedFrom(KxDbEntity::desc()))
             continue;
-        const KxDbObject* obj = db.peekObject(id);
+        aside = db.unopenedRecords().makeAside(id);
+        const KxDbObject* obj = aside ? aside.get() : db.peekObject(id);
         try {
             if (obj && obj != root && !obj->isErased() && writeObject(w, db, *obj))
                 meter.record();

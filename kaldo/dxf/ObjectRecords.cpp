@@ -2,6 +2,7 @@
 
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/RecordRun.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/EntityRecords.h"
 #include "kaldo/dxf/GroupWriter.h"
@@ -71,19 +72,60 @@ void readDictionary(const Record& record, ReadContext& context, bool isRoot)
         context.roots.namedObjects = id;
 }
 
-// Reads in order: code 62 (and 420) is the fill colour before the element
-// count (71) and an element's colour after it.
-void readMlineStyle(const Record& record, ReadContext& context)
+// Keeps an object of class cls whose record takes less than half of
+// objectBytes unopened, to be made by maker when first looked up; false,
+// keeping nothing, when it must be added as an object. Its owner, when it
+// names one, is kept with the record: found by its handle now when the
+// object was read before, else once the whole file is read (noteKeptOwners).
+bool keepUnopened(const Record& record, const RecordBasics& basics, std::size_t objectBytes, const KxRxClass* cls,
+                  kaldo::UnopenedRecords::Maker maker, ReadContext& context)
+{
+    const KxDbPackedGroupsView groups = record.packedGroups();
+    if (2 * groups.bytes().size() >= objectBytes)
+        return false;
+    kaldo::UnopenedRecords::Look look;
+    look.kind = record.kind();
+    look.ownerInRecord = basics.owner != 0;
+    look.maker = maker;
+    const KxDbObjectId owner = look.ownerInRecord ? context.db.objectIdFromHandle(basics.owner) : KxDbObjectId();
+    const KxDbObjectId id =
+        context.db.unopenedRecords().keep(cls, look, groups, context.fileHandle(basics.handle), false, owner);
+    if (id.isNull())
+        return false;
+    if (look.ownerInRecord && owner.isNull())
+        ++context.keptOwnersUnknown;
+    return true;
+}
+
+std::unique_ptr<KxDbObject> makeUnmodelled(const kaldo::UnopenedRecords::Look& look, KxDbPackedGroupsView groups)
+{
+    return std::make_unique<KxDbUnmodelledObject>(look.kind, groups);
+}
+
+// A record kept whole, unopened while it is small beside its object (which
+// holds its groups too).
+void readUnmodelled(const Record& record, ReadContext& context)
+{
+    const RecordBasics basics = rawRecordBasics(record);
+    if (!keepUnopened(record, basics, sizeof(KxDbUnmodelledObject) + record.packedGroups().bytes().size(),
+                      KxDbUnmodelledObject::desc(), &makeUnmodelled, context))
+        context.add(new KxDbUnmodelledObject(record.kind(), record.packedGroups()), basics);
+}
+
+struct StyleElement {
+    double offset = 0;
+    KxCmColor color;
+    std::string linetype;
+};
+
+// The style a record gives but for its elements, which it lists. Reads in
+// order: code 62 (and 420) is the fill colour before the element count
+// (71) and an element's colour after it.
+std::unique_ptr<KxDbMlineStyle> readStyleHead(const Record& record, RecordBasics& basics,
+                                              std::vector<StyleElement>& elements)
 {
     auto style = std::make_unique<KxDbMlineStyle>();
     style->initMlineStyle();
-    RecordBasics basics;
-    struct Element {
-        double offset = 0;
-        KxCmColor color;
-        std::string linetype;
-    };
-    std::vector<Element> elements;
     bool inElements = false;
     KxCmColor fill;
     walkRecord(record, basics, [&](const Group& g) {
@@ -136,6 +178,32 @@ void readMlineStyle(const Record& record, ReadContext& context)
         }
     });
     style->setFillColor(fill);
+    return style;
+}
+
+// Makes a style kept unopened (one without elements) as readMlineStyle
+// would have made it.
+std::unique_ptr<KxDbObject> makeUnopenedStyle(const kaldo::UnopenedRecords::Look& look, KxDbPackedGroupsView groups)
+{
+    Record record;
+    record.assign(look.kind, groups);
+    RecordBasics basics;
+    std::vector<StyleElement> elements;
+    std::unique_ptr<KxDbMlineStyle> style = readStyleHead(record, basics, elements);
+    style->setKeptGroups(std::move(basics.kept));
+    return style;
+}
+
+// A style that lists no elements is kept unopened while its record is
+// small: its elements would need their linetypes found by name.
+void readMlineStyle(const Record& record, ReadContext& context)
+{
+    RecordBasics basics;
+    std::vector<StyleElement> elements;
+    std::unique_ptr<KxDbMlineStyle> style = readStyleHead(record, basics, elements);
+    if (elements.empty()
+        && keepUnopened(record, basics, sizeof(KxDbMlineStyle), KxDbMlineStyle::desc(), &makeUnopenedStyle, context))
+        return;
     // A style holds at most kxdbMaxMlineStyleElements: the first ones the
     // file lists are kept.
     const std::size_t kept = std::min(elements.size(), std::size_t(kxdbMaxMlineStyleElements));
@@ -161,6 +229,17 @@ void readMlineStyle(const Record& record, ReadContext& context)
     const KxDbObjectId id = context.add(style.release(), std::move(basics));
     if (reordered || kept < elements.size())
         context.styleElementOrders[context.db.peekObject(id)->handle()] = {elements.size(), std::move(places)};
+}
+
+// The owner's handle a record kept unopened gives, read as when it was kept.
+std::uint64_t keptOwner(const Record& record)
+{
+    if (record.kind() != "MLINESTYLE")
+        return rawRecordBasics(record).owner;
+    RecordBasics basics;
+    std::vector<StyleElement> elements;
+    readStyleHead(record, basics, elements);
+    return basics.owner;
 }
 
 void writeDictionary(GroupWriter& w, const KxDbDatabase& db, const KxDbDictionary& dict)
@@ -264,8 +343,20 @@ void readObject(const Record& record, ReadContext& context)
         readMlineStyle(record, context);
         return;
     }
-    const RecordBasics basics = rawRecordBasics(record);
-    context.add(new KxDbUnmodelledObject(kind, record.packedGroups()), basics);
+    readUnmodelled(record, context);
+}
+
+void noteKeptOwners(ReadContext& context)
+{
+    if (context.keptOwnersUnknown == 0)
+        return;
+    context.ownerReferences.reserve(context.ownerReferences.size() + context.keptOwnersUnknown);
+    Record record;
+    context.db.unopenedRecords().forEachOwnerUnknown(
+        [&](KxDbObjectId id, const kaldo::UnopenedRecords::Kept& kept) {
+            record.assign(kept.look->kind, kept.groups);
+            context.ownerReferences.push_back({id, keptOwner(record)});
+        });
 }
 
 bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj)

@@ -17,6 +17,10 @@ class GroupWriter;
 // dictionary.
 void readObject(const Record& record, ReadContext& context);
 
+// Notes the owners of the objects kept unopened that were not read before
+// them among the references to resolve once the whole file is read.
+void noteKeptOwners(ReadContext& context);
+
 // Writes an object of the OBJECTS section; false for objects that are
 // written elsewhere (table records, entities, block begin and end).
 bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj);

@@ -72,6 +72,9 @@ struct ReadContext {
         std::uint64_t owner;
     };
     std::vector<OwnerReference> ownerReferences;
+    // Objects kept unopened whose owners were not read before them: their
+    // records give the owners once the whole file is read.
+    std::size_t keptOwnersUnknown = 0;
     // Layers and the names of their linetypes, found once the whole
     // TABLES section is read: the LTYPE table may follow the LAYER table.
     struct LayerLinetype {

@@ -51,13 +51,13 @@ std::string mlineHead(const char* vertices, const char* elements)
 
 // Records of nothing but their kind and a handle, handleOf(i) after 0x1000.
 template <class HandleOf>
-std::string kindsWithHandles(int count, HandleOf handleOf)
+std::string kindsWithHandles(int count, HandleOf handleOf, const std::string& kind = "X")
 {
     std::string records;
     char handle[24];
     for (int i = 0; i < count; ++i) {
         std::snprintf(handle, sizeof handle, "%llX", 0x1000ull + static_cast<unsigned long long>(handleOf(i)));
-        records += std::string("0\nX\n5\n") + handle + "\n";
+        records += "0\n" + kind + "\n5\n" + handle + "\n";
     }
     return records;
 }
@@ -176,6 +176,21 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 4});
     inputs.push_back({"lines of no groups", smallDrawing(bareLines, ""), 4});
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 2});
+    // Objects of the kinds the host reads by name, kept as their records
+    // until opened: alone, with handles, and owned by a dictionary that
+    // follows them (4 to 15 times the file as objects).
+    for (const char* kind : {"DICTIONARY", "LAYOUT", "MLINESTYLE", "XRECORD", "SORTENTSTABLE", "ACDBPLACEHOLDER"}) {
+        const std::string head = "0\n" + std::string(kind) + "\n", root = "0\nDICTIONARY\n5\nC\n";
+        std::string alone, owned;
+        for (int i = 0; i < kRecords; ++i) {
+            alone += head;
+            owned += head + "330\nD\n";
+        }
+        inputs.push_back({std::string(kind) + " alone", smallDrawing("", root + alone), 4});
+        inputs.push_back({std::string(kind) + " with handles",
+                          smallDrawing("", root + kindsWithHandles(kRecords, [](int i) { return i; }, kind)), 4});
+        inputs.push_back({std::string(kind) + " owned", smallDrawing("", root + owned + "0\nDICTIONARY\n5\nD\n"), 4});
+    }
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {
         std::ifstream in(entry.path(), std::ios::binary);

@@ -7,6 +7,7 @@
 #include "MlineLists.h"
 
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/UndoHistory.h"
 #include "kaldo/dxf/DxfError.h"
 
 #include <gtest/gtest.h>
@@ -150,6 +151,80 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
     bare.close();
     EXPECT_EQ(db.changeCount(), changes);
     EXPECT_EQ(toDxfText(drawing), saved);
+}
+
+// Objects of a few groups are kept as their records too, their owners
+// found by handle before or after them: saving writes them in their places
+// among the objects (after a record taken apart from its run), opening one
+// gives what the reader made of the record and changes nothing, and undo
+// puts a kept one back as read. A style dictionary's entry and a
+// multiline's style handle find the styles kept so.
+TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
+{
+    const std::string text = smallDrawing(
+        groupText({"0", "MLINE", "5", "30", "100", "AcDbMline", "340", "42", "72", "2", "73", "0", "11", "0", "21",
+                   "0", "11", "1", "21", "0"}),
+        groupText({"0",  "DICTIONARY", "5",   "C",  "100", "AcDbDictionary", "3",   "ACAD_MLINESTYLE", "350", "17",
+                   "3",  "RUN",        "350", "51", "0",   "LAYOUT",         "5",   "60",              "330", "1A",
+                   "0",  "DICTIONARY", "5",   "17", "330", "C",              "100", "AcDbDictionary",  "3",   "WALL",
+                   "350", "40",        "0",   "FOO", "5",  "50",             "0",   "FOO",             "5",   "51",
+                   "0",  "XRECORD",    "5",   "61", "330", "17",             "0",   "MLINESTYLE",      "5",   "40",
+                   "330", "17",        "2",   "WALL", "0", "MLINESTYLE",     "5",   "41",              "2",   "LOOSE",
+                   "3",  "in no dictionary", "70", "1", "51", "45",          "0",   "MLINESTYLE",      "5",   "42",
+                   "2",  "BYHANDLE",   "0",   "DICTIONARY", "5", "1A",       "330", "C",               "0",   "SORTENTSTABLE",
+                   "5",  "62",         "330", "FFF"}));
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(text);
+    KxDbDatabase& db = *drawing.database;
+    const auto id = [&db](std::uint64_t handle) { return db.objectIdFromHandle(handle); };
+    const std::uint64_t kept[] = {0x60, 0x61, 0x41, 0x62};
+    EXPECT_EQ(id(0x41).objectClass(), KxDbMlineStyle::desc());
+    KxDbObjectId wall;
+    ASSERT_EQ(KxDbDictionary::cast(db.peekObject(db.mlineStyleDictionaryId()))->getAt(L"WALL", wall), Kald::eOk);
+    EXPECT_EQ(wall, id(0x40));
+    EXPECT_EQ(KxDbMlineStyle::cast(db.peekObject(wall))->ownerId(), db.mlineStyleDictionaryId());
+    EXPECT_EQ(firstEntity<KxDbMline>(db)->style(), id(0x42));
+    const std::string saved = toDxfText(drawing);
+    std::size_t at = 0;
+    for (const char* record : {"LAYOUT\n  5\n60\n330\n1A\n", "FOO\n  5\n50\n", "FOO\n  5\n51\n",
+                               "XRECORD\n  5\n61\n330\n17\n", "MLINESTYLE\n  5\n41\n330\n0\n",
+                               "SORTENTSTABLE\n  5\n62\n330\nFFF\n"}) {
+        at = saved.find(std::string("\n") + record, at);
+        EXPECT_NE(at, std::string::npos) << record;
+    }
+    for (const std::uint64_t handle : kept)
+        EXPECT_TRUE(kaldo::isUnopened(id(handle))) << handle;
+
+    const std::uint64_t changes = db.changeCount();
+    const auto* layout = KxDbUnmodelledObject::cast(db.peekObject(id(0x60)));
+    ASSERT_NE(layout, nullptr);
+    EXPECT_FALSE(kaldo::isUnopened(id(0x60)));
+    EXPECT_EQ(layout->dxfName(), "LAYOUT");
+    EXPECT_EQ(layout->groups().size(), 2u);
+    EXPECT_EQ(layout->ownerId(), id(0x1A));
+    EXPECT_EQ(db.peekObject(id(0x61))->ownerId(), id(0x17));
+    EXPECT_TRUE(db.peekObject(id(0x62))->ownerId().isNull());
+    const auto* loose = KxDbMlineStyle::cast(db.peekObject(id(0x41)));
+    ASSERT_NE(loose, nullptr);
+    EXPECT_EQ(loose->handle(), 0x41u);
+    EXPECT_EQ(std::wstring(loose->name()), L"LOOSE");
+    EXPECT_EQ(std::wstring(loose->description()), L"in no dictionary");
+    EXPECT_TRUE(loose->filled());
+    EXPECT_NEAR(loose->startAngle(), std::numbers::pi / 4, 1e-15);
+    EXPECT_EQ(loose->numElements(), 0);
+    EXPECT_TRUE(loose->ownerId().isNull());
+    for (const KxDbObjectId each : db.objectIds())
+        db.peekObject(each);
+    EXPECT_EQ(db.changeCount(), changes);
+    EXPECT_EQ(toDxfText(drawing), saved);
+
+    kaldo::dxf::DxfDrawing erased = fromDxfText(text);
+    KxDbDatabase& erasedDb = *erased.database;
+    erasedDb.undoHistory().beginStep(L"ERASE");
+    KxDbObjectPtr<KxDbMlineStyle>(erasedDb.objectIdFromHandle(0x41), KxDb::kForWrite)->erase();
+    erasedDb.undoHistory().endStep();
+    EXPECT_EQ(toDxfText(erased).find("LOOSE"), std::string::npos);
+    erasedDb.undoHistory().undo(1);
+    EXPECT_EQ(toDxfText(erased), saved);
 }
 
 // Multilines of a few groups a vertex are kept as their records too, their
