@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace kaldo::dxf {
 
@@ -76,7 +77,10 @@ Scaled scaled(const Binary& binary, int decimals)
     return {quotient + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
 }
 
-char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, char* out)
+// Digits is a 32-bit number where it fits: its divisions by 100 and 10 (a
+// multiplication and a shift each) then take fewer steps.
+template <class Digits>
+char* writeDigitsOf(bool negative, Digits digits, int whole, int decimals, char* out)
 {
     static constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
                                      "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
@@ -102,6 +106,13 @@ char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, 
     }
     take(whole);
     return end;
+}
+
+char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, char* out)
+{
+    if (digits <= std::numeric_limits<std::uint32_t>::max())
+        return writeDigitsOf(negative, std::uint32_t(digits), whole, decimals, out);
+    return writeDigitsOf(negative, digits, whole, decimals, out);
 }
 
 // A magnitude below 2^42 (and not whole) of up to three decimals, as most
