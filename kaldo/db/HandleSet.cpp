@@ -26,6 +26,8 @@ bool HandleSet::contains(std::uint64_t handle) const
 
 bool HandleSet::containsApart(std::uint64_t handle) const
 {
+    if (!mayBeApart(filterKey(handle)))
+        return false;
     return std::any_of(m_apart.begin(), m_apart.end(), [handle](const std::vector<std::uint64_t>& list) {
         return std::binary_search(list.begin(), list.end(), handle);
     });
@@ -56,6 +58,8 @@ std::size_t HandleSet::countApart(std::uint64_t handle, bool& present) const
 {
     const std::uint64_t page = handle >> kPageBits;
     std::size_t count = 0;
+    if (!mayBeApart(pageKey(page)))
+        return count;
     for (const std::vector<std::uint64_t>& list : m_apart)
         for (auto at = std::lower_bound(list.begin(), list.end(), page << kPageBits);
              at != list.end() && (*at >> kPageBits) == page; ++at) {
@@ -65,8 +69,48 @@ std::size_t HandleSet::countApart(std::uint64_t handle, bool& present) const
     return count;
 }
 
+namespace {
+// The finalizer of splitmix64: the two bits of a key from its halves.
+std::uint64_t mixed(std::uint64_t key)
+{
+    key = (key ^ (key >> 30)) * 0xBF58476D1CE4E5B9ull;
+    key = (key ^ (key >> 27)) * 0x94D049BB133111EBull;
+    return key ^ (key >> 31);
+}
+}  // namespace
+
+void HandleSet::setInFilter(std::uint64_t key)
+{
+    const std::uint64_t mix = mixed(key);
+    const std::size_t mask = m_filter.size() * 64 - 1;
+    for (const std::size_t bit : {std::size_t(mix) & mask, std::size_t(mix >> 32) & mask})
+        m_filter[bit / 64] |= std::uint64_t(1) << (bit % 64);
+}
+
+bool HandleSet::mayBeApart(std::uint64_t key) const
+{
+    if (m_filter.empty())
+        return false;
+    const std::uint64_t mix = mixed(key);
+    const std::size_t mask = m_filter.size() * 64 - 1;
+    const auto set = [&](std::size_t bit) { return (m_filter[bit / 64] >> (bit % 64)) & 1; };
+    return set(std::size_t(mix) & mask) && set(std::size_t(mix >> 32) & mask);
+}
+
 void HandleSet::insertApart(std::uint64_t handle)
 {
+    // Sixteen bits a handle at least: made anew, twice the size, from the
+    // lists when they outgrow it.
+    if (16 * ++m_apartCount > 64 * m_filter.size()) {
+        m_filter.assign(std::max<std::size_t>(16, 2 * m_filter.size()), 0);
+        for (const std::vector<std::uint64_t>& list : m_apart)
+            for (const std::uint64_t held : list) {
+                setInFilter(filterKey(held));
+                setInFilter(pageKey(held >> kPageBits));
+            }
+    }
+    setInFilter(filterKey(handle));
+    setInFilter(pageKey(handle >> kPageBits));
     if (m_apart.empty())
         m_apart.emplace_back().reserve(kFirstList);
     std::vector<std::uint64_t>& first = m_apart.front();

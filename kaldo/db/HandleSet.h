@@ -5,7 +5,9 @@
 // lie apart, eight bytes each, in sorted lists of 64 handles times distinct
 // powers of two (and a first list of fewer, kept sorted as handles come):
 // a handle goes in with a few merges on average and is found with a binary
-// search a list, where a page a handle would cost 512 bytes.
+// search a list, where a page a handle would cost 512 bytes; a filter of
+// two bytes or more a handle spares most searches of handles and pages
+// the lists do not hold.
 #pragma once
 
 #include <array>
@@ -38,6 +40,12 @@ private:
     bool containsApart(std::uint64_t handle) const;
     // Adds a handle the lists do not hold.
     void insertApart(std::uint64_t handle);
+    // The filter's two bits of a handle (odd) or of a page (even key).
+    static std::uint64_t filterKey(std::uint64_t handle) { return handle << 1 | 1; }
+    static std::uint64_t pageKey(std::uint64_t page) { return page << 1; }
+    void setInFilter(std::uint64_t key);
+    // False when the lists hold no handle of the key; true when they may.
+    bool mayBeApart(std::uint64_t key) const;
 
     Pages m_pages;
     // The page of the handle inserted last: handles close together mostly
@@ -47,6 +55,12 @@ private:
     // too (they stay in the lists as well), so that a page's bits are all
     // its handles and the lists are searched only for handles of no page.
     std::vector<std::vector<std::uint64_t>> m_apart;
+    // Before the lists are searched, a filter of their handles and their
+    // pages (two bits each, sixteen bits or more a handle: a Bloom filter)
+    // tells most handles and pages of none apart at once; with handles far
+    // apart and many lists, their searches took most of reading a file.
+    std::vector<std::uint64_t> m_filter;
+    std::size_t m_apartCount = 0;
 };
 
 }  // namespace kaldo

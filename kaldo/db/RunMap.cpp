@@ -54,6 +54,18 @@ std::uint64_t RunMap::exchange(std::uint64_t key, std::uint64_t value)
 {
     if (key == 0)
         return 0;
+    // Reading a file, the key and the value mostly continue the run that
+    // grew last, and the key lies before the next run and in no slot: the
+    // run grows at once, as addToRuns would have grown it.
+    if (m_growing < m_runs.size()) {
+        Run& run = m_runs[m_growing];
+        if (key - run.firstKey == run.count && value - run.firstValue == run.count
+            && (m_growing + 1 == m_runs.size() || key < m_runs[m_growing + 1].firstKey)
+            && (m_used == 0 || findInSlots(key) == 0)) {
+            ++run.count;
+            return 0;
+        }
+    }
     std::uint64_t previous = 0;
     if (const auto run = runOf(key); run != m_runs.end()) {
         previous = run->firstValue + (key - run->firstKey);

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace kaldo::dxf {
 
@@ -76,7 +77,10 @@ Scaled scaled(const Binary& binary, int decimals)
     return {quotient + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
 }
 
-char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, char* out)
+// Digits is a 32-bit number where it fits: its divisions by 100 and 10 (a
+// multiplication and a shift each) then take fewer steps.
+template <class Digits>
+char* writeDigitsOf(bool negative, Digits digits, int whole, int decimals, char* out)
 {
     static constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
                                      "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
@@ -104,6 +108,36 @@ char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, 
     return end;
 }
 
+char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, char* out)
+{
+    if (digits <= std::numeric_limits<std::uint32_t>::max())
+        return writeDigitsOf(negative, std::uint32_t(digits), whole, decimals, out);
+    return writeDigitsOf(negative, digits, whole, decimals, out);
+}
+
+// A magnitude below 2^42 (and not whole) of up to three decimals, as most
+// values typed or snapped are: the whole number nearest to it times 1000,
+// divided by 1000 in doubles (both exact, so the quotient is what reading
+// that text gives), gives it back. Two texts of up to three decimals lie
+// 0.001 apart or more, farther than such a value's last place (2^-11 at
+// most), so that text is the only one of up to three decimals that reads
+// back: the shortest, with the zeros that end it dropped. False for any
+// other magnitude.
+bool fewDecimals(double magnitude, std::uint64_t& digits, int& decimals)
+{
+    if (!(magnitude < 0x1p42))
+        return false;
+    const auto nearest = std::uint64_t(magnitude * 1000 + 0.5);
+    if (double(nearest) / 1000 != magnitude)
+        return false;
+    // Not whole, so not all three decimals are zeros.
+    digits = nearest;
+    decimals = 3;
+    for (; digits % 10 == 0; --decimals)
+        digits /= 10;
+    return true;
+}
+
 }  // namespace
 
 char* writeShortestDecimal(double value, char* out)
@@ -112,6 +146,12 @@ char* writeShortestDecimal(double value, char* out)
     Binary binary;
     if (!takeBinary(magnitude, binary) || magnitude == std::trunc(magnitude))
         return nullptr;
+    {
+        std::uint64_t digits = 0;
+        int decimals = 0;
+        if (fewDecimals(magnitude, digits, decimals))
+            return writeDigits(value < 0, digits, wholeDigits(binary), decimals, out);
+    }
     // The text with the fewest decimals that reads back: with a given count
     // of decimals, the nearest text reads back when it lies within half a
     // unit in the value's last place. None lies on that edge, which has one
@@ -126,9 +166,9 @@ char* writeShortestDecimal(double value, char* out)
         tie = tie || found.tie;
         return found.twiceDistance < kPowersOfTen[decimals];
     };
-    // Values typed or snapped have few decimals, computed ones mostly need
-    // sixteen or seventeen significant digits: up to three decimals are
-    // tried first, then fifteen significant digits.
+    // Values of up to three decimals above 2^42 have few decimals too,
+    // computed ones mostly need sixteen or seventeen significant digits:
+    // up to three decimals are tried first, then fifteen significant digits.
     const int whole = wholeDigits(binary);
     const int most = 17 - whole;
     int decimals = 1;

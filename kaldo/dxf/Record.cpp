@@ -1,6 +1,7 @@
 #include "kaldo/dxf/Record.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <emmintrin.h>
@@ -42,13 +43,36 @@ inline void copyValue(unsigned char* to, std::string_view value)
 }
 }  // namespace
 
-Record::Number Record::numberOf(bool modelled, int code, std::string_view value, std::uint64_t& number)
+namespace {
+// Which numbers the groups of each code hold, looked up once a group
+// instead of testing the code against every range of reals and handles.
+enum class CodeHolds : std::uint8_t { Text, Real, Handle };
+constexpr int kCodesClassed = 1060;
+constexpr std::array<CodeHolds, kCodesClassed> kCodeHolds = [] {
+    std::array<CodeHolds, kCodesClassed> holds{};
+    for (int code = 0; code < kCodesClassed; ++code)
+        holds[std::size_t(code)] = isRealCode(code)     ? CodeHolds::Real
+                                   : isHandleCode(code) ? CodeHolds::Handle
+                                                        : CodeHolds::Text;
+    return holds;
+}();
+// Codes beyond the table (and negative ones) hold text only.
+static_assert([] {
+    for (int code = kCodesClassed; code <= 32767; ++code)
+        if (isRealCode(code) || isHandleCode(code))
+            return false;
+    return true;
+}());
+}  // namespace
+
+inline Record::Number Record::numberOf(bool modelled, int code, std::string_view value, std::uint64_t& number)
 {
-    if (double real = 0; modelled && isRealCode(code) && readQuickReal(value, real)) {
+    const CodeHolds holds = unsigned(code) < unsigned(kCodesClassed) ? kCodeHolds[std::size_t(code)] : CodeHolds::Text;
+    if (double real = 0; holds == CodeHolds::Real && modelled && readQuickReal(value, real)) {
         number = std::bit_cast<std::uint64_t>(real);
         return Number::Real;
     }
-    if (std::uint64_t handle = 0; isHandleCode(code) && tryHandle(value, handle, kxdbHighestHandle + 1)) {
+    if (std::uint64_t handle = 0; holds == CodeHolds::Handle && tryHandle(value, handle, kxdbHighestHandle + 1)) {
         number = handle;
         return Number::Handle;
     }

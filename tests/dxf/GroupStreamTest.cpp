@@ -174,6 +174,16 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
                               9.9999999999999982, 0x1p52 - 0.5, 0x1p52, 0x1p52 + 1, 1e15 - 0.125, 0x1p50 + 0.25,
                               0x1p50 + 0.75, 0x1p49 + 0.125})
         values.push_back(edge);
+    // Up to three decimals about 2^42, where the quick way for them stops,
+    // and 2^43, above which two such texts may read back as one value; and
+    // their neighbours.
+    for (const double around : {0x1p42, 0x1p43}) {
+        for (int i = -10000; i < 10000; ++i) {
+            const double value = std::round(around * 1000 + 3 * i) / 1000;
+            for (const double near : {value, std::nextafter(value, 0.0), std::nextafter(value, 2 * value), -value})
+                values.push_back(near);
+        }
+    }
     // Any bits of every exponent from 1 to 2^53, and halves (ties at some
     // count of decimals).
     for (int i = 0; i < 200000; ++i) {
