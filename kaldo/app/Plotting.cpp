@@ -19,17 +19,22 @@ constexpr int kUnitsGroup = 70;
 // $INSUNITS as the drawing file held it; 0 (unitless) when it held none.
 int drawingUnits(const Session& session)
 {
-    for (const dxf::KeptHeaderVariable& variable : session.keptSections().header) {
-        if (variable.name != "$INSUNITS")
-            continue;
-        for (const KxDbFileGroup& group : variable.groups) {
-            bool ok = false;
-            const int code = QString::fromStdString(group.value).trimmed().toInt(&ok);
-            if (group.code == kUnitsGroup && ok)
-                return code;
+    bool inUnits = false;
+    int units = 0;
+    session.keptSections().header.view().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+        if (code == 9) {
+            inUnits = value == "$INSUNITS";
+            return true;
         }
-    }
-    return 0;
+        bool ok = false;
+        const int read = QString::fromUtf8(value.data(), qsizetype(value.size())).trimmed().toInt(&ok);
+        if (inUnits && code == kUnitsGroup && ok) {
+            units = read;
+            return false;
+        }
+        return true;
+    });
+    return units;
 }
 
 view::Bounds displayed(const ViewPlacement& view)

@@ -42,15 +42,15 @@ DxfDrawing::~DxfDrawing() = default;
 
 namespace {
 
-// A section kept whole (CLASSES and unknown ones), up to its ENDSEC.
-std::vector<KxDbFileGroup> readKeptSection(GroupReader& reader, const std::string& name, long line)
+// Appends the groups of a section kept whole (CLASSES and unknown ones) to
+// groups, up to its ENDSEC.
+void readKeptSection(GroupReader& reader, const std::string& name, long line, KxDbPackedGroups& groups)
 {
-    std::vector<KxDbFileGroup> groups;
     Group g;
     while (reader.next(g)) {
         if (g.code == 0 && trimmed(g.value) == "ENDSEC")
-            return groups;
-        groups.push_back({std::int16_t(g.code), 0, std::string(g.value)});
+            return;
+        groups.append(g.code, 0, g.value);
     }
     throw DxfError(line, "the section " + name + " has no ENDSEC.");
 }
@@ -361,7 +361,8 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
             readHeaderSection(reader, context);
         } else if (name == "CLASSES") {
             context.kept.hasClasses = true;
-            context.kept.classes = readKeptSection(reader, name, line);
+            context.kept.classes.clear();
+            readKeptSection(reader, name, line, context.kept.classes);
         } else if (name == "TABLES") {
             readTablesSection(reader, context);
         } else if (name == "BLOCKS") {
@@ -372,7 +373,11 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
         } else if (name == "OBJECTS") {
             readObjectsSection(reader, context, meter);
         } else {
-            context.kept.sections.push_back(KeptBlock{name, readKeptSection(reader, name, line)});
+            KxDbPackedGroups& sections = context.kept.sections;
+            sections.append(0, 0, "SECTION");
+            sections.append(2, 0, name);
+            readKeptSection(reader, name, line, sections);
+            sections.append(0, 0, "ENDSEC");
         }
     }
     if (!ended)

@@ -90,12 +90,11 @@ void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTabl
         }
 }
 
-void writeKeptSection(GroupWriter& w, const std::string& name, const std::vector<KxDbFileGroup>& groups)
+void writeKeptSection(GroupWriter& w, const std::string& name, const KxDbPackedGroups& groups)
 {
     w.text(0, "SECTION");
     w.text(2, name);
-    for (const KxDbFileGroup& g : groups)
-        w.text(g.code, g.value);
+    groups.view().forEach([&](int code, std::uint8_t, std::string_view value) { w.text(code, value); });
     w.text(0, "ENDSEC");
 }
 
@@ -155,8 +154,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
         }
     }
     w.text(0, "ENDSEC");
-    for (const KeptBlock& section : kept.sections)
-        writeKeptSection(w, section.name, section.groups);
+    kept.sections.view().forEach([&](int code, std::uint8_t, std::string_view value) { w.text(code, value); });
     w.text(0, "EOF");
     meter.finish();
     w.flush();

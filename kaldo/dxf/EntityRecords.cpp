@@ -153,12 +153,24 @@ KxDbEntity* readCircleOrArc(const Record& record, RecordBasics& basics, EntityLo
     return circle.release();
 }
 
-// vertices is room for the vertices, reused from record to record.
-KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook& look,
-                         std::vector<KxDbPolyline::Vertex>& vertices)
+// The vertices of a polyline's record: read into room (reused from record
+// to record), or, with no room, only counted, with whether any has a width
+// or a bulge (so that what they would take as an object is known).
+struct PolylineVertices {
+    std::vector<KxDbPolyline::Vertex>* room = nullptr;
+    std::size_t count = 0;
+    bool shaped = false;
+    // What the vertices counted take in a polyline: their positions, and
+    // their widths and bulges once any vertex has one.
+    std::size_t objectBytes() const { return count * (shaped ? 5 : 2) * sizeof(double); }
+};
+
+KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook& look, PolylineVertices& vertices)
 {
     auto pline = std::make_unique<KxDbPolyline>();
-    vertices.clear();
+    std::vector<KxDbPolyline::Vertex>* const room = vertices.room;
+    if (room)
+        room->clear();
     KxGePoint3d normal{0, 0, 1};
     long count = -1;
     walkRecord(record, basics, [&](const Group& g) {
@@ -167,8 +179,8 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
             count = long(toInteger(g));
             // Room for the vertices at once, never more than the record's
             // groups can hold.
-            if (count > 0)
-                vertices.reserve(std::min(std::size_t(count), record.size() / 2));
+            if (count > 0 && room)
+                room->reserve(std::min(std::size_t(count), record.size() / 2));
             return true;
         case 70: {
             const auto flags = toInteger(g);
@@ -185,20 +197,30 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
         case 39:
             pline->setThickness(toReal(g));
             return true;
-        case 10:
-            vertices.emplace_back();
-            vertices.back().x = toReal(g);
+        case 10: {
+            const double x = toReal(g);
+            ++vertices.count;
+            if (room) {
+                room->emplace_back();
+                room->back().x = x;
+            }
             return true;
+        }
         case 20:
         case 40:
         case 41:
-        case 42:
-            if (vertices.empty())
+        case 42: {
+            if (vertices.count == 0)
                 throw DxfError(g.line, "group " + std::to_string(g.code) + " comes before the first vertex.");
-            (g.code == 20 ? vertices.back().y
-                          : g.code == 40 ? vertices.back().startWidth
-                                         : g.code == 41 ? vertices.back().endWidth : vertices.back().bulge) = toReal(g);
+            const double value = toReal(g);
+            if (room)
+                (g.code == 20 ? room->back().y
+                              : g.code == 40 ? room->back().startWidth
+                                             : g.code == 41 ? room->back().endWidth : room->back().bulge) = value;
+            else if (g.code != 20 && value != 0)
+                vertices.shaped = true;
             return true;
+        }
         default:
             if (isCoordinate(g.code, 210)) {
                 takeCoordinate(g, 210, normal);
@@ -207,12 +229,13 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
             return look.take(g);
         }
     });
-    if (count >= 0 && std::size_t(count) != vertices.size())
+    if (count >= 0 && std::size_t(count) != vertices.count)
         throw DxfError(record.line(), "the polyline announces " + std::to_string(count) + " vertices but has "
-                                          + std::to_string(vertices.size()) + ".");
+                                          + std::to_string(vertices.count) + ".");
     if (pline->setNormal(asVector(normal)) != Kald::eOk)
         throw DxfError(record.line(), "the polyline has a null normal.");
-    pline->setVertices(vertices);
+    if (room)
+        pline->setVertices(*room);
     return pline.release();
 }
 
@@ -251,24 +274,60 @@ struct EntityParts : RecordAhead {
     EntityLook look;
     std::exception_ptr error;
     std::vector<KxDbPolyline::Vertex> vertices;
+    // A polyline checked and counted, its vertices not read (it is to be
+    // kept unopened): what they would take as an object.
+    std::optional<std::size_t> unreadVertexBytes;
 };
+
+// Records of more groups than this are checked and their vertices counted
+// before they are read: one to be kept unopened is never made an object,
+// and the room for the vertices of another is made at once.
+constexpr std::size_t kCountedFirst = 1024;
+// The room for vertices kept from record to record, at most: a larger one
+// goes with its record.
+constexpr std::size_t kKeptVertexRoom = 4096;
+
+// Reads a polyline into parts; one of many groups that takes less than half
+// its object is only checked when countFirst (see keepUnopened).
+void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst)
+{
+    std::size_t count = 0;
+    if (countFirst && record.size() > kCountedFirst) {
+        PolylineVertices counted;
+        parts.entity.reset(readPolyline(record, parts.basics, parts.look, counted));
+        if (2 * record.packedGroups().bytes().size() < sizeof(KxDbPolyline) + counted.objectBytes()) {
+            parts.unreadVertexBytes = counted.objectBytes();
+            return;
+        }
+        parts.basics = {};
+        parts.look = {};
+        count = counted.count;
+    }
+    PolylineVertices read{&parts.vertices};
+    parts.vertices.reserve(count);
+    parts.entity.reset(readPolyline(record, parts.basics, parts.look, read));
+    if (parts.vertices.capacity() > kKeptVertexRoom)
+        parts.vertices = {};
+}
 
 // Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart into parts; no
 // entity for any other kind, but the basics and the look of one kept
-// whole (a multiline is left to readEntity).
-void takeApart(const Record& record, EntityParts& parts)
+// whole (a multiline is left to readEntity). countFirst lets a large
+// polyline to be kept unopened go without its vertices.
+void takeApart(const Record& record, EntityParts& parts, bool countFirst = true)
 {
     parts.entity.reset();
     parts.basics = {};
     parts.look = {};
     parts.error = nullptr;
+    parts.unreadVertexBytes.reset();
     const std::string& kind = record.kind();
     if (kind == "LINE") {
         parts.entity.reset(readLine(record, parts.basics, parts.look));
     } else if (kind == "ARC" || kind == "CIRCLE") {
         parts.entity.reset(readCircleOrArc(record, parts.basics, parts.look, kind == "ARC"));
     } else if (kind == "LWPOLYLINE") {
-        parts.entity.reset(readPolyline(record, parts.basics, parts.look, parts.vertices));
+        takePolylineApart(record, parts, countFirst);
     } else if (kind != "MLINE") {
         parts.basics = rawRecordBasics(record);
         // Its layer, linetype and colour, so that it is drawn in them; the
@@ -283,10 +342,11 @@ void takeApart(const Record& record, EntityParts& parts)
 }
 
 // What an entity of the kinds takeApart makes takes as an object.
-std::size_t objectBytes(const KxDbEntity& entity)
+std::size_t objectBytes(const EntityParts& parts)
 {
+    const KxDbEntity& entity = *parts.entity;
     if (const auto* pline = KxDbPolyline::cast(&entity))
-        return sizeof(KxDbPolyline) + std::size_t(pline->numVerts()) * 2 * sizeof(double);
+        return sizeof(KxDbPolyline) + parts.unreadVertexBytes.value_or(pline->vertexBytes());
     if (KxDbArc::cast(&entity))
         return sizeof(KxDbArc);
     if (KxDbCircle::cast(&entity))
@@ -324,7 +384,7 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
     if (look.kind == "MLINE")
         return makeUnopenedMline(record, look);
     EntityParts parts;
-    takeApart(record, parts);
+    takeApart(record, parts, false);
     parts.look.applyTo(*parts.entity, look, parts.basics);
     parts.entity->setKeptGroups(std::move(parts.basics.kept));
     return std::move(parts.entity);
@@ -338,7 +398,7 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
 bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& context, KxDbObjectId block)
 {
     const KxDbPackedGroupsView groups = record.packedGroups();
-    if (2 * groups.bytes().size() >= objectBytes(*parts.entity))
+    if (2 * groups.bytes().size() >= objectBytes(parts))
         return false;
     kaldo::UnopenedRecords::Look look;
     look.kind = record.kind();
@@ -602,6 +662,8 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     }
     if (keepUnopened(record, *parts, context, block))
         return;
+    if (parts->unreadVertexBytes)
+        takeApart(record, *parts, false);
     parts->look.applyTo(*parts->entity, context, parts->basics);
     append(context, std::move(parts->entity), parts->basics, block, record.line());
 }

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 
 namespace kaldo::dxf {
 
@@ -27,31 +28,45 @@ bool isModelled(std::string_view name)
     return std::find(kModelled.begin(), kModelled.end(), name) != kModelled.end();
 }
 
+// A variable the database holds, as read: its groups packed, each two lines
+// after the one before.
 struct Variable {
     std::string name;
     long line = 0;
-    std::vector<KxDbFileGroup> groups;
-    std::vector<long> lines;
-    Group at(std::size_t i) const { return Group{groups[i].code, groups[i].value, lines[i]}; }
+    KxDbPackedGroups groups;
+    // Calls visit(group) for every group in order while it returns true.
+    template <class Visit>
+    void forEach(Visit&& visit) const
+    {
+        long at = line;
+        groups.view().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+            at += 2;
+            return bool(visit(Group{code, value, at}));
+        });
+    }
 };
 
 KxGePoint3d pointOf(const Variable& v)
 {
     double xyz[3] = {};
-    for (std::size_t i = 0; i < v.groups.size(); ++i) {
-        const int c = v.groups[i].code;
-        if (c >= 10 && c <= 30 && c % 10 == 0)
-            xyz[c / 10 - 1] = toReal(v.at(i));
-    }
+    v.forEach([&](const Group& g) {
+        if (g.code >= 10 && g.code <= 30 && g.code % 10 == 0)
+            xyz[g.code / 10 - 1] = toReal(g);
+        return true;
+    });
     return {xyz[0], xyz[1], xyz[2]};
 }
 
 void apply(const Variable& v, ReadContext& context, KxGePoint3d ucs[3])
 {
     KxDbDatabase& db = context.db;
-    if (v.groups.empty())
+    if (v.groups.view().empty())
         throw DxfError(v.line, "the header variable " + v.name + " has no value.");
-    const Group first = v.at(0);
+    Group first;
+    v.forEach([&](const Group& g) {
+        first = g;
+        return false;
+    });
     const auto badValue = [&] { throw DxfError(first.line + 1, "the value of " + v.name + " is out of range."); };
     if (v.name == "$ACADVER") {
         context.kept.version = std::string(trimmed(first.value));
@@ -84,8 +99,10 @@ void apply(const Variable& v, ReadContext& context, KxGePoint3d ucs[3])
         context.celtypeName = std::string(trimmed(first.value));
     } else if (v.name == "$CECOLOR") {
         KxCmColor color;
-        for (std::size_t i = 0; i < v.groups.size(); ++i)
-            readColorGroup(v.at(i), color);
+        v.forEach([&](const Group& g) {
+            readColorGroup(g, color);
+            return true;
+        });
         db.setCecolor(color);
     } else if (v.name == "$UCSORG") {
         ucs[0] = pointOf(v);
@@ -100,11 +117,31 @@ void apply(const Variable& v, ReadContext& context, KxGePoint3d ucs[3])
 
 void readHeaderSection(GroupReader& reader, ReadContext& context)
 {
-    std::vector<Variable> modelled;
     std::string version;
     std::string codePage(kDefaultCodePage);
-    Variable* current = nullptr;
-    KeptHeaderVariable* kept = nullptr;
+    // Each variable the database holds is applied once its groups are read,
+    // so that only one is held. A value refused waits until the whole header
+    // is read, the first of $HANDSEED's before any other's, as when the seed
+    // was applied first (records made up while reading get handles above it;
+    // no variable makes one).
+    Variable current;
+    bool inModelled = false;
+    std::exception_ptr seedError, otherError;
+    KxGePoint3d ucs[3] = {{}, {1, 0, 0}, {0, 1, 0}};
+    const auto applyCurrent = [&] {
+        if (!inModelled)
+            return;
+        inModelled = false;
+        try {
+            apply(current, context, ucs);
+        } catch (const DxfError&) {
+            std::exception_ptr& first = current.name == "$HANDSEED" ? seedError : otherError;
+            if (!first)
+                first = std::current_exception();
+        }
+    };
+    KxDbPackedGroups& kept = context.kept.header;
+    bool inKept = false;
     Group g;
     while (reader.next(g)) {
         if (g.code == 0) {
@@ -113,40 +150,39 @@ void readHeaderSection(GroupReader& reader, ReadContext& context)
             break;
         }
         if (g.code == 9) {
-            const std::string name(trimmed(g.value));
-            current = nullptr;
-            kept = nullptr;
-            if (isModelled(name)) {
-                modelled.push_back(Variable{name, g.line, {}, {}});
-                current = &modelled.back();
+            const std::string_view name = trimmed(g.value);
+            applyCurrent();
+            inKept = !isModelled(name);
+            if (inKept) {
+                kept.append(9, 0, name);
             } else {
-                context.kept.header.push_back(KeptHeaderVariable{name, {}});
-                kept = &context.kept.header.back();
+                current.name = name;
+                current.line = g.line;
+                current.groups.clear();
+                inModelled = true;
             }
             continue;
         }
-        const KxDbFileGroup group{std::int16_t(g.code), 0, std::string(g.value)};
         // The values after these are read in the encoding they give.
-        if (current && current->groups.empty() && (current->name == "$ACADVER" || current->name == "$DWGCODEPAGE")) {
-            (current->name == "$ACADVER" ? version : codePage) = std::string(trimmed(g.value));
+        if (inModelled && current.groups.view().empty()
+            && (current.name == "$ACADVER" || current.name == "$DWGCODEPAGE")) {
+            (current.name == "$ACADVER" ? version : codePage) = std::string(trimmed(g.value));
             reader.decodeAs(version, codePage);
         }
-        if (current) {
-            current->groups.push_back(group);
-            current->lines.push_back(g.line);
-        } else if (kept) {
-            kept->groups.push_back(group);
-        } else {
+        if (inModelled)
+            current.groups.append(g.code, 0, g.value);
+        else if (inKept)
+            kept.append(g.code, 0, g.value);
+        else
             throw DxfError(g.line, "a header variable name (group 9) was expected.");
-        }
     }
     if (g.code != 0)
         throw DxfError(g.line, "the file ends inside the header.");
-    // The handle seed first: records made up while reading get handles above it.
-    std::stable_partition(modelled.begin(), modelled.end(), [](const Variable& v) { return v.name == "$HANDSEED"; });
-    KxGePoint3d ucs[3] = {{}, {1, 0, 0}, {0, 1, 0}};
-    for (const Variable& v : modelled)
-        apply(v, context, ucs);
+    applyCurrent();
+    if (seedError)
+        std::rethrow_exception(seedError);
+    if (otherError)
+        std::rethrow_exception(otherError);
     context.db.setUcs(ucs[0], ucs[1] - KxGePoint3d(), ucs[2] - KxGePoint3d());
 }
 
@@ -224,11 +260,7 @@ void writeHeaderSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
         w.text(9, "$TILEMODE");
         w.integer(70, db.tilemode());
     }
-    for (const KeptHeaderVariable& v : kept.header) {
-        w.text(9, v.name);
-        for (const KxDbFileGroup& g : v.groups)
-            w.text(g.code, g.value);
-    }
+    kept.header.view().forEach([&](int code, std::uint8_t, std::string_view value) { w.text(code, value); });
     w.text(0, "ENDSEC");
 }
 

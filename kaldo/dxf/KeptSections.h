@@ -9,19 +9,21 @@
 #include <vector>
 
 #include "kxdbobject.h"
+#include "kxdbunmodelled.h"
 
 namespace kaldo::dxf {
 
-struct KeptHeaderVariable {
-    std::string name;  // "$ANGBASE"
-    std::vector<KxDbFileGroup> groups;
-};
+// Groups are kept packed one after another (KxDbPackedGroups), about the
+// bytes the file spends on them, not an object per group.
 
-// A table or a section kept whole: its name and the groups between its head
-// ("0 TABLE" / "0 SECTION" and the name) and its end.
+// A table kept whole: its name and the groups between its head ("0 TABLE"
+// and the name) and its end.
 struct KeptBlock {
     std::string name;
-    std::vector<KxDbFileGroup> groups;
+    KxDbPackedGroups groups;
+    // The handle given to a table whose head had none (written with its
+    // owner and subclass before the groups); empty when it had one.
+    std::string madeHandle;
 };
 
 // The BLOCK and ENDBLK records of a block, kept as unmodelled objects.
@@ -33,14 +35,18 @@ struct BlockEnds {
 struct KeptSections {
     std::string version;  // $ACADVER as read; empty for a new drawing
     std::string codePage;  // $DWGCODEPAGE as read; empty for a new drawing
-    std::vector<KeptHeaderVariable> header;
+    // The header variables the host does not use, each its name (group 9)
+    // and its groups, in file order.
+    KxDbPackedGroups header;
     bool hasClasses = false;
-    std::vector<KxDbFileGroup> classes;
+    KxDbPackedGroups classes;
     // Every table in file order by name; the unmodelled ones are in tables.
     std::vector<std::string> tableOrder;
     std::vector<KeptBlock> tables;
     std::map<KxDbObjectId, BlockEnds> blockEnds;  // by block record
-    std::vector<KeptBlock> sections;  // unknown sections, after OBJECTS
+    // The sections the host does not know, written after OBJECTS as read:
+    // each "0 SECTION", "2" and its name, its groups and "0 ENDSEC".
+    KxDbPackedGroups sections;
 };
 
 }  // namespace kaldo::dxf

@@ -198,16 +198,17 @@ void readModelledTable(GroupReader& reader, ReadContext& context, const std::str
 // Old versions write table heads without a handle; newer ones need one.
 void giveTableHeadAHandle(KeptBlock& table, ReadContext& context)
 {
-    const auto head = std::find_if(table.groups.begin(), table.groups.end(),
-                                   [](const KxDbFileGroup& g) { return g.code == 0 || g.code == 5; });
-    if (head != table.groups.end() && head->code == 5)
+    bool hasHandle = false;
+    table.groups.view().forEach([&](std::int16_t code, std::uint8_t, std::string_view) {
+        hasHandle = code == 5;
+        return code != 0 && code != 5;
+    });
+    if (hasHandle)
         return;
     context.db.setHandseed(std::max(context.db.handseed(), context.maxHandle + 1));
     const std::uint64_t handle = context.db.reserveNewHandle();
     context.maxHandle = std::max(context.maxHandle, handle);
-    table.groups.insert(table.groups.begin(), {{5, 0, handleText(handle)},
-                                               {330, 0, "0"},
-                                               {100, 0, "AcDbSymbolTable"}});
+    table.madeHandle = handleText(handle);
 }
 
 // Each layer takes the linetype of its name from the drawing's table,
@@ -222,7 +223,7 @@ void resolveLayerLinetypes(ReadContext& context)
 
 void readKeptTable(GroupReader& reader, ReadContext& context, const std::string& name, long line)
 {
-    KeptBlock table{name, {}};
+    KeptBlock table{name, {}, {}};
     Group g;
     while (reader.next(g)) {
         if (g.code == 0 && trimmed(g.value) == "ENDTAB") {
@@ -238,7 +239,7 @@ void readKeptTable(GroupReader& reader, ReadContext& context, const std::string&
             context.maxHandle = std::max(context.maxHandle, handle);
             context.db.reserveHandle(handle);
         }
-        table.groups.push_back({std::int16_t(g.code), 0, std::string(g.value)});
+        table.groups.append(g.code, 0, g.value);
     }
     throw DxfError(line, "the table " + name + " has no ENDTAB.");
 }
@@ -399,8 +400,12 @@ void writeTablesSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
                     continue;
                 w.text(0, "TABLE");
                 w.text(2, name);
-                for (const KxDbFileGroup& g : table.groups)
-                    w.text(g.code, g.value);
+                if (!table.madeHandle.empty()) {
+                    w.text(5, table.madeHandle);
+                    w.text(330, "0");
+                    w.text(100, "AcDbSymbolTable");
+                }
+                table.groups.view().forEach([&](int code, std::uint8_t, std::string_view value) { w.text(code, value); });
                 w.text(0, "ENDTAB");
             }
         }
@@ -421,14 +426,14 @@ std::map<std::string, std::string> textStyleFonts(const KeptSections& kept)
             name.clear();
             font.clear();
         };
-        for (const KxDbFileGroup& g : table.groups) {
-            if (g.code == 0)
+        table.groups.view().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+            if (code == 0)
                 keep();
-            else if (g.code == 2)
-                name = std::string(trimmed(g.value));
-            else if (g.code == 3)
-                font = std::string(trimmed(g.value));
-        }
+            else if (code == 2)
+                name = std::string(trimmed(value));
+            else if (code == 3)
+                font = std::string(trimmed(value));
+        });
         keep();
     }
     return fonts;

@@ -191,6 +191,37 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
                           smallDrawing("", root + kindsWithHandles(kRecords, [](int i) { return i; }, kind)), 4});
         inputs.push_back({std::string(kind) + " owned", smallDrawing("", root + owned + "0\nDICTIONARY\n5\nD\n"), 4});
     }
+    // One record or section of many short groups or records: a polyline of
+    // few bytes a vertex is checked and kept unopened without its vertices
+    // (17 and 11 times, bulges, with a vertex of 40 bytes while read), kept
+    // header variables, classes, unknown sections and table records are held
+    // packed (12 to 22 times with an object per group or variable).
+    {
+        const auto times = [](const std::string& groups, int count) {
+            std::string text;
+            for (int i = 0; i < count; ++i)
+                text += groups;
+            return text;
+        };
+        const auto section = [](const std::string& name, const std::string& body) {
+            return "0\nSECTION\n2\n" + name + "\n" + body + "0\nENDSEC\n" + smallDrawing("", "");
+        };
+        std::string variables;
+        for (int i = 0; i < 100000; ++i)
+            variables += "9\n$" + std::to_string(i) + "\n";
+        inputs.push_back({"a polyline of bare vertices", smallDrawing("0\nLWPOLYLINE\n" + times("10\n0\n", 200000), ""), 4});
+        inputs.push_back({"a polyline of bulges", smallDrawing("0\nLWPOLYLINE\n" + times("10\n0\n42\n1\n", 100000), ""), 4});
+        inputs.push_back({"header variables of no value", section("HEADER", variables), 4});
+        inputs.push_back({"one header variable again and again", section("HEADER", times("9\n$A\n", 200000)), 4});
+        inputs.push_back({"a header variable of many values", section("HEADER", "9\n$A\n" + times("1\n0\n", 200000)), 4});
+        inputs.push_back({"a modelled header variable of many values",
+                          section("HEADER", "9\n$EXTMIN\n" + times("10\n0\n", 200000)), 4});
+        inputs.push_back({"classes of no groups", section("CLASSES", times("0\nCLASS\n", 200000)), 4});
+        inputs.push_back({"an unknown section of one-character groups", section("X", times("1\n0\n", 200000)), 4});
+        inputs.push_back({"unknown sections", times("0\nSECTION\n2\nX\n0\nENDSEC\n", 100000) + smallDrawing("", ""), 4});
+        inputs.push_back({"kept table records of no groups",
+                          section("TABLES", "0\nTABLE\n2\nAPPID\n" + times("0\nAPPID\n", 200000) + "0\nENDTAB\n"), 4});
+    }
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {
         std::ifstream in(entry.path(), std::ios::binary);
