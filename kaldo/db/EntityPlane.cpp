@@ -4,8 +4,25 @@
 
 namespace kaldo {
 
+namespace {
+
+bool positiveZero(double value)
+{
+    return value == 0 && !std::signbit(value);
+}
+
+}  // namespace
+
 EntityPlane::EntityPlane(const KxGeVector3d& normal)
 {
+    // The axes the rule gives the normal (+0, +0, 1), zeros positive.
+    if (positiveZero(normal.x) && positiveZero(normal.y) && normal.z == 1) {
+        m_x = {1, 0, 0};
+        m_y = {0, 1, 0};
+        m_z = {0, 0, 1};
+        m_world = true;
+        return;
+    }
     m_z = normal.length() > kxGeTolerance ? normalized(normal) : KxGeVector3d(0, 0, 1);
     constexpr double kLimit = 1.0 / 64.0;
     const KxGeVector3d pole = std::abs(m_z.x) < kLimit && std::abs(m_z.y) < kLimit ? KxGeVector3d(0, 1, 0)
@@ -32,6 +49,10 @@ KxGePoint3d EntityPlane::toPlane(const KxGePoint3d& p) const
 
 KxGePoint3d EntityPlane::toWorld(const KxGePoint3d& p) const
 {
+    // Each coordinate is one product by 1 plus products by +0 and the
+    // origin's +0: the coordinate itself, a zero made positive.
+    if (m_world && std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z))
+        return {p.x + 0.0, p.y + 0.0, p.z + 0.0};
     return KxGePoint3d() + toWorld(KxGeVector3d(p.x, p.y, p.z));
 }
 

@@ -2,6 +2,9 @@
 // arbitrary-axis rule: for a normal N, the x axis is Wy x N when N lies
 // within 1/64 of the world z axis (both |N.x| and |N.y| below 1/64), else
 // Wz x N; the y axis is N x x. World and plane coordinates convert both ways.
+// Most entities lie in the world's own plane (a normal of exactly +z, signs
+// of zeros too): its axes are then the world's, and a point of finite
+// coordinates converts without the products, to what they would give.
 #pragma once
 
 #include "kxtypes.h"
@@ -23,6 +26,7 @@ public:
 
 private:
     KxGeVector3d m_x, m_y, m_z;
+    bool m_world = false;
 };
 
 }  // namespace kaldo

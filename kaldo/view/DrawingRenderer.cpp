@@ -239,24 +239,34 @@ private:
         const KxDbObjectId id = m_pass.blockId(name->value);
         if (id.isNull())
             return false;
-        const KxDbObjectPtr<KxDbBlockTableRecord> block(id, KxDb::kForRead);
-        if (!block)
-            return false;
-        const BlockShape* shape = blockShape(id, *block);
-        if (!shape)
-            return true;
+        // A block already shaped here was opened then; nothing changes it
+        // while the drawing is drawn.
+        const BlockShape* shape = shapedBlock(id);
+        if (!shape) {
+            const KxDbObjectPtr<KxDbBlockTableRecord> block(id, KxDb::kForRead);
+            if (!block)
+                return false;
+            shape = blockShape(id, *block);
+            if (!shape)
+                return true;
+        }
         if (!m_pass.budget.take(shape->points) || !m_scene.addInstance(shape->shape, place, pen))
             drawBox(shape->bounds, place, pen);
         return true;
     }
 
-    // The block as a shape of this scene, its drawing made at the first
-    // reference of the picture; null for a reference inside the block
-    // itself (noted).
+    // The block's shape in this scene; null when it has none yet.
+    const BlockShape* shapedBlock(KxDbObjectId id) const
+    {
+        const auto found = m_blockShapes.find(id);
+        return found == m_blockShapes.end() ? nullptr : &found->second;
+    }
+
+    // The block as a new shape of this scene, its drawing made at the
+    // first reference of the picture; null for a reference inside the
+    // block itself (noted).
     const BlockShape* blockShape(KxDbObjectId id, const KxDbBlockTableRecord& block)
     {
-        if (const auto found = m_blockShapes.find(id); found != m_blockShapes.end())
-            return &found->second;
         const BlockDrawing* drawing = blockDrawing(id, block);
         if (!drawing)
             return nullptr;

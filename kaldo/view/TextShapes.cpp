@@ -81,7 +81,7 @@ QFont fontForFile(const std::string& file)
 }
 
 TextShapes::Font::Font(const std::string& file)
-    : file(file), font(fontForFile(file)), metrics(font), raw(QRawFont::fromFont(font))
+    : file(file), font(fontForFile(file)), metrics(font), raw(QRawFont::fromFont(font)), descent(metrics.descent())
 {
     cap = metrics.capHeight() > 0 ? metrics.capHeight() : metrics.ascent();
 }
@@ -109,7 +109,7 @@ bool TextShapes::drawLines(const QStringList& lines, const TextPlacement& place,
         return false;
     Font& font = styleFont(place.style);
     const double cap = font.cap;
-    const double descent = font.metrics.descent();
+    const double descent = font.descent;
     double scale = place.height / cap;
     double along = scale * place.widthFactor;
     if (place.fitLength > 0 && lines.size() == 1) {

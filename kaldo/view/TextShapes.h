@@ -104,7 +104,9 @@ private:
         QFont font;
         QFontMetricsF metrics;
         QRawFont raw;
+        // The height of a capital and the descent, asked of the metrics once.
         double cap = 0;
+        double descent = 0;
         std::deque<std::pair<QRawFont, std::unordered_map<quint32, GlyphMeasure>>> glyphs;
         // The glyph of each letter measured without shaping, by its code,
         // and that glyph's measure: looked up at the letter's first use.
