@@ -274,10 +274,11 @@ bool styleUnopened(KxDbDatabase& db, const ReadContext::StyleReference& ref, con
     return true;
 }
 
-// Gives every multiline its style. A multiline whose style handle points
-// to no style takes STANDARD, and one whose lists do not fit its style's
-// elements is laid out anew in that style (its runs drawn whole), so that
-// files other programs wrote with such faults open.
+// Gives every multiline its style, in the order read (those made when
+// read and those kept unopened by their ids). A multiline whose style
+// handle points to no style takes STANDARD, and one whose lists do not fit
+// its style's elements is laid out anew in that style (its runs drawn
+// whole), so that files other programs wrote with such faults open.
 void resolveMlineStyles(ReadContext& context)
 {
     KxDbDatabase& db = context.db;
@@ -286,11 +287,7 @@ void resolveMlineStyles(ReadContext& context)
     styles->getAt(kxdbStandardStyleName, standard);
     int restyled = 0;
     int laidOut = 0;
-    auto unopened = context.unopenedMlines.begin();
-    for (const ReadContext::StyleReference& ref : context.styleReferences) {
-        const MlineOutline* outline = nullptr;
-        if (unopened != context.unopenedMlines.end() && unopened->mline == ref.mline)
-            outline = &(unopened++)->outline;
+    const auto resolve = [&](const ReadContext::StyleReference& ref, const MlineOutline* outline) {
         KxDbObjectId style;
         if (ref.handle != 0) {
             style = db.objectIdFromHandle(ref.handle);
@@ -307,7 +304,7 @@ void resolveMlineStyles(ReadContext& context)
             order == context.styleElementOrders.end() ? nullptr : &order->second;
         if (outline && kaldo::isUnopened(ref.mline)
             && styleUnopened(db, ref, *outline, *styleObject, elementOrder, laidOut))
-            continue;
+            return;
         auto* mline = KxDbMline::cast(db.peekObject(ref.mline));
         if (fitElements(*mline, *styleObject, elementOrder)) {
             KxDbSystemInternals::getImpObject(mline)->setStoredProperties(
@@ -317,6 +314,18 @@ void resolveMlineStyles(ReadContext& context)
             ++laidOut;
         } else {
             throw DxfError(ref.line, kLayoutNotFinite);
+        }
+    };
+    KeptMlines::Cursor kept(context.keptMlines);
+    auto made = context.styleReferences.begin();
+    while (!kept.done() || made != context.styleReferences.end()) {
+        if (!kept.done()
+            && (made == context.styleReferences.end() || kept.entry().mline.asOldId() < made->mline.asOldId())) {
+            const KeptMlines::Entry& entry = kept.entry();
+            resolve({entry.mline, entry.style.handle, entry.style.name, entry.style.line}, &entry.outline);
+            kept.next();
+        } else {
+            resolve(*made++, nullptr);
         }
     }
     if (restyled > 0)

@@ -341,9 +341,12 @@ void takeApart(const Record& record, EntityParts& parts, bool countFirst = true)
     }
 }
 
-// What an entity of the kinds takeApart makes takes as an object.
-std::size_t objectBytes(const EntityParts& parts)
+// What the entity taken apart from a record of groups takes as an object:
+// an unmodelled one holds the groups beside itself.
+std::size_t objectBytes(const EntityParts& parts, KxDbPackedGroupsView groups)
 {
+    if (!parts.entity)
+        return sizeof(KxDbUnmodelledEntity) + groups.bytes().size();
     const KxDbEntity& entity = *parts.entity;
     if (const auto* pline = KxDbPolyline::cast(&entity))
         return sizeof(KxDbPolyline) + parts.unreadVertexBytes.value_or(pline->vertexBytes());
@@ -385,20 +388,27 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
         return makeUnopenedMline(record, look);
     EntityParts parts;
     takeApart(record, parts, false);
+    if (!parts.entity) {
+        // Its groups are kept whole, the names spelled otherwise too.
+        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(look.kind, groups);
+        RecordBasics lookKept;
+        parts.look.applyTo(*unmodelled, look, lookKept);
+        return unmodelled;
+    }
     parts.look.applyTo(*parts.entity, look, parts.basics);
     parts.entity->setKeptGroups(std::move(parts.basics.kept));
     return std::move(parts.entity);
 }
 
-// Keeps the entity taken apart from the record unopened when its groups
-// take less than half the object: records of a few groups, where the
-// object would cost many times the file. Larger records, which their
-// objects hold about as densely, are added as objects, so that nothing is
-// read twice.
+// Keeps the entity taken apart from the record (of any kind but MLINE)
+// unopened when its groups take less than half the object: records of a
+// few groups, where the object would cost many times the file. Larger
+// records, which their objects hold about as densely, are added as
+// objects, so that nothing is read twice.
 bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& context, KxDbObjectId block)
 {
     const KxDbPackedGroupsView groups = record.packedGroups();
-    if (2 * groups.bytes().size() >= objectBytes(parts))
+    if (2 * groups.bytes().size() >= objectBytes(parts, groups))
         return false;
     kaldo::UnopenedRecords::Look look;
     look.kind = record.kind();
@@ -406,7 +416,8 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
     look.maker = &makeUnopened;
     parts.look.resolve(context, look);
     return !context.db.unopenedRecords()
-                .keep(parts.entity->isA(), look, groups, context.fileHandle(parts.basics.handle))
+                .keep(parts.entity ? parts.entity->isA() : KxDbUnmodelledEntity::desc(), look, groups,
+                      context.fileHandle(parts.basics.handle))
                 .isNull();
 }
 
@@ -433,8 +444,7 @@ bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId 
         KxDbMline::desc(), resolved, groups, context.fileHandle(basics.handle), true);
     if (id.isNull())
         return false;
-    context.styleReferences.push_back({id, styleLink.handle, styleLink.name, styleLink.line});
-    context.unopenedMlines.push_back({id, outline});
+    context.keptMlines.push_back({id, styleLink, outline});
     return true;
 }
 
@@ -653,6 +663,8 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         && gather(record, context, block.isNull() ? context.roots.modelSpace : block, parts->basics.handle))
         return;
     finishRecordRun(context);
+    if (keepUnopened(record, *parts, context, block))
+        return;
     if (!parts->entity) {
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
         RecordBasics lookKept;
@@ -660,8 +672,6 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         append(context, std::move(unmodelled), parts->basics, block, record.line());
         return;
     }
-    if (keepUnopened(record, *parts, context, block))
-        return;
     if (parts->unreadVertexBytes)
         takeApart(record, *parts, false);
     parts->look.applyTo(*parts->entity, context, parts->basics);

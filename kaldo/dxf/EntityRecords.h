@@ -1,5 +1,7 @@
 // Entities: LINE, ARC, CIRCLE, LWPOLYLINE and MLINE are modelled; any other
-// kind becomes an unmodelled entity that keeps every group.
+// kind becomes an unmodelled entity that keeps every group. A record of
+// any kind whose groups take less than half its object is kept unopened
+// (kaldo/db/UnopenedRecords.h) until first opened.
 #pragma once
 
 #include <cstdint>

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "kaldo/db/HandleSet.h"
+#include "kaldo/dxf/KeptMlines.h"
 #include "kaldo/dxf/KeptSections.h"
 #include "kaldo/dxf/MlineRecord.h"
 #include "kaldo/dxf/Record.h"
@@ -41,14 +42,10 @@ struct ReadContext {
         std::wstring name;
         long line;
     };
+    // The multilines made when read.
     std::vector<StyleReference> styleReferences;
-    // The multilines kept unopened among them, in the same order, with
-    // what the check found.
-    struct UnopenedMline {
-        KxDbObjectId mline;
-        MlineOutline outline;
-    };
-    std::vector<UnopenedMline> unopenedMlines;
+    // The multilines kept unopened, with what the check found.
+    KeptMlines keptMlines;
     struct DictionaryEntry {
         KxDbObjectId dictionary;
         std::wstring name;

@@ -117,11 +117,13 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 // apart (up to the top of the range), are held as one entity or object a
 // run: under 4 times the file (about 10 with an object per record), under
 // 2 with consecutive handles. One record of
-// one-character groups, read packed, stays under 4 times. A line of no
-// groups is kept as its record until opened, its registry slot naming the
-// record, its block's entry a share of a run of ids: under 4 times its
-// seven bytes (17 as an object with its registry entry, 20 with ids of 64
-// bits and its normal beside it). A multiline of vertices of nothing but
+// one-character groups, read packed, stays under 4 times. An entity of no
+// groups of any kind the host reads by name (a line, a text, a polyline's
+// vertex, a multiline, ...) is kept as its record until opened, its
+// registry slot naming the record, its block's entry a share of a run of
+// ids: under 4 times its bytes (12 to 17 as an object with its registry
+// entry; a multiline 13 with the reader's bookkeeping of its style before
+// it was packed). A multiline of vertices of nothing but
 // their first group (laid out anew in the style) is kept as its record
 // too, checked one vertex at a time and laid out only when opened: under 2
 // times their five bytes (19 as an object, which costs each vertex's
@@ -134,7 +136,7 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         std::size_t perByte = kPerByte;
     };
     std::vector<Input> inputs;
-    std::string kindsOnly, kindsAndAGroup, tinyGroups = "0\nX\n", bareLines, bareVertices = mlineHead("20000", "0");
+    std::string kindsOnly, kindsAndAGroup, tinyGroups = "0\nX\n", bareVertices = mlineHead("20000", "0");
     // Records held together cost so little that a small file of them stays
     // within the base: these are larger.
     constexpr int kRecords = 100000;
@@ -157,10 +159,8 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     }
     for (int i = 0; i < 100000; ++i)
         tinyGroups += "1\n0\n";
-    for (int i = 0; i < 20000; ++i) {
-        bareLines += "0\nLINE\n";
+    for (int i = 0; i < 20000; ++i)
         bareVertices += "11\n0\n";
-    }
     // Each set of records read once as entities and once as objects.
     const auto asEntitiesAndObjects = [&](const std::string& what, const std::string& records, std::size_t perByte) {
         inputs.push_back({"records of their kind" + what, smallDrawing(records, ""), perByte});
@@ -174,7 +174,13 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     asEntitiesAndObjects(" and handles far apart", kindsFarApart, 4);
     asEntitiesAndObjects(" and handles anywhere", kindsAnywhere, 4);
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 4});
-    inputs.push_back({"lines of no groups", smallDrawing(bareLines, ""), 4});
+    for (const char* kind : {"LINE", "CIRCLE", "LWPOLYLINE", "MLINE", "TEXT", "INSERT", "ATTRIB", "POINT", "ELLIPSE",
+                             "SPLINE", "HATCH", "SOLID", "POLYLINE", "VERTEX", "SEQEND", "MTEXT", "DIMENSION"}) {
+        std::string bare;
+        for (int i = 0; i < 20000; ++i)
+            bare += std::string("0\n") + kind + "\n";
+        inputs.push_back({std::string(kind) + " records of no groups", smallDrawing(bare, ""), 4});
+    }
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 2});
     // Objects of the kinds the host reads by name, kept as their records
     // until opened: alone, with handles, and owned by a dictionary that

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -101,26 +102,40 @@ TEST(DxfRoundTrip, ModelledEntitiesKeepEveryValueAndHandle)
     EXPECT_EQ(toDxfText(back), text);
 }
 
-// Entities of a few groups are kept as their records until first opened:
-// saving writes them without making them the drawing's, and opening one
-// (by peeking or by an open) gives the values, handle, owner and layer
-// read, counts no change, and the drawing saves the same bytes.
+// Entities of a few groups, of every kind, are kept as their records
+// until first opened: saving writes them without making them the
+// drawing's, and opening one (by peeking or by an open) gives the values,
+// handle, owner and layer read (a record the host only keeps, its groups
+// as read), counts no change, leaves the list of objects as it was, and
+// the drawing saves the same bytes.
 TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
 {
+    using Groups = std::vector<std::pair<int, std::string>>;
+    const std::vector<std::pair<std::string, Groups>> records = {
+        {"TEXT", {{8, "walls"}, {62, "3"}, {1, "Room"}}}, {"INSERT", {{2, "door"}}}, {"POINT", {{10, "4"}}},
+        {"POLYLINE", {{66, "1"}}}, {"VERTEX", {{10, "1"}}}, {"VERTEX", {{10, "2"}}}, {"SEQEND", {}}};
+    std::string kept;
+    for (const auto& [kind, groups] : records) {
+        kept += "0\n" + kind + "\n";
+        for (const auto& [code, value] : groups)
+            kept += std::to_string(code) + "\n" + value + "\n";
+    }
     const std::string entities =
         groupText({"0", "LINE", "0", "LINE", "5", "2A", "8", "walls", "62", "1", "10", "1.5", "11", "2", "0", "CIRCLE",
                    "8", "WALLS", "40", "2", "0", "ARC", "40", "1", "51", "90", "0", "LWPOLYLINE", "90", "2", "10", "1",
-                   "20", "2", "10", "3", "20", "4"});
+                   "20", "2", "10", "3", "20", "4"})
+        + kept;
     kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(entities, ""));
     KxDbDatabase& db = *drawing.database;
     std::vector<KxDbObjectId> ids;
     const auto* space = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()));
     for (auto it = space->newIterator(); !it->done(); it->step())
         ids.push_back(it->getEntityId());
-    ASSERT_EQ(ids.size(), 5u);
+    ASSERT_EQ(ids.size(), 12u);
     EXPECT_EQ(db.objectIdFromHandle(0x2A), ids[1]);
     EXPECT_EQ(ids[2].objectClass(), KxDbCircle::desc());
     const std::string saved = toDxfText(drawing);
+    const KxDbIdRuns objects = db.objectIds();
     EXPECT_NE(saved.find("\nWALLS\n"), std::string::npos) << "the layer as the record spells it";
     for (const KxDbObjectId id : ids)
         EXPECT_TRUE(kaldo::isUnopened(id));
@@ -149,7 +164,24 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
     ASSERT_EQ(bare.openStatus(), Kald::eOk);
     EXPECT_EQ(bare->ownerId(), db.modelSpaceId());
     bare.close();
+    std::uint64_t handle = line->handle();
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const auto* record = KxDbUnmodelledEntity::cast(db.peekObject(ids[5 + i]));
+        ASSERT_NE(record, nullptr) << records[i].first;
+        EXPECT_EQ(record->dxfName(), records[i].first);
+        Groups groups;
+        for (const KxDbFileGroup& g : record->groups())
+            groups.emplace_back(g.code, g.value);
+        EXPECT_EQ(groups, records[i].second) << records[i].first;
+        EXPECT_EQ(record->ownerId(), db.modelSpaceId());
+        EXPECT_GT(record->handle(), handle) << "handles in the order read";
+        handle = record->handle();
+    }
+    const auto* text = KxDbUnmodelledEntity::cast(db.peekObject(ids[5]));
+    EXPECT_EQ(text->layerId(), line->layerId());
+    EXPECT_EQ(text->color().colorIndex(), 3);
     EXPECT_EQ(db.changeCount(), changes);
+    EXPECT_TRUE(std::ranges::equal(db.objectIds(), objects));
     EXPECT_EQ(toDxfText(drawing), saved);
 }
 
