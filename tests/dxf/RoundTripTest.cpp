@@ -505,3 +505,26 @@ TEST(DxfRoundTrip, HeaderVariablesAndCurrentStyleSurvive)
     auto* line = addEntity(*back.database, new KxDbLine({0, 0}, {1, 1}));
     EXPECT_GE(line->handle(), db.handseed());
 }
+
+// A polyline of many groups of few bytes a vertex is checked and counted
+// without its vertices and kept unopened: refused as when read whole, and
+// opened with every vertex and bulge read.
+TEST(DxfRoundTrip, LargePolylineKeptUnopenedOpensWithEveryVertex)
+{
+    std::string vertices;
+    for (int i = 0; i < 2000; ++i)
+        vertices += "10\n" + std::to_string(i) + "\n42\n1\n";
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing("0\nLWPOLYLINE\n5\n2A\n" + vertices, ""));
+    const KxDbObjectId id = drawing.database->objectIdFromHandle(0x2A);
+    ASSERT_TRUE(kaldo::isUnopened(id));
+    const auto* pline = KxDbPolyline::cast(drawing.database->peekObject(id));
+    ASSERT_NE(pline, nullptr);
+    ASSERT_EQ(pline->numVerts(), 2000);
+    EXPECT_EQ(pline->vertexAt(1999), (KxDbPolyline::Vertex{1999, 0, 0, 0, 1}));
+    try {
+        fromDxfText(smallDrawing("0\nLWPOLYLINE\n90\n2001\n" + vertices, ""));
+        ADD_FAILURE() << "a count the vertices do not meet is refused";
+    } catch (const kaldo::dxf::DxfError& e) {
+        EXPECT_NE(std::string(e.what()).find("announces 2001 vertices but has 2000"), std::string::npos) << e.what();
+    }
+}
