@@ -140,11 +140,15 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
         writeObject(w, db, *root);
     std::unique_ptr<KxDbObject> aside;
     for (const KxDbObjectId id : db.objectIds()) {
-        // Entities kept unopened were written with their blocks; objects
-        // kept so are written from an object made for the moment.
-        if (kaldo::isUnopened(id) && id.objectClass()->isDerivedFrom(KxDbEntity::desc()))
-            continue;
-        aside = db.unopenedRecords().makeAside(id);
+        aside.reset();
+        if (kaldo::isUnopened(id)) {
+            // Entities kept unopened were written with their blocks;
+            // objects kept so are written from an object made for the
+            // moment.
+            if (id.objectClass()->isDerivedFrom(KxDbEntity::desc()))
+                continue;
+            aside = db.unopenedRecords().makeAside(id);
+        }
         const KxDbObject* obj = aside ? aside.get() : db.peekObject(id);
         try {
             if (obj && obj != root && !obj->isErased() && writeObject(w, db, *obj))

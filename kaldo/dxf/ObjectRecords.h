@@ -1,5 +1,7 @@
 // Objects: the named-object dictionary, the multiline-style dictionary and
-// MLINESTYLE objects are modelled; every other object is kept whole.
+// MLINESTYLE objects are modelled; every other object is kept whole. Small
+// records are kept unopened (kaldo/db/UnopenedRecords.h) until first looked
+// up.
 #pragma once
 
 #include "kaldo/dxf/Record.h"

@@ -1,6 +1,6 @@
 // Drawings written and read back: every modelled value, handles, header
-// variables and the multiline flags survive; entities kept as their
-// records open as read; neighbouring vertices with the same lists share
+// variables and the multiline flags survive; entities and objects kept as
+// their records open as read; neighbouring vertices with the same lists share
 // them, and copies and edits keep them apart.
 #include "DxfText.h"
 #include "GroupText.h"
@@ -188,9 +188,10 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
 // Objects of a few groups are kept as their records too, their owners
 // found by handle before or after them: saving writes them in their places
 // among the objects (after a record taken apart from its run), opening one
-// gives what the reader made of the record and changes nothing, and undo
-// puts a kept one back as read. A style dictionary's entry and a
-// multiline's style handle find the styles kept so.
+// gives what the reader made of the record and changes nothing, undo puts
+// a kept one back as read, and one opened while the file is read still
+// takes its owner. A style dictionary's entry and a multiline's style
+// handle find the styles kept so.
 TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
 {
     const std::string text = smallDrawing(
@@ -257,6 +258,16 @@ TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
     EXPECT_EQ(toDxfText(erased).find("LOOSE"), std::string::npos);
     erasedDb.undoHistory().undo(1);
     EXPECT_EQ(toDxfText(erased), saved);
+
+    // Opened while the file is read (a line names it as its block), an
+    // object still takes the owner that follows it.
+    kaldo::dxf::DxfDrawing early = fromDxfText(
+        groupText({"0", "SECTION", "2", "OBJECTS", "0", "DICTIONARY", "5", "C", "0", "LAYOUT", "5", "60", "330", "1A",
+                   "0", "DICTIONARY", "5", "1A", "0", "ENDSEC", "0", "SECTION", "2", "ENTITIES", "0", "LINE", "330",
+                   "60", "0", "ENDSEC", "0", "EOF"}));
+    const KxDbObjectId earlyLayout = early.database->objectIdFromHandle(0x60);
+    EXPECT_FALSE(kaldo::isUnopened(earlyLayout));
+    EXPECT_EQ(early.database->peekObject(earlyLayout)->ownerId(), early.database->objectIdFromHandle(0x1A));
 }
 
 // Multilines of a few groups a vertex are kept as their records too, their
