@@ -279,10 +279,24 @@ struct EntityParts : RecordAhead {
     std::optional<std::size_t> unreadVertexBytes;
 };
 
-// Records of more groups than this are checked and their vertices counted
-// before they are read: one to be kept unopened is never made an object,
-// and the room for the vertices of another is made at once.
+// Records of more groups than this, whose vertices might take more than
+// twice their groups as an object, are checked and their vertices counted
+// before they are read: one to be kept unopened is never made an object
+// (another gets room for its count at once).
 constexpr std::size_t kCountedFirst = 1024;
+
+// The most a polyline's vertices may take as an object by its groups alone:
+// each group 10 a vertex, 40 bytes each when a width or bulge is given.
+std::size_t mostVertexBytes(const Record& record)
+{
+    std::size_t vertices = 0;
+    bool shapes = false;
+    record.packedGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view) {
+        vertices += code == 10;
+        shapes = shapes || code == 40 || code == 41 || code == 42;
+    });
+    return vertices * (shapes ? 5 : 2) * sizeof(double);
+}
 // The room for vertices kept from record to record, at most: a larger one
 // goes with its record.
 constexpr std::size_t kKeptVertexRoom = 4096;
@@ -292,10 +306,11 @@ constexpr std::size_t kKeptVertexRoom = 4096;
 void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst)
 {
     std::size_t count = 0;
-    if (countFirst && record.size() > kCountedFirst) {
+    const std::size_t bytes = record.packedGroups().bytes().size();
+    if (countFirst && record.size() > kCountedFirst && 2 * bytes < sizeof(KxDbPolyline) + mostVertexBytes(record)) {
         PolylineVertices counted;
         parts.entity.reset(readPolyline(record, parts.basics, parts.look, counted));
-        if (2 * record.packedGroups().bytes().size() < sizeof(KxDbPolyline) + counted.objectBytes()) {
+        if (2 * bytes < sizeof(KxDbPolyline) + counted.objectBytes()) {
             parts.unreadVertexBytes = counted.objectBytes();
             return;
         }
