@@ -7,6 +7,7 @@
 #include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/StateBytes.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kxdbmline.h"
 #include "kxdbsymtb.h"
 
@@ -145,6 +146,10 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
     }
     if (byObject.empty())
         return;
+    std::unordered_map<std::uint64_t, KxDbObjectId> lastInsertedAfter;
+    for (const auto& [after, insert] : byObject)
+        lastInsertedAfter.emplace(after, insert->objects.back().first->objectId());
+    m_db.m_unopened->followInserted(lastInsertedAfter);
     std::vector<std::unique_ptr<KxDbObject>> objects;
     objects.reserve(m_db.m_objects.size() + count);
     for (std::unique_ptr<KxDbObject>& object : m_db.m_objects) {

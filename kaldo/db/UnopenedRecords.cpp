@@ -149,6 +149,13 @@ std::unique_ptr<KxDbObject> UnopenedRecords::makeFrom(KxDbObjectId id, std::uint
     return object;
 }
 
+void UnopenedRecords::followInserted(const std::unordered_map<std::uint64_t, KxDbObjectId>& lastInsertedAfter)
+{
+    for (Listed& listed : m_listed)
+        if (const auto found = lastInsertedAfter.find(listed.after.asOldId()); found != lastInsertedAfter.end())
+            listed.after = found->second;
+}
+
 void UnopenedRecords::listWith(const std::vector<std::unique_ptr<KxDbObject>>& objects, KxDbIdRuns& ids) const
 {
     auto kept = m_ids.begin();
