@@ -146,6 +146,10 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
     }
     if (byObject.empty())
         return;
+    std::unordered_map<std::uint64_t, KxDbObjectId> lastInsertedAfter;
+    for (const auto& [after, insert] : byObject)
+        lastInsertedAfter.emplace(after, insert->objects.back().first->objectId());
+    m_db.m_unopened->followInserted(lastInsertedAfter);
     std::vector<std::unique_ptr<KxDbObject>> objects;
     objects.reserve(m_db.m_objects.size() + count);
     for (std::unique_ptr<KxDbObject>& object : m_db.m_objects) {
@@ -155,8 +159,6 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
             continue;
         for (auto& [inserted, handle] : found->second->objects)
             objects.push_back(std::move(inserted));
-        // Records kept unopened after the object come after what follows it now.
-        m_db.unopenedRecords().relist(KxDbObjectId::fromOldId(found->first), objects.back()->objectId());
     }
     m_db.m_objects = std::move(objects);
 }

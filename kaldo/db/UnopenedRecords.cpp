@@ -186,6 +186,13 @@ std::unique_ptr<KxDbObject> UnopenedRecords::makeFrom(KxDbObjectId id, std::uint
     return object;
 }
 
+void UnopenedRecords::followInserted(const std::unordered_map<std::uint64_t, KxDbObjectId>& lastInsertedAfter)
+{
+    for (Listed& listed : m_listed)
+        if (const auto found = lastInsertedAfter.find(listed.after.asOldId()); found != lastInsertedAfter.end())
+            listed.after = found->second;
+}
+
 void UnopenedRecords::listWith(const std::vector<std::unique_ptr<KxDbObject>>& objects, KxDbIdRuns& ids) const
 {
     auto kept = m_ids.begin();
@@ -203,13 +210,6 @@ void UnopenedRecords::listWith(const std::vector<std::unique_ptr<KxDbObject>>& o
     // After objects taken out since (none while a file is read): last.
     for (; kept != m_ids.end(); ++kept)
         ids.push_back(*kept);
-}
-
-void UnopenedRecords::relist(KxDbObjectId from, KxDbObjectId to)
-{
-    for (Listed& listed : m_listed)
-        if (listed.after == from)
-            listed.after = to;
 }
 
 }  // namespace kaldo

@@ -110,9 +110,11 @@ public:
     // Lists the ids of objects, with those of the records kept (opened or
     // not) in their places among them.
     void listWith(const std::vector<std::unique_ptr<KxDbObject>>& objects, KxDbIdRuns& ids) const;
-    // The records kept after the object from are now listed after to
-    // (objects put in after from, in its place).
-    void relist(KxDbObjectId from, KxDbObjectId to);
+    // Objects were put in after others (by serial, the last of them put
+    // in after each; the records of a run taken apart, which the file gave
+    // before the records kept after the run): the records kept after those
+    // follow them.
+    void followInserted(const std::unordered_map<std::uint64_t, KxDbObjectId>& lastInsertedAfter);
 
 private:
     std::size_t placeOf(const Look& look);

@@ -121,7 +121,7 @@ TEST(DxfMemoryBound, KeptRecordsCostAboutTheirBytes)
 // groups of any kind the host reads by name (a line, a text, a polyline's
 // vertex, a multiline, ...) is kept as its record until opened, its
 // registry slot naming the record, its block's entry a share of a run of
-// ids: under 4 times its bytes (12 to 17 as an object with its registry
+// ids: under 4 times its bytes (9 to 17 as an object with its registry
 // entry; a multiline 13 with the reader's bookkeeping of its style before
 // it was packed). A multiline of vertices of nothing but
 // their first group (laid out anew in the style) is kept as its record
