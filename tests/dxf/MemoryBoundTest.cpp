@@ -49,6 +49,16 @@ std::string mlineHead(const char* vertices, const char* elements)
                       "73", elements});
 }
 
+// text, count times over.
+std::string repeated(const std::string& text, int count)
+{
+    std::string out;
+    out.reserve(text.size() * std::size_t(count));
+    for (int i = 0; i < count; ++i)
+        out += text;
+    return out;
+}
+
 // Records of nothing but their kind and a handle, handleOf(i) after 0x1000.
 template <class HandleOf>
 std::string kindsWithHandles(int count, HandleOf handleOf, const std::string& kind = "X")
@@ -136,7 +146,6 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         std::size_t perByte = kPerByte;
     };
     std::vector<Input> inputs;
-    std::string kindsOnly, kindsAndAGroup, tinyGroups = "0\nX\n", bareVertices = mlineHead("20000", "0");
     // Records held together cost so little that a small file of them stays
     // within the base: these are larger.
     constexpr int kRecords = 100000;
@@ -153,21 +162,15 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     std::uniform_int_distribution<std::uint64_t> anywhere(1, kxdbHighestHandle - 0x1000);
     const std::string kindsAnywhere = kindsWithHandles(
         kRecords, [&](int i) { return i == kRecords / 2 ? kxdbHighestHandle - 0x1000 : anywhere(random); });
-    for (int i = 0; i < kRecords; ++i) {
-        kindsOnly += "0\nX\n";
-        kindsAndAGroup += "0\nX\n1\n0\n";
-    }
-    for (int i = 0; i < 100000; ++i)
-        tinyGroups += "1\n0\n";
-    for (int i = 0; i < 20000; ++i)
-        bareVertices += "11\n0\n";
+    const std::string kindsOnly = repeated("0\nX\n", kRecords);
+    const std::string tinyGroups = "0\nX\n" + repeated("1\n0\n", 100000);
     // Each set of records read once as entities and once as objects.
     const auto asEntitiesAndObjects = [&](const std::string& what, const std::string& records, std::size_t perByte) {
         inputs.push_back({"records of their kind" + what, smallDrawing(records, ""), perByte});
         inputs.push_back({"objects of their kind" + what, smallDrawing("", records), perByte});
     };
     asEntitiesAndObjects(" alone", kindsOnly, 4);
-    inputs.push_back({"records of their kind and a group", smallDrawing(kindsAndAGroup, ""), 4});
+    inputs.push_back({"records of their kind and a group", smallDrawing(repeated("0\nX\n1\n0\n", kRecords), ""), 4});
     asEntitiesAndObjects(" and handles", kindsAndHandles, 2);
     asEntitiesAndObjects(" and handles with gaps", kindsAndGaps, 4);
     asEntitiesAndObjects(" and handles in no order", kindsInNoOrder, 4);
@@ -176,22 +179,17 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     inputs.push_back({"one record of one-character groups", smallDrawing(tinyGroups, ""), 4});
     for (const char* kind : {"LINE", "CIRCLE", "LWPOLYLINE", "MLINE", "TEXT", "INSERT", "ATTRIB", "POINT", "ELLIPSE",
                              "SPLINE", "HATCH", "SOLID", "POLYLINE", "VERTEX", "SEQEND", "MTEXT", "DIMENSION"}) {
-        std::string bare;
-        for (int i = 0; i < 20000; ++i)
-            bare += std::string("0\n") + kind + "\n";
+        const std::string bare = repeated("0\n" + std::string(kind) + "\n", 20000);
         inputs.push_back({std::string(kind) + " records of no groups", smallDrawing(bare, ""), 4});
     }
+    const std::string bareVertices = mlineHead("20000", "0") + repeated("11\n0\n", 20000);
     inputs.push_back({"multiline vertices of one group", smallDrawing(bareVertices, ""), 2});
     // Objects of the kinds the host reads by name, kept as their records
     // until opened: alone, with handles, and owned by a dictionary that
     // follows them (4 to 15 times the file as objects).
     for (const char* kind : {"DICTIONARY", "LAYOUT", "MLINESTYLE", "XRECORD", "SORTENTSTABLE", "ACDBPLACEHOLDER"}) {
         const std::string head = "0\n" + std::string(kind) + "\n", root = "0\nDICTIONARY\n5\nC\n";
-        std::string alone, owned;
-        for (int i = 0; i < kRecords; ++i) {
-            alone += head;
-            owned += head + "330\nD\n";
-        }
+        const std::string alone = repeated(head, kRecords), owned = repeated(head + "330\nD\n", kRecords);
         inputs.push_back({std::string(kind) + " alone", smallDrawing("", root + alone), 4});
         inputs.push_back({std::string(kind) + " with handles",
                           smallDrawing("", root + kindsWithHandles(kRecords, [](int i) { return i; }, kind)), 4});
@@ -203,30 +201,29 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     // header variables, classes, unknown sections and table records are held
     // packed (12 to 22 times with an object per group or variable).
     {
-        const auto times = [](const std::string& groups, int count) {
-            std::string text;
-            for (int i = 0; i < count; ++i)
-                text += groups;
-            return text;
-        };
         const auto section = [](const std::string& name, const std::string& body) {
             return "0\nSECTION\n2\n" + name + "\n" + body + "0\nENDSEC\n" + smallDrawing("", "");
         };
         std::string variables;
         for (int i = 0; i < 100000; ++i)
             variables += "9\n$" + std::to_string(i) + "\n";
-        inputs.push_back({"a polyline of bare vertices", smallDrawing("0\nLWPOLYLINE\n" + times("10\n0\n", 200000), ""), 4});
-        inputs.push_back({"a polyline of bulges", smallDrawing("0\nLWPOLYLINE\n" + times("10\n0\n42\n1\n", 100000), ""), 4});
+        inputs.push_back({"a polyline of bare vertices",
+                          smallDrawing("0\nLWPOLYLINE\n" + repeated("10\n0\n", 200000), ""), 4});
+        inputs.push_back({"a polyline of bulges",
+                          smallDrawing("0\nLWPOLYLINE\n" + repeated("10\n0\n42\n1\n", 100000), ""), 4});
         inputs.push_back({"header variables of no value", section("HEADER", variables), 4});
-        inputs.push_back({"one header variable again and again", section("HEADER", times("9\n$A\n", 200000)), 4});
-        inputs.push_back({"a header variable of many values", section("HEADER", "9\n$A\n" + times("1\n0\n", 200000)), 4});
+        inputs.push_back({"one header variable again and again", section("HEADER", repeated("9\n$A\n", 200000)), 4});
+        inputs.push_back({"a header variable of many values",
+                          section("HEADER", "9\n$A\n" + repeated("1\n0\n", 200000)), 4});
         inputs.push_back({"a modelled header variable of many values",
-                          section("HEADER", "9\n$EXTMIN\n" + times("10\n0\n", 200000)), 4});
-        inputs.push_back({"classes of no groups", section("CLASSES", times("0\nCLASS\n", 200000)), 4});
-        inputs.push_back({"an unknown section of one-character groups", section("X", times("1\n0\n", 200000)), 4});
-        inputs.push_back({"unknown sections", times("0\nSECTION\n2\nX\n0\nENDSEC\n", 100000) + smallDrawing("", ""), 4});
+                          section("HEADER", "9\n$EXTMIN\n" + repeated("10\n0\n", 200000)), 4});
+        inputs.push_back({"classes of no groups", section("CLASSES", repeated("0\nCLASS\n", 200000)), 4});
+        inputs.push_back({"an unknown section of one-character groups", section("X", repeated("1\n0\n", 200000)), 4});
+        inputs.push_back({"unknown sections",
+                          repeated("0\nSECTION\n2\nX\n0\nENDSEC\n", 100000) + smallDrawing("", ""), 4});
         inputs.push_back({"kept table records of no groups",
-                          section("TABLES", "0\nTABLE\n2\nAPPID\n" + times("0\nAPPID\n", 200000) + "0\nENDTAB\n"), 4});
+                          section("TABLES", "0\nTABLE\n2\nAPPID\n" + repeated("0\nAPPID\n", 200000) + "0\nENDTAB\n"),
+                          4});
     }
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {
@@ -243,10 +240,10 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
 
 // Saving walks the objects and each block's entities, the list of objects
 // as runs of ids, not held through the entities' walks (it took eight
-// bytes an object as a vector of ids, sixteen when held through them). The entities' text is made a chunk of 4096 records at a
-// time, a run of kept records counting each of its own: a larger drawing
-// of runs takes no more to save, where a chunk of 4096 runs held all its
-// text.
+// bytes an object as a vector of ids, sixteen when held through them).
+// The entities' text is made a chunk of 4096 records at a time, a run of
+// kept records counting each of its own: a larger drawing of runs takes no
+// more to save, where a chunk of 4096 runs held all its text.
 TEST(DxfMemoryBound, SavingHoldsOneListAndAFewChunksAtATime)
 {
     const auto savePeak = [](const std::string& entities) {
