@@ -169,13 +169,13 @@ echo "| Closed cross pass, two 10 000-vertex multilines (bench_mledit_cross) | $
 
 big=$work/big.dxf
 KALDO_BENCH_DXF=$big KALDO_BENCH_MULTILINES=$multilines "$stage/bin/bench_dxf_io" \
-    --benchmark_filter='BM_SaveDrawing|BM_OpenDrawing|BM_TearDownDrawing' --benchmark_format=json >"$work/dxf.json" 2>/dev/null
-megabytes=$(counter "$work/dxf.json" BM_OpenDrawing MB | awk '{printf "%.0f", $2}')
-openRate=$(counter "$work/dxf.json" BM_OpenDrawing MB/s | awk '{printf "%.0f", $2}')
+    --benchmark_filter='BM_SaveDrawing/|BM_OpenDrawing/|BM_TearDownDrawing' --benchmark_format=json >"$work/dxf.json" 2>/dev/null
+megabytes=$(counter "$work/dxf.json" '^BM_OpenDrawing/' MB | awk '{printf "%.0f", $2}')
+openRate=$(counter "$work/dxf.json" '^BM_OpenDrawing/' MB/s | awk '{printf "%.0f", $2}')
 saveRate=$(counter "$work/dxf.json" BM_SaveDrawing MB/s | awk '{printf "%.0f", $2}')
-openPeak=$(counter "$work/dxf.json" BM_OpenDrawing peak_MB | awk '{printf "%.0f", $2}')
+openPeak=$(counter "$work/dxf.json" '^BM_OpenDrawing/' peak_MB | awk '{printf "%.0f", $2}')
 teardownMs=$(counter "$work/dxf.json" BM_TearDownDrawing ms | awk '{printf "%.0f", $2}')
-openMs=$(counter "$work/dxf.json" BM_OpenDrawing ms | awk '{printf "%.0f", $2}')
+openMs=$(counter "$work/dxf.json" '^BM_OpenDrawing/' ms | awk '{printf "%.0f", $2}')
 read -r catSeconds _ < <(measure cat "$big")
 read -r openSeconds openMemory < <(measure "$kaldo" --script "$work/empty.scr" "$big")
 read -r saveSeconds _ < <(measure "$kaldo" --script "$work/empty.scr" "$big" --save "$work/saved.dxf")
@@ -183,13 +183,13 @@ read -r svgSeconds svgMemory < <(measure "$kaldo" --script "$work/empty.scr" "$b
 
 KALDO_BENCH_MULTILINES=$ezdxfMultilines "$stage/bin/bench_dxf_io" --benchmark_format=json \
     >"$work/small.json" 2>/dev/null
-smallOpen=$(counter "$work/small.json" BM_OpenDrawing MB/s | awk '{print $2}')
+smallOpen=$(counter "$work/small.json" '^BM_OpenDrawing/' MB/s | awk '{print $2}')
 smallSave=$(counter "$work/small.json" BM_SaveDrawing MB/s | awk '{print $2}')
 ezdxfOpen=$(counter "$work/small.json" BM_Ezdxf MB/s | awk '{print $2}')
 ezdxfSave=$(counter "$work/small.json" BM_Ezdxf write_MB/s | awk '{print $2}')
 ezdxfPeak=$(counter "$work/small.json" BM_Ezdxf peak_MB | awk '{printf "%.0f", $2}')
-smallPeak=$(counter "$work/small.json" BM_OpenDrawing peak_MB | awk '{printf "%.0f", $2}')
-smallMegabytes=$(counter "$work/small.json" BM_OpenDrawing MB | awk '{printf "%.1f", $2}')
+smallPeak=$(counter "$work/small.json" '^BM_OpenDrawing/' peak_MB | awk '{printf "%.0f", $2}')
+smallMegabytes=$(counter "$work/small.json" '^BM_OpenDrawing/' MB | awk '{printf "%.1f", $2}')
 ratio() { echo "$1 / $2" | bc -l | xargs printf '%.0f'; }
 
 echo "| DXF open, ${megabytes} MB of ${multilines} multilines | ${openRate} MB/s in-process;" \

@@ -20,11 +20,11 @@ KxDbObjectId registerObject(KxDbObject* obj, KxDbDatabase* db);
 void skipSerialsTo(std::uint64_t serial);
 // Puts an object back under the id it had before unregisterObject (undo
 // taking back the removal of an added object), or in place of the record
-// an unopened entity's id names.
+// an unopened record's id names.
 void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db);
-// A new id of class cls in db that names an entity kept unopened, by
-// entry (below 2^63) among db's unopenedEntities(): the lookups below
-// make the entity through it, the others do not.
+// A new id of class cls in db that names a record kept unopened, by
+// entry (below 2^63) among db's unopenedRecords(): the lookups below
+// make the object through it, the others do not.
 KxDbObjectId registerUnopened(const KxRxClass* cls, std::uint64_t entry, KxDbDatabase* db);
 // Whether id names a record kept unopened.
 bool isUnopened(KxDbObjectId id);
