@@ -12,6 +12,9 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace kaldo::dxf {
 
@@ -250,6 +253,8 @@ void readTablesSection(GroupReader& reader, ReadContext& context)
 {
     Group g;
     Record head;
+    // The names of the tables read, found at once: a file may hold many.
+    std::unordered_set<std::string> names(context.kept.tableOrder.begin(), context.kept.tableOrder.end());
     while (reader.next(g)) {
         if (g.code != 0)
             throw DxfError(g.line, "TABLE or ENDSEC was expected.");
@@ -265,8 +270,7 @@ void readTablesSection(GroupReader& reader, ReadContext& context)
         if (!reader.next(nameGroup) || nameGroup.code != 2)
             throw DxfError(line, "a table without its name (group 2).");
         const std::string name(trimmed(nameGroup.value));
-        if (std::find(context.kept.tableOrder.begin(), context.kept.tableOrder.end(), name)
-            != context.kept.tableOrder.end())
+        if (!names.insert(name).second)
             throw DxfError(line, "the table " + name + " is there twice.");
         context.kept.tableOrder.push_back(name);
         if (isModelledTable(name)) {
@@ -379,6 +383,10 @@ void writeTablesSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
     for (const char* name : kModelledOrder)
         if (std::find(order.begin(), order.end(), name) == order.end())
             order.emplace_back(name);
+    // The kept tables by name, in the file's order, found at once.
+    std::unordered_map<std::string_view, std::vector<const KeptBlock*>> keptByName;
+    for (const KeptBlock& table : kept.tables)
+        keptByName[table.name].push_back(&table);
     w.text(0, "SECTION");
     w.text(2, "TABLES");
     for (const std::string& name : order) {
@@ -395,9 +403,11 @@ void writeTablesSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
                 writeBlockRecord(w, static_cast<const KxDbBlockTableRecord&>(r));
             });
         } else {
-            for (const KeptBlock& table : kept.tables) {
-                if (table.name != name)
-                    continue;
+            const auto found = keptByName.find(name);
+            if (found == keptByName.end())
+                continue;
+            for (const KeptBlock* keptTable : found->second) {
+                const KeptBlock& table = *keptTable;
                 w.text(0, "TABLE");
                 w.text(2, name);
                 if (!table.madeHandle.empty()) {
