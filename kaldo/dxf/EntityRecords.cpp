@@ -289,13 +289,12 @@ constexpr std::size_t kCountedFirst = 1024;
 // each group 10 a vertex, 40 bytes each when a width or bulge is given.
 std::size_t mostVertexBytes(const Record& record)
 {
-    std::size_t vertices = 0;
-    bool shapes = false;
+    PolylineVertices most;
     record.packedGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view) {
-        vertices += code == 10;
-        shapes = shapes || code == 40 || code == 41 || code == 42;
+        most.count += code == 10;
+        most.shaped = most.shaped || code == 40 || code == 41 || code == 42;
     });
-    return vertices * (shapes ? 5 : 2) * sizeof(double);
+    return most.objectBytes();
 }
 // The room for vertices kept from record to record, at most: a larger one
 // goes with its record.
