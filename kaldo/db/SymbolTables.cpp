@@ -2,6 +2,7 @@
 
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/TableRecords.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kxdbdatabase.h"
 
@@ -23,26 +24,10 @@ bool isLive(KxDbObjectId id)
     return kaldo::isRegisteredLive(id);
 }
 
-void skipErasedIds(const std::vector<KxDbObjectId>& ids, std::size_t& pos)
-{
-    while (pos < ids.size() && !isLive(ids[pos]))
-        ++pos;
-}
-
 // Ids a table lists name records.
 KxDbSymbolTableRecord* recordOf(KxDbObjectId id)
 {
     return static_cast<KxDbSymbolTableRecord*>(kaldo::lookupObject(id));
-}
-
-// Cuts ids after their first keep and appends tail, which receives the ids cut.
-void exchangeIdTail(std::vector<KxDbObjectId>& ids, std::size_t keep, std::vector<KxDbObjectId>& tail)
-{
-    const auto cutAt = ids.begin() + std::ptrdiff_t(std::min(keep, ids.size()));
-    std::vector<KxDbObjectId> cut(cutAt, ids.end());
-    ids.erase(cutAt, ids.end());
-    ids.insert(ids.end(), tail.begin(), tail.end());
-    tail = std::move(cut);
 }
 
 }  // namespace
@@ -86,28 +71,25 @@ Kald::ErrorStatus KxDbSymbolTableRecord::copyFrom(const KxDbObject* other)
     return Kald::eOk;
 }
 
+KxDbSymbolTable::KxDbSymbolTable() : m_records(std::make_unique<kaldo::TableRecords>()) {}
+
+KxDbSymbolTable::~KxDbSymbolTable() = default;
+
 KxDbObjectId KxDbSymbolTable::findId(const std::wstring& name, bool getErased) const
 {
-    const auto [first, last] = m_byName.equal_range(kaldo::foldName(name));
-    for (auto it = first; it != last; ++it) {
-        const KxDbSymbolTableRecord* record = recordOf(it->second);
-        if (record && (getErased || !record->isErased()))
-            return it->second;
-    }
-    return KxDbObjectId::kNull;
+    // Asks the table of ids, which knows a record kept unopened without
+    // making its object.
+    return m_records->find(name, [getErased](KxDbObjectId id) { return getErased ? id.isValid() : isLive(id); });
 }
 
 void KxDbSymbolTable::index(const KxDbSymbolTableRecord& record)
 {
-    m_byName.emplace(kaldo::foldName(record.name()), record.objectId());
+    m_records->index(record.objectId(), record.name());
 }
 
 void KxDbSymbolTable::unindex(const KxDbSymbolTableRecord& record)
 {
-    const auto [first, last] = m_byName.equal_range(kaldo::foldName(record.name()));
-    const auto it = std::find_if(first, last, [&](const auto& entry) { return entry.second == record.objectId(); });
-    if (it != last)
-        m_byName.erase(it);
+    m_records->unindex(record.objectId(), record.name());
 }
 
 void KxDbSymbolTable::exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail)
@@ -126,12 +108,14 @@ void KxDbSymbolTable::exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& 
             record->m_table.setNull();
         }
     };
-    const std::size_t from = std::min(keep, m_records.size());
-    for (std::size_t i = from; i < m_records.size(); ++i)
-        listing(m_records[i], false);
-    exchangeIdTail(m_records, from, tail);
-    for (std::size_t i = from; i < m_records.size(); ++i)
-        listing(m_records[i], true);
+    std::vector<KxDbObjectId> cut = m_records->ids.cutAfter(keep);
+    for (const KxDbObjectId id : cut)
+        listing(id, false);
+    for (const KxDbObjectId id : tail) {
+        m_records->ids.push_back(id);
+        listing(id, true);
+    }
+    tail = std::move(cut);
 }
 
 Kald::ErrorStatus KxDbSymbolTable::getAt(const wchar_t* name, KxDbObjectId& id, bool getErased) const
@@ -188,7 +172,7 @@ Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObject
         return Kald::eInvalidInput;
     }
     kaldo::recordBeforeChange(*this);
-    m_records.push_back(record->objectId());
+    m_records->ids.push_back(record->objectId());
     record->m_table = objectId();
     index(*record);
     record->setOwnerId(objectId());
@@ -198,36 +182,42 @@ Kald::ErrorStatus KxDbSymbolTable::add(KxDbSymbolTableRecord* record, KxDbObject
 
 std::unique_ptr<KxDbSymbolTableIterator> KxDbSymbolTable::newIterator() const
 {
-    return std::make_unique<KxDbSymbolTableIterator>(m_records);
+    return std::make_unique<KxDbSymbolTableIterator>(m_records->ids);
 }
 
-KxDbSymbolTableIterator::KxDbSymbolTableIterator(std::vector<KxDbObjectId> ids) : m_ids(std::move(ids))
+KxDbSymbolTableIterator::KxDbSymbolTableIterator(KxDbIdRuns ids) : m_ids(std::move(ids))
 {
     start();
 }
 
 void KxDbSymbolTableIterator::start()
 {
-    m_pos = 0;
-    skipErasedIds(m_ids, m_pos);
+    m_at = m_ids.first();
+    skipErased();
+}
+
+void KxDbSymbolTableIterator::skipErased()
+{
+    while (!m_ids.isEnd(m_at) && !isLive(m_ids.idAt(m_at)))
+        m_ids.step(m_at);
 }
 
 bool KxDbSymbolTableIterator::done() const
 {
-    return m_pos >= m_ids.size();
+    return m_ids.isEnd(m_at);
 }
 
 void KxDbSymbolTableIterator::step()
 {
     if (done())
         return;
-    ++m_pos;
-    skipErasedIds(m_ids, m_pos);
+    m_ids.step(m_at);
+    skipErased();
 }
 
 KxDbObjectId KxDbSymbolTableIterator::getRecordId() const
 {
-    return done() ? KxDbObjectId::kNull : m_ids[m_pos];
+    return done() ? KxDbObjectId::kNull : m_ids.idAt(m_at);
 }
 
 Kald::ErrorStatus KxDbSymbolTableIterator::getRecordId(KxDbObjectId& id) const
@@ -241,7 +231,7 @@ Kald::ErrorStatus KxDbSymbolTableIterator::getRecord(KxDbSymbolTableRecord*& rec
     record = nullptr;
     if (done())
         return Kald::eInvalidIndex;
-    return kxdbOpenObject(record, m_ids[m_pos], mode, openErased);
+    return kxdbOpenObject(record, m_ids.idAt(m_at), mode, openErased);
 }
 
 bool KxDbBlockTableRecord::isLayout() const

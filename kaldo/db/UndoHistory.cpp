@@ -7,6 +7,7 @@
 #include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/StateBytes.h"
+#include "kaldo/db/TableRecords.h"
 #include "kaldo/db/UnopenedRecords.h"
 #include "kxdbmline.h"
 #include "kxdbsymtb.h"
@@ -166,7 +167,7 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
 std::optional<std::size_t> UndoHistory::listedCount(const KxDbObject& obj)
 {
     if (const auto* table = KxDbSymbolTable::cast(&obj))
-        return table->m_records.size();
+        return table->m_records->ids.size();
     if (const auto* block = KxDbBlockTableRecord::cast(&obj))
         return block->m_entities.size();
     return std::nullopt;

@@ -6,6 +6,7 @@
 
 #include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
+#include "kaldo/db/TableRecords.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/db/VarNumber.h"
 #include "kxdbdatabase.h"
@@ -43,9 +44,14 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
                                    std::uint64_t handle, bool lookLater, KxDbObjectId owner)
 {
     KxDbBlockTableRecord* block = nullptr;
+    KxDbSymbolTable* table = nullptr;
     if (cls->isDerivedFrom(KxDbEntity::desc())) {
         block = KxDbBlockTableRecord::cast(m_db.peekObject(look.owner));
         if (!block)
+            return {};
+    } else if (cls->isDerivedFrom(KxDbSymbolTableRecord::desc())) {
+        table = KxDbSymbolTable::cast(m_db.peekObject(look.owner));
+        if (!table)
             return {};
     }
     if (handle == 0 || !m_db.objectIdFromHandle(handle).isNull())
@@ -66,6 +72,10 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
     m_db.m_handles->insert(handle, id);
     if (block)
         block->m_entities.push_back(id);
+    if (table) {
+        table->m_records->ids.push_back(id);
+        table->m_records->index(id, TableRecords::nameOf(id));
+    }
     m_db.noteChange();
     return id;
 }
@@ -183,6 +193,10 @@ std::unique_ptr<KxDbObject> UnopenedRecords::makeFrom(KxDbObjectId id, std::uint
     const Kept record = keptAt(entry);
     std::unique_ptr<KxDbObject> object = record.look->maker(*record.look, record.groups);
     KxDbDatabase::nameMade(*object, id, record.owner);
+    // A table record is kept unopened while its table lists it: taking it
+    // out of the list opens it.
+    if (auto* tableRecord = KxDbSymbolTableRecord::cast(object.get()))
+        tableRecord->m_table = record.owner;
     return object;
 }
 

@@ -6,7 +6,8 @@
 // linetype, and the reader's code that makes it); the registry's slot for
 // its id names the record instead of an object and knows its class and
 // database, the handle table its handle. An entity's block lists its id;
-// an object is in no block. Whatever looks the id up (every open,
+// a symbol table record's table lists it and reads its name from its one
+// group 2 (kaldo/db/TableRecords.h); an object is in no block. Whatever looks the id up (every open,
 // peekObject) gets an object made from the record by the reader's own
 // code, which the store holds from then on; making one changes nothing
 // else (no undo record, no change counted), so it is invisible. The
@@ -70,10 +71,12 @@ public:
     UnopenedRecords& operator=(const UnopenedRecords&) = delete;
 
     // Keeps a record of class cls under handle (a new one when 0 or
-    // taken), as addObject would add the object made, and an entity
-    // appended to look.owner (a block) as appendKxDbEntity would; null,
-    // keeping nothing, while the undo history records (the object must
-    // then be added as one) or when an entity's owner is no block.
+    // taken), as addObject would add the object made, an entity appended
+    // to look.owner (a block) as appendKxDbEntity would, and a symbol
+    // table record added to look.owner (its table, which must not hold its
+    // name) as the table's add would; null, keeping nothing, while the undo
+    // history records (the object must then be added as one) or when an
+    // entity's or record's owner is no block or table.
     // lookLater leaves room for setLook. owner is the record's own when
     // the look says so (null while not known yet, see setOwner).
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,

@@ -142,10 +142,11 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     for (const KxDbObjectId id : db.objectIds()) {
         aside.reset();
         if (kaldo::isUnopened(id)) {
-            // Entities kept unopened were written with their blocks;
-            // objects kept so are written from an object made for the
-            // moment.
-            if (id.objectClass()->isDerivedFrom(KxDbEntity::desc()))
+            // Entities kept unopened were written with their blocks and
+            // table records with their tables; objects kept so are written
+            // from an object made for the moment.
+            if (id.objectClass()->isDerivedFrom(KxDbEntity::desc())
+                || id.objectClass()->isDerivedFrom(KxDbSymbolTableRecord::desc()))
                 continue;
             aside = db.unopenedRecords().makeAside(id);
         }

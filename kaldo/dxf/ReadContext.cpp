@@ -1,5 +1,6 @@
 #include "kaldo/dxf/ReadContext.h"
 
+#include "kaldo/db/TableRecords.h"
 #include "kaldo/dxf/DefaultRecords.h"
 #include "kaldo/util/Utf8.h"
 
@@ -76,8 +77,16 @@ KxDbObjectId ReadContext::linetype(std::string_view name, bool* spelledAsRecord)
     return record(ensureLinetypeTable(*this), linetypes_, name, false, spelledAsRecord);
 }
 
+KxDbObjectId ReadContext::knownLinetype(std::string_view name)
+{
+    if (const Found* entry = linetypes_.firstNamed(name))
+        return entry->id;
+    return roots.linetypeTable.isNull() ? KxDbObjectId()
+                                        : record(roots.linetypeTable, linetypes_, name, false, nullptr, false);
+}
+
 KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::string_view name, bool isLayer,
-                                 bool* spelledAsRecord)
+                                 bool* spelledAsRecord, bool addMissing)
 {
     // The database takes a name as a C string: it ends at its first NUL, and
     // what is left is trimmed again, so that the name saved reads back as the
@@ -91,6 +100,8 @@ KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::s
     const std::wstring wideName = wideFromUtf8(name);
     KxDbObjectId id;
     if (table->getAt(wideName.c_str(), id) != Kald::eOk) {
+        if (!addMissing)
+            return {};
         KxDbSymbolTableRecord* rec = isLayer ? static_cast<KxDbSymbolTableRecord*>(new KxDbLayerTableRecord)
                                              : new KxDbLinetypeTableRecord;
         rec->setName(wideName.c_str());
@@ -101,8 +112,9 @@ KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::s
         maxHandle = std::max(maxHandle, rec->handle());
         rec->close();
     }
-    const auto* named = KxDbSymbolTableRecord::cast(db.peekObject(id));
-    const auto& entry = *cache.byName.emplace(std::string(name), Found{id, named && named->name() == wideName}).first;
+    // Read without making the object of a record kept unopened.
+    const bool spelledSo = kaldo::TableRecords::nameOf(id) == wideName;
+    const auto& entry = *cache.byName.emplace(std::string(name), Found{id, spelledSo}).first;
     if (cache.first.size() < FoundNames::kFirst)
         cache.first.push_back(&entry);
     return found(entry.second, spelledAsRecord);

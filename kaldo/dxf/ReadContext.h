@@ -124,6 +124,9 @@ struct ReadContext {
     // spelledAsRecord tells whether the name is spelled as the record is.
     KxDbObjectId layer(std::string_view name, bool* spelledAsRecord = nullptr);
     KxDbObjectId linetype(std::string_view name, bool* spelledAsRecord = nullptr);
+    // The linetype of the name (found so) when the LTYPE table is read and
+    // holds it, else null: nothing is added.
+    KxDbObjectId knownLinetype(std::string_view name);
 
     // The block the handle names, or null. The entities of a section name
     // the same few blocks as their owners: the last block found is kept,
@@ -152,8 +155,9 @@ private:
         const Found* firstNamed(std::string_view name) const;
     };
     static KxDbObjectId found(const Found& entry, bool* spelledAsRecord);
+    // Null for a name the table does not hold unless addMissing.
     KxDbObjectId record(KxDbObjectId table, FoundNames& cache, std::string_view name, bool isLayer,
-                        bool* spelledAsRecord);
+                        bool* spelledAsRecord, bool addMissing = true);
     FoundNames layers_;
     FoundNames linetypes_;
 };

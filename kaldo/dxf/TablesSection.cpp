@@ -6,6 +6,8 @@
 #include "kaldo/dxf/RecordColor.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/StateBytes.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/util/Utf8.h"
 #include "kxdbsymtb.h"
 
@@ -54,10 +56,10 @@ void placeGroupsOfUnmarkedRecord(const Record& record, RecordBasics& basics)
     }
 }
 
-void readLinetype(const Record& record, ReadContext& context, KxDbSymbolTable& table)
+// Reads a linetype record into a linetype.
+std::unique_ptr<KxDbLinetypeTableRecord> readLinetypeRecord(const Record& record, RecordBasics& basics)
 {
-    auto record_ = std::make_unique<KxDbLinetypeTableRecord>();
-    RecordBasics basics;
+    auto linetype = std::make_unique<KxDbLinetypeTableRecord>();
     std::wstring name;
     std::vector<double> dashes;
     walkRecord(record, basics, [&](const Group& g) {
@@ -66,7 +68,7 @@ void readLinetype(const Record& record, ReadContext& context, KxDbSymbolTable& t
             name = wideFromUtf8(g.value);
             return true;
         case 3:
-            record_->setDescription(wideFromUtf8(g.value).c_str());
+            linetype->setDescription(wideFromUtf8(g.value).c_str());
             return true;
         case 73:
         case 40:
@@ -87,26 +89,19 @@ void readLinetype(const Record& record, ReadContext& context, KxDbSymbolTable& t
     placeGroupsOfUnmarkedRecord(record, basics);
     if (name.empty())
         throw DxfError(record.line(), "a linetype without a name.");
-    record_->setName(name.c_str());
-    record_->setDashes(std::move(dashes));
-    KxDbLinetypeTableRecord* rec = record_.release();
-    const KxDbObjectId id = context.add(rec, basics);
-    table.add(rec);
-    if (kaldo::sameName(name, L"ByLayer"))
-        context.roots.byLayer = id;
-    else if (kaldo::sameName(name, L"ByBlock"))
-        context.roots.byBlock = id;
-    else if (kaldo::sameName(name, L"Continuous"))
-        context.roots.continuous = id;
+    linetype->setName(name.c_str());
+    linetype->setDashes(std::move(dashes));
+    return linetype;
 }
 
-void readLayer(const Record& record, ReadContext& context, KxDbSymbolTable& table)
+// Reads a layer record into a layer, but for its linetype, whose name it
+// gives.
+std::unique_ptr<KxDbLayerTableRecord> readLayerRecord(const Record& record, RecordBasics& basics,
+                                                      std::string& linetype)
 {
     auto layer = std::make_unique<KxDbLayerTableRecord>();
-    RecordBasics basics;
     std::wstring name;
     KxCmColor color;
-    std::string linetype;
     walkRecord(record, basics, [&](const Group& g) {
         switch (g.code) {
         case 2:
@@ -130,11 +125,98 @@ void readLayer(const Record& record, ReadContext& context, KxDbSymbolTable& tabl
         throw DxfError(record.line(), "a layer without a name.");
     layer->setName(name.c_str());
     layer->setColor(color);
-    KxDbLayerTableRecord* rec = layer.release();
-    const KxDbObjectId id = context.add(rec, basics);
-    if (!linetype.empty())
-        context.layerLinetypes.push_back({id, std::move(linetype)});
-    table.add(rec);
+    return layer;
+}
+
+// Makes a linetype or layer kept unopened as the reader would have made it.
+std::unique_ptr<KxDbObject> makeUnopenedRecord(const kaldo::UnopenedRecords::Look& look, KxDbPackedGroupsView groups)
+{
+    Record record;
+    record.assign(look.kind, groups);
+    RecordBasics basics;
+    std::unique_ptr<KxDbSymbolTableRecord> made;
+    if (look.kind == "LAYER") {
+        std::string linetype;
+        std::unique_ptr<KxDbLayerTableRecord> layer = readLayerRecord(record, basics, linetype);
+        layer->setLinetypeObjectId(look.linetype);
+        made = std::move(layer);
+    } else {
+        made = readLinetypeRecord(record, basics);
+    }
+    made->setKeptGroups(std::move(basics.kept));
+    return made;
+}
+
+// Keeps the record of a linetype or layer (made, to be discarded) unopened
+// when its groups take less than half its object: records of a name and
+// little else, where the object would cost many times the file. Only a
+// record that its table would list as read is kept so: its name new in the
+// table and given once (the table reads it from the record), and its owner
+// (if it names one) the table. Null, keeping nothing, else.
+KxDbObjectId keepUnopened(const Record& record, const RecordBasics& basics, const KxDbSymbolTableRecord& made,
+                          KxDbObjectId linetype, ReadContext& context, const KxDbSymbolTable& table)
+{
+    const KxDbPackedGroupsView groups = record.packedGroups();
+    std::size_t objectBytes = kaldo::stateBytes(made);
+    for (const KxDbFileGroup& g : basics.kept)
+        objectBytes += sizeof(g) + g.value.size();
+    if (2 * groups.bytes().size() >= objectBytes || (basics.owner != 0 && basics.owner != table.handle()))
+        return {};
+    int names = 0;
+    std::wstring given;
+    groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+        if (code == 2 && ++names == 1)
+            given = wideFromUtf8(value);
+    });
+    if (names != 1 || given != made.name() || table.has(given.c_str()))
+        return {};
+    kaldo::UnopenedRecords::Look look;
+    look.kind = record.kind();
+    look.owner = table.objectId();
+    look.linetype = linetype;
+    look.maker = &makeUnopenedRecord;
+    return context.db.unopenedRecords().keep(made.isA(), look, groups, context.fileHandle(basics.handle));
+}
+
+KxDbObjectId addRecord(std::unique_ptr<KxDbSymbolTableRecord> made, RecordBasics basics, ReadContext& context,
+                       KxDbSymbolTable& table)
+{
+    KxDbSymbolTableRecord* record = made.release();
+    const KxDbObjectId id = context.add(record, std::move(basics));
+    table.add(record);
+    return id;
+}
+
+void readLinetype(const Record& record, ReadContext& context, KxDbSymbolTable& table)
+{
+    RecordBasics basics;
+    std::unique_ptr<KxDbLinetypeTableRecord> linetype = readLinetypeRecord(record, basics);
+    const std::wstring name = linetype->name();
+    KxDbObjectId id = keepUnopened(record, basics, *linetype, {}, context, table);
+    if (id.isNull())
+        id = addRecord(std::move(linetype), std::move(basics), context, table);
+    if (kaldo::sameName(name, L"ByLayer"))
+        context.roots.byLayer = id;
+    else if (kaldo::sameName(name, L"ByBlock"))
+        context.roots.byBlock = id;
+    else if (kaldo::sameName(name, L"Continuous"))
+        context.roots.continuous = id;
+}
+
+void readLayer(const Record& record, ReadContext& context, KxDbSymbolTable& table)
+{
+    RecordBasics basics;
+    std::string linetypeName;
+    std::unique_ptr<KxDbLayerTableRecord> layer = readLayerRecord(record, basics, linetypeName);
+    // A layer's linetype found now is kept with it; one the file has not
+    // given yet is found once the whole TABLES section is read.
+    const KxDbObjectId linetype = linetypeName.empty() ? KxDbObjectId() : context.knownLinetype(linetypeName);
+    if ((linetypeName.empty() || !linetype.isNull())
+        && !keepUnopened(record, basics, *layer, linetype, context, table).isNull())
+        return;
+    const KxDbObjectId id = addRecord(std::move(layer), std::move(basics), context, table);
+    if (!linetypeName.empty())
+        context.layerLinetypes.push_back({id, std::move(linetypeName)});
 }
 
 void readBlockRecord(const Record& record, ReadContext& context, KxDbSymbolTable& table)
@@ -365,12 +447,15 @@ void writeTable(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId tableId, co
     const auto* table = Table::cast(db.peekObject(tableId));
     if (!table)
         return;
-    std::vector<const KxDbSymbolTableRecord*> records;
+    int count = 0;
     for (auto it = table->newIterator(); !it->done(); it->step())
-        records.push_back(KxDbSymbolTableRecord::cast(db.peekObject(it->getRecordId())));
-    writeTableHead(w, name, *table, int(records.size()));
-    for (const KxDbSymbolTableRecord* record : records)
-        write(*record);
+        ++count;
+    writeTableHead(w, name, *table, count);
+    // A record kept unopened is written from an object made for the moment.
+    for (auto it = table->newIterator(); !it->done(); it->step()) {
+        const std::unique_ptr<KxDbObject> aside = db.unopenedRecords().makeAside(it->getRecordId());
+        write(*KxDbSymbolTableRecord::cast(aside ? aside.get() : db.peekObject(it->getRecordId())));
+    }
     w.text(0, "ENDTAB");
 }
 

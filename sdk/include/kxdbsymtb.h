@@ -1,6 +1,7 @@
 // Symbol tables: the block, layer and linetype tables and their records.
 // Record names are unique within a table without regard to case; a table
-// finds a record by name through an ordered index of the names. Iterators
+// finds a record by name through a hash index of the names, which reads
+// each name where the record holds it (kaldo/db/TableRecords.h). Iterators
 // skip erased records; a block record's iterator skips erased entities.
 //
 // A table's records and a block's entities belong to that one table or
@@ -20,6 +21,7 @@
 class KxDbSymbolTableIterator;
 class KxDbBlockTableRecordIterator;
 namespace kaldo {
+class TableRecords;
 class UnopenedRecords;
 }
 
@@ -38,6 +40,7 @@ public:
 
 private:
     friend class KxDbSymbolTable;
+    friend class kaldo::UnopenedRecords;
     // Takes another name, which the table listing the record indexes.
     void rename(const std::wstring& name);
 
@@ -48,6 +51,8 @@ private:
 class KxDbSymbolTable : public KxDbObject {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbSymbolTable)
+    KxDbSymbolTable();
+    ~KxDbSymbolTable() override;
 
     // getErased: also find an erased record.
     Kald::ErrorStatus getAt(const wchar_t* name, KxDbObjectId& id, bool getErased = false) const;
@@ -69,6 +74,7 @@ protected:
 private:
     friend class KxDbSymbolTableRecord;
     friend class kaldo::UndoHistory;
+    friend class kaldo::UnopenedRecords;
     KxDbObjectId findId(const std::wstring& name, bool getErased) const;
     void index(const KxDbSymbolTableRecord& record);
     void unindex(const KxDbSymbolTableRecord& record);
@@ -76,15 +82,13 @@ private:
     // which receives the records cut.
     void exchangeTail(std::size_t keep, std::vector<KxDbObjectId>& tail);
 
-    std::vector<KxDbObjectId> m_records;
-    // Record ids by name in upper case; records of one name (erased ones
-    // beside a live one) in the order they were indexed.
-    std::multimap<std::wstring, KxDbObjectId> m_byName;
+    // The records listed, in order, and their index by name.
+    std::unique_ptr<kaldo::TableRecords> m_records;
 };
 
 class KxDbSymbolTableIterator {
 public:
-    explicit KxDbSymbolTableIterator(std::vector<KxDbObjectId> ids);
+    explicit KxDbSymbolTableIterator(KxDbIdRuns ids);
     void start();
     bool done() const;
     void step();
@@ -95,8 +99,8 @@ public:
 private:
     void skipErased();
 
-    std::vector<KxDbObjectId> m_ids;
-    std::size_t m_pos = 0;
+    KxDbIdRuns m_ids;
+    KxDbIdRuns::Place m_at;
 };
 
 
