@@ -16,16 +16,6 @@ namespace kaldo::dxf {
 // Groups are kept packed one after another (KxDbPackedGroups), about the
 // bytes the file spends on them, not an object per group.
 
-// A table kept whole: its name and the groups between its head ("0 TABLE"
-// and the name) and its end.
-struct KeptBlock {
-    std::string name;
-    KxDbPackedGroups groups;
-    // The handle given to a table whose head had none (written with its
-    // owner and subclass before the groups); empty when it had one.
-    std::string madeHandle;
-};
-
 // The BLOCK and ENDBLK records of a block, kept as unmodelled objects.
 struct BlockEnds {
     KxDbObjectId begin;
@@ -40,9 +30,11 @@ struct KeptSections {
     KxDbPackedGroups header;
     bool hasClasses = false;
     KxDbPackedGroups classes;
-    // Every table in file order by name; the unmodelled ones are in tables.
-    std::vector<std::string> tableOrder;
-    std::vector<KeptBlock> tables;
+    // Every table in file order, one list: a table's name, and the groups
+    // of one kept whole (every table but LTYPE, LAYER and BLOCK_RECORD,
+    // whose records are in the database) from after its name to its end
+    // (kaldo/dxf/TablesSection.cpp reads and writes the list).
+    KxDbPackedGroups tables;
     std::map<KxDbObjectId, BlockEnds> blockEnds;  // by block record
     // The sections the host does not know, written after OBJECTS as read:
     // each "0 SECTION", "2" and its name, its groups and "0 ENDSEC".

@@ -5,6 +5,7 @@
 #include "kaldo/dxf/ReadContext.h"
 #include "kaldo/dxf/RecordColor.h"
 #include "kaldo/dxf/RecordWriting.h"
+#include "kaldo/db/HashSlots.h"
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/StateBytes.h"
 #include "kaldo/db/UnopenedRecords.h"
@@ -15,8 +16,7 @@
 #include <array>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
+#include <utility>
 
 namespace kaldo::dxf {
 
@@ -30,6 +30,63 @@ constexpr int kMaxDashPart = 250;
 bool isModelledTable(std::string_view name)
 {
     return name == "LTYPE" || name == "LAYER" || name == "BLOCK_RECORD";
+}
+
+// In the list of tables (KeptSections::tables) a table begins with its
+// name, a group of code 0 in this part; the handle made for a kept table
+// whose head had none follows its groups as a group of code 5 in this
+// part. The groups a kept table holds are in part 0.
+constexpr std::uint8_t kListPart = 1;
+
+struct ListedTable {
+    // Where its name's group lies in the list.
+    std::size_t at = 0;
+    std::string_view name;
+    std::string_view madeHandle;
+    KxDbPackedGroupsView groups;
+};
+
+// Calls see(table) for each table of the list, in order.
+template <class See>
+void forEachListedTable(KxDbPackedGroupsView list, See&& see)
+{
+    const char* const begin = list.bytes().data();
+    ListedTable table;
+    const char* groupsStart = nullptr;
+    const char* groupsEnd = nullptr;
+    // Where the group before ends.
+    const char* end = begin;
+    const auto seeTable = [&] {
+        if (!groupsStart)
+            return;
+        table.groups = KxDbPackedGroupsView(std::string_view(groupsStart, std::size_t(groupsEnd - groupsStart)));
+        see(std::as_const(table));
+    };
+    list.forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+        const char* const start = end;
+        end = value.data() + value.size();
+        if (part != kListPart) {
+            groupsEnd = end;
+        } else if (code == 0) {
+            seeTable();
+            table = ListedTable{std::size_t(start - begin), value, {}, {}};
+            groupsStart = groupsEnd = end;
+        } else {
+            table.madeHandle = value;
+        }
+    });
+    seeTable();
+}
+
+// The value of the first group of packed groups.
+std::string_view firstValue(std::string_view groups)
+{
+    std::string_view first;
+    KxDbPackedGroupsView(groups).forEach([&](std::int16_t, std::uint8_t, std::string_view value) {
+        first = value;
+        return false;
+    });
+    return first;
 }
 
 // A table record of an old version has no subclass markers, so its groups
@@ -280,11 +337,12 @@ void readModelledTable(GroupReader& reader, ReadContext& context, const std::str
     throw DxfError(head.line(), "the table " + name + " has no ENDTAB.");
 }
 
-// Old versions write table heads without a handle; newer ones need one.
-void giveTableHeadAHandle(KeptBlock& table, ReadContext& context)
+// Old versions write table heads without a handle; newer ones need one:
+// one is made for a table whose groups (from its head on) give none.
+void giveTableHeadAHandle(KxDbPackedGroupsView groups, ReadContext& context)
 {
     bool hasHandle = false;
-    table.groups.view().forEach([&](std::int16_t code, std::uint8_t, std::string_view) {
+    groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view) {
         hasHandle = code == 5;
         return code != 0 && code != 5;
     });
@@ -293,7 +351,7 @@ void giveTableHeadAHandle(KeptBlock& table, ReadContext& context)
     context.db.setHandseed(std::max(context.db.handseed(), context.maxHandle + 1));
     const std::uint64_t handle = context.db.reserveNewHandle();
     context.maxHandle = std::max(context.maxHandle, handle);
-    table.madeHandle = handleText(handle);
+    context.kept.tables.append(5, kListPart, handleText(handle));
 }
 
 // Each layer takes the linetype of its name from the drawing's table,
@@ -308,12 +366,12 @@ void resolveLayerLinetypes(ReadContext& context)
 
 void readKeptTable(GroupReader& reader, ReadContext& context, const std::string& name, long line)
 {
-    KeptBlock table{name, {}, {}};
+    KxDbPackedGroups& list = context.kept.tables;
+    const std::size_t start = list.view().bytes().size();
     Group g;
     while (reader.next(g)) {
         if (g.code == 0 && trimmed(g.value) == "ENDTAB") {
-            giveTableHeadAHandle(table, context);
-            context.kept.tables.push_back(std::move(table));
+            giveTableHeadAHandle(KxDbPackedGroupsView(list.view().bytes().substr(start)), context);
             return;
         }
         if (g.code == 0 && trimmed(g.value) == "ENDSEC")
@@ -324,7 +382,7 @@ void readKeptTable(GroupReader& reader, ReadContext& context, const std::string&
             context.maxHandle = std::max(context.maxHandle, handle);
             context.db.reserveHandle(handle);
         }
-        table.groups.append(g.code, 0, g.value);
+        list.append(g.code, 0, g.value);
     }
     throw DxfError(line, "the table " + name + " has no ENDTAB.");
 }
@@ -335,8 +393,14 @@ void readTablesSection(GroupReader& reader, ReadContext& context)
 {
     Group g;
     Record head;
+    KxDbPackedGroups& list = context.kept.tables;
     // The names of the tables read, found at once: a file may hold many.
-    std::unordered_set<std::string> names(context.kept.tableOrder.begin(), context.kept.tableOrder.end());
+    // Each is the place of its group in the list, counted from 1.
+    kaldo::HashSlots names;
+    const auto hashOf = [](std::string_view name) -> std::uint64_t { return std::hash<std::string_view>()(name); };
+    const auto nameAt = [&list](std::uint64_t place) { return firstValue(list.view().bytes().substr(place - 1)); };
+    const auto hashAt = [&](std::uint64_t place) { return hashOf(nameAt(place)); };
+    forEachListedTable(list.view(), [&](const ListedTable& table) { names.insert(hashOf(table.name), table.at + 1, hashAt); });
     while (reader.next(g)) {
         if (g.code != 0)
             throw DxfError(g.line, "TABLE or ENDSEC was expected.");
@@ -352,9 +416,11 @@ void readTablesSection(GroupReader& reader, ReadContext& context)
         if (!reader.next(nameGroup) || nameGroup.code != 2)
             throw DxfError(line, "a table without its name (group 2).");
         const std::string name(trimmed(nameGroup.value));
-        if (!names.insert(name).second)
+        const std::uint64_t hash = hashOf(name);
+        if (names.find(hash, [&](std::uint64_t place) { return nameAt(place) == name; }) != 0)
             throw DxfError(line, "the table " + name + " is there twice.");
-        context.kept.tableOrder.push_back(name);
+        names.insert(hash, list.view().bytes().size() + 1, hashAt);
+        list.append(0, kListPart, name);
         if (isModelledTable(name)) {
             reader.pushBack(nameGroup);
             head.read(reader, Group{0, "TABLE", line});
@@ -463,18 +529,7 @@ void writeTable(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId tableId, co
 
 void writeTablesSection(GroupWriter& w, const KxDbDatabase& db, const KeptSections& kept)
 {
-    static constexpr std::array<const char*, 3> kModelledOrder = {"LTYPE", "LAYER", "BLOCK_RECORD"};
-    std::vector<std::string> order = kept.tableOrder;
-    for (const char* name : kModelledOrder)
-        if (std::find(order.begin(), order.end(), name) == order.end())
-            order.emplace_back(name);
-    // The kept tables by name, in the file's order, found at once.
-    std::unordered_map<std::string_view, std::vector<const KeptBlock*>> keptByName;
-    for (const KeptBlock& table : kept.tables)
-        keptByName[table.name].push_back(&table);
-    w.text(0, "SECTION");
-    w.text(2, "TABLES");
-    for (const std::string& name : order) {
+    const auto writeModelled = [&](std::string_view name) {
         if (name == "LTYPE") {
             writeTable<KxDbLinetypeTable>(w, db, db.linetypeTableId(), "LTYPE", [&](const auto& r) {
                 writeLinetype(w, static_cast<const KxDbLinetypeTableRecord&>(r));
@@ -483,37 +538,46 @@ void writeTablesSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
             writeTable<KxDbLayerTable>(w, db, db.layerTableId(), "LAYER", [&](const auto& r) {
                 writeLayer(w, db, static_cast<const KxDbLayerTableRecord&>(r));
             });
-        } else if (name == "BLOCK_RECORD") {
+        } else {
             writeTable<KxDbBlockTable>(w, db, db.blockTableId(), "BLOCK_RECORD", [&](const auto& r) {
                 writeBlockRecord(w, static_cast<const KxDbBlockTableRecord&>(r));
             });
-        } else {
-            const auto found = keptByName.find(name);
-            if (found == keptByName.end())
-                continue;
-            for (const KeptBlock* keptTable : found->second) {
-                const KeptBlock& table = *keptTable;
-                w.text(0, "TABLE");
-                w.text(2, name);
-                if (!table.madeHandle.empty()) {
-                    w.text(5, table.madeHandle);
-                    w.text(330, "0");
-                    w.text(100, "AcDbSymbolTable");
-                }
-                table.groups.view().forEach([&](int code, std::uint8_t, std::string_view value) { w.text(code, value); });
-                w.text(0, "ENDTAB");
-            }
         }
-    }
+    };
+    static constexpr std::array<std::string_view, 3> kModelledOrder = {"LTYPE", "LAYER", "BLOCK_RECORD"};
+    std::array<bool, 3> listed{};
+    w.text(0, "SECTION");
+    w.text(2, "TABLES");
+    forEachListedTable(kept.tables.view(), [&](const ListedTable& table) {
+        if (isModelledTable(table.name)) {
+            listed[std::size_t(std::find(kModelledOrder.begin(), kModelledOrder.end(), table.name)
+                               - kModelledOrder.begin())] = true;
+            writeModelled(table.name);
+            return;
+        }
+        w.text(0, "TABLE");
+        w.text(2, table.name);
+        if (!table.madeHandle.empty()) {
+            w.text(5, table.madeHandle);
+            w.text(330, "0");
+            w.text(100, "AcDbSymbolTable");
+        }
+        table.groups.forEach([&](int code, std::uint8_t, std::string_view value) { w.text(code, value); });
+        w.text(0, "ENDTAB");
+    });
+    // The modelled tables the file did not list follow, in this order.
+    for (std::size_t i = 0; i < kModelledOrder.size(); ++i)
+        if (!listed[i])
+            writeModelled(kModelledOrder[i]);
     w.text(0, "ENDSEC");
 }
 
 std::map<std::string, std::string> textStyleFonts(const KeptSections& kept)
 {
     std::map<std::string, std::string> fonts;
-    for (const KeptBlock& table : kept.tables) {
+    forEachListedTable(kept.tables.view(), [&](const ListedTable& table) {
         if (table.name != "STYLE")
-            continue;
+            return;
         std::string name, font;
         const auto keep = [&] {
             if (!name.empty())
@@ -521,7 +585,7 @@ std::map<std::string, std::string> textStyleFonts(const KeptSections& kept)
             name.clear();
             font.clear();
         };
-        table.groups.view().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+        table.groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
             if (code == 0)
                 keep();
             else if (code == 2)
@@ -530,7 +594,7 @@ std::map<std::string, std::string> textStyleFonts(const KeptSections& kept)
                 font = std::string(trimmed(value));
         });
         keep();
-    }
+    });
     return fonts;
 }
 
