@@ -224,6 +224,35 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         inputs.push_back({"kept table records of no groups",
                           section("TABLES", "0\nTABLE\n2\nAPPID\n" + repeated("0\nAPPID\n", 200000) + "0\nENDTAB\n"),
                           4});
+        // Layers and linetypes of a name (and a handle) are kept as their
+        // records until opened, which their table's index of names reads
+        // (13 to 21 times the file as objects); tables kept whole lie in one
+        // list (8 times as an entry each of a list of tables and a set of
+        // names).
+        const auto numbered = [](int count, const auto& make) {
+            std::string text;
+            char number[24];
+            for (int i = 0; i < count; ++i) {
+                std::snprintf(number, sizeof number, "%X", i);
+                text += make(std::string(number));
+            }
+            return text;
+        };
+        for (const std::string kind : {"LAYER", "LTYPE"}) {
+            const auto table = [&](const auto& record) {
+                return section("TABLES", "0\nTABLE\n2\n" + kind + "\n" + numbered(50000, record) + "0\nENDTAB\n");
+            };
+            inputs.push_back({kind + " records of a name",
+                              table([&](const std::string& n) { return "0\n" + kind + "\n2\n" + n + "\n"; }), 4});
+            inputs.push_back({kind + " records of a handle and a name", table([&](const std::string& n) {
+                                  return "0\n" + kind + "\n5\n1" + n + "\n2\n" + n + "\n";
+                              }),
+                              4});
+        }
+        inputs.push_back({"tables of a name", section("TABLES", numbered(50000, [](const std::string& n) {
+                                                          return "0\nTABLE\n2\nT" + n + "\n0\nENDTAB\n";
+                                                      })),
+                          4});
     }
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {

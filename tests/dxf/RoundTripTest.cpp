@@ -1,7 +1,7 @@
 // Drawings written and read back: every modelled value, handles, header
-// variables and the multiline flags survive; entities and objects kept as
-// their records open as read; neighbouring vertices with the same lists share
-// them, and copies and edits keep them apart.
+// variables and the multiline flags survive; entities, objects, layers and
+// linetypes kept as their records open as read; neighbouring vertices with
+// the same lists share them, and copies and edits keep them apart.
 #include "DxfText.h"
 #include "GroupText.h"
 #include "MlineLists.h"
@@ -268,6 +268,75 @@ TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
     const KxDbObjectId earlyLayout = early.database->objectIdFromHandle(0x60);
     EXPECT_FALSE(kaldo::isUnopened(earlyLayout));
     EXPECT_EQ(early.database->peekObject(earlyLayout)->ownerId(), early.database->objectIdFromHandle(0x1A));
+}
+
+// Layers and linetypes of a few groups are kept as their records: their
+// tables find them by name (case aside) and list them without making them,
+// and each opens as the record read as an object does; a record whose name
+// is taken, or whose owner is not its table, is read as an object.
+TEST(DxfRoundTrip, LayersAndLinetypesKeptAsTheirRecordsOpenAsRead)
+{
+    const std::string tables = groupText(
+        {"0",  "SECTION", "2",  "TABLES",  "0",   "TABLE",     "2",  "LTYPE", "5",  "5",     "0",   "LTYPE",
+         "5",  "14",      "330", "5",      "2",   "Dashed",    "3",  "- -",   "73", "2",     "40",  "0.75",
+         "49", "0.5",     "49", "-0.25",   "0",   "ENDTAB",    "0",  "TABLE", "2",  "LAYER", "5",   "2",
+         "0",  "LAYER",   "5",  "20",      "2",   "Walls",     "70", "1",     "62", "-3",    "6",   "DASHED",
+         "0",  "LAYER",   "5",  "21",      "330", "5",         "2",  "Doors", "0",  "LAYER", "5",   "22",
+         "2",  "walls",   "0",  "LAYER",   "5",   "23",        "2",  "Stairs", "0", "ENDTAB", "0",   "ENDSEC"});
+    const std::string text = tables + smallDrawing(groupText({"0", "LINE", "8", "WALLS", "11", "1"}), "");
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(text);
+    KxDbDatabase& db = *drawing.database;
+    const auto id = [&db](std::uint64_t handle) { return db.objectIdFromHandle(handle); };
+    const KxDbObjectId walls = id(0x20), dashed = id(0x14);
+    KxDbObjectId found;
+    {
+        KxDbObjectPtr<KxDbLayerTable> layers(db.layerTableId(), KxDb::kForRead);
+        ASSERT_EQ(layers->getAt(L"wALLs", found), Kald::eOk);
+        EXPECT_EQ(found, walls);
+        EXPECT_TRUE(layers->has(L"DOORS"));
+        int listed = 0;
+        for (auto it = layers->newIterator(); !it->done(); it->step())
+            ++listed;
+        EXPECT_EQ(listed, 4) << "0, Walls, Doors and Stairs";
+    }
+    EXPECT_TRUE(kaldo::isUnopened(walls));
+    EXPECT_TRUE(kaldo::isUnopened(dashed));
+    EXPECT_FALSE(kaldo::isUnopened(id(0x21))) << "owned by the linetype table";
+    EXPECT_FALSE(kaldo::isUnopened(id(0x22))) << "a name taken";
+    const std::string saved = toDxfText(drawing);
+    EXPECT_TRUE(kaldo::isUnopened(id(0x23))) << "saved from an object made for the moment";
+    EXPECT_EQ(saved.find("\nwalls\n"), std::string::npos);
+
+    const std::uint64_t changes = db.changeCount();
+    const auto* layer = KxDbLayerTableRecord::cast(db.peekObject(walls));
+    ASSERT_NE(layer, nullptr);
+    EXPECT_EQ(layer->name(), L"Walls");
+    EXPECT_TRUE(layer->isFrozen());
+    EXPECT_TRUE(layer->isOff());
+    EXPECT_EQ(layer->color().colorIndex(), 3);
+    EXPECT_EQ(layer->linetypeObjectId(), dashed);
+    EXPECT_EQ(layer->ownerId(), db.layerTableId());
+    EXPECT_EQ(firstEntity<KxDbLine>(db)->layerId(), walls);
+    const auto* linetype = KxDbLinetypeTableRecord::cast(db.peekObject(dashed));
+    ASSERT_NE(linetype, nullptr);
+    EXPECT_EQ(linetype->description(), L"- -");
+    EXPECT_EQ(linetype->dashes(), (std::vector<double>{0.5, -0.25}));
+    EXPECT_EQ(db.changeCount(), changes);
+    EXPECT_EQ(toDxfText(drawing), saved);
+
+    db.undoHistory().beginStep(L"RENAME");
+    EXPECT_EQ(KxDbObjectPtr<KxDbLayerTableRecord>(walls, KxDb::kForWrite)->setName(L"Doors"), Kald::eDuplicateKey);
+    EXPECT_EQ(KxDbObjectPtr<KxDbLayerTableRecord>(walls, KxDb::kForWrite)->setName(L"Halls"), Kald::eOk);
+    db.undoHistory().endStep();
+    const auto layerNamed = [&db](const wchar_t* name) {
+        KxDbObjectId named;
+        KxDbObjectPtr<KxDbLayerTable>(db.layerTableId(), KxDb::kForRead)->getAt(name, named);
+        return named;
+    };
+    EXPECT_TRUE(layerNamed(L"Walls").isNull());
+    EXPECT_EQ(layerNamed(L"HALLS"), walls);
+    db.undoHistory().undo(1);
+    EXPECT_EQ(layerNamed(L"walls"), walls);
 }
 
 // Multilines of a few groups a vertex are kept as their records too, their
