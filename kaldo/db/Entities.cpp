@@ -223,6 +223,9 @@ void KxDbPolyline::addVertexAt(const Vertex& vertex)
     if ((!m_shaping || m_shaping->shapes.empty()) && !shaped)
         return;
     std::vector<Shape>& shapes = shapingForWrite().shapes;
+    // The shapes take room as the positions do.
+    if (shapes.capacity() < m_room)
+        shapes.reserve(m_room);
     shapes.resize(m_count - 1);
     shapes.push_back({vertex.startWidth, vertex.endWidth, vertex.bulge});
 }

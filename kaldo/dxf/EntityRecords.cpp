@@ -154,10 +154,12 @@ KxDbEntity* readCircleOrArc(const Record& record, RecordBasics& basics, EntityLo
 }
 
 // The vertices of a polyline's record: read into room (reused from record
-// to record), or, with no room, only counted, with whether any has a width
+// to record), straight into the polyline with room for straight of them
+// made first, or, with neither, only counted, with whether any has a width
 // or a bulge (so that what they would take as an object is known).
 struct PolylineVertices {
     std::vector<KxDbPolyline::Vertex>* room = nullptr;
+    std::optional<std::uint32_t> straight;
     std::size_t count = 0;
     bool shaped = false;
     // What the vertices counted take in a polyline: their positions, and
@@ -171,6 +173,16 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
     std::vector<KxDbPolyline::Vertex>* const room = vertices.room;
     if (room)
         room->clear();
+    // The vertex being read straight into the polyline, added at the next
+    // vertex and at the end.
+    KxDbPolyline::Vertex pending;
+    KxDbPolyline::Vertex* const straight = vertices.straight ? &pending : nullptr;
+    if (straight)
+        pline->reserve(*vertices.straight);
+    const auto addPending = [&] {
+        if (straight && vertices.count > 0)
+            pline->addVertexAt(pending);
+    };
     KxGePoint3d normal{0, 0, 1};
     long count = -1;
     walkRecord(record, basics, [&](const Group& g) {
@@ -199,10 +211,13 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
             return true;
         case 10: {
             const double x = toReal(g);
+            addPending();
             ++vertices.count;
             if (room) {
                 room->emplace_back();
                 room->back().x = x;
+            } else {
+                pending = {x};
             }
             return true;
         }
@@ -213,10 +228,10 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
             if (vertices.count == 0)
                 throw DxfError(g.line, "group " + std::to_string(g.code) + " comes before the first vertex.");
             const double value = toReal(g);
-            if (room)
-                (g.code == 20 ? room->back().y
-                              : g.code == 40 ? room->back().startWidth
-                                             : g.code == 41 ? room->back().endWidth : room->back().bulge) = value;
+            if (KxDbPolyline::Vertex* const vertex = room ? &room->back() : straight)
+                (g.code == 20 ? vertex->y
+                              : g.code == 40 ? vertex->startWidth : g.code == 41 ? vertex->endWidth : vertex->bulge) =
+                    value;
             else if (g.code != 20 && value != 0)
                 vertices.shaped = true;
             return true;
@@ -229,6 +244,7 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
             return look.take(g);
         }
     });
+    addPending();
     if (count >= 0 && std::size_t(count) != vertices.count)
         throw DxfError(record.line(), "the polyline announces " + std::to_string(count) + " vertices but has "
                                           + std::to_string(vertices.count) + ".");
@@ -287,26 +303,32 @@ constexpr std::size_t kCountedFirst = 1024;
 
 // The most a polyline's vertices may take as an object by its groups alone:
 // each group 10 a vertex, 40 bytes each when a width or bulge is given.
-std::size_t mostVertexBytes(const Record& record)
+PolylineVertices mostVertices(const Record& record)
 {
     PolylineVertices most;
     record.packedGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view) {
         most.count += code == 10;
         most.shaped = most.shaped || code == 40 || code == 41 || code == 42;
     });
-    return most.objectBytes();
+    return most;
 }
-// The room for vertices kept from record to record, at most: a larger one
-// goes with its record.
-constexpr std::size_t kKeptVertexRoom = 4096;
 
 // Reads a polyline into parts; one of many groups that takes less than half
-// its object is only checked when countFirst (see keepUnopened).
+// its object is only checked when countFirst (see keepUnopened). The
+// vertices of one of many groups go straight into the polyline, room for
+// them made at once, where a room of whole vertices took 40 bytes each
+// beside it.
 void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst)
 {
-    std::size_t count = 0;
+    if (record.size() <= kCountedFirst) {
+        PolylineVertices read;
+        read.room = &parts.vertices;
+        parts.entity.reset(readPolyline(record, parts.basics, parts.look, read));
+        return;
+    }
+    const PolylineVertices most = mostVertices(record);
     const std::size_t bytes = record.packedGroups().bytes().size();
-    if (countFirst && record.size() > kCountedFirst && 2 * bytes < sizeof(KxDbPolyline) + mostVertexBytes(record)) {
+    if (countFirst && 2 * bytes < sizeof(KxDbPolyline) + most.objectBytes()) {
         PolylineVertices counted;
         parts.entity.reset(readPolyline(record, parts.basics, parts.look, counted));
         if (2 * bytes < sizeof(KxDbPolyline) + counted.objectBytes()) {
@@ -315,13 +337,10 @@ void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst
         }
         parts.basics = {};
         parts.look = {};
-        count = counted.count;
     }
-    PolylineVertices read{&parts.vertices};
-    parts.vertices.reserve(count);
+    PolylineVertices read;
+    read.straight = std::uint32_t(most.count);
     parts.entity.reset(readPolyline(record, parts.basics, parts.look, read));
-    if (parts.vertices.capacity() > kKeptVertexRoom)
-        parts.vertices = {};
 }
 
 // Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart into parts; no

@@ -118,11 +118,27 @@ struct StyleElement {
     std::string linetype;
 };
 
+// The elements a style's record lists: the first ones a style holds, and
+// how many it lists in all (those beyond are read into one, left out).
+struct StyleElements {
+    std::vector<StyleElement> kept;
+    std::size_t listed = 0;
+    StyleElement beyond;
+    StyleElement& add()
+    {
+        ++listed;
+        if (kept.size() < std::size_t(kxdbMaxMlineStyleElements))
+            return kept.emplace_back();
+        return beyond = {};
+    }
+    StyleElement& last() { return listed > kept.size() ? beyond : kept.back(); }
+};
+
 // The style a record gives but for its elements, which it lists. Reads in
 // order: code 62 (and 420) is the fill colour before the element count
 // (71) and an element's colour after it.
 std::unique_ptr<KxDbMlineStyle> readStyleHead(const Record& record, RecordBasics& basics,
-                                              std::vector<StyleElement>& elements)
+                                              StyleElements& elements)
 {
     auto style = std::make_unique<KxDbMlineStyle>();
     style->initMlineStyle();
@@ -158,23 +174,25 @@ std::unique_ptr<KxDbMlineStyle> readStyleHead(const Record& record, RecordBasics
         case 71:
             inElements = true;
             return true;
-        case 49:
+        case 49: {
             if (!inElements)
                 throw DxfError(g.line, "an element offset (49) before the element count (71).");
-            elements.push_back({toReal(g), KxCmColor(), "BYLAYER"});
-            elements.back().color.setColorIndex(KxCmColor::kIndexByBlock);
+            StyleElement& element = elements.add();
+            element = {toReal(g), KxCmColor(), "BYLAYER"};
+            element.color.setColorIndex(KxCmColor::kIndexByBlock);
             return true;
+        }
         case 6:
-            if (elements.empty())
+            if (elements.listed == 0)
                 return false;
-            elements.back().linetype = std::string(trimmed(g.value));
+            elements.last().linetype = std::string(trimmed(g.value));
             return true;
         default:
             if (!inElements)
                 return readColorGroup(g, fill);
-            if (elements.empty())
+            if (elements.listed == 0)
                 return false;
-            return readColorGroup(g, elements.back().color);
+            return readColorGroup(g, elements.last().color);
         }
     });
     style->setFillColor(fill);
@@ -188,7 +206,7 @@ std::unique_ptr<KxDbObject> makeUnopenedStyle(const kaldo::UnopenedRecords::Look
     Record record;
     record.assign(look.kind, groups);
     RecordBasics basics;
-    std::vector<StyleElement> elements;
+    StyleElements elements;
     std::unique_ptr<KxDbMlineStyle> style = readStyleHead(record, basics, elements);
     style->setKeptGroups(std::move(basics.kept));
     return style;
@@ -199,36 +217,36 @@ std::unique_ptr<KxDbObject> makeUnopenedStyle(const kaldo::UnopenedRecords::Look
 void readMlineStyle(const Record& record, ReadContext& context)
 {
     RecordBasics basics;
-    std::vector<StyleElement> elements;
+    StyleElements elements;
     std::unique_ptr<KxDbMlineStyle> style = readStyleHead(record, basics, elements);
-    if (elements.empty()
+    if (elements.listed == 0
         && keepUnopened(record, basics, sizeof(KxDbMlineStyle), KxDbMlineStyle::desc(), &makeUnopenedStyle, context))
         return;
     // A style holds at most kxdbMaxMlineStyleElements: the first ones the
     // file lists are kept.
-    const std::size_t kept = std::min(elements.size(), std::size_t(kxdbMaxMlineStyleElements));
-    for (std::size_t i = 0; i < kept; ++i) {
+    const std::size_t kept = elements.kept.size();
+    for (const StyleElement& element : elements.kept) {
         int index = 0;
-        style->addElement(index, elements[i].offset, elements[i].color, context.linetype(elements[i].linetype), false);
+        style->addElement(index, element.offset, element.color, context.linetype(element.linetype), false);
     }
-    if (kept < elements.size())
+    if (kept < elements.listed)
         context.repairs.push_back("line " + std::to_string(record.line()) + ": the multiline style \""
-                                  + utf8FromWide(style->name()) + "\" lists " + std::to_string(elements.size())
+                                  + utf8FromWide(style->name()) + "\" lists " + std::to_string(elements.listed)
                                   + " elements; the first " + std::to_string(kept) + " are kept and "
-                                  + std::to_string(elements.size() - kept) + " left out, from its multilines too.");
+                                  + std::to_string(elements.listed - kept) + " left out, from its multilines too.");
     // The style keeps its elements by offset, largest first (equal offsets
     // in file order); multilines follow the file's order.
     std::vector<std::size_t> order(kept);
     std::iota(order.begin(), order.end(), std::size_t(0));
     std::stable_sort(order.begin(), order.end(),
-                     [&](std::size_t a, std::size_t b) { return elements[a].offset > elements[b].offset; });
+                     [&](std::size_t a, std::size_t b) { return elements.kept[a].offset > elements.kept[b].offset; });
     std::vector<std::size_t> places(order.size());
     for (std::size_t place = 0; place < order.size(); ++place)
         places[order[place]] = place;
     const bool reordered = !std::is_sorted(order.begin(), order.end());
     const KxDbObjectId id = context.add(style.release(), std::move(basics));
-    if (reordered || kept < elements.size())
-        context.styleElementOrders[context.db.peekObject(id)->handle()] = {elements.size(), std::move(places)};
+    if (reordered || kept < elements.listed)
+        context.styleElementOrders[context.db.peekObject(id)->handle()] = {elements.listed, std::move(places)};
 }
 
 // The owner's handle a record kept unopened gives, read as when it was kept.
@@ -237,7 +255,7 @@ std::uint64_t keptOwner(const Record& record)
     if (record.kind() != "MLINESTYLE")
         return rawRecordBasics(record).owner;
     RecordBasics basics;
-    std::vector<StyleElement> elements;
+    StyleElements elements;
     readStyleHead(record, basics, elements);
     return basics.owner;
 }

@@ -16,6 +16,10 @@ constexpr std::size_t kGroupsPerBatch = 16384;
 // Batches being filled, waiting or in use: the thread reads at most this
 // far ahead.
 constexpr std::size_t kBatches = 4;
+// The share of the reader's readAheadFrom() read on the caller's thread
+// before the thread starts: a small section never starts one, which cost
+// as much as reading some ten kilobytes.
+constexpr std::uint64_t kReadInPlaceShare = 64;
 }  // namespace
 
 // The reading thread and the batches of records it hands over in order.
@@ -106,11 +110,16 @@ struct SectionRecords::Ahead {
 
 SectionRecords::SectionRecords(GroupReader& reader, ReadAhead readAhead) : reader_(reader), readAhead_(readAhead)
 {
-    if (reader.bytesLeft() < reader.readAheadFrom())
-        return;
+    const std::uint64_t left = reader.bytesLeft();
+    if (left >= reader.readAheadFrom())
+        readAheadWhenLeft_ = left - reader.readAheadFrom() / kReadInPlaceShare;
+}
+
+void SectionRecords::startReadingAhead()
+{
     ahead_ = std::make_unique<Ahead>();
-    ahead_->shownPosition = reader.bytesRead();
-    reader.showPosition(&ahead_->shownPosition);
+    ahead_->shownPosition = reader_.bytesRead();
+    reader_.showPosition(&ahead_->shownPosition);
     ahead_->thread = std::thread([this] {
         Ahead& ahead = *ahead_;
         for (std::unique_ptr<Ahead::Batch> batch; (batch = ahead.take());) {
@@ -179,8 +188,12 @@ RecordAhead* SectionRecords::ahead() const
 
 const Record* SectionRecords::next()
 {
-    if (!ahead_)
-        return readRecord(record_, end_, endLine_) ? &record_ : nullptr;
+    if (!ahead_) {
+        if (!readAheadWhenLeft_ || reader_.bytesLeft() > *readAheadWhenLeft_)
+            return readRecord(record_, end_, endLine_) ? &record_ : nullptr;
+        readAheadWhenLeft_.reset();
+        startReadingAhead();
+    }
     Ahead& ahead = *ahead_;
     while (!ahead.current || ahead.at == ahead.current->count) {
         if (ahead.current && ahead.current->last) {

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <optional>
 
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/Record.h"
@@ -30,9 +31,9 @@ public:
     enum class End { Section, NotARecord, Input };
 
     // Reads ahead when at least the reader's readAheadFrom() bytes of the
-    // input are left, calling readAhead, when given, for every record read
-    // there; it throws nothing (what it refuses waits in its slot for the
-    // record's turn).
+    // input are left, once a small share of them is read here, calling
+    // readAhead, when given, for every record read there; it throws nothing
+    // (what it refuses waits in its slot for the record's turn).
     explicit SectionRecords(GroupReader& reader, ReadAhead readAhead = nullptr);
     ~SectionRecords();
     SectionRecords(const SectionRecords&) = delete;
@@ -53,6 +54,7 @@ private:
     struct Ahead;
     // Reads one record into record, or tells what ended the records.
     bool readRecord(Record& record, End& end, long& endLine);
+    void startReadingAhead();
 
     GroupReader& reader_;
     ReadAhead readAhead_;
@@ -60,6 +62,8 @@ private:
     Record record_;
     End end_ = End::Section;
     long endLine_ = 0;
+    // The bytes of the input left when the thread is to start, if it is.
+    std::optional<std::uint64_t> readAheadWhenLeft_;
     std::unique_ptr<Ahead> ahead_;
 };
 

@@ -131,6 +131,10 @@ public:
     std::vector<Vertex> vertices() const;
     void setVertices(const std::vector<Vertex>& vertices);
     void addVertexAt(const Vertex& vertex);
+    // Room for count vertices, keeping those held, so that as many added
+    // one by one take no more (a reader that counted them first); adding
+    // past the room at least doubles it.
+    void reserve(std::uint32_t count);
     // The vertex in world coordinates (origin for an index out of range).
     KxGePoint3d pointAt(int index) const;
 
@@ -179,9 +183,6 @@ private:
         double elevation = 0;
         double thickness = 0;
     };
-    // Room for count positions, keeping those held; the room at least
-    // doubles when it grows by one.
-    void reserve(std::uint32_t count);
     // The shaping, made when there is none yet; let go again once it
     // holds only defaults.
     Shaping& shapingForWrite();

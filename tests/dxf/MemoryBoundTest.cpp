@@ -197,9 +197,12 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     }
     // One record or section of many short groups or records: a polyline of
     // few bytes a vertex is checked and kept unopened without its vertices
-    // (17 and 11 times, bulges, with a vertex of 40 bytes while read), kept
-    // header variables, classes, unknown sections and table records are held
-    // packed (12 to 22 times with an object per group or variable).
+    // (17 and 11 times, bulges, with a vertex of 40 bytes while read), one
+    // of x and y reads them straight into its own room (8 times through a
+    // room of vertices of 40 bytes), a style keeps the elements it can hold
+    // (17 times with every element listed), kept header variables, classes,
+    // unknown sections and table records are held packed (12 to 22 times
+    // with an object per group or variable).
     {
         const auto section = [](const std::string& name, const std::string& body) {
             return "0\nSECTION\n2\n" + name + "\n" + body + "0\nENDSEC\n" + smallDrawing("", "");
@@ -211,6 +214,10 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
                           smallDrawing("0\nLWPOLYLINE\n" + repeated("10\n0\n", 200000), ""), 4});
         inputs.push_back({"a polyline of bulges",
                           smallDrawing("0\nLWPOLYLINE\n" + repeated("10\n0\n42\n1\n", 100000), ""), 4});
+        inputs.push_back({"a polyline of x and y",
+                          smallDrawing("0\nLWPOLYLINE\n" + repeated("10\n0\n20\n0\n", 100000), ""), 4});
+        inputs.push_back({"a multiline style of many elements",
+                          smallDrawing("", "0\nMLINESTYLE\n2\nS\n71\n1\n" + repeated("49\n0\n", 200000)), 4});
         inputs.push_back({"header variables of no value", section("HEADER", variables), 4});
         inputs.push_back({"one header variable again and again", section("HEADER", repeated("9\n$A\n", 200000)), 4});
         inputs.push_back({"a header variable of many values",
