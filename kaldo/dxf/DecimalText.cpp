@@ -77,42 +77,49 @@ Scaled scaled(const Binary& binary, int decimals)
     return {quotient + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
 }
 
-// Digits is a 32-bit number where it fits: its divisions by 100 and 10 (a
-// multiplication and a shift each) then take fewer steps.
-template <class Digits>
-char* writeDigitsOf(bool negative, Digits digits, int whole, int decimals, char* out)
+// The eight digits of a number below 10^8 as characters, the first in the
+// lowest byte: its halves, then their hundreds and tens are split off in
+// all lanes of one word at once, by multiplications with reciprocals of
+// 100 and 10 that are exact for numbers as small as those lanes hold.
+[[gnu::always_inline]] inline std::uint64_t eightDigits(std::uint32_t value)
 {
-    static constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
-                                     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
-                                     "8081828384858687888990919293949596979899";
-    if (negative)
-        *out++ = '-';
-    char* const end = out + whole + (decimals > 0 ? 1 + decimals : 0);
-    char* at = end;
-    const auto take = [&](int count) {
-        for (; count >= 2; count -= 2) {
-            at -= 2;
-            std::memcpy(at, kPairs + 2 * (digits % 100), 2);
-            digits /= 100;
-        }
-        if (count == 1) {
-            *--at = char('0' + digits % 10);
-            digits /= 10;
-        }
-    };
-    if (decimals > 0) {
-        take(decimals);
-        *--at = '.';
-    }
-    take(whole);
-    return end;
+    const std::uint64_t halves = value / 10000 | std::uint64_t(value % 10000) << 32;
+    const std::uint64_t hundreds = (halves * 10486) >> 20 & 0x0000007F0000007Full;
+    const std::uint64_t pairs = hundreds | (halves - hundreds * 100) << 16;
+    const std::uint64_t tens = (pairs * 103) >> 10 & 0x000F000F000F000Full;
+    return (tens | (pairs - tens * 10) << 8) + 0x3030303030303030ull;
 }
 
+// Writes the whole digits and the decimals of digits (whole + decimals of
+// them, at most 17, each part at most 16) with the point between them. The
+// digits are made eight at a time, right-aligned in a text of 24; each part
+// is copied as sixteen bytes, so up to 34 bytes from out are overwritten.
 char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, char* out)
 {
-    if (digits <= std::numeric_limits<std::uint32_t>::max())
-        return writeDigitsOf(negative, std::uint32_t(digits), whole, decimals, out);
-    return writeDigitsOf(negative, digits, whole, decimals, out);
+    constexpr std::uint64_t kEight = 100000000;
+    // Bytes beyond the digits are copied out too, but lie beyond the text.
+    char text[40] = {};
+    const int count = whole + decimals;
+    const std::uint64_t low = eightDigits(std::uint32_t(digits % kEight));
+    std::memcpy(text + 16, &low, 8);
+    if (count > 8) {
+        const std::uint64_t middle = eightDigits(std::uint32_t(digits / kEight % kEight));
+        std::memcpy(text + 8, &middle, 8);
+        if (count > 16) {
+            const std::uint64_t high = eightDigits(std::uint32_t(digits / (kEight * kEight)));
+            std::memcpy(text, &high, 8);
+        }
+    }
+    *out = '-';
+    out += negative;
+    std::memcpy(out, text + 24 - count, 16);
+    out += whole;
+    if (decimals > 0) {
+        *out++ = '.';
+        std::memcpy(out, text + 24 - decimals, 16);
+        out += decimals;
+    }
+    return out;
 }
 
 // A magnitude below 2^42 (and not whole) of up to three decimals, as most

@@ -1,6 +1,8 @@
 // Texts of reals from 1 up to 2^52 in magnitude, made in whole-number
 // arithmetic that is exact (the value's significand times a power of ten)
-// instead of std::to_chars's general search, giving the same texts.
+// instead of std::to_chars's general search, giving the same texts. Both
+// may overwrite bytes after the text they write, up to 34 bytes from out:
+// out needs room for that many.
 #pragma once
 
 namespace kaldo::dxf {
