@@ -39,7 +39,7 @@ void rename(KxDbObjectId id, const wchar_t* name)
 
 // Names are found without regard to case through adds, renames and erases;
 // an erased record's name may be taken again and is still found when
-// erased records are asked for.
+// erased records are asked for, first, however many records follow.
 TEST(SymbolTable, NamesFoundThroughRenamesAndErases)
 {
     KxDbDatabase db;
@@ -71,8 +71,18 @@ TEST(SymbolTable, NamesFoundThroughRenamesAndErases)
         EXPECT_FALSE(table->has(walls));
     }
     ASSERT_FALSE(newWalls.isNull());
-    EXPECT_EQ(layerNamed(db, L"WALLS"), newWalls);
-    EXPECT_EQ(layerNamed(db, L"WALLS", true), walls) << "the record added first";
+    // Through the index's growth too, past its first slots.
+    int grown = 0;
+    for (const int more : {0, 20, 40, 80, 160, 320}) {
+        {
+            KxDbObjectPtr<KxDbLayerTable> table(db.layerTableId(), KxDb::kForWrite);
+            for (const int end = grown + more; grown < end; ++grown)
+                addLayer(*table, L"Grown " + std::to_wstring(grown));
+        }
+        EXPECT_EQ(layerNamed(db, L"WALLS"), newWalls);
+        EXPECT_EQ(layerNamed(db, L"WALLS", true), walls) << "the record added first";
+    }
+    EXPECT_FALSE(layerNamed(db, L"grown 619").isNull());
 }
 
 // Undo takes back added and renamed records and restores them; the names

@@ -233,9 +233,9 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
                           4});
         // Layers and linetypes of a name (and a handle) are kept as their
         // records until opened, which their table's index of names reads
-        // (13 to 21 times the file as objects); tables kept whole lie in one
-        // list (8 times as an entry each of a list of tables and a set of
-        // names).
+        // (12 to 20 times the file as objects in a map of names); tables
+        // kept whole lie in one list (11 times as an entry each of a list of
+        // tables, a list of names and a set of names).
         const auto numbered = [](int count, const auto& make) {
             std::string text;
             char number[24];
