@@ -6,6 +6,7 @@
 #include "GroupText.h"
 #include "MlineLists.h"
 
+#include "kaldo/app/SortTables.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/dxf/DxfError.h"
@@ -226,6 +227,10 @@ TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
     }
     for (const std::uint64_t handle : kept)
         EXPECT_TRUE(kaldo::isUnopened(id(handle))) << handle;
+    // Finding the sort tables opens the kept sort table alone.
+    kaldo::SortTables sortTables(db);
+    for (const std::uint64_t handle : kept)
+        EXPECT_EQ(kaldo::isUnopened(id(handle)), handle != 0x62) << handle;
 
     const std::uint64_t changes = db.changeCount();
     const auto* layout = KxDbUnmodelledObject::cast(db.peekObject(id(0x60)));
