@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <cerrno>
 #include <cstring>
-#include <emmintrin.h>
 #include <limits>
 
 #include <sys/stat.h>
@@ -19,35 +18,6 @@ namespace kaldo::dxf {
 
 namespace {
 constexpr std::size_t kBlockSize = 1 << 20;
-
-// The first line feed or carriage return from p on, or end: sixteen bytes
-// at a time, as most values are longer than a few characters and shorter
-// than sixteen. On the way, marked tells whether a byte before it has its
-// high bit set or is a backslash: only a value with such a byte may need
-// decoding. Inlined into the plain way, which then calls nothing.
-[[gnu::always_inline]] inline const char* lineEnd(const char* p, const char* const end, bool& marked)
-{
-    const __m128i feeds = _mm_set1_epi8('\n');
-    const __m128i returns = _mm_set1_epi8('\r');
-    const __m128i backslashes = _mm_set1_epi8('\\');
-    unsigned marks = 0;
-    for (; end - p >= 16; p += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const unsigned found = unsigned(
-            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, feeds), _mm_cmpeq_epi8(bytes, returns))));
-        // The high bit of each byte, set for itself or for a backslash.
-        const unsigned chunkMarks = unsigned(_mm_movemask_epi8(_mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, backslashes))));
-        if (found) {
-            marked = (marks | (chunkMarks & ((found & -found) - 1))) != 0;
-            return p + std::countr_zero(found);
-        }
-        marks |= chunkMarks;
-    }
-    for (; p < end && *p != '\n' && *p != '\r'; ++p)
-        marks |= (*p & 0x80) != 0 || *p == '\\';
-    marked = marks != 0;
-    return p;
-}
 }  // namespace
 
 GroupReader::GroupReader(std::FILE* file)
@@ -148,51 +118,17 @@ bool parseCode(std::string_view text, int& code)
     return code >= -32768 && code <= 32767;
 }
 
-// The code line as this and most writers write it: three places, right-
-// aligned with blanks ("  5", " 40", "105"), and its line feed. p is left
-// on the line feed. False, with nothing changed, for any other line.
-bool readAlignedCode(const char*& p, const char* const end, int& code)
-{
-    if (end - p < 4 || p[3] != '\n')
-        return false;
-    const auto digit = [](char c) { return c >= '0' && c <= '9'; };
-    const char a = p[0], b = p[1], c = p[2];
-    if (!digit(c))
-        return false;
-    if (a == ' ' && b == ' ')
-        code = c - '0';
-    else if (a == ' ' && digit(b))
-        code = (b - '0') * 10 + (c - '0');
-    else if (digit(a) && digit(b))
-        code = (a - '0') * 100 + (b - '0') * 10 + (c - '0');
-    else
-        return false;
-    p += 3;
-    return true;
-}
-
 }  // namespace
 
 bool GroupReader::nextPlain(Group& group)
 {
     const char* p = begin_;
     int code = 0;
-    if (!readAlignedCode(p, end_, code)) {
-        while (p < end_ && *p == ' ')
-            ++p;
-        const char* const digits = p;
-        while (p < end_ && p - digits < 5 && *p >= '0' && *p <= '9')
-            code = code * 10 + (*p++ - '0');
-        if (p == digits || p == end_ || *p != '\n' || code > 32767 || std::size_t(p - begin_) > kMaxLineLength)
-            return false;
-    }
-    const char* const value = p + 1;
-    bool marked = false;
-    const char* const stop = lineEnd(value, end_, marked);
-    if (marked || stop == end_ || *stop != '\n' || std::size_t(stop - value) > kMaxLineLength)
+    std::string_view value;
+    if (!readPlainGroup(p, end_, code, value))
         return false;
-    group = Group{code, std::string_view(value, std::size_t(stop - value)), lineNumber_ + 1};
-    begin_ = stop + 1;
+    group = Group{code, value, lineNumber_ + 1};
+    begin_ = p;
     lineNumber_ += 2;
     return true;
 }

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kaldo/dxf/GroupLines.h"
 #include "kaldo/dxf/TextCodec.h"
 #include "kxdbdatabase.h"
 
@@ -35,7 +36,7 @@ struct Group {
 
 class GroupReader {
 public:
-    static constexpr std::size_t kMaxLineLength = 65536;
+    static constexpr std::size_t kMaxLineLength = kLongestLine;
     // Sections of records are read ahead on a second thread only with this
     // much of the input left (SectionRecords.h): below, starting a thread
     // costs more than it saves.
@@ -55,6 +56,44 @@ public:
         if (!pushedBack_ && lineNumber_ > 0 && nextPlain(group))
             return true;
         return nextGeneral(group);
+    }
+    // Reads the usual groups that follow (as next() reads them straight
+    // from the buffer), calling take(code, value) for each, up to a group
+    // of code 0 or any other: that group is left to next(). True when it
+    // stopped at a usual group of code 0. The values stay valid until the
+    // next call. One loop, keeping the reader's place in locals: most
+    // groups of a file are read here.
+    template <class Take>
+    bool readPlain(Take&& take)
+    {
+        if (pushedBack_ || lineNumber_ == 0)
+            return false;
+        const char* p = begin_;
+        const char* const end = end_;
+        long lines = lineNumber_;
+        // The place is kept however the loop ends, take throwing too.
+        struct Kept {
+            GroupReader& reader;
+            const char*& p;
+            long& lines;
+            ~Kept()
+            {
+                reader.begin_ = p;
+                reader.lineNumber_ = lines;
+            }
+        } kept{*this, p, lines};
+        for (;;) {
+            const char* at = p;
+            int code = 0;
+            std::string_view value;
+            if (!readPlainGroup(at, end, code, value))
+                return false;
+            if (code == 0)
+                return true;
+            p = at;
+            lines += 2;
+            take(code, value);
+        }
     }
     // Makes the next call give group, the one just read, again.
     void pushBack(const Group& group)
@@ -88,10 +127,8 @@ public:
     }
 
 private:
-    // The usual group, read straight from the buffer: a code of blanks and
-    // digits and a value with nothing to decode, both lines ended by a line
-    // feed within what is read. False, with nothing consumed, for anything
-    // else.
+    // The usual group, read straight from the buffer (readPlainGroup).
+    // False, with nothing consumed, for anything else.
     bool nextPlain(Group& group);
     // Every other case: a group pushed back, the first line, other lines.
     bool nextGeneral(Group& group);

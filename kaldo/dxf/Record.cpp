@@ -94,45 +94,50 @@ void Record::read(GroupReader& reader, const Group& head)
     std::uint64_t* numbers = numbers_.data();
     Number* kinds = numberKinds_.data();
     std::size_t numbered = numbers_.size();
+    // Keeps a group: the store only grows, doubling, so that a record of
+    // the usual size needs no allocation and no check beyond this one: room
+    // for the code, the part, the value's length (five bytes hold any
+    // value's) and the value. Inlined into both loops: it is called for
+    // every group.
+    const auto keep = [&](int code, std::string_view value) __attribute__((always_inline)) {
+        if (const std::size_t most = used + 8 + value.size(); most > room) {
+            groups_.resize(std::max(2 * room, most));
+            store = groups_.data();
+            room = groups_.size();
+        }
+        auto* at = reinterpret_cast<unsigned char*>(store + used);
+        at[0] = static_cast<unsigned char>(std::uint16_t(code) & 0xFF);
+        at[1] = static_cast<unsigned char>(std::uint16_t(code) >> 8);
+        at[2] = 0;
+        at += 3;
+        std::size_t length = value.size();
+        for (; length >= 0x80; length >>= 7)
+            *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
+        *at++ = static_cast<unsigned char>(length);
+        copyValue(at, value);
+        used = std::size_t(reinterpret_cast<char*>(at) - store) + value.size();
+        if (size < kReadNumbers) {
+            if (size == numbered) {
+                numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size)));
+                numberKinds_.resize(numbers_.size());
+                numbers = numbers_.data();
+                kinds = numberKinds_.data();
+                numbered = numbers_.size();
+            }
+            kinds[size] = numberOf(modelled, code, value, numbers[size]);
+        }
+        ++size;
+    };
     Group g;
     try {
-        while (reader.next(g)) {
+        // The usual groups in one loop, any other one by one; a usual group
+        // of code 0 is left unread, any other pushed back.
+        while (!reader.readPlain(keep) && reader.next(g)) {
             if (g.code == 0) {
                 reader.pushBack(g);
                 break;
             }
-            // The store only grows, doubling, so that a record of the usual
-            // size needs no allocation and no check beyond this one: room for
-            // the code, the part, the value's length (five bytes hold any
-            // value's) and the value.
-            if (const std::size_t most = used + 8 + g.value.size(); most > room) {
-                groups_.resize(std::max(2 * room, most));
-                store = groups_.data();
-                room = groups_.size();
-            }
-            auto* at = reinterpret_cast<unsigned char*>(store + used);
-            const auto code = std::uint16_t(g.code);
-            at[0] = static_cast<unsigned char>(code & 0xFF);
-            at[1] = static_cast<unsigned char>(code >> 8);
-            at[2] = 0;
-            at += 3;
-            std::size_t length = g.value.size();
-            for (; length >= 0x80; length >>= 7)
-                *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
-            *at++ = static_cast<unsigned char>(length);
-            copyValue(at, g.value);
-            used = std::size_t(reinterpret_cast<char*>(at) - store) + g.value.size();
-            if (size < kReadNumbers) {
-                if (size == numbered) {
-                    numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size)));
-                    numberKinds_.resize(numbers_.size());
-                    numbers = numbers_.data();
-                    kinds = numberKinds_.data();
-                    numbered = numbers_.size();
-                }
-                kinds[size] = numberOf(modelled, g.code, g.value, numbers[size]);
-            }
-            ++size;
+            keep(g.code, g.value);
         }
     } catch (...) {
         size_ = size;

@@ -18,7 +18,7 @@ namespace kaldo::dxf {
 class Record {
 public:
     // Reads the record that starts with the group just read (code 0): the
-    // groups up to the next code 0, which is pushed back.
+    // groups up to the next code 0, which is left to the reader's next().
     void read(GroupReader& reader, const Group& head);
     // Takes a record of the kind whose groups a record kept as packed
     // (an entity kept unopened), numbers and all, as read would have.
