@@ -20,16 +20,15 @@ namespace {
 std::unique_ptr<KxDbEntity> duplicate(const KxDbEntity& entity)
 {
     std::unique_ptr<KxDbEntity> copy(static_cast<KxDbEntity*>(entity.clone().release()));
-    std::vector<KxDbFileGroup> kept;
+    KxDbPackedGroups kept;
     bool inOwnerBlock = false;
-    for (const KxDbFileGroup& g : entity.keptGroups()) {
-        if (g.code == 102) {
-            inOwnerBlock = !g.value.empty() && g.value.front() == '{';
-            continue;
-        }
-        if (!inOwnerBlock)
-            kept.push_back(g);
-    }
+    entity.keptGroups().forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+        if (code == 102)
+            inOwnerBlock = !value.empty() && value.front() == '{';
+        else if (!inOwnerBlock)
+            kept.append(code, part, value);
+    });
+    kept.shrinkToFit();
     copy->setKeptGroups(std::move(kept));
     return copy;
 }

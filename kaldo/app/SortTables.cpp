@@ -1,6 +1,7 @@
 #include "kaldo/app/SortTables.h"
 
 #include <algorithm>
+#include <optional>
 #include <charconv>
 #include <memory>
 #include <string>
@@ -90,13 +91,15 @@ void setGroups(KxDbObjectId id, std::vector<KxDbFileGroup> groups)
 std::uint64_t extensionDictionary(const KxDbBlockTableRecord& block)
 {
     bool inBlock = false;
-    for (const KxDbFileGroup& g : block.keptGroups()) {
-        if (g.code == 102)
-            inBlock = g.value.find("{ACAD_XDICTIONARY") != std::string::npos;
-        else if (inBlock && g.code == 360)
-            return handleNumber(g.value);
-    }
-    return 0;
+    std::optional<std::uint64_t> handle;
+    block.keptGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+        if (code == 102)
+            inBlock = value.find("{ACAD_XDICTIONARY") != std::string_view::npos;
+        else if (inBlock && code == 360)
+            handle = handleNumber(value);
+        return !handle;
+    });
+    return handle.value_or(0);
 }
 
 }  // namespace
@@ -182,11 +185,11 @@ void SortTables::writeTable(KxDbBlockTableRecord& block)
                                block.objectId());
         if (dictionary.isNull())
             return;
-        std::vector<KxDbFileGroup> kept = block.keptGroups();
+        std::vector<KxDbFileGroup> kept = block.keptGroups().unpacked();
         const auto firstPart = std::find_if(kept.begin(), kept.end(), [](const KxDbFileGroup& g) { return g.part > 0; });
         kept.insert(firstPart, {group(102, "{ACAD_XDICTIONARY"),
                                 group(360, handleText(m_db.peekObject(dictionary)->handle())), group(102, "}")});
-        block.setKeptGroups(std::move(kept));
+        block.setKeptGroups(KxDbPackedGroups(kept));
     }
     const std::string dictionaryHandle = handleText(m_db.peekObject(dictionary)->handle());
     std::vector<KxDbFileGroup> groups = {group(5, "0"),         group(102, "{ACAD_REACTORS"),

@@ -138,13 +138,12 @@ Kald::ErrorStatus KxDbObject::copyFrom(const KxDbObject* other)
     return Kald::eOk;
 }
 
-const std::vector<KxDbFileGroup>& KxDbObject::keptGroups() const
+KxDbPackedGroupsView KxDbObject::keptGroups() const
 {
-    static const std::vector<KxDbFileGroup> none;
-    return m_extras ? m_extras->keptGroups : none;
+    return m_extras ? m_extras->keptGroups.view() : KxDbPackedGroupsView();
 }
 
-void KxDbObject::setKeptGroups(std::vector<KxDbFileGroup> groups)
+void KxDbObject::setKeptGroups(KxDbPackedGroups groups)
 {
     if (groups.empty() && !m_extras)
         return;

@@ -22,14 +22,6 @@ constexpr std::size_t kObjectBytes = 256;
 constexpr std::size_t kDictionaryEntryBytes = 128;
 constexpr std::size_t kStyleElementBytes = 64;
 
-std::size_t groupBytes(const std::vector<KxDbFileGroup>& groups)
-{
-    std::size_t bytes = 0;
-    for (const KxDbFileGroup& group : groups)
-        bytes += sizeof(group) + group.value.size();
-    return bytes;
-}
-
 // A multiline's vertices and their lists, those neighbours share once.
 std::size_t mlineBytes(const KxDbMline& mline)
 {
@@ -76,7 +68,7 @@ std::size_t contentBytes(const KxDbObject& obj)
 
 std::size_t stateBytes(const KxDbObject& obj)
 {
-    return kObjectBytes + groupBytes(obj.keptGroups()) + contentBytes(obj);
+    return kObjectBytes + obj.keptGroups().bytes().size() + contentBytes(obj);
 }
 
 }  // namespace kaldo

@@ -64,13 +64,13 @@ struct EntityLook {
     {
         entity.setLayer(resolved.layer);
         if (resolved.layerSpelledOtherwise)
-            basics.kept.push_back({8, 1, std::string(layer)});
+            basics.kept.append(8, 1, layer);
         entity.setLinetype(resolved.linetype);
         if (resolved.linetypeSpelledOtherwise)
-            basics.kept.push_back({6, 1, std::string(linetype)});
+            basics.kept.append(6, 1, linetype);
         // The index beside a true colour is the writer's own choice: kept.
         if (color.isByColor() && !colorIndex.empty())
-            basics.kept.push_back({62, 1, std::string(colorIndex)});
+            basics.kept.append(62, 1, colorIndex);
         entity.setColor(color);
     }
     void applyTo(KxDbEntity& entity, ReadContext& context, RecordBasics& basics) const
@@ -260,10 +260,12 @@ KxDbObjectId blockOf(const RecordBasics& basics, ReadContext& context)
 {
     if (const KxDbObjectId owner = context.blockByHandle(basics.owner); !owner.isNull())
         return owner;
-    for (const KxDbFileGroup& g : basics.kept)
-        if (g.code == 67 && trimmed(g.value) == "1")
-            return context.roots.paperSpace;
-    return context.roots.modelSpace;
+    bool inPaperSpace = false;
+    basics.kept.view().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+        inPaperSpace = code == 67 && trimmed(value) == "1";
+        return !inPaperSpace;
+    });
+    return inPaperSpace ? context.roots.paperSpace : context.roots.modelSpace;
 }
 
 // Hands the entity to its block; returns it, now the drawing's.
@@ -401,7 +403,7 @@ std::unique_ptr<KxDbEntity> makeUnopenedMline(const Record& record, const kaldo:
     std::unique_ptr<KxDbMline> mline(readMline(
         record, basics, [&entityLook](const Group& g) { return entityLook.take(g); }, styleLink, scratch));
     entityLook.applyTo(*mline, look, basics);
-    mline->setKeptGroups(std::move(basics.kept));
+    mline->setKeptGroups(basics.takeKept());
     // Checked when the file was read: the layout gives numbers only.
     if (look.layOut)
         mline->setStyle(look.style);
@@ -429,7 +431,7 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
         return unmodelled;
     }
     parts.look.applyTo(*parts.entity, look, parts.basics);
-    parts.entity->setKeptGroups(std::move(parts.basics.kept));
+    parts.entity->setKeptGroups(parts.basics.takeKept());
     return std::move(parts.entity);
 }
 
@@ -724,12 +726,16 @@ const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)
 namespace {
 
 // The name as the file spelled it when it still names the record.
-const std::string& spelled(const KxDbEntity& e, int code, const std::string& name)
+std::string_view spelled(const KxDbEntity& e, int code, const std::string& name)
 {
-    for (const KxDbFileGroup& g : e.keptGroups())
-        if (g.code == code && g.part == 1 && kaldo::sameName(wideFromUtf8(g.value), wideFromUtf8(name)))
-            return g.value;
-    return name;
+    std::string_view found = name;
+    e.keptGroups().forEach([&](std::int16_t groupCode, std::uint8_t part, std::string_view value) {
+        if (groupCode != code || part != 1 || !kaldo::sameName(wideFromUtf8(value), wideFromUtf8(name)))
+            return true;
+        found = value;
+        return false;
+    });
+    return found;
 }
 
 void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, const KxDbDatabase& db, NameCache& names)
@@ -745,9 +751,11 @@ void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, cons
     }
     if (!e.color().isByLayer())
         writeColor(w, e.color(), false);
-    for (const KxDbFileGroup& g : e.keptGroups())
-        if (g.part == 1 && g.code != 8 && g.code != 6 && (g.code != 62 || e.color().isByColor()))
-            w.text(g.code, g.value);
+    const bool byColor = e.color().isByColor();
+    e.keptGroups().forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+        if (part == 1 && code != 8 && code != 6 && (code != 62 || byColor))
+            w.text(code, value);
+    });
 }
 
 void writeNormal(GroupWriter& w, const KxGeVector3d& n)

@@ -208,7 +208,7 @@ std::unique_ptr<KxDbObject> makeUnopenedStyle(const kaldo::UnopenedRecords::Look
     RecordBasics basics;
     StyleElements elements;
     std::unique_ptr<KxDbMlineStyle> style = readStyleHead(record, basics, elements);
-    style->setKeptGroups(std::move(basics.kept));
+    style->setKeptGroups(basics.takeKept());
     return style;
 }
 

@@ -17,7 +17,7 @@ KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
     // The database raises its handle seed above the handle it gives.
     db.addObject(obj, fileHandle(basics.handle));
     owned.release();
-    obj->setKeptGroups(std::move(basics.kept));
+    obj->setKeptGroups(basics.takeKept());
     if (basics.owner != 0)
         ownerReferences.push_back({obj->objectId(), basics.owner});
     obj->close();

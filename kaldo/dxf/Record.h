@@ -3,10 +3,12 @@
 // The storage is reused from record to record.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kaldo/dxf/GroupReader.h"
@@ -95,7 +97,31 @@ bool isModelledKind(std::string_view kind);
 struct RecordBasics {
     std::uint64_t handle = 0;
     std::uint64_t owner = 0;
-    std::vector<KxDbFileGroup> kept;
+    KxDbPackedGroups kept;
+    // The room made for kept at its first group.
+    std::size_t keptRoom = 0;
+
+    // Keeps a group of record. The kept groups take at most what the
+    // record's take: room for them all at once spares a record of many
+    // groups the copies that growing by steps would make.
+    void keep(const Record& record, int code, std::uint8_t part, std::string_view value)
+    {
+        if (kept.empty()) {
+            keptRoom = record.packedGroups().bytes().size();
+            kept.reserve(keptRoom);
+        }
+        kept.append(code, part, value);
+    }
+    // The kept groups, for their object to hold: the room beyond them given
+    // back when it passes an eighth of them. Short of that, a copy would
+    // cost more while the record is read than the room it gives back.
+    KxDbPackedGroups takeKept()
+    {
+        const std::size_t size = kept.view().bytes().size();
+        if (keptRoom - std::min(keptRoom, size) > size / 8)
+            kept.shrinkToFit();
+        return std::move(kept);
+    }
 };
 
 // Walks a record in order. The handle (5, or 105) and the first owner (330)
@@ -131,7 +157,7 @@ void walkRecord(const Record& record, RecordBasics& basics, Use&& use)
             used = use(g);
         }
         if (!used)
-            basics.kept.push_back(KxDbFileGroup{std::int16_t(g.code), std::uint8_t(part), std::string(g.value)});
+            basics.keep(record, g.code, std::uint8_t(part), g.value);
         return true;
     });
 }

@@ -43,29 +43,31 @@ void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
 
 void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part)
 {
-    for (const KxDbFileGroup& g : obj.keptGroups())
-        if (g.part == part)
-            w.text(g.code, g.value);
+    obj.keptGroups().forEach([&](std::int16_t code, std::uint8_t groupPart, std::string_view value) {
+        if (groupPart == part)
+            w.text(code, value);
+    });
 }
 
 void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, int skippedCode)
 {
-    for (const KxDbFileGroup& g : obj.keptGroups())
-        if (g.part == part && g.code != skippedCode)
-            w.text(g.code, g.value);
+    obj.keptGroups().forEach([&](std::int16_t code, std::uint8_t groupPart, std::string_view value) {
+        if (groupPart == part && code != skippedCode)
+            w.text(code, value);
+    });
 }
 
 std::int64_t keptInteger(const KxDbObject& obj, int code, std::int64_t fallback)
 {
-    for (const KxDbFileGroup& g : obj.keptGroups()) {
-        if (g.code != code)
-            continue;
-        std::int64_t value = fallback;
-        const std::string_view text = trimmed(g.value);
+    std::int64_t value = fallback;
+    obj.keptGroups().forEach([&](std::int16_t groupCode, std::uint8_t, std::string_view groupValue) {
+        if (groupCode != code)
+            return true;
+        const std::string_view text = trimmed(groupValue);
         std::from_chars(text.data(), text.data() + text.size(), value);
-        return value;
-    }
-    return fallback;
+        return false;
+    });
+    return value;
 }
 
 }  // namespace kaldo::dxf

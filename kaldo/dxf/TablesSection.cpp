@@ -102,15 +102,17 @@ void placeGroupsOfUnmarkedRecord(const Record& record, RecordBasics& basics)
     });
     if (marked)
         return;
+    KxDbPackedGroups placed;
+    placed.reserve(basics.kept.view().bytes().size());
     bool inBlock = false;
-    for (KxDbFileGroup& g : basics.kept) {
-        if (g.part != 0)
-            continue;
-        if (g.code == 102)
-            inBlock = !g.value.empty() && g.value.front() == '{';
-        else if (!inBlock)
-            g.part = 2;
-    }
+    basics.kept.view().forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+        if (part == 0 && code == 102)
+            inBlock = !value.empty() && value.front() == '{';
+        else if (part == 0 && !inBlock)
+            part = 2;
+        placed.append(code, part, value);
+    });
+    basics.kept = std::move(placed);
 }
 
 // Reads a linetype record into a linetype.
@@ -137,7 +139,7 @@ std::unique_ptr<KxDbLinetypeTableRecord> readLinetypeRecord(const Record& record
             if (!dashes.empty() && (g.code == 74 || g.code == 75 || g.code == 340 || g.code == 46 || g.code == 50
                                     || g.code == 44 || g.code == 45 || g.code == 9)) {
                 const int part = std::min(kDashPart + int(dashes.size()) - 1, kMaxDashPart);
-                basics.kept.push_back({std::int16_t(g.code), std::uint8_t(part), std::string(g.value)});
+                basics.keep(record, g.code, std::uint8_t(part), g.value);
                 return true;
             }
             return false;
@@ -474,15 +476,18 @@ void writeLinetype(GroupWriter& w, const KxDbLinetypeTableRecord& lt)
         w.real(49, lt.dashLengthAt(i));
         const auto part = std::uint8_t(std::min(kDashPart + i, kMaxDashPart));
         bool hasFlags = false;
-        for (const KxDbFileGroup& g : lt.keptGroups())
-            hasFlags = hasFlags || (g.part == part && g.code == 74);
+        lt.keptGroups().forEach([&](std::int16_t code, std::uint8_t groupPart, std::string_view) {
+            hasFlags = groupPart == part && code == 74;
+            return !hasFlags;
+        });
         if (!hasFlags)
             w.integer(74, 0);
         writeKeptPart(w, lt, part);
     }
-    for (const KxDbFileGroup& g : lt.keptGroups())
-        if (g.part == 2 && g.code != 70 && g.code != 72)
-            w.text(g.code, g.value);
+    lt.keptGroups().forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+        if (part == 2 && code != 70 && code != 72)
+            w.text(code, value);
+    });
     writeKeptPart(w, lt, kxdbExtendedDataPart);
 }
 

@@ -144,7 +144,7 @@ public:
         const auto* record = KxDbUnmodelledEntity::cast(&entity);
         if (record)
             unpackGroups(*record, m_groups);
-        m_pens.takeLineWeight(record ? m_groups : entity.keptGroups(), entity.lineWeight(), layer);
+        m_pens.takeLineWeight(record ? record->packedGroups() : entity.keptGroups(), entity.lineWeight(), layer);
         if (record) {
             if (!drawRecord(*record, record->dxfName(), m_groups, layer) && m_pass.notes)
                 m_pass.notes->undrawnKinds.insert(std::string(record->dxfName()));

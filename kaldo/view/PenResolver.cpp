@@ -13,9 +13,15 @@ constexpr int kLineWeightGroup = 370;
 constexpr int kThickestLineWeight = 211;
 
 // A lineweight from a file's groups when they hold a valid one.
-int lineWeightIn(const std::vector<KxDbFileGroup>& groups, int fallback)
+int lineWeightIn(KxDbPackedGroupsView groups, int fallback)
 {
-    const int weight = groupInteger(groups, kLineWeightGroup, fallback);
+    int weight = fallback;
+    groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+        if (code != kLineWeightGroup)
+            return true;
+        weight = integerIn(value, fallback);
+        return false;
+    });
     return weight >= KxDb::kLnWtByLwDefault && weight <= kThickestLineWeight ? weight : fallback;
 }
 
@@ -81,7 +87,7 @@ int PenResolver::continuousPen(const KxCmColor& color, const LayerLook& layer)
     return m_scene.pen({drawColor(color, layer.color), 0, m_lineWeight});
 }
 
-void PenResolver::takeLineWeight(const std::vector<KxDbFileGroup>& groups, int own, const LayerLook& layer)
+void PenResolver::takeLineWeight(KxDbPackedGroupsView groups, int own, const LayerLook& layer)
 {
     const int weight = lineWeightIn(groups, own);
     m_lineWeight = weight == KxDb::kLnWtByLayer ? layer.lineWeight : weight >= 0 ? weight : kDefaultLineWeight;

@@ -5,14 +5,13 @@
 #include <cstdint>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
 #include "kaldo/view/Scene.h"
 #include "kxcmcolor.h"
 #include "kxdbid.h"
 
 class KxDbDatabase;
-struct KxDbFileGroup;
+class KxDbPackedGroupsView;
 
 namespace kaldo::view {
 
@@ -39,7 +38,7 @@ public:
     // The lineweight of an entity whose file's groups are groups and whose
     // own is weight (group 370 when valid, else its own) for the pens asked
     // for next: ByLayer takes the layer's, ByBlock the default.
-    void takeLineWeight(const std::vector<KxDbFileGroup>& groups, int weight, const LayerLook& layer);
+    void takeLineWeight(KxDbPackedGroupsView groups, int weight, const LayerLook& layer);
 
     Scene& scene() { return m_scene; }
 

@@ -94,7 +94,7 @@ public:
             ++m_at;
         if (m_at == m_groups.size())
             return std::nullopt;
-        return numberIn(m_groups[m_at++], 0);
+        return numberIn(m_groups[m_at++].value, 0);
     }
     double next(int code) { return find(code).value_or(0); }
     std::size_t nextCount(int code)
@@ -119,21 +119,27 @@ const KxDbFileGroup* findGroup(const std::vector<KxDbFileGroup>& groups, int cod
     return nullptr;
 }
 
-double numberIn(const KxDbFileGroup& group, double fallback)
+double numberIn(std::string_view text, double fallback)
 {
-    const std::optional<double> value = parseNumber(group.value);
+    const std::optional<double> value = parseNumber(text);
     return value && std::isfinite(*value) ? *value : fallback;
+}
+
+int integerIn(std::string_view text, int fallback)
+{
+    return wholeNumber(numberIn(text, fallback), fallback);
 }
 
 double groupNumber(const std::vector<KxDbFileGroup>& groups, int code, double fallback)
 {
     const KxDbFileGroup* g = findGroup(groups, code);
-    return g ? numberIn(*g, fallback) : fallback;
+    return g ? numberIn(g->value, fallback) : fallback;
 }
 
 int groupInteger(const std::vector<KxDbFileGroup>& groups, int code, int fallback)
 {
-    return wholeNumber(groupNumber(groups, code, fallback), fallback);
+    const KxDbFileGroup* g = findGroup(groups, code);
+    return g ? integerIn(g->value, fallback) : fallback;
 }
 
 void unpackGroups(const KxDbUnmodelledRecord& record, std::vector<KxDbFileGroup>& groups)
@@ -310,7 +316,7 @@ bool drawFrameRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& s
     std::vector<Point2> boundary;
     for (std::size_t i = 0; i + 1 < groups.size(); ++i)
         if (groups[i].code == 14 && groups[i + 1].code == 24)
-            boundary.push_back({numberIn(groups[i], 0), numberIn(groups[i + 1], 0)});
+            boundary.push_back({numberIn(groups[i].value, 0), numberIn(groups[i + 1].value, 0)});
     if (boundary.empty())
         boundary = {{-0.5, -0.5}, {groupNumber(groups, 13, 1) - 0.5, height - 0.5}};
     if (boundary.size() == 2)
@@ -419,11 +425,11 @@ bool drawSplineRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& 
         const int code = groups[i].code;
         const bool pair = i + 1 < groups.size() && groups[i + 1].code == code + 10;
         if (code == 40)
-            knots.push_back(numberIn(groups[i], 0));
+            knots.push_back(numberIn(groups[i].value, 0));
         else if (code == 41)
-            weights.push_back(numberIn(groups[i], 1));
+            weights.push_back(numberIn(groups[i].value, 1));
         else if ((code == 10 || code == 11) && pair)
-            (code == 10 ? control : fit).push_back({numberIn(groups[i], 0), numberIn(groups[i + 1], 0)});
+            (code == 10 ? control : fit).push_back({numberIn(groups[i].value, 0), numberIn(groups[i + 1].value, 0)});
     }
     const auto joined = [&](const std::vector<Point2>& points) {
         if (points.size() < 2)

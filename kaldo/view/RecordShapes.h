@@ -49,7 +49,10 @@ bool drawEllipseRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene&
 bool drawSplineRecord(const std::vector<KxDbFileGroup>& groups, int pen, Scene& scene);
 
 // The value of a group as a finite number, else fallback.
-double numberIn(const KxDbFileGroup& group, double fallback);
+double numberIn(std::string_view text, double fallback);
+// The same, as a whole number (the fraction cut off); fallback too when it
+// lies beyond the range of int.
+int integerIn(std::string_view text, int fallback);
 // The value of the first group of code, as a number; fallback when there is
 // none or it is no finite number.
 double groupNumber(const std::vector<KxDbFileGroup>& groups, int code, double fallback);

@@ -25,6 +25,7 @@
 #include "kxcmcolor.h"
 #include "kxdbclass.h"
 #include "kxdbid.h"
+#include "kxdbpackedgroups.h"
 #include "kxtypes.h"
 
 class KxDbDatabase;
@@ -32,18 +33,6 @@ class KxGeMatrix3d;
 namespace kaldo {
 class UndoHistory;
 }
-
-// A group of a drawing file that the host keeps as read without modelling
-// it, to write it back unchanged: its code, its text, and the part of its
-// record it stood in (0 before the first subclass marker, n after the n-th,
-// kxdbExtendedDataPart from the first extended-data group on).
-struct KxDbFileGroup {
-    std::int16_t code = 0;
-    std::uint8_t part = 0;
-    std::string value;
-    friend bool operator==(const KxDbFileGroup&, const KxDbFileGroup&) = default;
-};
-inline constexpr std::uint8_t kxdbExtendedDataPart = 255;
 
 namespace KxDb {
 enum OpenMode : int { kForRead = 0, kForWrite = 1 };
@@ -91,9 +80,12 @@ public:
     virtual std::unique_ptr<KxDbObject> clone() const = 0;
 
     // Groups of the object's file record that the host does not model
-    // (reactors, extended data, codes of newer versions), in file order.
-    const std::vector<KxDbFileGroup>& keptGroups() const;
-    void setKeptGroups(std::vector<KxDbFileGroup> groups);
+    // (reactors, extended data, codes of newer versions), in file order,
+    // packed: an object of many such groups costs about their bytes.
+    KxDbPackedGroupsView keptGroups() const;
+    // Takes the groups as they are packed, room beyond them included
+    // (KxDbPackedGroups::shrinkToFit gives that back before).
+    void setKeptGroups(KxDbPackedGroups groups);
 
 protected:
     // What few objects hold, apart, so that the others pay one null pointer:
@@ -101,7 +93,7 @@ protected:
     // than 1, a normal other than the z axis, and ids (its own, its owner's,
     // its layer's and linetype's) whose serials pass 32 bits.
     struct Extras {
-        std::vector<KxDbFileGroup> keptGroups;
+        KxDbPackedGroups keptGroups;
         std::optional<KxCmColor> namedColor;
         double linetypeScale = 1.0;
         std::optional<KxGeVector3d> normal;

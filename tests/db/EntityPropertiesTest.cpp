@@ -48,7 +48,7 @@ TEST(EntityProperties, RareValuesReadBackThroughCopies)
     line->setLinetype(marker);
     ASSERT_EQ(line->setLinetypeScale(0.25), Kald::eOk);
     EXPECT_EQ(line->setLinetypeScale(0), Kald::eInvalidInput);
-    line->setKeptGroups({{1001, 255, "APP"}});
+    line->setKeptGroups(KxDbPackedGroups({{1001, 255, "APP"}}));
     ASSERT_EQ(line->setNormal({0, 3, 4}), Kald::eOk);
     EXPECT_EQ(line->setNormal({0, 0, 0}), Kald::eInvalidInput);
     line->setOwnerId(far);
@@ -81,7 +81,7 @@ TEST(EntityProperties, RareValuesReadBackThroughCopies)
         EXPECT_EQ(entity->lineWeight(), 211);
         EXPECT_EQ(entity->colorIndex(), 5);
         EXPECT_STREQ(entity->color().bookName(), L"Paints");
-        EXPECT_EQ(entity->keptGroups(), (std::vector<KxDbFileGroup>{{1001, 255, "APP"}}));
+        EXPECT_EQ(KxDbPackedGroups(entity->keptGroups()), KxDbPackedGroups({{1001, 255, "APP"}}));
         EXPECT_NEAR(entity->normal().y, 0.6, 1e-10);
         EXPECT_NEAR(entity->normal().z, 0.8, 1e-10);
     }

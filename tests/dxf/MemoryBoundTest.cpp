@@ -202,7 +202,10 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
     // room of vertices of 40 bytes), a style keeps the elements it can hold
     // (17 times with every element listed), kept header variables, classes,
     // unknown sections and table records are held packed (12 to 22 times
-    // with an object per group or variable).
+    // with an object per group or variable), and so are the groups an opened
+    // object keeps beside what it models: extended data, reactors, owners,
+    // comments, codes it does not know (13 to 22 times with an object per
+    // group).
     {
         const auto section = [](const std::string& name, const std::string& body) {
             return "0\nSECTION\n2\n" + name + "\n" + body + "0\nENDSEC\n" + smallDrawing("", "");
@@ -228,6 +231,20 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         inputs.push_back({"an unknown section of one-character groups", section("X", repeated("1\n0\n", 200000)), 4});
         inputs.push_back({"unknown sections",
                           repeated("0\nSECTION\n2\nX\n0\nENDSEC\n", 100000) + smallDrawing("", ""), 4});
+        const std::pair<const char*, std::string> keptByOpened[] = {
+            {"a line of unknown groups", "0\nLINE\n" + repeated("1\n0\n", 100000)},
+            {"a line of extended data", "0\nLINE\n1001\nA\n" + repeated("1000\nx\n", 100000)},
+            {"a polyline of extended data", "0\nLWPOLYLINE\n10\n0\n1001\nA\n" + repeated("1000\nx\n", 100000)},
+            {"a line of applications", "0\nLINE\n" + repeated("1001\nA\n", 100000)},
+            {"a line of reactor groups", "0\nLINE\n" + repeated("102\nx\n", 100000)},
+            {"a line of one reactor block", "0\nLINE\n102\n{A\n" + repeated("330\n1\n", 100000) + "102\n}\n"},
+            {"a polyline of owners", "0\nLWPOLYLINE\n" + repeated("330\n1\n", 100000)},
+            {"a line of comments", "0\nLINE\n" + repeated("999\nx\n", 100000)},
+        };
+        for (const auto& [what, entities] : keptByOpened)
+            inputs.push_back({what, smallDrawing(entities, ""), 4});
+        inputs.push_back({"a layer table head of many groups",
+                          section("TABLES", "0\nTABLE\n2\nLAYER\n" + repeated("1\n0\n", 100000) + "0\nENDTAB\n"), 4});
         inputs.push_back({"kept table records of no groups",
                           section("TABLES", "0\nTABLE\n2\nAPPID\n" + repeated("0\nAPPID\n", 200000) + "0\nENDTAB\n"),
                           4});

@@ -48,7 +48,7 @@ KxDbObjectId addLayer(KxDbDatabase& db, const wchar_t* name, std::vector<KxDbFil
 {
     auto* layer = new KxDbLayerTableRecord;
     layer->setName(name);
-    layer->setKeptGroups(std::move(kept));
+    layer->setKeptGroups(KxDbPackedGroups(kept));
     KxDbObjectPtr<KxDbLayerTable> table(db.layerTableId(), KxDb::kForWrite);
     KxDbObjectId id;
     table->add(layer, id);
@@ -195,7 +195,7 @@ TEST(PlotRender, LineweightsOfEntityLayerOrDefault)
         auto* line = new KxDbLine({0, y, 0}, {10, y, 0});
         line->setDatabaseDefaults(&d.db);
         line->setLayer(layer);
-        line->setKeptGroups(std::move(kept));
+        line->setKeptGroups(KxDbPackedGroups(kept));
         line->setLineWeight(weight);
         d.db.addToCurrentSpace(line);
         line->close();
