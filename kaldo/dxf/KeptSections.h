@@ -4,11 +4,10 @@
 // Kept as read and written back unchanged.
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 
-#include "kxdbobject.h"
+#include "kaldo/dxf/BlockEnds.h"
 #include "kxdbunmodelled.h"
 
 namespace kaldo::dxf {
@@ -26,12 +25,6 @@ struct KeptBlock {
     std::string madeHandle;
 };
 
-// The BLOCK and ENDBLK records of a block, kept as unmodelled objects.
-struct BlockEnds {
-    KxDbObjectId begin;
-    KxDbObjectId end;
-};
-
 struct KeptSections {
     std::string version;  // $ACADVER as read; empty for a new drawing
     std::string codePage;  // $DWGCODEPAGE as read; empty for a new drawing
@@ -43,7 +36,7 @@ struct KeptSections {
     // Every table in file order by name; the unmodelled ones are in tables.
     std::vector<std::string> tableOrder;
     std::vector<KeptBlock> tables;
-    std::map<KxDbObjectId, BlockEnds> blockEnds;  // by block record
+    BlockEnds blockEnds;
     // The sections the host does not know, written after OBJECTS as read:
     // each "0 SECTION", "2" and its name, its groups and "0 ENDSEC".
     KxDbPackedGroups sections;
