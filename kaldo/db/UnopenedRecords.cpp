@@ -46,7 +46,7 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
     KxDbBlockTableRecord* block = nullptr;
     KxDbSymbolTable* table = nullptr;
     if (cls->isDerivedFrom(KxDbEntity::desc())) {
-        block = KxDbBlockTableRecord::cast(m_db.peekObject(look.owner));
+        block = KxDbBlockTableRecord::cast(m_db.peekObject(look.ownerInRecord ? owner : look.owner));
         if (!block)
             return {};
     } else if (cls->isDerivedFrom(KxDbSymbolTableRecord::desc())) {
@@ -144,6 +144,11 @@ std::optional<UnopenedRecords::Kept> UnopenedRecords::kept(KxDbObjectId id) cons
     if (!entry)
         return std::nullopt;
     return keptAt(*entry);
+}
+
+std::uint64_t UnopenedRecords::handleOf(KxDbObjectId id) const
+{
+    return m_db.m_handles->handleOf(id);
 }
 
 void UnopenedRecords::forEachOwnerUnknown(const std::function<void(KxDbObjectId, const Kept&)>& see) const

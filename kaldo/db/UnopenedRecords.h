@@ -50,8 +50,9 @@ public:
         std::string kind;
         // An entity's block, an object's owner.
         KxDbObjectId owner;
-        // An object that names an owner keeps it with its record instead:
-        // a file's objects name many owners.
+        // An object that names an owner, and an entity of a block read from
+        // the BLOCKS section, keeps it with its record instead: a file's
+        // objects name many owners, and a file may hold many blocks.
         bool ownerInRecord = false;
         KxDbObjectId layer, linetype;
         bool layerSpelledOtherwise = false;
@@ -78,7 +79,8 @@ public:
     // history records (the object must then be added as one) or when an
     // entity's or record's owner is no block or table.
     // lookLater leaves room for setLook. owner is the record's own when
-    // the look says so (null while not known yet, see setOwner).
+    // the look says so (an object's null while not known yet, see
+    // setOwner), an entity's block then.
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
                       bool lookLater = false, KxDbObjectId owner = {});
     // Gives a record kept with lookLater, not opened yet, another look
@@ -100,6 +102,8 @@ public:
         KxDbPackedGroupsView groups;
     };
     std::optional<Kept> kept(KxDbObjectId id) const;
+    // The handle of a record kept, opened or not.
+    std::uint64_t handleOf(KxDbObjectId id) const;
     // Calls see(id, kept) for every record kept with its owner not known
     // (see setOwner), opened since or not.
     void forEachOwnerUnknown(const std::function<void(KxDbObjectId, const Kept&)>& see) const;

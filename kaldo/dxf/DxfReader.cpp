@@ -104,6 +104,7 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
 {
     SectionRecords records(reader, readEntityAhead);
     KxDbObjectId block;
+    KxDbObjectId begin;
     while (const Record* record = records.next()) {
         meter.record();
         const std::string& kind = record->kind();
@@ -114,14 +115,12 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
                 throw DxfError(record->line(), "a block begins inside another one.");
             const RecordBasics basics = rawRecordBasics(*record);
             block = blockRecordFor(*record, basics, context);
-            context.kept.blockEnds[block].begin = context.add(new KxDbUnmodelledObject("BLOCK", record->packedGroups()),
-                                                              RecordBasics{basics.handle, 0, {}});
+            begin = keepBlockEnd(*record, basics.handle, context);
         } else if (kind == "ENDBLK") {
             if (block.isNull())
                 throw DxfError(record->line(), "ENDBLK without its BLOCK.");
-            const RecordBasics basics = rawRecordBasics(*record);
-            context.kept.blockEnds[block].end = context.add(
-                new KxDbUnmodelledObject("ENDBLK", record->packedGroups()), RecordBasics{basics.handle, 0, {}});
+            const KxDbObjectId end = keepBlockEnd(*record, rawRecordBasics(*record).handle, context);
+            context.kept.blockEnds.add(block, {begin, end});
             block = KxDbObjectId();
         } else {
             if (block.isNull())
@@ -130,6 +129,7 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
         }
     }
     finishRecordRun(context);
+    context.kept.blockEnds.settle();
     checkSectionEnd(records, "a record (group 0) was expected in the blocks.", "the file ends inside the blocks.");
     if (!block.isNull())
         throw DxfError(records.endLine(), "the blocks end inside a block (ENDBLK is missing).");

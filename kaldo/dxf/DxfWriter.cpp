@@ -65,18 +65,18 @@ void addMissingBlockEnds(KxDbDatabase& db, KeptSections& kept)
 {
     const kaldo::UndoHistory::Pause notRecorded(db.undoHistory());
     for (const KxDbBlockTableRecord* block : blocksOf(db)) {
-        BlockEnds& ends = kept.blockEnds[block->objectId()];
-        if (!db.peekObject(ends.begin))
-            ends.begin = addBlockEnd(db, *block, true);
-        if (!db.peekObject(ends.end))
-            ends.end = addBlockEnd(db, *block, false);
+        if (kept.blockEnds.find(block->objectId()))
+            continue;
+        const KxDbObjectId begin = addBlockEnd(db, *block, true);
+        kept.blockEnds.add(block->objectId(), {begin, addBlockEnd(db, *block, false)});
     }
+    kept.blockEnds.settle();
 }
 
 void writeBlockEnd(GroupWriter& w, const KxDbDatabase& db, KxDbObjectId id)
 {
-    const auto* record = KxDbUnmodelledObject::cast(db.peekObject(id));
-    writeUnmodelledRecord(w, record->dxfName(), record->packedGroups(), record->handle());
+    const BlockEndRecord record = *blockEndRecord(db, id);
+    writeUnmodelledRecord(w, record.kind, record.groups, record.handle);
 }
 
 void writeEntitiesOf(GroupWriter& w, const KxDbDatabase& db, const KxDbBlockTableRecord& block, NameCache& names,
@@ -119,7 +119,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     w.text(0, "SECTION");
     w.text(2, "BLOCKS");
     for (const KxDbBlockTableRecord* block : blocks) {
-        const BlockEnds& ends = kept.blockEnds[block->objectId()];
+        const BlockEnds::Ends ends = *kept.blockEnds.find(block->objectId());
         writeBlockEnd(w, db, ends.begin);
         if (block->objectId() != db.modelSpaceId() && block->objectId() != db.paperSpaceId())
             writeEntitiesOf(w, db, *block, names, meter);
@@ -142,11 +142,12 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     for (const KxDbObjectId id : db.objectIds()) {
         aside.reset();
         if (kaldo::isUnopened(id)) {
-            // Entities kept unopened were written with their blocks and
-            // table records with their tables; objects kept so are written
-            // from an object made for the moment.
+            // Entities kept unopened, and BLOCK and ENDBLK records, were
+            // written with their blocks, table records with their tables;
+            // objects kept so are written from an object made for the moment.
             if (id.objectClass()->isDerivedFrom(KxDbEntity::desc())
-                || id.objectClass()->isDerivedFrom(KxDbSymbolTableRecord::desc()))
+                || id.objectClass()->isDerivedFrom(KxDbSymbolTableRecord::desc())
+                || isBlockEnd(db.unopenedRecords().kept(id)->look->kind))
                 continue;
             aside = db.unopenedRecords().makeAside(id);
         }

@@ -435,6 +435,17 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
     return std::move(parts.entity);
 }
 
+// Puts the block of an entity kept unopened in its look when it is of the
+// ENTITIES section (block null: model or paper space, owner), else with its
+// record (one of a file's many blocks), so that the records of many blocks
+// share their looks. Returns the block to keep with the record, or null.
+KxDbObjectId placeKeptBlock(kaldo::UnopenedRecords::Look& look, KxDbObjectId block, KxDbObjectId owner)
+{
+    look.ownerInRecord = !block.isNull();
+    look.owner = block.isNull() ? owner : KxDbObjectId();
+    return block;
+}
+
 // Keeps the entity taken apart from the record (of any kind but MLINE)
 // unopened when its groups take less than half the object: records of a
 // few groups, where the object would cost many times the file. Larger
@@ -447,12 +458,12 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
         return false;
     kaldo::UnopenedRecords::Look look;
     look.kind = record.kind();
-    look.owner = block.isNull() ? blockOf(parts.basics, context) : block;
     look.maker = &makeUnopened;
     parts.look.resolve(context, look);
+    const KxDbObjectId owner = placeKeptBlock(look, block, block.isNull() ? blockOf(parts.basics, context) : block);
     return !context.db.unopenedRecords()
                 .keep(parts.entity ? parts.entity->isA() : KxDbUnmodelledEntity::desc(), look, groups,
-                      context.fileHandle(parts.basics.handle))
+                      context.fileHandle(parts.basics.handle), false, owner)
                 .isNull();
 }
 
@@ -472,11 +483,11 @@ bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId 
         record, basics, [&look](const Group& g) { return look.take(g); }, styleLink, context.mlineLists);
     kaldo::UnopenedRecords::Look resolved;
     resolved.kind = record.kind();
-    resolved.owner = block.isNull() ? blockOf(basics, context) : block;
     resolved.maker = &makeUnopened;
     look.resolve(context, resolved);
-    const KxDbObjectId id = context.db.unopenedRecords().keep(
-        KxDbMline::desc(), resolved, groups, context.fileHandle(basics.handle), true);
+    const KxDbObjectId owner = placeKeptBlock(resolved, block, block.isNull() ? blockOf(basics, context) : block);
+    const KxDbObjectId id = context.db.unopenedRecords().keep(KxDbMline::desc(), resolved, groups,
+                                                              context.fileHandle(basics.handle), true, owner);
     if (id.isNull())
         return false;
     context.keptMlines.push_back({id, styleLink, outline});

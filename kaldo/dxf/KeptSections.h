@@ -4,23 +4,16 @@
 // Kept as read and written back unchanged.
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 
-#include "kxdbobject.h"
+#include "kaldo/dxf/BlockEnds.h"
 #include "kxdbunmodelled.h"
 
 namespace kaldo::dxf {
 
 // Groups are kept packed one after another (KxDbPackedGroups), about the
 // bytes the file spends on them, not an object per group.
-
-// The BLOCK and ENDBLK records of a block, kept as unmodelled objects.
-struct BlockEnds {
-    KxDbObjectId begin;
-    KxDbObjectId end;
-};
 
 struct KeptSections {
     std::string version;  // $ACADVER as read; empty for a new drawing
@@ -35,7 +28,7 @@ struct KeptSections {
     // whose records are in the database) from after its name to its end
     // (kaldo/dxf/TablesSection.cpp reads and writes the list).
     KxDbPackedGroups tables;
-    std::map<KxDbObjectId, BlockEnds> blockEnds;  // by block record
+    BlockEnds blockEnds;
     // The sections the host does not know, written after OBJECTS as read:
     // each "0 SECTION", "2" and its name, its groups and "0 ENDSEC".
     KxDbPackedGroups sections;

@@ -329,6 +329,18 @@ void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyl
 
 }  // namespace
 
+KxDbObjectId keepBlockEnd(const Record& record, std::uint64_t handle, ReadContext& context)
+{
+    kaldo::UnopenedRecords::Look look;
+    look.kind = record.kind();
+    look.maker = &makeUnmodelled;
+    const KxDbObjectId id = context.db.unopenedRecords().keep(KxDbUnmodelledObject::desc(), look,
+                                                              record.packedGroups(), context.fileHandle(handle));
+    if (!id.isNull())
+        return id;
+    return context.add(new KxDbUnmodelledObject(record.kind(), record.packedGroups()), RecordBasics{handle, 0, {}});
+}
+
 void readObject(const Record& record, ReadContext& context)
 {
     if (gatherKeptObject(record, context))
@@ -377,6 +389,11 @@ void noteKeptOwners(ReadContext& context)
         });
 }
 
+bool isBlockEnd(std::string_view kind)
+{
+    return kind == "BLOCK" || kind == "ENDBLK";
+}
+
 bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj)
 {
     if (const auto* dict = KxDbDictionary::cast(&obj)) {
@@ -384,7 +401,7 @@ bool writeObject(GroupWriter& w, const KxDbDatabase& db, const KxDbObject& obj)
     } else if (const auto* style = KxDbMlineStyle::cast(&obj)) {
         writeMlineStyle(w, db, *style);
     } else if (const auto* unmodelled = KxDbUnmodelledObject::cast(&obj)) {
-        if (unmodelled->dxfName() == "BLOCK" || unmodelled->dxfName() == "ENDBLK")
+        if (isBlockEnd(unmodelled->dxfName()))
             return false;
         forEachKeptRecord(*unmodelled, unmodelled->handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
             writeUnmodelledRecord(w, unmodelled->dxfName(), groups, handle);

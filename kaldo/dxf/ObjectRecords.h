@@ -5,6 +5,10 @@
 #pragma once
 
 #include "kaldo/dxf/Record.h"
+#include "kxdbid.h"
+
+#include <cstdint>
+#include <string_view>
 
 class KxDbDatabase;
 class KxDbObject;
@@ -22,6 +26,12 @@ void readObject(const Record& record, ReadContext& context);
 // Notes the owners of the objects kept unopened that were not read before
 // them among the references to resolve once the whole file is read.
 void noteKeptOwners(ReadContext& context);
+
+// Keeps a BLOCK or ENDBLK record (an unmodelled object written with its
+// block) under handle, unopened; returns its id.
+KxDbObjectId keepBlockEnd(const Record& record, std::uint64_t handle, ReadContext& context);
+// Whether records of the kind are a block's BLOCK or ENDBLK.
+bool isBlockEnd(std::string_view kind);
 
 // Writes an object of the OBJECTS section; false for objects that are
 // written elsewhere (table records, entities, block begin and end).

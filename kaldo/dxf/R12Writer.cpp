@@ -17,6 +17,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -270,16 +271,17 @@ private:
             const auto* block = KxDbBlockTableRecord::cast(db_.peekObject(id));
             if (!block || id == db_.modelSpaceId() || id == db_.paperSpaceId() || isLayoutName(block->name()))
                 continue;
-            const auto ends = kept_.blockEnds.find(id);
-            const auto* begin = ends == kept_.blockEnds.end()
-                                    ? nullptr
-                                    : KxDbUnmodelledObject::cast(db_.peekObject(ends->second.begin));
-            const auto number = [begin](int code) {
+            const std::optional<BlockEnds::Ends> ends = kept_.blockEnds.find(id);
+            const std::optional<BlockEndRecord> begin = ends ? blockEndRecord(db_, ends->begin) : std::nullopt;
+            const auto number = [&begin](int code) {
+                std::string found = "0";
                 if (begin)
-                    for (const KxDbFileGroup& g : begin->groups())
-                        if (g.code == code)
-                            return std::string(trimmed(g.value));
-                return std::string("0");
+                    begin->groups.forEach([&](std::int16_t groupCode, std::uint8_t, std::string_view value) {
+                        if (groupCode == code)
+                            found = std::string(trimmed(value));
+                        return groupCode != code;
+                    });
+                return found;
             };
             w_.text(0, "BLOCK");
             w_.text(8, "0");

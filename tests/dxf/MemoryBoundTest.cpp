@@ -277,6 +277,19 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
                                                           return "0\nTABLE\n2\nT" + n + "\n0\nENDTAB\n";
                                                       })),
                           4});
+        // Many named blocks, empty or of a line each: their BLOCK and ENDBLK
+        // records and the line are kept unopened, the records of every
+        // block sharing one look (22 and 29 times as objects, a look each),
+        // while each block is a record of the block table.
+        std::string pairs, withLine;
+        char name[24];
+        for (int i = 0; i < 20000; ++i) {
+            std::snprintf(name, sizeof name, "%X\n", i);
+            pairs += "0\nBLOCK\n2\n" + std::string(name) + "0\nENDBLK\n";
+            withLine += "0\nBLOCK\n2\n" + std::string(name) + "0\nLINE\n0\nENDBLK\n";
+        }
+        inputs.push_back({"blocks of no entities", section("BLOCKS", pairs), 20});
+        inputs.push_back({"blocks of a line each", section("BLOCKS", withLine), 18});
     }
     for (const auto& entry :
          std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {
