@@ -5,6 +5,7 @@
 // a picture or the terminal.
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "MlnText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -117,9 +118,7 @@ TEST(HostileInputSession, C1ControlsAreShownNotSent)
     KaldoProcess kaldo;
     kaldo.setEnv("LC_ALL", "C.UTF-8");
     const std::string csi = "\u009B";
-    kaldo.writeFile("walls.mln", "MLSTYLE\n2\n WALL" + csi + "1\n70\n 0\n3\n Brick " + csi + "31m wall\n62\n 256\n"
-                                 "51\n 90\n52\n 90\n71\n 2\n49\n 0.5\n62\n 256\n6\n BYLAYER\n49\n -0.5\n62\n 256\n"
-                                 "6\n BYLAYER\n0\n");
+    kaldo.writeFile("walls.mln", mlnStyleBlock("WALL" + csi + "1", "Brick " + csi + "31m wall", {0.5, -0.5}));
     // A version whose strings are UTF-8, so that the reader meets U+009B.
     const std::string bad = kaldo.writeFile("bad.dxf", "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1021\n"
                                                        "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n"

@@ -10,6 +10,7 @@
 #include "EzdxfReport.h"
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "MlnText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,115 +26,9 @@ namespace {
 // Three styles: two elements with line caps and a fill; three with outer
 // and inner arcs, joints and slanted caps (60 and 120 degrees); five with
 // everything. Each element in a colour of its own.
-const std::string kStyles = R"(MLSTYLE
-2
- W2
-70
- 273
-3
- two
-62
- 8
-51
- 90.0
-52
- 90.0
-71
- 2
-49
- 1.0
-62
- 1
-6
- BYLAYER
-49
- -1.0
-62
- 2
-6
- BYLAYER
-0
-MLSTYLE
-2
- W3
-70
- 1634
-3
- three
-62
- 256
-51
- 60.0
-52
- 120.0
-71
- 3
-49
- 1.5
-62
- 1
-6
- BYLAYER
-49
- 0.25
-62
- 3
-6
- BYLAYER
-49
- -1.5
-62
- 5
-6
- BYLAYER
-0
-MLSTYLE
-2
- W5
-70
- 1907
-3
- five
-62
- 9
-51
- 90.0
-52
- 90.0
-71
- 5
-49
- 2.0
-62
- 1
-6
- BYLAYER
-49
- 1.0
-62
- 2
-6
- BYLAYER
-49
- 0.0
-62
- 3
-6
- BYLAYER
-49
- -0.5
-62
- 4
-6
- BYLAYER
-49
- -2.0
-62
- 5
-6
- BYLAYER
-0
-)";
+const std::string kStyles = mlnStyleBlock({"W2", "two", {{1.0, 1}, {-1.0, 2}}, 273, 8})
+    + mlnStyleBlock({"W3", "three", {{1.5, 1}, {0.25, 3}, {-1.5, 5}}, 1634, 256, 60, 120})
+    + mlnStyleBlock({"W5", "five", {{2.0, 1}, {1.0, 2}, {0.0, 3}, {-0.5, 4}, {-2.0, 5}}, 1907, 9});
 
 class ModifySession : public ::testing::Test {
 protected:

@@ -28,35 +28,36 @@ double darkness(QRgb pixel)
     return (255 - qGray(pixel)) / 255.0;
 }
 
-// The middle of the dark band across column x (rows top to bottom) or
-// across row y (columns), in pixels of the image, and its width.
+// The middle of the dark band down column at (rows top to bottom) or,
+// across, along row at (columns), in pixels of the image, and its width.
 struct Band {
     double middle = 0;
     double width = 0;
 };
 
-Band bandDown(const QImage& image, int x)
+Band band(const QImage& image, int at, bool across = false)
 {
     Band band;
-    for (int y = 0; y < image.height(); ++y) {
-        const double dark = darkness(image.pixel(x, y));
-        band.middle += dark * (y + 0.5);
+    const int length = across ? image.width() : image.height();
+    for (int i = 0; i < length; ++i) {
+        const double dark = darkness(across ? image.pixel(i, at) : image.pixel(at, i));
+        band.middle += dark * (i + 0.5);
         band.width += dark;
     }
     band.middle /= band.width;
     return band;
 }
 
-Band bandAcross(const QImage& image, int y)
+// The first and the last column of row y darker than half.
+std::pair<int, int> darkRun(const QImage& image, int y)
 {
-    Band band;
-    for (int x = 0; x < image.width(); ++x) {
-        const double dark = darkness(image.pixel(x, y));
-        band.middle += dark * (x + 0.5);
-        band.width += dark;
-    }
-    band.middle /= band.width;
-    return band;
+    int first = -1, last = -1;
+    for (int x = 0; x < image.width(); ++x)
+        if (darkness(image.pixel(x, y)) > 0.5) {
+            first = first < 0 ? x : first;
+            last = x;
+        }
+    return {first, last};
 }
 
 // The dark bands down column x, top to bottom: rows darker than white
@@ -128,20 +129,15 @@ TEST(PlotSession, LineWhereTheScaleAndOffsetPutItTypedLineByLine)
     ASSERT_FALSE(page.isNull());
     const double row = pdf::rowAbove(file, 35, kDpi) - area.y();
     const double column = pdf::pixels(25, kDpi) - area.x();
-    const Band horizontal = bandDown(page, int(pdf::pixels(30, kDpi)) - area.x());
+    const Band horizontal = band(page, int(pdf::pixels(30, kDpi)) - area.x());
     EXPECT_NEAR(horizontal.middle, row, 1);
     EXPECT_NEAR(horizontal.width, pdf::pixels(0.5, kDpi), 1);
-    const Band vertical = bandAcross(page, int(pdf::rowAbove(file, 37.5, kDpi)) - area.y());
+    const Band vertical = band(page, int(pdf::rowAbove(file, 37.5, kDpi)) - area.y(), true);
     EXPECT_NEAR(vertical.middle, column, 1);
     EXPECT_NEAR(vertical.width, pdf::pixels(0.5, kDpi), 1);
     // Along the line: from 25 to 35 mm, and half the width further at
     // each end.
-    int first = -1, last = -1;
-    for (int x = 0; x < page.width(); ++x)
-        if (darkness(page.pixel(x, int(row))) > 0.5) {
-            first = first < 0 ? x : first;
-            last = x;
-        }
+    const auto [first, last] = darkRun(page, int(row));
     EXPECT_NEAR(first, column - pdf::pixels(0.25, kDpi), 1);
     EXPECT_NEAR(last + 1, pdf::pixels(35.25, kDpi) - area.x(), 1);
 
@@ -152,7 +148,7 @@ TEST(PlotSession, LineWhereTheScaleAndOffsetPutItTypedLineByLine)
     EXPECT_THAT(repeated.out, HasSubstr("Plot scale (1:N, or mm=units) or [Fit] <1:100>: \n"));
     EXPECT_THAT(repeated.out, HasSubstr("Plot offset in mm (x,y) or [Center] <20,30>: \n"));
     const QImage repeatedPage = pdf::rasterise(again, kDpi, area);
-    EXPECT_NEAR(bandDown(repeatedPage, int(pdf::pixels(30, kDpi)) - area.x()).middle, row, 1);
+    EXPECT_NEAR(band(repeatedPage, int(pdf::pixels(30, kDpi)) - area.x()).middle, row, 1);
 }
 
 // --plot after the script: the extents centred on the paper the options
@@ -169,7 +165,7 @@ TEST(PlotSession, OptionsAndPromptsChooseTheSheet)
     expectPage(a3, 297, 420);
     // Centred: the 1000 mm line is 200 mm long across the middle.
     const QImage page = pdf::rasterise(a3, 100);
-    const Band across = bandAcross(page, int(pdf::rowAbove(a3, 420 / 2.0, 100)));
+    const Band across = band(page, int(pdf::rowAbove(a3, 420 / 2.0, 100)), true);
     EXPECT_NEAR(across.middle, pdf::pixels(297 / 2.0 - 100, 100), 1);
 
     const std::filesystem::path custom = kaldo.dir() / "custom.pdf";
@@ -191,13 +187,9 @@ TEST(PlotSession, OptionsAndPromptsChooseTheSheet)
     const double middle = pdf::rowAbove(window, 431.8 / 2, kDpi);
     const int top = int(middle) - 100;
     const QImage windowPage = pdf::rasterise(window, kDpi, QRect(0, top, int(pdf::pixels(279.4, kDpi)), 200));
-    int last = -1;
-    for (int x = 0; x < windowPage.width(); ++x)
-        if (darkness(windowPage.pixel(x, int(middle) - top)) > 0.5)
-            last = x;
-    EXPECT_NEAR(last + 1, pdf::pixels(279.4 / 2 + 2, kDpi), 1);
+    EXPECT_NEAR(darkRun(windowPage, int(middle) - top).second + 1, pdf::pixels(279.4 / 2 + 2, kDpi), 1);
     // Lineweights off: every line in the default 0.7 mm.
-    const Band weighed = bandDown(windowPage, int(pdf::pixels(279.4 / 2 + 1, kDpi)));
+    const Band weighed = band(windowPage, int(pdf::pixels(279.4 / 2 + 1, kDpi)));
     EXPECT_NEAR(weighed.width, pdf::pixels(0.7, kDpi), 1);
     EXPECT_NEAR(weighed.middle, middle - top, 1);
 
@@ -246,12 +238,7 @@ TEST(PlotSession, TextsAsTextUnitsAndLineweightsFromTheFile)
     EXPECT_NEAR(wall.middle - other.middle, pdf::pixels(50, kDpi), 1);
     // Along the wall: 10 m, 100 mm, and its round ends half its width.
     const QImage page = pdf::rasterise(file, kDpi, QRect(0, int(wall.middle) - 10, sheetWidth, 20));
-    int first = -1, last = -1;
-    for (int x = 0; x < page.width(); ++x)
-        if (darkness(page.pixel(x, 10)) > 0.5) {
-            first = first < 0 ? x : first;
-            last = x;
-        }
+    const auto [first, last] = darkRun(page, 10);
     EXPECT_NEAR(last + 1 - first, pdf::pixels(100 + 1.0, kDpi), 2);
 }
 

@@ -1,8 +1,8 @@
 // The small text rules of MLINE: file names typed or chosen for a missing
-// style, the casing of style names, and prompts formatted with values.
+// style, and prompts formatted with values (the casing of style names:
+// MlineSession).
 #include "host/FormattedText.h"
 #include "mline/MlnFileName.h"
-#include "mline/StyleNameCase.h"
 
 #include <gtest/gtest.h>
 
@@ -23,14 +23,6 @@ TEST(MlineTexts, TypedFileNamesGetTheExtensionOnlyWithoutAnyDot)
     EXPECT_EQ(typedMlnFileName(L"/x/my|styles|v2.mln"), L"/x/my styles v2.mln");
     EXPECT_EQ(barsToBlanks(L"/x|y/||z.mln"), L"/x y/  z.mln");
     EXPECT_EQ(barsToBlanks(L"/plain/path.mln"), L"/plain/path.mln");
-}
-
-TEST(MlineTexts, StyleNamesChangeCaseAndNothingElse)
-{
-    EXPECT_EQ(upperCaseStyleName(L"Wall_200-b"), L"WALL_200-B");
-    EXPECT_EQ(lowerCaseStyleName(L"Wall_200-B"), L"wall_200-b");
-    EXPECT_EQ(upperCaseStyleName(L""), L"");
-    EXPECT_EQ(lowerCaseStyleName(L"12 $"), L"12 $");
 }
 
 TEST(MlineTexts, PromptsCarryTheirValues)

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "db/TestStyles.h"
 #include "kxdb.h"
 #include "styledlg/StylePreviewData.h"
 #include "styledlg/StylePreviewGeometry.h"
@@ -14,20 +15,6 @@ namespace {
 
 constexpr double kTol = 1e-10;
 constexpr double pi = std::numbers::pi;
-
-KxDbObjectId addStyle(KxDbDatabase& db, const wchar_t* name)
-{
-    auto* style = new KxDbMlineStyle;
-    style->setName(name);
-    int index = 0;
-    style->addElement(index, 0.5, KxCmColor(), db.byLayerLinetype());
-    style->addElement(index, -0.5, KxCmColor(), db.byLayerLinetype());
-    KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-    KxDbObjectId id;
-    dict->setAt(name, style, id);
-    style->close();
-    return id;
-}
 
 KxDbMline* newMline(KxDbDatabase& db, KxDbObjectId style)
 {
@@ -62,8 +49,8 @@ void expectPoint(const KxGePoint3d& p, double x, double y)
 TEST(StyleUse, AnyLiveMultilineInAnyBlockCounts)
 {
     KxDbDatabase db;
-    const KxDbObjectId walls = addStyle(db, L"Walls");
-    const KxDbObjectId roads = addStyle(db, L"Roads");
+    const KxDbObjectId walls = addTestStyle(db, L"Walls", {0.5, -0.5});
+    const KxDbObjectId roads = addTestStyle(db, L"Roads", {0.5, -0.5});
     EXPECT_FALSE(kdml::isStyleInUse(&db, L"WALLS"));
 
     KxDbMline* road = newMline(db, roads);

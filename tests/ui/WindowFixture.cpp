@@ -1,6 +1,7 @@
 #include "WindowFixture.h"
 
 #include "TestApplication.h"
+#include "../e2e/EzdxfReport.h"
 #include "kaldo/ui/ViewGeometry.h"
 
 #include <QAbstractButton>
@@ -88,6 +89,19 @@ bool WindowFixture::saveAs(const std::string& path)
 {
     return runTyped({"FILEDIA", "0", "SAVEAS", QString::fromStdString(path)})
         && transcript().contains("Saved \"" + QString::fromStdString(path) + "\"");
+}
+
+QJsonObject WindowFixture::savedAndRead(const std::string& name)
+{
+    const std::string path = dir() + "/" + name;
+    if (!saveAs(path)) {
+        ADD_FAILURE() << "not saved: " << path;
+        return {};
+    }
+    const EzdxfReport report = readWithEzdxf(path);
+    EXPECT_TRUE(report.ran) << report.problem;
+    EXPECT_EQ(auditFindings(report), "") << path;
+    return report.file;
 }
 
 QAction* WindowFixture::menuAction(const QString& text)

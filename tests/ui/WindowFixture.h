@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <functional>
@@ -59,6 +60,10 @@ protected:
     QAction* menuAction(const QString& text);
     // Saves the drawing as path through SAVEAS on the command line.
     [[nodiscard]] bool saveAs(const std::string& path);
+    // Saves the drawing as name in the test's folder and reads it back
+    // with the independent reader: what it found (see EzdxfReport), empty
+    // when the save or the reader failed; its audit must find nothing.
+    QJsonObject savedAndRead(const std::string& name);
     // Ends the command loop (answering the unsaved-changes question with
     // No when it comes) and waits for the window to close.
     [[nodiscard]] bool closeWindow();

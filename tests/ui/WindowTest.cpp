@@ -8,7 +8,6 @@
 #include "FileText.h"
 
 #include "../dxf/AllocationMeter.h"
-#include "../e2e/EzdxfReport.h"
 #include "../scenarios/Gestures.h"
 #include "kaldo/dlg/DialogItems.h"
 #include "kaldo/ui/ViewGeometry.h"
@@ -120,12 +119,7 @@ TEST_F(Window, MlineByClicksSnapsToAnEndpointDrawsItsRubberBandAndIsSaved)
     type("");
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
 
-    const std::string path = dir() + "/clicked.dxf";
-    ASSERT_TRUE(saveAs(path));
-    const EzdxfReport report = readWithEzdxf(path);
-    ASSERT_TRUE(report.ran) << report.problem;
-    EXPECT_EQ(auditFindings(report), "");
-    const QJsonArray mlines = report.file["mlines"].toArray();
+    const QJsonArray mlines = savedAndRead("clicked.dxf")["mlines"].toArray();
     ASSERT_EQ(mlines.size(), 1);
     const QJsonObject mline = mlines[0].toObject();
     ASSERT_EQ(mline["vertices"].toArray().size(), 3);
@@ -168,11 +162,7 @@ TEST_F(Window, MultilinesPickedByClicksForTheClosedCrossAreHighlighted)
     ASSERT_TRUE(waitForPrompt("Command: ", Kind::Command));
     EXPECT_FALSE(transcript().contains("No object found"));
 
-    const std::string path = dir() + "/crossed.dxf";
-    ASSERT_TRUE(saveAs(path));
-    const EzdxfReport report = readWithEzdxf(path);
-    ASSERT_TRUE(report.ran) << report.problem;
-    const QJsonArray mlines = report.file["mlines"].toArray();
+    const QJsonArray mlines = savedAndRead("crossed.dxf")["mlines"].toArray();
     ASSERT_EQ(mlines.size(), 2);
     // The first multiline opens between the second's element lines.
     const QJsonArray runs =
@@ -300,11 +290,7 @@ TEST_F(Window, DraggedWindowsSelectAndAPickBeforeMoveIsTakenByIt)
     EXPECT_TRUE(transcript().contains("Command: _MOVE\n1 found\n")) << transcript().right(200).toStdString();
     ASSERT_TRUE(runTyped({"0,0", "5,5"}));
 
-    const std::string path = dir() + "/moved.dxf";
-    ASSERT_TRUE(saveAs(path));
-    const EzdxfReport report = readWithEzdxf(path);
-    ASSERT_TRUE(report.ran) << report.problem;
-    const QJsonArray mlines = report.file["mlines"].toArray();
+    const QJsonArray mlines = savedAndRead("moved.dxf")["mlines"].toArray();
     ASSERT_EQ(mlines.size(), 2);
     EXPECT_NEAR(location(mlines[0].toObject(), 0)[1].toDouble(), 0, kTol);
     EXPECT_NEAR(location(mlines[1].toObject(), 0)[0].toDouble(), 5, kTol);
@@ -338,22 +324,14 @@ TEST_F(Window, AGripDragMovesOneVertexOfASelectedMultiline)
     press(Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !gripShown(); }, kWaitMs));
 
-    const std::string dragged = dir() + "/dragged.dxf";
-    ASSERT_TRUE(saveAs(dragged));
-    const EzdxfReport report = readWithEzdxf(dragged);
-    ASSERT_TRUE(report.ran) << report.problem;
-    const QJsonObject mline = report.file["mlines"].toArray()[0].toObject();
+    const QJsonObject mline = savedAndRead("dragged.dxf")["mlines"].toArray()[0].toObject();
     EXPECT_NEAR(location(mline, 0)[0].toDouble(), 0, kTol);
     EXPECT_NEAR(location(mline, 1)[0].toDouble(), 60, unitsPerPixel);
     EXPECT_NEAR(location(mline, 1)[1].toDouble(), -10, unitsPerPixel);
     EXPECT_NEAR(location(mline, 2)[1].toDouble(), 30, kTol);
 
     ASSERT_TRUE(runTyped({"U"}));
-    const std::string undone = dir() + "/undone.dxf";
-    ASSERT_TRUE(saveAs(undone));
-    const EzdxfReport back = readWithEzdxf(undone);
-    ASSERT_TRUE(back.ran) << back.problem;
-    EXPECT_NEAR(location(back.file["mlines"].toArray()[0].toObject(), 1)[0].toDouble(), 40, kTol);
+    EXPECT_NEAR(location(savedAndRead("undone.dxf")["mlines"].toArray()[0].toObject(), 1)[0].toDouble(), 40, kTol);
 }
 
 TEST_F(Window, CommandLineKeysCancelRecallRepeatAndAnswer)
@@ -491,138 +469,90 @@ TEST_F(Window, ZoomAtTheCursorKeepsItsPointPanFollowsTheMouseAndZoomPreviousGoes
     EXPECT_NEAR(canvas().placement().centre.y, start.centre.y, kTol);
 }
 
-TEST_F(Window, UnsavedChangesAreAskedForOnClose)
+// Closing the window, OPEN typed (once the file is chosen in the file
+// dialog) and File > New ask in a message box whether to save the
+// drawing's changes: Cancel keeps the drawing with its changes, No drops
+// them, Yes saves them into the drawing's file first. A new drawing is
+// empty and has no file.
+TEST_F(Window, CloseOpenAndNewAskToSaveChangesInAMessageBox)
 {
+    const std::string path = dir() + "/kept.dxf";
     ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
     ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
     EXPECT_TRUE(window().isWindowModified());
-
-    // Cancel keeps the window and the session.
     answerMessageBoxSoon(QMessageBox::Cancel);
     window().close();
     QTest::qWait(200);
     EXPECT_TRUE(loopRunning());
     EXPECT_TRUE(window().isVisible());
 
-    const std::string path = dir() + "/kept.dxf";
-    ASSERT_TRUE(saveAs(path));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().drawing().modified; }, kWaitMs));
-    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
-
-    // Opening a drawing asks too; No drops the new line.
-    const unsigned serial = window().drawing().serial;
-    answerMessageBoxSoon(QMessageBox::No);
-    window().openFile(QString::fromStdString(path));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
-    EXPECT_FALSE(window().drawing().modified);
-    EXPECT_TRUE(transcript().contains("Opened"));
-    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
-
-    // Yes saves into the drawing's own file, then the window closes.
-    answerMessageBoxSoon(QMessageBox::Yes);
-    window().close();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !loopRunning() && !window().isVisible(); }, kWaitMs));
-    EXPECT_EQ(linesIn(path), 2);
-
-    // The profile keeps the file among the recent ones, and the layout.
-    const kaldo::Profile profile(dir() + "/kaldo.ini");
-    EXPECT_EQ(profile.getString(L"Window", L"Recent1"), std::optional(std::filesystem::path(path).wstring()));
-    EXPECT_TRUE(profile.getBinary(L"Window", L"Geometry").has_value());
-}
-
-// OPEN typed in the window asks in a message box, once the file is chosen
-// in the file dialog, whether to save the drawing's changes: Cancel keeps
-// the drawing with its changes, No drops them for the file opened.
-TEST_F(Window, OpenTypedAsksToSaveChangesInAMessageBox)
-{
-    const std::string path = dir() + "/kept.dxf";
-    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
     ASSERT_TRUE(saveAs(path));
     ASSERT_TRUE(runTyped({"FILEDIA", "1", "LINE", "0,5", "10,5", ""}));
     ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
-
-    const auto openAnswering = [&](QMessageBox::StandardButton button) {
-        QString asked;
-        chooseInFileDialogSoon(QString::fromStdString(path));
-        actOnDialogSoon<QMessageBox>([&asked, button](QMessageBox& box) {
-            asked = box.text();
-            QTest::mouseClick(box.button(button), Qt::LeftButton);
-        });
-        const qsizetype before = transcript().size();
-        type("OPEN");
-        EXPECT_TRUE(QTest::qWaitFor(
-            [&] { return transcript().indexOf("Command: ", before + 1) >= 0 && !asked.isEmpty(); }, kWaitMs));
-        return asked;
-    };
-    EXPECT_EQ(openAnswering(QMessageBox::Cancel), "Save changes to kept.dxf?");
-    EXPECT_TRUE(transcript().endsWith("Open cancelled.\nCommand: ")) << transcript().toStdString();
-    EXPECT_TRUE(window().drawing().modified);
-
-    const unsigned serial = window().drawing().serial;
-    EXPECT_EQ(openAnswering(QMessageBox::No), "Save changes to kept.dxf?");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
-    EXPECT_FALSE(window().drawing().modified);
-    EXPECT_TRUE(transcript().contains("Opened \"" + QString::fromStdString(path) + "\"."));
-    EXPECT_EQ(linesIn(path), 1) << "the second line was not saved";
-}
-
-// File > New asks in a message box whether to save the drawing's changes,
-// as OPEN does: Cancel keeps the drawing with its changes, Yes saves them
-// into its file before the new drawing, No drops them. The new drawing is
-// empty and has no file.
-TEST_F(Window, FileNewAsksToSaveChangesAndStartsAnEmptyDrawing)
-{
-    const std::string path = dir() + "/kept.dxf";
-    ASSERT_TRUE(runTyped({"LINE", "0,0", "10,0", ""}));
-    ASSERT_TRUE(saveAs(path));
-    ASSERT_TRUE(runTyped({"FILEDIA", "1", "LINE", "0,5", "10,5", ""}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
-
-    QMenu* file = nullptr;
-    for (QAction* menu : window().menuBar()->actions())
-        if (menu->text() == "&File")
-            file = menu->menu();
-    ASSERT_NE(file, nullptr);
-    QAction* newDrawing = nullptr;
-    for (QAction* action : file->actions())
-        if (action->text() == "&New")
-            newDrawing = action;
+    QAction* newDrawing = menuAction("&New");
     ASSERT_NE(newDrawing, nullptr);
     EXPECT_EQ(newDrawing->shortcut(), QKeySequence(QKeySequence::New));
-    const auto newAnswering = [&](QMessageBox::StandardButton button) {
+    // Starts OPEN or New, answers the message box with button and returns
+    // its question.
+    const auto answering = [&](bool open, QMessageBox::StandardButton button) {
         QString asked;
+        if (open)
+            chooseInFileDialogSoon(QString::fromStdString(path));
         actOnDialogSoon<QMessageBox>([&asked, button](QMessageBox& box) {
             asked = box.text();
             QTest::mouseClick(box.button(button), Qt::LeftButton);
         });
         const qsizetype before = transcript().size();
-        newDrawing->trigger();
+        if (open)
+            type("OPEN");
+        else
+            newDrawing->trigger();
         EXPECT_TRUE(QTest::qWaitFor(
             [&] { return transcript().indexOf("Command: ", before + 1) >= 0 && !asked.isEmpty(); }, kWaitMs));
         return asked;
     };
-    EXPECT_EQ(newAnswering(QMessageBox::Cancel), "Save changes to kept.dxf?");
+    const auto changed = [&](bool open, QMessageBox::StandardButton button) {
+        const unsigned serial = window().drawing().serial;
+        const QString asked = answering(open, button);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
+        EXPECT_FALSE(window().drawing().modified);
+        return asked;
+    };
+    EXPECT_EQ(answering(true, QMessageBox::Cancel), "Save changes to kept.dxf?");
+    EXPECT_TRUE(transcript().endsWith("Open cancelled.\nCommand: ")) << transcript().toStdString();
+    EXPECT_EQ(answering(false, QMessageBox::Cancel), "Save changes to kept.dxf?");
     EXPECT_TRUE(transcript().endsWith("New drawing cancelled.\nCommand: ")) << transcript().toStdString();
     EXPECT_TRUE(window().drawing().modified);
 
-    unsigned serial = window().drawing().serial;
-    EXPECT_EQ(newAnswering(QMessageBox::Yes), "Save changes to kept.dxf?");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
-    EXPECT_FALSE(window().drawing().modified);
+    EXPECT_EQ(changed(true, QMessageBox::No), "Save changes to kept.dxf?");
+    EXPECT_TRUE(transcript().contains("Opened \"" + QString::fromStdString(path) + "\"."));
+    EXPECT_EQ(linesIn(path), 1) << "the second line was not saved";
+    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+    EXPECT_EQ(changed(false, QMessageBox::Yes), "Save changes to kept.dxf?");
     EXPECT_TRUE(window().drawing().path.isEmpty());
     EXPECT_EQ(window().windowTitle(), "Drawing1.dxf[*] - kaldo");
     EXPECT_EQ(linesIn(path), 2);
 
     ASSERT_TRUE(runTyped({"LINE", "0,0", "10,10", ""}));
     ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
-    serial = window().drawing().serial;
-    EXPECT_EQ(newAnswering(QMessageBox::No), "Save changes to Drawing1.dxf?");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().serial != serial; }, kWaitMs));
+    EXPECT_EQ(changed(false, QMessageBox::No), "Save changes to Drawing1.dxf?");
     const std::string empty = dir() + "/empty.dxf";
     ASSERT_TRUE(saveAs(empty));
     EXPECT_EQ(linesIn(empty), 0);
+
+    // Yes on closing saves into the drawing's own file, then the window
+    // closes; the profile keeps the file among the recent ones, and the
+    // layout.
+    ASSERT_TRUE(runTyped({"LINE", "0,5", "10,5", ""}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window().drawing().modified; }, kWaitMs));
+    answerMessageBoxSoon(QMessageBox::Yes);
+    window().close();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !loopRunning() && !window().isVisible(); }, kWaitMs));
+    EXPECT_EQ(linesIn(empty), 1);
+    const kaldo::Profile profile(dir() + "/kaldo.ini");
+    EXPECT_EQ(profile.getString(L"Window", L"Recent1"), std::optional(std::filesystem::path(empty).wstring()));
+    EXPECT_TRUE(profile.getBinary(L"Window", L"Geometry").has_value());
 }
 
 // Files opened or saved are listed latest first under File > Recent Files,
