@@ -17,7 +17,9 @@ KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
     // The database raises its handle seed above the handle it gives.
     db.addObject(obj, fileHandle(basics.handle));
     owned.release();
-    obj->setKeptGroups(basics.takeKept());
+    // Most objects keep no groups: they are spared the moves of an empty store.
+    if (!basics.kept.empty())
+        obj->setKeptGroups(basics.takeKept());
     if (basics.owner != 0)
         ownerReferences.push_back({obj->objectId(), basics.owner});
     obj->close();
