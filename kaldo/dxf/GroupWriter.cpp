@@ -116,9 +116,10 @@ void GroupWriter::real(int groupCode, double value)
     ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
     char* out = start;
-    if (std::abs(value) < 1e5 && value == std::trunc(value) && !(value == 0 && std::signbit(value))) {
-        // Whole numbers below 100000 are written as integers, far quicker and
-        // the same text the shortest form gives them (not so for -0, kept as "-0").
+    if (std::abs(value) < 1e5 && double(std::int64_t(value)) == value && !(value == 0 && std::signbit(value))) {
+        // Whole numbers below 100000 (those that convert to an integer and
+        // back unchanged) are written as integers, far quicker and the same
+        // text the shortest form gives them (not so for -0, kept as "-0").
         out = std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr;
     } else if (char* const written = writeShortestDecimal(value, start)) {
         out = written;
