@@ -216,9 +216,7 @@ KxDbObjectId keepUnopened(const Record& record, const RecordBasics& basics, cons
                           KxDbObjectId linetype, ReadContext& context, const KxDbSymbolTable& table)
 {
     const KxDbPackedGroupsView groups = record.packedGroups();
-    std::size_t objectBytes = kaldo::stateBytes(made);
-    for (const KxDbFileGroup& g : basics.kept)
-        objectBytes += sizeof(g) + g.value.size();
+    const std::size_t objectBytes = kaldo::stateBytes(made) + basics.kept.view().bytes().size();
     if (2 * groups.bytes().size() >= objectBytes || (basics.owner != 0 && basics.owner != table.handle()))
         return {};
     int names = 0;
