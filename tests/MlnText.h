@@ -27,7 +27,8 @@ inline std::string mlnStyleBlock(const MlnStyle& style)
         + style.description + "\n62\n " + std::to_string(style.fillColor) + "\n51\n " + std::to_string(style.startAngle)
         + "\n52\n " + std::to_string(style.endAngle) + "\n71\n " + std::to_string(style.elements.size()) + "\n";
     for (const MlnElement& element : style.elements)
-        text += "49\n " + std::to_string(element.offset) + "\n62\n " + std::to_string(element.color) + "\n6\n BYLAYER\n";
+        text += "49\n " + std::to_string(element.offset) + "\n62\n " + std::to_string(element.color)
+                + "\n6\n BYLAYER\n";
     return text + "0\n";
 }
 

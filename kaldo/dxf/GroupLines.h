@@ -29,7 +29,8 @@ constexpr std::size_t kLongestLine = 65536;
         const unsigned found = unsigned(
             _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, feeds), _mm_cmpeq_epi8(bytes, returns))));
         // The high bit of each byte, set for itself or for a backslash.
-        const unsigned chunkMarks = unsigned(_mm_movemask_epi8(_mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, backslashes))));
+        const unsigned chunkMarks =
+            unsigned(_mm_movemask_epi8(_mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, backslashes))));
         if (found) {
             marked = (marks | (chunkMarks & ((found & -found) - 1))) != 0;
             return p + std::countr_zero(found);

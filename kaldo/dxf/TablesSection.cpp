@@ -400,7 +400,8 @@ void readTablesSection(GroupReader& reader, ReadContext& context)
     const auto hashOf = [](std::string_view name) -> std::uint64_t { return std::hash<std::string_view>()(name); };
     const auto nameAt = [&list](std::uint64_t place) { return firstValue(list.view().bytes().substr(place - 1)); };
     const auto hashAt = [&](std::uint64_t place) { return hashOf(nameAt(place)); };
-    forEachListedTable(list.view(), [&](const ListedTable& table) { names.insert(hashOf(table.name), table.at + 1, hashAt); });
+    forEachListedTable(list.view(),
+                       [&](const ListedTable& table) { names.insert(hashOf(table.name), table.at + 1, hashAt); });
     while (reader.next(g)) {
         if (g.code != 0)
             throw DxfError(g.line, "TABLE or ENDSEC was expected.");
