@@ -1,6 +1,7 @@
 #include "kaldo/dxf/R12Writer.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/PackedGroupValue.h"
 #include "kaldo/db/RecordRun.h"
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DrawingExtents.h"
@@ -274,14 +275,8 @@ private:
             const std::optional<BlockEnds::Ends> ends = kept_.blockEnds.find(id);
             const std::optional<BlockEndRecord> begin = ends ? blockEndRecord(db_, ends->begin) : std::nullopt;
             const auto number = [&begin](int code) {
-                std::string found = "0";
-                if (begin)
-                    begin->groups.forEach([&](std::int16_t groupCode, std::uint8_t, std::string_view value) {
-                        if (groupCode == code)
-                            found = std::string(trimmed(value));
-                        return groupCode != code;
-                    });
-                return found;
+                const auto found = begin ? kaldo::firstGroupValue(begin->groups, code) : std::nullopt;
+                return found ? std::string(trimmed(*found)) : std::string("0");
             };
             w_.text(0, "BLOCK");
             w_.text(8, "0");

@@ -1,5 +1,6 @@
 #include "kaldo/dxf/RecordWriting.h"
 
+#include "kaldo/db/PackedGroupValue.h"
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
@@ -60,13 +61,10 @@ void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, i
 std::int64_t keptInteger(const KxDbObject& obj, int code, std::int64_t fallback)
 {
     std::int64_t value = fallback;
-    obj.keptGroups().forEach([&](std::int16_t groupCode, std::uint8_t, std::string_view groupValue) {
-        if (groupCode != code)
-            return true;
-        const std::string_view text = trimmed(groupValue);
+    if (const auto found = kaldo::firstGroupValue(obj.keptGroups(), code)) {
+        const std::string_view text = trimmed(*found);
         std::from_chars(text.data(), text.data() + text.size(), value);
-        return false;
-    });
+    }
     return value;
 }
 

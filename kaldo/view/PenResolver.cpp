@@ -1,5 +1,6 @@
 #include "kaldo/view/PenResolver.h"
 
+#include "kaldo/db/PackedGroupValue.h"
 #include "kaldo/view/ColorPalette.h"
 #include "kaldo/view/RecordShapes.h"
 #include "kxdbdatabase.h"
@@ -15,13 +16,8 @@ constexpr int kThickestLineWeight = 211;
 // A lineweight from a file's groups when they hold a valid one.
 int lineWeightIn(KxDbPackedGroupsView groups, int fallback)
 {
-    int weight = fallback;
-    groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
-        if (code != kLineWeightGroup)
-            return true;
-        weight = integerIn(value, fallback);
-        return false;
-    });
+    const auto found = kaldo::firstGroupValue(groups, kLineWeightGroup);
+    const int weight = found ? integerIn(*found, fallback) : fallback;
     return weight >= KxDb::kLnWtByLwDefault && weight <= kThickestLineWeight ? weight : fallback;
 }
 
