@@ -1,5 +1,6 @@
 #include "kxdbdict.h"
 
+#include "kaldo/db/DictionaryEntries.h"
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
@@ -10,10 +11,13 @@ KX_RX_DEFINE_MEMBERS(KxDbDictionary, KxDbObject)
 
 namespace {
 
+using kaldo::DictionaryEntries;
+
+// Told by the registry, which knows a record kept unopened without making
+// its object.
 bool isLive(KxDbObjectId id)
 {
-    const KxDbObject* obj = kaldo::lookupObject(id);
-    return obj && !obj->isErased();
+    return kaldo::isRegisteredLive(id);
 }
 
 bool isEmptyName(const wchar_t* name)
@@ -21,48 +25,35 @@ bool isEmptyName(const wchar_t* name)
     return !name || !*name;
 }
 
-}  // namespace
-
-const KxDbDictionary::Entry* KxDbDictionary::find(const wchar_t* name) const
+// The entry of name or id whose object is live, or npos.
+std::size_t liveEntry(const DictionaryEntries& entries, const wchar_t* name)
 {
     if (isEmptyName(name))
-        return nullptr;
-    const auto it = m_entries.find(kaldo::foldName(name));
-    return it != m_entries.end() && isLive(it->second.id) ? &it->second : nullptr;
+        return DictionaryEntries::npos;
+    const std::size_t entry = entries.find(name);
+    return entry != DictionaryEntries::npos && isLive(entries.id(entry)) ? entry : DictionaryEntries::npos;
 }
 
-const KxDbDictionary::Entry* KxDbDictionary::find(KxDbObjectId id) const
+std::size_t liveEntry(const DictionaryEntries& entries, KxDbObjectId id)
 {
-    const auto key = m_keys.find(id);
-    return key != m_keys.end() && isLive(id) ? &m_entries.at(key->second) : nullptr;
+    const std::size_t entry = entries.find(id);
+    return entry != DictionaryEntries::npos && isLive(id) ? entry : DictionaryEntries::npos;
 }
 
-void KxDbDictionary::putEntry(const std::wstring& key, Entry entry)
-{
-    if (const auto old = m_keys.find(entry.id); old != m_keys.end() && old->second != key)
-        m_entries.erase(old->second);
-    if (const auto old = m_entries.find(key); old != m_entries.end() && old->second.id != entry.id)
-        m_keys.erase(old->second.id);
-    m_keys[entry.id] = key;
-    m_entries[key] = std::move(entry);
-}
+}  // namespace
 
-void KxDbDictionary::eraseEntry(const std::wstring& key)
-{
-    if (const auto it = m_entries.find(key); it != m_entries.end()) {
-        m_keys.erase(it->second.id);
-        m_entries.erase(it);
-    }
-}
+KxDbDictionary::KxDbDictionary() : m_entries(std::make_unique<DictionaryEntries>()) {}
+
+KxDbDictionary::~KxDbDictionary() = default;
 
 Kald::ErrorStatus KxDbDictionary::getAt(const wchar_t* name, KxDbObjectId& id) const
 {
-    const Entry* entry = find(name);
-    if (!entry) {
+    const std::size_t entry = liveEntry(*m_entries, name);
+    if (entry == DictionaryEntries::npos) {
         id.setNull();
         return Kald::eKeyNotFound;
     }
-    id = entry->id;
+    id = m_entries->id(entry);
     return Kald::eOk;
 }
 
@@ -77,19 +68,19 @@ Kald::ErrorStatus KxDbDictionary::getAt(const wchar_t* name, KxDbObject*& obj, i
 
 bool KxDbDictionary::has(const wchar_t* name) const
 {
-    return find(name) != nullptr;
+    return liveEntry(*m_entries, name) != DictionaryEntries::npos;
 }
 
 bool KxDbDictionary::has(KxDbObjectId id) const
 {
-    return find(id) != nullptr;
+    return liveEntry(*m_entries, id) != DictionaryEntries::npos;
 }
 
 int KxDbDictionary::numEntries() const
 {
     int n = 0;
-    for (const auto& [key, entry] : m_entries)
-        n += isLive(entry.id) ? 1 : 0;
+    for (std::size_t entry = 0; entry < m_entries->size(); ++entry)
+        n += isLive(m_entries->id(entry)) ? 1 : 0;
     return n;
 }
 
@@ -107,9 +98,9 @@ Kald::ErrorStatus KxDbDictionary::setAt(const wchar_t* name, KxDbObject* obj, Kx
         return Kald::eInvalidInput;
     }
     kaldo::recordBeforeChange(*this);
-    const std::wstring key = kaldo::foldName(name);
-    if (const auto it = m_entries.find(key); it != m_entries.end() && it->second.id != obj->objectId()) {
-        if (KxDbObject* old = kaldo::lookupObject(it->second.id); old && !old->isErased()) {
+    if (const std::size_t entry = m_entries->find(name);
+        entry != DictionaryEntries::npos && m_entries->id(entry) != obj->objectId()) {
+        if (KxDbObject* old = kaldo::lookupObject(m_entries->id(entry)); old && !old->isErased()) {
             KxDbObject* opened = nullptr;
             if (kxdbOpenObject(opened, old->objectId(), KxDb::kForWrite) == Kald::eOk) {
                 opened->erase();
@@ -117,9 +108,22 @@ Kald::ErrorStatus KxDbDictionary::setAt(const wchar_t* name, KxDbObject* obj, Kx
             }
         }
     }
-    putEntry(key, Entry{name, obj->objectId()});
+    m_entries->put(name, obj->objectId());
     obj->setOwnerId(objectId());
     id = obj->objectId();
+    return Kald::eOk;
+}
+
+Kald::ErrorStatus KxDbDictionary::setIdAt(const wchar_t* name, KxDbObjectId id)
+{
+    if (isEmptyName(name) || id.isNull() || id == objectId() || !database()
+        || kaldo::registeredDatabase(id) != database())
+        return Kald::eInvalidInput;
+    if (const std::size_t entry = liveEntry(*m_entries, name);
+        entry != DictionaryEntries::npos && m_entries->id(entry) != id)
+        return Kald::eDuplicateKey;
+    kaldo::recordBeforeChange(*this);
+    m_entries->put(name, id);
     return Kald::eOk;
 }
 
@@ -132,12 +136,12 @@ Kald::ErrorStatus KxDbDictionary::remove(const wchar_t* name)
 Kald::ErrorStatus KxDbDictionary::remove(const wchar_t* name, KxDbObjectId& id)
 {
     id.setNull();
-    const Entry* entry = find(name);
-    if (!entry)
+    const std::size_t entry = liveEntry(*m_entries, name);
+    if (entry == DictionaryEntries::npos)
         return Kald::eKeyNotFound;
-    id = entry->id;
+    id = m_entries->id(entry);
     kaldo::recordBeforeChange(*this);
-    eraseEntry(kaldo::foldName(name));
+    m_entries->erase(entry);
     if (KxDbObject* obj = kaldo::lookupObject(id); obj && obj->ownerId() == objectId())
         obj->setOwnerId(KxDbObjectId::kNull);
     return Kald::eOk;
@@ -145,37 +149,35 @@ Kald::ErrorStatus KxDbDictionary::remove(const wchar_t* name, KxDbObjectId& id)
 
 Kald::ErrorStatus KxDbDictionary::remove(KxDbObjectId id)
 {
-    const Entry* entry = find(id);
-    if (!entry)
+    const std::size_t entry = liveEntry(*m_entries, id);
+    if (entry == DictionaryEntries::npos)
         return Kald::eKeyNotFound;
     KxDbObjectId removed;
-    return remove(entry->name.c_str(), removed);
+    return remove(m_entries->name(entry).c_str(), removed);
 }
 
 Kald::ErrorStatus KxDbDictionary::setName(const wchar_t* oldName, const wchar_t* newName)
 {
     if (isEmptyName(newName))
         return Kald::eInvalidInput;
-    const Entry* entry = find(oldName);
-    if (!entry)
+    const std::size_t entry = liveEntry(*m_entries, oldName);
+    if (entry == DictionaryEntries::npos)
         return Kald::eKeyNotFound;
-    const std::wstring oldKey = kaldo::foldName(oldName);
-    const std::wstring newKey = kaldo::foldName(newName);
-    if (newKey != oldKey && find(newName))
+    if (kaldo::foldName(newName) != kaldo::foldName(oldName) && has(newName))
         return Kald::eDuplicateKey;
-    const KxDbObjectId id = entry->id;
+    const KxDbObjectId id = m_entries->id(entry);
     kaldo::recordBeforeChange(*this);
-    eraseEntry(oldKey);
-    putEntry(newKey, Entry{newName, id});
+    m_entries->erase(entry);
+    m_entries->put(newName, id);
     return Kald::eOk;
 }
 
 Kald::ErrorStatus KxDbDictionary::nameAt(KxDbObjectId id, std::wstring& name) const
 {
-    const Entry* entry = find(id);
-    if (!entry)
+    const std::size_t entry = liveEntry(*m_entries, id);
+    if (entry == DictionaryEntries::npos)
         return Kald::eKeyNotFound;
-    name = entry->name;
+    name = m_entries->name(entry);
     return Kald::eOk;
 }
 
@@ -191,36 +193,50 @@ Kald::ErrorStatus KxDbDictionary::nameAt(KxDbObjectId id, wchar_t*& name) const
 
 std::unique_ptr<KxDbDictionaryIterator> KxDbDictionary::newIterator() const
 {
-    std::vector<KxDbDictionaryIterator::Item> items;
-    for (const auto& [key, entry] : m_entries)
-        items.push_back({entry.name, entry.id});
-    return std::make_unique<KxDbDictionaryIterator>(std::move(items));
+    const std::vector<std::size_t> order = m_entries->inNameOrder();
+    std::vector<KxDbObjectId> ids;
+    std::string names;
+    std::vector<std::size_t> nameEnds;
+    ids.reserve(order.size());
+    nameEnds.reserve(order.size());
+    for (const std::size_t entry : order) {
+        ids.push_back(m_entries->id(entry));
+        names += m_entries->packedName(entry);
+        nameEnds.push_back(names.size());
+    }
+    return std::unique_ptr<KxDbDictionaryIterator>(
+        new KxDbDictionaryIterator(std::move(ids), std::move(names), std::move(nameEnds)));
 }
 
 Kald::ErrorStatus KxDbDictionary::copyFrom(const KxDbObject* other)
 {
     if (const Kald::ErrorStatus es = KxDbObject::copyFrom(other); es != Kald::eOk)
         return es;
-    m_entries = static_cast<const KxDbDictionary*>(other)->m_entries;
-    m_keys = static_cast<const KxDbDictionary*>(other)->m_keys;
+    *m_entries = *static_cast<const KxDbDictionary*>(other)->m_entries;
     m_hardOwner = static_cast<const KxDbDictionary*>(other)->m_hardOwner;
     return Kald::eOk;
 }
 
-KxDbDictionaryIterator::KxDbDictionaryIterator(std::vector<Item> items) : m_items(std::move(items))
+KxDbDictionaryIterator::KxDbDictionaryIterator(std::vector<KxDbObjectId> ids, std::string names,
+                                               std::vector<std::size_t> nameEnds)
+    : m_ids(std::move(ids)), m_names(std::move(names)), m_nameEnds(std::move(nameEnds))
 {
     skipErased();
 }
 
 void KxDbDictionaryIterator::skipErased()
 {
-    while (m_pos < m_items.size() && !isLive(m_items[m_pos].id))
+    while (m_pos < m_ids.size() && !isLive(m_ids[m_pos]))
         ++m_pos;
+    if (done())
+        return;
+    const std::size_t start = m_pos == 0 ? 0 : m_nameEnds[m_pos - 1];
+    m_name = DictionaryEntries::unpackName(std::string_view(m_names).substr(start, m_nameEnds[m_pos] - start));
 }
 
 bool KxDbDictionaryIterator::done() const
 {
-    return m_pos >= m_items.size();
+    return m_pos >= m_ids.size();
 }
 
 bool KxDbDictionaryIterator::next()
@@ -234,12 +250,12 @@ bool KxDbDictionaryIterator::next()
 
 const wchar_t* KxDbDictionaryIterator::name() const
 {
-    return done() ? nullptr : m_items[m_pos].name.c_str();
+    return done() ? nullptr : m_name.c_str();
 }
 
 KxDbObjectId KxDbDictionaryIterator::objectId() const
 {
-    return done() ? KxDbObjectId::kNull : m_items[m_pos].id;
+    return done() ? KxDbObjectId::kNull : m_ids[m_pos];
 }
 
 Kald::ErrorStatus KxDbDictionaryIterator::getObject(KxDbObject*& obj, int mode) const
@@ -247,5 +263,5 @@ Kald::ErrorStatus KxDbDictionaryIterator::getObject(KxDbObject*& obj, int mode) 
     obj = nullptr;
     if (done())
         return Kald::eInvalidIndex;
-    return kxdbOpenObject(obj, m_items[m_pos].id, mode);
+    return kxdbOpenObject(obj, m_ids[m_pos], mode);
 }

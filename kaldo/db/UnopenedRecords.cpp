@@ -113,11 +113,15 @@ void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
 bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
 {
     const std::optional<std::uint64_t> entry = unopenedEntry(id);
-    if (!entry)
+    // An entity's block and a table record's table, which list it, stand
+    // where an object's owner does.
+    const KxRxClass* cls = registeredClass(id);
+    if (!entry || cls->isDerivedFrom(KxDbEntity::desc()) || cls->isDerivedFrom(KxDbSymbolTableRecord::desc()))
         return false;
     const char* at = m_records.data() + *entry;
-    if (!m_looks[std::size_t(takeVarNumber(at))].ownerInRecord)
-        return false;
+    const Look& look = m_looks[std::size_t(takeVarNumber(at))];
+    if (!look.ownerInRecord)
+        return setLookOwner(*entry, look, int(at - (m_records.data() + *entry)), owner);
     const char* ownerAt = at;
     takeVarNumber(at);
     std::string serial;
@@ -125,6 +129,17 @@ bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
     if (serial.size() != std::size_t(at - ownerAt))
         return false;
     m_records.replace(std::size_t(ownerAt - m_records.data()), serial.size(), serial);
+    return true;
+}
+
+bool UnopenedRecords::setLookOwner(std::uint64_t entry, Look look, int placeWidth, KxDbObjectId owner)
+{
+    look.owner = owner;
+    std::string place;
+    appendVarNumber(place, placeOf(look), placeWidth);
+    if (place.size() != std::size_t(placeWidth))
+        return false;
+    m_records.replace(entry, place.size(), place);
     return true;
 }
 

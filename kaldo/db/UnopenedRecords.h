@@ -86,10 +86,12 @@ public:
     // Gives a record kept with lookLater, not opened yet, another look
     // (a multiline's style, found once the whole file is read).
     void setLook(KxDbObjectId id, const Look& look);
-    // Gives a record not opened yet, kept with its owner not known, the
-    // owner found once the whole file is read; false when id names no
-    // record kept unopened with its owner, or the owner's serial does not
-    // fit the room kept (the record must then be opened).
+    // Gives an object's record not opened yet another owner: one kept with
+    // its owner (not known yet, or known) in the room kept there, another
+    // in its look (a dictionary found to own it once the whole file is
+    // read); false when id names no object's record kept unopened, or the
+    // owner's serial or the look's place does not fit the room kept (the
+    // record must then be opened).
     bool setOwner(KxDbObjectId id, KxDbObjectId owner);
     // Makes the multilines kept to be laid out anew in style when made, so
     // that they take the style as it is before it changes.
@@ -125,6 +127,9 @@ public:
 
 private:
     std::size_t placeOf(const Look& look);
+    // setOwner for a record whose look holds its owner, its look's place
+    // placeWidth bytes.
+    bool setLookOwner(std::uint64_t entry, Look look, int placeWidth, KxDbObjectId owner);
     Kept keptAt(std::uint64_t entry) const;
     std::unique_ptr<KxDbObject> makeFrom(KxDbObjectId id, std::uint64_t entry) const;
     // Notes a record kept after the database's latest object.

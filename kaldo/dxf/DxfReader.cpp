@@ -167,40 +167,64 @@ std::wstring freeKey(const KxDbDictionary& dict, const std::wstring& name)
             return key;
 }
 
+// Gives the object id names its dictionary as owner: in its record when
+// it is kept unopened and the record has room, else opened.
+void giveOwner(KxDbDatabase& db, KxDbObjectId id, KxDbObjectId owner)
+{
+    kaldo::UnopenedRecords& unopened = db.unopenedRecords();
+    if (const auto kept = unopened.kept(id); kept && kept->owner == owner)
+        return;
+    if (!unopened.setOwner(id, owner))
+        db.peekObject(id)->setOwnerId(owner);
+}
+
+// Puts every dictionary entry read in its dictionary, without opening the
+// objects kept unopened that the entries name.
+void linkDictionaryEntries(ReadContext& context)
+{
+    KxDbDatabase& db = context.db;
+    context.dictionaryEntries.forEach([&](const PendingDictionaryEntries::Entry& entry) {
+        const std::wstring name = wideFromUtf8(entry.name);
+        const KxDbObjectId target = db.objectIdFromHandle(entry.handle);
+        auto* dict = KxDbDictionary::cast(db.peekObject(entry.dictionary));
+        if (target.isNull() || kaldo::registeredDatabase(target) != &db)
+            throw DxfError(entry.line, "the dictionary entry \"" + utf8FromWide(name) + "\" points to handle "
+                                           + handleText(entry.handle) + ", which no object has.");
+        const bool isStyle = kaldo::registeredClass(target)->isDerivedFrom(KxDbMlineStyle::desc());
+        if (dict->handle() == context.mlineStyleDictionaryHandle && !isStyle)
+            throw DxfError(entry.line, "the multiline style \"" + utf8FromWide(name) + "\" points to handle "
+                                           + handleText(entry.handle) + ", which is no multiline style.");
+        // Keys are the same without regard to case here: a second spelling
+        // of a key would take the first one's place and drop its object.
+        std::wstring key = name;
+        if (KxDbObjectId taken; dict->getAt(key.c_str(), taken) == Kald::eOk && taken != target) {
+            key = freeKey(*dict, name);
+            context.repairs.push_back("line " + std::to_string(entry.line) + ": the dictionary entry \""
+                                      + utf8FromWide(name) + "\" repeats a name of the dictionary "
+                                      + "(case aside); it is kept as \"" + utf8FromWide(key) + "\".");
+            if (auto* style = KxDbMlineStyle::cast(db.peekObject(target)); style && kaldo::sameName(style->name(), name))
+                style->setName(key.c_str());
+        }
+        dict->setIdAt(key.c_str(), target);
+        giveOwner(db, target, dict->objectId());
+    });
+}
+
 void resolveReferences(ReadContext& context)
 {
     noteKeptOwners(context);
     separateNamedRunRecords(context);
+    linkDictionaryEntries(context);
     KxDbDatabase& db = context.db;
-    for (const ReadContext::DictionaryEntry& entry : context.dictionaryEntries) {
-        const KxDbObjectId target = db.objectIdFromHandle(entry.handle);
-        auto* dict = KxDbDictionary::cast(db.peekObject(entry.dictionary));
-        KxDbObject* obj = db.peekObject(target);
-        if (!obj)
-            throw DxfError(entry.line, "the dictionary entry \"" + utf8FromWide(entry.name) + "\" points to handle "
-                                           + handleText(entry.handle) + ", which no object has.");
-        auto* style = KxDbMlineStyle::cast(obj);
-        if (dict->handle() == context.mlineStyleDictionaryHandle && !style)
-            throw DxfError(entry.line, "the multiline style \"" + utf8FromWide(entry.name) + "\" points to handle "
-                                           + handleText(entry.handle) + ", which is no multiline style.");
-        // Keys are the same without regard to case here: a second spelling
-        // of a key would take the first one's place and drop its object.
-        std::wstring key = entry.name;
-        if (KxDbObjectId taken; dict->getAt(key.c_str(), taken) == Kald::eOk && taken != target) {
-            key = freeKey(*dict, entry.name);
-            context.repairs.push_back("line " + std::to_string(entry.line) + ": the dictionary entry \""
-                                      + utf8FromWide(entry.name) + "\" repeats a name of the dictionary "
-                                      + "(case aside); it is kept as \"" + utf8FromWide(key) + "\".");
-            if (style && kaldo::sameName(style->name(), entry.name))
-                style->setName(key.c_str());
-        }
-        KxDbObjectId id;
-        dict->setAt(key.c_str(), obj, id);
-    }
+    kaldo::UnopenedRecords& unopened = db.unopenedRecords();
     for (const ReadContext::OwnerReference& ref : context.ownerReferences) {
         const KxDbObjectId owner = db.objectIdFromHandle(ref.owner);
-        // An object kept unopened keeps its owner with its record.
-        if (owner.isNull() || db.unopenedRecords().setOwner(ref.object, owner))
+        if (owner.isNull())
+            continue;
+        // An object kept unopened keeps its owner with its record; one a
+        // dictionary owns keeps the dictionary, as one opened does.
+        if (const auto kept = unopened.kept(ref.object);
+            kept && (!kept->owner.isNull() || unopened.setOwner(ref.object, owner)))
             continue;
         KxDbObject* obj = db.peekObject(ref.object);
         if (obj && obj->ownerId().isNull())

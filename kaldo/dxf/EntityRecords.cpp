@@ -631,8 +631,7 @@ void separateNamedRunRecords(ReadContext& context)
         if (context.runRecordHandles.contains(handle))
             named.push_back(handle);
     };
-    for (const ReadContext::DictionaryEntry& entry : context.dictionaryEntries)
-        note(entry.handle);
+    context.dictionaryEntries.forEach([&](const PendingDictionaryEntries::Entry& entry) { note(entry.handle); });
     for (const ReadContext::OwnerReference& reference : context.ownerReferences)
         note(reference.owner);
     if (named.empty())

@@ -1,6 +1,7 @@
 #include "kaldo/dxf/ObjectRecords.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/RecordRun.h"
 #include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/DxfError.h"
@@ -40,17 +41,29 @@ void readDictionary(const Record& record, ReadContext& context, bool isRoot)
 {
     auto dict = std::make_unique<KxDbDictionary>();
     RecordBasics basics;
-    std::vector<ReadContext::DictionaryEntry> entries;
+    PendingDictionaryEntries& entries = context.dictionaryEntries;
+    entries.startDictionary();
+    // The entry read last, added once its handle is read or another entry
+    // starts.
+    std::string name;
+    std::uint64_t handle = 0;
+    long line = 0;
+    bool named = false;
     walkRecord(record, basics, [&](const Group& g) {
         switch (g.code) {
         case 3:
-            entries.push_back({{}, wideFromUtf8(g.value), 0, g.line});
+            if (named)
+                entries.add(name, handle, line);
+            name.assign(g.value);
+            handle = 0;
+            line = g.line;
+            named = true;
             return true;
         case 350:
         case 360:
-            if (entries.empty() || entries.back().handle != 0)
+            if (!named || handle != 0)
                 throw DxfError(g.line, "a dictionary entry without its name (group 3).");
-            entries.back().handle = toHandle(g);
+            handle = toHandle(g);
             if (g.code == 360)
                 dict->setTreatElementsAsHard(true);
             return true;
@@ -58,16 +71,20 @@ void readDictionary(const Record& record, ReadContext& context, bool isRoot)
             return false;
         }
     });
+    if (named)
+        entries.add(name, handle, line);
     KxDbDictionary* added = dict.release();
     const KxDbObjectId id = context.add(added, basics);
-    for (ReadContext::DictionaryEntry& entry : entries) {
-        if (entry.handle == 0)
-            throw DxfError(entry.line, "the dictionary entry \"" + utf8FromWide(entry.name) + "\" has no handle.");
-        entry.dictionary = id;
-        if (isRoot && kaldo::sameName(entry.name, kxdbMlineStyleDictionaryName))
-            context.mlineStyleDictionaryHandle = entry.handle;
-        context.dictionaryEntries.push_back(std::move(entry));
-    }
+    entries.finishDictionary(id);
+    entries.forEach(
+        [&](const PendingDictionaryEntries::Entry& entry) {
+            if (entry.handle == 0)
+                throw DxfError(entry.line, "the dictionary entry \"" + utf8FromWide(wideFromUtf8(entry.name))
+                                                 + "\" has no handle.");
+            if (isRoot && kaldo::sameName(wideFromUtf8(entry.name), kxdbMlineStyleDictionaryName))
+                context.mlineStyleDictionaryHandle = entry.handle;
+        },
+        true);
     if (isRoot)
         context.roots.namedObjects = id;
 }
@@ -270,7 +287,9 @@ void writeDictionary(GroupWriter& w, const KxDbDatabase& db, const KxDbDictionar
     for (auto it = dict.newIterator(); !it->done(); it->next()) {
         // The reader refuses an entry of the style dictionary that names
         // something else: such a drawing is not saved either.
-        if (styles && !KxDbMlineStyle::cast(db.peekObject(it->objectId())))
+        // Asked of the registry: saving opens no style kept unopened.
+        if (const KxRxClass* cls = kaldo::registeredClass(it->objectId());
+            styles && !(cls && cls->isDerivedFrom(KxDbMlineStyle::desc())))
             throw DxfError(0, "the multiline style dictionary's entry \"" + utf8FromWide(it->name())
                                   + "\" names no multiline style.");
         w.wide(3, it->name());

@@ -15,6 +15,7 @@
 #include "kaldo/dxf/KeptMlines.h"
 #include "kaldo/dxf/KeptSections.h"
 #include "kaldo/dxf/MlineRecord.h"
+#include "kaldo/dxf/PendingDictionaryEntries.h"
 #include "kaldo/dxf/Record.h"
 #include "kxdbdatabase.h"
 #include "kxdbmline.h"
@@ -46,13 +47,7 @@ struct ReadContext {
     std::vector<StyleReference> styleReferences;
     // The multilines kept unopened, with what the check found.
     KeptMlines keptMlines;
-    struct DictionaryEntry {
-        KxDbObjectId dictionary;
-        std::wstring name;
-        std::uint64_t handle;
-        long line;
-    };
-    std::vector<DictionaryEntry> dictionaryEntries;
+    PendingDictionaryEntries dictionaryEntries;
     // Styles whose elements the file lists in another order than by offset,
     // or more of them than a style holds: how many the file lists and, for
     // each element kept in file order, its place in the style. The lists of

@@ -4,19 +4,25 @@
 // and iterators skip them, and setAt may reuse their key.
 #pragma once
 
-#include <map>
+#include <cstddef>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "kxdbobject.h"
 
 class KxDbDictionaryIterator;
 
+namespace kaldo {
+class DictionaryEntries;
+}
+
 class KxDbDictionary : public KxDbObject {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbDictionary)
+
+    KxDbDictionary();
+    ~KxDbDictionary() override;
 
     Kald::ErrorStatus getAt(const wchar_t* name, KxDbObjectId& id) const;
     // Opens the entry's object (closing is the caller's).
@@ -29,6 +35,11 @@ public:
     // database (which must exist). An entry of the same name (any case) is
     // replaced; its old object is erased. The key takes this spelling.
     Kald::ErrorStatus setAt(const wchar_t* name, KxDbObject* obj, KxDbObjectId& id);
+    // Puts the object id names (of this dictionary's database) under name
+    // without opening it, for a reader linking records it keeps unopened:
+    // as setAt, but eDuplicateKey when the name's entry holds another live
+    // object, and the object's owner is left to the caller.
+    Kald::ErrorStatus setIdAt(const wchar_t* name, KxDbObjectId id);
     // Removes the entry; the object stays in the database, without owner.
     Kald::ErrorStatus remove(const wchar_t* name);
     Kald::ErrorStatus remove(const wchar_t* name, KxDbObjectId& id);
@@ -52,31 +63,13 @@ public:
     std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
 
 private:
-    struct Entry {
-        std::wstring name;  // as spelled
-        KxDbObjectId id;
-    };
-    const Entry* find(const wchar_t* name) const;
-    const Entry* find(KxDbObjectId id) const;
-
-    // Puts an entry under key, replacing the key's old entry and the
-    // object's entry under another key.
-    void putEntry(const std::wstring& key, Entry entry);
-    void eraseEntry(const std::wstring& key);
-
-    std::map<std::wstring, Entry> m_entries;  // key: name folded to upper case
-    std::unordered_map<KxDbObjectId, std::wstring> m_keys;  // each entry's key by its object
+    // The entries, names stored once (kaldo/db/DictionaryEntries.h).
+    std::unique_ptr<kaldo::DictionaryEntries> m_entries;
     bool m_hardOwner = false;
 };
 
 class KxDbDictionaryIterator {
 public:
-    struct Item {
-        std::wstring name;
-        KxDbObjectId id;
-    };
-    explicit KxDbDictionaryIterator(std::vector<Item> items);
-
     bool done() const;
     bool next();
     const wchar_t* name() const;
@@ -84,8 +77,16 @@ public:
     Kald::ErrorStatus getObject(KxDbObject*& obj, int mode) const;
 
 private:
+    friend class KxDbDictionary;
+    // The entries as they were when the iterator was made, in key order:
+    // their objects, and their names packed one after another.
+    KxDbDictionaryIterator(std::vector<KxDbObjectId> ids, std::string names, std::vector<std::size_t> nameEnds);
+    // Steps past erased entries and unpacks the name of the one reached.
     void skipErased();
 
-    std::vector<Item> m_items;
+    std::vector<KxDbObjectId> m_ids;
+    std::string m_names;
+    std::vector<std::size_t> m_nameEnds;
     std::size_t m_pos = 0;
+    std::wstring m_name;
 };

@@ -72,6 +72,19 @@ std::string kindsWithHandles(int count, HandleOf handleOf, const std::string& ki
     return records;
 }
 
+// make(n) for the numbers from 0 below count, in hexadecimal.
+template <class Make>
+std::string numbered(int count, const Make& make)
+{
+    std::string text;
+    char number[24];
+    for (int i = 0; i < count; ++i) {
+        std::snprintf(number, sizeof number, "%X", i);
+        text += make(std::string(number));
+    }
+    return text;
+}
+
 }  // namespace
 
 TEST(DxfMemoryBound, CountsThatPromiseMoreThanFollowsAreRefused)
@@ -195,6 +208,37 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
                           smallDrawing("", root + kindsWithHandles(kRecords, [](int i) { return i; }, kind)), 4});
         inputs.push_back({std::string(kind) + " owned", smallDrawing("", root + owned + "0\nDICTIONARY\n5\nD\n"), 4});
     }
+    // A dictionary of many entries keeps each name once, packed, found
+    // through hash indexes that hold no names; the entries read wait packed
+    // for the whole file, and are linked to the records they name without
+    // opening them (13 to 16 times the file with maps of keys and names,
+    // the entries waiting as strings and every record named opened). The
+    // entries of a dictionary that names nothing wait as well before the
+    // file is refused.
+    {
+        constexpr int kEntries = 20000;
+        const std::string root = "0\nDICTIONARY\n5\nC\n";
+        const std::string entries =
+            numbered(kEntries, [](const std::string& n) { return "3\n" + n + "\n350\n1" + n + "\n"; });
+        const auto records = [&](const std::string& kind, const std::string& groups) {
+            return numbered(kEntries, [&](const std::string& n) { return "0\n" + kind + "\n5\n1" + n + "\n" + groups; });
+        };
+        inputs.push_back({"a dictionary of one entry again and again",
+                          smallDrawing("", root + repeated("3\nA\n350\n100\n", kEntries) + "0\nLAYOUT\n5\n100\n"), 4});
+        inputs.push_back({"a dictionary of layouts", smallDrawing("", root + entries + records("LAYOUT", "")), 4});
+        inputs.push_back(
+            {"a dictionary of layouts it owns", smallDrawing("", root + entries + records("LAYOUT", "330\nC\n")), 4});
+        inputs.push_back({"a dictionary of records", smallDrawing("", root + entries + records("XRECORD", "")), 4});
+        inputs.push_back({"a dictionary of nothing", smallDrawing("", root + entries), 4});
+        inputs.push_back(
+            {"a dictionary of multiline styles",
+             smallDrawing("", root + "3\nACAD_MLINESTYLE\n350\nD\n0\nDICTIONARY\n5\nD\n" + entries
+                                  + numbered(kEntries,
+                                             [](const std::string& n) {
+                                                 return "0\nMLINESTYLE\n5\n1" + n + "\n2\n" + n + "\n";
+                                             })),
+             4});
+    }
     // One record or section of many short groups or records: a polyline of
     // few bytes a vertex is checked and kept unopened without its vertices
     // (17 and 11 times, bulges, with a vertex of 40 bytes while read), one
@@ -253,15 +297,6 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         // (12 to 20 times the file as objects in a map of names); tables
         // kept whole lie in one list (11 times as an entry each of a list of
         // tables, a list of names and a set of names).
-        const auto numbered = [](int count, const auto& make) {
-            std::string text;
-            char number[24];
-            for (int i = 0; i < count; ++i) {
-                std::snprintf(number, sizeof number, "%X", i);
-                text += make(std::string(number));
-            }
-            return text;
-        };
         for (const std::string kind : {"LAYER", "LTYPE"}) {
             const auto table = [&](const auto& record) {
                 return section("TABLES", "0\nTABLE\n2\n" + kind + "\n" + numbered(50000, record) + "0\nENDTAB\n");
