@@ -147,7 +147,7 @@ void RunMap::cutFromRun(std::vector<Run>::iterator run, std::uint64_t key)
 
 std::uint64_t RunMap::findInSlots(std::uint64_t key) const
 {
-    if (m_slots.empty())
+    if (m_slots.empty() || key > m_slotKeysUpTo)
         return 0;
     const std::size_t farthest = m_mixed ? m_slots.size() : m_farthest;
     std::size_t slot = home(key);
@@ -179,6 +179,7 @@ void RunMap::insertInSlots(std::uint64_t key, std::uint64_t value)
         return;
     }
     m_farthest = std::max(m_farthest, distance);
+    m_slotKeysUpTo = std::max(m_slotKeysUpTo, key);
     if (m_slots[slot].key == 0)
         ++m_used;
     m_slots[slot] = Slot{key, value};
@@ -186,7 +187,7 @@ void RunMap::insertInSlots(std::uint64_t key, std::uint64_t value)
 
 bool RunMap::eraseFromSlots(std::uint64_t key)
 {
-    if (m_slots.empty())
+    if (m_slots.empty() || key > m_slotKeysUpTo)
         return false;
     std::size_t hole = home(key);
     while (m_slots[hole].key != key) {
@@ -215,6 +216,7 @@ void RunMap::rebuild(std::size_t size, bool mixed)
     m_used = 0;
     m_mixed = mixed;
     m_farthest = 0;
+    m_slotKeysUpTo = 0;
     for (const Slot& s : old)
         if (s.key != 0)
             insertInSlots(s.key, s.value);

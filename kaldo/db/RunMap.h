@@ -87,6 +87,10 @@ private:
     // Unmixed, the farthest any key lies from its home: a search that
     // goes farther finds nothing.
     std::size_t m_farthest = 0;
+    // No key in the slots is greater (keys erased may have been): a file's
+    // keys mostly come in rising order, above every slot, and are not
+    // searched for there.
+    std::uint64_t m_slotKeysUpTo = 0;
 };
 
 }  // namespace kaldo
