@@ -22,6 +22,7 @@
 #include <memory>
 #include <numbers>
 #include <optional>
+#include <variant>
 #include <vector>
 
 namespace kaldo::dxf {
@@ -103,60 +104,124 @@ KxGeVector3d asVector(const KxGePoint3d& p)
     return {p.x, p.y, p.z};
 }
 
-KxDbEntity* readLine(const Record& record, RecordBasics& basics, EntityLook& look)
+// Whether a normal gives no direction: the entities refuse it.
+bool isNullNormal(const KxGePoint3d& normal)
 {
-    auto line = std::make_unique<KxDbLine>();
+    return asVector(normal).length() <= kxGeTolerance;
+}
+
+// The entities below are read into what makes them, checked, and made
+// apart: records are read on the reading thread and the objects made on
+// the building thread, so that the drawing's memory comes from that
+// thread's heap (the reading thread's grew a page at a time, a system call
+// each) and a record kept unopened makes no object.
+struct LineShape {
     KxGePoint3d start, end, normal{0, 0, 1};
+};
+
+LineShape readLine(const Record& record, RecordBasics& basics, EntityLook& look)
+{
+    LineShape shape;
     walkRecord(record, basics, [&](const Group& g) {
         if (isCoordinate(g.code, 10))
-            takeCoordinate(g, 10, start);
+            takeCoordinate(g, 10, shape.start);
         else if (isCoordinate(g.code, 11))
-            takeCoordinate(g, 11, end);
+            takeCoordinate(g, 11, shape.end);
         else if (isCoordinate(g.code, 210))
-            takeCoordinate(g, 210, normal);
+            takeCoordinate(g, 210, shape.normal);
         else
             return look.take(g);
         return true;
     });
-    line->setStartPoint(start);
-    line->setEndPoint(end);
-    if (line->setNormal(asVector(normal)) != Kald::eOk)
+    if (isNullNormal(shape.normal))
         throw DxfError(record.line(), "the line has a null normal.");
+    return shape;
+}
+
+KxDbEntity* makeLine(const LineShape& shape)
+{
+    auto line = std::make_unique<KxDbLine>();
+    line->setStartPoint(shape.start);
+    line->setEndPoint(shape.end);
+    line->setNormal(asVector(shape.normal));
     return line.release();
 }
 
-KxDbEntity* readCircleOrArc(const Record& record, RecordBasics& basics, EntityLook& look, bool isArc)
-{
+struct CircleShape {
     KxGePoint3d center, normal{0, 0, 1};
     double radius = 0, startAngle = 0, endAngle = 0;
+    bool isArc = false;
+};
+
+CircleShape readCircleOrArc(const Record& record, RecordBasics& basics, EntityLook& look, bool isArc)
+{
+    CircleShape shape;
+    shape.isArc = isArc;
     walkRecord(record, basics, [&](const Group& g) {
         if (isCoordinate(g.code, 10))
-            takeCoordinate(g, 10, center);
+            takeCoordinate(g, 10, shape.center);
         else if (isCoordinate(g.code, 210))
-            takeCoordinate(g, 210, normal);
+            takeCoordinate(g, 210, shape.normal);
         else if (g.code == 40)
-            radius = toReal(g);
+            shape.radius = toReal(g);
         else if (isArc && g.code == 50)
-            startAngle = toReal(g) * (std::numbers::pi / 180.0);
+            shape.startAngle = toReal(g) * (std::numbers::pi / 180.0);
         else if (isArc && g.code == 51)
-            endAngle = toReal(g) * (std::numbers::pi / 180.0);
+            shape.endAngle = toReal(g) * (std::numbers::pi / 180.0);
         else
             return look.take(g);
         return true;
     });
-    if (!(radius >= 0) || asVector(normal).length() <= kxGeTolerance)
+    if (!(shape.radius >= 0) || isNullNormal(shape.normal))
         throw DxfError(record.line(), "the " + record.kind() + " has a negative radius or a null normal.");
-    if (isArc)
-        return new KxDbArc(center, asVector(normal), radius, startAngle, endAngle);
-    auto circle = std::make_unique<KxDbCircle>(center, radius);
-    circle->setNormal(asVector(normal));
+    return shape;
+}
+
+KxDbEntity* makeCircleOrArc(const CircleShape& shape)
+{
+    if (shape.isArc)
+        return new KxDbArc(shape.center, asVector(shape.normal), shape.radius, shape.startAngle, shape.endAngle);
+    auto circle = std::make_unique<KxDbCircle>(shape.center, shape.radius);
+    circle->setNormal(asVector(shape.normal));
     return circle.release();
+}
+
+// What a polyline's record gives beside its vertices.
+struct PolylineHead {
+    bool closed = false;
+    bool plinegen = false;
+    std::optional<double> constantWidth, elevation, thickness;
+    KxGePoint3d normal{0, 0, 1};
+    // What the vertices read into room or counted take in the polyline.
+    std::size_t vertexBytes = 0;
+};
+
+void applyHead(KxDbPolyline& pline, const PolylineHead& head)
+{
+    pline.setClosed(head.closed);
+    pline.setPlinegen(head.plinegen);
+    if (head.constantWidth)
+        pline.setConstantWidth(*head.constantWidth);
+    if (head.elevation)
+        pline.setElevation(*head.elevation);
+    if (head.thickness)
+        pline.setThickness(*head.thickness);
+    pline.setNormal(asVector(head.normal));
+}
+
+KxDbEntity* makePolyline(const PolylineHead& head, const std::vector<KxDbPolyline::Vertex>& vertices)
+{
+    auto pline = std::make_unique<KxDbPolyline>();
+    applyHead(*pline, head);
+    pline->setVertices(vertices);
+    return pline.release();
 }
 
 // The vertices of a polyline's record: read into room (reused from record
 // to record), straight into the polyline with room for straight of them
-// made first, or, with neither, only counted, with whether any has a width
-// or a bulge (so that what they would take as an object is known).
+// made first, or, with neither, only counted; read into room or counted,
+// with whether any has a width or a bulge (so that what they take as an
+// object is known).
 struct PolylineVertices {
     std::vector<KxDbPolyline::Vertex>* room = nullptr;
     std::optional<std::uint32_t> straight;
@@ -167,9 +232,13 @@ struct PolylineVertices {
     std::size_t objectBytes() const { return count * (shaped ? 5 : 2) * sizeof(double); }
 };
 
-KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook& look, PolylineVertices& vertices)
+// Reads a polyline's head and vertices; returns the polyline when its
+// vertices are read straight into it, else null (makePolyline makes one
+// read into room).
+KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook& look, PolylineVertices& vertices,
+                         PolylineHead& head)
 {
-    auto pline = std::make_unique<KxDbPolyline>();
+    std::unique_ptr<KxDbPolyline> pline;
     std::vector<KxDbPolyline::Vertex>* const room = vertices.room;
     if (room)
         room->clear();
@@ -177,13 +246,15 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
     // vertex and at the end.
     KxDbPolyline::Vertex pending;
     KxDbPolyline::Vertex* const straight = vertices.straight ? &pending : nullptr;
-    if (straight)
+    if (straight) {
+        pline = std::make_unique<KxDbPolyline>();
         pline->reserve(*vertices.straight);
+    }
     const auto addPending = [&] {
         if (straight && vertices.count > 0)
             pline->addVertexAt(pending);
     };
-    KxGePoint3d normal{0, 0, 1};
+    head = {};
     long count = -1;
     walkRecord(record, basics, [&](const Group& g) {
         switch (g.code) {
@@ -196,18 +267,18 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
             return true;
         case 70: {
             const auto flags = toInteger(g);
-            pline->setClosed(flags & 1);
-            pline->setPlinegen(flags & 128);
+            head.closed = flags & 1;
+            head.plinegen = flags & 128;
             return true;
         }
         case 43:
-            pline->setConstantWidth(toReal(g));
+            head.constantWidth = toReal(g);
             return true;
         case 38:
-            pline->setElevation(toReal(g));
+            head.elevation = toReal(g);
             return true;
         case 39:
-            pline->setThickness(toReal(g));
+            head.thickness = toReal(g);
             return true;
         case 10: {
             const double x = toReal(g);
@@ -232,13 +303,13 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
                 (g.code == 20 ? vertex->y
                               : g.code == 40 ? vertex->startWidth : g.code == 41 ? vertex->endWidth : vertex->bulge) =
                     value;
-            else if (g.code != 20 && value != 0)
+            if (g.code != 20 && value != 0)
                 vertices.shaped = true;
             return true;
         }
         default:
             if (isCoordinate(g.code, 210)) {
-                takeCoordinate(g, 210, normal);
+                takeCoordinate(g, 210, head.normal);
                 return true;
             }
             return look.take(g);
@@ -248,10 +319,17 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
     if (count >= 0 && std::size_t(count) != vertices.count)
         throw DxfError(record.line(), "the polyline announces " + std::to_string(count) + " vertices but has "
                                           + std::to_string(vertices.count) + ".");
-    if (pline->setNormal(asVector(normal)) != Kald::eOk)
+    if (isNullNormal(head.normal))
         throw DxfError(record.line(), "the polyline has a null normal.");
-    if (room)
-        pline->setVertices(*room);
+    // Widths and bulges read into room count where they stayed nonzero.
+    if (room && vertices.shaped)
+        vertices.shaped = std::any_of(room->begin(), room->end(), [](const KxDbPolyline::Vertex& v) {
+            return v.startWidth != 0 || v.endWidth != 0 || v.bulge != 0;
+        });
+    head.vertexBytes = vertices.objectBytes();
+    if (!pline)
+        return nullptr;
+    applyHead(*pline, head);
     return pline.release();
 }
 
@@ -284,18 +362,48 @@ KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, Rec
 }
 
 // An entity of the kinds readEntityAhead takes apart, as far as that
-// goes without the drawing: the entity, its basics and its look, or what
-// refused the record.
+// goes without the drawing: what makes the entity (a polyline's vertices
+// in vertices) or, for a polyline read straight into it, the entity; its
+// basics and its look; or what refused the record.
 struct EntityParts : RecordAhead {
+    std::variant<std::monostate, LineShape, CircleShape, PolylineHead> unmade;
     std::unique_ptr<KxDbEntity> entity;
     RecordBasics basics;
     EntityLook look;
     std::exception_ptr error;
     std::vector<KxDbPolyline::Vertex> vertices;
     // A polyline checked and counted, its vertices not read (it is to be
-    // kept unopened): what they would take as an object.
-    std::optional<std::size_t> unreadVertexBytes;
+    // kept unopened).
+    bool verticesUnread = false;
 };
+
+// The class of the entity the parts make, made or not; null for a record
+// kept whole.
+const KxRxClass* entityClass(const EntityParts& parts)
+{
+    if (parts.entity)
+        return parts.entity->isA();
+    if (std::holds_alternative<LineShape>(parts.unmade))
+        return KxDbLine::desc();
+    if (const auto* circle = std::get_if<CircleShape>(&parts.unmade))
+        return circle->isArc ? KxDbArc::desc() : KxDbCircle::desc();
+    if (std::holds_alternative<PolylineHead>(parts.unmade))
+        return KxDbPolyline::desc();
+    return nullptr;
+}
+
+// Makes the entity of parts not made yet (none for a polyline whose
+// vertices were not read), on the calling thread.
+void makeEntity(EntityParts& parts)
+{
+    if (const auto* line = std::get_if<LineShape>(&parts.unmade))
+        parts.entity.reset(makeLine(*line));
+    else if (const auto* circle = std::get_if<CircleShape>(&parts.unmade))
+        parts.entity.reset(makeCircleOrArc(*circle));
+    else if (const auto* head = std::get_if<PolylineHead>(&parts.unmade); head && !parts.verticesUnread)
+        parts.entity.reset(makePolyline(*head, parts.vertices));
+    parts.unmade = {};
+}
 
 // Records of more groups than this, whose vertices might take more than
 // twice their groups as an object, are checked and their vertices counted
@@ -322,19 +430,22 @@ PolylineVertices mostVertices(const Record& record)
 // beside it.
 void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst)
 {
+    PolylineHead head;
     if (record.size() <= kCountedFirst) {
         PolylineVertices read;
         read.room = &parts.vertices;
-        parts.entity.reset(readPolyline(record, parts.basics, parts.look, read));
+        readPolyline(record, parts.basics, parts.look, read, head);
+        parts.unmade = head;
         return;
     }
     const PolylineVertices most = mostVertices(record);
     const std::size_t bytes = record.packedGroups().bytes().size();
     if (countFirst && 2 * bytes < sizeof(KxDbPolyline) + most.objectBytes()) {
         PolylineVertices counted;
-        parts.entity.reset(readPolyline(record, parts.basics, parts.look, counted));
+        readPolyline(record, parts.basics, parts.look, counted, head);
         if (2 * bytes < sizeof(KxDbPolyline) + counted.objectBytes()) {
-            parts.unreadVertexBytes = counted.objectBytes();
+            parts.unmade = head;
+            parts.verticesUnread = true;
             return;
         }
         parts.basics = {};
@@ -342,7 +453,7 @@ void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst
     }
     PolylineVertices read;
     read.straight = std::uint32_t(most.count);
-    parts.entity.reset(readPolyline(record, parts.basics, parts.look, read));
+    parts.entity.reset(readPolyline(record, parts.basics, parts.look, read, head));
 }
 
 // Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart into parts; no
@@ -351,16 +462,17 @@ void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst
 // polyline to be kept unopened go without its vertices.
 void takeApart(const Record& record, EntityParts& parts, bool countFirst = true)
 {
+    parts.unmade = {};
     parts.entity.reset();
     parts.basics = {};
     parts.look = {};
     parts.error = nullptr;
-    parts.unreadVertexBytes.reset();
+    parts.verticesUnread = false;
     const std::string& kind = record.kind();
     if (kind == "LINE") {
-        parts.entity.reset(readLine(record, parts.basics, parts.look));
+        parts.unmade = readLine(record, parts.basics, parts.look);
     } else if (kind == "ARC" || kind == "CIRCLE") {
-        parts.entity.reset(readCircleOrArc(record, parts.basics, parts.look, kind == "ARC"));
+        parts.unmade = readCircleOrArc(record, parts.basics, parts.look, kind == "ARC");
     } else if (kind == "LWPOLYLINE") {
         takePolylineApart(record, parts, countFirst);
     } else if (kind != "MLINE") {
@@ -380,14 +492,17 @@ void takeApart(const Record& record, EntityParts& parts, bool countFirst = true)
 // an unmodelled one holds the groups beside itself.
 std::size_t objectBytes(const EntityParts& parts, KxDbPackedGroupsView groups)
 {
-    if (!parts.entity)
+    const KxRxClass* const cls = entityClass(parts);
+    if (!cls)
         return sizeof(KxDbUnmodelledEntity) + groups.bytes().size();
-    const KxDbEntity& entity = *parts.entity;
-    if (const auto* pline = KxDbPolyline::cast(&entity))
-        return sizeof(KxDbPolyline) + parts.unreadVertexBytes.value_or(pline->vertexBytes());
-    if (KxDbArc::cast(&entity))
+    if (cls == KxDbPolyline::desc()) {
+        if (const auto* head = std::get_if<PolylineHead>(&parts.unmade))
+            return sizeof(KxDbPolyline) + head->vertexBytes;
+        return sizeof(KxDbPolyline) + KxDbPolyline::cast(parts.entity.get())->vertexBytes();
+    }
+    if (cls == KxDbArc::desc())
         return sizeof(KxDbArc);
-    if (KxDbCircle::cast(&entity))
+    if (cls == KxDbCircle::desc())
         return sizeof(KxDbCircle);
     return sizeof(KxDbLine);
 }
@@ -423,6 +538,7 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
         return makeUnopenedMline(record, look);
     EntityParts parts;
     takeApart(record, parts, false);
+    makeEntity(parts);
     if (!parts.entity) {
         // Its groups are kept whole, the names spelled otherwise too.
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(look.kind, groups);
@@ -462,7 +578,7 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
     parts.look.resolve(context, look);
     const KxDbObjectId owner = placeKeptBlock(look, block, block.isNull() ? blockOf(parts.basics, context) : block);
     return !context.db.unopenedRecords()
-                .keep(parts.entity ? parts.entity->isA() : KxDbUnmodelledEntity::desc(), look, groups,
+                .keep(entityClass(parts) ? entityClass(parts) : KxDbUnmodelledEntity::desc(), look, groups,
                       context.fileHandle(parts.basics.handle), false, owner)
                 .isNull();
 }
@@ -532,7 +648,7 @@ bool mayJoinRun(const Record& record, const RecordBasics& basics, const ReadCont
 bool mayJoinRun(const Record& record, const EntityParts& parts, const ReadContext& context)
 {
     const EntityLook& look = parts.look;
-    return !parts.entity && look.layer == "0" && look.linetype.empty() && look.colorIndex.empty()
+    return !entityClass(parts) && look.layer == "0" && look.linetype.empty() && look.colorIndex.empty()
            && look.color == KxCmColor() && mayJoinRun(record, parts.basics, context);
 }
 
@@ -672,6 +788,7 @@ void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot)
     try {
         takeApart(record, parts);
     } catch (...) {
+        parts.unmade = {};
         parts.entity.reset();
         parts.error = std::current_exception();
     }
@@ -710,6 +827,9 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     finishRecordRun(context);
     if (keepUnopened(record, *parts, context, block))
         return;
+    if (parts->verticesUnread)
+        takeApart(record, *parts, false);
+    makeEntity(*parts);
     if (!parts->entity) {
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
         RecordBasics lookKept;
@@ -717,8 +837,6 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         append(context, std::move(unmodelled), parts->basics, block, record.line());
         return;
     }
-    if (parts->unreadVertexBytes)
-        takeApart(record, *parts, false);
     parts->look.applyTo(*parts->entity, context, parts->basics);
     append(context, std::move(parts->entity), parts->basics, block, record.line());
 }

@@ -42,8 +42,10 @@ void separateNamedRunRecords(ReadContext& context);
 // cannot join one.
 bool gatherKeptObject(const Record& record, ReadContext& context);
 // Takes a LINE, ARC, CIRCLE or LWPOLYLINE record apart on the reading
-// thread (SectionRecords' ReadAhead): the new entity with its layer's and
-// linetype's names, for readEntity to add to the drawing.
+// thread (SectionRecords' ReadAhead): what makes the entity (made by
+// readEntity on the building thread, unless the record is kept unopened)
+// with its layer's and linetype's names, for readEntity to add to the
+// drawing.
 void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot);
 
 // Names of layers and linetypes as the writer needs them, looked up once.
