@@ -273,13 +273,16 @@ KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, Rec
                    KxDbObjectId block, long line)
 {
     const KxDbObjectId target = block.isNull() ? blockOf(basics, context) : block;
-    auto* space = KxDbBlockTableRecord::cast(context.db.peekObject(target));
-    if (!space)
+    if (!context.isBlock(target))
         throw DxfError(line, "the entity belongs to no block.");
     basics.owner = 0;
     KxDbEntity* owned = entity.release();
     context.add(owned, std::move(basics));
-    space->appendKxDbEntity(owned);
+    // A block kept unopened takes the entity without being opened.
+    if (context.db.unopenedRecords().appendEntity(target, owned->objectId()))
+        owned->setOwnerId(target);
+    else
+        KxDbBlockTableRecord::cast(context.db.peekObject(target))->appendKxDbEntity(owned);
     return owned;
 }
 

@@ -264,15 +264,6 @@ TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
     erasedDb.undoHistory().undo(1);
     EXPECT_EQ(toDxfText(erased), saved);
 
-    // Opened while the file is read (a line names it as its block), an
-    // object still takes the owner that follows it.
-    kaldo::dxf::DxfDrawing early = fromDxfText(
-        groupText({"0", "SECTION", "2", "OBJECTS", "0", "DICTIONARY", "5", "C", "0", "LAYOUT", "5", "60", "330", "1A",
-                   "0", "DICTIONARY", "5", "1A", "0", "ENDSEC", "0", "SECTION", "2", "ENTITIES", "0", "LINE", "330",
-                   "60", "0", "ENDSEC", "0", "EOF"}));
-    const KxDbObjectId earlyLayout = early.database->objectIdFromHandle(0x60);
-    EXPECT_FALSE(kaldo::isUnopened(earlyLayout));
-    EXPECT_EQ(early.database->peekObject(earlyLayout)->ownerId(), early.database->objectIdFromHandle(0x1A));
 }
 
 // Layers and linetypes of a few groups are kept as their records: their
