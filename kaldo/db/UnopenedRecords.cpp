@@ -53,12 +53,17 @@ std::size_t UnopenedRecords::LookHash::operator()(const Look& look) const
 KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups,
                                    std::uint64_t handle, bool lookLater, KxDbObjectId owner)
 {
-    KxDbObjectId block;
+    // A block kept unopened takes an entity without being opened.
+    KxDbObjectId unopenedBlock;
+    KxDbBlockTableRecord* block = nullptr;
     KxDbSymbolTable* table = nullptr;
     if (cls->isDerivedFrom(KxDbEntity::desc())) {
-        // A block kept unopened takes the entity without being opened.
-        block = look.ownerInRecord ? owner : look.owner;
-        if (!isBlockOf(block, m_db))
+        const KxDbObjectId owning = look.ownerInRecord ? owner : look.owner;
+        if (isUnopened(owning))
+            unopenedBlock = owning;
+        else
+            block = KxDbBlockTableRecord::cast(m_db.peekObject(owning));
+        if (!block && !isBlockOf(unopenedBlock, m_db))
             return {};
     } else if (cls->isDerivedFrom(KxDbSymbolTableRecord::desc())) {
         table = KxDbSymbolTable::cast(m_db.peekObject(look.owner));
@@ -85,8 +90,10 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
     m_ids.push_back(id);
     noteListed();
     m_db.m_handles->insert(handle, id);
-    if (!block.isNull() && !appendEntity(block, id))
-        KxDbBlockTableRecord::cast(m_db.peekObject(block))->m_entities.push_back(id);
+    if (!unopenedBlock.isNull() && !appendEntity(unopenedBlock, id))
+        block = KxDbBlockTableRecord::cast(m_db.peekObject(unopenedBlock));
+    if (block)
+        block->m_entities.push_back(id);
     if (table) {
         table->m_records->ids.push_back(id);
         table->m_records->index(id, TableRecords::nameOf(id));
