@@ -69,6 +69,8 @@ public:
     void beginStep(const std::wstring& name);
     void endStep();
 
+    // Whether a step is open and records.
+    bool recording() const { return m_depth > 0 && m_paused == 0; }
     // Recording, while a step is open (else they do nothing).
     void recordBefore(KxDbObject& obj);
     // obj was just added under handle.
@@ -160,7 +162,6 @@ private:
         std::size_t ownBytes() const;
     };
 
-    bool recording() const { return m_depth > 0 && m_paused == 0; }
     bool firstRecordOf(const KxDbObject& obj);
     // Records a multiline's vertex positions; false for other entities.
     bool recordPositions(const KxDbEntity& entity);

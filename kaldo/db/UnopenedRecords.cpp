@@ -21,6 +21,16 @@ namespace {
 // owner not known yet, with room for serials of 35 bits.
 constexpr int kLookLaterWidth = 5;
 constexpr int kOwnerLaterWidth = 5;
+// The room for a block's entities: how far past the block's serial the
+// first one's lies, and how many there are.
+constexpr int kEntitiesStartWidth = 5;
+constexpr int kEntitiesCountWidth = 4;
+
+bool isBlockOf(KxDbObjectId id, const KxDbDatabase& db)
+{
+    const KxRxClass* cls = registeredClass(id);
+    return cls && cls->isDerivedFrom(KxDbBlockTableRecord::desc()) && registeredDatabase(id) == &db;
+}
 
 }  // namespace
 
@@ -36,18 +46,24 @@ std::size_t UnopenedRecords::LookHash::operator()(const Look& look) const
     for (const KxDbObjectId id : {look.owner, look.layer, look.linetype, look.style})
         hash = hash * 31 + std::hash<std::uint64_t>()(id.asOldId());
     hash = hash * 31 + std::hash<Maker>()(look.maker);
-    return hash * 16 + (look.ownerInRecord ? 8 : 0) + (look.layerSpelledOtherwise ? 4 : 0)
-           + (look.linetypeSpelledOtherwise ? 2 : 0) + (look.layOut ? 1 : 0);
+    return hash * 32 + (look.holdsEntities ? 16 : 0) + (look.ownerInRecord ? 8 : 0)
+           + (look.layerSpelledOtherwise ? 4 : 0) + (look.linetypeSpelledOtherwise ? 2 : 0) + (look.layOut ? 1 : 0);
 }
 
 KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups,
                                    std::uint64_t handle, bool lookLater, KxDbObjectId owner)
 {
+    // A block kept unopened takes an entity without being opened.
+    KxDbObjectId unopenedBlock;
     KxDbBlockTableRecord* block = nullptr;
     KxDbSymbolTable* table = nullptr;
     if (cls->isDerivedFrom(KxDbEntity::desc())) {
-        block = KxDbBlockTableRecord::cast(m_db.peekObject(look.ownerInRecord ? owner : look.owner));
-        if (!block)
+        const KxDbObjectId owning = look.ownerInRecord ? owner : look.owner;
+        if (isUnopened(owning))
+            unopenedBlock = owning;
+        else
+            block = KxDbBlockTableRecord::cast(m_db.peekObject(owning));
+        if (!block && !isBlockOf(unopenedBlock, m_db))
             return {};
     } else if (cls->isDerivedFrom(KxDbSymbolTableRecord::desc())) {
         table = KxDbSymbolTable::cast(m_db.peekObject(look.owner));
@@ -60,16 +76,22 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
         return {};
     if (handle <= kxdbHighestHandle)
         m_db.m_header.handseed = std::max(m_db.m_header.handseed, handle + 1);
-    const std::uint64_t entry = m_records.size();
-    appendVarNumber(m_records, placeOf(look), lookLater ? kLookLaterWidth : 1);
+    std::string head;
+    appendVarNumber(head, placeOf(look), lookLater ? kLookLaterWidth : 1);
     if (look.ownerInRecord)
-        appendVarNumber(m_records, owner.asOldId(), owner.isNull() ? kOwnerLaterWidth : 1);
-    appendVarNumber(m_records, groups.bytes().size());
-    m_records.append(groups.bytes());
+        appendVarNumber(head, owner.asOldId(), owner.isNull() ? kOwnerLaterWidth : 1);
+    if (look.holdsEntities) {
+        appendVarNumber(head, 0, kEntitiesStartWidth);
+        appendVarNumber(head, 0, kEntitiesCountWidth);
+    }
+    appendVarNumber(head, groups.bytes().size());
+    const std::uint64_t entry = m_records.append(head, groups.bytes());
     const KxDbObjectId id = registerUnopened(cls, entry, &m_db);
     m_ids.push_back(id);
     noteListed();
     m_db.m_handles->insert(handle, id);
+    if (!unopenedBlock.isNull() && !appendEntity(unopenedBlock, id))
+        block = KxDbBlockTableRecord::cast(m_db.peekObject(unopenedBlock));
     if (block)
         block->m_entities.push_back(id);
     if (table) {
@@ -100,6 +122,42 @@ std::size_t UnopenedRecords::placeOf(const Look& look)
     return m_latestLook;
 }
 
+std::optional<std::uint64_t> UnopenedRecords::entitiesAt(std::uint64_t entry) const
+{
+    const char* const start = m_records.at(entry);
+    const char* at = start;
+    const Look& look = m_looks[std::size_t(takeVarNumber(at))];
+    if (!look.holdsEntities)
+        return std::nullopt;
+    if (look.ownerInRecord)
+        takeVarNumber(at);
+    return entry + std::uint64_t(at - start);
+}
+
+bool UnopenedRecords::appendEntity(KxDbObjectId block, KxDbObjectId entity)
+{
+    const std::optional<std::uint64_t> entry = unopenedEntry(block);
+    if (!entry || registeredDatabase(block) != &m_db || m_db.m_undo->recording())
+        return false;
+    const std::optional<std::uint64_t> roomAt = entitiesAt(*entry);
+    if (!roomAt)
+        return false;
+    const char* at = m_records.at(*roomAt);
+    std::uint64_t start = takeVarNumber(at);
+    const std::uint64_t count = takeVarNumber(at);
+    if (count == 0 && entity.asOldId() > block.asOldId())
+        start = entity.asOldId() - block.asOldId();
+    else if (count == 0 || entity.asOldId() != block.asOldId() + start + count)
+        return false;
+    std::string room;
+    appendVarNumber(room, start, kEntitiesStartWidth);
+    appendVarNumber(room, count + 1, kEntitiesCountWidth);
+    if (room.size() != std::size_t(kEntitiesStartWidth + kEntitiesCountWidth))
+        return false;
+    room.copy(m_records.at(*roomAt), room.size());
+    return true;
+}
+
 void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
 {
     const std::optional<std::uint64_t> entry = unopenedEntry(id);
@@ -107,7 +165,7 @@ void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
         return;
     std::string place;
     appendVarNumber(place, placeOf(look), kLookLaterWidth);
-    m_records.replace(*entry, place.size(), place);
+    place.copy(m_records.at(*entry), place.size());
 }
 
 bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
@@ -118,28 +176,29 @@ bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
     const KxRxClass* cls = registeredClass(id);
     if (!entry || cls->isDerivedFrom(KxDbEntity::desc()) || cls->isDerivedFrom(KxDbSymbolTableRecord::desc()))
         return false;
-    const char* at = m_records.data() + *entry;
+    char* const start = m_records.at(*entry);
+    const char* at = start;
     const Look& look = m_looks[std::size_t(takeVarNumber(at))];
     if (!look.ownerInRecord)
-        return setLookOwner(*entry, look, int(at - (m_records.data() + *entry)), owner);
+        return setLookOwner(start, look, int(at - start), owner);
     const char* ownerAt = at;
     takeVarNumber(at);
     std::string serial;
     appendVarNumber(serial, owner.asOldId(), int(at - ownerAt));
     if (serial.size() != std::size_t(at - ownerAt))
         return false;
-    m_records.replace(std::size_t(ownerAt - m_records.data()), serial.size(), serial);
+    serial.copy(start + (ownerAt - start), serial.size());
     return true;
 }
 
-bool UnopenedRecords::setLookOwner(std::uint64_t entry, Look look, int placeWidth, KxDbObjectId owner)
+bool UnopenedRecords::setLookOwner(char* record, Look look, int placeWidth, KxDbObjectId owner)
 {
     look.owner = owner;
     std::string place;
     appendVarNumber(place, placeOf(look), placeWidth);
     if (place.size() != std::size_t(placeWidth))
         return false;
-    m_records.replace(entry, place.size(), place);
+    place.copy(record, place.size());
     return true;
 }
 
@@ -181,9 +240,13 @@ void UnopenedRecords::forEachOwnerUnknown(const std::function<void(KxDbObjectId,
 
 UnopenedRecords::Kept UnopenedRecords::keptAt(std::uint64_t entry) const
 {
-    const char* at = m_records.data() + entry;
+    const char* at = m_records.at(entry);
     const Look& look = m_looks[std::size_t(takeVarNumber(at))];
     const KxDbObjectId owner = look.ownerInRecord ? KxDbObjectId::fromOldId(takeVarNumber(at)) : look.owner;
+    if (look.holdsEntities) {
+        takeVarNumber(at);
+        takeVarNumber(at);
+    }
     const std::size_t length = std::size_t(takeVarNumber(at));
     return Kept{&look, owner, KxDbPackedGroupsView(std::string_view(at, length))};
 }
@@ -217,6 +280,14 @@ std::unique_ptr<KxDbObject> UnopenedRecords::makeFrom(KxDbObjectId id, std::uint
     // out of the list opens it.
     if (auto* tableRecord = KxDbSymbolTableRecord::cast(object.get()))
         tableRecord->m_table = record.owner;
+    if (const std::optional<std::uint64_t> roomAt = entitiesAt(entry)) {
+        const char* at = m_records.at(*roomAt);
+        const std::uint64_t first = id.asOldId() + takeVarNumber(at);
+        const std::uint64_t count = takeVarNumber(at);
+        auto& block = static_cast<KxDbBlockTableRecord&>(*object);
+        for (std::uint64_t serial = first; serial < first + count; ++serial)
+            block.m_entities.push_back(KxDbObjectId::fromOldId(serial));
+    }
     return object;
 }
 

@@ -7,7 +7,9 @@
 // its id names the record instead of an object and knows its class and
 // database, the handle table its handle. An entity's block lists its id;
 // a symbol table record's table lists it and reads its name from its one
-// group 2 (kaldo/db/TableRecords.h); an object is in no block. Whatever looks the id up (every open,
+// group 2 (kaldo/db/TableRecords.h); an object is in no block. A block's
+// record holds its entities beside its groups while they are one run of
+// consecutive ids (as a file's blocks give them), until it is opened. Whatever looks the id up (every open,
 // peekObject) gets an object made from the record by the reader's own
 // code, which the store holds from then on; making one changes nothing
 // else (no undo record, no change counted), so it is invisible. The
@@ -27,6 +29,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kaldo/db/ByteChunks.h"
 #include "kxdbid.h"
 #include "kxdbidruns.h"
 #include "kxdbunmodelled.h"
@@ -61,6 +64,8 @@ public:
         // in it rather than kept as listed.
         KxDbObjectId style;
         bool layOut = false;
+        // A block's record: room for its entities is kept with it.
+        bool holdsEntities = false;
         Maker maker = nullptr;
         friend bool operator==(const Look&, const Look&) = default;
     };
@@ -83,6 +88,11 @@ public:
     // setOwner), an entity's block then.
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
                       bool lookLater = false, KxDbObjectId owner = {});
+    // Appends entity (kept or added just now, while no undo step records)
+    // to block when block is a record kept unopened that holds its
+    // entities and entity follows them in one run; false, appending
+    // nothing, else (the block must be opened to take it).
+    bool appendEntity(KxDbObjectId block, KxDbObjectId entity);
     // Gives a record kept with lookLater, not opened yet, another look
     // (a multiline's style, found once the whole file is read).
     void setLook(KxDbObjectId id, const Look& look);
@@ -127,20 +137,25 @@ public:
 
 private:
     std::size_t placeOf(const Look& look);
-    // setOwner for a record whose look holds its owner, its look's place
-    // placeWidth bytes.
-    bool setLookOwner(std::uint64_t entry, Look look, int placeWidth, KxDbObjectId owner);
+    // setOwner for a record (its packed bytes at record) whose look holds
+    // its owner, its look's place placeWidth bytes.
+    bool setLookOwner(char* record, Look look, int placeWidth, KxDbObjectId owner);
     Kept keptAt(std::uint64_t entry) const;
+    // The place of the room for a block's entities in the entry, when its
+    // look holds them.
+    std::optional<std::uint64_t> entitiesAt(std::uint64_t entry) const;
     std::unique_ptr<KxDbObject> makeFrom(KxDbObjectId id, std::uint64_t entry) const;
     // Notes a record kept after the database's latest object.
     void noteListed();
 
     KxDbDatabase& m_db;
-    // Every record kept: the place of its look (a byte while below 128,
+    // Every record kept, in one chunk: the place of its look (a byte while below 128,
     // more as needed; always five when kept with lookLater), its owner's
     // serial so when the look keeps it there (five bytes while not known),
+    // a block's entities when the look holds them (how far the first one's
+    // serial lies past the block's and how many, in room of fixed width),
     // its groups' length so, then the groups.
-    std::string m_records;
+    ByteChunks m_records;
     std::vector<Look> m_looks;
     struct LookHash {
         std::size_t operator()(const Look& look) const;

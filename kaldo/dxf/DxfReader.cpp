@@ -77,10 +77,9 @@ KxDbObjectId blockRecordFor(const Record& record, const RecordBasics& basics, Re
     KxDbObjectId id;
     if (table->getAt(name.c_str(), id) == Kald::eOk)
         return id;
-    auto block = std::make_unique<KxDbBlockTableRecord>();
-    if (block->setName(name.c_str()) != Kald::eOk || table->add(block.get(), id) != Kald::eOk)
+    id = addNamedBlock(context, *table, name);
+    if (id.isNull())
         throw DxfError(record.line(), "a block whose name cannot be used.");
-    block.release()->close();
     if (kaldo::sameName(name, kxdbModelSpaceName))
         context.roots.modelSpace = id;
     else if (kaldo::sameName(name, kxdbPaperSpaceName))

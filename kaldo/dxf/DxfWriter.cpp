@@ -51,24 +51,33 @@ KxDbObjectId addBlockEnd(KxDbDatabase& db, const KxDbBlockTableRecord& block, bo
     return record->objectId();
 }
 
-std::vector<const KxDbBlockTableRecord*> blocksOf(const KxDbDatabase& db)
+std::vector<KxDbObjectId> blocksOf(const KxDbDatabase& db)
 {
-    std::vector<const KxDbBlockTableRecord*> blocks;
+    std::vector<KxDbObjectId> blocks;
     const auto* table = KxDbBlockTable::cast(db.peekObject(db.blockTableId()));
     for (auto it = table->newIterator(); !it->done(); it->step())
-        blocks.push_back(KxDbBlockTableRecord::cast(db.peekObject(it->getRecordId())));
+        blocks.push_back(it->getRecordId());
     return blocks;
+}
+
+// The block id names; one kept unopened is made for the moment, in aside.
+const KxDbBlockTableRecord* blockToWrite(const KxDbDatabase& db, KxDbObjectId id, std::unique_ptr<KxDbObject>& aside)
+{
+    aside = db.unopenedRecords().makeAside(id);
+    return KxDbBlockTableRecord::cast(aside ? aside.get() : db.peekObject(id));
 }
 
 // Every block gets BLOCK and ENDBLK records (new blocks have none yet).
 void addMissingBlockEnds(KxDbDatabase& db, KeptSections& kept)
 {
     const kaldo::UndoHistory::Pause notRecorded(db.undoHistory());
-    for (const KxDbBlockTableRecord* block : blocksOf(db)) {
-        if (kept.blockEnds.find(block->objectId()))
+    std::unique_ptr<KxDbObject> aside;
+    for (const KxDbObjectId id : blocksOf(db)) {
+        if (kept.blockEnds.find(id))
             continue;
-        const KxDbObjectId begin = addBlockEnd(db, *block, true);
-        kept.blockEnds.add(block->objectId(), {begin, addBlockEnd(db, *block, false)});
+        const KxDbBlockTableRecord& block = *blockToWrite(db, id, aside);
+        const KxDbObjectId begin = addBlockEnd(db, block, true);
+        kept.blockEnds.add(id, {begin, addBlockEnd(db, block, false)});
     }
     kept.blockEnds.settle();
 }
@@ -115,14 +124,14 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
         writeKeptSection(w, "CLASSES", kept.classes);
     writeTablesSection(w, db, kept);
 
-    const std::vector<const KxDbBlockTableRecord*> blocks = blocksOf(db);
     w.text(0, "SECTION");
     w.text(2, "BLOCKS");
-    for (const KxDbBlockTableRecord* block : blocks) {
-        const BlockEnds::Ends ends = *kept.blockEnds.find(block->objectId());
+    std::unique_ptr<KxDbObject> blockAside;
+    for (const KxDbObjectId id : blocksOf(db)) {
+        const BlockEnds::Ends ends = *kept.blockEnds.find(id);
         writeBlockEnd(w, db, ends.begin);
-        if (block->objectId() != db.modelSpaceId() && block->objectId() != db.paperSpaceId())
-            writeEntitiesOf(w, db, *block, names, meter);
+        if (id != db.modelSpaceId() && id != db.paperSpaceId())
+            writeEntitiesOf(w, db, *blockToWrite(db, id, blockAside), names, meter);
         writeBlockEnd(w, db, ends.end);
     }
     w.text(0, "ENDSEC");

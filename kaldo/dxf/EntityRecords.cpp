@@ -1,6 +1,7 @@
 #include "kaldo/dxf/EntityRecords.h"
 
 #include "kaldo/db/NameKey.h"
+#include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/RecordRun.h"
 #include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/DxfError.h"
@@ -351,12 +352,22 @@ KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, Rec
                    KxDbObjectId block, long line)
 {
     const KxDbObjectId target = block.isNull() ? blockOf(basics, context) : block;
-    auto* space = KxDbBlockTableRecord::cast(context.db.peekObject(target));
-    if (!space)
+    // A block kept unopened takes the entity without being opened; model
+    // and paper space never are.
+    const bool unopened =
+        target != context.roots.modelSpace && target != context.roots.paperSpace && kaldo::isUnopened(target);
+    auto* space = unopened ? nullptr : KxDbBlockTableRecord::cast(context.db.peekObject(target));
+    if (!space && !(unopened && context.isBlock(target)))
         throw DxfError(line, "the entity belongs to no block.");
     basics.owner = 0;
     KxDbEntity* owned = entity.release();
     context.add(owned, std::move(basics));
+    if (!space && context.db.unopenedRecords().appendEntity(target, owned->objectId())) {
+        owned->setOwnerId(target);
+        return owned;
+    }
+    if (!space)
+        space = KxDbBlockTableRecord::cast(context.db.peekObject(target));
     space->appendKxDbEntity(owned);
     return owned;
 }

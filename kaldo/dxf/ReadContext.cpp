@@ -1,5 +1,6 @@
 #include "kaldo/dxf/ReadContext.h"
 
+#include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/TableRecords.h"
 #include "kaldo/dxf/DefaultRecords.h"
 #include "kaldo/util/Utf8.h"
@@ -36,12 +37,18 @@ KxDbObjectId ReadContext::blockByHandle(std::uint64_t handle)
     if (handle == lastBlockHandle_ && handle != 0)
         return lastBlock_;
     const KxDbObjectId id = db.objectIdFromHandle(handle);
-    if (!KxDbBlockTableRecord::cast(db.peekObject(id)))
+    if (!isBlock(id))
         return {};
     // A handle names the same object as long as the drawing is read.
     lastBlockHandle_ = handle;
     lastBlock_ = id;
     return id;
+}
+
+bool ReadContext::isBlock(KxDbObjectId id) const
+{
+    const KxRxClass* cls = kaldo::registeredClass(id);
+    return cls && cls->isDerivedFrom(KxDbBlockTableRecord::desc()) && kaldo::registeredDatabase(id) == &db;
 }
 
 const ReadContext::Found* ReadContext::FoundNames::firstNamed(std::string_view name) const

@@ -127,6 +127,8 @@ struct ReadContext {
     // the same few blocks as their owners: the last block found is kept,
     // sparing a search of the handle table per entity.
     KxDbObjectId blockByHandle(std::uint64_t handle);
+    // Whether id names a block of the drawing, told without opening it.
+    bool isBlock(KxDbObjectId id) const;
 
 private:
     std::uint64_t lastBlockHandle_ = 0;

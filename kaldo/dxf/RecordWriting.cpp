@@ -1,6 +1,8 @@
 #include "kaldo/dxf/RecordWriting.h"
 
+#include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/PackedGroupValue.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
@@ -30,6 +32,9 @@ void refuseRecord(const KxDbObject& obj, const DxfError& error)
 
 std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 {
+    // A record kept unopened (an entity's block) is not opened for it.
+    if (kaldo::isUnopened(id))
+        return kaldo::registeredDatabase(id) == &db ? db.unopenedRecords().handleOf(id) : 0;
     const KxDbObject* obj = db.peekObject(id);
     return obj ? obj->handle() : 0;
 }

@@ -187,7 +187,30 @@ std::unique_ptr<KxDbLayerTableRecord> readLayerRecord(const Record& record, Reco
     return layer;
 }
 
-// Makes a linetype or layer kept unopened as the reader would have made it.
+// Reads a block record into a block, without its entities.
+std::unique_ptr<KxDbBlockTableRecord> readBlockRecordGroups(const Record& record, RecordBasics& basics)
+{
+    auto block = std::make_unique<KxDbBlockTableRecord>();
+    std::wstring name;
+    walkRecord(record, basics, [&](const Group& g) {
+        if (g.code != 2)
+            return false;
+        name = wideFromUtf8(g.value);
+        return true;
+    });
+    if (name.empty())
+        throw DxfError(record.line(), "a block record without a name.");
+    block->setName(name.c_str());
+    return block;
+}
+
+bool isLayoutBlockName(const std::wstring& name)
+{
+    return kaldo::sameName(name, kxdbModelSpaceName) || kaldo::sameName(name, kxdbPaperSpaceName);
+}
+
+// Makes a linetype, layer or block kept unopened as the reader would have
+// made it (a block's entities are the store's to give).
 std::unique_ptr<KxDbObject> makeUnopenedRecord(const kaldo::UnopenedRecords::Look& look, KxDbPackedGroupsView groups)
 {
     Record record;
@@ -199,6 +222,8 @@ std::unique_ptr<KxDbObject> makeUnopenedRecord(const kaldo::UnopenedRecords::Loo
         std::unique_ptr<KxDbLayerTableRecord> layer = readLayerRecord(record, basics, linetype);
         layer->setLinetypeObjectId(look.linetype);
         made = std::move(layer);
+    } else if (look.kind == "BLOCK_RECORD") {
+        made = readBlockRecordGroups(record, basics);
     } else {
         made = readLinetypeRecord(record, basics);
     }
@@ -206,8 +231,21 @@ std::unique_ptr<KxDbObject> makeUnopenedRecord(const kaldo::UnopenedRecords::Loo
     return made;
 }
 
-// Keeps the record of a linetype or layer (made, to be discarded) unopened
-// when its groups take less than half its object: records of a name and
+// The look of a record of table kept unopened: a block's holds its
+// entities.
+kaldo::UnopenedRecords::Look recordLook(const std::string& kind, const KxDbSymbolTable& table, KxDbObjectId linetype)
+{
+    kaldo::UnopenedRecords::Look look;
+    look.kind = kind;
+    look.owner = table.objectId();
+    look.linetype = linetype;
+    look.holdsEntities = kind == "BLOCK_RECORD";
+    look.maker = &makeUnopenedRecord;
+    return look;
+}
+
+// Keeps the record of a linetype, layer or block (made, to be discarded)
+// unopened when its groups take less than half its object: records of a name and
 // little else, where the object would cost many times the file. Only a
 // record that its table would list as read is kept so: its name new in the
 // table and given once (the table reads it from the record), and its owner
@@ -227,12 +265,8 @@ KxDbObjectId keepUnopened(const Record& record, const RecordBasics& basics, cons
     });
     if (names != 1 || given != made.name() || table.has(given.c_str()))
         return {};
-    kaldo::UnopenedRecords::Look look;
-    look.kind = record.kind();
-    look.owner = table.objectId();
-    look.linetype = linetype;
-    look.maker = &makeUnopenedRecord;
-    return context.db.unopenedRecords().keep(made.isA(), look, groups, context.fileHandle(basics.handle));
+    return context.db.unopenedRecords().keep(made.isA(), recordLook(record.kind(), table, linetype), groups,
+                                             context.fileHandle(basics.handle));
 }
 
 KxDbObjectId addRecord(std::unique_ptr<KxDbSymbolTableRecord> made, RecordBasics basics, ReadContext& context,
@@ -278,18 +312,13 @@ void readLayer(const Record& record, ReadContext& context, KxDbSymbolTable& tabl
 
 void readBlockRecord(const Record& record, ReadContext& context, KxDbSymbolTable& table)
 {
-    auto block = std::make_unique<KxDbBlockTableRecord>();
     RecordBasics basics;
-    std::wstring name;
-    walkRecord(record, basics, [&](const Group& g) {
-        if (g.code != 2)
-            return false;
-        name = wideFromUtf8(g.value);
-        return true;
-    });
-    if (name.empty())
-        throw DxfError(record.line(), "a block record without a name.");
-    block->setName(name.c_str());
+    std::unique_ptr<KxDbBlockTableRecord> block = readBlockRecordGroups(record, basics);
+    const std::wstring name = block->name();
+    // Model and paper space take the entities of the ENTITIES section, as
+    // objects.
+    if (!isLayoutBlockName(name) && !keepUnopened(record, basics, *block, {}, context, table).isNull())
+        return;
     KxDbBlockTableRecord* rec = block.release();
     const KxDbObjectId id = context.add(rec, basics);
     if (table.add(rec) != Kald::eOk)
@@ -388,6 +417,28 @@ void readKeptTable(GroupReader& reader, ReadContext& context, const std::string&
 }
 
 }  // namespace
+
+KxDbObjectId addNamedBlock(ReadContext& context, KxDbSymbolTable& table, const std::wstring& name)
+{
+    // The name as the table's add takes it: up to its first NUL.
+    const std::wstring given(name.c_str());
+    if (!given.empty() && !isLayoutBlockName(given)) {
+        KxDbPackedGroups groups;
+        groups.append(2, 0, utf8FromWide(given));
+        if (wideFromUtf8(firstValue(groups.view().bytes())) == given) {
+            const KxDbObjectId id = context.db.unopenedRecords().keep(
+                KxDbBlockTableRecord::desc(), recordLook("BLOCK_RECORD", table, {}), groups.view(), 0);
+            if (!id.isNull())
+                return id;
+        }
+    }
+    auto block = std::make_unique<KxDbBlockTableRecord>();
+    KxDbObjectId id;
+    if (block->setName(given.c_str()) != Kald::eOk || table.add(block.get(), id) != Kald::eOk)
+        return {};
+    block.release()->close();
+    return id;
+}
 
 void readTablesSection(GroupReader& reader, ReadContext& context)
 {

@@ -7,7 +7,10 @@
 #include <map>
 #include <string>
 
+#include "kxdbid.h"
+
 class KxDbDatabase;
+class KxDbSymbolTable;
 
 namespace kaldo::dxf {
 
@@ -16,6 +19,11 @@ struct KeptSections;
 class GroupWriter;
 
 void readTablesSection(GroupReader& reader, ReadContext& context);
+// Adds to the block table a block of the name (which it does not hold) as
+// its add would, for a block of the BLOCKS section without a record (old
+// versions have none): kept unopened as a record of its name alone but
+// for model and paper space. Null when the name cannot be a block's.
+KxDbObjectId addNamedBlock(ReadContext& context, KxDbSymbolTable& table, const std::wstring& name);
 void writeTablesSection(GroupWriter& writer, const KxDbDatabase& db, const KeptSections& kept);
 // The font file (group 3) of each text style of the kept STYLE table, by
 // the style's name in capitals.

@@ -264,15 +264,6 @@ TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
     erasedDb.undoHistory().undo(1);
     EXPECT_EQ(toDxfText(erased), saved);
 
-    // Opened while the file is read (a line names it as its block), an
-    // object still takes the owner that follows it.
-    kaldo::dxf::DxfDrawing early = fromDxfText(
-        groupText({"0", "SECTION", "2", "OBJECTS", "0", "DICTIONARY", "5", "C", "0", "LAYOUT", "5", "60", "330", "1A",
-                   "0", "DICTIONARY", "5", "1A", "0", "ENDSEC", "0", "SECTION", "2", "ENTITIES", "0", "LINE", "330",
-                   "60", "0", "ENDSEC", "0", "EOF"}));
-    const KxDbObjectId earlyLayout = early.database->objectIdFromHandle(0x60);
-    EXPECT_FALSE(kaldo::isUnopened(earlyLayout));
-    EXPECT_EQ(early.database->peekObject(earlyLayout)->ownerId(), early.database->objectIdFromHandle(0x1A));
 }
 
 // Layers and linetypes of a few groups are kept as their records: their
@@ -349,6 +340,81 @@ TEST(DxfRoundTrip, LayersAndLinetypesKeptAsTheirRecordsOpenAsRead)
 // stay unopened, and each opens and saves as the same multiline read with
 // longer groups (made when read) does, laid out anew in its style when its
 // lists do not fit it, refused when read when that layout would overflow.
+// Blocks of a name, of the table or of the BLOCKS section alone, are kept
+// as their records with their entities beside them: the table finds them by
+// name and they are saved without being opened; each opens with its
+// entities in order, as read, and is edited as any block. A block whose
+// entities the file gives apart (a second BLOCK of its name) is opened while
+// read; model and paper space are objects.
+TEST(DxfRoundTrip, BlocksKeptAsTheirRecordsOpenWithTheirEntities)
+{
+    const std::string text =
+        groupText({"0",   "SECTION",      "2",   "TABLES", "0",   "TABLE",  "2",   "BLOCK_RECORD", "5",      "1",
+                   "0",   "BLOCK_RECORD", "5",   "1F",     "2",   "*Model_Space", "0", "BLOCK_RECORD", "5",  "30",
+                   "330", "1",            "2",   "Door",   "0",   "ENDTAB", "0",   "ENDSEC",       "0",      "SECTION",
+                   "2",   "BLOCKS",       "0",   "BLOCK",  "5",   "40",     "330", "30",           "2",      "Door",
+                   "0",   "LINE",         "5",   "141",     "11",  "1",      "0",   "CIRCLE",       "5",      "142",
+                   "40",  "2",            "0",   "ENDBLK", "5",   "43",     "0",   "BLOCK",        "5",      "50",
+                   "2",   "Shelf",        "0",   "LINE",   "5",   "151",     "0",   "ENDBLK",       "5",      "52",
+                   "0",   "BLOCK",        "5",   "53",     "2",   "Stand",  "0",   "LINE",         "5",      "154",
+                   "0",   "ENDBLK",       "5",   "55",     "0",   "BLOCK",  "5",   "56",           "2",      "SHELF",
+                   "0",   "CIRCLE",       "5",   "157",     "40",  "1",      "0",   "ENDBLK",       "5",      "58",
+                   "0",   "ENDSEC"})
+        + smallDrawing("", "");
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(text);
+    KxDbDatabase& db = *drawing.database;
+    const auto id = [&db](std::uint64_t handle) { return db.objectIdFromHandle(handle); };
+    const auto blockNamed = [&db](const wchar_t* name) {
+        KxDbObjectId named;
+        KxDbObjectPtr<KxDbBlockTable>(db.blockTableId(), KxDb::kForRead)->getAt(name, named);
+        return named;
+    };
+    const KxDbObjectId door = id(0x30), stand = blockNamed(L"STAND");
+    EXPECT_EQ(blockNamed(L"door"), door);
+    EXPECT_TRUE(kaldo::isUnopened(door));
+    EXPECT_TRUE(kaldo::isUnopened(stand));
+    EXPECT_FALSE(kaldo::isUnopened(blockNamed(L"Shelf"))) << "its entities given apart";
+    EXPECT_FALSE(kaldo::isUnopened(db.modelSpaceId()));
+    const std::string saved = toDxfText(drawing);
+    EXPECT_TRUE(kaldo::isUnopened(door)) << "saved from an object made for the moment";
+    EXPECT_NE(saved.find("\nStand\n"), std::string::npos);
+
+    const auto handlesOf = [&db](KxDbObjectId block) {
+        std::vector<std::uint64_t> handles;
+        KxDbObjectPtr<KxDbBlockTableRecord> opened(block, KxDb::kForRead);
+        for (auto it = opened->newIterator(); !it->done(); it->step())
+            handles.push_back(KxDbObjectPtr<KxDbEntity>(it->getEntityId(), KxDb::kForRead)->handle());
+        return handles;
+    };
+    const std::uint64_t changes = db.changeCount();
+    EXPECT_EQ(handlesOf(blockNamed(L"Shelf")), (std::vector<std::uint64_t>{0x151, 0x157}));
+    EXPECT_EQ(handlesOf(door), (std::vector<std::uint64_t>{0x141, 0x142}));
+    const auto* opened = KxDbBlockTableRecord::cast(db.peekObject(door));
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(opened->name(), L"Door");
+    EXPECT_EQ(opened->ownerId(), db.blockTableId());
+    EXPECT_EQ(KxDbBlockTableRecord::cast(db.peekObject(stand))->numEntities(), 1);
+    EXPECT_EQ(db.changeCount(), changes);
+    EXPECT_EQ(toDxfText(drawing), saved);
+
+    db.undoHistory().beginStep(L"EDIT");
+    {
+        KxDbObjectPtr<KxDbBlockTableRecord> block(door, KxDb::kForWrite);
+        EXPECT_EQ(block->setName(L"Shelf"), Kald::eDuplicateKey);
+        EXPECT_EQ(block->setName(L"Gate"), Kald::eOk);
+        auto* line = new KxDbLine({0, 0, 0}, {1, 1, 0});
+        EXPECT_EQ(block->appendKxDbEntity(line), Kald::eOk);
+        line->close();
+        EXPECT_EQ(block->numEntities(), 3);
+    }
+    db.undoHistory().endStep();
+    EXPECT_EQ(blockNamed(L"GATE"), door);
+    db.undoHistory().undo(1);
+    EXPECT_EQ(blockNamed(L"Door"), door);
+    EXPECT_EQ(handlesOf(door), (std::vector<std::uint64_t>{0x141, 0x142}));
+    EXPECT_EQ(toDxfText(drawing), saved);
+}
+
 TEST(DxfRoundTrip, MultilinesKeptAsTheirRecordsOpenAsThoseMadeWhenRead)
 {
     // Vertices of x and y only, or with a z spelled long enough that the
