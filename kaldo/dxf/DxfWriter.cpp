@@ -150,12 +150,16 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     std::unique_ptr<KxDbObject> aside;
     for (const KxDbObjectId id : db.objectIds()) {
         aside.reset();
+        // Entities were written with their blocks, opened or not, and are
+        // most of the list: told by their class alone.
+        const KxRxClass* const cls = id.objectClass();
+        if (cls && cls->isDerivedFrom(KxDbEntity::desc()))
+            continue;
         if (kaldo::isUnopened(id)) {
-            // Entities kept unopened, and BLOCK and ENDBLK records, were
-            // written with their blocks, table records with their tables;
-            // objects kept so are written from an object made for the moment.
-            if (id.objectClass()->isDerivedFrom(KxDbEntity::desc())
-                || id.objectClass()->isDerivedFrom(KxDbSymbolTableRecord::desc())
+            // BLOCK and ENDBLK records kept unopened were written with their
+            // blocks, table records with their tables; objects kept so are
+            // written from an object made for the moment.
+            if (cls->isDerivedFrom(KxDbSymbolTableRecord::desc())
                 || isBlockEnd(db.unopenedRecords().kept(id)->look->kind))
                 continue;
             aside = db.unopenedRecords().makeAside(id);

@@ -192,7 +192,7 @@ void GroupWriter::flush()
 void GroupWriter::writeTo(int fd)
 {
     try {
-        writeAll(fd, written());
+        writeAllStreamed(fd, written());
     } catch (const FileError& e) {
         throw DxfError(0, e.what());
     }

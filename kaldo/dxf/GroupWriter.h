@@ -18,8 +18,10 @@ namespace kaldo::dxf {
 
 class GroupWriter {
 public:
-    // Writes to fd (not owned); flush() or the destructor's caller must
-    // flush. Errors are thrown as DxfError with the system's reason.
+    // Writes to fd (not owned), a file written from its start to its end
+    // and synced once whole (kaldo::writeAllStreamed); flush() or the
+    // destructor's caller must flush. Errors are thrown as DxfError with
+    // the system's reason.
     explicit GroupWriter(int fd);
     // Writes into memory only, for a part of a file made apart: the text
     // is held until writeTo().

@@ -11,6 +11,7 @@ namespace kaldo {
 namespace {
 
 constexpr std::size_t kReadChunk = 64 * 1024;
+constexpr off_t kStreamWindow = off_t(8) << 20;
 
 std::string_view verbOf(int flags)
 {
@@ -128,6 +129,27 @@ void writeAll(int fd, std::string_view bytes)
         if (written == 0)
             throw FileError("nothing more could be written");
         bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void writeAllStreamed(int fd, std::string_view bytes)
+{
+    const off_t start = ::lseek(fd, 0, SEEK_CUR);
+    writeAll(fd, bytes);
+    if (start < 0)
+        return;
+    // Failures here only leave pages in memory: an error of the disk's
+    // writing is reported by the sync.
+    const off_t end = start + static_cast<off_t>(bytes.size());
+    for (off_t passed = (start / kStreamWindow + 1) * kStreamWindow; passed <= end; passed += kStreamWindow) {
+        static_cast<void>(::sync_file_range(fd, passed - kStreamWindow, kStreamWindow, SYNC_FILE_RANGE_WRITE));
+        const off_t before = passed - 2 * kStreamWindow;
+        if (before < 0)
+            continue;
+        static_cast<void>(::sync_file_range(
+            fd, before, kStreamWindow,
+            SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER));
+        static_cast<void>(::posix_fadvise(fd, before, kStreamWindow, POSIX_FADV_DONTNEED));
     }
 }
 

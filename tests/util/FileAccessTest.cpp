@@ -12,14 +12,19 @@
 
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -153,6 +158,46 @@ TEST(FileAccess, AFailedReadIsNoEndOfFileAndAFullDiskIsReported)
     EXPECT_EQ(fs::status(inPlace).permissions(),
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
     EXPECT_EQ(namesIn(folder), (std::set<std::string>{"picture.png", "styles.mln"}));
+}
+
+// A file written in streams holds every byte written, in pieces that
+// straddle its windows of 8 MB, while the windows two behind its end have
+// left memory (where the file system's pages can leave it: not in tmpfs).
+TEST(FileAccess, AStreamedFileLeavesMemoryBehindItsEnd)
+{
+    QTemporaryDir dir;
+    const fs::path path = fs::path(dir.path().toStdString()) / "large.dxf";
+    const kaldo::FileDescriptor fd(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_TRUE(fd);
+    constexpr std::size_t kWindow = std::size_t(8) << 20;
+    std::string expected;
+    for (char c = 'a'; expected.size() < 3 * kWindow + 1; ++c) {
+        const std::string piece(kWindow / 3 + 1, c);
+        kaldo::writeAllStreamed(fd.get(), piece);
+        expected += piece;
+    }
+    EXPECT_EQ(fileText(path), expected);
+
+    struct statfs where {};
+    ASSERT_EQ(::fstatfs(fd.get(), &where), 0);
+    if (where.f_type == TMPFS_MAGIC)
+        GTEST_SKIP() << "tmpfs keeps its pages";
+    // fileText read the file again: write its windows once more.
+    ASSERT_EQ(::lseek(fd.get(), 0, SEEK_SET), 0);
+    kaldo::writeAllStreamed(fd.get(), expected);
+    void* const mapped = ::mmap(nullptr, expected.size(), PROT_READ, MAP_SHARED, fd.get(), 0);
+    ASSERT_NE(mapped, MAP_FAILED);
+    const std::size_t page = std::size_t(::sysconf(_SC_PAGESIZE));
+    std::vector<unsigned char> resident((expected.size() + page - 1) / page);
+    ASSERT_EQ(::mincore(mapped, expected.size(), resident.data()), 0);
+    ::munmap(mapped, expected.size());
+    const auto residentIn = [&](std::size_t window) {
+        return std::count_if(resident.begin() + long(window * kWindow / page),
+                             resident.begin() + long((window + 1) * kWindow / page),
+                             [](unsigned char flags) { return flags & 1; });
+    };
+    EXPECT_EQ(residentIn(0), 0);
+    EXPECT_GT(residentIn(2), 0);
 }
 
 TEST(FileAccess, WritingInPlaceKeepsModeAndLinks)
