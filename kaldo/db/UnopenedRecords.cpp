@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
@@ -21,6 +22,23 @@ namespace {
 // owner not known yet, with room for serials of 35 bits.
 constexpr int kLookLaterWidth = 5;
 constexpr int kOwnerLaterWidth = 5;
+// Looks kept before an entity whose look is new keeps its layer or
+// linetype with its record.
+constexpr std::size_t kManyLooks = 64;
+
+// A serial as its step from the record's own, zigzagged: small steps either
+// way take a byte.
+std::uint64_t stepTo(KxDbObjectId id, KxDbObjectId from)
+{
+    const auto step = static_cast<std::int64_t>(id.asOldId() - from.asOldId());
+    return (static_cast<std::uint64_t>(step) << 1) ^ static_cast<std::uint64_t>(step >> 63);
+}
+
+KxDbObjectId stepFrom(KxDbObjectId from, std::uint64_t zigzag)
+{
+    const std::uint64_t step = (zigzag >> 1) ^ (~(zigzag & 1) + 1);
+    return KxDbObjectId::fromOldId(from.asOldId() + step);
+}
 
 }  // namespace
 
@@ -36,8 +54,8 @@ std::size_t UnopenedRecords::LookHash::operator()(const Look& look) const
     for (const KxDbObjectId id : {look.owner, look.layer, look.linetype, look.style})
         hash = hash * 31 + std::hash<std::uint64_t>()(id.asOldId());
     hash = hash * 31 + std::hash<Maker>()(look.maker);
-    return hash * 16 + (look.ownerInRecord ? 8 : 0) + (look.layerSpelledOtherwise ? 4 : 0)
-           + (look.linetypeSpelledOtherwise ? 2 : 0) + (look.layOut ? 1 : 0);
+    return hash * 64 + (look.layerInRecord ? 32 : 0) + (look.linetypeInRecord ? 16 : 0) + (look.ownerInRecord ? 8 : 0)
+           + (look.layerSpelledOtherwise ? 4 : 0) + (look.linetypeSpelledOtherwise ? 2 : 0) + (look.layOut ? 1 : 0);
 }
 
 KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups,
@@ -45,7 +63,8 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
 {
     KxDbBlockTableRecord* block = nullptr;
     KxDbSymbolTable* table = nullptr;
-    if (cls->isDerivedFrom(KxDbEntity::desc())) {
+    const bool isEntity = cls->isDerivedFrom(KxDbEntity::desc());
+    if (isEntity) {
         block = KxDbBlockTableRecord::cast(m_db.peekObject(look.ownerInRecord ? owner : look.owner));
         if (!block)
             return {};
@@ -60,13 +79,20 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
         return {};
     if (handle <= kxdbHighestHandle)
         m_db.m_header.handseed = std::max(m_db.m_header.handseed, handle + 1);
-    const std::uint64_t entry = m_records.size();
-    appendVarNumber(m_records, placeOf(look), lookLater ? kLookLaterWidth : 1);
-    if (look.ownerInRecord)
-        appendVarNumber(m_records, owner.asOldId(), owner.isNull() ? kOwnerLaterWidth : 1);
-    appendVarNumber(m_records, groups.bytes().size());
-    m_records.append(groups.bytes());
-    const KxDbObjectId id = registerUnopened(cls, entry, &m_db);
+    // Registered first: the layer and linetype a record keeps are steps
+    // from its own serial.
+    const KxDbObjectId id = registerUnopened(cls, 0, &m_db);
+    const Look kept = isEntity ? lookToKeep(look) : look;
+    std::string head;
+    appendVarNumber(head, placeOf(kept), lookLater ? kLookLaterWidth : 1);
+    if (kept.ownerInRecord)
+        appendVarNumber(head, owner.asOldId(), owner.isNull() ? kOwnerLaterWidth : 1);
+    if (kept.layerInRecord)
+        appendVarNumber(head, stepTo(look.layer, id));
+    if (kept.linetypeInRecord)
+        appendVarNumber(head, stepTo(look.linetype, id));
+    appendVarNumber(head, groups.bytes().size());
+    setUnopenedEntry(id, m_records.append(head, groups.bytes()));
     m_ids.push_back(id);
     noteListed();
     m_db.m_handles->insert(handle, id);
@@ -100,6 +126,21 @@ std::size_t UnopenedRecords::placeOf(const Look& look)
     return m_latestLook;
 }
 
+UnopenedRecords::Look UnopenedRecords::lookToKeep(const Look& look)
+{
+    const Look before = std::exchange(m_lookBefore, look);
+    if (m_looks.size() < kManyLooks || m_lookPlaces.contains(look))
+        return look;
+    Look kept = look;
+    kept.layerInRecord = look.layer != before.layer;
+    kept.linetypeInRecord = look.linetype != before.linetype;
+    if (kept.layerInRecord)
+        kept.layer = {};
+    if (kept.linetypeInRecord)
+        kept.linetype = {};
+    return kept;
+}
+
 void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
 {
     const std::optional<std::uint64_t> entry = unopenedEntry(id);
@@ -107,7 +148,7 @@ void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
         return;
     std::string place;
     appendVarNumber(place, placeOf(look), kLookLaterWidth);
-    m_records.replace(*entry, place.size(), place);
+    std::copy(place.begin(), place.end(), m_records.at(*entry));
 }
 
 bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
@@ -115,7 +156,8 @@ bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
     const std::optional<std::uint64_t> entry = unopenedEntry(id);
     if (!entry)
         return false;
-    const char* at = m_records.data() + *entry;
+    char* const record = m_records.at(*entry);
+    const char* at = record;
     if (!m_looks[std::size_t(takeVarNumber(at))].ownerInRecord)
         return false;
     const char* ownerAt = at;
@@ -124,7 +166,7 @@ bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
     appendVarNumber(serial, owner.asOldId(), int(at - ownerAt));
     if (serial.size() != std::size_t(at - ownerAt))
         return false;
-    m_records.replace(std::size_t(ownerAt - m_records.data()), serial.size(), serial);
+    std::copy(serial.begin(), serial.end(), record + (ownerAt - record));
     return true;
 }
 
@@ -134,7 +176,7 @@ void UnopenedRecords::makeLaidOutIn(KxDbObjectId style)
     if (std::none_of(m_looks.begin(), m_looks.end(), laidOutIn))
         return;
     for (const KxDbObjectId id : m_ids)
-        if (const std::optional<std::uint64_t> entry = unopenedEntry(id); entry && laidOutIn(*keptAt(*entry).look))
+        if (const std::optional<std::uint64_t> entry = unopenedEntry(id); entry && laidOutIn(*keptAt(id, *entry).look))
             make(id, *entry);
 }
 
@@ -143,7 +185,7 @@ std::optional<UnopenedRecords::Kept> UnopenedRecords::kept(KxDbObjectId id) cons
     const std::optional<std::uint64_t> entry = unopenedEntry(id);
     if (!entry)
         return std::nullopt;
-    return keptAt(*entry);
+    return keptAt(id, *entry);
 }
 
 std::uint64_t UnopenedRecords::handleOf(KxDbObjectId id) const
@@ -154,7 +196,7 @@ std::uint64_t UnopenedRecords::handleOf(KxDbObjectId id) const
 void UnopenedRecords::forEachOwnerUnknown(const std::function<void(KxDbObjectId, const Kept&)>& see) const
 {
     const auto seeUnknown = [&](KxDbObjectId id, std::uint64_t entry) {
-        if (const Kept record = keptAt(entry); record.look->ownerInRecord && record.owner.isNull())
+        if (const Kept record = keptAt(id, entry); record.look->ownerInRecord && record.owner.isNull())
             see(id, record);
     };
     for (const KxDbObjectId id : m_ids)
@@ -164,13 +206,15 @@ void UnopenedRecords::forEachOwnerUnknown(const std::function<void(KxDbObjectId,
         seeUnknown(m_made[i]->objectId(), m_madeEntries[i]);
 }
 
-UnopenedRecords::Kept UnopenedRecords::keptAt(std::uint64_t entry) const
+UnopenedRecords::Kept UnopenedRecords::keptAt(KxDbObjectId id, std::uint64_t entry) const
 {
-    const char* at = m_records.data() + entry;
+    const char* at = m_records.at(entry);
     const Look& look = m_looks[std::size_t(takeVarNumber(at))];
     const KxDbObjectId owner = look.ownerInRecord ? KxDbObjectId::fromOldId(takeVarNumber(at)) : look.owner;
+    const KxDbObjectId layer = look.layerInRecord ? stepFrom(id, takeVarNumber(at)) : look.layer;
+    const KxDbObjectId linetype = look.linetypeInRecord ? stepFrom(id, takeVarNumber(at)) : look.linetype;
     const std::size_t length = std::size_t(takeVarNumber(at));
-    return Kept{&look, owner, KxDbPackedGroupsView(std::string_view(at, length))};
+    return Kept{&look, owner, layer, linetype, KxDbPackedGroupsView(std::string_view(at, length))};
 }
 
 KxDbObject* UnopenedRecords::make(KxDbObjectId id, std::uint64_t entry)
@@ -195,8 +239,16 @@ std::unique_ptr<KxDbObject> UnopenedRecords::makeAside(KxDbObjectId id) const
 
 std::unique_ptr<KxDbObject> UnopenedRecords::makeFrom(KxDbObjectId id, std::uint64_t entry) const
 {
-    const Kept record = keptAt(entry);
-    std::unique_ptr<KxDbObject> object = record.look->maker(*record.look, record.groups);
+    const Kept record = keptAt(id, entry);
+    std::unique_ptr<KxDbObject> object;
+    if (record.look->layerInRecord || record.look->linetypeInRecord) {
+        Look look = *record.look;
+        look.layer = record.layer;
+        look.linetype = record.linetype;
+        object = look.maker(look, record.groups);
+    } else {
+        object = record.look->maker(*record.look, record.groups);
+    }
     KxDbDatabase::nameMade(*object, id, record.owner);
     // A table record is kept unopened while its table lists it: taking it
     // out of the list opens it.

@@ -27,6 +27,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "kaldo/db/ChunkedBytes.h"
 #include "kxdbid.h"
 #include "kxdbidruns.h"
 #include "kxdbunmodelled.h"
@@ -55,6 +56,10 @@ public:
         // objects name many owners, and a file may hold many blocks.
         bool ownerInRecord = false;
         KxDbObjectId layer, linetype;
+        // A record whose layer or linetype is kept with it instead (see
+        // keep): records that name many layers or linetypes, one each.
+        bool layerInRecord = false;
+        bool linetypeInRecord = false;
         bool layerSpelledOtherwise = false;
         bool linetypeSpelledOtherwise = false;
         // A multiline's style, and whether its vertices are laid out anew
@@ -80,11 +85,14 @@ public:
     // entity's or record's owner is no block or table.
     // lookLater leaves room for setLook. owner is the record's own when
     // the look says so (an object's null while not known yet, see
-    // setOwner), an entity's block then.
+    // setOwner), an entity's block then. Once many looks are kept, an
+    // entity whose look is new keeps the layer or linetype that differs
+    // from the record before's with its record, and shares its look.
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
                       bool lookLater = false, KxDbObjectId owner = {});
     // Gives a record kept with lookLater, not opened yet, another look
-    // (a multiline's style, found once the whole file is read).
+    // (a multiline's style, found once the whole file is read), which
+    // keeps with the record what its look kept there (a look kept() gave).
     void setLook(KxDbObjectId id, const Look& look);
     // Gives a record not opened yet, kept with its owner not known, the
     // owner found once the whole file is read; false when id names no
@@ -94,11 +102,13 @@ public:
     // Makes the multilines kept to be laid out anew in style when made, so
     // that they take the style as it is before it changes.
     void makeLaidOutIn(KxDbObjectId style);
-    // The look, owner and groups of a record kept unopened; nothing for any
-    // other id.
+    // The look, owner, layer, linetype and groups of a record kept
+    // unopened (owner, layer and linetype the look's or the record's own);
+    // nothing for any other id.
     struct Kept {
         const Look* look = nullptr;
         KxDbObjectId owner;
+        KxDbObjectId layer, linetype;
         KxDbPackedGroupsView groups;
     };
     std::optional<Kept> kept(KxDbObjectId id) const;
@@ -125,7 +135,9 @@ public:
 
 private:
     std::size_t placeOf(const Look& look);
-    Kept keptAt(std::uint64_t entry) const;
+    // The look to keep an entity's record under (see keep).
+    Look lookToKeep(const Look& look);
+    Kept keptAt(KxDbObjectId id, std::uint64_t entry) const;
     std::unique_ptr<KxDbObject> makeFrom(KxDbObjectId id, std::uint64_t entry) const;
     // Notes a record kept after the database's latest object.
     void noteListed();
@@ -134,14 +146,19 @@ private:
     // Every record kept: the place of its look (a byte while below 128,
     // more as needed; always five when kept with lookLater), its owner's
     // serial so when the look keeps it there (five bytes while not known),
-    // its groups' length so, then the groups.
-    std::string m_records;
+    // its layer's and linetype's serials so when the look keeps them there
+    // (each as its step from the record's own serial, zigzagged: a layer
+    // made for the record just before it takes a byte), its groups' length
+    // so, then the groups.
+    ChunkedBytes m_records;
     std::vector<Look> m_looks;
     struct LookHash {
         std::size_t operator()(const Look& look) const;
     };
     std::unordered_map<Look, std::size_t, LookHash> m_lookPlaces;
     std::size_t m_latestLook = 0;
+    // The look asked for by the record kept before, as given.
+    Look m_lookBefore;
     // The ids kept, in order: a file's records get consecutive ids.
     KxDbIdRuns m_ids;
     // Where they lie among the database's objects: so many after the

@@ -461,9 +461,27 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
     look.maker = &makeUnopened;
     parts.look.resolve(context, look);
     const KxDbObjectId owner = placeKeptBlock(look, block, block.isNull() ? blockOf(parts.basics, context) : block);
+    // A modelled entity takes its layer and linetype by id when it is made:
+    // their names are not kept again unless spelled otherwise. Records of
+    // an entity each that name many layers cost about their bytes so.
+    const auto keptAgain = [&look](std::int16_t code) {
+        return (code != 8 || look.layerSpelledOtherwise) && (code != 6 || look.linetypeSpelledOtherwise);
+    };
+    bool namesKept = true;
+    if (parts.entity)
+        groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view) {
+            namesKept = keptAgain(code);
+            return namesKept;
+        });
+    KxDbPackedGroups named;
+    if (!namesKept)
+        groups.forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+            if (keptAgain(code))
+                named.append(code, part, value);
+        });
     return !context.db.unopenedRecords()
-                .keep(parts.entity ? parts.entity->isA() : KxDbUnmodelledEntity::desc(), look, groups,
-                      context.fileHandle(parts.basics.handle), false, owner)
+                .keep(parts.entity ? parts.entity->isA() : KxDbUnmodelledEntity::desc(), look,
+                      namesKept ? groups : named.view(), context.fileHandle(parts.basics.handle), false, owner)
                 .isNull();
 }
 

@@ -389,6 +389,19 @@ void readKeptTable(GroupReader& reader, ReadContext& context, const std::string&
 
 }  // namespace
 
+KxDbObjectId keepMissingRecord(ReadContext& context, const KxDbSymbolTable& table, std::string_view name,
+                               bool isLayer)
+{
+    KxDbPackedGroups groups;
+    groups.append(2, 0, name);
+    kaldo::UnopenedRecords::Look look;
+    look.kind = isLayer ? "LAYER" : "LTYPE";
+    look.owner = table.objectId();
+    look.maker = &makeUnopenedRecord;
+    const KxRxClass* cls = isLayer ? KxDbLayerTableRecord::desc() : KxDbLinetypeTableRecord::desc();
+    return context.db.unopenedRecords().keep(cls, look, groups.view(), 0);
+}
+
 void readTablesSection(GroupReader& reader, ReadContext& context)
 {
     Group g;
