@@ -131,14 +131,24 @@ UnopenedRecords::Look UnopenedRecords::lookToKeep(const Look& look)
     const Look before = std::exchange(m_lookBefore, look);
     if (m_looks.size() < kManyLooks || m_lookPlaces.contains(look))
         return look;
-    Look kept = look;
-    kept.layerInRecord = look.layer != before.layer;
-    kept.linetypeInRecord = look.linetype != before.linetype;
-    if (kept.layerInRecord)
-        kept.layer = {};
-    if (kept.linetypeInRecord)
-        kept.linetype = {};
-    return kept;
+    const auto keeping = [&look](bool layer, bool linetype) {
+        Look kept = look;
+        kept.layerInRecord = layer;
+        kept.linetypeInRecord = linetype;
+        if (layer)
+            kept.layer = {};
+        if (linetype)
+            kept.linetype = {};
+        return kept;
+    };
+    // A look kept so before, else one that keeps the linetype with the
+    // record when it differs from the record before's, the layer unless
+    // only the linetype does.
+    for (const Look& kept : {keeping(true, false), keeping(false, true)})
+        if (m_lookPlaces.contains(kept))
+            return kept;
+    const bool sameLinetype = look.linetype == before.linetype;
+    return keeping(sameLinetype || look.layer != before.layer, !sameLinetype);
 }
 
 void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)

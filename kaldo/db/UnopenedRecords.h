@@ -86,8 +86,8 @@ public:
     // lookLater leaves room for setLook. owner is the record's own when
     // the look says so (an object's null while not known yet, see
     // setOwner), an entity's block then. Once many looks are kept, an
-    // entity whose look is new keeps the layer or linetype that differs
-    // from the record before's with its record, and shares its look.
+    // entity whose look is new keeps its layer or linetype (or both) with
+    // its record, and shares its look.
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
                       bool lookLater = false, KxDbObjectId owner = {});
     // Gives a record kept with lookLater, not opened yet, another look
