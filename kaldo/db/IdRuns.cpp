@@ -2,6 +2,26 @@
 
 #include <algorithm>
 
+namespace {
+
+// A run's count word: its count in the low bits, its step less one above.
+constexpr int kCountBits = 40;
+constexpr std::uint64_t kCountMask = (std::uint64_t(1) << kCountBits) - 1;
+constexpr std::uint64_t kMaxStep = std::uint64_t(1) << 21;
+
+std::uint64_t countOf(std::uint64_t word)
+{
+    return word & kCountMask;
+}
+
+// The step of a run's count word, below its two marking bits.
+std::uint64_t stepOf(std::uint64_t word)
+{
+    return ((word << 2) >> (2 + kCountBits)) + 1;
+}
+
+}  // namespace
+
 void KxDbIdRuns::push_back(KxDbObjectId id)
 {
     const std::uint64_t serial = id.asOldId();
@@ -9,14 +29,16 @@ void KxDbIdRuns::push_back(KxDbObjectId id)
     if (!m_words.empty()) {
         std::uint64_t& last = m_words.back();
         if (isRunCount(last)) {
-            const std::uint64_t count = last & kValueBits;
-            if (serial == (m_words[m_words.size() - 2] & kValueBits) + count) {
-                last = kRunCount | (count + 1);
+            const std::uint64_t count = countOf(last);
+            if (serial == (m_words[m_words.size() - 2] & kValueBits) + count * stepOf(last) && count < kCountMask) {
+                ++last;
                 return;
             }
-        } else if (serial == last + 1) {
+        } else if (serial > last && serial - last <= kMaxStep) {
+            // Two ids take two words either way: as a run the next may follow.
+            const std::uint64_t step = serial - last;
             last |= kRunStart;
-            m_words.push_back(kRunCount | 2);
+            m_words.push_back(kRunCount | (step - 1) << kCountBits | 2);
             return;
         }
     }
@@ -37,14 +59,15 @@ std::vector<KxDbObjectId> KxDbIdRuns::cutAfter(std::size_t keep)
             continue;
         }
         const std::uint64_t first = m_words[m_words.size() - 2] & kValueBits;
-        const std::uint64_t count = last & kValueBits;
+        const std::uint64_t count = countOf(last);
+        const std::uint64_t step = stepOf(last);
         const std::uint64_t left = count - std::min<std::uint64_t>(count, m_size - keep);
         for (std::uint64_t i = count; i > left; --i)
-            cut.push_back(KxDbObjectId::fromOldId(first + i - 1));
+            cut.push_back(KxDbObjectId::fromOldId(first + (i - 1) * step));
         m_size -= std::size_t(count - left);
         m_words.pop_back();
         if (left >= 2)
-            m_words.push_back(kRunCount | left);
+            m_words.push_back((last & ~kCountMask) | left);
         else if (left == 1)
             m_words.back() = first;
         else
@@ -57,7 +80,8 @@ std::vector<KxDbObjectId> KxDbIdRuns::cutAfter(std::size_t keep)
 KxDbObjectId KxDbIdRuns::idAt(Place at) const
 {
     const std::uint64_t word = m_words[at.word];
-    return KxDbObjectId::fromOldId(isRunStart(word) ? (word & kValueBits) + at.offset : word);
+    return KxDbObjectId::fromOldId(isRunStart(word) ? (word & kValueBits) + at.offset * stepOf(m_words[at.word + 1])
+                                                    : word);
 }
 
 void KxDbIdRuns::step(Place& at) const
@@ -66,6 +90,6 @@ void KxDbIdRuns::step(Place& at) const
         ++at.word;
         return;
     }
-    if (++at.offset == (m_words[at.word + 1] & kValueBits))
+    if (++at.offset == countOf(m_words[at.word + 1]))
         at = Place{at.word + 2, 0};
 }

@@ -45,6 +45,10 @@ public:
         return serial;
     }
 
+    void setEntry(std::uint64_t serial, std::uint64_t entry)
+    {
+        pageToPut(serial).slots[slotOf(serial)] = reinterpret_cast<KxDbObject*>(std::uintptr_t(entry << 1 | 1));
+    }
     void skipTo(std::uint64_t serial) { m_lastSerial = std::max(m_lastSerial, serial); }
 
     // serial was given out before and is free now, or names an unopened
@@ -273,6 +277,11 @@ void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db)
 KxDbObjectId registerUnopened(const KxRxClass* cls, std::uint64_t entry, KxDbDatabase* db)
 {
     return KxDbObjectId::fromOldId(registry().addUnopened(cls, entry, db));
+}
+
+void setUnopenedEntry(KxDbObjectId id, std::uint64_t entry)
+{
+    registry().setEntry(id.asOldId(), entry);
 }
 
 bool isUnopened(KxDbObjectId id)

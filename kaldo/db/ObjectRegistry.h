@@ -26,6 +26,9 @@ void registerObjectAs(KxDbObjectId id, KxDbObject* obj, KxDbDatabase* db);
 // entry (below 2^63) among db's unopenedRecords(): the lookups below
 // make the object through it, the others do not.
 KxDbObjectId registerUnopened(const KxRxClass* cls, std::uint64_t entry, KxDbDatabase* db);
+// Names another entry for the record an unopened record's id names (its
+// place once it is stored: what it stores may depend on its id).
+void setUnopenedEntry(KxDbObjectId id, std::uint64_t entry);
 // Whether id names a record kept unopened.
 bool isUnopened(KxDbObjectId id);
 // The entry an unopened record's id names, else nothing.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "kaldo/db/HandleTable.h"
 #include "kaldo/db/ObjectRegistry.h"
@@ -32,6 +33,24 @@ bool isBlockOf(KxDbObjectId id, const KxDbDatabase& db)
     return cls && cls->isDerivedFrom(KxDbBlockTableRecord::desc()) && registeredDatabase(id) == &db;
 }
 
+// Looks kept before an entity whose look is new keeps its layer or
+// linetype with its record.
+constexpr std::size_t kManyLooks = 64;
+
+// A serial as its step from the record's own, zigzagged: small steps either
+// way take a byte.
+std::uint64_t stepTo(KxDbObjectId id, KxDbObjectId from)
+{
+    const auto step = static_cast<std::int64_t>(id.asOldId() - from.asOldId());
+    return (static_cast<std::uint64_t>(step) << 1) ^ static_cast<std::uint64_t>(step >> 63);
+}
+
+KxDbObjectId stepFrom(KxDbObjectId from, std::uint64_t zigzag)
+{
+    const std::uint64_t step = (zigzag >> 1) ^ (~(zigzag & 1) + 1);
+    return KxDbObjectId::fromOldId(from.asOldId() + step);
+}
+
 }  // namespace
 
 UnopenedRecords::~UnopenedRecords()
@@ -46,7 +65,8 @@ std::size_t UnopenedRecords::LookHash::operator()(const Look& look) const
     for (const KxDbObjectId id : {look.owner, look.layer, look.linetype, look.style})
         hash = hash * 31 + std::hash<std::uint64_t>()(id.asOldId());
     hash = hash * 31 + std::hash<Maker>()(look.maker);
-    return hash * 32 + (look.holdsEntities ? 16 : 0) + (look.ownerInRecord ? 8 : 0)
+    return hash * 128 + (look.holdsEntities ? 64 : 0) + (look.layerInRecord ? 32 : 0) + (look.linetypeInRecord ? 16 : 0)
+           + (look.ownerInRecord ? 8 : 0)
            + (look.layerSpelledOtherwise ? 4 : 0) + (look.linetypeSpelledOtherwise ? 2 : 0) + (look.layOut ? 1 : 0);
 }
 
@@ -57,7 +77,8 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
     KxDbObjectId unopenedBlock;
     KxDbBlockTableRecord* block = nullptr;
     KxDbSymbolTable* table = nullptr;
-    if (cls->isDerivedFrom(KxDbEntity::desc())) {
+    const bool isEntity = cls->isDerivedFrom(KxDbEntity::desc());
+    if (isEntity) {
         const KxDbObjectId owning = look.ownerInRecord ? owner : look.owner;
         if (isUnopened(owning))
             unopenedBlock = owning;
@@ -76,17 +97,24 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
         return {};
     if (handle <= kxdbHighestHandle)
         m_db.m_header.handseed = std::max(m_db.m_header.handseed, handle + 1);
+    // Registered first: the layer and linetype a record keeps are steps
+    // from its own serial.
+    const KxDbObjectId id = registerUnopened(cls, 0, &m_db);
+    const Look kept = isEntity ? lookToKeep(look) : look;
     std::string head;
-    appendVarNumber(head, placeOf(look), lookLater ? kLookLaterWidth : 1);
-    if (look.ownerInRecord)
+    appendVarNumber(head, placeOf(kept), lookLater ? kLookLaterWidth : 1);
+    if (kept.ownerInRecord)
         appendVarNumber(head, owner.asOldId(), owner.isNull() ? kOwnerLaterWidth : 1);
-    if (look.holdsEntities) {
+    if (kept.holdsEntities) {
         appendVarNumber(head, 0, kEntitiesStartWidth);
         appendVarNumber(head, 0, kEntitiesCountWidth);
     }
+    if (kept.layerInRecord)
+        appendVarNumber(head, stepTo(look.layer, id));
+    if (kept.linetypeInRecord)
+        appendVarNumber(head, stepTo(look.linetype, id));
     appendVarNumber(head, groups.bytes().size());
-    const std::uint64_t entry = m_records.append(head, groups.bytes());
-    const KxDbObjectId id = registerUnopened(cls, entry, &m_db);
+    setUnopenedEntry(id, m_records.append(head, groups.bytes()));
     m_ids.push_back(id);
     noteListed();
     m_db.m_handles->insert(handle, id);
@@ -158,6 +186,31 @@ bool UnopenedRecords::appendEntity(KxDbObjectId block, KxDbObjectId entity)
     return true;
 }
 
+UnopenedRecords::Look UnopenedRecords::lookToKeep(const Look& look)
+{
+    const Look before = std::exchange(m_lookBefore, look);
+    if (m_looks.size() < kManyLooks || m_lookPlaces.contains(look))
+        return look;
+    const auto keeping = [&look](bool layer, bool linetype) {
+        Look kept = look;
+        kept.layerInRecord = layer;
+        kept.linetypeInRecord = linetype;
+        if (layer)
+            kept.layer = {};
+        if (linetype)
+            kept.linetype = {};
+        return kept;
+    };
+    // A look kept so before, else one that keeps the linetype with the
+    // record when it differs from the record before's, the layer unless
+    // only the linetype does.
+    for (const Look& kept : {keeping(true, false), keeping(false, true)})
+        if (m_lookPlaces.contains(kept))
+            return kept;
+    const bool sameLinetype = look.linetype == before.linetype;
+    return keeping(sameLinetype || look.layer != before.layer, !sameLinetype);
+}
+
 void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
 {
     const std::optional<std::uint64_t> entry = unopenedEntry(id);
@@ -208,7 +261,7 @@ void UnopenedRecords::makeLaidOutIn(KxDbObjectId style)
     if (std::none_of(m_looks.begin(), m_looks.end(), laidOutIn))
         return;
     for (const KxDbObjectId id : m_ids)
-        if (const std::optional<std::uint64_t> entry = unopenedEntry(id); entry && laidOutIn(*keptAt(*entry).look))
+        if (const std::optional<std::uint64_t> entry = unopenedEntry(id); entry && laidOutIn(*keptAt(id, *entry).look))
             make(id, *entry);
 }
 
@@ -217,7 +270,7 @@ std::optional<UnopenedRecords::Kept> UnopenedRecords::kept(KxDbObjectId id) cons
     const std::optional<std::uint64_t> entry = unopenedEntry(id);
     if (!entry)
         return std::nullopt;
-    return keptAt(*entry);
+    return keptAt(id, *entry);
 }
 
 std::uint64_t UnopenedRecords::handleOf(KxDbObjectId id) const
@@ -228,7 +281,7 @@ std::uint64_t UnopenedRecords::handleOf(KxDbObjectId id) const
 void UnopenedRecords::forEachOwnerUnknown(const std::function<void(KxDbObjectId, const Kept&)>& see) const
 {
     const auto seeUnknown = [&](KxDbObjectId id, std::uint64_t entry) {
-        if (const Kept record = keptAt(entry); record.look->ownerInRecord && record.owner.isNull())
+        if (const Kept record = keptAt(id, entry); record.look->ownerInRecord && record.owner.isNull())
             see(id, record);
     };
     for (const KxDbObjectId id : m_ids)
@@ -238,7 +291,7 @@ void UnopenedRecords::forEachOwnerUnknown(const std::function<void(KxDbObjectId,
         seeUnknown(m_made[i]->objectId(), m_madeEntries[i]);
 }
 
-UnopenedRecords::Kept UnopenedRecords::keptAt(std::uint64_t entry) const
+UnopenedRecords::Kept UnopenedRecords::keptAt(KxDbObjectId id, std::uint64_t entry) const
 {
     const char* at = m_records.at(entry);
     const Look& look = m_looks[std::size_t(takeVarNumber(at))];
@@ -247,8 +300,10 @@ UnopenedRecords::Kept UnopenedRecords::keptAt(std::uint64_t entry) const
         takeVarNumber(at);
         takeVarNumber(at);
     }
+    const KxDbObjectId layer = look.layerInRecord ? stepFrom(id, takeVarNumber(at)) : look.layer;
+    const KxDbObjectId linetype = look.linetypeInRecord ? stepFrom(id, takeVarNumber(at)) : look.linetype;
     const std::size_t length = std::size_t(takeVarNumber(at));
-    return Kept{&look, owner, KxDbPackedGroupsView(std::string_view(at, length))};
+    return Kept{&look, owner, layer, linetype, KxDbPackedGroupsView(std::string_view(at, length))};
 }
 
 KxDbObject* UnopenedRecords::make(KxDbObjectId id, std::uint64_t entry)
@@ -273,8 +328,16 @@ std::unique_ptr<KxDbObject> UnopenedRecords::makeAside(KxDbObjectId id) const
 
 std::unique_ptr<KxDbObject> UnopenedRecords::makeFrom(KxDbObjectId id, std::uint64_t entry) const
 {
-    const Kept record = keptAt(entry);
-    std::unique_ptr<KxDbObject> object = record.look->maker(*record.look, record.groups);
+    const Kept record = keptAt(id, entry);
+    std::unique_ptr<KxDbObject> object;
+    if (record.look->layerInRecord || record.look->linetypeInRecord) {
+        Look look = *record.look;
+        look.layer = record.layer;
+        look.linetype = record.linetype;
+        object = look.maker(look, record.groups);
+    } else {
+        object = record.look->maker(*record.look, record.groups);
+    }
     KxDbDatabase::nameMade(*object, id, record.owner);
     // A table record is kept unopened while its table lists it: taking it
     // out of the list opens it.

@@ -58,6 +58,10 @@ public:
         // objects name many owners, and a file may hold many blocks.
         bool ownerInRecord = false;
         KxDbObjectId layer, linetype;
+        // A record whose layer or linetype is kept with it instead (see
+        // keep): records that name many layers or linetypes, one each.
+        bool layerInRecord = false;
+        bool linetypeInRecord = false;
         bool layerSpelledOtherwise = false;
         bool linetypeSpelledOtherwise = false;
         // A multiline's style, and whether its vertices are laid out anew
@@ -85,7 +89,9 @@ public:
     // entity's or record's owner is no block or table.
     // lookLater leaves room for setLook. owner is the record's own when
     // the look says so (an object's null while not known yet, see
-    // setOwner), an entity's block then.
+    // setOwner), an entity's block then. Once many looks are kept, an
+    // entity whose look is new keeps its layer or linetype (or both) with
+    // its record, and shares its look.
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
                       bool lookLater = false, KxDbObjectId owner = {});
     // Appends entity (kept or added just now, while no undo step records)
@@ -94,7 +100,8 @@ public:
     // nothing, else (the block must be opened to take it).
     bool appendEntity(KxDbObjectId block, KxDbObjectId entity);
     // Gives a record kept with lookLater, not opened yet, another look
-    // (a multiline's style, found once the whole file is read).
+    // (a multiline's style, found once the whole file is read), which
+    // keeps with the record what its look kept there (a look kept() gave).
     void setLook(KxDbObjectId id, const Look& look);
     // Gives an object's record not opened yet another owner: one kept with
     // its owner (not known yet, or known) in the room kept there, another
@@ -106,11 +113,13 @@ public:
     // Makes the multilines kept to be laid out anew in style when made, so
     // that they take the style as it is before it changes.
     void makeLaidOutIn(KxDbObjectId style);
-    // The look, owner and groups of a record kept unopened; nothing for any
-    // other id.
+    // The look, owner, layer, linetype and groups of a record kept
+    // unopened (owner, layer and linetype the look's or the record's own);
+    // nothing for any other id.
     struct Kept {
         const Look* look = nullptr;
         KxDbObjectId owner;
+        KxDbObjectId layer, linetype;
         KxDbPackedGroupsView groups;
     };
     std::optional<Kept> kept(KxDbObjectId id) const;
@@ -140,7 +149,9 @@ private:
     // setOwner for a record (its packed bytes at record) whose look holds
     // its owner, its look's place placeWidth bytes.
     bool setLookOwner(char* record, Look look, int placeWidth, KxDbObjectId owner);
-    Kept keptAt(std::uint64_t entry) const;
+    // The look to keep an entity's record under (see keep).
+    Look lookToKeep(const Look& look);
+    Kept keptAt(KxDbObjectId id, std::uint64_t entry) const;
     // The place of the room for a block's entities in the entry, when its
     // look holds them.
     std::optional<std::uint64_t> entitiesAt(std::uint64_t entry) const;
@@ -154,7 +165,10 @@ private:
     // serial so when the look keeps it there (five bytes while not known),
     // a block's entities when the look holds them (how far the first one's
     // serial lies past the block's and how many, in room of fixed width),
-    // its groups' length so, then the groups.
+    // its layer's and linetype's serials so when the look keeps them there
+    // (each as its step from the record's own serial, zigzagged: a layer
+    // made for the record just before it takes a byte), its groups' length
+    // so, then the groups.
     ByteChunks m_records;
     std::vector<Look> m_looks;
     struct LookHash {
@@ -162,6 +176,8 @@ private:
     };
     std::unordered_map<Look, std::size_t, LookHash> m_lookPlaces;
     std::size_t m_latestLook = 0;
+    // The look asked for by the record kept before, as given.
+    Look m_lookBefore;
     // The ids kept, in order: a file's records get consecutive ids.
     KxDbIdRuns m_ids;
     // Where they lie among the database's objects: so many after the

@@ -573,6 +573,34 @@ KxDbObjectId placeKeptBlock(kaldo::UnopenedRecords::Look& look, KxDbObjectId blo
     return block;
 }
 
+// A modelled entity takes its layer and linetype by id when it is made:
+// the groups of its record but the names spelled as their records (the
+// groups themselves when it has none or is large, where the names weigh
+// little beside a copy, else made in room). Records of an entity each that
+// name many layers cost about their bytes so.
+KxDbPackedGroupsView withoutNames(KxDbPackedGroupsView groups, const kaldo::UnopenedRecords::Look& look,
+                                  KxDbPackedGroups& room)
+{
+    constexpr std::size_t kLargest = 256;
+    if (groups.bytes().size() > kLargest)
+        return groups;
+    const auto keptAgain = [&look](std::int16_t code) {
+        return (code != 8 || look.layerSpelledOtherwise) && (code != 6 || look.linetypeSpelledOtherwise);
+    };
+    bool named = false;
+    groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view) {
+        named = !keptAgain(code);
+        return !named;
+    });
+    if (!named)
+        return groups;
+    groups.forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+        if (keptAgain(code))
+            room.append(code, part, value);
+    });
+    return room.view();
+}
+
 // Keeps the entity taken apart from the record (of any kind but MLINE)
 // unopened when its groups take less than half the object: records of a
 // few groups, where the object would cost many times the file. Larger
@@ -588,8 +616,10 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
     look.maker = &makeUnopened;
     parts.look.resolve(context, look);
     const KxDbObjectId owner = placeKeptBlock(look, block, block.isNull() ? blockOf(parts.basics, context) : block);
+    KxDbPackedGroups unnamed;
+    const KxRxClass* const cls = entityClass(parts);
     return !context.db.unopenedRecords()
-                .keep(entityClass(parts) ? entityClass(parts) : KxDbUnmodelledEntity::desc(), look, groups,
+                .keep(cls ? cls : KxDbUnmodelledEntity::desc(), look, cls ? withoutNames(groups, look, unnamed) : groups,
                       context.fileHandle(parts.basics.handle), false, owner)
                 .isNull();
 }
@@ -613,8 +643,10 @@ bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId 
     resolved.maker = &makeUnopened;
     look.resolve(context, resolved);
     const KxDbObjectId owner = placeKeptBlock(resolved, block, block.isNull() ? blockOf(basics, context) : block);
-    const KxDbObjectId id = context.db.unopenedRecords().keep(KxDbMline::desc(), resolved, groups,
-                                                              context.fileHandle(basics.handle), true, owner);
+    KxDbPackedGroups unnamed;
+    const KxDbObjectId id =
+        context.db.unopenedRecords().keep(KxDbMline::desc(), resolved, withoutNames(groups, resolved, unnamed),
+                                          context.fileHandle(basics.handle), true, owner);
     if (id.isNull())
         return false;
     context.keptMlines.push_back({id, styleLink, outline});

@@ -2,7 +2,9 @@
 
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/TableRecords.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/DefaultRecords.h"
+#include "kaldo/dxf/TablesSection.h"
 #include "kaldo/util/Utf8.h"
 
 #include "kxdbsymtb.h"
@@ -94,6 +96,21 @@ KxDbObjectId ReadContext::knownLinetype(std::string_view name)
                                         : record(roots.linetypeTable, linetypes_, name, false, nullptr, false);
 }
 
+KxDbObjectId ReadContext::addRecord(KxDbSymbolTable& table, const std::wstring& name, bool isLayer)
+{
+    std::unique_ptr<KxDbSymbolTableRecord> rec;
+    if (isLayer)
+        rec = std::make_unique<KxDbLayerTableRecord>();
+    else
+        rec = std::make_unique<KxDbLinetypeTableRecord>();
+    rec->setName(name.c_str());
+    KxDbObjectId id;
+    if (table.add(rec.get(), id) != Kald::eOk)
+        return {};
+    rec.release()->close();
+    return id;
+}
+
 KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::string_view name, bool isLayer,
                                  bool* spelledAsRecord, bool addMissing)
 {
@@ -111,22 +128,24 @@ KxDbObjectId ReadContext::record(KxDbObjectId tableId, FoundNames& cache, std::s
     if (table->getAt(wideName.c_str(), id) != Kald::eOk) {
         if (!addMissing)
             return {};
-        KxDbSymbolTableRecord* rec = isLayer ? static_cast<KxDbSymbolTableRecord*>(new KxDbLayerTableRecord)
-                                             : new KxDbLinetypeTableRecord;
-        rec->setName(wideName.c_str());
-        if (table->add(rec, id) != Kald::eOk) {
-            delete rec;
+        id = keepMissingRecord(*this, *table, name, isLayer);
+        if (id.isNull())
+            id = addRecord(*table, wideName, isLayer);
+        if (id.isNull())
             return {};
-        }
-        maxHandle = std::max(maxHandle, rec->handle());
-        rec->close();
+        maxHandle = std::max(maxHandle, db.unopenedRecords().handleOf(id));
     }
     // Read without making the object of a record kept unopened.
     const bool spelledSo = kaldo::TableRecords::nameOf(id) == wideName;
-    const auto& entry = *cache.byName.emplace(std::string(name), Found{id, spelledSo}).first;
+    // A file that names very many records finds those beyond the first
+    // many in the table, each time: a name cached costs more than its record.
+    const Found entry{id, spelledSo};
+    if (cache.byName.size() >= FoundNames::kCached)
+        return found(entry, spelledAsRecord);
+    const auto& cached = *cache.byName.emplace(std::string(name), entry).first;
     if (cache.first.size() < FoundNames::kFirst)
-        cache.first.push_back(&entry);
-    return found(entry.second, spelledAsRecord);
+        cache.first.push_back(&cached);
+    return found(cached.second, spelledAsRecord);
 }
 
 }  // namespace kaldo::dxf

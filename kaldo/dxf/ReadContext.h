@@ -146,12 +146,15 @@ private:
     };
     struct FoundNames {
         static constexpr std::size_t kFirst = 8;
+        static constexpr std::size_t kCached = 256;
         std::unordered_map<std::string, Found, NameHash, std::equal_to<>> byName;
         std::vector<const std::pair<const std::string, Found>*> first;
         // The entry of the first few spelled as name exactly, or null.
         const Found* firstNamed(std::string_view name) const;
     };
     static KxDbObjectId found(const Found& entry, bool* spelledAsRecord);
+    // Adds a record of the name as an object: null when the table refuses it.
+    KxDbObjectId addRecord(KxDbSymbolTable& table, const std::wstring& name, bool isLayer);
     // Null for a name the table does not hold unless addMissing.
     KxDbObjectId record(KxDbObjectId table, FoundNames& cache, std::string_view name, bool isLayer,
                         bool* spelledAsRecord, bool addMissing = true);

@@ -440,6 +440,16 @@ KxDbObjectId addNamedBlock(ReadContext& context, KxDbSymbolTable& table, const s
     return id;
 }
 
+KxDbObjectId keepMissingRecord(ReadContext& context, const KxDbSymbolTable& table, std::string_view name,
+                               bool isLayer)
+{
+    KxDbPackedGroups groups;
+    groups.append(2, 0, name);
+    const KxRxClass* cls = isLayer ? KxDbLayerTableRecord::desc() : KxDbLinetypeTableRecord::desc();
+    return context.db.unopenedRecords().keep(cls, recordLook(isLayer ? "LAYER" : "LTYPE", table, {}), groups.view(),
+                                             0);
+}
+
 void readTablesSection(GroupReader& reader, ReadContext& context)
 {
     Group g;

@@ -1,8 +1,8 @@
 // A list of object ids in an order of its owner's choosing, held as runs
-// of consecutive serials: the entities of a block read from a file were
-// given their ids in the order the block lists them, so the list costs a
-// run or a few where a word per id would cost eight bytes an entity. An
-// order of no runs costs a word per id, as a vector of ids does.
+// of serials a step apart: the entities of a block read from a file were
+// given their ids in the order the block lists them (a step of two when a
+// record was made for each), so the list costs a run or a few where a word
+// per id would cost eight bytes an entity. No runs: a word per id.
 #pragma once
 
 #include <cstddef>
@@ -70,9 +70,9 @@ public:
 
 private:
     // A word per id apart, its serial; a run of two or more ids is two
-    // words, its first serial marked kRunStart and its count marked
-    // kRunCount. Serials are counted from 1 by the process and stay far
-    // below the two marking bits.
+    // words, its first serial marked kRunStart and its count (low 40 bits)
+    // and step less one (the bits above) marked kRunCount. Serials are
+    // counted from 1 by the process and stay far below the marking bits.
     static constexpr std::uint64_t kRunStart = std::uint64_t(2) << 62;
     static constexpr std::uint64_t kRunCount = std::uint64_t(3) << 62;
     static constexpr std::uint64_t kValueBits = (std::uint64_t(1) << 62) - 1;

@@ -92,14 +92,17 @@ TEST(NewDrawing, BlockIteratorSkipsErasedEntities)
     EXPECT_EQ(visited(), (std::vector<KxDbObjectId>{ids[0], ids[1], ids[2]})) << "unerased, it is walked again";
 }
 
-// A block's list holds its ids as runs of consecutive serials: any order
+// A block's list holds its ids as runs of serials a step apart (one, two
+// when a record was made for each entity, or any other): any order
 // reads back as appended, and a cut anywhere (undo taking back what was
 // appended) keeps the ids before it and hands back those after, in order,
 // after which appending them again gives the list back.
 TEST(NewDrawing, IdRunsKeepAnyOrderAndCutAnywhere)
 {
     std::vector<KxDbObjectId> ids;
-    for (const std::uint64_t serial : {5, 6, 7, 8, 20, 9, 10, 11, 30, 31, 2, 1, 100, 101, 102})
+    for (const std::uint64_t serial : {5ull, 6ull, 7ull, 8ull, 20ull, 9ull, 10ull, 11ull, 30ull, 31ull, 2ull, 1ull, 100ull,
+                                       101ull, 102ull, 200ull, 202ull, 204ull, 206ull, 300ull, 305ull, 310ull, 311ull,
+                                       312ull, 1ull << 30, 5ull << 30, 9ull << 30})
         ids.push_back(KxDbObjectId::fromOldId(serial));
     const auto listed = [](const KxDbIdRuns& runs) { return std::vector<KxDbObjectId>(runs.begin(), runs.end()); };
     for (std::size_t keep = 0; keep <= ids.size() + 1; ++keep) {

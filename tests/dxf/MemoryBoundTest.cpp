@@ -309,6 +309,18 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
                               }),
                               4});
         }
+        // Lines that each name a layer or a linetype the tables lack: the
+        // record made for each is kept as a record of its one name, and
+        // each line keeps the record it names with it (a step from its own
+        // id), not its name again, nor in a look of its own (40 times the
+        // file with an object, a look and a cached name each).
+        for (const std::string code : {"8", "6"})
+            inputs.push_back({"lines of a missing name each (" + code + ")",
+                              smallDrawing(numbered(20000, [&](const std::string& n) {
+                                               return "0\nLINE\n" + code + "\n" + n + "\n";
+                                           }),
+                                           ""),
+                              4});
         inputs.push_back({"tables of a name", section("TABLES", numbered(50000, [](const std::string& n) {
                                                           return "0\nTABLE\n2\nT" + n + "\n0\nENDTAB\n";
                                                       })),

@@ -333,6 +333,80 @@ TEST(DxfRoundTrip, LayersAndLinetypesKeptAsTheirRecordsOpenAsRead)
     EXPECT_EQ(layerNamed(L"HALLS"), walls);
     db.undoHistory().undo(1);
     EXPECT_EQ(layerNamed(L"walls"), walls);
+
+    // Lines that name layers and linetypes the tables lack: the record
+    // made for each name is kept as a record of its one name and written
+    // as a new record is; lines of more looks than a few keep the records
+    // they name with them (a rename holds), and the names spelled
+    // otherwise are written back so.
+    std::string lines;
+    for (int i = 0; i < 150; ++i)
+        lines += "0\nLINE\n8\nL" + std::to_string(i) + "\n6\n" + (i % 2 ? "T" + std::to_string(i) : "ByLayer") + "\n";
+    lines += "0\nLINE\n8\nl5\n6\nt7\n";
+    kaldo::dxf::DxfDrawing named = fromDxfText(smallDrawing(lines, ""));
+    KxDbDatabase& namedDb = *named.database;
+    const auto recordNamed = [&namedDb](KxDbObjectId tableId, const std::wstring& name) {
+        KxDbObjectId record;
+        KxDbObjectPtr<KxDbSymbolTable>(tableId, KxDb::kForRead)->getAt(name.c_str(), record);
+        return record;
+    };
+    std::vector<KxDbObjectId> lineIds;
+    for (auto it = KxDbBlockTableRecord::cast(namedDb.peekObject(namedDb.modelSpaceId()))->newIterator(); !it->done();
+         it->step())
+        lineIds.push_back(it->getEntityId());
+    ASSERT_EQ(lineIds.size(), 151u);
+    const KxDbObjectId l149 = recordNamed(namedDb.layerTableId(), L"L149");
+    const KxDbObjectId t149 = recordNamed(namedDb.linetypeTableId(), L"T149");
+    EXPECT_TRUE(kaldo::isUnopened(l149));
+    EXPECT_TRUE(kaldo::isUnopened(t149));
+    EXPECT_TRUE(kaldo::isUnopened(lineIds[149]));
+    const std::string namedSaved = toDxfText(named);
+    for (const char* record : {"AcDbLayerTableRecord\n  2\nL149\n 70\n0\n 62\n7\n  6\nContinuous\n",
+                               "AcDbLinetypeTableRecord\n  2\nT149\n 70\n0\n  3\n\n 72\n65\n 73\n0\n 40\n0\n",
+                               "  8\nl5\n  6\nt7\n"})
+        EXPECT_NE(namedSaved.find(record), std::string::npos) << record;
+    const std::uint64_t namedChanges = namedDb.changeCount();
+    for (const int i : {2, 3, 148, 149}) {
+        const auto* line = KxDbLine::cast(namedDb.peekObject(lineIds[std::size_t(i)]));
+        ASSERT_NE(line, nullptr);
+        EXPECT_EQ(line->layerId(), recordNamed(namedDb.layerTableId(), L"L" + std::to_wstring(i))) << i;
+        EXPECT_EQ(line->linetypeId(),
+                  i % 2 ? recordNamed(namedDb.linetypeTableId(), L"T" + std::to_wstring(i)) : namedDb.byLayerLinetype())
+            << i;
+    }
+    EXPECT_EQ(KxDbLayerTableRecord::cast(namedDb.peekObject(l149))->name(), L"L149");
+    EXPECT_EQ(namedDb.changeCount(), namedChanges);
+    EXPECT_EQ(toDxfText(named), namedSaved);
+    namedDb.undoHistory().beginStep(L"RENAME");
+    EXPECT_EQ(KxDbObjectPtr<KxDbLayerTableRecord>(recordNamed(namedDb.layerTableId(), L"L147"), KxDb::kForWrite)
+                  ->setName(L"Stairs"),
+              Kald::eOk);
+    namedDb.undoHistory().endStep();
+    EXPECT_EQ(KxDbLine::cast(namedDb.peekObject(lineIds[147]))->layerId(),
+              recordNamed(namedDb.layerTableId(), L"STAIRS"));
+    kaldo::dxf::DxfDrawing reread = fromDxfText(namedSaved);
+    EXPECT_EQ(toDxfText(reread), namedSaved);
+}
+
+// An object kept unopened before its owner keeps room for an owner of 35
+// bits: one whose owner's serial lies beyond is opened to take it, and
+// takes it as one kept does.
+TEST(DxfRoundTrip, AKeptObjectWhoseOwnerIsBeyondItsRoomIsOpenedToTakeIt)
+{
+    const std::string text =
+        groupText({"0", "SECTION", "2", "OBJECTS", "0", "DICTIONARY", "5", "C", "0", "LAYOUT", "5", "60", "330", "1A",
+                   "0", "DICTIONARY", "5", "1A", "0", "ENDSEC", "0", "SECTION", "2", "ENTITIES", "0", "ENDSEC", "0",
+                   "EOF"});
+    for (const bool far : {false, true}) {
+        if (far)
+            kaldo::skipSerialsTo(std::uint64_t(1) << 35);
+        kaldo::dxf::DxfDrawing drawing = fromDxfText(text);
+        KxDbDatabase& db = *drawing.database;
+        const KxDbObjectId layout = db.objectIdFromHandle(0x60), owner = db.objectIdFromHandle(0x1A);
+        EXPECT_EQ(owner.asOldId() >> 35 != 0, far);
+        EXPECT_EQ(kaldo::isUnopened(layout), !far);
+        EXPECT_EQ(db.peekObject(layout)->ownerId(), owner) << far;
+    }
 }
 
 // Multilines of a few groups a vertex are kept as their records too, their
