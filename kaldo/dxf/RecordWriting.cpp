@@ -1,6 +1,8 @@
 #include "kaldo/dxf/RecordWriting.h"
 
+#include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/PackedGroupValue.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/util/Utf8.h"
 #include "kxdbdatabase.h"
@@ -30,8 +32,9 @@ void refuseRecord(const KxDbObject& obj, const DxfError& error)
 
 std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 {
-    const KxDbObject* obj = db.peekObject(id);
-    return obj ? obj->handle() : 0;
+    // From the handle table: a record kept unopened (a dictionary's entry)
+    // is not made for it.
+    return kaldo::registeredDatabase(id) == &db ? db.unopenedRecords().handleOf(id) : 0;
 }
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
