@@ -130,6 +130,8 @@ void DictionaryEntries::put(std::wstring_view name, KxDbObjectId id)
     std::string packed;
     for (const wchar_t c : name)
         appendVarNumber(packed, static_cast<std::uint32_t>(c));
+    if (entry != npos && packedName(entry) == packed)
+        return;
     if (m_names.size() + packed.size() > std::numeric_limits<std::uint32_t>::max())
         throw std::length_error("a dictionary's names outgrow its store.");
     const Entry spelled{id, std::uint32_t(m_names.size()), std::uint32_t(packed.size())};

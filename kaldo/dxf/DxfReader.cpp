@@ -201,11 +201,13 @@ void linkDictionaryEntries(ReadContext& context)
             context.repairs.push_back("line " + std::to_string(entry.line) + ": the dictionary entry \""
                                       + utf8FromWide(name) + "\" repeats a name of the dictionary "
                                       + "(case aside); it is kept as \"" + utf8FromWide(key) + "\".");
-            if (auto* style = KxDbMlineStyle::cast(db.peekObject(target)); style && kaldo::sameName(style->name(), name))
+            if (auto* style = isStyle ? KxDbMlineStyle::cast(db.peekObject(target)) : nullptr;
+                style && kaldo::sameName(style->name(), name))
                 style->setName(key.c_str());
         }
-        dict->setIdAt(key.c_str(), target);
-        giveOwner(db, target, dict->objectId());
+        // An entry naming its own dictionary is left out.
+        if (dict->setIdAt(key.c_str(), target) == Kald::eOk)
+            giveOwner(db, target, dict->objectId());
     });
 }
 

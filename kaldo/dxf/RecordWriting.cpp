@@ -32,7 +32,8 @@ void refuseRecord(const KxDbObject& obj, const DxfError& error)
 
 std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 {
-    // A record kept unopened (an entity's block) is not opened for it.
+    // A record kept unopened (an entity's block, a dictionary's entry) is
+    // not opened for it.
     if (kaldo::isUnopened(id))
         return kaldo::registeredDatabase(id) == &db ? db.unopenedRecords().handleOf(id) : 0;
     const KxDbObject* obj = db.peekObject(id);

@@ -2,8 +2,14 @@
 
 #include "kxdb.h"
 #include "kaldo/core/Host.h"
+#include "kaldo/db/NameKey.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kxstring.h"
+
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -123,6 +129,65 @@ TEST(Dictionary, ObjectsFoundByIdThroughMovesRenamesAndUndo)
     EXPECT_EQ(name, L"C");
     EXPECT_EQ(s.dict->getAt(L"c", id), Kald::eOk);
     EXPECT_EQ(id, b);
+}
+
+// Many entries, put, moved and removed in any order: each is found by its
+// name in any case and by its object, iterators give them in the order of
+// their names in upper case (characters past ASCII and past 16 bits
+// included), and an object put by id (as a reader links records) keeps
+// the rules of keys.
+TEST(Dictionary, ManyEntriesFoundAndIteratedByNameInUpperCase)
+{
+    StyleDictionary s;
+    const std::wstring letters = L"aBcXyZ\u00e9\u00c9\u00df\u01c5\u4e2d\U0001F600_0";
+    std::mt19937 random(5);
+    KxDbObjectId standard;
+    ASSERT_EQ(s.dict->getAt(L"Standard", standard), Kald::eOk);
+    // Each key (the name in upper case) with the name as spelled and its object.
+    std::map<std::wstring, std::pair<std::wstring, KxDbObjectId>> byKey{{L"STANDARD", {L"STANDARD", standard}}};
+    while (byKey.size() < 3000) {
+        std::wstring name;
+        for (std::size_t n = 1 + random() % 6; n > 0; --n)
+            name.push_back(letters[random() % letters.size()]);
+        if (byKey.count(kaldo::foldName(name)) == 0)
+            byKey[kaldo::foldName(name)] = {name, s.add(name.c_str())};
+    }
+    int i = 0;
+    for (auto it = byKey.begin(); it != byKey.end(); ++i) {
+        if (i % 3 == 0) {
+            EXPECT_EQ(i % 2 == 0 ? s.dict->remove(it->second.second) : s.dict->remove(it->first.c_str()), Kald::eOk);
+            it = byKey.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    std::vector<std::wstring> inOrder;
+    for (const auto& [key, entry] : byKey) {
+        inOrder.push_back(key);
+        KxDbObjectId found;
+        EXPECT_EQ(s.dict->getAt(key.c_str(), found), Kald::eOk) << key;
+        EXPECT_EQ(found, entry.second);
+        std::wstring name;
+        EXPECT_EQ(s.dict->nameAt(entry.second, name), Kald::eOk);
+        EXPECT_EQ(name, entry.first);
+    }
+    std::vector<std::wstring> keys;
+    for (auto it = s.dict->newIterator(); !it->done(); it->next())
+        keys.push_back(kaldo::foldName(it->name()));
+    EXPECT_EQ(keys, inOrder);
+    EXPECT_EQ(s.dict->numEntries(), int(inOrder.size()));
+
+    const KxDbObjectId taken = byKey.begin()->second.second;
+    const KxDbObjectId loose = s.add(L"loose");
+    ASSERT_EQ(s.dict->remove(loose), Kald::eOk);
+    EXPECT_EQ(s.dict->setIdAt(byKey.begin()->first.c_str(), loose), Kald::eDuplicateKey);
+    EXPECT_EQ(s.dict->setIdAt(L"self", s.dict->objectId()), Kald::eInvalidInput);
+    EXPECT_EQ(s.dict->setIdAt(L"Linked", loose), Kald::eOk);
+    EXPECT_EQ(s.dict->setIdAt(L"LINKED", loose), Kald::eOk);
+    std::wstring name;
+    EXPECT_EQ(s.dict->nameAt(loose, name), Kald::eOk);
+    EXPECT_EQ(name, L"LINKED");
+    EXPECT_TRUE(s.dict->has(taken));
 }
 
 TEST(Dictionary, SearchByEntityNames)

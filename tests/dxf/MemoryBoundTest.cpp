@@ -221,10 +221,12 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         const std::string entries =
             numbered(kEntries, [](const std::string& n) { return "3\n" + n + "\n350\n1" + n + "\n"; });
         const auto records = [&](const std::string& kind, const std::string& groups) {
-            return numbered(kEntries, [&](const std::string& n) { return "0\n" + kind + "\n5\n1" + n + "\n" + groups; });
+            return numbered(kEntries,
+                            [&](const std::string& n) { return "0\n" + kind + "\n5\n1" + n + "\n" + groups; });
         };
         inputs.push_back({"a dictionary of one entry again and again",
-                          smallDrawing("", root + repeated("3\nA\n350\n100\n", kEntries) + "0\nLAYOUT\n5\n100\n"), 4});
+                          smallDrawing("", root + repeated("3\nA\n350\n100\n", kEntries) + "0\nLAYOUT\n5\n100\n"),
+                          4});
         inputs.push_back({"a dictionary of layouts", smallDrawing("", root + entries + records("LAYOUT", "")), 4});
         inputs.push_back(
             {"a dictionary of layouts it owns", smallDrawing("", root + entries + records("LAYOUT", "330\nC\n")), 4});

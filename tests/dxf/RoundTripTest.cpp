@@ -192,14 +192,17 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
 // gives what the reader made of the record and changes nothing, undo puts
 // a kept one back as read, and one opened while the file is read still
 // takes its owner. A style dictionary's entry and a multiline's style
-// handle find the styles kept so.
+// handle find the styles kept so. Objects a dictionary names stay kept,
+// owned by that dictionary whether they name no owner or another.
 TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
 {
     const std::string text = smallDrawing(
         groupText({"0", "MLINE", "5", "30", "100", "AcDbMline", "340", "42", "72", "2", "73", "0", "11", "0", "21",
                    "0", "11", "1", "21", "0"}),
         groupText({"0",  "DICTIONARY", "5",   "C",  "100", "AcDbDictionary", "3",   "ACAD_MLINESTYLE", "350", "17",
-                   "3",  "RUN",        "350", "51", "0",   "LAYOUT",         "5",   "60",              "330", "1A",
+                   "3",  "RUN",        "350", "51", "3",   "LATE",           "350", "63",              "3",   "BARE",
+                   "350", "64",        "0",   "XRECORD",    "5",   "63",     "330", "1A",              "0",   "XRECORD",
+                   "5",  "64",         "0",   "LAYOUT",         "5",   "60",              "330", "1A",
                    "0",  "DICTIONARY", "5",   "17", "330", "C",              "100", "AcDbDictionary",  "3",   "WALL",
                    "350", "40",        "0",   "FOO", "5",  "50",             "0",   "FOO",             "5",   "51",
                    "0",  "XRECORD",    "5",   "61", "330", "17",             "0",   "MLINESTYLE",      "5",   "40",
@@ -210,7 +213,7 @@ TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
     kaldo::dxf::DxfDrawing drawing = fromDxfText(text);
     KxDbDatabase& db = *drawing.database;
     const auto id = [&db](std::uint64_t handle) { return db.objectIdFromHandle(handle); };
-    const std::uint64_t kept[] = {0x60, 0x61, 0x41, 0x62};
+    const std::uint64_t kept[] = {0x60, 0x61, 0x41, 0x62, 0x63, 0x64};
     EXPECT_EQ(id(0x41).objectClass(), KxDbMlineStyle::desc());
     KxDbObjectId wall;
     ASSERT_EQ(KxDbDictionary::cast(db.peekObject(db.mlineStyleDictionaryId()))->getAt(L"WALL", wall), Kald::eOk);
@@ -219,7 +222,8 @@ TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
     EXPECT_EQ(firstEntity<KxDbMline>(db)->style(), id(0x42));
     const std::string saved = toDxfText(drawing);
     std::size_t at = 0;
-    for (const char* record : {"LAYOUT\n  5\n60\n330\n1A\n", "FOO\n  5\n50\n", "FOO\n  5\n51\n",
+    for (const char* record : {"XRECORD\n  5\n63\n330\n1A\n", "XRECORD\n  5\n64\n", "LAYOUT\n  5\n60\n330\n1A\n",
+                               "FOO\n  5\n50\n", "FOO\n  5\n51\n",
                                "XRECORD\n  5\n61\n330\n17\n", "MLINESTYLE\n  5\n41\n330\n0\n",
                                "SORTENTSTABLE\n  5\n62\n330\nFFF\n"}) {
         at = saved.find(std::string("\n") + record, at);
@@ -241,6 +245,8 @@ TEST(DxfRoundTrip, ObjectsKeptAsTheirRecordsOpenAsReadInTheirPlaces)
     EXPECT_EQ(layout->ownerId(), id(0x1A));
     EXPECT_EQ(db.peekObject(id(0x61))->ownerId(), id(0x17));
     EXPECT_TRUE(db.peekObject(id(0x62))->ownerId().isNull());
+    EXPECT_EQ(db.peekObject(id(0x63))->ownerId(), id(0xC));
+    EXPECT_EQ(db.peekObject(id(0x64))->ownerId(), id(0xC));
     const auto* loose = KxDbMlineStyle::cast(db.peekObject(id(0x41)));
     ASSERT_NE(loose, nullptr);
     EXPECT_EQ(loose->handle(), 0x41u);
