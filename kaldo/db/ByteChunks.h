@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -29,7 +28,7 @@ private:
     // The room of a chunk, unless what is appended needs more.
     static constexpr std::size_t kChunkBytes = std::size_t(1) << 16;
 
-    std::vector<std::string> m_chunks;
+    std::vector<std::vector<char>> m_chunks;
 };
 
 }  // namespace kaldo
