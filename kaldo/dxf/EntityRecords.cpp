@@ -619,8 +619,9 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
     KxDbPackedGroups unnamed;
     const KxRxClass* const cls = entityClass(parts);
     return !context.db.unopenedRecords()
-                .keep(cls ? cls : KxDbUnmodelledEntity::desc(), look, cls ? withoutNames(groups, look, unnamed) : groups,
-                      context.fileHandle(parts.basics.handle), false, owner)
+                .keep(cls ? cls : KxDbUnmodelledEntity::desc(), look,
+                      cls ? withoutNames(groups, look, unnamed) : groups, context.fileHandle(parts.basics.handle),
+                      false, owner)
                 .isNull();
 }
 

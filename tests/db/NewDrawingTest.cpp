@@ -100,9 +100,9 @@ TEST(NewDrawing, BlockIteratorSkipsErasedEntities)
 TEST(NewDrawing, IdRunsKeepAnyOrderAndCutAnywhere)
 {
     std::vector<KxDbObjectId> ids;
-    for (const std::uint64_t serial : {5ull, 6ull, 7ull, 8ull, 20ull, 9ull, 10ull, 11ull, 30ull, 31ull, 2ull, 1ull, 100ull,
-                                       101ull, 102ull, 200ull, 202ull, 204ull, 206ull, 300ull, 305ull, 310ull, 311ull,
-                                       312ull, 1ull << 30, 5ull << 30, 9ull << 30})
+    for (const std::uint64_t serial : {5ull, 6ull, 7ull, 8ull, 20ull, 9ull, 10ull, 11ull, 30ull, 31ull, 2ull, 1ull,
+                                       100ull, 101ull, 102ull, 200ull, 202ull, 204ull, 206ull, 300ull, 305ull, 310ull,
+                                       311ull, 312ull, 1ull << 30, 5ull << 30, 9ull << 30})
         ids.push_back(KxDbObjectId::fromOldId(serial));
     const auto listed = [](const KxDbIdRuns& runs) { return std::vector<KxDbObjectId>(runs.begin(), runs.end()); };
     for (std::size_t keep = 0; keep <= ids.size() + 1; ++keep) {
