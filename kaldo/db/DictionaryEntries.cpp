@@ -1,21 +1,16 @@
 #include "kaldo/db/DictionaryEntries.h"
 
 #include <algorithm>
-#include <cwctype>
 #include <limits>
 #include <stdexcept>
 
+#include "kaldo/db/MixedBits.h"
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/VarNumber.h"
 
 namespace kaldo {
 
 namespace {
-
-wchar_t folded(wchar_t c)
-{
-    return static_cast<wchar_t>(std::towupper(c));
-}
 
 // The characters of a packed name one by one.
 class PackedReader {
@@ -38,17 +33,14 @@ std::uint64_t hashOfName(std::wstring_view name)
 // bits the slots keep differ.
 std::uint64_t hashOfId(KxDbObjectId id)
 {
-    std::uint64_t x = id.asOldId() + 0x9E3779B97F4A7C15ull;
-    x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ull;
-    x = (x ^ (x >> 27)) * 0x94D049BB133111EBull;
-    return x ^ (x >> 31);
+    return mixedBits(id.asOldId() + 0x9E3779B97F4A7C15ull);
 }
 
 bool sameFolded(std::string_view packed, std::wstring_view key)
 {
     PackedReader reader(packed);
     for (const wchar_t c : key)
-        if (reader.done() || folded(reader.next()) != c)
+        if (reader.done() || foldChar(reader.next()) != c)
             return false;
     return reader.done();
 }
@@ -59,8 +51,8 @@ bool foldedLess(std::string_view a, std::string_view b)
     PackedReader left(a);
     PackedReader right(b);
     while (!left.done() && !right.done()) {
-        const wchar_t l = folded(left.next());
-        const wchar_t r = folded(right.next());
+        const wchar_t l = foldChar(left.next());
+        const wchar_t r = foldChar(right.next());
         if (l != r)
             return l < r;
     }

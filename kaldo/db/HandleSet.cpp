@@ -1,5 +1,7 @@
 #include "kaldo/db/HandleSet.h"
 
+#include "kaldo/db/MixedBits.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -69,19 +71,9 @@ std::size_t HandleSet::countApart(std::uint64_t handle, bool& present) const
     return count;
 }
 
-namespace {
-// The finalizer of splitmix64: the two bits of a key from its halves.
-std::uint64_t mixed(std::uint64_t key)
-{
-    key = (key ^ (key >> 30)) * 0xBF58476D1CE4E5B9ull;
-    key = (key ^ (key >> 27)) * 0x94D049BB133111EBull;
-    return key ^ (key >> 31);
-}
-}  // namespace
-
 void HandleSet::setInFilter(std::uint64_t key)
 {
-    const std::uint64_t mix = mixed(key);
+    const std::uint64_t mix = mixedBits(key);
     const std::size_t mask = m_filter.size() * 64 - 1;
     for (const std::size_t bit : {std::size_t(mix) & mask, std::size_t(mix >> 32) & mask})
         m_filter[bit / 64] |= std::uint64_t(1) << (bit % 64);
@@ -91,7 +83,7 @@ bool HandleSet::mayBeApart(std::uint64_t key) const
 {
     if (m_filter.empty())
         return false;
-    const std::uint64_t mix = mixed(key);
+    const std::uint64_t mix = mixedBits(key);
     const std::size_t mask = m_filter.size() * 64 - 1;
     const auto set = [&](std::size_t bit) { return (m_filter[bit / 64] >> (bit % 64)) & 1; };
     return set(std::size_t(mix) & mask) && set(std::size_t(mix >> 32) & mask);

@@ -5,10 +5,15 @@
 
 namespace kaldo {
 
+wchar_t foldChar(wchar_t c)
+{
+    return static_cast<wchar_t>(std::towupper(c));
+}
+
 std::wstring foldName(std::wstring_view name)
 {
     std::wstring key(name);
-    std::transform(key.begin(), key.end(), key.begin(), [](wchar_t c) { return static_cast<wchar_t>(std::towupper(c)); });
+    std::transform(key.begin(), key.end(), key.begin(), foldChar);
     return key;
 }
 

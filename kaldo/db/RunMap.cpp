@@ -1,5 +1,7 @@
 #include "kaldo/db/RunMap.h"
 
+#include "kaldo/db/MixedBits.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -7,12 +9,8 @@ namespace kaldo {
 
 std::size_t RunMap::home(std::uint64_t key) const
 {
-    if (m_mixed) {
-        // The finalizer of splitmix64.
-        key = (key ^ (key >> 30)) * 0xBF58476D1CE4E5B9ull;
-        key = (key ^ (key >> 27)) * 0x94D049BB133111EBull;
-        key ^= key >> 31;
-    }
+    if (m_mixed)
+        key = mixedBits(key);
     return std::size_t(key) & (m_slots.size() - 1);
 }
 
