@@ -19,6 +19,9 @@ constexpr std::uint64_t bitOf(std::uint64_t handle)
 
 bool HandleSet::contains(std::uint64_t handle) const
 {
+    // Most sets a file's reading asks are empty.
+    if (m_pages.empty() && m_filter.empty())
+        return false;
     const std::uint64_t page = handle >> kPageBits;
     const auto found = !m_pages.empty() && m_inserted->first == page ? m_inserted : m_pages.find(page);
     if (found != m_pages.end())

@@ -354,10 +354,8 @@ KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, Rec
     const KxDbObjectId target = block.isNull() ? blockOf(basics, context) : block;
     // A block kept unopened takes the entity without being opened; model
     // and paper space never are.
-    const bool unopened =
-        target != context.roots.modelSpace && target != context.roots.paperSpace && kaldo::isUnopened(target);
-    auto* space = unopened ? nullptr : KxDbBlockTableRecord::cast(context.db.peekObject(target));
-    if (!space && !(unopened && context.isBlock(target)))
+    auto* space = context.openedBlock(target);
+    if (!space && !(kaldo::isUnopened(target) && context.isBlock(target)))
         throw DxfError(line, "the entity belongs to no block.");
     basics.owner = 0;
     KxDbEntity* owned = entity.release();
@@ -479,14 +477,14 @@ void takeApart(const Record& record, EntityParts& parts, bool countFirst = true)
     parts.look = {};
     parts.error = nullptr;
     parts.verticesUnread = false;
-    const std::string& kind = record.kind();
-    if (kind == "LINE") {
+    const RecordKind kind = record.kindCode();
+    if (kind == RecordKind::Line) {
         parts.unmade = readLine(record, parts.basics, parts.look);
-    } else if (kind == "ARC" || kind == "CIRCLE") {
-        parts.unmade = readCircleOrArc(record, parts.basics, parts.look, kind == "ARC");
-    } else if (kind == "LWPOLYLINE") {
+    } else if (kind == RecordKind::Arc || kind == RecordKind::Circle) {
+        parts.unmade = readCircleOrArc(record, parts.basics, parts.look, kind == RecordKind::Arc);
+    } else if (kind == RecordKind::LwPolyline) {
         takePolylineApart(record, parts, countFirst);
-    } else if (kind != "MLINE") {
+    } else if (kind != RecordKind::Mline) {
         parts.basics = rawRecordBasics(record);
         // Its layer, linetype and colour, so that it is drawn in them; the
         // groups are written back as read.
@@ -840,8 +838,7 @@ void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot)
 
 void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, RecordAhead* ahead)
 {
-    const std::string& kind = record.kind();
-    if (kind == "MLINE") {
+    if (record.kindCode() == RecordKind::Mline) {
         finishRecordRun(context);
         if (keepMlineUnopened(record, context, block))
             return;
@@ -855,12 +852,14 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         context.styleReferences.push_back({added->objectId(), styleLink.handle, styleLink.name, styleLink.line});
         return;
     }
-    // Owned here until its block takes it, so that a group refused on the
-    // way leaves nothing behind; made only when not taken apart ahead.
-    std::optional<EntityParts> partsHere;
+    // Held by the parts until its block takes it, so that a group refused on
+    // the way adds nothing; taken apart here, into the parts the context
+    // reuses, when not taken apart ahead.
     auto* parts = static_cast<EntityParts*>(ahead);
     if (!parts) {
-        parts = &partsHere.emplace();
+        if (!context.entityParts)
+            context.entityParts = std::make_unique<EntityParts>();
+        parts = static_cast<EntityParts*>(context.entityParts.get());
         takeApart(record, *parts);
     } else if (parts->error) {
         std::rethrow_exception(parts->error);
@@ -875,7 +874,7 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         takeApart(record, *parts, false);
     makeEntity(*parts);
     if (!parts->entity) {
-        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(kind, record.packedGroups());
+        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(record.kind(), record.packedGroups());
         RecordBasics lookKept;
         parts->look.applyTo(*unmodelled, context, lookKept);
         append(context, std::move(unmodelled), parts->basics, block, record.line());

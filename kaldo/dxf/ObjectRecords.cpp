@@ -364,8 +364,8 @@ void readObject(const Record& record, ReadContext& context)
 {
     if (gatherKeptObject(record, context))
         return;
-    const std::string& kind = record.kind();
-    if (kind == "DICTIONARY") {
+    const RecordKind kind = record.kindCode();
+    if (kind == RecordKind::Dictionary) {
         const bool isRoot = context.roots.namedObjects.isNull();
         if (isRoot) {
             readDictionary(record, context, true);
@@ -388,7 +388,7 @@ void readObject(const Record& record, ReadContext& context)
                 return;
             }
         }
-    } else if (kind == "MLINESTYLE") {
+    } else if (kind == RecordKind::MlineStyle) {
         readMlineStyle(record, context);
         return;
     }

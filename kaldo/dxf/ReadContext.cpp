@@ -53,13 +53,34 @@ bool ReadContext::isBlock(KxDbObjectId id) const
     return cls && cls->isDerivedFrom(KxDbBlockTableRecord::desc()) && kaldo::registeredDatabase(id) == &db;
 }
 
+KxDbBlockTableRecord* ReadContext::openedBlock(KxDbObjectId id)
+{
+    if (id == lastOpenedBlockId_ && !id.isNull())
+        return lastOpenedBlock_;
+    if (id != roots.modelSpace && id != roots.paperSpace && kaldo::isUnopened(id))
+        return nullptr;
+    auto* block = KxDbBlockTableRecord::cast(db.peekObject(id));
+    // An object opened stays where it is while the drawing is read.
+    if (block) {
+        lastOpenedBlockId_ = id;
+        lastOpenedBlock_ = block;
+    }
+    return block;
+}
+
 const ReadContext::Found* ReadContext::FoundNames::firstNamed(std::string_view name) const
 {
     // Names are short: compared byte by byte, most differ in their length
     // or their first byte, without a call.
+    const std::size_t size = name.size();
     for (const auto* entry : first) {
         const std::string& known = entry->first;
-        if (known.size() == name.size() && std::equal(known.begin(), known.end(), name.begin()))
+        if (known.size() != size)
+            continue;
+        std::size_t at = 0;
+        while (at < size && known[at] == name[at])
+            ++at;
+        if (at == size)
             return &entry->second;
     }
     return nullptr;

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <functional>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -17,9 +18,11 @@
 #include "kaldo/dxf/MlineRecord.h"
 #include "kaldo/dxf/PendingDictionaryEntries.h"
 #include "kaldo/dxf/Record.h"
+#include "kaldo/dxf/SectionRecords.h"
 #include "kxdbdatabase.h"
 #include "kxdbmline.h"
 
+class KxDbBlockTableRecord;
 class KxDbEntity;
 class KxDbSymbolTable;
 
@@ -129,10 +132,21 @@ struct ReadContext {
     KxDbObjectId blockByHandle(std::uint64_t handle);
     // Whether id names a block of the drawing, told without opening it.
     bool isBlock(KxDbObjectId id) const;
+    // The block id names when it is opened (model and paper space always
+    // are), else null: nothing is opened. The entities of a section go to
+    // the same few blocks: the last one found is kept.
+    KxDbBlockTableRecord* openedBlock(KxDbObjectId id);
+
+    // What readEntity takes an entity record apart into on this thread,
+    // reused from record to record so that its room (a polyline's
+    // vertices) is made once.
+    std::unique_ptr<RecordAhead> entityParts;
 
 private:
     std::uint64_t lastBlockHandle_ = 0;
     KxDbObjectId lastBlock_;
+    KxDbObjectId lastOpenedBlockId_;
+    KxDbBlockTableRecord* lastOpenedBlock_ = nullptr;
     struct Found {
         KxDbObjectId id;
         bool spelledAsRecord = true;

@@ -82,7 +82,8 @@ inline Record::Number Record::numberOf(bool modelled, int code, std::string_view
 void Record::read(GroupReader& reader, const Group& head)
 {
     kind_.assign(trimmed(head.value));
-    modelled_ = isModelledKind(kind_);
+    kindCode_ = recordKindOf(kind_);
+    modelled_ = kindCode_ != RecordKind::Other;
     line_ = head.line;
     // Kept in locals while the groups are read: the members would be
     // stored and loaded again around every call of the reader.
@@ -151,7 +152,8 @@ void Record::read(GroupReader& reader, const Group& head)
 void Record::assign(std::string_view kind, KxDbPackedGroupsView groups)
 {
     kind_.assign(kind);
-    modelled_ = isModelledKind(kind_);
+    kindCode_ = recordKindOf(kind_);
+    modelled_ = kindCode_ != RecordKind::Other;
     line_ = 0;
     size_ = 0;
     used_ = groups.bytes().size();
@@ -171,10 +173,27 @@ void Record::noteNumbers(int code, std::string_view value)
     ++size_;
 }
 
-bool isModelledKind(std::string_view kind)
+RecordKind recordKindOf(std::string_view kind)
 {
-    return kind == "LINE" || kind == "ARC" || kind == "CIRCLE" || kind == "LWPOLYLINE" || kind == "MLINE"
-           || kind == "DICTIONARY" || kind == "MLINESTYLE";
+    // Told apart by length first: one comparison of text at most.
+    switch (kind.size()) {
+    case 3:
+        return kind == "ARC" ? RecordKind::Arc : RecordKind::Other;
+    case 4:
+        return kind == "LINE" ? RecordKind::Line : RecordKind::Other;
+    case 5:
+        return kind == "MLINE" ? RecordKind::Mline : RecordKind::Other;
+    case 6:
+        return kind == "CIRCLE" ? RecordKind::Circle : RecordKind::Other;
+    case 10:
+        return kind == "LWPOLYLINE" ? RecordKind::LwPolyline
+               : kind == "DICTIONARY" ? RecordKind::Dictionary
+               : kind == "MLINESTYLE" ? RecordKind::MlineStyle
+                                      : RecordKind::Other;
+    default:
+        return RecordKind::Other;
+    }
 }
+
 
 }  // namespace kaldo::dxf

@@ -17,6 +17,12 @@
 
 namespace kaldo::dxf {
 
+// The kinds of record whose groups the reader takes apart (modelled), told
+// once as a record is read so that its users switch on a number instead of
+// comparing its kind's text again; every other kind is Other.
+enum class RecordKind : std::uint8_t { Other, Line, Arc, Circle, LwPolyline, Mline, Dictionary, MlineStyle };
+RecordKind recordKindOf(std::string_view kind);
+
 class Record {
 public:
     // Reads the record that starts with the group just read (code 0): the
@@ -27,6 +33,7 @@ public:
     void assign(std::string_view kind, KxDbPackedGroupsView groups);
 
     const std::string& kind() const { return kind_; }
+    RecordKind kindCode() const { return kindCode_; }
     long line() const { return line_; }
     std::size_t size() const { return size_; }
     // Calls visit(group) for every group in order while it returns true.
@@ -72,6 +79,7 @@ private:
     // whole is copied as it lies.
     static constexpr std::size_t kFirstGroups = 64;
     std::string kind_;
+    RecordKind kindCode_ = RecordKind::Other;
     bool modelled_ = false;
     long line_ = 0;
     std::size_t size_ = 0;
@@ -88,10 +96,6 @@ private:
     std::vector<std::uint64_t> numbers_;
     std::vector<Number> numberKinds_;
 };
-
-// Whether records of the kind become modelled objects, whose groups are
-// taken apart, rather than kept whole as packed groups.
-bool isModelledKind(std::string_view kind);
 
 // The handle, owner and unmodelled groups of a record being taken apart.
 struct RecordBasics {
