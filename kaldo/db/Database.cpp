@@ -100,16 +100,18 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
 {
     if (!obj || !obj->objectId().isNull())
         return Kald::eInvalidInput;
-    if (handle == 0 || !objectIdFromHandle(handle).isNull())
-        handle = newHandle();
     m_undo->recordHeader();
-    if (handle <= kxdbHighestHandle)
-        m_header.handseed = std::max(m_header.handseed, handle + 1);
     obj->m_openForWrite = true;
     obj->m_readers = 0;
     obj->putId(kaldo::registerObject(obj, this));
     m_objects.emplace_back(obj);
-    m_handles->insert(handle, obj->objectId());
+    // The handle given unless an object has it, else a new one.
+    if (handle == 0 || !m_handles->insertNew(handle, obj->objectId())) {
+        handle = newHandle();
+        m_handles->insert(handle, obj->objectId());
+    }
+    if (handle <= kxdbHighestHandle)
+        m_header.handseed = std::max(m_header.handseed, handle + 1);
     m_undo->recordAdded(*obj, handle);
     noteChange();
     return Kald::eOk;

@@ -12,6 +12,15 @@ void HandleTable::insert(std::uint64_t handle, KxDbObjectId id)
         m_ids.erase(held);
 }
 
+bool HandleTable::insertNew(std::uint64_t handle, KxDbObjectId id)
+{
+    if (handle == 0 || id.isNull() || !m_ids.insertNew(handle, id.asOldId()))
+        return false;
+    if (const std::uint64_t held = m_handles.exchange(id.asOldId(), handle); held != 0 && held != handle)
+        m_ids.erase(held);
+    return true;
+}
+
 void HandleTable::erase(std::uint64_t handle)
 {
     if (const std::uint64_t id = m_ids.find(handle); id != 0) {

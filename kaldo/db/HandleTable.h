@@ -27,6 +27,9 @@ public:
     // Names id (not null) by handle (not 0), in place of what the handle
     // named and of the handle id had before.
     void insert(std::uint64_t handle, KxDbObjectId id);
+    // The same when the handle names nothing yet; false, with nothing
+    // changed, when it does: one search where asking first took two.
+    bool insertNew(std::uint64_t handle, KxDbObjectId id);
     void erase(std::uint64_t handle);
     // Whether the handle names an id or is reserved.
     bool isTaken(std::uint64_t handle) const { return contains(handle) || m_reserved.contains(handle); }

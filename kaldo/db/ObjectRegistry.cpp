@@ -251,7 +251,9 @@ private:
     std::size_t m_recentDatabase = kNoDatabase;
 };
 
-Registry& registry()
+// Inlined into every lookup: a call cost a third of asking an object's
+// database.
+[[gnu::always_inline]] inline Registry& registry()
 {
     static Registry r;
     return r;

@@ -48,22 +48,37 @@ std::uint64_t RunMap::find(std::uint64_t key) const
     return findInSlots(key);
 }
 
+bool RunMap::growLastRun(std::uint64_t key, std::uint64_t value)
+{
+    if (m_growing >= m_runs.size())
+        return false;
+    Run& run = m_runs[m_growing];
+    if (key - run.firstKey != run.count || value - run.firstValue != run.count
+        || (m_growing + 1 < m_runs.size() && key >= m_runs[m_growing + 1].firstKey)
+        || (m_used != 0 && key >= m_growingClearTo && findInSlots(key) != 0))
+        return false;
+    ++run.count;
+    return true;
+}
+
+void RunMap::growRun(std::size_t run)
+{
+    m_growing = run;
+    const std::uint64_t end = m_runs[run].firstKey + m_runs[run].count;
+    m_growingClearTo = end;
+    if (m_slots.size() > kScannedSlots)
+        return;
+    std::uint64_t clear = ~std::uint64_t(0);
+    for (const Slot& slot : m_slots)
+        if (slot.key >= end)
+            clear = std::min(clear, slot.key);
+    m_growingClearTo = clear;
+}
+
 std::uint64_t RunMap::exchange(std::uint64_t key, std::uint64_t value)
 {
-    if (key == 0)
+    if (key == 0 || growLastRun(key, value))
         return 0;
-    // Reading a file, the key and the value mostly continue the run that
-    // grew last, and the key lies before the next run and in no slot: the
-    // run grows at once, as addToRuns would have grown it.
-    if (m_growing < m_runs.size()) {
-        Run& run = m_runs[m_growing];
-        if (key - run.firstKey == run.count && value - run.firstValue == run.count
-            && (m_growing + 1 == m_runs.size() || key < m_runs[m_growing + 1].firstKey)
-            && (m_used == 0 || findInSlots(key) == 0)) {
-            ++run.count;
-            return 0;
-        }
-    }
     std::uint64_t previous = 0;
     if (const auto run = runOf(key); run != m_runs.end()) {
         previous = run->firstValue + (key - run->firstKey);
@@ -77,6 +92,19 @@ std::uint64_t RunMap::exchange(std::uint64_t key, std::uint64_t value)
     }
     insertInSlots(key, value);
     return previous;
+}
+
+bool RunMap::insertNew(std::uint64_t key, std::uint64_t value)
+{
+    if (key == 0)
+        return false;
+    if (growLastRun(key, value))
+        return true;
+    if (runOf(key) != m_runs.end() || findInSlots(key) != 0)
+        return false;
+    if (!addToRuns(key, value))
+        insertInSlots(key, value);
+    return true;
 }
 
 void RunMap::erase(std::uint64_t key)
@@ -104,7 +132,8 @@ bool RunMap::addToRuns(std::uint64_t key, std::uint64_t value)
         Run& before = *std::prev(place);
         if (key - before.firstKey == before.count && value - before.firstValue == before.count) {
             ++before.count;
-            m_growing = std::size_t(place - m_runs.begin()) - 1;
+            if (const std::size_t grown = std::size_t(place - m_runs.begin()) - 1; grown != m_growing)
+                growRun(grown);
             return true;
         }
     }
@@ -118,8 +147,9 @@ bool RunMap::addToRuns(std::uint64_t key, std::uint64_t value)
             return false;
     for (std::uint64_t back = 1; back < kShortestRun; ++back)
         eraseFromSlots(key - back);
-    m_growing = std::size_t(place - m_runs.begin());
+    const std::size_t started = std::size_t(place - m_runs.begin());
     m_runs.insert(place, Run{key - (kShortestRun - 1), value - (kShortestRun - 1), kShortestRun});
+    growRun(started);
     return true;
 }
 
@@ -178,6 +208,9 @@ void RunMap::insertInSlots(std::uint64_t key, std::uint64_t value)
     }
     m_farthest = std::max(m_farthest, distance);
     m_slotKeysUpTo = std::max(m_slotKeysUpTo, key);
+    if (m_growing < m_runs.size() && key < m_growingClearTo
+        && key >= m_runs[m_growing].firstKey + m_runs[m_growing].count)
+        m_growingClearTo = key;
     if (m_slots[slot].key == 0)
         ++m_used;
     m_slots[slot] = Slot{key, value};

@@ -34,6 +34,9 @@ public:
     // Maps key (not 0) to value (not 0), in place of what it mapped to
     // before; returns that (0 for nothing).
     std::uint64_t exchange(std::uint64_t key, std::uint64_t value);
+    // Maps key (not 0) to value (not 0) when key maps to nothing; false,
+    // with nothing changed, when it does.
+    bool insertNew(std::uint64_t key, std::uint64_t value);
     void erase(std::uint64_t key);
     // The greatest key mapped, or 0.
     std::uint64_t greatestKey() const;
@@ -50,6 +53,10 @@ private:
         std::uint64_t firstValue = 0;
         std::uint64_t count = 0;
     };
+    // Grows the run that grew last by key, when key and value continue it
+    // and key lies before the next run and in no slot (reading a file, the
+    // usual case): as addToRuns would have grown it, without its search.
+    bool growLastRun(std::uint64_t key, std::uint64_t value);
     // The first run that starts beyond key, or end.
     std::vector<Run>::const_iterator firstRunAfter(std::uint64_t key) const;
     // The run that holds key, or end.
@@ -81,6 +88,16 @@ private:
     // The run that grew last, where the next key is looked for first.
     static constexpr std::size_t kNoRun = std::size_t(-1);
     std::size_t m_growing = kNoRun;
+    // No key in the slots lies from the end of the run that grows up to
+    // this key, so that the run's next keys are not searched for there
+    // (in a drawing read, a record made at the handle seed before the
+    // entities lies above all their handles). Found when another run
+    // starts to grow, in a table of at most kScannedSlots slots; else the
+    // run's end at that time (nothing known).
+    static constexpr std::size_t kScannedSlots = 64;
+    std::uint64_t m_growingClearTo = 0;
+    // Makes run the one that grows, and finds how far its keys are clear.
+    void growRun(std::size_t run);
     std::vector<Slot> m_slots;
     std::size_t m_used = 0;
     bool m_mixed = false;

@@ -18,6 +18,8 @@
 #include "kxdbunmodelled.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <exception>
 #include <iterator>
 #include <memory>
@@ -57,7 +59,7 @@ struct EntityLook {
         bool same = true;
         resolved.layer = context.layer(layer.empty() ? "0" : layer, &same);
         resolved.layerSpelledOtherwise = !same;
-        resolved.linetype = linetype.empty() ? context.linetype("ByLayer") : context.linetype(linetype, &same);
+        resolved.linetype = linetype.empty() ? context.byLayerLinetype() : context.linetype(linetype, &same);
         resolved.linetypeSpelledOtherwise = !same && !linetype.empty();
     }
     // Names spelled otherwise than their records (other capitals) are
@@ -105,6 +107,14 @@ KxGeVector3d asVector(const KxGePoint3d& p)
     return {p.x, p.y, p.z};
 }
 
+// Whether a normal read is the z axis bit for bit, which a new entity has:
+// setting it costs a normalization that changes nothing.
+bool isZAxis(const KxGePoint3d& normal)
+{
+    return std::bit_cast<std::uint64_t>(normal.x) == 0 && std::bit_cast<std::uint64_t>(normal.y) == 0
+           && std::bit_cast<std::uint64_t>(normal.z) == std::bit_cast<std::uint64_t>(1.0);
+}
+
 // Whether a normal gives no direction: the entities refuse it.
 bool isNullNormal(const KxGePoint3d& normal)
 {
@@ -144,7 +154,8 @@ KxDbEntity* makeLine(const LineShape& shape)
     auto line = std::make_unique<KxDbLine>();
     line->setStartPoint(shape.start);
     line->setEndPoint(shape.end);
-    line->setNormal(asVector(shape.normal));
+    if (!isZAxis(shape.normal))
+        line->setNormal(asVector(shape.normal));
     return line.release();
 }
 
@@ -183,7 +194,8 @@ KxDbEntity* makeCircleOrArc(const CircleShape& shape)
     if (shape.isArc)
         return new KxDbArc(shape.center, asVector(shape.normal), shape.radius, shape.startAngle, shape.endAngle);
     auto circle = std::make_unique<KxDbCircle>(shape.center, shape.radius);
-    circle->setNormal(asVector(shape.normal));
+    if (!isZAxis(shape.normal))
+        circle->setNormal(asVector(shape.normal));
     return circle.release();
 }
 
@@ -207,7 +219,8 @@ void applyHead(KxDbPolyline& pline, const PolylineHead& head)
         pline.setElevation(*head.elevation);
     if (head.thickness)
         pline.setThickness(*head.thickness);
-    pline.setNormal(asVector(head.normal));
+    if (!isZAxis(head.normal))
+        pline.setNormal(asVector(head.normal));
 }
 
 KxDbEntity* makePolyline(const PolylineHead& head, const std::vector<KxDbPolyline::Vertex>& vertices)
@@ -265,6 +278,8 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
             // groups can hold.
             if (count > 0 && room)
                 room->reserve(std::min(std::size_t(count), record.size() / 2));
+            if (count > 0 && pline)
+                pline->reserve(std::uint32_t(std::min(std::size_t(count), record.size() / 2)));
             return true;
         case 70: {
             const auto flags = toInteger(g);
@@ -384,6 +399,9 @@ struct EntityParts : RecordAhead {
     // A polyline checked and counted, its vertices not read (it is to be
     // kept unopened).
     bool verticesUnread = false;
+    // Taken apart on the building thread, where objects are made: the
+    // vertices of every polyline go straight into it.
+    bool building = false;
 };
 
 // The class of the entity the parts make, made or not; null for a record
@@ -436,10 +454,17 @@ PolylineVertices mostVertices(const Record& record)
 // its object is only checked when countFirst (see keepUnopened). The
 // vertices of one of many groups go straight into the polyline, room for
 // them made at once, where a room of whole vertices took 40 bytes each
-// beside it.
+// beside it; so do those of any polyline taken apart on the building
+// thread, sparing a copy from the room.
 void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst)
 {
     PolylineHead head;
+    if (record.size() <= kCountedFirst && parts.building) {
+        PolylineVertices read;
+        read.straight = 0;
+        parts.entity.reset(readPolyline(record, parts.basics, parts.look, read, head));
+        return;
+    }
     if (record.size() <= kCountedFirst) {
         PolylineVertices read;
         read.room = &parts.vertices;
@@ -546,6 +571,7 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
     if (look.kind == "MLINE")
         return makeUnopenedMline(record, look);
     EntityParts parts;
+    parts.building = true;
     takeApart(record, parts, false);
     makeEntity(parts);
     if (!parts.entity) {
@@ -718,7 +744,7 @@ bool gather(const Record& record, ReadContext& context, KxDbObjectId block, std:
     // handle is given, so that they take the same handles.
     if (run.count == 0 && !block.isNull()) {
         context.layer("0");
-        context.linetype("ByLayer");
+        context.byLayerLinetype();
     }
     if (handle != 0 && !mayKeepHandle(handle, context)) {
         finishRecordRun(context);
@@ -857,8 +883,11 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     // reuses, when not taken apart ahead.
     auto* parts = static_cast<EntityParts*>(ahead);
     if (!parts) {
-        if (!context.entityParts)
-            context.entityParts = std::make_unique<EntityParts>();
+        if (!context.entityParts) {
+            auto made = std::make_unique<EntityParts>();
+            made->building = true;
+            context.entityParts = std::move(made);
+        }
         parts = static_cast<EntityParts*>(context.entityParts.get());
         takeApart(record, *parts);
     } else if (parts->error) {

@@ -109,6 +109,14 @@ KxDbObjectId ReadContext::linetype(std::string_view name, bool* spelledAsRecord)
     return record(ensureLinetypeTable(*this), linetypes_, name, false, spelledAsRecord);
 }
 
+KxDbObjectId ReadContext::byLayerLinetype()
+{
+    // A name found names the same record while the drawing is read.
+    if (byLayerLinetype_.isNull())
+        byLayerLinetype_ = linetype("ByLayer");
+    return byLayerLinetype_;
+}
+
 KxDbObjectId ReadContext::knownLinetype(std::string_view name)
 {
     if (const Found* entry = linetypes_.firstNamed(name))

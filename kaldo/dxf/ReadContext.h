@@ -122,6 +122,9 @@ struct ReadContext {
     // spelledAsRecord tells whether the name is spelled as the record is.
     KxDbObjectId layer(std::string_view name, bool* spelledAsRecord = nullptr);
     KxDbObjectId linetype(std::string_view name, bool* spelledAsRecord = nullptr);
+    // linetype("ByLayer"), the linetype of every entity that names none,
+    // looked up once it is found.
+    KxDbObjectId byLayerLinetype();
     // The linetype of the name (found so) when the LTYPE table is read and
     // holds it, else null: nothing is added.
     KxDbObjectId knownLinetype(std::string_view name);
@@ -145,6 +148,7 @@ struct ReadContext {
 private:
     std::uint64_t lastBlockHandle_ = 0;
     KxDbObjectId lastBlock_;
+    KxDbObjectId byLayerLinetype_;
     KxDbObjectId lastOpenedBlockId_;
     KxDbBlockTableRecord* lastOpenedBlock_ = nullptr;
     struct Found {

@@ -101,10 +101,12 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
 
 // Additions in runs (as files and new objects make them), handles in any
 // order, ids given another handle, handles given another id, and handles
-// taken out of runs' middles and ends, in a seeded random mix: the table
-// always answers both ways as a pair of plain maps does, an id having one
-// handle at most. Handles reserved among them (close together, in any
-// order) and far apart over the whole range are taken, and no others.
+// taken out of runs' middles and ends, in a seeded random mix, some
+// additions only where the handle names nothing (insertNew, which tells
+// whether it did): the table always answers both ways as a pair of plain
+// maps does, an id having one handle at most. Handles reserved among them
+// (close together, in any order) and far apart over the whole range are
+// taken, and no others.
 TEST(HandleTable, AnswersAsAPlainMapUnderAnyMixOfChanges)
 {
     std::mt19937_64 random(20261126);
@@ -117,7 +119,14 @@ TEST(HandleTable, AnswersAsAPlainMapUnderAnyMixOfChanges)
     };
     const auto isTaken = [&](std::uint64_t handle) { return idOf.contains(handle) || reserved.contains(handle); };
     const auto insert = [&](std::uint64_t handle, std::uint64_t serial) {
-        table.insert(handle, KxDbObjectId::fromOldId(serial));
+        if (random() % 2) {
+            const bool named = idOf.contains(handle);
+            ASSERT_EQ(table.insertNew(handle, KxDbObjectId::fromOldId(serial)), !named) << "handle " << handle;
+            if (named)
+                return;
+        } else {
+            table.insert(handle, KxDbObjectId::fromOldId(serial));
+        }
         if (const auto named = idOf.find(handle); named != idOf.end())
             handleOf.erase(named->second);
         if (const auto held = handleOf.find(serial); held != handleOf.end())
