@@ -174,6 +174,17 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
                               9.9999999999999982, 0x1p52 - 0.5, 0x1p52, 0x1p52 + 1, 1e15 - 0.125, 0x1p50 + 0.25,
                               0x1p50 + 0.75, 0x1p49 + 0.125})
         values.push_back(edge);
+    // Whole numbers of thousandths below 1 (where 0.001 is as long as
+    // 1e-03), up to 3 and about 10^5, where the way for them stops; their
+    // neighbours and the halves between them.
+    for (const int first : {0, 99997000}) {
+        for (int thousandths = first; thousandths < first + 4000; ++thousandths) {
+            const double value = thousandths / 1000.0;
+            for (const double near : {value, -value, std::nextafter(value, 0.0), std::nextafter(value, 1e6),
+                                      value + 0.0005})
+                values.push_back(near);
+        }
+    }
     // Up to three decimals about 2^42, where the quick way for them stops,
     // and 2^43, above which two such texts may read back as one value; and
     // their neighbours.
