@@ -48,8 +48,9 @@ TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
 
 // A byte with its high bit set, or a backslash, anywhere in a value makes
 // the reader decode the value, whether more of the file follows or not;
-// one in the next line does not.
-TEST(DxfGroupStream, ValuesWithBytesToDecodeAreDecodedWhereverTheBytesStand)
+// one in the next line does not. A character beyond ASCII anywhere in a
+// text makes the writer encode it.
+TEST(DxfGroupStream, ValuesWithBytesToDecodeOrEncodeAreCodedWhereverTheBytesStand)
 {
     kaldo::dxf::TextCodec codec("", kaldo::dxf::kDefaultCodePage);
     for (const char marker : {'\xE9', '\\'}) {
@@ -69,6 +70,27 @@ TEST(DxfGroupStream, ValuesWithBytesToDecodeAreDecodedWhereverTheBytesStand)
             }
         }
     }
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
+    ASSERT_TRUE(file);
+    std::string expected;
+    {
+        kaldo::dxf::GroupWriter writer(fileno(file.get()));
+        for (std::size_t length = 1; length <= 20; ++length) {
+            for (std::size_t at = 0; at < length; ++at) {
+                std::string value(length, 'a');
+                value.replace(at, 1, "\xC3\xA9");
+                writer.text(1, value);
+                std::string encoded(length, 'a');
+                encoded[at] = '\xE9';
+                expected += "  1\n" + encoded + "\n";
+            }
+        }
+        writer.flush();
+    }
+    std::string written(std::size_t(std::ftell(file.get())), '\0');
+    std::rewind(file.get());
+    written.resize(std::fread(written.data(), 1, written.size(), file.get()));
+    EXPECT_EQ(written, expected);
 }
 
 TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
