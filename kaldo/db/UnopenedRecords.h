@@ -123,7 +123,8 @@ public:
         KxDbPackedGroupsView groups;
     };
     std::optional<Kept> kept(KxDbObjectId id) const;
-    // The handle of a record kept, opened or not.
+    // The handle of a record kept, opened or not, or of any other object
+    // of the drawing.
     std::uint64_t handleOf(KxDbObjectId id) const;
     // Calls see(id, kept) for every record kept with its owner not known
     // (see setOwner), opened since or not.

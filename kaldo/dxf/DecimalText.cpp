@@ -82,17 +82,25 @@ Scaled scaled(const Binary& binary, int decimals)
     return {quotient + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
 }
 
-// The eight digits of a number below 10^8 as characters, the first in the
-// lowest byte: its halves, then their hundreds and tens are split off in
-// all lanes of one word at once, by multiplications with reciprocals of
-// 100 and 10 that are exact for numbers as small as those lanes hold.
-[[gnu::always_inline]] inline std::uint64_t eightDigits(std::uint32_t value)
+// The eight digits of a number below 10^8, one a byte, the first in the
+// lowest: its halves, then their hundreds and tens are split off in all
+// lanes of one word at once, by multiplications with reciprocals of 100 and
+// 10 that are exact for numbers as small as those lanes hold.
+[[gnu::always_inline]] inline std::uint64_t eightDigitValues(std::uint32_t value)
 {
     const std::uint64_t halves = value / 10000 | std::uint64_t(value % 10000) << 32;
     const std::uint64_t hundreds = (halves * 10486) >> 20 & 0x0000007F0000007Full;
     const std::uint64_t pairs = hundreds | (halves - hundreds * 100) << 16;
     const std::uint64_t tens = (pairs * 103) >> 10 & 0x000F000F000F000Full;
-    return (tens | (pairs - tens * 10) << 8) + 0x3030303030303030ull;
+    return tens | (pairs - tens * 10) << 8;
+}
+
+constexpr std::uint64_t kZeros = 0x3030303030303030ull;
+
+// The same digits as characters.
+[[gnu::always_inline]] inline std::uint64_t eightDigits(std::uint32_t value)
+{
+    return eightDigitValues(value) + kZeros;
 }
 
 // Writes the whole digits and the decimals of digits (whole + decimals of
@@ -152,6 +160,39 @@ bool fewDecimals(double magnitude, std::uint64_t& digits, int& decimals)
 
 }  // namespace
 
+char* writeFewDecimals(double value, char* out)
+{
+    // The same reasoning as fewDecimals: the whole number of thousandths
+    // nearest to the value gives it back exactly when its text reads back,
+    // and no other text of up to three decimals does. With a whole part,
+    // the scientific form is longer; below 1, no shorter (0.001 and 1e-03),
+    // and the fixed form is taken on a tie.
+    const double magnitude = std::abs(value);
+    if (!(magnitude < 1e5))
+        return nullptr;
+    const auto thousandths = std::uint32_t(magnitude * 1000 + 0.5);
+    if (double(thousandths) / 1000 != magnitude)
+        return nullptr;
+    // The eight digits, the whole part's five then the three decimals: the
+    // zeros that begin them are the lowest zero bytes, those that end them
+    // the highest. They are copied in blocks of eight; bytes beyond them lie
+    // beyond the text.
+    const std::uint64_t values = eightDigitValues(thousandths);
+    const int wholeCount = 5 - std::min(std::countr_zero(values) / 8, 4);
+    const int decimals = 3 - std::min(std::countl_zero(values) / 8, 3);
+    char text[16] = {};
+    const std::uint64_t digits = values + kZeros;
+    std::memcpy(text, &digits, 8);
+    *out = '-';
+    out += std::signbit(value);
+    std::memcpy(out, text + 5 - wholeCount, 8);
+    out += wholeCount;
+    // The point is overwritten by what follows when there are no decimals.
+    *out = '.';
+    std::memcpy(out + 1, text + 5, 4);
+    return out + decimals + int(decimals > 0);
+}
+
 char* writeShortestDecimal(double value, char* out)
 {
     const double magnitude = std::abs(value);
@@ -178,17 +219,17 @@ char* writeShortestDecimal(double value, char* out)
         tie = tie || found.tie;
         return found.twiceDistance < kPowersOfTen[decimals];
     };
-    // Values of up to three decimals above 2^42 have few decimals too,
-    // computed ones mostly need sixteen or seventeen significant digits:
-    // up to three decimals are tried first, then fifteen significant digits.
     const int whole = wholeDigits(binary);
     const int most = 17 - whole;
-    int decimals = 1;
+    // Below 2^42 no text of up to three decimals reads back (fewDecimals
+    // found none), so the search starts at four.
+    int decimals = magnitude < 0x1p42 ? 4 : 1;
     // Whether found holds the text of the count chosen, so that it is not
     // made again.
     bool chosen = false;
-    if (most > 3) {
-        // Searched from two: two tries for up to three decimals, one try
+    if (decimals == 1 && most > 3) {
+        // Values of up to three decimals above 2^42 have few decimals too:
+        // searched from two, two tries for up to three decimals, one try
         // fewer than upwards from one for three and for computed values.
         if (readsBack(2)) {
             const Scaled two = found;
@@ -202,14 +243,27 @@ char* writeShortestDecimal(double value, char* out)
         } else {
             decimals = 4;
         }
-    } else {
-        while (decimals < most && !readsBack(decimals))
-            ++decimals;
-        chosen = decimals < most;
     }
-    if (!chosen) {
-        if (decimals == 4 && most > 6 && !readsBack(most - 2))
-            decimals = most - 1;
+    if (!chosen && most - decimals >= 2) {
+        // Computed values mostly need sixteen or seventeen significant
+        // digits: those two are tried first, then fewer upwards.
+        if (!readsBack(most - 1)) {
+            decimals = most;
+            readsBack(most);
+        } else {
+            const Scaled sixteen = found;
+            if (!readsBack(most - 2)) {
+                decimals = most - 1;
+                found = sixteen;
+            } else {
+                const Scaled fifteen = found;
+                while (decimals < most - 2 && !readsBack(decimals))
+                    ++decimals;
+                if (decimals == most - 2)
+                    found = fifteen;
+            }
+        }
+    } else if (!chosen) {
         while (decimals < most && !readsBack(decimals))
             ++decimals;
         if (decimals == most)

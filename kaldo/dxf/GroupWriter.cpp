@@ -35,11 +35,16 @@ struct CodeLines {
 };
 constexpr CodeLines kCodeLines;
 
-// No reader takes "inf" or "nan": a drawing holding such a number is not saved.
-void requireFinite(int groupCode, double value)
+[[noreturn, gnu::cold]] void refuseNotFinite(int groupCode)
 {
-    if (!std::isfinite(value))
-        throw DxfError(0, "the drawing holds a number that is not finite (group " + std::to_string(groupCode) + ").");
+    throw DxfError(0, "the drawing holds a number that is not finite (group " + std::to_string(groupCode) + ").");
+}
+
+// No reader takes "inf" or "nan": a drawing holding such a number is not saved.
+inline void requireFinite(int groupCode, double value)
+{
+    if (!std::isfinite(value)) [[unlikely]]
+        refuseNotFinite(groupCode);
 }
 }  // namespace
 
@@ -115,28 +120,27 @@ void GroupWriter::real(int groupCode, double value)
     code(groupCode);
     ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
-    char* out = start;
-    if (std::abs(value) < 1e5 && double(std::int64_t(value)) == value && !(value == 0 && std::signbit(value))) {
-        // Whole numbers below 100000 (those that convert to an integer and
-        // back unchanged) are written as integers, far quicker and the same
-        // text the shortest form gives them (not so for -0, kept as "-0").
-        out = std::to_chars(start, start + kNumberRoom, std::int64_t(value)).ptr;
-    } else if (char* const written = writeShortestDecimal(value, start)) {
-        out = written;
-    } else {
-        const std::uint64_t bits = std::bit_cast<std::uint64_t>(value);
-        // The high bits of a multiplicative hash: nearby values spread out.
-        RealText& slot = realTexts_[(bits * 0x9E3779B97F4A7C15u) >> (64 - std::countr_zero(kRealSlots))];
-        if (slot.bits != bits) {
-            const char* const end = std::to_chars(slot.text.data(), slot.text.data() + slot.text.size(), value).ptr;
-            slot.bits = bits;
-            slot.length = std::uint8_t(end - slot.text.data());
-        }
-        std::memcpy(start, slot.text.data(), slot.length);
-        out = start + slot.length;
-    }
+    char* out = writeFewDecimals(value, start);
+    if (!out)
+        out = writeOtherReal(value, start);
     *out++ = '\n';
     used_ += std::size_t(out - start);
+}
+
+char* GroupWriter::writeOtherReal(double value, char* out)
+{
+    if (char* const written = writeShortestDecimal(value, out))
+        return written;
+    const std::uint64_t bits = std::bit_cast<std::uint64_t>(value);
+    // The high bits of a multiplicative hash: nearby values spread out.
+    RealText& slot = realTexts_[(bits * 0x9E3779B97F4A7C15u) >> (64 - std::countr_zero(kRealSlots))];
+    if (slot.bits != bits) {
+        const char* const end = std::to_chars(slot.text.data(), slot.text.data() + slot.text.size(), value).ptr;
+        slot.bits = bits;
+        slot.length = std::uint8_t(end - slot.text.data());
+    }
+    std::memcpy(out, slot.text.data(), slot.length);
+    return out + slot.length;
 }
 
 void GroupWriter::integer(int groupCode, std::int64_t value)

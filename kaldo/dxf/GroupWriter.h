@@ -66,6 +66,9 @@ private:
             makeRoom(bytes);
     }
     void makeRoom(std::size_t bytes);
+    // The text of a finite real that is no whole number of thousandths
+    // below 10^5, written at out; returns its end.
+    char* writeOtherReal(double value, char* out);
 
     int fd_;  // -1 for memory only
     std::string buffer_;

@@ -32,20 +32,21 @@ void refuseRecord(const KxDbObject& obj, const DxfError& error)
 
 std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 {
-    // A record kept unopened (an entity's block, a dictionary's entry) is
-    // not opened for it.
-    if (kaldo::isUnopened(id))
-        return kaldo::registeredDatabase(id) == &db ? db.unopenedRecords().handleOf(id) : 0;
-    const KxDbObject* obj = db.peekObject(id);
-    return obj ? obj->handle() : 0;
+    // From the handle table alone, for an object as for a record kept
+    // unopened (an entity's block, a dictionary's entry), which is not
+    // opened for it: one lookup of the registry.
+    return kaldo::registeredDatabase(id) == &db ? db.unopenedRecords().handleOf(id) : 0;
 }
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
 {
     w.text(0, kind);
-    w.handle(5, obj.handle());
+    // The database looked up once for both handles (obj.handle() looks it
+    // up again).
+    const KxDbDatabase* db = obj.database();
+    w.handle(5, db ? db->unopenedRecords().handleOf(obj.objectId()) : 0);
     writeKeptPart(w, obj, 0);
-    w.handle(330, obj.database() ? handleOf(*obj.database(), obj.ownerId()) : 0);
+    w.handle(330, db ? handleOf(*db, obj.ownerId()) : 0);
 }
 
 void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part)

@@ -164,7 +164,18 @@ bool TextCodec::needsDecoding(std::string_view text) const
 
 bool TextCodec::needsEncoding(std::string_view utf8) const
 {
-    return toUtf8_ && std::any_of(utf8.begin(), utf8.end(), [](char c) { return (c & 0x80) != 0; });
+    if (!toUtf8_)
+        return false;
+    // Eight bytes at a time: every text the writer writes passes here.
+    const char* p = utf8.data();
+    const char* const end = p + utf8.size();
+    for (; end - p >= 8; p += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, p, 8);
+        if (word & 0x8080808080808080u)
+            return true;
+    }
+    return std::any_of(p, end, [](char c) { return (c & 0x80) != 0; });
 }
 
 std::string TextCodec::decode(std::string_view text)

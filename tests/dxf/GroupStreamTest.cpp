@@ -48,8 +48,9 @@ TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
 
 // A byte with its high bit set, or a backslash, anywhere in a value makes
 // the reader decode the value, whether more of the file follows or not;
-// one in the next line does not.
-TEST(DxfGroupStream, ValuesWithBytesToDecodeAreDecodedWhereverTheBytesStand)
+// one in the next line does not. A character beyond ASCII anywhere in a
+// text makes the writer encode it.
+TEST(DxfGroupStream, ValuesWithBytesToDecodeOrEncodeAreCodedWhereverTheBytesStand)
 {
     kaldo::dxf::TextCodec codec("", kaldo::dxf::kDefaultCodePage);
     for (const char marker : {'\xE9', '\\'}) {
@@ -69,6 +70,27 @@ TEST(DxfGroupStream, ValuesWithBytesToDecodeAreDecodedWhereverTheBytesStand)
             }
         }
     }
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
+    ASSERT_TRUE(file);
+    std::string expected;
+    {
+        kaldo::dxf::GroupWriter writer(fileno(file.get()));
+        for (std::size_t length = 1; length <= 20; ++length) {
+            for (std::size_t at = 0; at < length; ++at) {
+                std::string value(length, 'a');
+                value.replace(at, 1, "\xC3\xA9");
+                writer.text(1, value);
+                std::string encoded(length, 'a');
+                encoded[at] = '\xE9';
+                expected += "  1\n" + encoded + "\n";
+            }
+        }
+        writer.flush();
+    }
+    std::string written(std::size_t(std::ftell(file.get())), '\0');
+    std::rewind(file.get());
+    written.resize(std::fread(written.data(), 1, written.size(), file.get()));
+    EXPECT_EQ(written, expected);
 }
 
 TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
@@ -174,6 +196,17 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
                               9.9999999999999982, 0x1p52 - 0.5, 0x1p52, 0x1p52 + 1, 1e15 - 0.125, 0x1p50 + 0.25,
                               0x1p50 + 0.75, 0x1p49 + 0.125})
         values.push_back(edge);
+    // Whole numbers of thousandths below 1 (where 0.001 is as long as
+    // 1e-03), up to 3 and about 10^5, where the way for them stops; their
+    // neighbours and the halves between them.
+    for (const int first : {0, 99997000}) {
+        for (int thousandths = first; thousandths < first + 4000; ++thousandths) {
+            const double value = thousandths / 1000.0;
+            for (const double near : {value, -value, std::nextafter(value, 0.0), std::nextafter(value, 1e6),
+                                      value + 0.0005})
+                values.push_back(near);
+        }
+    }
     // Up to three decimals about 2^42, where the quick way for them stops,
     // and 2^43, above which two such texts may read back as one value; and
     // their neighbours.
