@@ -34,6 +34,14 @@ std::wstring TableRecords::nameOf(KxDbObjectId id)
     return record ? record->name() : std::wstring();
 }
 
+std::optional<std::wstring> TableRecords::nameIn(const KxDbDatabase& db, KxDbObjectId id)
+{
+    const KxRxClass* cls = registeredClass(id);
+    if (registeredDatabase(id) != &db || !cls || !cls->isDerivedFrom(KxDbSymbolTableRecord::desc()))
+        return std::nullopt;
+    return nameOf(id);
+}
+
 KxDbObjectId TableRecords::find(std::wstring_view name, const std::function<bool(KxDbObjectId)>& accept) const
 {
     const std::wstring key = foldName(name);

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,12 +16,17 @@
 #include "kxdbid.h"
 #include "kxdbidruns.h"
 
+class KxDbDatabase;
+
 namespace kaldo {
 
 class TableRecords {
 public:
     // The name of a listed record as it gives it, without opening it.
     static std::wstring nameOf(KxDbObjectId id);
+    // So for any id: the name when id names a symbol table record of db,
+    // else nothing.
+    static std::optional<std::wstring> nameIn(const KxDbDatabase& db, KxDbObjectId id);
 
     // The first record indexed under name (case aside) that accept takes,
     // or null.

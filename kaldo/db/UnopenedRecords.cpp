@@ -26,6 +26,8 @@ constexpr int kOwnerLaterWidth = 5;
 // first one's lies, and how many there are.
 constexpr int kEntitiesStartWidth = 5;
 constexpr int kEntitiesCountWidth = 4;
+// The room for a linetype a record keeps with it, given later.
+constexpr int kLinetypeLaterWidth = 5;
 
 bool isBlockOf(KxDbObjectId id, const KxDbDatabase& db)
 {
@@ -78,6 +80,7 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
     KxDbBlockTableRecord* block = nullptr;
     KxDbSymbolTable* table = nullptr;
     const bool isEntity = cls->isDerivedFrom(KxDbEntity::desc());
+    const bool isLayer = cls->isDerivedFrom(KxDbLayerTableRecord::desc());
     if (isEntity) {
         const KxDbObjectId owning = look.ownerInRecord ? owner : look.owner;
         if (isUnopened(owning))
@@ -100,7 +103,7 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
     // Registered first: the layer and linetype a record keeps are steps
     // from its own serial.
     const KxDbObjectId id = registerUnopened(cls, 0, &m_db);
-    const Look kept = isEntity ? lookToKeep(look) : look;
+    const Look kept = isEntity ? lookToKeep(look) : isLayer ? layerLookToKeep(look) : look;
     std::string head;
     appendVarNumber(head, placeOf(kept), lookLater ? kLookLaterWidth : 1);
     if (kept.ownerInRecord)
@@ -111,7 +114,9 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
     }
     if (kept.layerInRecord)
         appendVarNumber(head, stepTo(look.layer, id));
-    if (kept.linetypeInRecord)
+    if (kept.linetypeInRecord && look.linetype.isNull())
+        appendVarNumber(head, 0, kLinetypeLaterWidth);
+    else if (kept.linetypeInRecord)
         appendVarNumber(head, stepTo(look.linetype, id));
     appendVarNumber(head, groups.bytes().size());
     setUnopenedEntry(id, m_records.append(head, groups.bytes()));
@@ -211,6 +216,16 @@ UnopenedRecords::Look UnopenedRecords::lookToKeep(const Look& look)
     return keeping(sameLinetype || look.layer != before.layer, !sameLinetype);
 }
 
+UnopenedRecords::Look UnopenedRecords::layerLookToKeep(const Look& look) const
+{
+    if (look.linetypeInRecord || m_looks.size() < kManyLooks || m_lookPlaces.contains(look))
+        return look;
+    Look kept = look;
+    kept.linetypeInRecord = true;
+    kept.linetype = {};
+    return kept;
+}
+
 void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
 {
     const std::optional<std::uint64_t> entry = unopenedEntry(id);
@@ -219,6 +234,41 @@ void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
     std::string place;
     appendVarNumber(place, placeOf(look), kLookLaterWidth);
     place.copy(m_records.at(*entry), place.size());
+}
+
+std::optional<std::uint64_t> UnopenedRecords::linetypeAt(std::uint64_t entry) const
+{
+    const char* const start = m_records.at(entry);
+    const char* at = start;
+    const Look& look = m_looks[std::size_t(takeVarNumber(at))];
+    if (!look.linetypeInRecord)
+        return std::nullopt;
+    if (look.ownerInRecord)
+        takeVarNumber(at);
+    if (look.holdsEntities) {
+        takeVarNumber(at);
+        takeVarNumber(at);
+    }
+    if (look.layerInRecord)
+        takeVarNumber(at);
+    return entry + std::uint64_t(at - start);
+}
+
+bool UnopenedRecords::setLinetype(KxDbObjectId id, KxDbObjectId linetype)
+{
+    const std::optional<std::uint64_t> entry = unopenedEntry(id);
+    const std::optional<std::uint64_t> roomAt = entry ? linetypeAt(*entry) : std::nullopt;
+    if (!roomAt)
+        return false;
+    const char* at = m_records.at(*roomAt);
+    takeVarNumber(at);
+    const int width = int(at - m_records.at(*roomAt));
+    std::string step;
+    appendVarNumber(step, linetype.isNull() ? 0 : stepTo(linetype, id), width);
+    if (step.size() != std::size_t(width))
+        return false;
+    step.copy(m_records.at(*roomAt), step.size());
+    return true;
 }
 
 bool UnopenedRecords::setOwner(KxDbObjectId id, KxDbObjectId owner)
@@ -301,7 +351,11 @@ UnopenedRecords::Kept UnopenedRecords::keptAt(KxDbObjectId id, std::uint64_t ent
         takeVarNumber(at);
     }
     const KxDbObjectId layer = look.layerInRecord ? stepFrom(id, takeVarNumber(at)) : look.layer;
-    const KxDbObjectId linetype = look.linetypeInRecord ? stepFrom(id, takeVarNumber(at)) : look.linetype;
+    KxDbObjectId linetype = look.linetype;
+    if (look.linetypeInRecord) {
+        const std::uint64_t step = takeVarNumber(at);
+        linetype = step == 0 ? KxDbObjectId() : stepFrom(id, step);
+    }
     const std::size_t length = std::size_t(takeVarNumber(at));
     return Kept{&look, owner, layer, linetype, KxDbPackedGroupsView(std::string_view(at, length))};
 }

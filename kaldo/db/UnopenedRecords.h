@@ -59,7 +59,8 @@ public:
         bool ownerInRecord = false;
         KxDbObjectId layer, linetype;
         // A record whose layer or linetype is kept with it instead (see
-        // keep): records that name many layers or linetypes, one each.
+        // keep): records that name many layers or linetypes, one each. A
+        // record kept so without a linetype has room for one (setLinetype).
         bool layerInRecord = false;
         bool linetypeInRecord = false;
         bool layerSpelledOtherwise = false;
@@ -91,7 +92,9 @@ public:
     // the look says so (an object's null while not known yet, see
     // setOwner), an entity's block then. Once many looks are kept, an
     // entity whose look is new keeps its layer or linetype (or both) with
-    // its record, and shares its look.
+    // its record, and shares its look, and a layer keeps its linetype so;
+    // a layer's look that keeps its linetype there already is kept as
+    // given (room for a linetype given later when it has none).
     KxDbObjectId keep(const KxRxClass* cls, const Look& look, KxDbPackedGroupsView groups, std::uint64_t handle,
                       bool lookLater = false, KxDbObjectId owner = {});
     // Appends entity (kept or added just now, while no undo step records)
@@ -103,6 +106,11 @@ public:
     // (a multiline's style, found once the whole file is read), which
     // keeps with the record what its look kept there (a look kept() gave).
     void setLook(KxDbObjectId id, const Look& look);
+    // Gives a record kept with its linetype in it (its look says so), not
+    // opened yet, the linetype: false when id names no such record or the
+    // linetype's step does not fit the room kept (the record must then be
+    // opened).
+    bool setLinetype(KxDbObjectId id, KxDbObjectId linetype);
     // Gives an object's record not opened yet another owner: one kept with
     // its owner (not known yet, or known) in the room kept there, another
     // in its look (a dictionary found to own it once the whole file is
@@ -152,6 +160,12 @@ private:
     bool setLookOwner(char* record, Look look, int placeWidth, KxDbObjectId owner);
     // The look to keep an entity's record under (see keep).
     Look lookToKeep(const Look& look);
+    // The look to keep a layer's record under: its linetype with its record
+    // once many looks are kept and its look is new.
+    Look layerLookToKeep(const Look& look) const;
+    // The place in the entry of the linetype a record keeps, when its look
+    // says it does.
+    std::optional<std::uint64_t> linetypeAt(std::uint64_t entry) const;
     Kept keptAt(KxDbObjectId id, std::uint64_t entry) const;
     // The place of the room for a block's entities in the entry, when its
     // look holds them.
@@ -168,7 +182,8 @@ private:
     // serial lies past the block's and how many, in room of fixed width),
     // its layer's and linetype's serials so when the look keeps them there
     // (each as its step from the record's own serial, zigzagged: a layer
-    // made for the record just before it takes a byte), its groups' length
+    // made for the record just before it takes a byte; no linetype yet as 0
+    // in five bytes, the room for its step), its groups' length
     // so, then the groups.
     ByteChunks m_records;
     std::vector<Look> m_looks;

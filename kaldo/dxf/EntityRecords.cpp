@@ -913,16 +913,6 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     append(context, std::move(parts->entity), parts->basics, block, record.line());
 }
 
-const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)
-{
-    const auto [it, added] = names_.try_emplace(id.asOldId());
-    if (added) {
-        const auto* record = KxDbSymbolTableRecord::cast(db_.peekObject(id));
-        it->second = record ? utf8FromWide(record->name()) : fallback;
-    }
-    return it->second;
-}
-
 namespace {
 
 // The name as the file spelled it when it still names the record.

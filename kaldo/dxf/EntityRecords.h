@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <unordered_map>
 
+#include "kaldo/dxf/NameCache.h"
 #include "kaldo/dxf/Record.h"
 #include "kaldo/dxf/SectionRecords.h"
 #include "kxdbid.h"
@@ -47,17 +47,6 @@ bool gatherKeptObject(const Record& record, ReadContext& context);
 // with its layer's and linetype's names, for readEntity to add to the
 // drawing.
 void readEntityAhead(const Record& record, std::unique_ptr<RecordAhead>& slot);
-
-// Names of layers and linetypes as the writer needs them, looked up once.
-class NameCache {
-public:
-    explicit NameCache(const KxDbDatabase& db) : db_(db) {}
-    const std::string& operator()(KxDbObjectId record, const char* fallback);
-
-private:
-    const KxDbDatabase& db_;
-    std::unordered_map<std::uint64_t, std::string> names_;
-};
 
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names);
 

@@ -3,6 +3,7 @@
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/RecordRun.h"
+#include "kaldo/db/TableRecords.h"
 #include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/EntityRecords.h"
@@ -334,13 +335,13 @@ void writeMlineStyle(GroupWriter& w, const KxDbDatabase& db, const KxDbMlineStyl
         w.real(49, offset);
         writeColor(w, color);
         // Styles spell the reserved linetypes in capitals.
-        const auto* record = KxDbSymbolTableRecord::cast(db.peekObject(linetype));
-        if (!record || linetype == db.byLayerLinetype())
+        const std::optional<std::wstring> name = kaldo::TableRecords::nameIn(db, linetype);
+        if (!name || linetype == db.byLayerLinetype())
             w.text(6, "BYLAYER");
         else if (linetype == db.byBlockLinetype())
             w.text(6, "BYBLOCK");
         else
-            w.text(6, utf8FromWide(record->name()));
+            w.text(6, utf8FromWide(*name));
     }
     writeKeptPart(w, style, 1);
     writeKeptPart(w, style, kxdbExtendedDataPart);

@@ -20,6 +20,7 @@
 #include "kaldo/dxf/Record.h"
 #include "kaldo/dxf/SectionRecords.h"
 #include "kxdbdatabase.h"
+#include "kxdbidruns.h"
 #include "kxdbmline.h"
 
 class KxDbBlockTableRecord;
@@ -70,13 +71,16 @@ struct ReadContext {
     // Objects kept unopened whose owners were not read before them: their
     // records give the owners once the whole file is read.
     std::size_t keptOwnersUnknown = 0;
-    // Layers and the names of their linetypes, found once the whole
-    // TABLES section is read: the LTYPE table may follow the LAYER table.
+    // Layers whose linetypes are found once the whole TABLES section is
+    // read (the LTYPE table may follow the LAYER table), in the order read:
+    // a layer kept unopened gives its linetype's name in its record, a
+    // layer read as an object by its entry in layerLinetypeNames.
+    KxDbIdRuns layersOfLinetypesLater;
     struct LayerLinetype {
         KxDbObjectId layer;
         std::string linetype;
     };
-    std::vector<LayerLinetype> layerLinetypes;
+    std::vector<LayerLinetype> layerLinetypeNames;
     // The lists of the multiline being read, whose room the next reuses.
     KxDbMlineListStore mlineLists;
     // Records of one kind that nothing reads by name and that name no

@@ -2,6 +2,7 @@
 
 #include "kaldo/dxf/DxfError.h"
 #include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/NameCache.h"
 #include "kaldo/dxf/ReadContext.h"
 #include "kaldo/dxf/RecordColor.h"
 #include "kaldo/dxf/RecordWriting.h"
@@ -245,13 +246,14 @@ kaldo::UnopenedRecords::Look recordLook(const std::string& kind, const KxDbSymbo
 }
 
 // Keeps the record of a linetype, layer or block (made, to be discarded)
-// unopened when its groups take less than half its object: records of a name and
-// little else, where the object would cost many times the file. Only a
-// record that its table would list as read is kept so: its name new in the
-// table and given once (the table reads it from the record), and its owner
-// (if it names one) the table. Null, keeping nothing, else.
+// unopened in look when its groups take less than half its object: records
+// of a name and little else, where the object would cost many times the
+// file. Only a record that its table would list as read is kept so: its
+// name new in the table and given once (the table reads it from the
+// record), and its owner (if it names one) the table. Null, keeping
+// nothing, else.
 KxDbObjectId keepUnopened(const Record& record, const RecordBasics& basics, const KxDbSymbolTableRecord& made,
-                          KxDbObjectId linetype, ReadContext& context, const KxDbSymbolTable& table)
+                          const kaldo::UnopenedRecords::Look& look, ReadContext& context, const KxDbSymbolTable& table)
 {
     const KxDbPackedGroupsView groups = record.packedGroups();
     const std::size_t objectBytes = kaldo::stateBytes(made) + basics.kept.view().bytes().size();
@@ -265,8 +267,7 @@ KxDbObjectId keepUnopened(const Record& record, const RecordBasics& basics, cons
     });
     if (names != 1 || given != made.name() || table.has(given.c_str()))
         return {};
-    return context.db.unopenedRecords().keep(made.isA(), recordLook(record.kind(), table, linetype), groups,
-                                             context.fileHandle(basics.handle));
+    return context.db.unopenedRecords().keep(made.isA(), look, groups, context.fileHandle(basics.handle));
 }
 
 KxDbObjectId addRecord(std::unique_ptr<KxDbSymbolTableRecord> made, RecordBasics basics, ReadContext& context,
@@ -283,7 +284,7 @@ void readLinetype(const Record& record, ReadContext& context, KxDbSymbolTable& t
     RecordBasics basics;
     std::unique_ptr<KxDbLinetypeTableRecord> linetype = readLinetypeRecord(record, basics);
     const std::wstring name = linetype->name();
-    KxDbObjectId id = keepUnopened(record, basics, *linetype, {}, context, table);
+    KxDbObjectId id = keepUnopened(record, basics, *linetype, recordLook("LTYPE", table, {}), context, table);
     if (id.isNull())
         id = addRecord(std::move(linetype), std::move(basics), context, table);
     if (kaldo::sameName(name, L"ByLayer"))
@@ -300,14 +301,19 @@ void readLayer(const Record& record, ReadContext& context, KxDbSymbolTable& tabl
     std::string linetypeName;
     std::unique_ptr<KxDbLayerTableRecord> layer = readLayerRecord(record, basics, linetypeName);
     // A layer's linetype found now is kept with it; one the file has not
-    // given yet is found once the whole TABLES section is read.
+    // given yet is found once the whole TABLES section is read, and a layer
+    // kept unopened keeps room for it in its record.
     const KxDbObjectId linetype = linetypeName.empty() ? KxDbObjectId() : context.knownLinetype(linetypeName);
-    if ((linetypeName.empty() || !linetype.isNull())
-        && !keepUnopened(record, basics, *layer, linetype, context, table).isNull())
-        return;
-    const KxDbObjectId id = addRecord(std::move(layer), std::move(basics), context, table);
-    if (!linetypeName.empty())
-        context.layerLinetypes.push_back({id, std::move(linetypeName)});
+    kaldo::UnopenedRecords::Look look = recordLook("LAYER", table, linetype);
+    look.linetypeInRecord = !linetypeName.empty() && linetype.isNull();
+    KxDbObjectId id = keepUnopened(record, basics, *layer, look, context, table);
+    if (id.isNull()) {
+        id = addRecord(std::move(layer), std::move(basics), context, table);
+        if (look.linetypeInRecord)
+            context.layerLinetypeNames.push_back({id, std::move(linetypeName)});
+    }
+    if (look.linetypeInRecord)
+        context.layersOfLinetypesLater.push_back(id);
 }
 
 void readBlockRecord(const Record& record, ReadContext& context, KxDbSymbolTable& table)
@@ -317,7 +323,8 @@ void readBlockRecord(const Record& record, ReadContext& context, KxDbSymbolTable
     const std::wstring name = block->name();
     // Model and paper space take the entities of the ENTITIES section, as
     // objects.
-    if (!isLayoutBlockName(name) && !keepUnopened(record, basics, *block, {}, context, table).isNull())
+    if (!isLayoutBlockName(name)
+        && !keepUnopened(record, basics, *block, recordLook("BLOCK_RECORD", table, {}), context, table).isNull())
         return;
     KxDbBlockTableRecord* rec = block.release();
     const KxDbObjectId id = context.add(rec, basics);
@@ -383,14 +390,42 @@ void giveTableHeadAHandle(KxDbPackedGroupsView groups, ReadContext& context)
     context.kept.tables.append(5, kListPart, handleText(handle));
 }
 
+// The name of the linetype a layer's record gives, as readLayerRecord
+// reads it.
+std::string linetypeNameOf(KxDbPackedGroupsView groups)
+{
+    Record record;
+    record.assign("LAYER", groups);
+    RecordBasics basics;
+    std::string linetype;
+    readLayerRecord(record, basics, linetype);
+    return linetype;
+}
+
 // Each layer takes the linetype of its name from the drawing's table,
-// which is complete now (a missing one is added there).
+// which is complete now (a missing one is added there, in the order the
+// layers were read). A layer kept unopened (nothing opens one while the
+// section is read) keeps it in its record, unless its step does not fit
+// the room kept there.
 void resolveLayerLinetypes(ReadContext& context)
 {
-    for (const ReadContext::LayerLinetype& each : context.layerLinetypes)
-        if (auto* layer = KxDbLayerTableRecord::cast(context.db.peekObject(each.layer)))
-            layer->setLinetypeObjectId(context.linetype(each.linetype));
-    context.layerLinetypes.clear();
+    kaldo::UnopenedRecords& unopened = context.db.unopenedRecords();
+    auto named = context.layerLinetypeNames.begin();
+    for (const KxDbObjectId layer : context.layersOfLinetypesLater) {
+        KxDbObjectId linetype;
+        if (named != context.layerLinetypeNames.end() && named->layer == layer)
+            linetype = context.linetype((named++)->linetype);
+        else if (const auto kept = unopened.kept(layer))
+            linetype = context.linetype(linetypeNameOf(kept->groups));
+        else
+            continue;
+        if (unopened.setLinetype(layer, linetype))
+            continue;
+        if (auto* object = KxDbLayerTableRecord::cast(context.db.peekObject(layer)))
+            object->setLinetypeObjectId(linetype);
+    }
+    context.layersOfLinetypesLater = KxDbIdRuns();
+    context.layerLinetypeNames.clear();
 }
 
 void readKeptTable(GroupReader& reader, ReadContext& context, const std::string& name, long line)
@@ -518,12 +553,6 @@ void writeRecordStart(GroupWriter& w, const char* kind, const KxDbSymbolTableRec
     w.wide(2, record.name());
 }
 
-std::string nameOf(const KxDbDatabase& db, KxDbObjectId id, const char* fallback)
-{
-    const auto* record = KxDbSymbolTableRecord::cast(db.peekObject(id));
-    return record ? utf8FromWide(record->name()) : fallback;
-}
-
 void writeLinetype(GroupWriter& w, const KxDbLinetypeTableRecord& lt)
 {
     writeRecordStart(w, "LTYPE", lt, "AcDbLinetypeTableRecord");
@@ -551,7 +580,7 @@ void writeLinetype(GroupWriter& w, const KxDbLinetypeTableRecord& lt)
     writeKeptPart(w, lt, kxdbExtendedDataPart);
 }
 
-void writeLayer(GroupWriter& w, const KxDbDatabase& db, const KxDbLayerTableRecord& layer)
+void writeLayer(GroupWriter& w, NameCache& names, const KxDbLayerTableRecord& layer)
 {
     writeRecordStart(w, "LAYER", layer, "AcDbLayerTableRecord");
     w.integer(70, (keptInteger(layer, 70, 0) & ~1) | (layer.isFrozen() ? 1 : 0));
@@ -560,7 +589,7 @@ void writeLayer(GroupWriter& w, const KxDbDatabase& db, const KxDbLayerTableReco
     w.integer(62, layer.isOff() ? -index : index);
     if (color.isByColor())
         w.integer(420, color.color() & 0xFFFFFFu);
-    w.text(6, nameOf(db, layer.linetypeObjectId(), "Continuous"));
+    w.text(6, names(layer.linetypeObjectId(), "Continuous"));
     writeKeptExcept(w, layer, 2, 70);
     writeKeptPart(w, layer, kxdbExtendedDataPart);
 }
@@ -600,8 +629,9 @@ void writeTablesSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
                 writeLinetype(w, static_cast<const KxDbLinetypeTableRecord&>(r));
             });
         } else if (name == "LAYER") {
+            NameCache names(db);
             writeTable<KxDbLayerTable>(w, db, db.layerTableId(), "LAYER", [&](const auto& r) {
-                writeLayer(w, db, static_cast<const KxDbLayerTableRecord&>(r));
+                writeLayer(w, names, static_cast<const KxDbLayerTableRecord&>(r));
             });
         } else {
             writeTable<KxDbBlockTable>(w, db, db.blockTableId(), "BLOCK_RECORD", [&](const auto& r) {

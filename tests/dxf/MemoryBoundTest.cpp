@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <numeric>
 #include <random>
@@ -299,7 +300,13 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         // reads (12 to 20 times the file as objects in a map of names, 7 to
         // 10 for blocks as objects in the index of names); tables
         // kept whole lie in one list (11 times as an entry each of a list of
-        // tables, a list of names and a set of names).
+        // tables, a list of names and a set of names). Layers that each name
+        // another linetype are kept so too, each with its linetype in its
+        // record, sharing one look; one whose linetype the LTYPE table that
+        // follows gives, or the tables lack, with room in its record for the
+        // linetype found once the section is read (9 times the file with a
+        // look each, 7 and 12 as objects with their linetypes' names kept
+        // aside).
         for (const std::string kind : {"LAYER", "LTYPE", "BLOCK_RECORD"}) {
             const auto table = [&](const auto& record) {
                 return section("TABLES", "0\nTABLE\n2\n" + kind + "\n" + numbered(50000, record) + "0\nENDTAB\n");
@@ -311,6 +318,17 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
                               }),
                               4});
         }
+        const std::string layersOfLinetypes = "0\nTABLE\n2\nLAYER\n" + numbered(50000, [](const std::string& n) {
+            return "0\nLAYER\n2\n" + n + "\n6\n" + n + "\n";
+        }) + "0\nENDTAB\n";
+        const std::string linetypes = "0\nTABLE\n2\nLTYPE\n" + numbered(50000, [](const std::string& n) {
+            return "0\nLTYPE\n2\n" + n + "\n";
+        }) + "0\nENDTAB\n";
+        inputs.push_back({"LAYER records of a missing linetype each", section("TABLES", layersOfLinetypes), 4});
+        inputs.push_back({"LAYER records of a linetype each, given before",
+                          section("TABLES", linetypes + layersOfLinetypes), 4});
+        inputs.push_back({"LAYER records of a linetype each, given after",
+                          section("TABLES", layersOfLinetypes + linetypes), 4});
         // Lines that each name a layer or a linetype the tables lack: the
         // record made for each is kept as a record of its one name, and
         // each line keeps the record it names with it (a step from its own
@@ -363,26 +381,43 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
 // more to save, where a chunk of 4096 runs held all its text.
 TEST(DxfMemoryBound, SavingHoldsOneListAndAFewChunksAtATime)
 {
-    const auto savePeak = [](const std::string& entities) {
-        kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(entities, ""));
+    const auto savePeak = [](const std::string& text) {
+        kaldo::dxf::DxfDrawing drawing = fromDxfText(text);
         std::FILE* file = std::tmpfile();
         const std::size_t peak = peakAllocation([&] { kaldo::dxf::writeDxf(fileno(file), *drawing.database, drawing.kept); });
         std::fclose(file);
         return peak;
     };
-    const auto lines = [](int count) {
-        std::string entities;
-        for (int i = 0; i < count; ++i)
-            entities += "0\nLINE\n";
-        return entities;
-    };
+    const auto lines = [](int count) { return smallDrawing(repeated("0\nLINE\n", count), ""); };
     constexpr int kLines = 40000;
     const std::size_t smaller = savePeak(lines(kLines));
     const std::size_t larger = savePeak(lines(2 * kLines));
     EXPECT_LT(double(larger) - double(smaller), 12.0 * kLines) << smaller << " then " << larger << " bytes";
     constexpr int kRecords = 100000;
-    const auto runs = [](int count) { return kindsWithHandles(count, [](int i) { return 2 * i; }); };
+    const auto runs = [](int count) { return smallDrawing(kindsWithHandles(count, [](int i) { return 2 * i; }), ""); };
     const std::size_t fewer = savePeak(runs(kRecords));
     const std::size_t more = savePeak(runs(2 * kRecords));
     EXPECT_LT(double(more) - double(fewer), 1.0 * kRecords) << fewer << " then " << more << " bytes";
+    // Lines that each name a layer or a linetype the tables lack, and layers
+    // that each name such a linetype, are saved without opening the records
+    // they name, the writer keeping only the first names: a larger drawing
+    // of them takes no more to save (where each record was opened and its
+    // name kept).
+    constexpr int kNamed = 20000;
+    const auto lineOf = [](const std::string& code) {
+        return [code](const std::string& n) { return "0\nLINE\n" + code + "\n" + n + "\n"; };
+    };
+    const auto layerOf = [](const std::string& n) { return "0\nLAYER\n2\n" + n + "\n6\n" + n + "\n"; };
+    const std::pair<const char*, std::function<std::string(int)>> drawings[] = {
+        {"lines of a missing layer each", [&](int count) { return smallDrawing(numbered(count, lineOf("8")), ""); }},
+        {"lines of a missing linetype each", [&](int count) { return smallDrawing(numbered(count, lineOf("6")), ""); }},
+        {"layers of a missing linetype each", [&](int count) {
+             return "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n" + numbered(count, layerOf)
+                    + "0\nENDTAB\n0\nENDSEC\n" + smallDrawing("", "");
+         }}};
+    for (const auto& [what, text] : drawings) {
+        const std::size_t fewer = savePeak(text(kNamed));
+        const std::size_t more = savePeak(text(2 * kNamed));
+        EXPECT_LT(double(more) - double(fewer), 1.0 * kNamed) << what << ": " << fewer << " then " << more << " bytes";
+    }
 }

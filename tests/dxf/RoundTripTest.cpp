@@ -392,6 +392,59 @@ TEST(DxfRoundTrip, LayersAndLinetypesKeptAsTheirRecordsOpenAsRead)
               recordNamed(namedDb.layerTableId(), L"STAIRS"));
     kaldo::dxf::DxfDrawing reread = fromDxfText(namedSaved);
     EXPECT_EQ(toDxfText(reread), namedSaved);
+
+    // Layers that name linetypes are kept as their records as well: those
+    // of a linetype the LTYPE table before gives each keep theirs with
+    // them; those of one the table that follows gives, or the tables lack,
+    // keep room for it, found once the section is read, the missing ones
+    // made then, after every record read, in the order of their layers.
+    std::string layerRecords, linetypeRecords;
+    for (int i = 0; i < 100; ++i) {
+        const std::string n = std::to_string(i);
+        layerRecords += "0\nLAYER\n2\nR" + n + "\n6\n" + (i % 2 ? "M" : "T") + n + "\n";
+        linetypeRecords += i % 2 ? "" : "0\nLTYPE\n2\nT" + n + "\n";
+    }
+    const std::string layerTable = "0\nTABLE\n2\nLAYER\n" + layerRecords + "0\nENDTAB\n";
+    const std::string linetypeTable = "0\nTABLE\n2\nLTYPE\n" + linetypeRecords + "0\nENDTAB\n";
+    for (const bool linetypesFirst : {false, true}) {
+        kaldo::dxf::DxfDrawing layered =
+            fromDxfText("0\nSECTION\n2\nTABLES\n" + (linetypesFirst ? linetypeTable + layerTable : layerTable + linetypeTable)
+                        + "0\nENDSEC\n" + smallDrawing(groupText({"0", "LINE", "8", "R99"}), ""));
+        KxDbDatabase& layeredDb = *layered.database;
+        const auto named = [&](KxDbObjectId tableId, const std::string& name) {
+            return recordNamed(tableId, std::wstring(name.begin(), name.end()));
+        };
+        for (int i = 0; i < 100; ++i)
+            EXPECT_TRUE(kaldo::isUnopened(named(layeredDb.layerTableId(), "R" + std::to_string(i)))) << i;
+        const std::string layeredSaved = toDxfText(layered);
+        EXPECT_NE(layeredSaved.find("AcDbLayerTableRecord\n  2\nR99\n 70\n0\n 62\n7\n  6\nM99\n"), std::string::npos);
+        const std::uint64_t layeredChanges = layeredDb.changeCount();
+        const auto handleOf = [&](KxDbObjectId id) { return layeredDb.peekObject(id)->handle(); };
+        std::uint64_t lastHandle = std::max(handleOf(named(layeredDb.layerTableId(), "R99")),
+                                            handleOf(named(layeredDb.linetypeTableId(), "T98")));
+        for (int i = 0; i < 100; ++i) {
+            const std::string n = std::to_string(i);
+            const KxDbObjectId linetype = named(layeredDb.linetypeTableId(), (i % 2 ? "M" : "T") + n);
+            EXPECT_EQ(KxDbLayerTableRecord::cast(layeredDb.peekObject(named(layeredDb.layerTableId(), "R" + n)))
+                          ->linetypeObjectId(),
+                      linetype)
+                << i;
+            if (i % 2) {
+                EXPECT_GT(handleOf(linetype), lastHandle) << i;
+                lastHandle = handleOf(linetype);
+            }
+        }
+        EXPECT_EQ(firstEntity<KxDbLine>(layeredDb)->layerId(), named(layeredDb.layerTableId(), "R99"));
+        EXPECT_EQ(layeredDb.changeCount(), layeredChanges);
+        EXPECT_EQ(toDxfText(layered), layeredSaved);
+        layeredDb.undoHistory().beginStep(L"LINETYPE");
+        KxDbObjectPtr<KxDbLayerTableRecord>(named(layeredDb.layerTableId(), "R1"), KxDb::kForWrite)
+            ->setLinetypeObjectId(named(layeredDb.linetypeTableId(), "T0"));
+        layeredDb.undoHistory().endStep();
+        EXPECT_NE(toDxfText(layered).find("  2\nR1\n 70\n0\n 62\n7\n  6\nT0\n"), std::string::npos);
+        kaldo::dxf::DxfDrawing layeredAgain = fromDxfText(layeredSaved);
+        EXPECT_EQ(toDxfText(layeredAgain), layeredSaved);
+    }
 }
 
 // An object kept unopened before its owner keeps room for an owner of 35

@@ -1,0 +1,31 @@
+// Names of layers and linetypes as the writer needs them, read where the
+// records hold them without opening them (a record kept unopened stays
+// so), the first many looked up once: a drawing may name very many, each
+// of which a name kept would cost more than its record.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+#include "kxdbid.h"
+
+class KxDbDatabase;
+
+namespace kaldo::dxf {
+
+class NameCache {
+public:
+    explicit NameCache(const KxDbDatabase& db) : db_(db) {}
+    // The name of the layer or linetype record, or fallback when id names
+    // no table record of the drawing; valid until the next call.
+    const std::string& operator()(KxDbObjectId record, const char* fallback);
+
+private:
+    static constexpr std::size_t kCached = 256;
+    const KxDbDatabase& db_;
+    std::unordered_map<std::uint64_t, std::string> names_;
+    std::string uncached_;
+};
+
+}  // namespace kaldo::dxf
