@@ -288,6 +288,10 @@ Kald::ErrorStatus KxDbBlockTableRecord::setEntityOrder(const std::vector<KxDbObj
     if (given != live)
         return Kald::eInvalidInput;
     kaldo::recordBeforeChange(*this);
+    // The order is the drawing's: the window draws again, a save's extents
+    // are measured anew (of equal coordinates the first entity's stay).
+    if (KxDbDatabase* db = database())
+        db->noteChange();
     m_entities = KxDbIdRuns();
     for (const KxDbObjectId& id : order)
         m_entities.push_back(id);

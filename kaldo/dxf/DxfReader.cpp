@@ -424,6 +424,7 @@ DxfDrawing readDxf(GroupReader& reader, ProgressMeter meter)
     addMissingRecords(context);
     resolveMlineStyles(context);
     resolveHeaderReferences(context);
+    drawing.kept.extents = context.extents.known(*drawing.database);
     drawing.repairs = std::move(context.repairs);
     meter.finish();
     return drawing;

@@ -373,6 +373,7 @@ KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, Rec
     if (!space && !(kaldo::isUnopened(target) && context.isBlock(target)))
         throw DxfError(line, "the entity belongs to no block.");
     basics.owner = 0;
+    context.extents.add(target, context.roots.modelSpace, *entity);
     KxDbEntity* owned = entity.release();
     context.add(owned, std::move(basics));
     if (!space && context.db.unopenedRecords().appendEntity(target, owned->objectId())) {
@@ -625,6 +626,29 @@ KxDbPackedGroupsView withoutNames(KxDbPackedGroupsView groups, const kaldo::Unop
     return room.view();
 }
 
+// Measures an entity kept unopened that goes to model space as the entity
+// made from it measures (its shape holds the points as the entity does);
+// a polyline whose vertices were only counted loses the extents.
+void measureKept(const EntityParts& parts, ReadContext& context, KxDbObjectId block)
+{
+    ExtentsBox* const box = context.extents.boxFor(block, context.roots.modelSpace);
+    if (!box)
+        return;
+    if (parts.entity) {
+        box->add(*parts.entity);
+    } else if (const auto* line = std::get_if<LineShape>(&parts.unmade)) {
+        box->add(line->start);
+        box->add(line->end);
+    } else if (const auto* circle = std::get_if<CircleShape>(&parts.unmade)) {
+        box->add(circle->center, circle->radius);
+    } else if (const auto* head = std::get_if<PolylineHead>(&parts.unmade); head && !parts.verticesUnread) {
+        const std::unique_ptr<KxDbEntity> made(makePolyline(*head, parts.vertices));
+        box->add(*made);
+    } else if (head) {
+        context.extents.lose();
+    }
+}
+
 // Keeps the entity taken apart from the record (of any kind but MLINE)
 // unopened when its groups take less than half the object: records of a
 // few groups, where the object would cost many times the file. Larger
@@ -639,14 +663,18 @@ bool keepUnopened(const Record& record, const EntityParts& parts, ReadContext& c
     look.kind = record.kind();
     look.maker = &makeUnopened;
     parts.look.resolve(context, look);
-    const KxDbObjectId owner = placeKeptBlock(look, block, block.isNull() ? blockOf(parts.basics, context) : block);
+    const KxDbObjectId target = block.isNull() ? blockOf(parts.basics, context) : block;
+    const KxDbObjectId owner = placeKeptBlock(look, block, target);
     KxDbPackedGroups unnamed;
     const KxRxClass* const cls = entityClass(parts);
-    return !context.db.unopenedRecords()
-                .keep(cls ? cls : KxDbUnmodelledEntity::desc(), look,
-                      cls ? withoutNames(groups, look, unnamed) : groups, context.fileHandle(parts.basics.handle),
-                      false, owner)
-                .isNull();
+    const bool kept = !context.db.unopenedRecords()
+                           .keep(cls ? cls : KxDbUnmodelledEntity::desc(), look,
+                                 cls ? withoutNames(groups, look, unnamed) : groups,
+                                 context.fileHandle(parts.basics.handle), false, owner)
+                           .isNull();
+    if (kept)
+        measureKept(parts, context, target);
+    return kept;
 }
 
 // Keeps a multiline unopened, checked in full, when its groups take less
@@ -667,13 +695,17 @@ bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId 
     resolved.kind = record.kind();
     resolved.maker = &makeUnopened;
     look.resolve(context, resolved);
-    const KxDbObjectId owner = placeKeptBlock(resolved, block, block.isNull() ? blockOf(basics, context) : block);
+    const KxDbObjectId target = block.isNull() ? blockOf(basics, context) : block;
+    const KxDbObjectId owner = placeKeptBlock(resolved, block, target);
     KxDbPackedGroups unnamed;
     const KxDbObjectId id =
         context.db.unopenedRecords().keep(KxDbMline::desc(), resolved, withoutNames(groups, resolved, unnamed),
                                           context.fileHandle(basics.handle), true, owner);
     if (id.isNull())
         return false;
+    // Laid out once its style is found (see ReadExtents::add).
+    if (context.extents.boxFor(target, context.roots.modelSpace))
+        context.extents.lose();
     context.keptMlines.push_back({id, styleLink, outline});
     return true;
 }

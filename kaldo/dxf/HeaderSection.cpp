@@ -249,7 +249,7 @@ void writeHeaderSection(GroupWriter& w, const KxDbDatabase& db, const KeptSectio
     w.vector(10, db.ucsxdir());
     w.text(9, "$UCSYDIR");
     w.vector(10, db.ucsydir());
-    const Extents extents = drawingExtents(db, chunks);
+    const Extents extents = drawingExtents(db, kept.extents, chunks);
     w.text(9, "$EXTMIN");
     w.point(10, extents.min);
     w.text(9, "$EXTMAX");

@@ -26,7 +26,8 @@ void readHeaderSection(GroupReader& reader, ReadContext& context);
 // objects are read.
 void resolveHeaderReferences(ReadContext& context);
 
-// The extents are measured in the chunks given (drawingExtents).
+// The extents are those the drawing was read with while it has not
+// changed since, else measured in the chunks given (drawingExtents).
 void writeHeaderSection(GroupWriter& writer, const KxDbDatabase& db, const KeptSections& kept,
                         const EntityChunks& chunks);
 

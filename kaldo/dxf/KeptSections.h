@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kaldo/dxf/BlockEnds.h"
+#include "kaldo/dxf/Extents.h"
 #include "kxdbunmodelled.h"
 
 namespace kaldo::dxf {
@@ -32,6 +33,9 @@ struct KeptSections {
     // The sections the host does not know, written after OBJECTS as read:
     // each "0 SECTION", "2" and its name, its groups and "0 ENDSEC".
     KxDbPackedGroups sections;
+    // The header's extents as measured while the file was read, which the
+    // writer takes while the drawing has not changed since.
+    KnownExtents extents;
 };
 
 }  // namespace kaldo::dxf

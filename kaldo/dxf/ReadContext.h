@@ -17,6 +17,7 @@
 #include "kaldo/dxf/KeptSections.h"
 #include "kaldo/dxf/MlineRecord.h"
 #include "kaldo/dxf/PendingDictionaryEntries.h"
+#include "kaldo/dxf/ReadExtents.h"
 #include "kaldo/dxf/Record.h"
 #include "kaldo/dxf/SectionRecords.h"
 #include "kxdbdatabase.h"
@@ -98,6 +99,8 @@ struct ReadContext {
         std::size_t count = 0;
     };
     PendingRun run;
+    // Model space's extents, measured as its entities are added.
+    ReadExtents extents;
     // The handles of the records runs hold after their first (whose handle
     // is the run's): a record that names one of them later gets a new
     // handle, as it would have were each record of a run an object of its

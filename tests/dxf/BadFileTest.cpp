@@ -206,6 +206,9 @@ TEST(DxfBadFiles, EntitiesWrittenOnTwoThreadsAreThoseOfOneAndAFailedWriteKeepsTh
         smallDrawing(groupText({"0", "LINE", "8", "0", "10", "0", "20", "-0", "11", "1", "21", "1", "0", "LINE", "8",
                                 "0", "10", "-0", "20", "0", "11", "1", "21", "1"}),
                      ""));
+    ASSERT_TRUE(zeros.kept.extents.holdFor(*zeros.database)) << "measured as read, in the same order";
+    EXPECT_FALSE(std::signbit(zeros.kept.extents.extents.min.x));
+    EXPECT_TRUE(std::signbit(zeros.kept.extents.extents.min.y));
     for (const kaldo::dxf::EntityChunks chunks : {kaldo::dxf::EntityChunks{1, false}, kaldo::dxf::EntityChunks{1, true},
                                                   kaldo::dxf::EntityChunks{}}) {
         const kaldo::dxf::Extents extents = kaldo::dxf::drawingExtents(*zeros.database, chunks);

@@ -2,6 +2,7 @@
 
 #include "DxfText.h"
 
+#include "kaldo/dxf/DrawingExtents.h"
 #include "kaldo/dxf/DxfError.h"
 
 #include <QJsonArray>
@@ -10,6 +11,7 @@
 #include <QProcess>
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 
 std::string reopenProblem(const std::filesystem::path& drawing, const std::filesystem::path& savedCopy, bool& opened)
@@ -22,6 +24,12 @@ std::string reopenProblem(const std::filesystem::path& drawing, const std::files
         return "it does not open: " + std::string(e.what());
     }
     opened = true;
+    // Extents known from the reading are those a full pass gives, bit for bit.
+    if (first.kept.extents.holdFor(*first.database)) {
+        const kaldo::dxf::Extents measured = kaldo::dxf::drawingExtents(*first.database);
+        if (std::memcmp(&measured, &first.kept.extents.extents, sizeof measured) != 0)
+            return "the extents measured while it was read are not those of its entities";
+    }
     std::string saved;
     try {
         saved = toDxfText(first);

@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
-// Opens the drawing, saves it as savedCopy, opens that and saves it again.
+// Opens the drawing (the extents it was read with, if known, must be
+// those of its entities), saves it as savedCopy, opens that and saves it
+// again.
 // Returns what went wrong ("" when the two saves are the same bytes), or
 // why kaldo does not open the drawing at all; opened tells which.
 std::string reopenProblem(const std::filesystem::path& drawing, const std::filesystem::path& savedCopy,

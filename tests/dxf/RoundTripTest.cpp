@@ -9,6 +9,7 @@
 #include "kaldo/app/SortTables.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/UndoHistory.h"
+#include "kaldo/dxf/DrawingExtents.h"
 #include "kaldo/dxf/DxfError.h"
 
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <numbers>
 #include <string>
 #include <utility>
@@ -184,6 +186,99 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
     EXPECT_EQ(db.changeCount(), changes);
     EXPECT_TRUE(std::ranges::equal(db.objectIds(), objects));
     EXPECT_EQ(toDxfText(drawing), saved);
+}
+
+// The header's extents, measured as the drawing is read (entities kept as
+// their records and entities made alike, paper space left out), are
+// written while the drawing has not changed since; opening entities kept
+// as their records is no change. After any change (adding, taking back,
+// restoring, erasing, moving, multilines added and translated, an entity
+// saved while open for write and changed after) each save writes the
+// header a full pass over the entities gives.
+TEST(DxfRoundTrip, HeaderExtentsMeasuredWhenReadHoldUntilTheDrawingChanges)
+{
+    kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(
+        groupText({"0", "LINE", "10", "1", "20", "2", "11", "8", "21", "-9",
+                   "0", "CIRCLE", "10", "5", "20", "5", "40", "2",
+                   "0", "LWPOLYLINE", "38", "2", "210", "0", "220", "1", "230", "1",
+                   "10", "1", "20", "-3", "10", "2", "20", "6",
+                   "0", "LINE", "10", "-1.2500000000000000000", "20", "0.5000000000000000000",
+                   "30", "0.0000000000000000000", "11", "0.0000000000000000000", "21", "0.0000000000000000000",
+                   "31", "-3.0000000000000000000",
+                   "0", "LINE", "67", "1", "10", "1000", "11", "-1000"}),
+        ""));
+    KxDbDatabase& db = *drawing.database;
+    std::vector<KxDbObjectId> ids;
+    const auto* space = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()));
+    for (auto it = space->newIterator(); !it->done(); it->step())
+        ids.push_back(it->getEntityId());
+    ASSERT_EQ(ids.size(), 4u);
+    EXPECT_TRUE(kaldo::isUnopened(ids[0]));
+    EXPECT_FALSE(kaldo::isUnopened(ids[3]));
+    ASSERT_TRUE(drawing.kept.extents.holdFor(db));
+    const kaldo::dxf::Extents measured = kaldo::dxf::drawingExtents(db);
+    expectSamePoint(drawing.kept.extents.extents.min, measured.min);
+    expectSamePoint(drawing.kept.extents.extents.max, measured.max);
+    EXPECT_EQ(measured.min.x, -2) << "the polyline's vertices in the world";
+    EXPECT_EQ(measured.max.x, 8) << "the line kept as its record";
+    EXPECT_EQ(measured.max.y, 7) << "the circle kept as its record";
+
+    const auto header = [&] {
+        const std::string text = toDxfText(drawing);
+        return text.substr(0, text.find("ENDSEC"));
+    };
+    const auto expectFullPass = [&](const char* after) {
+        const std::string written = header();
+        const kaldo::dxf::KnownExtents known = std::exchange(drawing.kept.extents, {});
+        EXPECT_EQ(written, header()) << after;
+        drawing.kept.extents = known;
+    };
+    for (const KxDbObjectId id : ids)
+        db.peekObject(id);
+    EXPECT_TRUE(drawing.kept.extents.holdFor(db)) << "opening is no change";
+    expectFullPass("opening");
+
+    kaldo::UndoHistory& history = db.undoHistory();
+    const auto step = [&](const wchar_t* name, const std::function<void()>& edit) {
+        history.beginStep(name);
+        edit();
+        history.endStep();
+    };
+    step(L"LINE", [&] {
+        auto* line = new KxDbLine(KxGePoint3d(0, 0, 0), KxGePoint3d(100, -50, 7));
+        db.addToCurrentSpace(line);
+        line->close();
+    });
+    EXPECT_EQ(kaldo::dxf::drawingExtents(db).max.x, 100);
+    expectFullPass("a line added");
+    history.undo(1);
+    expectFullPass("undone");
+    history.redo();
+    expectFullPass("redone");
+    step(L"ERASE", [&] { KxDbObjectPtr<KxDbEntity>(ids[1], KxDb::kForWrite)->erase(); });
+    expectFullPass("erased");
+    step(L"MOVE", [&] {
+        KxDbObjectPtr<KxDbEntity>(ids[2], KxDb::kForWrite)->transformBy(KxGeMatrix3d::translation({-20, 0, 0}));
+    });
+    expectFullPass("moved");
+    KxDbObjectId mlineId;
+    step(L"MLINE", [&] { mlineId = addMline(db, {{0, 0, 0}, {0, 200, 0}})->objectId(); });
+    expectFullPass("a multiline added");
+    step(L"MOVE", [&] {
+        KxDbObjectPtr<KxDbEntity> mline(mlineId, KxDb::kForRead);
+        ASSERT_EQ(kaldo::upgradeOpenToTranslate(*mline), Kald::eOk);
+        mline->transformBy(KxGeMatrix3d::translation({0, 300, 0}));
+    });
+    expectFullPass("a multiline translated");
+    {
+        KxDbObjectPtr<KxDbLine> line(ids[0], KxDb::kForWrite);
+        expectFullPass("open for write");
+        line->setEndPoint(KxGePoint3d(-300, 0, 0));
+        expectFullPass("changed while open for write");
+    }
+    expectFullPass("closed");
+    history.undo(5);
+    expectFullPass("all undone");
 }
 
 // Objects of a few groups are kept as their records too, their owners
