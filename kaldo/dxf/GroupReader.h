@@ -58,11 +58,13 @@ public:
         return nextGeneral(group);
     }
     // Reads the usual groups that follow (as next() reads them straight
-    // from the buffer), calling take(code, value) for each, up to a group
-    // of code 0 or any other: that group is left to next(). True when it
-    // stopped at a usual group of code 0. The values stay valid until the
-    // next call. One loop, keeping the reader's place in locals: most
-    // groups of a file are read here.
+    // from the buffer), calling take(code, value, readable) for each, up to
+    // a group of code 0 or any other: that group is left to next(). True
+    // when it stopped at a usual group of code 0. The values stay valid
+    // until the next call; the bytes from a value's start up to readable
+    // may be read (they lie in the reader's buffer), so that a value can be
+    // copied by words of a fixed size. One loop, keeping the reader's place
+    // in locals: most groups of a file are read here.
     template <class Take>
     bool readPlain(Take&& take)
     {
@@ -70,6 +72,7 @@ public:
             return false;
         const char* p = begin_;
         const char* const end = end_;
+        const char* const readable = readable_;
         long lines = lineNumber_;
         // The place is kept however the loop ends, take throwing too.
         struct Kept {
@@ -92,7 +95,7 @@ public:
                 return true;
             p = at;
             lines += 2;
-            take(code, value);
+            take(code, value, readable);
         }
     }
     // Makes the next call give group, the one just read, again.
@@ -148,6 +151,9 @@ private:
     std::string_view memory_;
     const char* begin_ = nullptr;
     const char* end_ = nullptr;
+    // The end of the memory that holds the input read: the buffer's, or
+    // the text's.
+    const char* readable_ = nullptr;
     bool eof_ = false;
     long lineNumber_ = 0;
     Group current_;
@@ -184,10 +190,6 @@ constexpr bool isHandleCode(int code)
     return code == 5 || code == 105 || (code >= 320 && code <= 369) || (code >= 390 && code <= 399)
            || code == 480 || code == 481 || code == 1005;
 }
-// The real of a value by toReal's quick ways alone, so that it can be read
-// ahead of its use; false, with value untouched, where toReal looks further
-// (and may refuse the text).
-bool readQuickReal(std::string_view text, double& value);
 std::int64_t toInteger(const Group& group);
 // A handle: hexadecimal digits, at most kxdbHighestHandle (a handle seed
 // may be one above); toHandleText reads the text even when the group comes

@@ -1,5 +1,7 @@
 #include "kaldo/dxf/Record.h"
 
+#include "kaldo/dxf/QuickReal.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -11,13 +13,28 @@
 namespace kaldo::dxf {
 
 namespace {
-// Copies a value into the record's store without a call for the usual
-// short one: two copies of a fixed size that overlap in the middle cover
-// every length between them, reading and writing only the value's bytes.
-inline void copyValue(unsigned char* to, std::string_view value)
+// The bytes copyValue copies at once from a value that has them readable.
+constexpr std::size_t kCopiedAtOnce = 32;
+
+// Copies a value into the record's store, which has room for
+// kCopiedAtOnce bytes from to, without a call for the usual short one.
+// A value of up to kCopiedAtOnce bytes with as many readable from its
+// start (readable is where they end) is copied by two copies of sixteen
+// bytes, whatever its length: the bytes past it are written over by what
+// follows in the store or lie beyond its end. Else two copies of a fixed
+// size that overlap in the middle cover every length between them,
+// reading and writing only the value's bytes.
+[[gnu::always_inline]] inline void copyValue(unsigned char* to, std::string_view value, const char* readable)
 {
     const char* const from = value.data();
     const std::size_t n = value.size();
+    if (n <= kCopiedAtOnce && std::size_t(readable - from) >= kCopiedAtOnce) {
+        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), first);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 16), second);
+        return;
+    }
     const auto copyEnds = [&](auto word) {
         std::memcpy(&word, from, sizeof word);
         std::memcpy(to, &word, sizeof word);
@@ -65,7 +82,7 @@ static_assert([] {
 }());
 }  // namespace
 
-inline Record::Number Record::numberOf(bool modelled, int code, std::string_view value, std::uint64_t& number)
+[[gnu::always_inline]] inline Record::Number Record::numberOf(bool modelled, int code, std::string_view value, std::uint64_t& number)
 {
     const CodeHolds holds = unsigned(code) < unsigned(kCodesClassed) ? kCodeHolds[std::size_t(code)] : CodeHolds::Text;
     if (double real = 0; holds == CodeHolds::Real && modelled && readQuickReal(value, real)) {
@@ -98,10 +115,10 @@ void Record::read(GroupReader& reader, const Group& head)
     // Keeps a group: the store only grows, doubling, so that a record of
     // the usual size needs no allocation and no check beyond this one: room
     // for the code, the part, the value's length (five bytes hold any
-    // value's) and the value. Inlined into both loops: it is called for
-    // every group.
-    const auto keep = [&](int code, std::string_view value) __attribute__((always_inline)) {
-        if (const std::size_t most = used + 8 + value.size(); most > room) {
+    // value's) and the value, or kCopiedAtOnce bytes when more (copyValue).
+    // Inlined into both loops: it is called for every group.
+    const auto keep = [&](int code, std::string_view value, const char* readable) __attribute__((always_inline)) {
+        if (const std::size_t most = used + 8 + std::max(value.size(), kCopiedAtOnce); most > room) {
             groups_.resize(std::max(2 * room, most));
             store = groups_.data();
             room = groups_.size();
@@ -115,7 +132,7 @@ void Record::read(GroupReader& reader, const Group& head)
         for (; length >= 0x80; length >>= 7)
             *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
         *at++ = static_cast<unsigned char>(length);
-        copyValue(at, value);
+        copyValue(at, value, readable);
         used = std::size_t(reinterpret_cast<char*>(at) - store) + value.size();
         if (size < kReadNumbers) {
             if (size == numbered) {
@@ -138,7 +155,7 @@ void Record::read(GroupReader& reader, const Group& head)
                 reader.pushBack(g);
                 break;
             }
-            keep(g.code, g.value);
+            keep(g.code, g.value, g.value.data() + g.value.size());
         }
     } catch (...) {
         size_ = size;

@@ -1,5 +1,6 @@
 // The group reader's quick way for plain lines and its general way for
-// other line ends, blanks and signs give the same groups and line numbers;
+// other line ends, blanks and signs give the same groups and line numbers,
+// and a record keeps values of every length wherever they lie;
 // its quick way for plain decimals gives the values from_chars gives, and
 // refuses what it refuses or reads as no finite number, and handles as
 // from_chars reads hexadecimal numbers; the
@@ -7,6 +8,7 @@
 // give the shortest form's text, and for degrees the text of fifteen digits.
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/Record.h"
 #include "kaldo/dxf/TextCodec.h"
 
 #include <gtest/gtest.h>
@@ -91,6 +93,34 @@ TEST(DxfGroupStream, ValuesWithBytesToDecodeOrEncodeAreCodedWhereverTheBytesStan
     std::rewind(file.get());
     written.resize(std::fread(written.data(), 1, written.size(), file.get()));
     EXPECT_EQ(written, expected);
+}
+
+// A record keeps values of every length as they were, whether far from the
+// end of the input (copied by words of a fixed size) or close to it.
+TEST(DxfGroupStream, RecordsKeepValuesOfEveryLengthWhereverTheInputEnds)
+{
+    for (std::size_t length = 0; length <= 40; ++length) {
+        for (std::size_t apart = 0; apart <= 40; ++apart) {
+            std::string value;
+            for (std::size_t i = 0; i < length; ++i)
+                value += char('a' + i % 26);
+            const std::vector<std::string> values = {value, std::string(apart, '-'), value};
+            std::string text = "  0\nKIND\n";
+            for (const std::string& v : values)
+                text += "  1\n" + v + "\n";
+            kaldo::dxf::GroupReader reader{std::string_view(text)};
+            kaldo::dxf::Group head;
+            ASSERT_TRUE(reader.next(head));
+            kaldo::dxf::Record record;
+            record.read(reader, head);
+            std::vector<std::string> read;
+            record.forEach([&](const kaldo::dxf::Group& g) {
+                read.emplace_back(g.value);
+                return true;
+            });
+            EXPECT_EQ(read, values) << length << " " << apart;
+        }
+    }
 }
 
 TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
