@@ -97,6 +97,23 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
     EXPECT_EQ(kaldo::HandleTable().greatestHandle(), 0u);
     EXPECT_TRUE(runs.find(0xFF).isNull());
     EXPECT_TRUE(runs.find(0x100 + 3000).isNull());
+
+    // A handle far above a run (a record made at the handle seed before a
+    // file's entities) and one that the run reaches later, named before it
+    // gets there: the run grows past the first and stops at the second,
+    // which insertNew leaves as it is.
+    kaldo::HandleTable seeded;
+    const auto id = [](std::uint64_t handle) { return KxDbObjectId::fromOldId(handle + 10); };
+    seeded.insert(0x187A0, KxDbObjectId::fromOldId(1));
+    for (std::uint64_t h = 0x100; h < 0x110; ++h)
+        seeded.insert(h, id(h));
+    seeded.insert(0x120, KxDbObjectId::fromOldId(99));
+    for (std::uint64_t h = 0x110; h < 0x130; ++h)
+        EXPECT_EQ(seeded.insertNew(h, id(h)), h != 0x120) << std::hex << h;
+    for (std::uint64_t h = 0x100; h < 0x130; ++h)
+        EXPECT_EQ(seeded.find(h), h == 0x120 ? KxDbObjectId::fromOldId(99) : id(h)) << std::hex << h;
+    EXPECT_EQ(seeded.handleOf(id(0x120)), 0u);
+    EXPECT_EQ(seeded.find(0x187A0), KxDbObjectId::fromOldId(1));
 }
 
 // Additions in runs (as files and new objects make them), handles in any
