@@ -5,27 +5,8 @@
 #include "kxdbmline.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 namespace kaldo::dxf {
-
-void ExtentsBox::add(const KxGePoint3d& p)
-{
-    if (std::isnan(p.x) || std::isnan(p.y) || std::isnan(p.z))
-        return;
-    constexpr double kLargest = std::numeric_limits<double>::max();
-    const KxGePoint3d q(std::clamp(p.x, -kLargest, kLargest), std::clamp(p.y, -kLargest, kLargest),
-                        std::clamp(p.z, -kLargest, kLargest));
-    m_min = {std::min(m_min.x, q.x), std::min(m_min.y, q.y), std::min(m_min.z, q.z)};
-    m_max = {std::max(m_max.x, q.x), std::max(m_max.y, q.y), std::max(m_max.z, q.z)};
-}
-
-void ExtentsBox::add(const KxGePoint3d& center, double radius)
-{
-    add(center + KxGeVector3d(radius, radius, radius));
-    add(center - KxGeVector3d(radius, radius, radius));
-}
 
 void ExtentsBox::add(const ExtentsBox& later)
 {
@@ -43,15 +24,21 @@ void ExtentsBox::add(const KxDbEntity& entity)
     } else if (const auto* circle = KxDbCircle::cast(&entity)) {
         add(circle->center(), circle->radius());
     } else if (const auto* pline = KxDbPolyline::cast(&entity)) {
-        // pointAt's conversion, with the plane made once per polyline.
+        // pointAt's conversion, with the plane made once per polyline. The
+        // vertices go to a box of their own, which stays in registers
+        // between the calls for each vertex.
         const kaldo::EntityPlane plane(pline->normal());
+        ExtentsBox vertices;
         for (int i = 0; i < pline->numVerts(); ++i) {
             const KxDbPolyline::Vertex v = pline->vertexAt(i);
-            add(plane.toWorld(KxGePoint3d(v.x, v.y, pline->elevation())));
+            vertices.add(plane.toWorld(KxGePoint3d(v.x, v.y, pline->elevation())));
         }
+        add(vertices);
     } else if (const auto* mline = KxDbMline::cast(&entity)) {
+        ExtentsBox vertices;
         for (int i = 0; i < mline->numVertices(); ++i)
-            add(mline->vertexAt(i));
+            vertices.add(mline->vertexAt(i));
+        add(vertices);
     }
 }
 

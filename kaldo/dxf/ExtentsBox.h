@@ -2,6 +2,9 @@
 // centres with radii), in the order they are added: the header's extents.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <span>
 
 #include "kaldo/dxf/Extents.h"
@@ -18,8 +21,23 @@ public:
     // Extents stay finite: a point beyond the largest number (a circle that
     // reaches further) counts as lying at it, and one that is no number
     // counts not at all; the writer names the entity that holds one.
-    void add(const KxGePoint3d& p);
-    void add(const KxGePoint3d& center, double radius);
+    // Inline: the reader adds every vertex it reads, the full pass every
+    // vertex of the drawing.
+    void add(const KxGePoint3d& p)
+    {
+        if (std::isnan(p.x) || std::isnan(p.y) || std::isnan(p.z))
+            return;
+        constexpr double kLargest = std::numeric_limits<double>::max();
+        const KxGePoint3d q(std::clamp(p.x, -kLargest, kLargest), std::clamp(p.y, -kLargest, kLargest),
+                            std::clamp(p.z, -kLargest, kLargest));
+        m_min = {std::min(m_min.x, q.x), std::min(m_min.y, q.y), std::min(m_min.z, q.z)};
+        m_max = {std::max(m_max.x, q.x), std::max(m_max.y, q.y), std::max(m_max.z, q.z)};
+    }
+    void add(const KxGePoint3d& center, double radius)
+    {
+        add(center + KxGeVector3d(radius, radius, radius));
+        add(center - KxGeVector3d(radius, radius, radius));
+    }
     // Takes in the box of entities that come after this box's: of equal
     // coordinates (0 and -0) the first stays, as when they are added one by
     // one.
