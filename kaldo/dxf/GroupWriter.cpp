@@ -72,9 +72,10 @@ void GroupWriter::makeRoom(std::size_t bytes)
         buffer_.resize(bytes);
 }
 
+// Writes the code's line in room of kNumberRoom bytes or more, which each
+// caller ensures at once for the code and its value.
 inline void GroupWriter::code(int code)
 {
-    ensure(kNumberRoom);
     char* out = buffer_.data() + used_;
     if (code >= 0 && code < kShortCodes) {
         std::memcpy(out, kCodeLines.lines[code].data(), 4);
@@ -97,8 +98,8 @@ void GroupWriter::text(int groupCode, std::string_view value)
 
 void GroupWriter::line(int groupCode, std::string_view value)
 {
+    ensure(kNumberRoom + value.size() + 1);
     code(groupCode);
-    ensure(value.size() + 1);
     std::memcpy(buffer_.data() + used_, value.data(), value.size());
     used_ += value.size();
     buffer_[used_++] = '\n';
@@ -117,8 +118,8 @@ void GroupWriter::wide(int groupCode, const std::wstring& value)
 void GroupWriter::real(int groupCode, double value)
 {
     requireFinite(groupCode, value);
+    ensure(2 * kNumberRoom);
     code(groupCode);
-    ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
     char* out = writeFewDecimals(value, start);
     if (!out)
@@ -145,8 +146,8 @@ char* GroupWriter::writeOtherReal(double value, char* out)
 
 void GroupWriter::integer(int groupCode, std::int64_t value)
 {
+    ensure(2 * kNumberRoom);
     code(groupCode);
-    ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
     char* out = std::to_chars(start, start + kNumberRoom, value).ptr;
     *out++ = '\n';
@@ -155,8 +156,8 @@ void GroupWriter::integer(int groupCode, std::int64_t value)
 
 void GroupWriter::handle(int groupCode, std::uint64_t value)
 {
+    ensure(2 * kNumberRoom);
     code(groupCode);
-    ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
     char* out = std::to_chars(start, start + kNumberRoom, value, 16).ptr;
     for (char* c = start; c < out; ++c)
@@ -170,8 +171,8 @@ void GroupWriter::degrees(int groupCode, double radians)
 {
     const double degrees = radians * (180.0 / std::numbers::pi);
     requireFinite(groupCode, degrees);
+    ensure(2 * kNumberRoom);
     code(groupCode);
-    ensure(kNumberRoom);
     char* const start = buffer_.data() + used_;
     char* out = writeFifteenDigits(degrees, start);
     if (!out)
