@@ -103,13 +103,16 @@ inline bool readQuickReal(std::string_view text, double& value)
         value = text[0] - '0';
         return true;
     }
-    // Only a text with a blank at either end or a plus sign needs trimming:
-    // most have neither.
-    if (hasBlankEnd(text) || (!text.empty() && text.front() == '+')) {
-        text = trimmed(text);
-        if (!text.empty() && text.front() == '+')
-            text.remove_prefix(1);
-    }
+    // A plain decimal refuses blanks and plus signs, so only a text it
+    // refuses that has a blank at either end or a plus sign is trimmed and
+    // read again: most values are read at the first try, untested.
+    if (readPlainDecimal(text, value))
+        return true;
+    if (!hasBlankEnd(text) && (text.empty() || text.front() != '+'))
+        return false;
+    text = trimmed(text);
+    if (!text.empty() && text.front() == '+')
+        text.remove_prefix(1);
     return readPlainDecimal(text, value);
 }
 

@@ -82,7 +82,8 @@ static_assert([] {
 }());
 }  // namespace
 
-[[gnu::always_inline]] inline Record::Number Record::numberOf(bool modelled, int code, std::string_view value, std::uint64_t& number)
+[[gnu::always_inline]] inline Record::Number Record::numberOf(bool modelled, int code, std::string_view value,
+                                                              std::uint64_t& number)
 {
     const CodeHolds holds = unsigned(code) < unsigned(kCodesClassed) ? kCodeHolds[std::size_t(code)] : CodeHolds::Text;
     if (double real = 0; holds == CodeHolds::Real && modelled && readQuickReal(value, real)) {

@@ -8,6 +8,7 @@
 // give the shortest form's text, and for degrees the text of fifteen digits.
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
+#include "kaldo/dxf/QuickReal.h"
 #include "kaldo/dxf/Record.h"
 #include "kaldo/dxf/TextCodec.h"
 
@@ -136,7 +137,8 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
                                       "inf", "-nan", "1 2", "1\t.5", " ", "", "+", "-", ".", "-.", "12345678.",
                                       "12345678.87654321", "1234567812345678.1", "123456781234567812",
                                       "00000000000000000001", "0.000000000000000000001", "1\xFA", "\xFF" "5", "5\xFF",
-                                      "1234567\xFA" "9", "9\x3A", "12/", "1234567/", "12345678/", "/12345678"};
+                                      "1234567\xFA" "9", "9\x3A", "12/", "1234567/", "12345678/", "/12345678",
+                                      "+-1.5", " -2.25", "-2.25 ", "\t+7", "+ 7", "- 7", "7 .5"};
     std::mt19937_64 random(7);
     for (int i = 0; i < 20000; ++i) {
         double value;
@@ -157,6 +159,20 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         text.insert(1 + random() % 16, ".");
         texts.push_back(std::move(text));
     }
+    // A plain decimal of up to 15 digits, blanks and a plus sign around it
+    // aside, is read by the quick way, as it is read ahead.
+    const auto plain = [](std::string_view digits) {
+        if (digits.starts_with('-'))
+            digits.remove_prefix(1);
+        const std::size_t point = digits.find('.');
+        const std::string_view whole = digits.substr(0, point);
+        const std::string_view decimals = point == digits.npos ? "" : digits.substr(point + 1);
+        const auto allDigits = [](std::string_view part) {
+            return part.find_first_not_of("0123456789") == part.npos;
+        };
+        return !whole.empty() && allDigits(whole) && allDigits(decimals)
+               && (point == digits.npos || !decimals.empty()) && whole.size() + decimals.size() <= 15;
+    };
     for (const std::string& text : texts) {
         std::string_view digits = kaldo::dxf::trimmed(text);
         if (digits.starts_with('+'))
@@ -164,12 +180,17 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         double expected = 0;
         const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), expected);
         const kaldo::dxf::Group g{40, text, 1};
+        double quick = 0;
+        const bool readQuickly = kaldo::dxf::readQuickReal(text, quick);
+        EXPECT_TRUE(readQuickly || !plain(digits)) << text;
         if (ec != std::errc() || end != digits.data() + digits.size() || !std::isfinite(expected)) {
+            EXPECT_FALSE(readQuickly) << text;
             EXPECT_THROW(kaldo::dxf::toReal(g), std::exception) << text;
             continue;
         }
         const double read = kaldo::dxf::toReal(g);
         EXPECT_EQ(std::memcmp(&read, &expected, sizeof read), 0) << text << " read as " << read;
+        EXPECT_TRUE(!readQuickly || std::memcmp(&quick, &expected, sizeof quick) == 0) << text << " read as " << quick;
     }
 }
 
