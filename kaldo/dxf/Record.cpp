@@ -213,5 +213,4 @@ RecordKind recordKindOf(std::string_view kind)
     }
 }
 
-
 }  // namespace kaldo::dxf

@@ -502,9 +502,9 @@ TEST(DxfRoundTrip, LayersAndLinetypesKeptAsTheirRecordsOpenAsRead)
     const std::string layerTable = "0\nTABLE\n2\nLAYER\n" + layerRecords + "0\nENDTAB\n";
     const std::string linetypeTable = "0\nTABLE\n2\nLTYPE\n" + linetypeRecords + "0\nENDTAB\n";
     for (const bool linetypesFirst : {false, true}) {
-        kaldo::dxf::DxfDrawing layered =
-            fromDxfText("0\nSECTION\n2\nTABLES\n" + (linetypesFirst ? linetypeTable + layerTable : layerTable + linetypeTable)
-                        + "0\nENDSEC\n" + smallDrawing(groupText({"0", "LINE", "8", "R99"}), ""));
+        const std::string tables = linetypesFirst ? linetypeTable + layerTable : layerTable + linetypeTable;
+        kaldo::dxf::DxfDrawing layered = fromDxfText("0\nSECTION\n2\nTABLES\n" + tables + "0\nENDSEC\n"
+                                                     + smallDrawing(groupText({"0", "LINE", "8", "R99"}), ""));
         KxDbDatabase& layeredDb = *layered.database;
         const auto named = [&](KxDbObjectId tableId, const std::string& name) {
             return recordNamed(tableId, std::wstring(name.begin(), name.end()));
