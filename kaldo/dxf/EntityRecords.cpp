@@ -689,8 +689,12 @@ bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId 
     RecordBasics basics;
     EntityLook look;
     MlineStyleLink styleLink;
+    // Its vertices go to a box of their own, as the multiline made from the
+    // record measures (ExtentsBox::add), joined once it is kept.
+    ExtentsBox vertices;
     const MlineOutline outline = checkMline(
-        record, basics, [&look](const Group& g) { return look.take(g); }, styleLink, context.mlineLists);
+        record, basics, [&look](const Group& g) { return look.take(g); }, styleLink, context.mlineLists,
+        [&vertices](const KxGePoint3d& p) { vertices.add(p); });
     kaldo::UnopenedRecords::Look resolved;
     resolved.kind = record.kind();
     resolved.maker = &makeUnopened;
@@ -703,9 +707,9 @@ bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId 
                                           context.fileHandle(basics.handle), true, owner);
     if (id.isNull())
         return false;
-    // Laid out once its style is found (see ReadExtents::add).
-    if (context.extents.boxFor(target, context.roots.modelSpace))
-        context.extents.lose();
+    // Laying it out anew once its style is found keeps its vertices.
+    if (ExtentsBox* const box = context.extents.boxFor(target, context.roots.modelSpace))
+        box->add(vertices);
     context.keptMlines.push_back({id, styleLink, outline});
     return true;
 }

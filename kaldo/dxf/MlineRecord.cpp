@@ -226,10 +226,11 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
 }
 
 MlineOutline checkMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
-                        MlineStyleLink& style, KxDbMlineListStore& scratch)
+                        MlineStyleLink& style, KxDbMlineListStore& scratch,
+                        std::function<void(const KxGePoint3d&)> position)
 {
     KxDbMline probe;
-    VertexCollector vertices(record.size(), scratch, false);
+    VertexCollector vertices(record.size(), scratch, false, std::move(position));
     readInto(probe, record, basics, other, style, vertices);
     return {vertices.count(), vertices.otherElements() >= 0 ? -1 : vertices.firstElements()};
 }

@@ -43,9 +43,10 @@ struct MlineOutline {
 };
 
 // Checks the record as readMline reads it, giving the same errors, one
-// vertex at a time in scratch.
+// vertex at a time in scratch, handing each vertex's position to position.
 MlineOutline checkMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
-                        MlineStyleLink& style, KxDbMlineListStore& scratch);
+                        MlineStyleLink& style, KxDbMlineListStore& scratch,
+                        std::function<void(const KxGePoint3d&)> position);
 
 // At least what the multiline the record lists takes as an object: the
 // vertices its count (72) announces, which it must hold to be read, up to

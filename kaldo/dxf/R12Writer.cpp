@@ -69,7 +69,7 @@ bool isWorldNormal(const KxGeVector3d& n)
 class R12Writer {
 public:
     R12Writer(int fd, const KxDbDatabase& db, const KeptSections& kept, NearestColorIndex nearestIndex)
-        : w_(fd), db_(db), kept_(kept), nearestIndex_(nearestIndex)
+        : w_(fd), db_(db), kept_(kept), nearestIndex_(nearestIndex), extents_(drawingExtents(db, kept.extents))
     {
         w_.encodeAs(kVersion, kept.codePage);
     }
@@ -113,11 +113,10 @@ private:
         w_.text(3, w_.codePage());
         w_.text(9, "$INSBASE");
         w_.point(10, 0, 0, 0);
-        const Extents extents = drawingExtents(db_);
         w_.text(9, "$EXTMIN");
-        w_.point(10, extents.min);
+        w_.point(10, extents_.min);
         w_.text(9, "$EXTMAX");
-        w_.point(10, extents.max);
+        w_.point(10, extents_.max);
         w_.text(9, "$CLAYER");
         w_.text(8, nameOf(db_.clayer(), "0"));
         w_.text(0, "ENDSEC");
@@ -179,14 +178,13 @@ private:
     // The active viewport shows the drawing's extents.
     void writeViewportTable()
     {
-        const Extents extents = drawingExtents(db_);
-        const bool empty = extents.min.x > extents.max.x;
+        const bool empty = extents_.min.x > extents_.max.x;
         // Extents may span more than the largest number: the middle is taken
         // without overflow and the height kept to the largest number.
-        const double cx = empty ? 0 : std::midpoint(extents.min.x, extents.max.x);
-        const double cy = empty ? 0 : std::midpoint(extents.min.y, extents.max.y);
+        const double cx = empty ? 0 : std::midpoint(extents_.min.x, extents_.max.x);
+        const double cy = empty ? 0 : std::midpoint(extents_.min.y, extents_.max.y);
         const double height = empty ? 10
-                                    : std::clamp(extents.max.y - extents.min.y, 1e-3,
+                                    : std::clamp(extents_.max.y - extents_.min.y, 1e-3,
                                                  std::numeric_limits<double>::max());
         tableHead("VPORT", 1);
         w_.text(0, "VPORT");
@@ -431,6 +429,9 @@ private:
     const KxDbDatabase& db_;
     const KeptSections& kept_;
     NearestColorIndex nearestIndex_;
+    // Measured once for the header and the active viewport, unless known
+    // from the reading.
+    const Extents extents_;
     LeftOutKinds leftOut_;
     bool skippingAttributes_ = false;
 };

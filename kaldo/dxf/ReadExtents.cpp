@@ -1,18 +1,8 @@
 #include "kaldo/dxf/ReadExtents.h"
 
 #include "kxdbdatabase.h"
-#include "kxdbmline.h"
 
 namespace kaldo::dxf {
-
-void ReadExtents::add(KxDbObjectId block, KxDbObjectId modelSpace, const KxDbEntity& entity)
-{
-    ExtentsBox* const box = boxFor(block, modelSpace);
-    if (box && KxDbMline::cast(&entity))
-        lose();
-    else if (box)
-        box->add(entity);
-}
 
 KnownExtents ReadExtents::known(const KxDbDatabase& db) const
 {

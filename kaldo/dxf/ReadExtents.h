@@ -26,9 +26,14 @@ public:
     }
     // An entity of model space is not measured as read: nothing is known.
     void lose() { m_lost = true; }
-    // A multiline's vertices may be laid out anew once its style is
-    // resolved, so one added to model space loses the extents.
-    void add(KxDbObjectId block, KxDbObjectId modelSpace, const KxDbEntity& entity);
+    // Measures an entity added to block. A multiline is measured as read:
+    // laying it out anew once its style is found sets its axes and miters,
+    // never its vertices, which are all the box takes.
+    void add(KxDbObjectId block, KxDbObjectId modelSpace, const KxDbEntity& entity)
+    {
+        if (ExtentsBox* const box = boxFor(block, modelSpace))
+            box->add(entity);
+    }
 
     // What is known once the drawing db is read: the box, when every
     // entity model space lists was measured.

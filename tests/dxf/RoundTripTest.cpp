@@ -189,7 +189,8 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
 }
 
 // The header's extents, measured as the drawing is read (entities kept as
-// their records and entities made alike, paper space left out), are
+// their records and entities made alike, multilines laid out anew in
+// their style once read too, paper space left out), are
 // written while the drawing has not changed since; opening entities kept
 // as their records is no change. After any change (adding, taking back,
 // restoring, erasing, moving, multilines added and translated, an entity
@@ -197,6 +198,9 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
 // header a full pass over the entities gives.
 TEST(DxfRoundTrip, HeaderExtentsMeasuredWhenReadHoldUntilTheDrawingChanges)
 {
+    // Multilines listing no elements, laid out anew in STANDARD once read:
+    // one kept as its record, one made (a z spelled long).
+    const std::string longZero = "31\n0." + std::string(120, '0') + "\n";
     kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(
         groupText({"0", "LINE", "10", "1", "20", "2", "11", "8", "21", "-9",
                    "0", "CIRCLE", "10", "5", "20", "5", "40", "2",
@@ -205,16 +209,24 @@ TEST(DxfRoundTrip, HeaderExtentsMeasuredWhenReadHoldUntilTheDrawingChanges)
                    "0", "LINE", "10", "-1.2500000000000000000", "20", "0.5000000000000000000",
                    "30", "0.0000000000000000000", "11", "0.0000000000000000000", "21", "0.0000000000000000000",
                    "31", "-3.0000000000000000000",
-                   "0", "LINE", "67", "1", "10", "1000", "11", "-1000"}),
+                   "0", "MLINE", "100", "AcDbMline", "72", "2", "73", "0", "11", "3", "21", "1", "31", "12",
+                   "11", "4", "21", "1",
+                   "0", "MLINE", "100", "AcDbMline", "72", "2", "73", "0", "11", "0", "21", "-20"})
+            + longZero + groupText({"11", "1", "21", "0"}) + longZero
+            + groupText({"0", "LINE", "67", "1", "10", "1000", "11", "-1000"}),
         ""));
     KxDbDatabase& db = *drawing.database;
     std::vector<KxDbObjectId> ids;
     const auto* space = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()));
     for (auto it = space->newIterator(); !it->done(); it->step())
         ids.push_back(it->getEntityId());
-    ASSERT_EQ(ids.size(), 4u);
+    ASSERT_EQ(ids.size(), 6u);
     EXPECT_TRUE(kaldo::isUnopened(ids[0]));
     EXPECT_FALSE(kaldo::isUnopened(ids[3]));
+    EXPECT_TRUE(kaldo::isUnopened(ids[4]));
+    EXPECT_FALSE(kaldo::isUnopened(ids[5]));
+    ASSERT_EQ(drawing.repairs.size(), 1u);
+    EXPECT_EQ(drawing.repairs[0].rfind("2 multilines", 0), 0u) << drawing.repairs[0];
     ASSERT_TRUE(drawing.kept.extents.holdFor(db));
     const kaldo::dxf::Extents measured = kaldo::dxf::drawingExtents(db);
     expectSamePoint(drawing.kept.extents.extents.min, measured.min);
@@ -222,6 +234,8 @@ TEST(DxfRoundTrip, HeaderExtentsMeasuredWhenReadHoldUntilTheDrawingChanges)
     EXPECT_EQ(measured.min.x, -2) << "the polyline's vertices in the world";
     EXPECT_EQ(measured.max.x, 8) << "the line kept as its record";
     EXPECT_EQ(measured.max.y, 7) << "the circle kept as its record";
+    EXPECT_EQ(measured.max.z, 12) << "the multiline kept as its record";
+    EXPECT_EQ(measured.min.y, -20) << "the multiline made when read";
 
     const auto header = [&] {
         const std::string text = toDxfText(drawing);
