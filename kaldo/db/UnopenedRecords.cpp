@@ -53,6 +53,28 @@ KxDbObjectId stepFrom(KxDbObjectId from, std::uint64_t zigzag)
     return KxDbObjectId::fromOldId(from.asOldId() + step);
 }
 
+// The fields an entry's head may keep after its look's place, in their
+// order (see m_records).
+enum class HeadField { Owner, Entities, Layer, Linetype };
+
+// How far from the entry's start the field lies, when its look keeps it
+// there: the fields before it that the look keeps are passed over.
+std::optional<std::size_t> headFieldOffset(const char* start, const std::vector<UnopenedRecords::Look>& looks,
+                                           HeadField field)
+{
+    const char* at = start;
+    const UnopenedRecords::Look& look = looks[std::size_t(takeVarNumber(at))];
+    const bool kept[] = {look.ownerInRecord, look.holdsEntities, look.layerInRecord, look.linetypeInRecord};
+    // A block's entities take two numbers, each other field one.
+    constexpr int kNumbers[] = {1, 2, 1, 1};
+    if (!kept[int(field)])
+        return std::nullopt;
+    for (int before = 0; before < int(field); ++before)
+        for (int number = 0; kept[before] && number < kNumbers[before]; ++number)
+            takeVarNumber(at);
+    return std::size_t(at - start);
+}
+
 }  // namespace
 
 UnopenedRecords::~UnopenedRecords()
@@ -157,14 +179,8 @@ std::size_t UnopenedRecords::placeOf(const Look& look)
 
 std::optional<std::uint64_t> UnopenedRecords::entitiesAt(std::uint64_t entry) const
 {
-    const char* const start = m_records.at(entry);
-    const char* at = start;
-    const Look& look = m_looks[std::size_t(takeVarNumber(at))];
-    if (!look.holdsEntities)
-        return std::nullopt;
-    if (look.ownerInRecord)
-        takeVarNumber(at);
-    return entry + std::uint64_t(at - start);
+    const std::optional<std::size_t> offset = headFieldOffset(m_records.at(entry), m_looks, HeadField::Entities);
+    return offset ? std::optional(entry + *offset) : std::nullopt;
 }
 
 bool UnopenedRecords::appendEntity(KxDbObjectId block, KxDbObjectId entity)
@@ -238,20 +254,8 @@ void UnopenedRecords::setLook(KxDbObjectId id, const Look& look)
 
 std::optional<std::uint64_t> UnopenedRecords::linetypeAt(std::uint64_t entry) const
 {
-    const char* const start = m_records.at(entry);
-    const char* at = start;
-    const Look& look = m_looks[std::size_t(takeVarNumber(at))];
-    if (!look.linetypeInRecord)
-        return std::nullopt;
-    if (look.ownerInRecord)
-        takeVarNumber(at);
-    if (look.holdsEntities) {
-        takeVarNumber(at);
-        takeVarNumber(at);
-    }
-    if (look.layerInRecord)
-        takeVarNumber(at);
-    return entry + std::uint64_t(at - start);
+    const std::optional<std::size_t> offset = headFieldOffset(m_records.at(entry), m_looks, HeadField::Linetype);
+    return offset ? std::optional(entry + *offset) : std::nullopt;
 }
 
 bool UnopenedRecords::setLinetype(KxDbObjectId id, KxDbObjectId linetype)
