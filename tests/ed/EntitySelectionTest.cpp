@@ -42,10 +42,12 @@ TEST_F(EntitySelection, HitMissEnterAndCancel)
     EXPECT_EQ(kxedEntSel(L"\nSelect object: ", name, point), RTCAN);
 }
 
-TEST_F(EntitySelection, PickBoxFollowsTheViewScale)
+// The pick box follows the view's scale; picks go through an index of the
+// drawing: they must see every change.
+TEST_F(EntitySelection, PickBoxFollowsTheViewScaleAndPicksFollowChangesToTheDrawing)
 {
     const KxDbObjectId line = addLine({0, 0, 0}, {10, 0, 0});
-    script("5,2\n5,2\n5,2\n");
+    script("5,2\n5,2\n5,2\n5,0\n5,50\n105,0\n");
     kxds_name name;
     double point[3];
     ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
@@ -60,16 +62,7 @@ TEST_F(EntitySelection, PickBoxFollowsTheViewScale)
     editor.variables().set(L"PICKBOX", short(4));
     ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
     EXPECT_EQ(picked(name), line);
-}
 
-// Picks go through an index of the drawing: they must see every change.
-TEST_F(EntitySelection, PicksFollowChangesToTheDrawing)
-{
-    const KxDbObjectId line = addLine({0, 0, 0}, {10, 0, 0});
-    script("5,0\n5,0\n5,50\n105,0\n");
-    kxds_name name;
-    double point[3];
-    ASSERT_EQ(kxedEntSel(L"", name, point), RTNORM);
     {
         KxDbObjectPtr<KxDbLine> moved(line, KxDb::kForWrite);
         moved->setStartPoint({0, 50, 0});

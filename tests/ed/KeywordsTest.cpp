@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 namespace kaldo {
 namespace {
 
@@ -29,64 +32,41 @@ TEST(Keywords, ListSplitsLocalAndGlobalWords)
     EXPECT_TRUE(parseKeywordList(L"").empty());
 }
 
-TEST(Keywords, CapitalPartOrWholeWordInAnyCase)
+// What each input selects from a list, as its global word; nothing where
+// it is no keyword of the list.
+TEST(Keywords, InputsSelectByCapitalsOrTheWholeWord)
 {
-    const wchar_t* list = L"Close Undo _Close Undo";
-    EXPECT_EQ(selected(list, L"C"), L"Close");
-    EXPECT_EQ(selected(list, L"c"), L"Close");
-    EXPECT_EQ(selected(list, L"clo"), L"Close");
-    EXPECT_EQ(selected(list, L"CLOSE"), L"Close");
-    EXPECT_EQ(selected(list, L"u"), L"Undo");
-    EXPECT_EQ(selected(list, L"_undo"), L"Undo");
-    EXPECT_EQ(selected(list, L"closed"), std::nullopt);
-    EXPECT_EQ(selected(list, L"x"), std::nullopt);
-    EXPECT_EQ(selected(list, L""), std::nullopt);
-    EXPECT_EQ(selected(list, L"_"), std::nullopt);
-}
-
-TEST(Keywords, AbbreviationsMustReachTheCapitals)
-{
-    const wchar_t* list = L"Justification Scale STyle _Justification Scale Style";
-    EXPECT_EQ(selected(list, L"S"), L"Scale");
-    EXPECT_EQ(selected(list, L"st"), L"Style");
-    EXPECT_EQ(selected(list, L"ST"), L"Style");
-    EXPECT_EQ(selected(list, L"sty"), L"Style");
-    EXPECT_EQ(selected(list, L"sc"), L"Scale");
-    EXPECT_EQ(selected(list, L"j"), L"Justification");
-    EXPECT_EQ(selected(list, L"style"), L"Style");
-    // Global words follow their own capitals: "Style" and "Scale" both
-    // start with the single capital S.
-    EXPECT_EQ(selected(list, L"_style"), L"Style");
-    EXPECT_EQ(selected(list, L"_st"), L"Style");
-    EXPECT_EQ(selected(list, L"_s"), std::nullopt);
-}
-
-TEST(Keywords, LocalWordsDifferFromGlobalOnes)
-{
-    const wchar_t* list = L"Oben Null Unten _Top Zero Bottom";
-    EXPECT_EQ(selected(list, L"o"), L"Top");
-    EXPECT_EQ(selected(list, L"unten"), L"Bottom");
-    EXPECT_EQ(selected(list, L"_Top"), L"Top");
-    EXPECT_EQ(selected(list, L"_b"), L"Bottom");
-    EXPECT_EQ(selected(list, L"top"), std::nullopt);
-}
-
-TEST(Keywords, AmbiguousAndUnusualWords)
-{
-    EXPECT_EQ(selected(L"Scale Size", L"s"), std::nullopt);
-    EXPECT_EQ(selected(L"Scale Size", L"si"), L"Size");
-    EXPECT_EQ(selected(L"Scale Size", L"size"), L"Size");
-    // A whole word wins over an abbreviation of another.
-    EXPECT_EQ(selected(L"Ab ABc", L"ab"), L"Ab");
-    // Capitals inside the word: only those or the whole word.
-    EXPECT_EQ(selected(L"eXit", L"x"), L"eXit");
-    EXPECT_EQ(selected(L"eXit", L"ex"), std::nullopt);
-    EXPECT_EQ(selected(L"eXit", L"EXIT"), L"eXit");
-    // No capitals: the whole word only; all capitals: the whole word only.
-    EXPECT_EQ(selected(L"none UNDO", L"no"), std::nullopt);
-    EXPECT_EQ(selected(L"none UNDO", L"none"), L"none");
-    EXPECT_EQ(selected(L"none UNDO", L"un"), std::nullopt);
-    EXPECT_EQ(selected(L"none UNDO", L"undo"), L"UNDO");
+    struct Row {
+        const wchar_t* list;
+        std::vector<std::pair<const wchar_t*, const wchar_t*>> inputs;  // input, selected (null: none)
+    };
+    const Row rows[] = {
+        // The capital part or the whole word, in any case.
+        {L"Close Undo _Close Undo",
+         {{L"C", L"Close"}, {L"c", L"Close"}, {L"clo", L"Close"}, {L"CLOSE", L"Close"}, {L"u", L"Undo"},
+          {L"_undo", L"Undo"}, {L"closed", nullptr}, {L"x", nullptr}, {L"", nullptr}, {L"_", nullptr}}},
+        // Abbreviations must reach the capitals; global words follow their
+        // own capitals: "Style" and "Scale" both start with the single S.
+        {L"Justification Scale STyle _Justification Scale Style",
+         {{L"S", L"Scale"}, {L"st", L"Style"}, {L"ST", L"Style"}, {L"sty", L"Style"}, {L"sc", L"Scale"},
+          {L"j", L"Justification"}, {L"style", L"Style"}, {L"_style", L"Style"}, {L"_st", L"Style"},
+          {L"_s", nullptr}}},
+        // Local words differ from global ones.
+        {L"Oben Null Unten _Top Zero Bottom",
+         {{L"o", L"Top"}, {L"unten", L"Bottom"}, {L"_Top", L"Top"}, {L"_b", L"Bottom"}, {L"top", nullptr}}},
+        // Ambiguous abbreviations select nothing.
+        {L"Scale Size", {{L"s", nullptr}, {L"si", L"Size"}, {L"size", L"Size"}}},
+        // A whole word wins over an abbreviation of another.
+        {L"Ab ABc", {{L"ab", L"Ab"}}},
+        // Capitals inside the word: only those or the whole word.
+        {L"eXit", {{L"x", L"eXit"}, {L"ex", nullptr}, {L"EXIT", L"eXit"}}},
+        // No capitals: the whole word only; all capitals: the whole word only.
+        {L"none UNDO", {{L"no", nullptr}, {L"none", L"none"}, {L"un", nullptr}, {L"undo", L"UNDO"}}},
+    };
+    for (const Row& row : rows)
+        for (const auto& [input, global] : row.inputs)
+            EXPECT_EQ(selected(row.list, input), global ? std::optional<std::wstring>(global) : std::nullopt)
+                << row.list << " / " << input;
 }
 
 }  // namespace

@@ -17,21 +17,27 @@ double degrees(double d)
     return d * kPi / 180;
 }
 
-TEST(Units, DecimalAndScientificWithZeroSuppression)
+// Decimal (2), scientific (1), feet and inches (3), architectural (4) and
+// fractional (5), with zeros suppressed as the flags ask; rounding that
+// reaches a whole foot carries into the feet.
+TEST(Units, DistancesInEveryUnitWithZeroSuppression)
 {
-    EXPECT_EQ(formatDistance(1.5, 2, 4, 0), L"1.5000");
-    EXPECT_EQ(formatDistance(1.5, 2, 4, 8), L"1.5");
-    EXPECT_EQ(formatDistance(2.0, 2, 4, 8), L"2");
-    EXPECT_EQ(formatDistance(0.5, 2, 2, 4), L".50");
-    EXPECT_EQ(formatDistance(0.5, 2, 4, 12), L".5");
-    EXPECT_EQ(formatDistance(-0.25, 2, 3, 12), L"-.25");
-    EXPECT_EQ(formatDistance(0.0, 2, 4, 12), L"0");
-    EXPECT_EQ(formatDistance(-0.00001, 2, 2, 0), L"0.00");
-    EXPECT_EQ(formatDistance(1234.5678, 2, 2, 0), L"1234.57");
-    EXPECT_EQ(formatDistance(3.0, 2, 0, 0), L"3");
-    EXPECT_EQ(formatDistance(15.0, 1, 4, 0), L"1.5000E+01");
-    EXPECT_EQ(formatDistance(15.0, 1, 4, 8), L"1.5E+01");
-    EXPECT_EQ(formatDistance(0.00025, 1, 2, 0), L"2.50E-04");
+    const struct {
+        double value;
+        int unit, precision, zeros;
+        const wchar_t* text;
+    } rows[] = {
+        {1.5, 2, 4, 0, L"1.5000"}, {1.5, 2, 4, 8, L"1.5"}, {2.0, 2, 4, 8, L"2"}, {0.5, 2, 2, 4, L".50"},
+        {0.5, 2, 4, 12, L".5"}, {-0.25, 2, 3, 12, L"-.25"}, {0.0, 2, 4, 12, L"0"}, {-0.00001, 2, 2, 0, L"0.00"},
+        {1234.5678, 2, 2, 0, L"1234.57"}, {3.0, 2, 0, 0, L"3"}, {15.0, 1, 4, 0, L"1.5000E+01"},
+        {15.0, 1, 4, 8, L"1.5E+01"}, {0.00025, 1, 2, 0, L"2.50E-04"}, {15.5, 3, 4, 0, L"1'-3.5000\""},
+        {15.5, 3, 4, 8, L"1'-3.5\""}, {6.0, 3, 2, 0, L"6.00\""}, {6.0, 3, 2, 1, L"0'-6.00\""},
+        {24.0, 3, 2, 0, L"2'"}, {24.0, 3, 2, 3, L"2'-0.00\""}, {23.9999, 3, 2, 1, L"2'-0.00\""},
+        {15.5, 4, 4, 0, L"1'-3 1/2\""}, {-15.5, 4, 4, 0, L"-1'-3 1/2\""}, {0.375, 4, 3, 0, L"3/8\""},
+        {0.376, 4, 2, 0, L"1/2\""}, {15.5, 5, 4, 0, L"15 1/2"}, {15.0, 5, 4, 0, L"15"}, {0.25, 5, 4, 0, L"1/4"}
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(formatDistance(row.value, row.unit, row.precision, row.zeros), row.text) << row.text;
 }
 
 // Whole parts longer than a double's digits are no number to read: every
@@ -65,46 +71,24 @@ TEST(Units, HugeValuesAreWrittenScientificInEveryUnitAndByPrintf)
     EXPECT_EQ(printed(L"%n", nullptr), L"(refused)");
 }
 
-TEST(Units, FeetInchesAndFractions)
-{
-    EXPECT_EQ(formatDistance(15.5, 3, 4, 0), L"1'-3.5000\"");
-    EXPECT_EQ(formatDistance(15.5, 3, 4, 8), L"1'-3.5\"");
-    EXPECT_EQ(formatDistance(6.0, 3, 2, 0), L"6.00\"");
-    EXPECT_EQ(formatDistance(6.0, 3, 2, 1), L"0'-6.00\"");
-    EXPECT_EQ(formatDistance(24.0, 3, 2, 0), L"2'");
-    EXPECT_EQ(formatDistance(24.0, 3, 2, 3), L"2'-0.00\"");
-    // Rounding that reaches a whole foot carries into the feet.
-    EXPECT_EQ(formatDistance(23.9999, 3, 2, 1), L"2'-0.00\"");
-    EXPECT_EQ(formatDistance(15.5, 4, 4, 0), L"1'-3 1/2\"");
-    EXPECT_EQ(formatDistance(-15.5, 4, 4, 0), L"-1'-3 1/2\"");
-    EXPECT_EQ(formatDistance(0.375, 4, 3, 0), L"3/8\"");
-    EXPECT_EQ(formatDistance(0.376, 4, 2, 0), L"1/2\"");
-    EXPECT_EQ(formatDistance(15.5, 5, 4, 0), L"15 1/2");
-    EXPECT_EQ(formatDistance(15.0, 5, 4, 0), L"15");
-    EXPECT_EQ(formatDistance(0.25, 5, 4, 0), L"1/4");
-}
-
 TEST(Units, AnglesInEveryUnit)
 {
-    EXPECT_EQ(formatAngle(degrees(45), 0, 4, 0), L"45.0000");
-    EXPECT_EQ(formatAngle(degrees(45), 0, 4, 8), L"45");
-    EXPECT_EQ(formatAngle(degrees(0.5), 0, 2, 4), L".50");
-    EXPECT_EQ(formatAngle(degrees(-90), 0, 0, 0), L"270");
-    EXPECT_EQ(formatAngle(degrees(359.99999), 0, 2, 0), L"0.00");
-    EXPECT_EQ(formatAngle(degrees(45.5), 1, 0, 0), L"46d");
-    EXPECT_EQ(formatAngle(degrees(45.5), 1, 2, 0), L"45d30'");
-    EXPECT_EQ(formatAngle(degrees(45 + 30 / 60.0 + 15 / 3600.0), 1, 4, 0), L"45d30'15\"");
-    EXPECT_EQ(formatAngle(degrees(45 + 30 / 60.0 + 15.5 / 3600.0), 1, 6, 0), L"45d30'15.50\"");
-    EXPECT_EQ(formatAngle(degrees(45 + 30 / 60.0 + 15.5 / 3600.0), 1, 6, 8), L"45d30'15.5\"");
-    EXPECT_EQ(formatAngle(degrees(90), 2, 2, 0), L"100.00g");
-    EXPECT_EQ(formatAngle(kPi / 4, 3, 4, 0), L"0.7854r");
-    EXPECT_EQ(formatAngle(kPi / 4, 3, 4, 4), L".7854r");
-    EXPECT_EQ(formatAngle(degrees(45), 4, 2, 0), L"N 45d0' E");
-    EXPECT_EQ(formatAngle(degrees(120), 4, 2, 0), L"N 30d0' W");
-    EXPECT_EQ(formatAngle(degrees(200), 4, 2, 0), L"S 70d0' W");
-    EXPECT_EQ(formatAngle(degrees(300), 4, 2, 0), L"S 30d0' E");
-    EXPECT_EQ(formatAngle(degrees(90), 4, 2, 0), L"N");
-    EXPECT_EQ(formatAngle(degrees(180), 4, 2, 0), L"W");
+    const struct {
+        double radians;
+        int unit, precision, zeros;
+        const wchar_t* text;
+    } rows[] = {
+        {degrees(45), 0, 4, 0, L"45.0000"}, {degrees(45), 0, 4, 8, L"45"}, {degrees(0.5), 0, 2, 4, L".50"},
+        {degrees(-90), 0, 0, 0, L"270"}, {degrees(359.99999), 0, 2, 0, L"0.00"}, {degrees(45.5), 1, 0, 0, L"46d"},
+        {degrees(45.5), 1, 2, 0, L"45d30'"}, {degrees(45 + 30 / 60.0 + 15 / 3600.0), 1, 4, 0, L"45d30'15\""},
+        {degrees(45 + 30 / 60.0 + 15.5 / 3600.0), 1, 6, 0, L"45d30'15.50\""},
+        {degrees(45 + 30 / 60.0 + 15.5 / 3600.0), 1, 6, 8, L"45d30'15.5\""}, {degrees(90), 2, 2, 0, L"100.00g"},
+        {kPi / 4, 3, 4, 0, L"0.7854r"}, {kPi / 4, 3, 4, 4, L".7854r"}, {degrees(45), 4, 2, 0, L"N 45d0' E"},
+        {degrees(120), 4, 2, 0, L"N 30d0' W"}, {degrees(200), 4, 2, 0, L"S 70d0' W"},
+        {degrees(300), 4, 2, 0, L"S 30d0' E"}, {degrees(90), 4, 2, 0, L"N"}, {degrees(180), 4, 2, 0, L"W"}
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(formatAngle(row.radians, row.unit, row.precision, row.zeros), row.text) << row.text;
 }
 
 TEST(Units, AnglesAreReadInTheirUnitOrBySuffix)
@@ -112,19 +96,18 @@ TEST(Units, AnglesAreReadInTheirUnitOrBySuffix)
     const auto near = [](std::optional<double> value, double expected, double tolerance = 1e-12) {
         return value && std::abs(*value - expected) < tolerance;
     };
-    EXPECT_TRUE(near(parseAngle(L"45", 0), degrees(45)));
-    EXPECT_TRUE(near(parseAngle(L" -30 ", 0), degrees(-30)));
-    EXPECT_TRUE(near(parseAngle(L"100", 2), degrees(90)));
-    EXPECT_TRUE(near(parseAngle(L"1.5", 3), 1.5));
-    EXPECT_TRUE(near(parseAngle(L"45d30'", 0), degrees(45.5)));
-    EXPECT_TRUE(near(parseAngle(L"45d30'36\"", 1), degrees(45.51)));
-    EXPECT_TRUE(near(parseAngle(L"-45d30'", 1), degrees(-45.5)));
-    EXPECT_TRUE(near(parseAngle(L"50g", 0), degrees(45)));
-    EXPECT_TRUE(near(parseAngle(L"0.5r", 0), 0.5));
-    EXPECT_TRUE(near(parseAngle(L"N 45d E", 0), degrees(45)));
-    EXPECT_TRUE(near(parseAngle(L"N45dW", 4), degrees(135)));
-    EXPECT_TRUE(near(parseAngle(L"S 30d E", 4), degrees(300)));
-    EXPECT_TRUE(near(parseAngle(L"W", 4), degrees(180)));
+    const struct {
+        const wchar_t* text;
+        int unit;
+        double radians;
+    } rows[] = {
+        {L"45", 0, degrees(45)}, {L" -30 ", 0, degrees(-30)}, {L"100", 2, degrees(90)}, {L"1.5", 3, 1.5},
+        {L"45d30'", 0, degrees(45.5)}, {L"45d30'36\"", 1, degrees(45.51)}, {L"-45d30'", 1, degrees(-45.5)},
+        {L"50g", 0, degrees(45)}, {L"0.5r", 0, 0.5}, {L"N 45d E", 0, degrees(45)}, {L"N45dW", 4, degrees(135)},
+        {L"S 30d E", 4, degrees(300)}, {L"W", 4, degrees(180)}
+    };
+    for (const auto& row : rows)
+        EXPECT_TRUE(near(parseAngle(row.text, row.unit), row.radians)) << row.text;
     for (const wchar_t* junk : {L"", L"abc", L"45x", L"45d30", L"45d-3'", L"N 100d E", L"N 45d", L"1,5", L"1e309"})
         EXPECT_FALSE(parseAngle(junk, 0)) << junk;
     // Every finite angle has finite radians, however large.
