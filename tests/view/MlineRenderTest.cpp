@@ -214,19 +214,23 @@ TEST(MlineRender, MirroredMultilineKeepsItsArcsOutside)
 
 TEST(MlineRender, JointsFillAndClosedMultilines)
 {
+    // A green fill for the open multiline, the default one for the closed.
+    const auto box = [](ViewDrawing& drawing, bool green) {
+        return drawing.addStyle(L"BOX", {{0.5, indexColor(1)}, {0, indexColor(2)}, {-0.5, indexColor(5)}},
+                                [&](KxDbMlineStyle& s) {
+                                    s.setShowMiters(true);
+                                    s.setFilled(true);
+                                    s.setStartSquareCap(true);
+                                    s.setEndRoundCap(true);
+                                    KxCmColor fill;
+                                    fill.setRGB(0, 255, 0);
+                                    if (green)
+                                        s.setFillColor(fill);
+                                });
+    };
     ViewDrawing d;
-    KxCmColor fill;
-    fill.setRGB(0, 255, 0);
-    const KxDbObjectId style = d.addStyle(L"BOX", {{0.5, indexColor(1)}, {0, indexColor(2)}, {-0.5, indexColor(5)}},
-                                          [&](KxDbMlineStyle& s) {
-                                              s.setShowMiters(true);
-                                              s.setFilled(true);
-                                              s.setFillColor(fill);
-                                              s.setStartSquareCap(true);
-                                              s.setEndRoundCap(true);
-                                          });
     {
-        auto open = d.addMline(style, {{0, 0}, {10, 0}, {10, 10}});
+        auto open = d.addMline(box(d, true), {{0, 0}, {10, 0}, {10, 10}});
     }
     Scene scene = d.render();
     // One joint at the corner, from element 0's corner to the middle and
@@ -243,15 +247,8 @@ TEST(MlineRender, JointsFillAndClosedMultilines)
     expectPoints({q, q + 4}, {{0, 0.5}, {9.5, 0.5}, {10.5, -0.5}, {0, -0.5}});
 
     ViewDrawing c;
-    const KxDbObjectId same = c.addStyle(L"BOX", {{0.5, indexColor(1)}, {0, indexColor(2)}, {-0.5, indexColor(5)}},
-                                         [&](KxDbMlineStyle& s) {
-                                             s.setShowMiters(true);
-                                             s.setFilled(true);
-                                             s.setStartSquareCap(true);
-                                             s.setEndRoundCap(true);
-                                         });
     {
-        auto closed = c.addMline(same, {{0, 0}, {10, 0}, {10, 10}, {0, 10}}, 1.0, true);
+        auto closed = c.addMline(box(c, false), {{0, 0}, {10, 0}, {10, 10}, {0, 10}}, 1.0, true);
     }
     scene = c.render();
     // Closed: each element one closed polyline, joints at all four

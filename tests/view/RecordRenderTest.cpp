@@ -104,9 +104,8 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     ASSERT_EQ(triangle.count, 3u);
     EXPECT_NEAR(scene.points()[triangle.first + 1].x, 24, kTol);
     EXPECT_NEAR(scene.points()[triangle.first + 2].y, 3, kTol);
-    Bounds halfDisc;
-    for (std::uint32_t p = 0; p < scene.polygons()[2].count; ++p)
-        halfDisc.add(scene.points()[scene.polygons()[2].first + p]);
+    const Bounds halfDisc =
+        pointBounds(std::span(scene.points()).subspan(scene.polygons()[2].first, scene.polygons()[2].count));
     EXPECT_NEAR(halfDisc.minX, 29, kTol);
     EXPECT_NEAR(halfDisc.maxX, 31, kTol);
     EXPECT_NEAR(halfDisc.minY, 0, kTol);
@@ -123,9 +122,8 @@ TEST(RecordRender, BlocksSolidsEllipsesAndTexts)
     EXPECT_NEAR(scene.points()[spline.first + spline.count - 1].x, 62, kTol);
     EXPECT_NEAR(segment(3, 0).x, -7, kTol);
     EXPECT_NEAR(segment(3, 1).y, 8, kTol);
-    Bounds ellipse;
-    for (std::uint32_t p = 0; p < scene.polylines()[2].count; ++p)
-        ellipse.add(scene.points()[scene.polylines()[2].first + p]);
+    const Bounds ellipse =
+        pointBounds(std::span(scene.points()).subspan(scene.polylines()[2].first, scene.polylines()[2].count));
     EXPECT_NEAR(ellipse.minX, 47, kTol);
     EXPECT_NEAR(ellipse.maxX, 53, kTol);
     EXPECT_NEAR(ellipse.maxY, 1.5, kTol);
@@ -282,9 +280,7 @@ TEST(RecordRender, LettersAreFilledOncePerSceneWhereQtLaysThemOut)
         const Polyline& box = budgeted.polylines()[i];
         EXPECT_TRUE(box.closed);
         ASSERT_EQ(box.count, 4u);
-        Bounds corners;
-        for (std::uint32_t p = 0; p < box.count; ++p)
-            corners.add(budgeted.points()[box.first + p]);
+        const Bounds corners = pointBounds(std::span(budgeted.points()).subspan(box.first, box.count));
         const auto& letters = scene.instances()[outlined + i].box;
         // (Within a fiftieth of the height: letters may reach a little
         // beyond their advance.)
