@@ -20,11 +20,12 @@ namespace {
 class MlineJigTest : public MlineFixture {
 protected:
     // Runs the jig from a start point on the script's input.
-    int draw(const KxGePoint3d& start, const std::string& input)
+    int draw(const KxGePoint3d& start, const std::string& input, int justification = 0, double scale = 1.0,
+             const wchar_t* style = L"STANDARD")
     {
         script(input);
         KaldMLineJig jig;
-        jig.setUp(&db, start, 0, 1.0, L"STANDARD");
+        jig.setUp(&db, start, justification, scale, style);
         return jig.run();
     }
 };
@@ -113,20 +114,14 @@ TEST_F(MlineJigTest, CloseNeedsThreeFixedVertices)
 TEST_F(MlineJigTest, UndoWritesTheFixedPointBeforeToLastpointInUserCoordinates)
 {
     db.setUcs({100, 0, 0}, {0, 1, 0}, {-1, 0, 0});
-    script("0,10\n0,20\n0,30\nU\n");
-    KaldMLineJig jig;
-    jig.setUp(&db, {100, 0, 0}, 0, 1.0, L"STANDARD");
     // Cancel right after the Undo: LASTPOINT is still what Undo wrote.
-    jig.run();
+    draw({100, 0, 0}, "0,10\n0,20\n0,30\nU\n");
     // Undo gave up 0,30: the rubber band starts again from 0,20.
     EXPECT_THAT(lastPoint(), IsPoint(0, 20, 0));
     // World positions of the typed user points (x along world Y).
     EXPECT_THAT(vertices(*mlines().at(0)), ElementsAre(IsPoint(100, 0, 0), IsPoint(90, 0, 0), IsPoint(80, 0, 0)));
 
-    script("5,5\nU\n");
-    KaldMLineJig back;
-    back.setUp(&db, {97, 3, 0}, 0, 1.0, L"STANDARD");
-    back.run();
+    draw({97, 3, 0}, "5,5\nU\n");
     // Undo back to the start point: LASTPOINT is the start in user coordinates.
     EXPECT_THAT(lastPoint(), IsPoint(3, 3, 0));
 }
@@ -140,10 +135,7 @@ TEST_F(MlineJigTest, SetUpTakesStyleScaleJustificationAndLayer)
         const KxDbObjectPtr<KxDbDictionary> styles(opened);
         ASSERT_EQ(styles->getAt(L"standard", standard), Kald::eOk);
     }
-    script("10,0\n\n");
-    KaldMLineJig jig;
-    jig.setUp(&db, {0, 0, 0}, 2, -1.5, L"standard");
-    jig.run();
+    draw({0, 0, 0}, "10,0\n\n", 2, -1.5, L"standard");
     const auto drawn = mlines();
     ASSERT_THAT(drawn, SizeIs(1));
     EXPECT_EQ(drawn[0]->style(), standard);
@@ -152,10 +144,7 @@ TEST_F(MlineJigTest, SetUpTakesStyleScaleJustificationAndLayer)
     EXPECT_EQ(drawn[0]->layerId(), db.clayer());
 
     // A style the drawing lacks leaves the drawing's current one.
-    script("0,10\n\n");
-    KaldMLineJig missing;
-    missing.setUp(&db, {0, 0, 0}, 1, 1.0, L"NOSUCH");
-    missing.run();
+    draw({0, 0, 0}, "0,10\n\n", 1, 1.0, L"NOSUCH");
     EXPECT_EQ(mlines().back()->style(), db.cmlstyleID());
 }
 
