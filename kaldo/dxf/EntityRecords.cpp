@@ -966,8 +966,8 @@ std::string_view spelled(const KxDbEntity& e, int code, const std::string& name)
 
 void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, const KxDbDatabase& db, NameCache& names)
 {
-    writeRecordHead(w, kind, e);
-    w.text(100, "AcDbEntity");
+    writeRecordHead(w, kind, e, names.ownerHandle(e.ownerId()));
+    w.ascii(100, "AcDbEntity");
     const bool spelledOtherwise = !e.keptGroups().empty();
     const std::string& layer = names(e.layerId(), "0");
     w.text(8, spelledOtherwise ? spelled(e, 8, layer) : layer);
@@ -995,7 +995,7 @@ void writeNormal(GroupWriter& w, const KxGeVector3d& n)
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
     if (const auto* unmodelled = KxDbUnmodelledEntity::cast(&entity)) {
-        const std::uint64_t owner = handleOf(db, entity.ownerId());
+        const std::uint64_t owner = names.ownerHandle(entity.ownerId());
         forEachKeptRecord(*unmodelled, unmodelled->handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
             writeUnmodelledRecord(w, unmodelled->dxfName(), groups, handle, owner);
         });
@@ -1003,32 +1003,32 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
     }
     if (const auto* line = KxDbLine::cast(&entity)) {
         writeEntityHead(w, "LINE", entity, db, names);
-        w.text(100, "AcDbLine");
+        w.ascii(100, "AcDbLine");
         w.point(10, line->startPoint());
         w.point(11, line->endPoint());
         writeNormal(w, line->normal());
         writeKeptPart(w, entity, 2);
     } else if (const auto* arc = KxDbArc::cast(&entity)) {
         writeEntityHead(w, "ARC", entity, db, names);
-        w.text(100, "AcDbCircle");
+        w.ascii(100, "AcDbCircle");
         w.point(10, arc->center());
         w.real(40, arc->radius());
         writeNormal(w, arc->normal());
         writeKeptPart(w, entity, 2);
-        w.text(100, "AcDbArc");
+        w.ascii(100, "AcDbArc");
         w.degrees(50, arc->startAngle());
         w.degrees(51, arc->endAngle());
         writeKeptPart(w, entity, 3);
     } else if (const auto* circle = KxDbCircle::cast(&entity)) {
         writeEntityHead(w, "CIRCLE", entity, db, names);
-        w.text(100, "AcDbCircle");
+        w.ascii(100, "AcDbCircle");
         w.point(10, circle->center());
         w.real(40, circle->radius());
         writeNormal(w, circle->normal());
         writeKeptPart(w, entity, 2);
     } else if (const auto* pline = KxDbPolyline::cast(&entity)) {
         writeEntityHead(w, "LWPOLYLINE", entity, db, names);
-        w.text(100, "AcDbPolyline");
+        w.ascii(100, "AcDbPolyline");
         w.integer(90, pline->numVerts());
         w.integer(70, (pline->isClosed() ? 1 : 0) | (pline->plinegen() ? 128 : 0));
         if (pline->constantWidth() != 0)
@@ -1037,7 +1037,8 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
             w.real(38, pline->elevation());
         if (pline->thickness() != 0)
             w.real(39, pline->thickness());
-        for (const KxDbPolyline::Vertex& v : pline->vertices()) {
+        for (int i = 0; i < pline->numVerts(); ++i) {
+            const KxDbPolyline::Vertex v = pline->vertexAt(i);
             w.real(10, v.x);
             w.real(20, v.y);
             if (v.startWidth != 0 || v.endWidth != 0) {

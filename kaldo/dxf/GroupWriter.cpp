@@ -100,9 +100,22 @@ void GroupWriter::line(int groupCode, std::string_view value)
 {
     ensure(kNumberRoom + value.size() + 1);
     code(groupCode);
-    std::memcpy(buffer_.data() + used_, value.data(), value.size());
-    used_ += value.size();
-    buffer_[used_++] = '\n';
+    char* const out = buffer_.data() + used_;
+    const std::size_t size = value.size();
+    const char* const in = value.data();
+    // Most values are short: copied as two words that may overlap,
+    // without a call.
+    if (size >= 8 && size <= 16) {
+        std::memcpy(out, in, 8);
+        std::memcpy(out + size - 8, in + size - 8, 8);
+    } else if (size >= 4 && size < 8) {
+        std::memcpy(out, in, 4);
+        std::memcpy(out + size - 4, in + size - 4, 4);
+    } else {
+        std::memcpy(out, in, size);
+    }
+    out[size] = '\n';
+    used_ += size + 1;
 }
 
 void GroupWriter::wide(int groupCode, const std::wstring& value)
@@ -158,13 +171,13 @@ void GroupWriter::handle(int groupCode, std::uint64_t value)
 {
     ensure(2 * kNumberRoom);
     code(groupCode);
+    // Upper-case hexadecimal digits, the last first: a handle has a few.
+    const int digits = std::max((int(std::bit_width(value)) + 3) / 4, 1);
     char* const start = buffer_.data() + used_;
-    char* out = std::to_chars(start, start + kNumberRoom, value, 16).ptr;
-    for (char* c = start; c < out; ++c)
-        if (*c >= 'a' && *c <= 'f')
-            *c = char(*c - 'a' + 'A');
-    *out++ = '\n';
-    used_ += std::size_t(out - start);
+    for (char* out = start + digits; out != start; value >>= 4)
+        *--out = "0123456789ABCDEF"[value & 15];
+    start[digits] = '\n';
+    used_ += std::size_t(digits) + 1;
 }
 
 void GroupWriter::degrees(int groupCode, double radians)

@@ -37,6 +37,9 @@ public:
     const std::string& codePage() const { return codec_->codePage(); }
 
     void text(int code, std::string_view value);
+    // A text the writer spells itself in ASCII (a record's kind, a class
+    // name): written as it stands, in every encoding.
+    void ascii(int code, std::string_view value) { line(code, value); }
     void wide(int code, const std::wstring& value);
     void real(int code, double value);
     void integer(int code, std::int64_t value);

@@ -1,6 +1,7 @@
 #include "kaldo/dxf/NameCache.h"
 
 #include "kaldo/db/TableRecords.h"
+#include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/util/Utf8.h"
 
 namespace kaldo::dxf {
@@ -13,6 +14,15 @@ const std::string& NameCache::operator()(KxDbObjectId id, const char* fallback)
     std::string& kept = names_.size() < kCached ? names_[id.asOldId()] : uncached_;
     kept = name ? utf8FromWide(*name) : fallback;
     return kept;
+}
+
+std::uint64_t NameCache::ownerHandle(KxDbObjectId block)
+{
+    if (block != lastOwner_) {
+        lastOwner_ = block;
+        lastOwnerHandle_ = handleOf(db_, block);
+    }
+    return lastOwnerHandle_;
 }
 
 }  // namespace kaldo::dxf

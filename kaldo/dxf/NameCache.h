@@ -1,7 +1,8 @@
 // Names of layers and linetypes as the writer needs them, read where the
 // records hold them without opening them (a record kept unopened stays
 // so), the first many looked up once: a drawing may name very many, each
-// of which a name kept would cost more than its record.
+// of which a name kept would cost more than its record. The handle of the
+// block whose entities are written is kept alike.
 #pragma once
 
 #include <cstdint>
@@ -20,12 +21,17 @@ public:
     // The name of the layer or linetype record, or fallback when id names
     // no table record of the drawing; valid until the next call.
     const std::string& operator()(KxDbObjectId record, const char* fallback);
+    // The handle of the block that owns entities (handleOf), the last one
+    // remembered: the entities of a block name it one after the other.
+    std::uint64_t ownerHandle(KxDbObjectId block);
 
 private:
     static constexpr std::size_t kCached = 256;
     const KxDbDatabase& db_;
     std::unordered_map<std::uint64_t, std::string> names_;
     std::string uncached_;
+    KxDbObjectId lastOwner_;
+    std::uint64_t lastOwnerHandle_ = 0;
 };
 
 }  // namespace kaldo::dxf

@@ -40,13 +40,19 @@ std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
 {
-    w.text(0, kind);
-    // The database looked up once for both handles (obj.handle() looks it
-    // up again).
+    const KxDbDatabase* db = obj.database();
+    writeRecordHead(w, kind, obj, db ? handleOf(*db, obj.ownerId()) : 0);
+}
+
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t owner)
+{
+    w.ascii(0, kind);
+    // From the handle table alone (obj.handle() looks the database up
+    // again).
     const KxDbDatabase* db = obj.database();
     w.handle(5, db ? db->unopenedRecords().handleOf(obj.objectId()) : 0);
     writeKeptPart(w, obj, 0);
-    w.handle(330, db ? handleOf(*db, obj.ownerId()) : 0);
+    w.handle(330, owner);
 }
 
 void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part)

@@ -11,6 +11,8 @@
 namespace kaldo::dxf {
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj);
+// The same with the owner's handle given (0 for none).
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t owner);
 void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part);
 // The integer value of the first kept group of code, or fallback.
 std::int64_t keptInteger(const KxDbObject& obj, int code, std::int64_t fallback);
