@@ -112,9 +112,10 @@ void writeKeptSection(GroupWriter& w, const std::string& name, const KxDbPackedG
 void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport& report, EntityChunks chunks)
 {
     addMissingBlockEnds(db, kept);
-    // The list of objects is taken for their count and again for the OBJECTS
-    // section, so that it is not held while the entities are written.
-    ProgressMeter meter(report, db.objectIds().size());
+    // The list of objects, taken once for their count and the OBJECTS
+    // section: the records of a file are runs of ids, a few words.
+    const KxDbIdRuns objectIds = db.objectIds();
+    ProgressMeter meter(report, objectIds.size());
     meter.report();
     GroupWriter w(fd);
     w.encodeAs(writtenVersion(kept), kept.codePage);
@@ -148,7 +149,7 @@ void writeDxf(int fd, KxDbDatabase& db, KeptSections& kept, const ProgressReport
     if (root)
         writeObject(w, db, *root);
     std::unique_ptr<KxDbObject> aside;
-    for (const KxDbObjectId id : db.objectIds()) {
+    for (const KxDbObjectId id : objectIds) {
         aside.reset();
         // Entities were written with their blocks, opened or not, and are
         // most of the list: told by their class alone.

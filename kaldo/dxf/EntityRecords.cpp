@@ -967,7 +967,7 @@ std::string_view spelled(const KxDbEntity& e, int code, const std::string& name)
 void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, const KxDbDatabase& db, NameCache& names)
 {
     writeRecordHead(w, kind, e, names.ownerHandle(e.ownerId()));
-    w.ascii(100, "AcDbEntity");
+    w.plain(100, "AcDbEntity");
     const bool spelledOtherwise = !e.keptGroups().empty();
     const std::string& layer = names(e.layerId(), "0");
     w.text(8, spelledOtherwise ? spelled(e, 8, layer) : layer);
@@ -990,55 +990,98 @@ void writeNormal(GroupWriter& w, const KxGeVector3d& n)
         w.vector(210, n);
 }
 
+// What an entity is written as.
+enum class WrittenKind { Unmodelled, Line, Arc, Circle, Polyline, Mline, None };
+
+// The usual kinds told by the entity's exact class, one compare each; a
+// class derived from one by its chain, in the order the kinds are tried.
+WrittenKind writtenKind(const KxDbEntity& entity)
+{
+    const KxRxClass* const cls = entity.isA();
+    if (cls == KxDbLine::desc())
+        return WrittenKind::Line;
+    if (cls == KxDbCircle::desc())
+        return WrittenKind::Circle;
+    if (cls == KxDbPolyline::desc())
+        return WrittenKind::Polyline;
+    if (cls == KxDbArc::desc())
+        return WrittenKind::Arc;
+    if (cls->isDerivedFrom(KxDbUnmodelledEntity::desc()))
+        return WrittenKind::Unmodelled;
+    if (cls->isDerivedFrom(KxDbLine::desc()))
+        return WrittenKind::Line;
+    if (cls->isDerivedFrom(KxDbArc::desc()))
+        return WrittenKind::Arc;
+    if (cls->isDerivedFrom(KxDbCircle::desc()))
+        return WrittenKind::Circle;
+    if (cls->isDerivedFrom(KxDbPolyline::desc()))
+        return WrittenKind::Polyline;
+    if (cls->isDerivedFrom(KxDbMline::desc()))
+        return WrittenKind::Mline;
+    return WrittenKind::None;
+}
+
 }  // namespace
 
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
-    if (const auto* unmodelled = KxDbUnmodelledEntity::cast(&entity)) {
+    switch (writtenKind(entity)) {
+    case WrittenKind::Unmodelled: {
+        const auto& unmodelled = static_cast<const KxDbUnmodelledEntity&>(entity);
         const std::uint64_t owner = names.ownerHandle(entity.ownerId());
-        forEachKeptRecord(*unmodelled, unmodelled->handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
-            writeUnmodelledRecord(w, unmodelled->dxfName(), groups, handle, owner);
+        forEachKeptRecord(unmodelled, unmodelled.handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
+            writeUnmodelledRecord(w, unmodelled.dxfName(), groups, handle, owner);
         });
         return;
     }
-    if (const auto* line = KxDbLine::cast(&entity)) {
+    case WrittenKind::Line: {
+        const auto& line = static_cast<const KxDbLine&>(entity);
         writeEntityHead(w, "LINE", entity, db, names);
-        w.ascii(100, "AcDbLine");
-        w.point(10, line->startPoint());
-        w.point(11, line->endPoint());
-        writeNormal(w, line->normal());
+        w.plain(100, "AcDbLine");
+        w.point(10, line.startPoint());
+        w.point(11, line.endPoint());
+        writeNormal(w, line.normal());
         writeKeptPart(w, entity, 2);
-    } else if (const auto* arc = KxDbArc::cast(&entity)) {
+        break;
+    }
+    case WrittenKind::Arc: {
+        const auto& arc = static_cast<const KxDbArc&>(entity);
         writeEntityHead(w, "ARC", entity, db, names);
-        w.ascii(100, "AcDbCircle");
-        w.point(10, arc->center());
-        w.real(40, arc->radius());
-        writeNormal(w, arc->normal());
+        w.plain(100, "AcDbCircle");
+        w.point(10, arc.center());
+        w.real(40, arc.radius());
+        writeNormal(w, arc.normal());
         writeKeptPart(w, entity, 2);
-        w.ascii(100, "AcDbArc");
-        w.degrees(50, arc->startAngle());
-        w.degrees(51, arc->endAngle());
+        w.plain(100, "AcDbArc");
+        w.degrees(50, arc.startAngle());
+        w.degrees(51, arc.endAngle());
         writeKeptPart(w, entity, 3);
-    } else if (const auto* circle = KxDbCircle::cast(&entity)) {
+        break;
+    }
+    case WrittenKind::Circle: {
+        const auto& circle = static_cast<const KxDbCircle&>(entity);
         writeEntityHead(w, "CIRCLE", entity, db, names);
-        w.ascii(100, "AcDbCircle");
-        w.point(10, circle->center());
-        w.real(40, circle->radius());
-        writeNormal(w, circle->normal());
+        w.plain(100, "AcDbCircle");
+        w.point(10, circle.center());
+        w.real(40, circle.radius());
+        writeNormal(w, circle.normal());
         writeKeptPart(w, entity, 2);
-    } else if (const auto* pline = KxDbPolyline::cast(&entity)) {
+        break;
+    }
+    case WrittenKind::Polyline: {
+        const auto& pline = static_cast<const KxDbPolyline&>(entity);
         writeEntityHead(w, "LWPOLYLINE", entity, db, names);
-        w.ascii(100, "AcDbPolyline");
-        w.integer(90, pline->numVerts());
-        w.integer(70, (pline->isClosed() ? 1 : 0) | (pline->plinegen() ? 128 : 0));
-        if (pline->constantWidth() != 0)
-            w.real(43, pline->constantWidth());
-        if (pline->elevation() != 0)
-            w.real(38, pline->elevation());
-        if (pline->thickness() != 0)
-            w.real(39, pline->thickness());
-        for (int i = 0; i < pline->numVerts(); ++i) {
-            const KxDbPolyline::Vertex v = pline->vertexAt(i);
+        w.plain(100, "AcDbPolyline");
+        w.integer(90, pline.numVerts());
+        w.integer(70, (pline.isClosed() ? 1 : 0) | (pline.plinegen() ? 128 : 0));
+        if (pline.constantWidth() != 0)
+            w.real(43, pline.constantWidth());
+        if (pline.elevation() != 0)
+            w.real(38, pline.elevation());
+        if (pline.thickness() != 0)
+            w.real(39, pline.thickness());
+        for (int i = 0; i < pline.numVerts(); ++i) {
+            const KxDbPolyline::Vertex v = pline.vertexAt(i);
             w.real(10, v.x);
             w.real(20, v.y);
             if (v.startWidth != 0 || v.endWidth != 0) {
@@ -1048,13 +1091,16 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
             if (v.bulge != 0)
                 w.real(42, v.bulge);
         }
-        writeNormal(w, pline->normal());
+        writeNormal(w, pline.normal());
         writeKeptPart(w, entity, 2);
-    } else if (const auto* mline = KxDbMline::cast(&entity)) {
+        break;
+    }
+    case WrittenKind::Mline:
         writeEntityHead(w, "MLINE", entity, db, names);
-        writeMlineBody(w, db, *mline);
+        writeMlineBody(w, db, static_cast<const KxDbMline&>(entity));
         writeKeptPart(w, entity, 2);
-    } else {
+        break;
+    case WrittenKind::None:
         return;
     }
     writeKeptPart(w, entity, kxdbExtendedDataPart);

@@ -37,9 +37,13 @@ public:
     const std::string& codePage() const { return codec_->codePage(); }
 
     void text(int code, std::string_view value);
-    // A text the writer spells itself in ASCII (a record's kind, a class
-    // name): written as it stands, in every encoding.
-    void ascii(int code, std::string_view value) { line(code, value); }
+    // A text that needs no encoding (the writer's own ASCII texts, a
+    // record's kind or a class name, or texts found so at once by
+    // needsEncoding): written as it stands.
+    void plain(int code, std::string_view value) { line(code, value); }
+    // Whether some of the bytes, texts to be written, need encoding; when
+    // they need none, none of those texts does.
+    bool needsEncoding(std::string_view bytes) const { return codec_->needsEncoding(bytes); }
     void wide(int code, const std::wstring& value);
     void real(int code, double value);
     void integer(int code, std::int64_t value);

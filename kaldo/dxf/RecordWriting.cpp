@@ -46,7 +46,7 @@ void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t owner)
 {
-    w.ascii(0, kind);
+    w.plain(0, kind);
     // From the handle table alone (obj.handle() looks the database up
     // again).
     const KxDbDatabase* db = obj.database();

@@ -41,12 +41,17 @@ void writeUnmodelledRecord(GroupWriter& w, std::string_view kind, KxDbPackedGrou
             w.handle(330, owner);
     }
     bool handleWritten = false;
+    // The record's bytes checked at once: when its codes and lengths, too,
+    // need no encoding, the values need none.
+    const bool plain = !w.needsEncoding(groups.bytes());
     groups.forEach([&](int code, std::uint8_t, std::string_view value) {
         if ((code == 5 || code == 105) && !handleWritten) {
             w.handle(code, handle);
             if (addOwner)
                 w.handle(330, owner);
             handleWritten = true;
+        } else if (plain) {
+            w.plain(code, value);
         } else {
             w.text(code, value);
         }
