@@ -1,5 +1,5 @@
 #include "MlineLists.h"
-#include "TestStyles.h"
+#include "TestMlines.h"
 
 #include <gtest/gtest.h>
 
@@ -31,15 +31,7 @@ struct Drawing {
     std::unique_ptr<KxDbMline> make(std::initializer_list<KxGePoint3d> points, int justification = Mline::kZero,
                                     double scale = 1.0, KxDbObjectId style = {})
     {
-        auto m = std::make_unique<KxDbMline>();
-        m->setDatabaseDefaults(&db);
-        if (!style.isNull())
-            m->setStyle(style);
-        m->setJustification(justification);
-        m->setScale(scale);
-        for (const KxGePoint3d& p : points)
-            m->appendSeg(p);
-        return m;
+        return makeMline(db, style, points, justification, scale);
     }
 };
 

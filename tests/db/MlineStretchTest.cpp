@@ -6,7 +6,8 @@
 // matches MLINE drawn through the moved vertices, and a grip drag's copy
 // stretched frame after frame ends as one stretch does.
 #include "MlinePicture.h"
-#include "TestStyles.h"
+#include "MlineLists.h"
+#include "TestMlines.h"
 #include "kaldo/db/MlineRuns.h"
 #include "kaldo/db/StretchPreview.h"
 
@@ -34,24 +35,7 @@ KxDbObjectId addStyle(KxDbDatabase& db, const wchar_t* name, double startAngle =
 // the right.
 std::unique_ptr<KxDbMline> wall(KxDbDatabase& db, KxDbObjectId style, std::initializer_list<KxGePoint3d> points)
 {
-    auto m = std::make_unique<KxDbMline>();
-    m->setDatabaseDefaults(&db);
-    m->setStyle(style);
-    m->setJustification(Mline::kZero);
-    m->setScale(2);
-    for (const KxGePoint3d& p : points)
-        m->appendSeg(p);
-    return m;
-}
-
-void setRuns(KxDbMline& m, int v, std::size_t e, std::vector<double> runs)
-{
-    KxArray changed;
-    m.getParametersAt(v, changed);
-    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(changed));
-    runs.insert(runs.begin(), record->lists.element(int(e)).front());
-    record->lists.setElement(int(e), runs);
-    m.setParametersAt(v, changed);
+    return makeMline(db, style, points, Mline::kZero, 2);
 }
 
 KxGeVector3d unit(const KxGePoint3d& from, const KxGePoint3d& to)

@@ -5,7 +5,8 @@
 // scale and list entries follow the factor, and a mirror turns the scale's
 // sign while the entries stay.
 #include "MlinePicture.h"
-#include "TestStyles.h"
+#include "MlineLists.h"
+#include "TestMlines.h"
 
 #include <gtest/gtest.h>
 
@@ -37,28 +38,9 @@ struct Drawing {
     std::unique_ptr<KxDbMline> make(KxDbObjectId style, std::initializer_list<KxGePoint3d> points, int justification,
                                     double scale, bool closed = false)
     {
-        auto m = std::make_unique<KxDbMline>();
-        m->setDatabaseDefaults(&db);
-        m->setStyle(style);
-        m->setJustification(justification);
-        m->setScale(scale);
-        for (const KxGePoint3d& p : points)
-            m->appendSeg(p);
-        m->setClosedMline(closed);
-        return m;
+        return makeMline(db, style, points, justification, scale, closed);
     }
 };
-
-// Sets element e's list at vertex v (entry 0 kept).
-void setRuns(KxDbMline& m, int v, std::size_t e, std::vector<double> runs)
-{
-    KxArray array;
-    m.getParametersAt(v, array);
-    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
-    runs.insert(runs.begin(), record->lists.element(int(e)).front());
-    record->lists.setElement(int(e), runs);
-    m.setParametersAt(v, array);
-}
 
 std::vector<double> listAt(const KxDbMline& m, int v, std::size_t e, bool fill = false)
 {

@@ -6,6 +6,8 @@
 #include "mledit/MlineAccess.h"
 #include "mledit/MlineShape.h"
 
+#include "TestMlines.h"
+
 #include "kxdb.h"
 
 #include <gtest/gtest.h>
@@ -37,15 +39,7 @@ public:
     // A multiline of the case's style drawn by the host, not in any space.
     std::unique_ptr<KxDbMline> draw(const MlineCase& c, const std::vector<KxGePoint3d>& points)
     {
-        auto mline = std::make_unique<KxDbMline>();
-        mline->setDatabaseDefaults(&db);
-        mline->setStyle(style(c));
-        mline->setJustification(c.justification);
-        mline->setScale(c.scale);
-        for (const KxGePoint3d& p : points)
-            mline->appendSeg(p);
-        mline->setClosedMline(c.closed);
-        return mline;
+        return makeMline(db, style(c), points, c.justification, c.scale, c.closed);
     }
 
     MlineShape shape(const MlineCase& c)
@@ -61,19 +55,8 @@ public:
 private:
     KxDbObjectId style(const MlineCase& c)
     {
-        auto* style = new KxDbMlineStyle;
         const std::wstring name = L"S" + std::to_wstring(++styles_);
-        style->setName(name.c_str());
-        style->setStartAngle(c.startAngle);
-        style->setEndAngle(c.endAngle);
-        int index = 0;
-        for (double o : c.offsets)
-            style->addElement(index, o, KxCmColor(), db.byLayerLinetype());
-        KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        dict->setAt(name.c_str(), style, id);
-        style->close();
-        return id;
+        return addTestStyle(db, name.c_str(), c.offsets, c.startAngle, c.endAngle);
     }
 
     int styles_ = 0;

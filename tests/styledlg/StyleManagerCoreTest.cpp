@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "db/TestStyles.h"
+#include "TestMlines.h"
 #include "kxdb.h"
 #include "styledlg/StylePreviewData.h"
 #include "styledlg/StylePreviewGeometry.h"
