@@ -1,5 +1,6 @@
 #include "kaldo/dxf/SectionRecords.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -23,7 +24,10 @@ constexpr std::uint64_t kReadInPlaceShare = 64;
 }  // namespace
 
 // The reading thread and the batches of records it hands over in order.
-// The reader belongs to the thread until the last batch is taken.
+// The reader belongs to the thread until the last batch is taken. Each
+// side wakes the other only when it waits, after letting the lock go, so
+// that a handover costs no switch while both are busy and a woken thread
+// never meets the lock held.
 struct SectionRecords::Ahead {
     struct Batch {
         // Records are reused from batch to batch, keeping their storage.
@@ -46,7 +50,11 @@ struct SectionRecords::Ahead {
     std::unique_ptr<Batch> take()
     {
         std::unique_lock lock(mutex);
-        changed.wait(lock, [this] { return stopped || !empty.empty() || made < kBatches; });
+        if (!stopped && empty.empty() && made == kBatches) {
+            threadWaits = true;
+            emptied.wait(lock, [this] { return stopped || !empty.empty(); });
+            threadWaits = false;
+        }
         if (stopped)
             return nullptr;
         if (empty.empty()) {
@@ -59,18 +67,18 @@ struct SectionRecords::Ahead {
     }
     void give(std::unique_ptr<Batch> batch)
     {
+        bool wake = false;
         {
             const std::lock_guard lock(mutex);
             filled.push_back(std::move(batch));
+            filledCount.store(filled.size(), std::memory_order_relaxed);
+            wake = callerWaits;
         }
-        changed.notify_all();
+        if (wake)
+            filledOne.notify_one();
     }
     // Whether the caller has filled batches waiting.
-    bool callerBehind()
-    {
-        const std::lock_guard lock(mutex);
-        return !filled.empty();
-    }
+    bool callerBehind() const { return filledCount.load(std::memory_order_relaxed) != 0; }
     // The caller's side: the next filled batch; the one used goes back.
     void takeNext()
     {
@@ -78,11 +86,20 @@ struct SectionRecords::Ahead {
         if (current) {
             current->count = 0;
             empty.push_back(std::move(current));
-            changed.notify_all();
+            if (threadWaits) {
+                lock.unlock();
+                emptied.notify_one();
+                lock.lock();
+            }
         }
-        changed.wait(lock, [this] { return !filled.empty(); });
+        if (filled.empty()) {
+            callerWaits = true;
+            filledOne.wait(lock, [this] { return !filled.empty(); });
+            callerWaits = false;
+        }
         current = std::move(filled.front());
         filled.pop_front();
+        filledCount.store(filled.size(), std::memory_order_relaxed);
         at = 0;
     }
     void stop()
@@ -91,14 +108,20 @@ struct SectionRecords::Ahead {
             const std::lock_guard lock(mutex);
             stopped = true;
         }
-        changed.notify_all();
+        emptied.notify_one();
         if (thread.joinable())
             thread.join();
     }
 
     std::mutex mutex;
-    std::condition_variable changed;
+    // The thread waits here for empty batches, the caller for a filled one.
+    std::condition_variable emptied;
+    std::condition_variable filledOne;
+    bool threadWaits = false;
+    bool callerWaits = false;
     std::deque<std::unique_ptr<Batch>> filled;
+    // The size of filled, read by the thread without the lock.
+    std::atomic<std::size_t> filledCount = 0;
     std::vector<std::unique_ptr<Batch>> empty;
     std::size_t made = 0;
     bool stopped = false;
