@@ -4,6 +4,7 @@
 #include <sstream>
 #include <string>
 
+#include "TestMlines.h"
 #include "MlnFixture.h"
 #include "kaldo/ed/InputSource.h"
 #include "kxstring.h"
@@ -17,31 +18,9 @@ namespace {
 
 class MlnWriterTest : public mlntest::MlnFixture {
 protected:
-    // Adds a style to the drawing's dictionary; fill it with edit.
-    template <class Edit>
-    void addStyle(const wchar_t* name, Edit edit)
-    {
-        auto* style = new KxDbMlineStyle;
-        style->setName(name);
-        edit(*style);
-        KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        ASSERT_EQ(dictionary->setAt(name, style, id), Kald::eOk);
-        style->close();
-    }
-
-    void addElement(KxDbMlineStyle& style, double offset, const KxCmColor& color, KxDbObjectId linetype)
-    {
-        int index = 0;
-        style.addElement(index, offset, color, linetype);
-    }
-
     void addWall(const wchar_t* name)
     {
-        addStyle(name, [&](KxDbMlineStyle& s) {
-            addElement(s, 0.5, KxCmColor(), db.continuousLinetype());
-            addElement(s, -0.5, KxCmColor(), db.continuousLinetype());
-        });
+        addMlineStyle(db, name, [&](KxDbMlineStyle& s) { addElements(s, {0.5, -0.5}, db.continuousLinetype()); });
     }
 
     bool save(const wchar_t* name, const std::wstring& path)
@@ -80,7 +59,7 @@ TEST_F(MlnWriterTest, RoundTripKeepsEveryProperty)
 {
     KxDbObjectId dashed;
     ASSERT_EQ(kxdbLoadLinetypeFromFile(L"kaldo.lin", L"DASHED", dashed, &db), Kald::eOk);
-    addStyle(L"ROUND", [&](KxDbMlineStyle& s) {
+    addMlineStyle(db, L"ROUND", [&](KxDbMlineStyle& s) {
         s.setDescription(L"100% round, 5%d");
         s.setFilled(true);
         s.setShowMiters(true);
@@ -98,9 +77,9 @@ TEST_F(MlnWriterTest, RoundTripKeepsEveryProperty)
         KxCmColor rgb;
         rgb.setRGB(1, 2, 3);
         rgb.setNames(L"GREY", L"BOOK");
-        addElement(s, 1.125, red, dashed);
-        addElement(s, 0.0, rgb, db.continuousLinetype());
-        addElement(s, -2.0 / 3.0, KxCmColor(), db.byLayerLinetype());
+        addElements(s, {1.125}, dashed, red);
+        addElements(s, {0.0}, db.continuousLinetype(), rgb);
+        addElements(s, {-2.0 / 3.0}, db.byLayerLinetype());
     });
     const std::wstring path = (folder() / "round.mln").wstring();
     ASSERT_TRUE(save(L"ROUND", path));

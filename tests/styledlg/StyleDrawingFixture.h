@@ -2,6 +2,7 @@
 // use them, and a current style.
 #pragma once
 
+#include "TestMlines.h"
 #include "dlg/DialogFixture.h"
 #include "styledlg/CurrentStyle.h"
 
@@ -24,24 +25,18 @@ protected:
     KxDbObjectId addStyle(const wchar_t* name, int flags = 0, std::vector<StyleElement> elements = {{0.5}, {-0.5}},
                           const wchar_t* description = L"")
     {
-        auto* style = new KxDbMlineStyle;
-        style->initMlineStyle();
-        style->setName(name);
-        style->setDescription(description);
-        style->setShowMiters(flags & 0x2);
-        style->setStartSquareCap(flags & 0x10);
-        for (const StyleElement& element : elements) {
-            KxCmColor color;
-            color.setColorIndex(element.colorIndex);
-            int index = 0;
-            style->addElement(index, element.offset, color,
-                              element.continuous ? db.continuousLinetype() : db.byLayerLinetype());
-        }
-        KxDbObjectPtr<KxDbDictionary> dictionary(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        dictionary->setAt(name, style, id);
-        style->close();
-        return id;
+        return addMlineStyle(db, name, [&](KxDbMlineStyle& style) {
+            style.initMlineStyle();
+            style.setDescription(description);
+            style.setShowMiters(flags & 0x2);
+            style.setStartSquareCap(flags & 0x10);
+            for (const StyleElement& element : elements) {
+                KxCmColor color;
+                color.setColorIndex(element.colorIndex);
+                addElements(style, {element.offset}, element.continuous ? db.continuousLinetype() : db.byLayerLinetype(),
+                            color);
+            }
+        });
     }
 
     void useStyle(KxDbObjectId style)
