@@ -73,7 +73,7 @@ inline bool appendDigitsAtOnce(const char* p, std::uint64_t& digits)
 // reals written in their shortest form often twelve or more. The words are
 // read only where the text has as many bytes left, and outside the loops,
 // whose values of varying length they would make branch more.
-inline bool readPlainDecimal(std::string_view text, double& value)
+[[gnu::always_inline]] inline bool readPlainDecimal(std::string_view text, double& value)
 {
     static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
                                               1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
