@@ -34,15 +34,46 @@ inline bool divideRounded(std::uint64_t digits, int power, double& value)
     return true;
 }
 
+// Whether the bytes of a Word from p (four or eight) are all digits; if so,
+// digits is followed by them. A byte past '9' carries into its high nibble
+// when six is added to it, one below '0' has it set already. Their number
+// is summed by multiplications that add the parts of a word at once:
+// pairs, then fours, then eights.
+template <class Word>
+inline bool appendDigitsAtOnce(const char* p, std::uint64_t& digits)
+{
+    static_assert(sizeof(Word) == 4 || sizeof(Word) == 8);
+    Word values;
+    std::memcpy(&values, p, sizeof values);
+    values ^= Word(0x3030303030303030);
+    if ((((values + Word(0x0606060606060606)) | values) & Word(0xF0F0F0F0F0F0F0F0)) != 0)
+        return false;
+    // Each byte, the first the lowest, ten times its digit and the next one.
+    const Word pairs = values * 10 + (values >> 8);
+    if constexpr (sizeof(Word) == 4) {
+        digits = digits * 10000 + (pairs & 0xFF) * 100 + ((pairs >> 16) & 0xFF);
+    } else {
+        constexpr std::uint64_t kPairs = 0x000000FF000000FF;
+        digits = digits * 100000000
+                 + (((pairs & kPairs) * (100 + (std::uint64_t(1000000) << 32))
+                     + ((pairs >> 16) & kPairs) * (1 + (std::uint64_t(10000) << 32)))
+                    >> 32);
+    }
+    return true;
+}
+
 // A plain decimal ("-12.375", "0.5999999999999998": no exponent) of at
 // most 17 digits. When its digits, taken as a whole number, are at most
 // 2^53, that number and the power of ten are exact, so one division gives
 // the correctly rounded value, the same one from_chars gives, in a fraction
 // of its time; above, divideRounded. False, with value untouched, for any
-// other text. One pass of a byte a step: loops that end at the point or
-// take eight digits at once branch on the varying lengths of values and
-// cost more than they save.
-inline bool readPlainDecimal(std::string_view text, double& value)
+// other text. A byte a step, but for four digits at once at the start when
+// the text has as many, and eight then four at once after the point: most
+// whole parts of coordinates have four digits or more, and the decimals of
+// reals written in their shortest form often twelve or more. The words are
+// read only where the text has as many bytes left, and outside the loops,
+// whose values of varying length they would make branch more.
+[[gnu::always_inline]] inline bool readPlainDecimal(std::string_view text, double& value)
 {
     static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
                                               1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
@@ -57,16 +88,30 @@ inline bool readPlainDecimal(std::string_view text, double& value)
     std::ptrdiff_t point = 0;
     // More digits than fit wrap around here, but such texts are refused below.
     std::uint64_t digits = 0;
-    // Counted up to the end, so that one addition both steps and tests; the
-    // point is told by the digit it would be, so the byte is read once.
-    for (std::ptrdiff_t at = first - end; at != 0; ++at) {
+    // Counted up to the end, so that one addition both steps and tests.
+    std::ptrdiff_t at = first - end;
+    if (at <= -4 && appendDigitsAtOnce<std::uint32_t>(end + at, digits))
+        at += 4;
+    for (; at != 0; ++at) {
         const unsigned digit = unsigned(end[at]) - '0';
-        if (digit < 10)
-            digits = digits * 10 + digit;
-        else if (digit == unsigned('.' - '0') && point == 0)
-            point = at;
-        else
+        if (digit >= 10)
+            break;
+        digits = digits * 10 + digit;
+    }
+    if (at != 0) {
+        if (end[at] != '.')
             return false;
+        point = at++;
+        if (at <= -8 && appendDigitsAtOnce<std::uint64_t>(end + at, digits))
+            at += 8;
+        if (at <= -4 && appendDigitsAtOnce<std::uint32_t>(end + at, digits))
+            at += 4;
+        for (; at != 0; ++at) {
+            const unsigned digit = unsigned(end[at]) - '0';
+            if (digit >= 10)
+                return false;
+            digits = digits * 10 + digit;
+        }
     }
     const int fractional = point != 0 ? int(-point - 1) : 0;
     const int count = int(end - first) - (point != 0 ? 1 : 0);

@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -158,6 +159,22 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         std::string text = std::to_string(10000000000000000u + random() % 90000000000000000u);
         text.insert(1 + random() % 16, ".");
         texts.push_back(std::move(text));
+    }
+    // Every length of a whole part and of decimals (or no point) of random
+    // digits, either sign, and each with one byte that is no digit in turn
+    // at each place: the digits read four or eight at once stop at it.
+    for (int whole = 0; whole <= 10; ++whole) {
+        for (int decimals = -1; decimals <= 16; ++decimals) {
+            std::string text = whole % 2 ? "-" : "";
+            for (int digit = 0; digit < whole + std::max(decimals, 0); ++digit)
+                text += char('0' + random() % 10);
+            if (decimals >= 0)
+                text.insert(text.size() - std::size_t(decimals), ".");
+            texts.push_back(text);
+            for (std::size_t at = 0; at < text.size(); ++at)
+                for (const char other : {'/', ':', '\xFA'})
+                    texts.push_back(text.substr(0, at) + other + text.substr(at + 1));
+        }
     }
     // A plain decimal of up to 15 digits, blanks and a plus sign around it
     // aside, is read by the quick way, as it is read ahead.
