@@ -82,25 +82,11 @@ Scaled scaled(const Binary& binary, int decimals)
     return {quotient + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
 }
 
-// The eight digits of a number below 10^8, one a byte, the first in the
-// lowest: its halves, then their hundreds and tens are split off in all
-// lanes of one word at once, by multiplications with reciprocals of 100 and
-// 10 that are exact for numbers as small as those lanes hold.
-[[gnu::always_inline]] inline std::uint64_t eightDigitValues(std::uint32_t value)
-{
-    const std::uint64_t halves = value / 10000 | std::uint64_t(value % 10000) << 32;
-    const std::uint64_t hundreds = (halves * 10486) >> 20 & 0x0000007F0000007Full;
-    const std::uint64_t pairs = hundreds | (halves - hundreds * 100) << 16;
-    const std::uint64_t tens = (pairs * 103) >> 10 & 0x000F000F000F000Full;
-    return tens | (pairs - tens * 10) << 8;
-}
-
-constexpr std::uint64_t kZeros = 0x3030303030303030ull;
-
-// The same digits as characters.
+// The eight digits of a number below 10^8 as characters, the first in
+// the lowest byte.
 [[gnu::always_inline]] inline std::uint64_t eightDigits(std::uint32_t value)
 {
-    return eightDigitValues(value) + kZeros;
+    return eightDigitValues(value) + kDigitZeros;
 }
 
 // Writes the whole digits and the decimals of digits (whole + decimals of
@@ -159,39 +145,6 @@ bool fewDecimals(double magnitude, std::uint64_t& digits, int& decimals)
 }
 
 }  // namespace
-
-char* writeFewDecimals(double value, char* out)
-{
-    // The same reasoning as fewDecimals: the whole number of thousandths
-    // nearest to the value gives it back exactly when its text reads back,
-    // and no other text of up to three decimals does. With a whole part,
-    // the scientific form is longer; below 1, no shorter (0.001 and 1e-03),
-    // and the fixed form is taken on a tie.
-    const double magnitude = std::abs(value);
-    if (!(magnitude < 1e5))
-        return nullptr;
-    const auto thousandths = std::uint32_t(magnitude * 1000 + 0.5);
-    if (double(thousandths) / 1000 != magnitude)
-        return nullptr;
-    // The eight digits, the whole part's five then the three decimals: the
-    // zeros that begin them are the lowest zero bytes, those that end them
-    // the highest. They are copied in blocks of eight; bytes beyond them lie
-    // beyond the text.
-    const std::uint64_t values = eightDigitValues(thousandths);
-    const int wholeCount = 5 - std::min(std::countr_zero(values) / 8, 4);
-    const int decimals = 3 - std::min(std::countl_zero(values) / 8, 3);
-    char text[16] = {};
-    const std::uint64_t digits = values + kZeros;
-    std::memcpy(text, &digits, 8);
-    *out = '-';
-    out += std::signbit(value);
-    std::memcpy(out, text + 5 - wholeCount, 8);
-    out += wholeCount;
-    // The point is overwritten by what follows when there are no decimals.
-    *out = '.';
-    std::memcpy(out + 1, text + 5, 4);
-    return out + decimals + int(decimals > 0);
-}
 
 char* writeShortestDecimal(double value, char* out)
 {

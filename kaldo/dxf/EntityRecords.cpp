@@ -975,9 +975,10 @@ void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, cons
         const std::string& linetype = names(e.linetypeId(), "ByLayer");
         w.text(6, spelledOtherwise ? spelled(e, 6, linetype) : linetype);
     }
-    if (!e.color().isByLayer())
-        writeColor(w, e.color(), false);
-    const bool byColor = e.color().isByColor();
+    const KxCmColor color = e.color();
+    if (!color.isByLayer())
+        writeColor(w, color, false);
+    const bool byColor = color.isByColor();
     e.keptGroups().forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
         if (part == 1 && code != 8 && code != 6 && (code != 62 || byColor))
             w.text(code, value);

@@ -98,24 +98,31 @@ void GroupWriter::text(int groupCode, std::string_view value)
 
 void GroupWriter::line(int groupCode, std::string_view value)
 {
-    ensure(kNumberRoom + value.size() + 1);
-    code(groupCode);
-    char* const out = buffer_.data() + used_;
     const std::size_t size = value.size();
     const char* const in = value.data();
-    // Most values are short: copied as two words that may overlap,
-    // without a call.
-    if (size >= 8 && size <= 16) {
-        std::memcpy(out, in, 8);
-        std::memcpy(out + size - 8, in + size - 8, 8);
-    } else if (size >= 4 && size < 8) {
-        std::memcpy(out, in, 4);
-        std::memcpy(out + size - 4, in + size - 4, 4);
-    } else {
-        std::memcpy(out, in, size);
+    // Most groups have a code below 1000 and a value of 4 to 16 bytes,
+    // and the buffer room for them: written without a call, the value
+    // copied as two words that may overlap.
+    if (size >= 4 && size <= 16 && groupCode >= 0 && groupCode < kShortCodes
+        && used_ + kNumberRoom + size + 1 <= buffer_.size()) {
+        char* const out = buffer_.data() + used_;
+        std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
+        if (size >= 8) {
+            std::memcpy(out + 4, in, 8);
+            std::memcpy(out + 4 + size - 8, in + size - 8, 8);
+        } else {
+            std::memcpy(out + 4, in, 4);
+            std::memcpy(out + 4 + size - 4, in + size - 4, 4);
+        }
+        out[4 + size] = '\n';
+        used_ += 4 + size + 1;
+        return;
     }
-    out[size] = '\n';
-    used_ += size + 1;
+    ensure(kNumberRoom + size + 1);
+    code(groupCode);
+    std::memcpy(buffer_.data() + used_, in, size);
+    used_ += size;
+    buffer_[used_++] = '\n';
 }
 
 void GroupWriter::wide(int groupCode, const std::wstring& value)
