@@ -2,6 +2,7 @@
 // line, never a crash. Saving that fails or is cancelled leaves the old
 // file whole.
 #include "DxfText.h"
+#include "TestMlines.h"
 #include "FileText.h"
 #include "GroupText.h"
 
@@ -267,13 +268,7 @@ TEST(DxfBadFiles, WhatWouldNotOpenIsNotSaved)
 
     // A multiline whose style was erased.
     KxDbDatabase erasedStyle;
-    auto* style = new KxDbMlineStyle;
-    style->setName(L"WALL");
-    int index = 0;
-    style->addElement(index, 0.1, KxCmColor(), erasedStyle.byLayerLinetype());
-    KxDbObjectId styleId;
-    KxDbObjectPtr<KxDbDictionary>(erasedStyle.mlineStyleDictionaryId(), KxDb::kForWrite)->setAt(L"WALL", style, styleId);
-    style->close();
+    const KxDbObjectId styleId = addTestStyle(erasedStyle, L"WALL", {0.1});
     auto* mline = addEntity(erasedStyle, new KxDbMline);
     KxDbObjectPtr<KxDbMline>(mline->objectId(), KxDb::kForWrite)->setStyle(styleId);
     KxDbObjectPtr<KxDbMlineStyle>(styleId, KxDb::kForWrite)->erase();

@@ -2,6 +2,7 @@
 // system's Python): it reads what we write without complaint and with the
 // same multiline geometry, and what it writes we read and save without loss.
 #include "DxfText.h"
+#include "TestMlines.h"
 #include "MlineLists.h"
 
 #include "kaldo/dxf/TablesSection.h"
@@ -51,20 +52,10 @@ void expectNear(const std::vector<double>& a, const std::vector<double>& b)
 
 KxDbObjectId addStyle(KxDbDatabase& db, const wchar_t* name, std::initializer_list<double> offsets)
 {
-    KxDbDictionary* styles = nullptr;
-    db.getMLStyleDictionary(styles, KxDb::kForWrite);
-    auto* style = new KxDbMlineStyle;
-    style->setName(name);
-    style->setFilled(true);
-    style->setStartRoundCap(true);
-    int index = 0;
-    for (double offset : offsets)
-        style->addElement(index, offset, KxCmColor(), db.byLayerLinetype(), false);
-    KxDbObjectId id;
-    styles->setAt(name, style, id);
-    style->close();
-    styles->close();
-    return id;
+    return addTestStyle(db, name, offsets, std::numbers::pi / 2, std::numbers::pi / 2, [](KxDbMlineStyle& style) {
+        style.setFilled(true);
+        style.setStartRoundCap(true);
+    });
 }
 
 }  // namespace

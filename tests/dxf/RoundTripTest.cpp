@@ -3,6 +3,7 @@
 // linetypes kept as their records open as read; neighbouring vertices with
 // the same lists share them, and copies and edits keep them apart.
 #include "DxfText.h"
+#include "TestMlines.h"
 #include "GroupText.h"
 #include "MlineLists.h"
 
@@ -809,17 +810,7 @@ TEST(DxfRoundTrip, EqualListsOfNeighboursAreSharedAndCopiesAndEditsKeepThemApart
     straight->setParametersAt(3, params);
     // Multilines of one, then again two elements after it: the reader's
     // vertices of one multiline are reused for the next.
-    KxDbDictionary* styles = nullptr;
-    ASSERT_EQ(db.getMLStyleDictionary(styles, KxDb::kForWrite), Kald::eOk);
-    auto* single = new KxDbMlineStyle;
-    single->setName(L"Single");
-    int index = 0;
-    single->addElement(index, 0.25, KxCmColor(), db.byLayerLinetype(), false);
-    KxDbObjectId singleId;
-    styles->setAt(L"Single", single, singleId);
-    single->close();
-    styles->close();
-    db.setCmlstyleID(singleId);
+    db.setCmlstyleID(addTestStyle(db, L"Single", {0.25}));
     const KxDbMline* one = addMline(db, {{0, 5}, {3, 9}, {6, 5}});
     db.setCmlstyleID(straight->style());
     const KxDbMline* two = addMline(db, {{0, 10}, {5, 12}});
@@ -868,16 +859,7 @@ TEST(DxfRoundTrip, EqualListsOfNeighboursAreSharedAndCopiesAndEditsKeepThemApart
 TEST(DxfRoundTrip, HeaderVariablesAndCurrentStyleSurvive)
 {
     KxDbDatabase db;
-    KxDbDictionary* styles = nullptr;
-    ASSERT_EQ(db.getMLStyleDictionary(styles, KxDb::kForWrite), Kald::eOk);
-    auto* wall = new KxDbMlineStyle;
-    wall->setName(L"Wall");
-    int index = 0;
-    wall->addElement(index, 0.25, KxCmColor(), db.byLayerLinetype(), false);
-    KxDbObjectId wallId;
-    styles->setAt(L"Wall", wall, wallId);
-    wall->close();
-    styles->close();
+    const KxDbObjectId wallId = addTestStyle(db, L"Wall", {0.25});
     db.setCmlstyleID(wallId);
     db.setCmljust(2);
     db.setCmlscale(12.5);
@@ -887,7 +869,7 @@ TEST(DxfRoundTrip, HeaderVariablesAndCurrentStyleSurvive)
     kaldo::dxf::KeptSections kept;
     kaldo::dxf::DxfDrawing back = fromDxfText(toDxfText(db, kept));
     const KxDbDatabase& db2 = *back.database;
-    EXPECT_EQ(db2.peekObject(db2.cmlstyleID())->handle(), wall->handle());
+    EXPECT_EQ(db2.peekObject(db2.cmlstyleID())->handle(), db.peekObject(wallId)->handle());
     EXPECT_EQ(db2.cmljust(), 2);
     EXPECT_EQ(db2.cmlscale(), 12.5);
     EXPECT_EQ(db2.measurement(), 1);

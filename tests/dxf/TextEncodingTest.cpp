@@ -3,6 +3,7 @@
 // ones in UTF-8; ezdxf reads what we write, and we read what it writes,
 // with the same names.
 #include "DxfText.h"
+#include "TestMlines.h"
 #include "GroupText.h"
 
 #include "kaldo/dxf/TextCodec.h"
@@ -164,17 +165,7 @@ TEST(DxfTextEncoding, NamesOutsideAsciiRoundTripThroughEzdxf)
         layer->close();
     }
     layers->close();
-    KxDbDictionary* styles = nullptr;
-    ASSERT_EQ(db.getMLStyleDictionary(styles, KxDb::kForWrite), Kald::eOk);
-    auto* style = new KxDbMlineStyle;
-    style->setName(wall.c_str());
-    int index = 0;
-    style->addElement(index, 0.5, KxCmColor(), db.byLayerLinetype(), false);
-    style->addElement(index, -0.5, KxCmColor(), db.byLayerLinetype(), false);
-    KxDbObjectId styleId;
-    styles->setAt(wall.c_str(), style, styleId);
-    style->close();
-    styles->close();
+    addTestStyle(db, wall.c_str(), {0.5, -0.5});
     addEntity(db, new KxDbUnmodelledEntity("TEXT", {{100, 0, "AcDbEntity"}, {8, 0, "0"}, {100, 0, "AcDbText"},
                                                      {10, 0, "0"}, {20, 0, "0"}, {30, 0, "0"}, {40, 0, "1"},
                                                      {1, 0, text}, {100, 0, "AcDbText"}}));
