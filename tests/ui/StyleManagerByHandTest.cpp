@@ -7,6 +7,7 @@
 
 #include "MlnText.h"
 #include "scenarios/HandDriver.h"
+#include "scenarios/TemplateItems.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -14,22 +15,6 @@
 #include <fstream>
 
 using namespace scenario;
-
-namespace {
-
-enum Item : int {
-    kOk = 1,
-    kYes = 6,
-    kStyleList = 1021,
-    kSetCurrent = 1026,
-    kRename = 1030,
-    kDelete = 1031,
-    kLoad = 1032,
-    kBrowse = 1056,
-    kFileStyles = 1058,
-};
-
-}  // namespace
 
 class StyleManagerByHand : public WindowFixture {
 protected:

@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "MlineLists.h"
+#include "TestMlines.h"
 #include "kaldo/view/DrawingRenderer.h"
 #include "kxdb.h"
 #include "kxdbunmodelled.h"
@@ -47,17 +49,11 @@ struct ViewDrawing {
     template <class Configure>
     KxDbObjectId addStyle(const wchar_t* name, std::initializer_list<ElementSpec> elements, Configure configure)
     {
-        auto* style = new KxDbMlineStyle;
-        style->setName(name);
-        int index = 0;
-        for (const ElementSpec& e : elements)
-            style->addElement(index, e.offset, e.color, e.linetype.isNull() ? db.byLayerLinetype() : e.linetype);
-        configure(*style);
-        KxDbObjectPtr<KxDbDictionary> dict(db.mlineStyleDictionaryId(), KxDb::kForWrite);
-        KxDbObjectId id;
-        dict->setAt(name, style, id);
-        style->close();
-        return id;
+        return addMlineStyle(db, name, [&](KxDbMlineStyle& style) {
+            for (const ElementSpec& e : elements)
+                addElements(style, {e.offset}, e.linetype.isNull() ? db.byLayerLinetype() : e.linetype, e.color);
+            configure(style);
+        });
     }
 
     KxDbObjectId addLinetype(const wchar_t* name, std::vector<double> dashes)
@@ -77,36 +73,13 @@ struct ViewDrawing {
     KxDbObjectPtr<KxDbMline> addMline(KxDbObjectId style, std::initializer_list<KxGePoint3d> points,
                                       double scale = 1.0, bool closed = false)
     {
-        auto* mline = new KxDbMline;
-        mline->setDatabaseDefaults(&db);
-        mline->setStyle(style);
-        mline->setJustification(Mline::kZero);
-        mline->setScale(scale);
-        for (const KxGePoint3d& p : points)
-            mline->appendSeg(p);
-        mline->setClosedMline(closed);
+        KxDbMline* mline = makeMline(db, style, points, Mline::kZero, scale, closed).release();
         db.addToCurrentSpace(mline);
         return KxDbObjectPtr<KxDbMline>(mline);
     }
 
     kaldo::view::Scene render() { return kaldo::view::renderDrawing(db); }
 };
-
-// Replaces the element list (or the fill list) of one element at one
-// vertex, keeping entry 0.
-inline void setRuns(KxDbMline& mline, int vertex, int element, std::vector<double> runs, bool fill = false)
-{
-    KxArray array;
-    mline.getParametersAt(vertex, array);
-    const auto record = KxDbMlineParamsPtr::adopt(KxDbMlineVertexParams::fromArray(array));
-    KxDbMlineListSet& lists = record->lists;
-    runs.insert(runs.begin(), (fill ? lists.areaFill(element) : lists.element(element)).front());
-    if (fill)
-        lists.setAreaFill(element, runs);
-    else
-        lists.setElement(element, runs);
-    mline.setParametersAt(vertex, array);
-}
 
 // Groups of a record as a file gives them: code and text.
 inline std::vector<KxDbFileGroup> groups(std::initializer_list<std::pair<std::int16_t, std::string>> list)

@@ -1,0 +1,50 @@
+// The items of the dialog templates the scenarios act on.
+#pragma once
+
+namespace scenario {
+
+enum Item : int {
+    kOk = 1,
+    kCancel = 2,
+    kYes = 6,
+    kNo = 7,
+    kStyleList = 1021,
+    kSetCurrent = 1026,
+    kNew = 1028,
+    kModify = 1029,
+    kRename = 1030,
+    kDelete = 1031,
+    kLoad = 1032,
+    kSave = 1033,
+    kNewName = 1035,
+    kStartStyle = 1036,
+    kDescription = 1037,
+    kStartLine = 1038,
+    kStartAngle = 1044,
+    kElements = 1046,
+    kFillColor = 1048,
+    kElementColor = 1049,
+    kOffset = 1050,
+    kAddElement = 1051,
+    kDeleteElement = 1052,
+    kFill = 1054,
+    kLinetype = 1055,
+    kBrowse = 1056,
+    kFileStyles = 1058,
+    kRenameNew = 1060,
+    kPlainButton = 5771,
+    kPlotPaper = 7001,
+    kPlotPaperWidth = 7002,
+    kPlotPaperHeight = 7003,
+    kPlotPortrait = 7004,
+    kPlotPickWindow = 7007,
+    kPlotScale = 7008,
+    kPlotCentre = 7009,
+    kPlotOffsetX = 7010,
+    kPlotOffsetY = 7011,
+    kPlotMonochrome = 7012,
+    kPlotLineWeights = 7013,
+    kPlotDefaultLineWeight = 7014,
+};
+
+}  // namespace scenario
