@@ -71,8 +71,8 @@ inline bool appendDigitsAtOnce(const char* p, std::uint64_t& digits)
 // the text has as many, and eight then four at once after the point: most
 // whole parts of coordinates have four digits or more, and the decimals of
 // reals written in their shortest form often twelve or more. The words are
-// read only where the text has as many bytes left, and outside the loops,
-// whose values of varying length they would make branch more.
+// read only where the text has as many bytes left, and outside the loops:
+// inside, they branch more on the values' varying lengths than they save.
 [[gnu::always_inline]] inline bool readPlainDecimal(std::string_view text, double& value)
 {
     static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
