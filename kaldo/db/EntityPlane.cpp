@@ -47,13 +47,4 @@ KxGePoint3d EntityPlane::toPlane(const KxGePoint3d& p) const
     return {v.x, v.y, v.z};
 }
 
-KxGePoint3d EntityPlane::toWorld(const KxGePoint3d& p) const
-{
-    // Each coordinate is one product by 1 plus products by +0 and the
-    // origin's +0: the coordinate itself, a zero made positive.
-    if (m_world && std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z))
-        return {p.x + 0.0, p.y + 0.0, p.z + 0.0};
-    return KxGePoint3d() + toWorld(KxGeVector3d(p.x, p.y, p.z));
-}
-
 }  // namespace kaldo

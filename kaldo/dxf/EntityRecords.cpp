@@ -693,8 +693,7 @@ bool keepMlineUnopened(const Record& record, ReadContext& context, KxDbObjectId 
     // record measures (ExtentsBox::add), joined once it is kept.
     ExtentsBox vertices;
     const MlineOutline outline = checkMline(
-        record, basics, [&look](const Group& g) { return look.take(g); }, styleLink, context.mlineLists,
-        [&vertices](const KxGePoint3d& p) { vertices.add(p); });
+        record, basics, [&look](const Group& g) { return look.take(g); }, styleLink, context.mlineLists, vertices);
     kaldo::UnopenedRecords::Look resolved;
     resolved.kind = record.kind();
     resolved.maker = &makeUnopened;

@@ -5,6 +5,8 @@
 #include "kxdbmline.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace kaldo::dxf {
 
@@ -14,31 +16,88 @@ void ExtentsBox::add(const ExtentsBox& later)
     m_max = {std::max(m_max.x, later.m_max.x), std::max(m_max.y, later.m_max.y), std::max(m_max.z, later.m_max.z)};
 }
 
+namespace {
+
+// The kinds of entity that add points to a box.
+enum class Measured { None, Line, Arc, Circle, Polyline, Mline };
+
+// The measured kind a class is or derives from: one walk up the class's
+// parents, where a cast per kind walked them once per kind.
+Measured measuredKind(const KxRxClass* cls)
+{
+    const KxRxClass* const line = KxDbLine::desc();
+    const KxRxClass* const arc = KxDbArc::desc();
+    const KxRxClass* const circle = KxDbCircle::desc();
+    const KxRxClass* const polyline = KxDbPolyline::desc();
+    const KxRxClass* const mline = KxDbMline::desc();
+    for (const KxRxClass* c = cls; c; c = c->myParent()) {
+        if (c == line)
+            return Measured::Line;
+        if (c == arc)
+            return Measured::Arc;
+        if (c == circle)
+            return Measured::Circle;
+        if (c == polyline)
+            return Measured::Polyline;
+        if (c == mline)
+            return Measured::Mline;
+    }
+    return Measured::None;
+}
+
+}  // namespace
+
 void ExtentsBox::add(const KxDbEntity& entity)
 {
-    if (const auto* line = KxDbLine::cast(&entity)) {
-        add(line->startPoint());
-        add(line->endPoint());
-    } else if (const auto* arc = KxDbArc::cast(&entity)) {
-        add(arc->center(), arc->radius());
-    } else if (const auto* circle = KxDbCircle::cast(&entity)) {
-        add(circle->center(), circle->radius());
-    } else if (const auto* pline = KxDbPolyline::cast(&entity)) {
-        // pointAt's conversion, with the plane made once per polyline. The
-        // vertices go to a box of their own, which stays in registers
-        // between the calls for each vertex.
-        const kaldo::EntityPlane plane(pline->normal());
+    switch (measuredKind(entity.isA())) {
+    case Measured::Line: {
+        const auto& line = static_cast<const KxDbLine&>(entity);
+        add(line.startPoint());
+        add(line.endPoint());
+        return;
+    }
+    case Measured::Arc: {
+        const auto& arc = static_cast<const KxDbArc&>(entity);
+        add(arc.center(), arc.radius());
+        return;
+    }
+    case Measured::Circle: {
+        const auto& circle = static_cast<const KxDbCircle&>(entity);
+        add(circle.center(), circle.radius());
+        return;
+    }
+    case Measured::Polyline: {
+        // pointAt's conversion, with the plane made once per polyline: in
+        // the world's own plane a finite vertex at a finite elevation
+        // converts to itself, zeros made positive (EntityPlane::toWorld),
+        // and is taken so, one test per coordinate. The vertices go to a box
+        // of their own, joined once.
+        const auto& pline = static_cast<const KxDbPolyline&>(entity);
+        const kaldo::EntityPlane plane(pline.normal());
+        const double elevation = pline.elevation();
+        constexpr double kLargest = std::numeric_limits<double>::max();
+        const bool world = plane.isWorld() && std::abs(elevation) <= kLargest;
         ExtentsBox vertices;
-        for (int i = 0; i < pline->numVerts(); ++i) {
-            const KxDbPolyline::Vertex v = pline->vertexAt(i);
-            vertices.add(plane.toWorld(KxGePoint3d(v.x, v.y, pline->elevation())));
+        for (int i = 0; i < pline.numVerts(); ++i) {
+            const KxDbPolyline::Vertex v = pline.vertexAt(i);
+            if (world && std::abs(v.x) <= kLargest && std::abs(v.y) <= kLargest)
+                vertices.takeIn({v.x + 0.0, v.y + 0.0, elevation + 0.0});
+            else
+                vertices.add(plane.toWorld(KxGePoint3d(v.x, v.y, elevation)));
         }
         add(vertices);
-    } else if (const auto* mline = KxDbMline::cast(&entity)) {
+        return;
+    }
+    case Measured::Mline: {
+        const auto& mline = static_cast<const KxDbMline&>(entity);
         ExtentsBox vertices;
-        for (int i = 0; i < mline->numVertices(); ++i)
-            vertices.add(mline->vertexAt(i));
+        for (int i = 0; i < mline.numVertices(); ++i)
+            vertices.add(mline.vertexAt(i));
         add(vertices);
+        return;
+    }
+    case Measured::None:
+        return;
     }
 }
 

@@ -29,10 +29,10 @@ enum MlineFlags : int { kHasVertices = 1, kClosed = 2, kSuppressStart = 4, kSupp
 // never for what its counts claim. Unless told to keep them, it holds one
 // vertex at a time and tells each one's position to a callback once
 // complete, as a record is checked.
+template <class Completed>
 class VertexCollector {
 public:
-    VertexCollector(std::size_t groups, KxDbMlineListStore& scratch, bool keep,
-                    std::function<void(const KxGePoint3d&)> completed = {})
+    VertexCollector(std::size_t groups, KxDbMlineListStore& scratch, bool keep, Completed completed)
         : groups_(groups), lists_(scratch), keep_(keep), completed_(std::move(completed))
     {
         lists_.clear();
@@ -134,14 +134,13 @@ private:
             firstElements_ = elements;
         else if (elements != firstElements_ && otherElements_ < 0)
             otherElements_ = elements;
-        if (completed_)
-            completed_(v.position);
+        completed_(v.position);
     }
 
     const std::size_t groups_;
     KxDbMlineListStore& lists_;
     const bool keep_;
-    const std::function<void(const KxGePoint3d&)> completed_;
+    const Completed completed_;
     std::vector<KxDbMlineVertex> vertices_;
     std::size_t count_ = 0;
     long firstElements_ = 0;
@@ -153,8 +152,9 @@ private:
 
 // Reads the record into mline, its vertices to the collector, and gives
 // every error the record holds; the style is left to the caller.
+template <class Collector>
 void readInto(KxDbMline& mline, const Record& record, RecordBasics& basics,
-              const std::function<bool(const Group&)>& other, MlineStyleLink& style, VertexCollector& vertices)
+              const std::function<bool(const Group&)>& other, MlineStyleLink& style, Collector& vertices)
 {
     double scale = 1;
     int justification = 0;
@@ -218,7 +218,7 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
                      MlineStyleLink& style, KxDbMlineListStore& scratch)
 {
     auto mline = std::make_unique<KxDbMline>();
-    VertexCollector vertices(record.size(), scratch, true);
+    VertexCollector vertices(record.size(), scratch, true, [](const KxGePoint3d&) {});
     readInto(*mline, record, basics, other, style, vertices);
     // The reader takes finite numbers only, which the multiline accepts.
     KxDbSystemInternals::getImpObject(mline.get())->setStoredVertices(vertices.release(), scratch);
@@ -227,10 +227,10 @@ KxDbMline* readMline(const Record& record, RecordBasics& basics, const std::func
 
 MlineOutline checkMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
                         MlineStyleLink& style, KxDbMlineListStore& scratch,
-                        std::function<void(const KxGePoint3d&)> position)
+                        ExtentsBox& positions)
 {
     KxDbMline probe;
-    VertexCollector vertices(record.size(), scratch, false, std::move(position));
+    VertexCollector vertices(record.size(), scratch, false, [&positions](const KxGePoint3d& p) { positions.add(p); });
     readInto(probe, record, basics, other, style, vertices);
     return {vertices.count(), vertices.otherElements() >= 0 ? -1 : vertices.firstElements()};
 }
@@ -256,7 +256,8 @@ bool layoutFinite(const Record& record, const KxDbMlineStyle& style)
     const auto walk = [&](std::function<void(const KxGePoint3d&)> completed) {
         RecordBasics basics;
         MlineStyleLink link;
-        VertexCollector vertices(record.size(), scratch, false, std::move(completed));
+        VertexCollector<std::function<void(const KxGePoint3d&)>> vertices(record.size(), scratch, false,
+                                                                          std::move(completed));
         readInto(mline, record, basics, [](const Group&) { return false; }, link, vertices);
     };
     // The first and last position first: a closed multiline's ends look at

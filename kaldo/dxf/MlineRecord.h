@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "kaldo/dxf/ExtentsBox.h"
 #include "kaldo/dxf/Record.h"
 #include "kxdbmline.h"
 
@@ -43,10 +44,10 @@ struct MlineOutline {
 };
 
 // Checks the record as readMline reads it, giving the same errors, one
-// vertex at a time in scratch, handing each vertex's position to position.
+// vertex at a time in scratch, adding each vertex's position to positions
+// (the box the multiline made from the record measures, ExtentsBox::add).
 MlineOutline checkMline(const Record& record, RecordBasics& basics, const std::function<bool(const Group&)>& other,
-                        MlineStyleLink& style, KxDbMlineListStore& scratch,
-                        std::function<void(const KxGePoint3d&)> position);
+                        MlineStyleLink& style, KxDbMlineListStore& scratch, ExtentsBox& positions);
 
 // At least what the multiline the record lists takes as an object: the
 // vertices its count (72) announces, which it must hold to be read, up to

@@ -12,13 +12,16 @@
 #include "kaldo/db/UndoHistory.h"
 #include "kaldo/dxf/DrawingExtents.h"
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/ExtentsBox.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <functional>
+#include <limits>
 #include <numbers>
 #include <string>
 #include <utility>
@@ -237,6 +240,28 @@ TEST(DxfRoundTrip, HeaderExtentsMeasuredWhenReadHoldUntilTheDrawingChanges)
     EXPECT_EQ(measured.max.y, 7) << "the circle kept as its record";
     EXPECT_EQ(measured.max.z, 12) << "the multiline kept as its record";
     EXPECT_EQ(measured.min.y, -20) << "the multiline made when read";
+    // A polyline measures as its vertices in the world (pointAt) do: the
+    // signs of zeros, vertices that are no number or beyond the largest,
+    // in the world's plane and another, at any elevation.
+    constexpr double kInf = std::numeric_limits<double>::infinity();
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    for (const KxGeVector3d& normal : {KxGeVector3d(0, 0, 1), KxGeVector3d(0, 1, 1)}) {
+        for (const double elevation : {0.0, -0.0, 2.5, kInf, kNan}) {
+            KxDbPolyline pline;
+            pline.setNormal(normal);
+            pline.setElevation(elevation);
+            for (const auto& [x, y] : {std::pair(-0.0, 0.0), {3.0, -0.0}, {kInf, 1.0}, {2.0, -kInf}, {kNan, 4.0},
+                                       {-5.0, 7.0}})
+                pline.addVertexAt({x, y});
+            kaldo::dxf::ExtentsBox box, points;
+            box.add(pline);
+            for (int i = 0; i < pline.numVerts(); ++i)
+                points.add(pline.pointAt(i));
+            const kaldo::dxf::Extents boxExtents = box.extents(), pointExtents = points.extents();
+            EXPECT_EQ(std::memcmp(&boxExtents, &pointExtents, sizeof boxExtents), 0)
+                << normal.y << " " << elevation;
+        }
+    }
 
     const auto header = [&] {
         const std::string text = toDxfText(drawing);
