@@ -58,13 +58,15 @@ public:
         return nextGeneral(group);
     }
     // Reads the usual groups that follow (as next() reads them straight
-    // from the buffer), calling take(code, value, readable) for each, up to
-    // a group of code 0 or any other: that group is left to next(). True
-    // when it stopped at a usual group of code 0. The values stay valid
-    // until the next call; the bytes from a value's start up to readable
-    // may be read (they lie in the reader's buffer), so that a value can be
-    // copied by words of a fixed size. One loop, keeping the reader's place
-    // in locals: most groups of a file are read here.
+    // from the buffer), calling take(code, value, readable, short) for
+    // each, up to a group of code 0 or any other: that group is left to
+    // next(). True when it stopped at a usual group of code 0. The values
+    // stay valid until the next call; the bytes from a value's start up to
+    // readable may be read (they lie in the reader's buffer), so that a
+    // value can be copied by words of a fixed size; for a short group
+    // (readShortGroup), so may the kShortGroupBytes from its code line's.
+    // One loop, keeping the reader's place in locals: most groups of a file
+    // are read here.
     template <class Take>
     bool readPlain(Take&& take)
     {
@@ -73,29 +75,30 @@ public:
         const char* p = begin_;
         const char* const end = end_;
         const char* const readable = readable_;
-        long lines = lineNumber_;
+        long groups = 0;
         // The place is kept however the loop ends, take throwing too.
         struct Kept {
             GroupReader& reader;
             const char*& p;
-            long& lines;
+            long& groups;
             ~Kept()
             {
                 reader.begin_ = p;
-                reader.lineNumber_ = lines;
+                reader.lineNumber_ += 2 * groups;
             }
-        } kept{*this, p, lines};
+        } kept{*this, p, groups};
         for (;;) {
             const char* at = p;
             int code = 0;
             std::string_view value;
-            if (!readPlainGroup(at, end, code, value))
+            const bool isShort = end - p >= kShortGroupBytes && readShortGroup(at, code, value);
+            if (!isShort && !readPlainGroup(at, end, code, value))
                 return false;
             if (code == 0)
                 return true;
             p = at;
-            lines += 2;
-            take(code, value, readable);
+            ++groups;
+            take(code, value, readable, isShort);
         }
     }
     // Makes the next call give group, the one just read, again.

@@ -117,34 +117,56 @@ void Record::read(GroupReader& reader, const Group& head)
     // the usual size needs no allocation and no check beyond this one: room
     // for the code, the part, the value's length (five bytes hold any
     // value's) and the value, or kCopiedAtOnce bytes when more (copyValue).
+    // A short group (readShortGroup) is copied with its code line, whose
+    // four bytes the code, part and length then take.
     // Inlined into both loops: it is called for every group.
-    const auto keep = [&](int code, std::string_view value, const char* readable) __attribute__((always_inline)) {
-        if (const std::size_t most = used + 8 + std::max(value.size(), kCopiedAtOnce); most > room) {
-            groups_.resize(std::max(2 * room, most));
-            store = groups_.data();
-            room = groups_.size();
-        }
-        auto* at = reinterpret_cast<unsigned char*>(store + used);
-        at[0] = static_cast<unsigned char>(std::uint16_t(code) & 0xFF);
-        at[1] = static_cast<unsigned char>(std::uint16_t(code) >> 8);
-        at[2] = 0;
-        at += 3;
-        std::size_t length = value.size();
-        for (; length >= 0x80; length >>= 7)
-            *at++ = static_cast<unsigned char>((length & 0x7F) | 0x80);
-        *at++ = static_cast<unsigned char>(length);
-        copyValue(at, value, readable);
-        used = std::size_t(reinterpret_cast<char*>(at) - store) + value.size();
-        if (size < kReadNumbers) {
-            if (size == numbered) {
-                numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size)));
-                numberKinds_.resize(numbers_.size());
-                numbers = numbers_.data();
-                kinds = numberKinds_.data();
-                numbered = numbers_.size();
+    const auto keep = [&](int code, std::string_view value, const char* readable, bool isShort)
+                          __attribute__((always_inline)) {
+        const std::size_t length = value.size();
+        static_assert(std::endian::native == std::endian::little);
+        if (isShort) {
+            if (used + std::size_t(kShortGroupBytes) > room) {
+                groups_.resize(std::max(2 * room, used + std::size_t(kShortGroupBytes)));
+                store = groups_.data();
+                room = groups_.size();
             }
-            kinds[size] = numberOf(modelled, code, value, numbers[size]);
+            char* const at = store + used;
+            const char* const from = value.data() - 4;
+            const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+            const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(at), first);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(at + 16), second);
+            // The code's two bytes, part 0 and the length's one byte.
+            const std::uint32_t head = std::uint32_t(std::uint16_t(code)) | std::uint32_t(length) << 24;
+            std::memcpy(at, &head, sizeof head);
+            used += sizeof head + length;
+        } else {
+            if (const std::size_t most = used + 8 + std::max(length, kCopiedAtOnce); most > room) {
+                groups_.resize(std::max(2 * room, most));
+                store = groups_.data();
+                room = groups_.size();
+            }
+            auto* at = reinterpret_cast<unsigned char*>(store + used);
+            at[0] = static_cast<unsigned char>(std::uint16_t(code) & 0xFF);
+            at[1] = static_cast<unsigned char>(std::uint16_t(code) >> 8);
+            at[2] = 0;
+            at += 3;
+            std::size_t rest = length;
+            for (; rest >= 0x80; rest >>= 7)
+                *at++ = static_cast<unsigned char>((rest & 0x7F) | 0x80);
+            *at++ = static_cast<unsigned char>(rest);
+            copyValue(at, value, readable);
+            used = std::size_t(reinterpret_cast<char*>(at) - store) + length;
         }
+        if (size >= numbered && size < kReadNumbers) {
+            numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size)));
+            numberKinds_.resize(numbers_.size());
+            numbers = numbers_.data();
+            kinds = numberKinds_.data();
+            numbered = numbers_.size();
+        }
+        if (size < numbered)
+            kinds[size] = numberOf(modelled, code, value, numbers[size]);
         ++size;
     };
     Group g;
@@ -156,7 +178,7 @@ void Record::read(GroupReader& reader, const Group& head)
                 reader.pushBack(g);
                 break;
             }
-            keep(g.code, g.value, g.value.data() + g.value.size());
+            keep(g.code, g.value, g.value.data() + g.value.size(), false);
         }
     } catch (...) {
         size_ = size;

@@ -1,5 +1,5 @@
-// The group reader's quick way for plain lines and its general way for
-// other line ends, blanks and signs give the same groups and line numbers,
+// The group reader's quick ways for plain lines (a group, or a record's short groups) and
+// its general way for other line ends, blanks and signs give the same groups and line numbers,
 // and a record keeps values of every length wherever they lie;
 // its quick way for plain decimals gives the values from_chars gives, and
 // refuses what it refuses or reads as no finite number, and handles as
@@ -27,6 +27,36 @@
 #include <string>
 #include <vector>
 
+namespace {
+struct ReadGroup {
+    int code;
+    std::string value;
+    long line;
+    friend bool operator==(const ReadGroup&, const ReadGroup&) = default;
+};
+
+// The groups of text that starts with a record, read as a record does
+// (whose quick way takes short groups whole), then the group after it as
+// next() reads it.
+std::vector<ReadGroup> recordGroups(const std::string& text)
+{
+    kaldo::dxf::GroupReader reader{std::string_view(text)};
+    kaldo::dxf::Group g;
+    if (!reader.next(g))
+        return {};
+    kaldo::dxf::Record record;
+    record.read(reader, g);
+    std::vector<ReadGroup> read = {{g.code, std::string(g.value), g.line}};
+    record.forEach([&](const kaldo::dxf::Group& group) {
+        read.push_back({group.code, std::string(group.value), group.line});
+        return true;
+    });
+    if (reader.next(g))
+        read.push_back({g.code, std::string(g.value), g.line});
+    return read;
+}
+}  // namespace
+
 TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
 {
     const std::string text = "  0\nSECTION\n  2\r\nHEADER\r\n 70 \n3\n-4\nneg\n\t10\n1.5\r  20\n\n 41\n8\n105\nA\r\n"
@@ -48,6 +78,20 @@ TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
         EXPECT_EQ(g.line, e.line) << e.value;
     }
     EXPECT_FALSE(reader.next(g));
+
+    // A record reads the groups next() reads, wherever their line feeds
+    // fall in its quick way's bytes, and leaves the reader on the line
+    // after them.
+    std::string record = "  0\nKIND\n";
+    for (std::size_t length = 0; length <= 34; ++length)
+        for (const char* code : {"  5\n", " 40\n", "105\n", "1000\n", "5\n", " 7 \n", "-4\n", " 42\r\n"})
+            record += code + std::string(length, char('a' + length % 26)) + (length % 7 == 3 ? "\r\n" : "\n");
+    record += "  0\nNEXT\n";
+    std::vector<ReadGroup> groups;
+    kaldo::dxf::GroupReader byGroup{std::string_view(record)};
+    while (byGroup.next(g))
+        groups.push_back({g.code, std::string(g.value), g.line});
+    EXPECT_EQ(recordGroups(record), groups);
 }
 
 // A byte with its high bit set, or a backslash, anywhere in a value makes
@@ -57,19 +101,24 @@ TEST(DxfGroupStream, PlainAndOtherLinesGiveTheSameGroupsAndLineNumbers)
 TEST(DxfGroupStream, ValuesWithBytesToDecodeOrEncodeAreCodedWhereverTheBytesStand)
 {
     kaldo::dxf::TextCodec codec("", kaldo::dxf::kDefaultCodePage);
-    for (const char marker : {'\xE9', '\\'}) {
-        for (std::size_t length = 1; length <= 20; ++length) {
+    for (const std::string marker : {"\xE9", "\\U+00E9"}) {
+        for (std::size_t length = 1; length <= 30; ++length) {
             for (std::size_t at = 0; at <= length; ++at) {
                 std::string value(length, 'a');
                 std::string next = "b";
-                (at < length ? value[at] : next[0]) = marker;
+                (at < length ? value : next).replace(at < length ? at : 0, 1, marker);
                 const std::string text = "  1\n" + value + "\n  1\n" + next + "\n  1\n" + value + "\n";
                 kaldo::dxf::GroupReader reader{std::string_view(text)};
                 kaldo::dxf::Group g;
+                // Read by group, and as a record's, which takes short groups whole.
+                const std::vector<ReadGroup> record = recordGroups("  0\nKIND\n" + text + "  0\nEND\n");
+                ASSERT_EQ(record.size(), 5u);
+                std::size_t index = 1;
                 for (const std::string& expected : {value, next, value}) {
                     ASSERT_TRUE(reader.next(g));
-                    EXPECT_EQ(g.value, codec.needsDecoding(expected) ? codec.decode(expected) : expected)
-                        << length << " " << at;
+                    const std::string decoded = codec.needsDecoding(expected) ? codec.decode(expected) : expected;
+                    EXPECT_EQ(g.value, decoded) << length << " " << at;
+                    EXPECT_EQ(record[index++].value, decoded) << length << " " << at;
                 }
             }
         }
