@@ -245,21 +245,25 @@ TEST(DxfRoundTrip, HeaderExtentsMeasuredWhenReadHoldUntilTheDrawingChanges)
     // in the world's plane and another, at any elevation.
     constexpr double kInf = std::numeric_limits<double>::infinity();
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    // Zeros of both signs are the extremes of the first list.
+    const std::vector<std::vector<std::pair<double, double>>> vertexLists = {
+        {{-0.0, 0.0}, {3.0, -0.0}}, {{-0.0, 0.0}, {kInf, 1.0}, {2.0, -kInf}, {kNan, 4.0}, {-5.0, 7.0}}};
     for (const KxGeVector3d& normal : {KxGeVector3d(0, 0, 1), KxGeVector3d(0, 1, 1)}) {
         for (const double elevation : {0.0, -0.0, 2.5, kInf, kNan}) {
-            KxDbPolyline pline;
-            pline.setNormal(normal);
-            pline.setElevation(elevation);
-            for (const auto& [x, y] : {std::pair(-0.0, 0.0), {3.0, -0.0}, {kInf, 1.0}, {2.0, -kInf}, {kNan, 4.0},
-                                       {-5.0, 7.0}})
-                pline.addVertexAt({x, y});
-            kaldo::dxf::ExtentsBox box, points;
-            box.add(pline);
-            for (int i = 0; i < pline.numVerts(); ++i)
-                points.add(pline.pointAt(i));
-            const kaldo::dxf::Extents boxExtents = box.extents(), pointExtents = points.extents();
-            EXPECT_EQ(std::memcmp(&boxExtents, &pointExtents, sizeof boxExtents), 0)
-                << normal.y << " " << elevation;
+            for (const auto& vertices : vertexLists) {
+                KxDbPolyline pline;
+                pline.setNormal(normal);
+                pline.setElevation(elevation);
+                for (const auto& [x, y] : vertices)
+                    pline.addVertexAt({x, y});
+                kaldo::dxf::ExtentsBox box, points;
+                box.add(pline);
+                for (int i = 0; i < pline.numVerts(); ++i)
+                    points.add(pline.pointAt(i));
+                const kaldo::dxf::Extents boxExtents = box.extents(), pointExtents = points.extents();
+                EXPECT_EQ(std::memcmp(&boxExtents, &pointExtents, sizeof boxExtents), 0)
+                    << normal.y << " " << elevation << " " << vertices.size();
+            }
         }
     }
 
