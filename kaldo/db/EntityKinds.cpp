@@ -7,20 +7,49 @@
 
 namespace kaldo {
 
+EntityKind entityKind(const KxDbEntity& entity)
+{
+    const KxRxClass* const line = KxDbLine::desc();
+    const KxRxClass* const arc = KxDbArc::desc();
+    const KxRxClass* const circle = KxDbCircle::desc();
+    const KxRxClass* const polyline = KxDbPolyline::desc();
+    const KxRxClass* const mline = KxDbMline::desc();
+    const KxRxClass* const unmodelled = KxDbUnmodelledEntity::desc();
+    for (const KxRxClass* c = entity.isA(); c; c = c->myParent()) {
+        if (c == line)
+            return EntityKind::Line;
+        if (c == arc)
+            return EntityKind::Arc;
+        if (c == circle)
+            return EntityKind::Circle;
+        if (c == polyline)
+            return EntityKind::Polyline;
+        if (c == mline)
+            return EntityKind::Mline;
+        if (c == unmodelled)
+            return EntityKind::Unmodelled;
+    }
+    return EntityKind::Other;
+}
+
 std::wstring entityKindName(const KxDbEntity& entity)
 {
-    if (KxDbLine::cast(&entity))
+    switch (entityKind(entity)) {
+    case EntityKind::Line:
         return L"LINE";
-    if (KxDbArc::cast(&entity))
+    case EntityKind::Arc:
         return L"ARC";
-    if (KxDbCircle::cast(&entity))
+    case EntityKind::Circle:
         return L"CIRCLE";
-    if (KxDbPolyline::cast(&entity))
+    case EntityKind::Polyline:
         return L"LWPOLYLINE";
-    if (KxDbMline::cast(&entity))
+    case EntityKind::Mline:
         return L"MLINE";
-    if (const auto* record = KxDbUnmodelledEntity::cast(&entity))
-        return kxutFromMultiByte(std::string(record->dxfName()));
+    case EntityKind::Unmodelled:
+        return kxutFromMultiByte(std::string(static_cast<const KxDbUnmodelledEntity&>(entity).dxfName()));
+    case EntityKind::Other:
+        break;
+    }
     return entity.isA()->name();
 }
 

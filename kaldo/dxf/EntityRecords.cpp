@@ -1,5 +1,6 @@
 #include "kaldo/dxf/EntityRecords.h"
 
+#include "kaldo/db/EntityKinds.h"
 #include "kaldo/db/NameKey.h"
 #include "kaldo/db/ObjectRegistry.h"
 #include "kaldo/db/RecordRun.h"
@@ -990,43 +991,12 @@ void writeNormal(GroupWriter& w, const KxGeVector3d& n)
         w.vector(210, n);
 }
 
-// What an entity is written as.
-enum class WrittenKind { Unmodelled, Line, Arc, Circle, Polyline, Mline, None };
-
-// The usual kinds told by the entity's exact class, one compare each; a
-// class derived from one by its chain, in the order the kinds are tried.
-WrittenKind writtenKind(const KxDbEntity& entity)
-{
-    const KxRxClass* const cls = entity.isA();
-    if (cls == KxDbLine::desc())
-        return WrittenKind::Line;
-    if (cls == KxDbCircle::desc())
-        return WrittenKind::Circle;
-    if (cls == KxDbPolyline::desc())
-        return WrittenKind::Polyline;
-    if (cls == KxDbArc::desc())
-        return WrittenKind::Arc;
-    if (cls->isDerivedFrom(KxDbUnmodelledEntity::desc()))
-        return WrittenKind::Unmodelled;
-    if (cls->isDerivedFrom(KxDbLine::desc()))
-        return WrittenKind::Line;
-    if (cls->isDerivedFrom(KxDbArc::desc()))
-        return WrittenKind::Arc;
-    if (cls->isDerivedFrom(KxDbCircle::desc()))
-        return WrittenKind::Circle;
-    if (cls->isDerivedFrom(KxDbPolyline::desc()))
-        return WrittenKind::Polyline;
-    if (cls->isDerivedFrom(KxDbMline::desc()))
-        return WrittenKind::Mline;
-    return WrittenKind::None;
-}
-
 }  // namespace
 
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
-    switch (writtenKind(entity)) {
-    case WrittenKind::Unmodelled: {
+    switch (entityKind(entity)) {
+    case EntityKind::Unmodelled: {
         const auto& unmodelled = static_cast<const KxDbUnmodelledEntity&>(entity);
         const std::uint64_t owner = names.ownerHandle(entity.ownerId());
         forEachKeptRecord(unmodelled, unmodelled.handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
@@ -1034,7 +1004,7 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
         });
         return;
     }
-    case WrittenKind::Line: {
+    case EntityKind::Line: {
         const auto& line = static_cast<const KxDbLine&>(entity);
         writeEntityHead(w, "LINE", entity, db, names);
         w.plain(100, "AcDbLine");
@@ -1044,7 +1014,7 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
         writeKeptPart(w, entity, 2);
         break;
     }
-    case WrittenKind::Arc: {
+    case EntityKind::Arc: {
         const auto& arc = static_cast<const KxDbArc&>(entity);
         writeEntityHead(w, "ARC", entity, db, names);
         w.plain(100, "AcDbCircle");
@@ -1058,7 +1028,7 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
         writeKeptPart(w, entity, 3);
         break;
     }
-    case WrittenKind::Circle: {
+    case EntityKind::Circle: {
         const auto& circle = static_cast<const KxDbCircle&>(entity);
         writeEntityHead(w, "CIRCLE", entity, db, names);
         w.plain(100, "AcDbCircle");
@@ -1068,7 +1038,7 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
         writeKeptPart(w, entity, 2);
         break;
     }
-    case WrittenKind::Polyline: {
+    case EntityKind::Polyline: {
         const auto& pline = static_cast<const KxDbPolyline&>(entity);
         writeEntityHead(w, "LWPOLYLINE", entity, db, names);
         w.plain(100, "AcDbPolyline");
@@ -1095,12 +1065,12 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
         writeKeptPart(w, entity, 2);
         break;
     }
-    case WrittenKind::Mline:
+    case EntityKind::Mline:
         writeEntityHead(w, "MLINE", entity, db, names);
         writeMlineBody(w, db, static_cast<const KxDbMline&>(entity));
         writeKeptPart(w, entity, 2);
         break;
-    case WrittenKind::None:
+    case EntityKind::Other:
         return;
     }
     writeKeptPart(w, entity, kxdbExtendedDataPart);

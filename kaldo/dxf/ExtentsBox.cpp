@@ -1,5 +1,6 @@
 #include "kaldo/dxf/ExtentsBox.h"
 
+#include "kaldo/db/EntityKinds.h"
 #include "kaldo/db/EntityPlane.h"
 #include "kxdbents.h"
 #include "kxdbmline.h"
@@ -16,57 +17,26 @@ void ExtentsBox::add(const ExtentsBox& later)
     m_max = {std::max(m_max.x, later.m_max.x), std::max(m_max.y, later.m_max.y), std::max(m_max.z, later.m_max.z)};
 }
 
-namespace {
-
-// The kinds of entity that add points to a box.
-enum class Measured { None, Line, Arc, Circle, Polyline, Mline };
-
-// The measured kind a class is or derives from: one walk up the class's
-// parents, where a cast per kind walked them once per kind.
-Measured measuredKind(const KxRxClass* cls)
-{
-    const KxRxClass* const line = KxDbLine::desc();
-    const KxRxClass* const arc = KxDbArc::desc();
-    const KxRxClass* const circle = KxDbCircle::desc();
-    const KxRxClass* const polyline = KxDbPolyline::desc();
-    const KxRxClass* const mline = KxDbMline::desc();
-    for (const KxRxClass* c = cls; c; c = c->myParent()) {
-        if (c == line)
-            return Measured::Line;
-        if (c == arc)
-            return Measured::Arc;
-        if (c == circle)
-            return Measured::Circle;
-        if (c == polyline)
-            return Measured::Polyline;
-        if (c == mline)
-            return Measured::Mline;
-    }
-    return Measured::None;
-}
-
-}  // namespace
-
 void ExtentsBox::add(const KxDbEntity& entity)
 {
-    switch (measuredKind(entity.isA())) {
-    case Measured::Line: {
+    switch (kaldo::entityKind(entity)) {
+    case kaldo::EntityKind::Line: {
         const auto& line = static_cast<const KxDbLine&>(entity);
         add(line.startPoint());
         add(line.endPoint());
         return;
     }
-    case Measured::Arc: {
+    case kaldo::EntityKind::Arc: {
         const auto& arc = static_cast<const KxDbArc&>(entity);
         add(arc.center(), arc.radius());
         return;
     }
-    case Measured::Circle: {
+    case kaldo::EntityKind::Circle: {
         const auto& circle = static_cast<const KxDbCircle&>(entity);
         add(circle.center(), circle.radius());
         return;
     }
-    case Measured::Polyline: {
+    case kaldo::EntityKind::Polyline: {
         // pointAt's conversion, with the plane made once per polyline: in
         // the world's own plane a finite vertex at a finite elevation
         // converts to itself, zeros made positive (EntityPlane::toWorld),
@@ -88,7 +58,7 @@ void ExtentsBox::add(const KxDbEntity& entity)
         add(vertices);
         return;
     }
-    case Measured::Mline: {
+    case kaldo::EntityKind::Mline: {
         const auto& mline = static_cast<const KxDbMline&>(entity);
         ExtentsBox vertices;
         for (int i = 0; i < mline.numVertices(); ++i)
@@ -96,7 +66,8 @@ void ExtentsBox::add(const KxDbEntity& entity)
         add(vertices);
         return;
     }
-    case Measured::None:
+    case kaldo::EntityKind::Unmodelled:
+    case kaldo::EntityKind::Other:
         return;
     }
 }
