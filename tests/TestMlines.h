@@ -52,8 +52,9 @@ inline KxDbObjectId addTestStyle(KxDbDatabase& db, const wchar_t* name, const st
 
 // A multiline through points, in no space yet: of style (null: the
 // drawing's current one), justification and scale, closed or open.
-inline std::unique_ptr<KxDbMline> makeMline(KxDbDatabase& db, KxDbObjectId style, const std::vector<KxGePoint3d>& points,
-                                            int justification = Mline::kZero, double scale = 1.0, bool closed = false)
+inline std::unique_ptr<KxDbMline> makeMline(KxDbDatabase& db, KxDbObjectId style,
+                                            const std::vector<KxGePoint3d>& points, int justification = Mline::kZero,
+                                            double scale = 1.0, bool closed = false)
 {
     auto mline = std::make_unique<KxDbMline>();
     mline->setDatabaseDefaults(&db);

@@ -33,8 +33,8 @@ protected:
             for (const StyleElement& element : elements) {
                 KxCmColor color;
                 color.setColorIndex(element.colorIndex);
-                addElements(style, {element.offset}, element.continuous ? db.continuousLinetype() : db.byLayerLinetype(),
-                            color);
+                const KxDbObjectId linetype = element.continuous ? db.continuousLinetype() : db.byLayerLinetype();
+                addElements(style, {element.offset}, linetype, color);
             }
         });
     }
