@@ -138,27 +138,31 @@ inline bool isOneDigit(std::string_view text)
 {
     return text.size() == 1 && text[0] >= '0' && text[0] <= '9';
 }
-// The real of a value by toReal's quick ways alone, so that it can be read
-// ahead of its use; false, with value untouched, where toReal looks further
-// (and may refuse the text). Inline: a record reads the reals of its groups
-// as it copies them.
-inline bool readQuickReal(std::string_view text, double& value)
+// A text readPlainDecimal refused read again without the blanks at its
+// ends and a plus sign; false for any other text.
+[[gnu::noinline]] inline bool readTrimmedDecimal(std::string_view text, double& value)
 {
-    if (isOneDigit(text)) {
-        value = text[0] - '0';
-        return true;
-    }
     // A plain decimal refuses blanks and plus signs, so only a text it
     // refuses that has a blank at either end or a plus sign is trimmed and
     // read again: most values are read at the first try, untested.
-    if (readPlainDecimal(text, value))
-        return true;
     if (!hasBlankEnd(text) && (text.empty() || text.front() != '+'))
         return false;
     text = trimmed(text);
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
     return readPlainDecimal(text, value);
+}
+// The real of a value by toReal's quick ways alone, so that it can be read
+// ahead of its use; false, with value untouched, where toReal looks further
+// (and may refuse the text). Inline, always: a record reads the reals of
+// its groups as it copies them, in the loop that copies them.
+[[gnu::always_inline]] inline bool readQuickReal(std::string_view text, double& value)
+{
+    if (isOneDigit(text)) {
+        value = text[0] - '0';
+        return true;
+    }
+    return readPlainDecimal(text, value) || readTrimmedDecimal(text, value);
 }
 
 }  // namespace kaldo::dxf
