@@ -7,6 +7,7 @@
 #include "Scenario.h"
 #include "TemplateItems.h"
 
+#include "kaldo/dlg/PlotDialog.h"
 #include "kaldo/dxf/DxfFile.h"
 
 #include <gmock/gmock.h>
@@ -18,6 +19,7 @@
 using ::testing::HasSubstr;
 using ::testing::Not;
 using namespace scenario;
+using namespace kaldo::dlg;
 
 namespace {
 

@@ -1,4 +1,5 @@
-// The items of the dialog templates the scenarios act on.
+// The items of the dialog templates the scenarios act on; the Plot
+// dialog's are its own (kaldo/dlg/PlotDialog.h).
 #pragma once
 
 namespace scenario {
@@ -33,18 +34,6 @@ enum Item : int {
     kFileStyles = 1058,
     kRenameNew = 1060,
     kPlainButton = 5771,
-    kPlotPaper = 7001,
-    kPlotPaperWidth = 7002,
-    kPlotPaperHeight = 7003,
-    kPlotPortrait = 7004,
-    kPlotPickWindow = 7007,
-    kPlotScale = 7008,
-    kPlotCentre = 7009,
-    kPlotOffsetX = 7010,
-    kPlotOffsetY = 7011,
-    kPlotMonochrome = 7012,
-    kPlotLineWeights = 7013,
-    kPlotDefaultLineWeight = 7014,
 };
 
 }  // namespace scenario
