@@ -159,8 +159,13 @@ TEST(MlineGeometry, ScaleAndJustificationPlaceElements)
     for (int just = 0; just < 3; ++just) {
         const std::vector<double> offsets = kxdbMlineElementOffsets(*style, 2.0, just);
         ASSERT_EQ(offsets.size(), 3u);
-        for (std::size_t e = 0; e < 3; ++e)
+        // A negative scale turns every offset about the justification line.
+        const std::vector<double> turned = kxdbMlineElementOffsets(*style, -2.0, just);
+        ASSERT_EQ(turned.size(), 3u);
+        for (std::size_t e = 0; e < 3; ++e) {
             EXPECT_NEAR(offsets[e], expected[std::size_t(just)][e], kTol) << "justification " << just;
+            EXPECT_NEAR(turned[e], -expected[std::size_t(just)][e], kTol) << "justification " << just;
+        }
     }
     style.close();
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdarg>
 #include <numbers>
+#include <string>
 
 namespace kaldo {
 namespace {
@@ -66,6 +67,8 @@ TEST(Units, HugeValuesAreWrittenScientificInEveryUnitAndByPrintf)
                       1234.5, 0.5, 7, 2, 1.005),
               L"42%    ab|z   |0xff 1099511627776 7 1.234e+03 0.5    1.00");
     EXPECT_EQ(printed(L"%.*f", -1, 2.5), L"2.500000");
+    const std::wstring longName(1000, L'w');
+    EXPECT_EQ(printed(L"[%ls]", longName.c_str()), L"[" + longName + L"]");
     EXPECT_EQ(printed(L"%Lf", 1e20L), L"1.000000E+20");
     EXPECT_EQ(printed(L"broken %"), L"(refused)");
     EXPECT_EQ(printed(L"%n", nullptr), L"(refused)");
