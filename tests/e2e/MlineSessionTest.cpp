@@ -52,7 +52,8 @@ TEST(MlineSession, PointLoopUndoCloseCancelAndLastpoint)
                                          "MLINE\n0,20\n10,20\n10,30\n20,30\nU\nU\n@0,-5\n\nSETVAR\nLASTPOINT\n\n"
                                          "LIST\n5,20\n\nMLINE\n0,40\n10,40\n10,40\n^C\nLIST\n5,40\n\n"
                                          "MLINE\n0,60\n10,60\nC\n10,70\nC\nLIST\n5,60\n\n"
-                                         "UCS\nZ\n90\nMLINE\nJ\nZ\nS\n2\n0,80\n0,90\n0,100\nU\n^C\nSETVAR\nLASTPOINT\n\n"
+                                         "UCS\nZ\n90\nMLINE\nJ\nZ\nS\n2\n0,80\n0,90\n0,100\nU\n^C\n"
+                                         "SETVAR\nLASTPOINT\n\n"
                                          "LIST\n0,85\n\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr(std::string("Command: MLINE\n") + settingsLine("Top", "1.0000", "STANDARD")
