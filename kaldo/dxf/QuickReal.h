@@ -4,6 +4,8 @@
 // conversions share.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -13,25 +15,89 @@
 
 namespace kaldo::dxf {
 
-// digits / 10^power rounded correctly to a double, for digits above 2^53
-// ("-1.3333333333333335" has 17): both are exact in the 64-bit significand
-// of long double, so the quotient is rounded once to 64 bits, then to 53.
-// That second rounding differs from rounding once only when the first
-// lands on the midpoint between two doubles: false then, for from_chars.
-inline bool divideRounded(std::uint64_t digits, int power, double& value)
+// The product of 64 bits and 64 bits.
+__extension__ typedef unsigned __int128 WideProduct;
+
+// 2^shift / 5^power, rounded down, for the shift that puts its highest bit
+// at bit 127: its high halves and its low halves; the powers of two that
+// scale half the high half of its product with digits times 2^7 to
+// digits / 10^power; the inverses of 5^power modulo 2^64. An array of
+// each, read with one address.
+struct FifthsReciprocals {
+    std::array<std::uint64_t, 18> highs{};
+    std::array<std::uint64_t, 18> lows{};
+    std::array<double, 18> scales{};
+    std::array<std::uint64_t, 18> inverses{};
+};
+
+// A copy in each file that reads reals: one shared by the library would be
+// found through its table of addresses at every read.
+static constexpr FifthsReciprocals kFifthsReciprocals = [] {
+    FifthsReciprocals reciprocals;
+    std::uint64_t power = 1;
+    std::uint64_t inverse = 1;
+    // 5 times 0xCCCCCCCCCCCCCCCD is 1 modulo 2^64.
+    constexpr std::uint64_t kInverseOfFive = 0xCCCCCCCCCCCCCCCD;
+    for (std::size_t p = 1; p < reciprocals.highs.size(); ++p) {
+        power *= 5;
+        inverse *= kInverseOfFive;
+        const int shift = 63 + std::bit_width(power);
+        const WideProduct high = (WideProduct(1) << shift) / power;
+        const WideProduct rest = (WideProduct(1) << shift) - high * power;
+        reciprocals.highs[p] = std::uint64_t(high);
+        reciprocals.lows[p] = std::uint64_t((rest << 64) / power);
+        // 2^(65 - shift - 7 - p) as the bits of a double.
+        reciprocals.scales[p] = std::bit_cast<double>(std::uint64_t(1023 + 58 - shift - int(p)) << 52);
+        reciprocals.inverses[p] = inverse;
+    }
+    return reciprocals;
+}();
+
+// The lowest bits of the high half of the product divideRounded takes that
+// may all be ones only when it lies closer to a boundary of the rounding
+// than the exact product does to it.
+constexpr std::uint64_t kBelowRounding = 0x3F;
+
+// divideRounded for a high half whose lowest bits are all ones: the
+// reciprocal's low half comes in, to the same end 64 bits further down.
+// All ones still: the quotient lies closer to a double or a midpoint
+// between two than any quotient by a power of ten up to 10^17 does that
+// is not exactly on it, so it is exactly on it, 5^power divides the digits
+// and the whole number quotient converted rounds as from_chars (to even).
+// Out of line: rare, and it would hold registers in the reading loops.
+[[gnu::cold, gnu::noinline]] inline double divideRoundedFurther(std::uint64_t digits, std::size_t power)
 {
-    static_assert(std::numeric_limits<long double>::digits == 64);
-    static constexpr long double kPowersOfTen[] = {1e0L, 1e1L,  1e2L,  1e3L,  1e4L,  1e5L,  1e6L,  1e7L,  1e8L,
-                                                   1e9L, 1e10L, 1e11L, 1e12L, 1e13L, 1e14L, 1e15L, 1e16L, 1e17L};
-    const long double quotient = static_cast<long double>(digits) / kPowersOfTen[power];
-    // The significand is the first eight bytes of an x87 long double; its
-    // lowest 11 bits are those the second rounding drops.
-    std::uint64_t significand;
-    std::memcpy(&significand, &quotient, sizeof significand);
-    if ((significand & 0x7FF) == 0x400)
-        return false;
-    value = static_cast<double>(quotient);
-    return true;
+    const std::uint64_t moved = digits << 7;
+    const WideProduct product = WideProduct(moved) * kFifthsReciprocals.highs[power];
+    const auto carried = std::uint64_t((WideProduct(moved) * kFifthsReciprocals.lows[power]) >> 64);
+    const auto low = std::uint64_t(product) + carried;
+    const std::uint64_t high = std::uint64_t(product >> 64) + (low < carried);
+    if ((high & kBelowRounding) == kBelowRounding && low == ~std::uint64_t(0)) {
+        const double unit = std::bit_cast<double>(std::uint64_t(1023 - power) << 52);
+        return double(std::int64_t(digits * kFifthsReciprocals.inverses[power])) * unit;
+    }
+    return double(std::int64_t((high >> 1) | 1)) * kFifthsReciprocals.scales[power];
+}
+
+// digits / 10^power rounded correctly to a double, for digits above 2^53
+// and below 10^17 ("-1.3333333333333335" has 17), as from_chars rounds it,
+// by a multiplication with the reciprocal of 5^power, from 2^123 up to
+// 2^128, whose high half is converted and scaled by a power of two. The
+// exact product lies above it by less than 2^64, so both round to the same
+// 53 bits unless a boundary of the rounding (a multiple of 2^70 at least)
+// lies between: the high half's six lowest bits are all ones then. Else,
+// the high half with its lowest bit set (the exact product has bits below
+// set: 5^power divides no power of two), halved to fit in a signed word,
+// rounds as the exact product does.
+inline double divideRounded(std::uint64_t digits, std::size_t power)
+{
+    if (power == 0)
+        return double(std::int64_t(digits));
+    const WideProduct product = WideProduct(digits << 7) * kFifthsReciprocals.highs[power];
+    const auto high = std::uint64_t(product >> 64);
+    if ((high & kBelowRounding) == kBelowRounding)
+        return divideRoundedFurther(digits, power);
+    return double(std::int64_t((high >> 1) | 1)) * kFifthsReciprocals.scales[power];
 }
 
 // Whether the bytes of a Word from p (four or eight) are all digits; if so,
@@ -117,11 +183,9 @@ inline bool appendDigitsAtOnce(const char* p, std::uint64_t& digits)
     const int count = int(end - first) - (point != 0 ? 1 : 0);
     if (count > kMostDigits || count == fractional || (point != 0 && fractional == 0))
         return false;
-    double magnitude = 0;
-    if (digits <= (std::uint64_t(1) << 53))
-        magnitude = double(digits) / kPowersOfTen[fractional];
-    else if (!divideRounded(digits, fractional, magnitude))
-        return false;
+    const double magnitude = digits <= (std::uint64_t(1) << 53)
+                                 ? double(std::int64_t(digits)) / kPowersOfTen[fractional]
+                                 : divideRounded(digits, std::size_t(fractional));
     value = negative ? -magnitude : magnitude;
     return true;
 }

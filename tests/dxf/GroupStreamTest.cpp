@@ -209,6 +209,29 @@ TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
         text.insert(1 + random() % 16, ".");
         texts.push_back(std::move(text));
     }
+    // Seventeen digits on and next to the midpoint between a random double
+    // and the next one (a long double holds it exactly); quotients that are
+    // exactly doubles, and odd halves from 2^52 to 2^53, ties to round to
+    // even.
+    for (int i = 0; i < 20000; ++i) {
+        const double below = std::ldexp(1 + double(random() >> 12) / 0x1p52, int(random() % 57));
+        const long double midpoint = (static_cast<long double>(below) + std::nextafter(below, 2 * below)) / 2;
+        const int decimals = 17 - int(std::to_string(std::uint64_t(below)).size());
+        char text[64];
+        std::string digits(text, std::to_chars(text, text + sizeof text, midpoint, std::chars_format::fixed,
+                                                std::max(decimals, 0)).ptr);
+        const std::size_t point = digits.find('.');
+        if (point != digits.npos)
+            digits.erase(point, 1);
+        for (const std::uint64_t next : {std::stoull(digits) - 1, std::stoull(digits), std::stoull(digits) + 1}) {
+            std::string nextText = (i % 2 ? "-" : "") + std::to_string(next);
+            if (point != digits.npos && nextText.size() == digits.size() + i % 2)
+                texts.push_back(nextText.insert(point + i % 2, "."));
+        }
+        const double exact = double(random() % (std::uint64_t(1) << 49)) / 8;
+        texts.emplace_back(text, std::to_chars(text, text + sizeof text, exact, std::chars_format::fixed, 3).ptr);
+        texts.push_back(std::to_string((std::uint64_t(1) << 52) + (random() >> 12)) + ".5");
+    }
     // Every length of a whole part and of decimals (or no point) of random
     // digits, either sign, and each with one byte that is no digit in turn
     // at each place: the digits read four or eight at once stop at it.
