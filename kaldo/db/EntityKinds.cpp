@@ -7,26 +7,36 @@
 
 namespace kaldo {
 
+namespace {
+
+// The classes of the kinds, asked once: each class's descriptor is a
+// function of its own, and asking all six took most of a walk.
+struct KindClasses {
+    const KxRxClass* line = KxDbLine::desc();
+    const KxRxClass* arc = KxDbArc::desc();
+    const KxRxClass* circle = KxDbCircle::desc();
+    const KxRxClass* polyline = KxDbPolyline::desc();
+    const KxRxClass* mline = KxDbMline::desc();
+    const KxRxClass* unmodelled = KxDbUnmodelledEntity::desc();
+};
+
+}  // namespace
+
 EntityKind entityKind(const KxDbEntity& entity)
 {
-    const KxRxClass* const line = KxDbLine::desc();
-    const KxRxClass* const arc = KxDbArc::desc();
-    const KxRxClass* const circle = KxDbCircle::desc();
-    const KxRxClass* const polyline = KxDbPolyline::desc();
-    const KxRxClass* const mline = KxDbMline::desc();
-    const KxRxClass* const unmodelled = KxDbUnmodelledEntity::desc();
+    static const KindClasses kinds;
     for (const KxRxClass* c = entity.isA(); c; c = c->myParent()) {
-        if (c == line)
+        if (c == kinds.line)
             return EntityKind::Line;
-        if (c == arc)
+        if (c == kinds.arc)
             return EntityKind::Arc;
-        if (c == circle)
+        if (c == kinds.circle)
             return EntityKind::Circle;
-        if (c == polyline)
+        if (c == kinds.polyline)
             return EntityKind::Polyline;
-        if (c == mline)
+        if (c == kinds.mline)
             return EntityKind::Mline;
-        if (c == unmodelled)
+        if (c == kinds.unmodelled)
             return EntityKind::Unmodelled;
     }
     return EntityKind::Other;

@@ -401,9 +401,6 @@ struct EntityParts : RecordAhead {
     // A polyline checked and counted, its vertices not read (it is to be
     // kept unopened).
     bool verticesUnread = false;
-    // Taken apart on the building thread, where objects are made: the
-    // vertices of every polyline go straight into it.
-    bool building = false;
 };
 
 // The class of the entity the parts make, made or not; null for a record
@@ -456,17 +453,12 @@ PolylineVertices mostVertices(const Record& record)
 // its object is only checked when countFirst (see keepUnopened). The
 // vertices of one of many groups go straight into the polyline, room for
 // them made at once, where a room of whole vertices took 40 bytes each
-// beside it; so do those of any polyline taken apart on the building
-// thread, sparing a copy from the room.
+// beside it. Those of fewer groups go to the parts' room, reused from
+// record to record, and are copied into the polyline once: adding them
+// to it one by one took more on either thread.
 void takePolylineApart(const Record& record, EntityParts& parts, bool countFirst)
 {
     PolylineHead head;
-    if (record.size() <= kCountedFirst && parts.building) {
-        PolylineVertices read;
-        read.straight = 0;
-        parts.entity.reset(readPolyline(record, parts.basics, parts.look, read, head));
-        return;
-    }
     if (record.size() <= kCountedFirst) {
         PolylineVertices read;
         read.room = &parts.vertices;
@@ -573,7 +565,6 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
     if (look.kind == "MLINE")
         return makeUnopenedMline(record, look);
     EntityParts parts;
-    parts.building = true;
     takeApart(record, parts, false);
     makeEntity(parts);
     if (!parts.entity) {
@@ -919,11 +910,8 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
     // reuses, when not taken apart ahead.
     auto* parts = static_cast<EntityParts*>(ahead);
     if (!parts) {
-        if (!context.entityParts) {
-            auto made = std::make_unique<EntityParts>();
-            made->building = true;
-            context.entityParts = std::move(made);
-        }
+        if (!context.entityParts)
+            context.entityParts = std::make_unique<EntityParts>();
         parts = static_cast<EntityParts*>(context.entityParts.get());
         takeApart(record, *parts);
     } else if (parts->error) {
