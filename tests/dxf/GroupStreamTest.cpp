@@ -207,7 +207,8 @@ TEST(DxfGroupStream, RecordsComeWithTheNumbersOfTheirGroups)
                 double real = 0;
                 const bool quickReal = kaldo::dxf::isRealCode(g.code) && kaldo::dxf::readQuickReal(g.value, real);
                 std::uint64_t handle = 0;
-                const bool quickHandle = kaldo::dxf::isHandleCode(g.code) && kaldo::dxf::tryHandle(g.value, handle, kxdbHighestHandle + 1);
+                const bool quickHandle = kaldo::dxf::isHandleCode(g.code)
+                                         && kaldo::dxf::tryHandle(g.value, handle, kxdbHighestHandle + 1);
                 if (!std::isnan(g.real)) {
                     EXPECT_TRUE(modelled && quickReal && std::bit_cast<std::uint64_t>(real)
                                 == std::bit_cast<std::uint64_t>(g.real)) << index << " " << g.value;
