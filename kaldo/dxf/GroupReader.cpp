@@ -122,12 +122,21 @@ bool parseCode(std::string_view text, int& code)
 
 }  // namespace
 
+GroupReader::PlainGroup GroupReader::plainGroupAt(const char* p, const char* end)
+{
+    PlainGroup group;
+    if (readPlainGroup(p, end, group.code, group.value))
+        group.next = p;
+    return group;
+}
+
 bool GroupReader::nextPlain(Group& group)
 {
     const char* p = begin_;
     int code = 0;
     std::string_view value;
-    if (!readPlainGroup(p, end_, code, value))
+    const bool isShort = end_ - p >= kShortGroupBytes && readShortGroup(p, code, value);
+    if (!isShort && !readPlainGroup(p, end_, code, value))
         return false;
     group = Group{code, value, lineNumber_ + 1};
     begin_ = p;

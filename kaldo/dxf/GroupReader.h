@@ -60,40 +60,50 @@ public:
     // Reads the usual groups that follow (as next() reads them straight
     // from the buffer), calling take(code, value, readable, short) for
     // each, up to a group of code 0 or any other: that group is left to
-    // next(). True when it stopped at a usual group of code 0. The values
-    // stay valid until the next call; the bytes from a value's start up to
-    // readable may be read (they lie in the reader's buffer), so that a
-    // value can be copied by words of a fixed size; for a short group
-    // (readShortGroup), so may the kShortGroupBytes from its code line's.
-    // One loop, keeping the reader's place in locals: most groups of a file
-    // are read here.
+    // next(). Adds the groups given to count. True when it stopped at a
+    // usual group of code 0. The values stay valid until the next call;
+    // the bytes from a value's start up to readable may be read (they lie
+    // in the reader's buffer), so that a value can be copied by words of a
+    // fixed size; for a short group (readShortGroup), so may the
+    // kShortGroupBytes from its code line's. One loop, keeping the reader's
+    // place in locals: most groups of a file are read here. Its usual way,
+    // short groups, calls nothing, so that its few locals stay in
+    // registers.
     template <class Take>
-    bool readPlain(Take&& take)
+    bool readPlain(Take&& take, std::size_t& count)
     {
         if (pushedBack_ || lineNumber_ == 0)
             return false;
         const char* p = begin_;
         const char* const end = end_;
         const char* const readable = readable_;
-        long groups = 0;
+        std::size_t groups = 0;
         // The place is kept however the loop ends, take throwing too.
         struct Kept {
             GroupReader& reader;
             const char*& p;
-            long& groups;
+            std::size_t& groups;
+            std::size_t& count;
             ~Kept()
             {
                 reader.begin_ = p;
-                reader.lineNumber_ += 2 * groups;
+                reader.lineNumber_ += 2 * long(groups);
+                count += groups;
             }
-        } kept{*this, p, groups};
+        } kept{*this, p, groups, count};
         for (;;) {
             const char* at = p;
             int code = 0;
             std::string_view value;
             const bool isShort = end - p >= kShortGroupBytes && readShortGroup(at, code, value);
-            if (!isShort && !readPlainGroup(at, end, code, value))
-                return false;
+            if (!isShort) {
+                const PlainGroup other = plainGroupAt(p, end);
+                if (!other.next)
+                    return false;
+                at = other.next;
+                code = other.code;
+                value = other.value;
+            }
             if (code == 0)
                 return true;
             p = at;
@@ -133,6 +143,14 @@ public:
     }
 
 private:
+    // A group readPlainGroup reads from p, and the place after it; no
+    // place for any other group. Out of line, as readPlain's other way.
+    struct PlainGroup {
+        const char* next = nullptr;
+        int code = 0;
+        std::string_view value;
+    };
+    static PlainGroup plainGroupAt(const char* p, const char* end);
     // The usual group, read straight from the buffer (readPlainGroup).
     // False, with nothing consumed, for anything else.
     bool nextPlain(Group& group);

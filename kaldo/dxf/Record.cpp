@@ -73,6 +73,14 @@ constexpr std::array<CodeHolds, kCodesClassed> kCodeHolds = [] {
                                                         : CodeHolds::Text;
     return holds;
 }();
+// The same for records of kinds not modelled, whose reals are kept as text.
+constexpr std::array<CodeHolds, kCodesClassed> kCodeHoldsUnmodelled = [] {
+    std::array<CodeHolds, kCodesClassed> holds = kCodeHolds;
+    for (CodeHolds& h : holds)
+        if (h == CodeHolds::Real)
+            h = CodeHolds::Text;
+    return holds;
+}();
 // Codes beyond the table (and negative ones) hold text only.
 static_assert([] {
     for (int code = kCodesClassed; code <= 32767; ++code)
@@ -82,111 +90,83 @@ static_assert([] {
 }());
 }  // namespace
 
-[[gnu::always_inline]] inline Record::Number Record::numberOf(bool modelled, int code, std::string_view value,
-                                                              std::uint64_t& number)
-{
-    const CodeHolds holds = unsigned(code) < unsigned(kCodesClassed) ? kCodeHolds[std::size_t(code)] : CodeHolds::Text;
-    if (double real = 0; holds == CodeHolds::Real && modelled && readQuickReal(value, real)) {
-        number = std::bit_cast<std::uint64_t>(real);
-        return Number::Real;
-    }
-    if (std::uint64_t handle = 0; holds == CodeHolds::Handle && tryHandle(value, handle, kxdbHighestHandle + 1)) {
-        number = handle;
-        return Number::Handle;
-    }
-    return Number::None;
-}
-
 void Record::read(GroupReader& reader, const Group& head)
 {
     kind_.assign(trimmed(head.value));
     kindCode_ = recordKindOf(kind_);
     modelled_ = kindCode_ != RecordKind::Other;
     line_ = head.line;
-    // Kept in locals while the groups are read: the members would be
-    // stored and loaded again around every call of the reader.
-    const bool modelled = modelled_;
+    // The store's place and end in locals while the groups are read: the
+    // members would be stored and loaded again around every call of the
+    // reader. The numbers are read once the groups are kept.
     std::size_t size = 0;
-    std::size_t used = 0;
-    char* store = groups_.data();
-    std::size_t room = groups_.size();
-    std::uint64_t* numbers = numbers_.data();
-    Number* kinds = numberKinds_.data();
-    std::size_t numbered = numbers_.size();
-    // Keeps a group: the store only grows, doubling, so that a record of
-    // the usual size needs no allocation and no check beyond this one: room
-    // for the code, the part, the value's length (five bytes hold any
-    // value's) and the value, or kCopiedAtOnce bytes when more (copyValue).
-    // A short group (readShortGroup) is copied with its code line, whose
-    // four bytes the code, part and length then take.
-    // Inlined into both loops: it is called for every group.
+    char* at = groups_.data();
+    char* storeEnd = at + groups_.size();
+    // Keeps a group. A short group (readShortGroup), the usual one, is
+    // copied with its code line, whose four bytes the code, part and length
+    // then take, inline; any other by keepOther.
     const auto keep = [&](int code, std::string_view value, const char* readable, bool isShort)
                           __attribute__((always_inline)) {
-        const std::size_t length = value.size();
+        if (!isShort || storeEnd - at < kShortGroupBytes) [[unlikely]] {
+            at = keepOther(at, code, value, readable);
+            storeEnd = groups_.data() + groups_.size();
+            return;
+        }
         static_assert(std::endian::native == std::endian::little);
-        if (isShort) {
-            if (used + std::size_t(kShortGroupBytes) > room) {
-                groups_.resize(std::max(2 * room, used + std::size_t(kShortGroupBytes)));
-                store = groups_.data();
-                room = groups_.size();
-            }
-            char* const at = store + used;
-            const char* const from = value.data() - 4;
-            const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-            const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(at), first);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(at + 16), second);
-            // The code's two bytes, part 0 and the length's one byte.
-            const std::uint32_t head = std::uint32_t(std::uint16_t(code)) | std::uint32_t(length) << 24;
-            std::memcpy(at, &head, sizeof head);
-            used += sizeof head + length;
-        } else {
-            if (const std::size_t most = used + 8 + std::max(length, kCopiedAtOnce); most > room) {
-                groups_.resize(std::max(2 * room, most));
-                store = groups_.data();
-                room = groups_.size();
-            }
-            auto* at = reinterpret_cast<unsigned char*>(store + used);
-            at[0] = static_cast<unsigned char>(std::uint16_t(code) & 0xFF);
-            at[1] = static_cast<unsigned char>(std::uint16_t(code) >> 8);
-            at[2] = 0;
-            at += 3;
-            std::size_t rest = length;
-            for (; rest >= 0x80; rest >>= 7)
-                *at++ = static_cast<unsigned char>((rest & 0x7F) | 0x80);
-            *at++ = static_cast<unsigned char>(rest);
-            copyValue(at, value, readable);
-            used = std::size_t(reinterpret_cast<char*>(at) - store) + length;
-        }
-        if (size >= numbered && size < kReadNumbers) {
-            numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size)));
-            numberKinds_.resize(numbers_.size());
-            numbers = numbers_.data();
-            kinds = numberKinds_.data();
-            numbered = numbers_.size();
-        }
-        if (size < numbered)
-            kinds[size] = numberOf(modelled, code, value, numbers[size]);
-        ++size;
+        const char* const from = value.data() - 4;
+        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 16));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(at), first);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(at + 16), second);
+        // The code's two bytes, part 0 and the length's one byte.
+        const std::uint32_t head = std::uint32_t(std::uint16_t(code)) | std::uint32_t(value.size()) << 24;
+        std::memcpy(at, &head, sizeof head);
+        at += sizeof head + value.size();
     };
     Group g;
     try {
         // The usual groups in one loop, any other one by one; a usual group
         // of code 0 is left unread, any other pushed back.
-        while (!reader.readPlain(keep) && reader.next(g)) {
+        while (!reader.readPlain(keep, size) && reader.next(g)) {
             if (g.code == 0) {
                 reader.pushBack(g);
                 break;
             }
             keep(g.code, g.value, g.value.data() + g.value.size(), false);
+            ++size;
         }
     } catch (...) {
         size_ = size;
-        used_ = used;
+        used_ = std::size_t(at - groups_.data());
+        noteNumbers();
         throw;
     }
     size_ = size;
-    used_ = used;
+    used_ = std::size_t(at - groups_.data());
+    noteNumbers();
+}
+
+char* Record::keepOther(char* at, int code, std::string_view value, const char* readable)
+{
+    // Room for the code, the part, the value's length (five bytes hold any
+    // value's) and the value, or kCopiedAtOnce bytes when more (copyValue).
+    // The store only grows, doubling, so that a record of the usual size
+    // needs no allocation.
+    const std::size_t length = value.size();
+    const std::size_t used = std::size_t(at - groups_.data());
+    if (const std::size_t most = used + 8 + std::max(length, kCopiedAtOnce); most > groups_.size())
+        groups_.resize(std::max(2 * groups_.size(), most));
+    auto* to = reinterpret_cast<unsigned char*>(groups_.data() + used);
+    to[0] = static_cast<unsigned char>(std::uint16_t(code) & 0xFF);
+    to[1] = static_cast<unsigned char>(std::uint16_t(code) >> 8);
+    to[2] = 0;
+    to += 3;
+    std::size_t rest = length;
+    for (; rest >= 0x80; rest >>= 7)
+        *to++ = static_cast<unsigned char>((rest & 0x7F) | 0x80);
+    *to++ = static_cast<unsigned char>(rest);
+    copyValue(to, value, readable);
+    return reinterpret_cast<char*>(to) + length;
 }
 
 void Record::assign(std::string_view kind, KxDbPackedGroupsView groups)
@@ -195,22 +175,37 @@ void Record::assign(std::string_view kind, KxDbPackedGroupsView groups)
     kindCode_ = recordKindOf(kind_);
     modelled_ = kindCode_ != RecordKind::Other;
     line_ = 0;
-    size_ = 0;
     used_ = groups.bytes().size();
     groups_.assign(groups.bytes());
-    groups.forEach([&](std::int16_t code, std::uint8_t, std::string_view value) { noteNumbers(code, value); });
+    size_ = 0;
+    groups.forEach([&](std::int16_t, std::uint8_t, std::string_view) { ++size_; });
+    noteNumbers();
 }
 
-void Record::noteNumbers(int code, std::string_view value)
+void Record::noteNumbers()
 {
-    if (size_ < kReadNumbers) {
-        if (size_ == numbers_.size()) {
-            numbers_.resize(std::min(kReadNumbers, std::max(kFirstGroups, 2 * size_)));
-            numberKinds_.resize(numbers_.size());
-        }
-        numberKinds_[size_] = numberOf(modelled_, code, value, numbers_[size_]);
-    }
-    ++size_;
+    numbered_ = std::min(size_, kReadNumbers);
+    if (numbers_.size() < numbered_)
+        numbers_.resize(std::max(numbered_, kFirstGroups));
+    // Reals are read in records of modelled kinds only: the others are
+    // kept as text.
+    const std::array<CodeHolds, kCodesClassed>& holdsOf = modelled_ ? kCodeHolds : kCodeHoldsUnmodelled;
+    GroupNumbers* numbers = numbers_.data();
+    GroupNumbers* const end = numbers + numbered_;
+    packedGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
+        if (numbers == end)
+            return false;
+        const CodeHolds holds = unsigned(code) < unsigned(kCodesClassed) ? holdsOf[std::size_t(code)] : CodeHolds::Text;
+        // Read into their place: readQuickReal leaves the real untouched
+        // when it refuses the text.
+        GroupNumbers& read = *numbers++;
+        read = GroupNumbers{};
+        if (holds == CodeHolds::Real)
+            readQuickReal(value, read.real);
+        else if (holds == CodeHolds::Handle && !tryHandle(value, read.handle, kxdbHighestHandle + 1))
+            read.handle = Group::kNoHandle;
+        return true;
+    });
 }
 
 RecordKind recordKindOf(std::string_view kind)

@@ -41,8 +41,8 @@ public:
     void forEach(Visit&& visit) const
     {
         // In locals, which visit's calls cannot change.
-        const std::uint64_t* const numbers = numbers_.data();
-        const Number* const kinds = numberKinds_.data();
+        const GroupNumbers* const numbers = numbers_.data();
+        const std::size_t numbered = numbered_;
         // One group given in turn, each field set once.
         Group g;
         // Every group takes two lines, its code's and its value's.
@@ -52,10 +52,9 @@ public:
             g.code = code;
             g.value = value;
             g.line += 2;
-            const Number kind = index < kReadNumbers ? kinds[index] : Number::None;
-            g.real = kind == Number::Real ? std::bit_cast<double>(numbers[index])
-                                          : std::numeric_limits<double>::quiet_NaN();
-            g.handle = kind == Number::Handle ? numbers[index] : Group::kNoHandle;
+            const GroupNumbers& read = index < numbered ? numbers[index] : GroupNumbers{};
+            g.real = read.real;
+            g.handle = read.handle;
             ++index;
             return bool(visit(g));
         });
@@ -65,12 +64,19 @@ public:
     KxDbPackedGroupsView packedGroups() const { return KxDbPackedGroupsView(std::string_view(groups_.data(), used_)); }
 
 private:
-    enum class Number : std::uint8_t { None, Real, Handle };
-    // The number read ahead from a group's value, if any: the real of a
-    // group of reals in a modelled record, the handle of a group of handles.
-    static Number numberOf(bool modelled, int code, std::string_view value, std::uint64_t& number);
-    // Notes the numbers of the group just stored, if it is among the first.
-    void noteNumbers(int code, std::string_view value);
+    // A group's numbers read ahead, as a Group gives them.
+    struct GroupNumbers {
+        double real = std::numeric_limits<double>::quiet_NaN();
+        std::uint64_t handle = Group::kNoHandle;
+    };
+    // Notes the numbers of the first groups stored (up to kReadNumbers):
+    // the real of a group of reals in a modelled record, the handle of a
+    // group of handles.
+    void noteNumbers();
+    // Keeps a group at at, the end of the groups kept so far, growing the
+    // store as needed; the place after it. readable is as readPlain gives
+    // it.
+    char* keepOther(char* at, int code, std::string_view value, const char* readable);
 
     // The groups lie packed one after the other in groups_ as
     // KxDbPackedGroupsView reads them (part 0), reused from record to
@@ -86,15 +92,16 @@ private:
     std::string groups_;
     std::size_t used_ = 0;
     // The numbers of the first groups, so that a record read on another
-    // thread comes with them: the bits of the real of a group of reals as
-    // readQuickReal reads it (in records of modelled kinds only: the others
-    // are kept as text), the handle of a group of handles as tryHandle
-    // does. The groups of a large record beyond, and values that they
-    // refuse, are converted where they are used, keeping its memory to what
-    // it was.
+    // thread comes with them, and a group given by forEach takes them as
+    // they lie: the real of a group of reals as readQuickReal reads it (in
+    // records of modelled kinds only: the others are kept as text), the
+    // handle of a group of handles as tryHandle does. The groups of a large
+    // record beyond, and values that they refuse, are converted where they
+    // are used, keeping its memory to what it was.
     static constexpr std::size_t kReadNumbers = 1024;
-    std::vector<std::uint64_t> numbers_;
-    std::vector<Number> numberKinds_;
+    std::vector<GroupNumbers> numbers_;
+    // The groups that numbers_ holds numbers for.
+    std::size_t numbered_ = 0;
 };
 
 // The handle, owner and unmodelled groups of a record being taken apart.

@@ -2,7 +2,9 @@
 // another in a string of bytes.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -42,11 +44,17 @@ public:
         const auto* at = reinterpret_cast<const unsigned char*>(m_bytes.data());
         const auto* end = at + m_bytes.size();
         while (at < end) {
-            const auto code = std::int16_t(std::uint16_t(at[0] | (at[1] << 8)));
-            const std::uint8_t part = at[2];
-            at += 3;
+            // The code, the part and the length's first byte in one load:
+            // every group has them.
+            std::uint32_t head;
+            std::memcpy(&head, at, sizeof head);
+            if constexpr (std::endian::native == std::endian::big)
+                head = __builtin_bswap32(head);
+            const auto code = std::int16_t(std::uint16_t(head));
+            const auto part = std::uint8_t(head >> 16);
+            at += 4;
             // A length below 128, the usual one, takes its one byte.
-            std::size_t length = *at++;
+            std::size_t length = head >> 24;
             if (length & 0x80) {
                 length &= 0x7F;
                 for (int shift = 7;; shift += 7) {

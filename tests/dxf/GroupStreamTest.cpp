@@ -174,6 +174,65 @@ TEST(DxfGroupStream, RecordsKeepValuesOfEveryLengthWhereverTheInputEnds)
     }
 }
 
+// A record comes with the numbers of its groups read ahead as toReal and
+// toHandle read them, each at its own group, the reals in records of
+// modelled kinds only; so does one assigned its packed groups. A large
+// record's later groups and values the quick ways refuse come without; a
+// handle seed (one above the highest handle) is read too.
+TEST(DxfGroupStream, RecordsComeWithTheNumbersOfTheirGroups)
+{
+    std::string groups;
+    for (int i = 0; i < 1500; ++i) {
+        const std::string n = std::to_string(i);
+        const std::string values[] = {std::to_string(0x1A0 + i), n + "." + n, "-" + n, n, " 2.5 ", "1e" + n,
+                                      "x" + n, "ffffffff0000000" + n.substr(0, 1)};
+        const char* const codes[] = {"  5", " 10", " 20", "  8", " 40", " 42", "330", "340"};
+        groups += std::string(codes[i % 8]) + "\n" + values[i % 8] + "\n";
+    }
+    for (const char* kind : {"LWPOLYLINE", "KIND"}) {
+        const std::string text = "  0\n" + std::string(kind) + "\n" + groups + "  0\nEND\n";
+        kaldo::dxf::GroupReader reader{std::string_view(text)};
+        kaldo::dxf::Group head;
+        ASSERT_TRUE(reader.next(head));
+        kaldo::dxf::Record read;
+        read.read(reader, head);
+        kaldo::dxf::Record assigned;
+        assigned.assign(kind, read.packedGroups());
+        const bool modelled = std::string_view(kind) != "KIND";
+        for (const kaldo::dxf::Record* record : {&read, &assigned}) {
+            std::size_t index = 0;
+            std::size_t reals = 0;
+            std::size_t handles = 0;
+            record->forEach([&](const kaldo::dxf::Group& g) {
+                double real = 0;
+                const bool quickReal = kaldo::dxf::isRealCode(g.code) && kaldo::dxf::readQuickReal(g.value, real);
+                std::uint64_t handle = 0;
+                const bool quickHandle = kaldo::dxf::isHandleCode(g.code)
+                                         && kaldo::dxf::tryHandle(g.value, handle, kxdbHighestHandle + 1);
+                if (!std::isnan(g.real)) {
+                    EXPECT_TRUE(modelled && quickReal && std::bit_cast<std::uint64_t>(real)
+                                == std::bit_cast<std::uint64_t>(g.real)) << index << " " << g.value;
+                    ++reals;
+                } else {
+                    EXPECT_FALSE(modelled && quickReal && index < 500) << index << " " << g.value;
+                }
+                if (g.handle != kaldo::dxf::Group::kNoHandle) {
+                    EXPECT_TRUE(quickHandle && handle == g.handle) << index << " " << g.value;
+                    ++handles;
+                } else {
+                    EXPECT_FALSE(quickHandle && index < 500) << index << " " << g.value;
+                }
+                ++index;
+                return true;
+            });
+            EXPECT_EQ(index, 1500u);
+            EXPECT_EQ(record->size(), 1500u);
+            EXPECT_GT(handles, 0u) << kind;
+            EXPECT_EQ(reals > 0, modelled) << kind;
+        }
+    }
+}
+
 TEST(DxfGroupStream, RealsReadBackAsFromCharsReadsThem)
 {
     std::vector<std::string> texts = {"0", "-0", "7", "-627", "0.5999999999999998", "-0.6666666666666665",
