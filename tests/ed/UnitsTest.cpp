@@ -18,16 +18,20 @@ double degrees(double d)
     return d * kPi / 180;
 }
 
+// A value (a distance, or an angle in radians), the unit, precision and
+// zero flags it is written with, and the text expected.
+struct FormattedRow {
+    double value;
+    int unit, precision, zeros;
+    const wchar_t* text;
+};
+
 // Decimal (2), scientific (1), feet and inches (3), architectural (4) and
 // fractional (5), with zeros suppressed as the flags ask; rounding that
 // reaches a whole foot carries into the feet.
 TEST(Units, DistancesInEveryUnitWithZeroSuppression)
 {
-    const struct {
-        double value;
-        int unit, precision, zeros;
-        const wchar_t* text;
-    } rows[] = {
+    const FormattedRow rows[] = {
         {1.5, 2, 4, 0, L"1.5000"}, {1.5, 2, 4, 8, L"1.5"}, {2.0, 2, 4, 8, L"2"}, {0.5, 2, 2, 4, L".50"},
         {0.5, 2, 4, 12, L".5"}, {-0.25, 2, 3, 12, L"-.25"}, {0.0, 2, 4, 12, L"0"}, {-0.00001, 2, 2, 0, L"0.00"},
         {1234.5678, 2, 2, 0, L"1234.57"}, {3.0, 2, 0, 0, L"3"}, {15.0, 1, 4, 0, L"1.5000E+01"},
@@ -76,11 +80,7 @@ TEST(Units, HugeValuesAreWrittenScientificInEveryUnitAndByPrintf)
 
 TEST(Units, AnglesInEveryUnit)
 {
-    const struct {
-        double radians;
-        int unit, precision, zeros;
-        const wchar_t* text;
-    } rows[] = {
+    const FormattedRow rows[] = {
         {degrees(45), 0, 4, 0, L"45.0000"}, {degrees(45), 0, 4, 8, L"45"}, {degrees(0.5), 0, 2, 4, L".50"},
         {degrees(-90), 0, 0, 0, L"270"}, {degrees(359.99999), 0, 2, 0, L"0.00"}, {degrees(45.5), 1, 0, 0, L"46d"},
         {degrees(45.5), 1, 2, 0, L"45d30'"}, {degrees(45 + 30 / 60.0 + 15 / 3600.0), 1, 4, 0, L"45d30'15\""},
@@ -91,7 +91,7 @@ TEST(Units, AnglesInEveryUnit)
         {degrees(300), 4, 2, 0, L"S 30d0' E"}, {degrees(90), 4, 2, 0, L"N"}, {degrees(180), 4, 2, 0, L"W"}
     };
     for (const auto& row : rows)
-        EXPECT_EQ(formatAngle(row.radians, row.unit, row.precision, row.zeros), row.text) << row.text;
+        EXPECT_EQ(formatAngle(row.value, row.unit, row.precision, row.zeros), row.text) << row.text;
 }
 
 TEST(Units, AnglesAreReadInTheirUnitOrBySuffix)
