@@ -1,8 +1,10 @@
-// The kaldo executable: parses the command line, checks the files it names,
-// starts a session and runs its command loop: on a script, or - without one
-// and with a display - in the window, where commands run on a command
-// thread of their own. Exit codes: see kaldo/app/Options.h.
+// The kaldo executable: asks for huge heap pages where they pay, parses the
+// command line, checks the files it names, starts a session and runs its
+// command loop: on a script, or - without one and with a display - in the
+// window, where commands run on a command thread of their own. Exit codes:
+// see kaldo/app/Options.h.
 #include "kaldo/app/CommandLoop.h"
+#include "kaldo/app/HeapPages.h"
 #include "kaldo/app/Options.h"
 #include "kaldo/app/Plotting.h"
 #include "kaldo/app/RuntimeFolder.h"
@@ -99,10 +101,22 @@ void printTranscript(std::wstring_view text)
     std::cout << kaldo::terminalText(text) << std::flush;
 }
 
+// The arguments as Qt would give them, before Qt takes out its own.
+QStringList programArguments(int argc, char** argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    return arguments;
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    if (const kaldo::ParsedOptions early = kaldo::parseOptions(programArguments(argc, argv));
+        early.error.empty() && kaldo::hugeHeapPagesPay(early.options))
+        kaldo::restartWithHugeHeapPages(argv);
     chooseOffscreenWithoutDisplay();
     kaldo::provideRuntimeFolder();
     QApplication app(argc, argv);

@@ -1,11 +1,19 @@
 // The kaldo executable's command line: options, exit codes, where the
-// script comes from and what happens when a named file is missing.
+// script comes from and what happens when a named file is missing; the
+// tunables it restarts with.
 #include "KaldoProcess.h"
+#include "kaldo/app/HeapPages.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
 #include <filesystem>
+#include <fstream>
+#include <optional>
 
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -114,4 +122,90 @@ TEST(KaldoUsage, ScriptFromStandardInputAndEndOfScript)
     EXPECT_THAT(quit.out, Not(HasSubstr("LINE")));
     const KaldoRun exit = kaldo.runScript("exit\nLINE\n");
     EXPECT_THAT(exit.out, Not(HasSubstr("LINE")));
+}
+
+namespace {
+
+QByteArray fileBytes(const QString& path)
+{
+    QFile file(path);
+    file.open(QIODevice::ReadOnly);
+    return file.readAll();
+}
+
+// The GLIBC_TUNABLES of a kaldo started with these (none: unset) and taking
+// commands from standard input, read from the running process once it asks
+// for one; "-" when it has none.
+std::string runningTunables(const std::optional<QString>& tunables)
+{
+    QTemporaryDir dir;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    env.remove("GLIBC_TUNABLES");
+    if (tunables)
+        env.insert("GLIBC_TUNABLES", *tunables);
+    QProcess kaldo;
+    kaldo.setProcessEnvironment(env);
+    kaldo.start(KALDO_STAGE_DIR "/bin/kaldo", {"--support", support, "--profile", dir.filePath("kaldo.ini"),
+                                              "--crash-dir", dir.filePath("crash")});
+    QByteArray out;
+    while (!out.contains("Command:") && kaldo.waitForReadyRead(30000))
+        out += kaldo.readAllStandardOutput();
+    const QByteArray environ = fileBytes(QString("/proc/%1/environ").arg(kaldo.processId()));
+    kaldo.write("QUIT\n");
+    kaldo.closeWriteChannel();
+    kaldo.waitForFinished(30000);
+    EXPECT_EQ(kaldo.exitCode(), 0);
+    for (const QByteArray& variable : environ.split('\0')) {
+        if (variable.startsWith("GLIBC_TUNABLES="))
+            return variable.mid(variable.indexOf('=') + 1).toStdString();
+    }
+    return "-";
+}
+
+}  // namespace
+
+TEST(KaldoUsage, HeapAsksForHugePagesWhereTheSystemGrantsThemOnRequest)
+{
+    const std::string onRequest = "always [madvise] never\n";
+    EXPECT_EQ(kaldo::hugeHeapPageTunables("", onRequest), "glibc.malloc.hugetlb=1");
+    EXPECT_EQ(kaldo::hugeHeapPageTunables("glibc.malloc.check=0", onRequest),
+              "glibc.malloc.check=0:glibc.malloc.hugetlb=1");
+    // A user's own choice stands; so does a system that grants huge pages to
+    // all memory, or to none.
+    EXPECT_EQ(kaldo::hugeHeapPageTunables("glibc.malloc.hugetlb=0", onRequest), std::nullopt);
+    for (const char* systemMode : {"[always] madvise never\n", "always madvise [never]\n", ""})
+        EXPECT_EQ(kaldo::hugeHeapPageTunables("", systemMode), std::nullopt) << systemMode;
+
+    // They pay for a restart where a large drawing may open: in a session
+    // that commands are typed into, or when one is named at start.
+    const auto withScript = [](std::optional<std::filesystem::path> drawing) {
+        kaldo::Options options;
+        options.script = "run.scr";
+        options.drawing = std::move(drawing);
+        return options;
+    };
+    QTemporaryDir dir;
+    const std::filesystem::path large = dir.filePath("large.dxf").toStdString();
+    const std::filesystem::path small = dir.filePath("small.dxf").toStdString();
+    for (const auto& [path, size] : {std::pair{large, kaldo::kHugeHeapPagesFromBytes},
+                                     std::pair{small, kaldo::kHugeHeapPagesFromBytes - 1}}) {
+        std::ofstream{path};
+        std::filesystem::resize_file(path, size);
+    }
+    EXPECT_TRUE(kaldo::hugeHeapPagesPay({}));
+    EXPECT_TRUE(kaldo::hugeHeapPagesPay(withScript(large)));
+    EXPECT_FALSE(kaldo::hugeHeapPagesPay(withScript(small)));
+    EXPECT_FALSE(kaldo::hugeHeapPagesPay(withScript(std::nullopt)));
+    EXPECT_FALSE(kaldo::hugeHeapPagesPay(withScript(dir.filePath("missing.dxf").toStdString())));
+    kaldo::Options version;
+    version.showVersion = true;
+    EXPECT_FALSE(kaldo::hugeHeapPagesPay(version));
+
+    // The real program restarts itself with them, keeping its arguments; a
+    // restarted one, or one told otherwise, does not again.
+    const std::optional<std::string> expected =
+        kaldo::hugeHeapPageTunables("", fileBytes("/sys/kernel/mm/transparent_hugepage/enabled").toStdString());
+    EXPECT_EQ(runningTunables(std::nullopt), expected.value_or("-"));
+    EXPECT_EQ(runningTunables("glibc.malloc.hugetlb=0"), "glibc.malloc.hugetlb=0");
 }
