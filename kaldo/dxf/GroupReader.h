@@ -59,8 +59,9 @@ public:
     }
     // Reads the usual groups that follow (as next() reads them straight
     // from the buffer), calling take(code, value, readable, short) for
-    // each, up to a group of code 0 or any other: that group is left to
-    // next(). Adds the groups given to count. True when it stopped at a
+    // each, up to a group of code 0 or any other: that group is what next()
+    // gives next (a usual group of code 0 read once here, as if pushed
+    // back). Adds the groups given to count. True when it stopped at a
     // usual group of code 0. The values stay valid until the next call;
     // the bytes from a value's start up to readable may be read (they lie
     // in the reader's buffer), so that a value can be copied by words of a
@@ -104,9 +105,14 @@ public:
                 code = other.code;
                 value = other.value;
             }
-            if (code == 0)
-                return true;
             p = at;
+            if (code == 0) {
+                // The record's next head, which next() gives as read.
+                current_ = Group{0, value, lineNumber_ + 2 * long(groups) + 1};
+                pushedBack_ = true;
+                lineNumber_ += 2;
+                return true;
+            }
             ++groups;
             take(code, value, readable, isShort);
         }

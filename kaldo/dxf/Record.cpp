@@ -125,8 +125,9 @@ void Record::read(GroupReader& reader, const Group& head)
     };
     Group g;
     try {
-        // The usual groups in one loop, any other one by one; a usual group
-        // of code 0 is left unread, any other pushed back.
+        // The usual groups in one loop, any other one by one; the group of
+        // code 0 that ends them is left to the reader's next() as pushed
+        // back (readPlain reads a usual one so).
         while (!reader.readPlain(keep, size) && reader.next(g)) {
             if (g.code == 0) {
                 reader.pushBack(g);
