@@ -106,7 +106,7 @@ void readBlocksSection(GroupReader& reader, ReadContext& context, ProgressMeter&
     KxDbObjectId begin;
     while (const Record* record = records.next()) {
         meter.record();
-        const std::string& kind = record->kind();
+        const std::string_view kind = record->kind();
         if (kind == "BLOCK" || kind == "ENDBLK")
             finishRecordRun(context);
         if (kind == "BLOCK") {

@@ -186,7 +186,7 @@ CircleShape readCircleOrArc(const Record& record, RecordBasics& basics, EntityLo
         return true;
     });
     if (!(shape.radius >= 0) || isNullNormal(shape.normal))
-        throw DxfError(record.line(), "the " + record.kind() + " has a negative radius or a null normal.");
+        throw DxfError(record.line(), "the " + std::string(record.kind()) + " has a negative radius or a null normal.");
     return shape;
 }
 

@@ -205,24 +205,13 @@ std::int64_t toInteger(const Group& group)
     return value;
 }
 
-bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest)
+bool tryAnyHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest)
 {
-    // Hexadecimal digits of either case, as from_chars reads them, a step
-    // a digit without its general paths: every record has a handle or two.
-    static constexpr std::array<std::uint8_t, 256> kDigits = [] {
-        std::array<std::uint8_t, 256> digits{};
-        digits.fill(16);
-        for (int i = 0; i < 10; ++i)
-            digits['0' + i] = std::uint8_t(i);
-        for (int i = 0; i < 6; ++i)
-            digits['a' + i] = digits['A' + i] = std::uint8_t(10 + i);
-        return digits;
-    }();
     if (hasBlankEnd(text))
         text = trimmed(text);
     std::uint64_t value = 0;
     for (const char c : text) {
-        const unsigned digit = kDigits[static_cast<unsigned char>(c)];
+        const unsigned digit = kHexDigitValues[static_cast<unsigned char>(c)];
         // A digit more would carry out of 64 bits.
         if (digit == 16 || value >> 60 != 0)
             return false;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -59,8 +60,9 @@ public:
     }
     // Reads the usual groups that follow (as next() reads them straight
     // from the buffer), calling take(code, value, readable, short) for
-    // each, up to a group of code 0 or any other: that group is left to
-    // next(). Adds the groups given to count. True when it stopped at a
+    // each, up to a group of code 0 or any other: that group is what next()
+    // gives next (a usual group of code 0 read once here, as if pushed
+    // back). Adds the groups given to count. True when it stopped at a
     // usual group of code 0. The values stay valid until the next call;
     // the bytes from a value's start up to readable may be read (they lie
     // in the reader's buffer), so that a value can be copied by words of a
@@ -104,12 +106,27 @@ public:
                 code = other.code;
                 value = other.value;
             }
-            if (code == 0)
-                return true;
             p = at;
+            if (code == 0) {
+                // The record's next head, which next() gives as read.
+                current_ = Group{0, value, lineNumber_ + 2 * long(groups) + 1};
+                pushedBack_ = true;
+                lineNumber_ += 2;
+                return true;
+            }
             ++groups;
             take(code, value, readable, isShort);
         }
+    }
+    // Where the memory that a value given lies in ends, so that the value
+    // can be copied by words of a fixed size: the reader's buffer or text,
+    // or for a value that lies elsewhere (decoded), its own end.
+    const char* readableAfter(std::string_view value) const
+    {
+        const auto at = reinterpret_cast<std::uintptr_t>(value.data());
+        const auto start = reinterpret_cast<std::uintptr_t>(file_ ? buffer_.data() : memory_.data());
+        const auto readable = reinterpret_cast<std::uintptr_t>(readable_);
+        return at >= start && at + value.size() <= readable ? readable_ : value.data() + value.size();
     }
     // Makes the next call give group, the one just read, again.
     void pushBack(const Group& group)
@@ -222,8 +239,39 @@ inline std::uint64_t toHandle(const Group& group, std::uint64_t highest = kxdbHi
         return group.handle;
     return toHandleText(group, highest);
 }
-// The same without complaint: false for text that is no such handle.
-bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest = kxdbHighestHandle);
+// The value of each byte as a hexadecimal digit of either case, 16 for a
+// byte that is none.
+inline constexpr std::array<std::uint8_t, 256> kHexDigitValues = [] {
+    std::array<std::uint8_t, 256> digits{};
+    digits.fill(16);
+    for (int i = 0; i < 10; ++i)
+        digits['0' + i] = std::uint8_t(i);
+    for (int i = 0; i < 6; ++i)
+        digits['a' + i] = digits['A' + i] = std::uint8_t(10 + i);
+    return digits;
+}();
+// tryHandle for any text: blanks around the digits, more digits than 64
+// bits hold when the first are zeros.
+bool tryAnyHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest);
+// The same as toHandle without complaint: false for text that is no such
+// handle. Hexadecimal digits as from_chars reads them; the usual handle,
+// up to fifteen digits and nothing else, is read inline, a step a digit
+// (every record has a handle or two), any other text by tryAnyHandle.
+inline bool tryHandle(std::string_view text, std::uint64_t& handle, std::uint64_t highest = kxdbHighestHandle)
+{
+    // Fifteen digits cannot carry out of 64 bits.
+    if (text.empty() || text.size() > 15)
+        return tryAnyHandle(text, handle, highest);
+    std::uint64_t value = 0;
+    for (const char c : text) {
+        const unsigned digit = kHexDigitValues[static_cast<unsigned char>(c)];
+        if (digit == 16)
+            return tryAnyHandle(text, handle, highest);
+        value = value << 4 | digit;
+    }
+    handle = value;
+    return value <= highest;
+}
 inline std::string_view trimmed(std::string_view text)
 {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))

@@ -88,13 +88,70 @@ static_assert([] {
             return false;
     return true;
 }());
+// The modelled kinds, told without a branch: in a drawing of mixed kinds a
+// branch on the kind's length or bytes is mispredicted at every record.
+// Each lies at the place its first byte and length give in a table of
+// sixteen, where one comparison of sixteen bytes tells whether a text is
+// that kind.
+struct KnownKind {
+    std::array<char, 16> text{};
+    std::size_t size = 0;
+    RecordKind kind = RecordKind::Other;
+};
+constexpr std::size_t kindPlace(char first, std::size_t size)
+{
+    return (std::size_t(static_cast<unsigned char>(first)) * 7 + size) % 16;
+}
+constexpr std::array<std::pair<std::string_view, RecordKind>, 7> kModelledKinds = {{
+    {"LINE", RecordKind::Line},
+    {"ARC", RecordKind::Arc},
+    {"CIRCLE", RecordKind::Circle},
+    {"LWPOLYLINE", RecordKind::LwPolyline},
+    {"MLINE", RecordKind::Mline},
+    {"DICTIONARY", RecordKind::Dictionary},
+    {"MLINESTYLE", RecordKind::MlineStyle},
+}};
+// Every modelled kind has a place of its own.
+static_assert([] {
+    std::array<bool, 16> taken{};
+    for (const auto& [name, kind] : kModelledKinds) {
+        const std::size_t place = kindPlace(name.front(), name.size());
+        if (taken[place])
+            return false;
+        taken[place] = true;
+    }
+    return true;
+}());
+constexpr std::array<KnownKind, 16> kKnownKinds = [] {
+    std::array<KnownKind, 16> known{};
+    for (const auto& [name, kind] : kModelledKinds) {
+        KnownKind& at = known[kindPlace(name.front(), name.size())];
+        std::copy(name.begin(), name.end(), at.text.begin());
+        at.size = name.size();
+        at.kind = kind;
+    }
+    return known;
+}();
+
+// The kind of a text of up to kKindBytes bytes, of which text holds sixteen
+// or more (those past size are not looked at).
+RecordKind recordKindOf(const char* text, std::size_t size)
+{
+    const KnownKind& known = kKnownKinds[kindPlace(text[0], size)];
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+    const __m128i knownBytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(known.text.data()));
+    const auto equal = std::uint64_t(unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, knownBytes))));
+    // The bytes of the text, up to 32 of them.
+    const std::uint64_t inText = (std::uint64_t(1) << size) - 1;
+    const bool same = ((equal & inText) == inText) & (known.size == size);
+    return RecordKind(std::uint8_t(known.kind) & -std::uint8_t(same));
+}
 }  // namespace
 
 void Record::read(GroupReader& reader, const Group& head)
 {
-    kind_.assign(trimmed(head.value));
-    kindCode_ = recordKindOf(kind_);
-    modelled_ = kindCode_ != RecordKind::Other;
+    const std::string_view kind = trimmed(head.value);
+    setKind(kind, reader.readableAfter(kind));
     line_ = head.line;
     // The store's place and end in locals while the groups are read: the
     // members would be stored and loaded again around every call of the
@@ -125,8 +182,9 @@ void Record::read(GroupReader& reader, const Group& head)
     };
     Group g;
     try {
-        // The usual groups in one loop, any other one by one; a usual group
-        // of code 0 is left unread, any other pushed back.
+        // The usual groups in one loop, any other one by one; the group of
+        // code 0 that ends them is left to the reader's next() as pushed
+        // back (readPlain reads a usual one so).
         while (!reader.readPlain(keep, size) && reader.next(g)) {
             if (g.code == 0) {
                 reader.pushBack(g);
@@ -171,9 +229,7 @@ char* Record::keepOther(char* at, int code, std::string_view value, const char* 
 
 void Record::assign(std::string_view kind, KxDbPackedGroupsView groups)
 {
-    kind_.assign(kind);
-    kindCode_ = recordKindOf(kind_);
-    modelled_ = kindCode_ != RecordKind::Other;
+    setKind(kind, kind.data() + kind.size());
     line_ = 0;
     used_ = groups.bytes().size();
     groups_.assign(groups.bytes());
@@ -208,26 +264,17 @@ void Record::noteNumbers()
     });
 }
 
-RecordKind recordKindOf(std::string_view kind)
+void Record::setKind(std::string_view kind, const char* readable)
 {
-    // Told apart by length first: one comparison of text at most.
-    switch (kind.size()) {
-    case 3:
-        return kind == "ARC" ? RecordKind::Arc : RecordKind::Other;
-    case 4:
-        return kind == "LINE" ? RecordKind::Line : RecordKind::Other;
-    case 5:
-        return kind == "MLINE" ? RecordKind::Mline : RecordKind::Other;
-    case 6:
-        return kind == "CIRCLE" ? RecordKind::Circle : RecordKind::Other;
-    case 10:
-        return kind == "LWPOLYLINE" ? RecordKind::LwPolyline
-               : kind == "DICTIONARY" ? RecordKind::Dictionary
-               : kind == "MLINESTYLE" ? RecordKind::MlineStyle
-                                      : RecordKind::Other;
-    default:
-        return RecordKind::Other;
+    kindSize_ = kind.size();
+    if (kind.size() > kKindBytes) {
+        longKind_.assign(kind);
+        kindCode_ = RecordKind::Other;
+    } else {
+        copyValue(reinterpret_cast<unsigned char*>(kindBytes_.data()), kind, readable);
+        kindCode_ = recordKindOf(kindBytes_.data(), kind.size());
     }
+    modelled_ = kindCode_ != RecordKind::Other;
 }
 
 }  // namespace kaldo::dxf

@@ -4,9 +4,11 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -20,7 +22,6 @@ namespace kaldo::dxf {
 // once as a record is read so that its users switch on a number instead of
 // comparing its kind's text again; every other kind is Other.
 enum class RecordKind : std::uint8_t { Other, Line, Arc, Circle, LwPolyline, Mline, Dictionary, MlineStyle };
-RecordKind recordKindOf(std::string_view kind);
 
 class Record {
 public:
@@ -31,7 +32,10 @@ public:
     // (an entity kept unopened), numbers and all, as read would have.
     void assign(std::string_view kind, KxDbPackedGroupsView groups);
 
-    const std::string& kind() const { return kind_; }
+    std::string_view kind() const
+    {
+        return kindSize_ <= kKindBytes ? std::string_view(kindBytes_.data(), kindSize_) : std::string_view(longKind_);
+    }
     RecordKind kindCode() const { return kindCode_; }
     long line() const { return line_; }
     std::size_t size() const { return size_; }
@@ -63,6 +67,9 @@ public:
     KxDbPackedGroupsView packedGroups() const { return KxDbPackedGroupsView(std::string_view(groups_.data(), used_)); }
 
 private:
+    // Takes the kind's text and tells its kind; readable is where the
+    // memory that the text lies in ends.
+    void setKind(std::string_view kind, const char* readable);
     // A group's numbers read ahead, as a Group gives them.
     struct GroupNumbers {
         double real = std::numeric_limits<double>::quiet_NaN();
@@ -83,7 +90,13 @@ private:
     // groups takes about what the file spends on them, and a record kept
     // whole is copied as it lies.
     static constexpr std::size_t kFirstGroups = 64;
-    std::string kind_;
+    // The kind's text: one of up to kKindBytes bytes (every usual kind) in
+    // kindBytes_, copied whole at once where its memory holds as many bytes
+    // (the bytes past it are left as copied), a longer one in longKind_.
+    static constexpr std::size_t kKindBytes = 32;
+    std::array<char, kKindBytes> kindBytes_{};
+    std::size_t kindSize_ = 0;
+    std::string longKind_;
     RecordKind kindCode_ = RecordKind::Other;
     bool modelled_ = false;
     long line_ = 0;

@@ -176,9 +176,10 @@ TEST(DxfGroupStream, RecordsKeepValuesOfEveryLengthWhereverTheInputEnds)
 
 // A record comes with the numbers of its groups read ahead as toReal and
 // toHandle read them, each at its own group, the reals in records of
-// modelled kinds only; so does one assigned its packed groups. A large
-// record's later groups and values the quick ways refuse come without; a
-// handle seed (one above the highest handle) is read too.
+// modelled kinds only (told by the whole text of the kind, kept as read);
+// so does one assigned its packed groups. A large record's later groups
+// and values the quick ways refuse come without; a handle seed (one above
+// the highest handle) is read too.
 TEST(DxfGroupStream, RecordsComeWithTheNumbersOfTheirGroups)
 {
     std::string groups;
@@ -189,8 +190,13 @@ TEST(DxfGroupStream, RecordsComeWithTheNumbersOfTheirGroups)
         const char* const codes[] = {"  5", " 10", " 20", "  8", " 40", " 42", "330", "340"};
         groups += std::string(codes[i % 8]) + "\n" + values[i % 8] + "\n";
     }
-    for (const char* kind : {"LWPOLYLINE", "KIND"}) {
-        const std::string text = "  0\n" + std::string(kind) + "\n" + groups + "  0\nEND\n";
+    // Each kind as written, and as read (trimmed, decoded).
+    const std::pair<std::string, std::string> kinds[] = {
+        {"LWPOLYLINE", "LWPOLYLINE"}, {"KIND", "KIND"}, {"ARC", "ARC"}, {"ARCS", "ARCS"},
+        {"LWPOLYLINF", "LWPOLYLINF"}, {"MLINESTYLE", "MLINESTYLE"}, {" CIRCLE\t", "CIRCLE"},
+        {"LINE\xC4", "LINE\xC3\x84"}, {std::string(40, 'L'), std::string(40, 'L')}};
+    for (const auto& [written, kind] : kinds) {
+        const std::string text = "  0\n" + written + "\n" + groups + "  0\nEND\n";
         kaldo::dxf::GroupReader reader{std::string_view(text)};
         kaldo::dxf::Group head;
         ASSERT_TRUE(reader.next(head));
@@ -198,8 +204,9 @@ TEST(DxfGroupStream, RecordsComeWithTheNumbersOfTheirGroups)
         read.read(reader, head);
         kaldo::dxf::Record assigned;
         assigned.assign(kind, read.packedGroups());
-        const bool modelled = std::string_view(kind) != "KIND";
+        const bool modelled = kind == "LWPOLYLINE" || kind == "ARC" || kind == "MLINESTYLE" || kind == "CIRCLE";
         for (const kaldo::dxf::Record* record : {&read, &assigned}) {
+            EXPECT_EQ(record->kind(), kind);
             std::size_t index = 0;
             std::size_t reals = 0;
             std::size_t handles = 0;
