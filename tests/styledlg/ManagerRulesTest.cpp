@@ -5,6 +5,7 @@
 // and open nothing.
 #include "StyleDrawingFixture.h"
 
+#include "res/DialogItems.h"
 #include "styledlg/MlineStyleDialog.h"
 
 #include <gmock/gmock.h>
@@ -14,7 +15,7 @@ using ::testing::Not;
 
 namespace {
 
-enum Item : int { kStyleList = 1021, kSetCurrent = 1026, kModify = 1029, kRename = 1030, kDelete = 1031 };
+using namespace kdml::styleManagerItem;
 
 // A manager whose opening selects a style and clicks the actions at once,
 // whatever their buttons show.
