@@ -75,16 +75,18 @@ TEST_F(ManagerRulesTest, ProtectedStylesRefuseTheActionsWhenClicked)
     EXPECT_FALSE(hasStyle(L"GONE"));
     expectNothingOpened();
 
-    // STANDARD, neither current nor in use, is never renamed; an empty
-    // selection takes no action at all.
+    // STANDARD, neither current nor in use, is never renamed, yet made
+    // current (the clicks reach the manager); an empty selection takes no
+    // action at all.
     script("TEXT 1060 OTHER\nCLICK 1\nCLICK 1\n");
-    ClickingManager standard(L"STANDARD", {kRename});
+    ClickingManager standard(L"STANDARD", {kRename, kSetCurrent});
     standard.DoModal();
     EXPECT_TRUE(hasStyle(L"STANDARD"));
+    EXPECT_EQ(currentStyle(), L"STANDARD");
     expectNothingOpened();
     script("CLICK 1\n");
     ClickingManager none(L"NO SUCH STYLE", {kDelete, kRename, kModify, kSetCurrent});
     none.DoModal();
-    EXPECT_EQ(currentStyle(), L"WALL");
+    EXPECT_EQ(currentStyle(), L"STANDARD");
     expectNothingOpened();
 }
