@@ -42,3 +42,9 @@ inline kaldo::SessionPaths stagedPaths()
 {
     return kaldo::defaultSessionPaths(stageDir() / "bin");
 }
+
+// The staged Support folder, as Qt takes it.
+inline QString stagedSupport()
+{
+    return QString::fromStdString(stagedPaths().supportDir.string());
+}

@@ -26,11 +26,6 @@ QString kaldoProgram()
 {
     return QString::fromStdString((stageDir() / "bin/kaldo").string());
 }
-
-QString stagedSupport()
-{
-    return QString::fromStdString(stagedPaths().supportDir.string());
-}
 }  // namespace
 
 KaldoProcess::KaldoProcess()

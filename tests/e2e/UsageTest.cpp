@@ -11,13 +11,6 @@
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-namespace {
-QString stagedSupport()
-{
-    return QString::fromStdString(stagedPaths().supportDir.string());
-}
-}
-
 TEST(KaldoUsage, HelpVersionAndBadUsage)
 {
     KaldoProcess kaldo;
