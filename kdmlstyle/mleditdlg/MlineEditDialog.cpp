@@ -1,6 +1,7 @@
 #include "mleditdlg/MlineEditDialog.h"
 
 #include "mledit/MleditDispatch.h"
+#include "res/DialogItems.h"
 
 #include "kxhost.h"
 
@@ -64,7 +65,7 @@ void CKaldMlineEditDialog::DoDataExchange(CDataExchange* dx)
     CDialog::DoDataExchange(dx);
     for (std::size_t i = 0; i < kButtons.size(); ++i)
         DDX_Control(dx, kButtons[i].controlId, m_toolButtons[i]);
-    DDX_Control(dx, kPlainButtonId, m_plainButton);
+    DDX_Control(dx, mleditItem::kPlainButton, m_plainButton);
 }
 
 bool CKaldMlineEditDialog::OnCommand(int id, int code)
@@ -77,7 +78,7 @@ bool CKaldMlineEditDialog::OnCommand(int id, int code)
                 return true;
             }
         }
-        if (id == kPlainButtonId) {
+        if (id == mleditItem::kPlainButton) {
             m_selectedTool = kPlainButton;
             OnOK();
             return true;

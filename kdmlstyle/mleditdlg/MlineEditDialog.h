@@ -15,7 +15,6 @@ namespace kdml {
 class CKaldMlineEditDialog : public CDialog {
 public:
     static constexpr unsigned kTemplateId = 5758;
-    static constexpr int kPlainButtonId = 5771;
 
     // Loads every button's images from the current resource library.
     CKaldMlineEditDialog();

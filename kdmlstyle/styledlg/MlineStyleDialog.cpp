@@ -2,6 +2,7 @@
 
 #include "host/WorkingDatabase.h"
 #include "mlnfile/MlnStyleSaver.h"
+#include "res/DialogItems.h"
 #include "styledlg/MlineStyleLoadDialog.h"
 #include "styledlg/MlineStyleNameDialogs.h"
 #include "styledlg/MlineStyleNewModifyDialog.h"
@@ -23,20 +24,7 @@ namespace kdml {
 
 namespace {
 
-enum Item : int {
-    kStyleList = 1021,
-    kCurrentName = 1022,
-    kDescriptionLabel = 1023,
-    kDescription = 1024,
-    kPreview = 1025,
-    kSetCurrent = 1026,
-    kNew = 1028,
-    kModify = 1029,
-    kRename = 1030,
-    kDelete = 1031,
-    kLoad = 1032,
-    kSave = 1033,
-};
+using namespace styleManagerItem;
 
 constexpr unsigned kDeleteQuestion = 13;
 constexpr const wchar_t* kStandard = L"STANDARD";

@@ -3,6 +3,7 @@
 #include "host/WorkingDatabase.h"
 #include "mlnfile/MlnReader.h"
 #include "mlnfile/MlnStyleLoader.h"
+#include "res/DialogItems.h"
 #include "styledlg/StyleUse.h"
 #include "ui/DialogPlacement.h"
 
@@ -22,12 +23,7 @@ namespace kdml {
 
 namespace {
 
-enum Item : int {
-    kBrowse = 1056,
-    kFileName = 1057,
-    kStyleList = 1058,
-    kMessage = 1064,
-};
+using namespace styleLoadItem;
 
 constexpr const wchar_t* kSettings = L"Settings";
 constexpr const wchar_t* kLastFileKey = L"MlstyleFile";

@@ -1,5 +1,6 @@
 #include "styledlg/MlineStyleNameDialogs.h"
 
+#include "res/DialogItems.h"
 #include "styledlg/StyleNameRules.h"
 
 #include "kxhost.h"
@@ -15,13 +16,7 @@ namespace {
 
 constexpr int kMaxNameLength = 31;
 
-enum Item : int {
-    kNewName = 1035,
-    kStartStyle = 1036,
-    kRenameCurrent = 1059,
-    kRenameNew = 1060,
-    kRenameStyles = 1065,
-};
+using namespace styleNameItem;
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include "host/WorkingDatabase.h"
 #include "mlnfile/MlnElementTable.h"
 #include "mlnfile/StyleElementSetters.h"
+#include "res/DialogItems.h"
 #include "styledlg/MlineStyleDialog.h"
 #include "styledlg/StyleDictionary.h"
 #include "ui/DialogPlacement.h"
@@ -26,26 +27,7 @@ namespace kdml {
 
 namespace {
 
-enum Item : int {
-    kDescription = 1037,
-    kStartLine = 1038,
-    kEndLine = 1039,
-    kStartOuterArc = 1040,
-    kStartInnerArcs = 1041,
-    kEndOuterArc = 1042,
-    kEndInnerArcs = 1043,
-    kStartAngle = 1044,
-    kEndAngle = 1045,
-    kElementList = 1046,
-    kJoints = 1047,
-    kFillColor = 1048,
-    kElementColor = 1049,
-    kOffset = 1050,
-    kAdd = 1051,
-    kDelete = 1052,
-    kFill = 1054,
-    kLinetype = 1055,
-};
+using namespace styleDefinitionItem;
 
 enum Column : int { kOffsetColumn = 0, kLinetypeColumn = 1, kColorColumn = 2 };
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "TreePaths.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/db/LinetypeFile.h"
 #include "kxdb.h"
@@ -83,7 +84,7 @@ TEST(LinetypeFile, LoadsFromSupportFolderOnce)
 
 TEST(LinetypeFile, ShippedFilesHoldTheSameNames)
 {
-    const std::filesystem::path support = std::filesystem::path(KALDO_SOURCE_DIR) / "support";
+    const std::filesystem::path support = sourceDir() / "support";
     auto names = [](const std::filesystem::path& file) {
         std::ifstream in(file);
         const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "TestApplication.h"
+#include "TreePaths.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
 #include "kaldo/ed/InputSource.h"
@@ -36,7 +37,7 @@ protected:
         kaldo::host().profile = &profile;
         kaldo::host().crashRecorder = &recorder;
         editor.setTranscript([this](std::wstring_view text) { transcript += text; });
-        library_ = dlopen(KALDO_MODULES_DIR "/KdMLStyleRes.so", RTLD_NOW | RTLD_LOCAL);
+        library_ = dlopen((stagedPaths().modulesDir / "KdMLStyleRes.so").c_str(), RTLD_NOW | RTLD_LOCAL);
         kxrxSetResourceHandle(library_);
     }
     ~DialogFixture() override

@@ -3,8 +3,9 @@
 // same multiline geometry and flags, as our own reader does with every
 // value; what it writes we read and save without loss.
 #include "DxfText.h"
-#include "TestMlines.h"
 #include "MlineLists.h"
+#include "TestMlines.h"
+#include "TreePaths.h"
 
 #include "kaldo/dxf/TablesSection.h"
 
@@ -25,7 +26,7 @@ namespace {
 QByteArray runPython(const char* script, const QStringList& args)
 {
     QProcess python;
-    python.start("/usr/bin/python3", QStringList{QString(KALDO_SOURCE_DIR "/tests/dxf/") + script} + args);
+    python.start("/usr/bin/python3", QStringList{sourceFile(std::filesystem::path("tests/dxf") / script)} + args);
     python.waitForFinished(120000);
     EXPECT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
     return python.readAllStandardOutput();

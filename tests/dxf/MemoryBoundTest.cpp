@@ -6,6 +6,7 @@
 #include "AllocationMeter.h"
 #include "DxfText.h"
 #include "GroupText.h"
+#include "TreePaths.h"
 
 #include "kaldo/dxf/DxfError.h"
 
@@ -361,7 +362,7 @@ TEST(DxfMemoryBound, EveryInputStaysWithinTheBoundPerByte)
         inputs.push_back({"blocks of a line each", section("BLOCKS", withLine), 4});
     }
     for (const auto& entry :
-         std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_dxf_reader")) {
+         std::filesystem::directory_iterator(sourceDir() / "fuzz/corpus/fuzz_dxf_reader")) {
         std::ifstream in(entry.path(), std::ios::binary);
         inputs.push_back({entry.path().filename().string(), std::string{std::istreambuf_iterator<char>(in), {}}, 4});
     }

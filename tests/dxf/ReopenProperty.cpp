@@ -1,6 +1,7 @@
 #include "ReopenProperty.h"
 
 #include "DxfText.h"
+#include "TreePaths.h"
 
 #include "kaldo/dxf/DrawingExtents.h"
 #include "kaldo/dxf/DxfError.h"
@@ -55,7 +56,7 @@ std::map<std::filesystem::path, std::string> ezdxfAuditFindings(const std::vecto
     std::map<std::filesystem::path, std::string> findings;
     if (files.empty())
         return findings;
-    QStringList args{KALDO_SOURCE_DIR "/tests/dxf/ezdxf_audit.py"};
+    QStringList args{sourceFile("tests/dxf/ezdxf_audit.py")};
     for (const std::filesystem::path& file : files)
         args << QString::fromStdString(file.string());
     QProcess python;

@@ -3,8 +3,9 @@
 // ones in UTF-8; ezdxf reads what we write, and we read what it writes,
 // with the same names.
 #include "DxfText.h"
-#include "TestMlines.h"
 #include "GroupText.h"
+#include "TestMlines.h"
+#include "TreePaths.h"
 
 #include "kaldo/dxf/TextCodec.h"
 
@@ -55,7 +56,7 @@ std::string textOf(KxDbDatabase& db)
 QJsonObject runNames(const QStringList& args)
 {
     QProcess python;
-    python.start("/usr/bin/python3", QStringList{QString(KALDO_SOURCE_DIR "/tests/dxf/ezdxf_names.py")} + args);
+    python.start("/usr/bin/python3", QStringList{sourceFile("tests/dxf/ezdxf_names.py")} + args);
     python.waitForFinished(120000);
     EXPECT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
     return QJsonDocument::fromJson(python.readAllStandardOutput()).object();

@@ -2,6 +2,7 @@
 // and the saved drawing holds what it draws.
 #include "EzdxfReport.h"
 #include "KaldoProcess.h"
+#include "TreePaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ using ::testing::Not;
 
 TEST(ExampleSession, DrawsTheRoadsAndTheRoomWithoutARefusedAnswer)
 {
-    std::ifstream file(KALDO_SOURCE_DIR "/examples/first-session.scr");
+    std::ifstream file(sourceDir() / "examples/first-session.scr");
     std::stringstream script;
     script << file.rdbuf();
     ASSERT_FALSE(script.str().empty());

@@ -9,6 +9,7 @@
 #include "EzdxfReport.h"
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "TreePaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,7 +28,7 @@ namespace {
 
 std::string galleryText(const char* name)
 {
-    return fileText(std::filesystem::path(KALDO_SOURCE_DIR "/docs/gallery") / name);
+    return fileText(sourceDir() / "docs/gallery" / name);
 }
 
 QString qs(const std::string& path)

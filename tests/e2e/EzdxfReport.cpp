@@ -1,5 +1,7 @@
 #include "EzdxfReport.h"
 
+#include "TreePaths.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -9,7 +11,7 @@ EzdxfReport readWithEzdxf(const std::string& dxfPath, const char* script, const 
     EzdxfReport report;
     QProcess python;
     // Debian's interpreter: the one on PATH may lack ezdxf.
-    python.start("/usr/bin/python3", QStringList{QStringLiteral(KALDO_SOURCE_DIR "/tests/dxf/") + script,
+    python.start("/usr/bin/python3", QStringList{sourceFile(std::filesystem::path("tests/dxf") / script),
                                                  QString::fromStdString(dxfPath)}
                                          + arguments);
     if (!python.waitForFinished(120000)) {

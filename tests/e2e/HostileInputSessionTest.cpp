@@ -6,6 +6,7 @@
 #include "FileText.h"
 #include "KaldoProcess.h"
 #include "MlnText.h"
+#include "TreePaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -63,7 +64,7 @@ TEST(HostileInputSession, NumbersThatOverflowAreRefusedAndHugeOnesWrittenReadabl
 TEST(HostileInputSession, LongAndOddInput)
 {
     KaldoProcess kaldo;
-    const std::string support = KALDO_STAGE_DIR "/share/kaldo/Support";
+    const std::string support = stagedPaths().supportDir.string();
     // A script line beyond 64 KiB is left out with a message, once; a
     // control character is shown, never sent to the terminal.
     const std::string control = "\x1b[31m";
@@ -154,7 +155,7 @@ TEST(HostileInputSession, DrawingsMadeToBreakTheRendererAreExportedWithBoundedWo
     };
     KaldoProcess kaldo;
     for (const Drawing& drawing : drawings) {
-        const QString dxf = QStringLiteral(KALDO_SOURCE_DIR "/tests/data/render/%1.dxf").arg(drawing.name);
+        const QString dxf = sourceFile("tests/data/render/%1.dxf").arg(drawing.name);
         const QString png = QString::fromStdString((kaldo.dir() / drawing.name).string()) + ".png";
         KaldoRun run = kaldo.runScript("", {dxf, "--export", png, "--size", "300"});
         ASSERT_EQ(run.exitCode, 0) << drawing.name << run.err;

@@ -1,5 +1,6 @@
 #include "KaldoProcess.h"
 
+#include "TreePaths.h"
 #include "dxf/ReopenProperty.h"
 
 #include <gtest/gtest.h>
@@ -21,8 +22,10 @@
 namespace {
 // The exit code of a run whose limits could not be set.
 constexpr int kChildSetUpFailed = 125;
-const QString kaldoBinary = QStringLiteral(KALDO_STAGE_DIR "/bin/kaldo");
-const QString stagedSupport = QStringLiteral(KALDO_STAGE_DIR "/share/kaldo/Support");
+QString kaldoProgram()
+{
+    return QString::fromStdString((stageDir() / "bin/kaldo").string());
+}
 }  // namespace
 
 KaldoProcess::KaldoProcess()
@@ -71,12 +74,12 @@ std::filesystem::path KaldoProcess::writeFile(const std::string& name, const std
 
 KaldoRun KaldoProcess::runArgs(const QStringList& args, const std::string& standardInput) const
 {
-    return run(kaldoBinary, args, standardInput);
+    return run(kaldoProgram(), args, standardInput);
 }
 
 KaldoRun KaldoProcess::runInTerminal(const QStringList& args, const std::string& typed) const
 {
-    return run("/usr/bin/python3", QStringList{KALDO_SOURCE_DIR "/tests/e2e/run_in_terminal.py", kaldoBinary} + args,
+    return run("/usr/bin/python3", QStringList{sourceFile("tests/e2e/run_in_terminal.py"), kaldoProgram()} + args,
                typed);
 }
 
@@ -118,6 +121,6 @@ KaldoRun KaldoProcess::runScript(const std::string& script, const QStringList& e
     QStringList args{"--script", QString::fromStdString(file.string()),
                      "--profile", QString::fromStdString((dir_ / "kaldo.ini").string()),
                      "--crash-dir", QString::fromStdString((dir_ / "crash").string()),
-                     "--support", stagedSupport};
+                     "--support", stagedSupport()};
     return runArgs(args + extraArgs);
 }

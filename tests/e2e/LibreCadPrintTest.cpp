@@ -9,6 +9,7 @@
 // original another program wrote.
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "TreePaths.h"
 
 #include <gtest/gtest.h>
 
@@ -193,7 +194,7 @@ TEST(LibreCadPrint, ExplodedCopiesPrintAsKaldoDrawsThem)
 {
     KaldoProcess kaldo;
     const auto gallery = [](const char* name) {
-        return fileText(std::filesystem::path(KALDO_SOURCE_DIR "/docs/gallery") / name);
+        return fileText(sourceDir() / "docs/gallery" / name);
     };
     kaldo.writeFile("gallery.mln", gallery("gallery.mln"));
     const std::string wall = gallery("wall.scr");

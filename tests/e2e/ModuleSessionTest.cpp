@@ -2,6 +2,7 @@
 // global and local names, unloaded and loaded again by command, and silent
 // when its command-time resource library cannot be found.
 #include "KaldoProcess.h"
+#include "TreePaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -68,8 +69,8 @@ TEST(ModuleSession, NoModulesThenLoadByPath)
     EXPECT_THAT(bare.out, Not(HasSubstr("KALDO_KDMLSTYLEGROUP")));
     EXPECT_THAT(bare.out, HasSubstr("Unknown command \"MLINE\"."));
 
-    const KaldoRun loaded =
-        kaldo.runScript("COMMANDS\n", {"--no-modules", "--load", KALDO_MODULES_DIR "/KdMLStyle.krx"});
+    const QString module = QString::fromStdString((stagedPaths().modulesDir / "KdMLStyle.krx").string());
+    const KaldoRun loaded = kaldo.runScript("COMMANDS\n", {"--no-modules", "--load", module});
     EXPECT_EQ(loaded.exitCode, 0);
     EXPECT_THAT(loaded.out, HasSubstr(moduleListing));
 

@@ -4,6 +4,7 @@
 // drawing these tests leave is checked again when KaldoProcess goes.)
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "TreePaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,12 +17,10 @@ using ::testing::Not;
 
 namespace {
 
-const std::filesystem::path kData = KALDO_SOURCE_DIR "/tests/data";
-
 // A file of the test data copied into the session's folder.
 std::string copied(const KaldoProcess& kaldo, const std::string& data)
 {
-    const std::filesystem::path from = kData / data;
+    const std::filesystem::path from = sourceDir() / "tests/data" / data;
     return kaldo.writeFile(from.filename().string(), fileText(from)).string();
 }
 

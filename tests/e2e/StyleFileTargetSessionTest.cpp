@@ -6,6 +6,7 @@
 // FIFO or leave an empty picture on a full disk.
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "TreePaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,8 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kSupportStyles = KALDO_STAGE_DIR "/share/kaldo/Support/KALDO.mln";
-
 // The manager's Save of its selected style (STANDARD) into path.
 std::string saveInto(const fs::path& path)
 {
@@ -38,7 +37,7 @@ TEST(StyleFileTargetSession, SaveKeepsWhatItCannotReadAndWritesInPlace)
     KaldoProcess kaldo;
     kaldo.keepToFilePermissions();
     const fs::path dir = kaldo.dir();
-    const std::string nineStyles = fileText(kSupportStyles);
+    const std::string nineStyles = fileText(stagedPaths().supportDir / "KALDO.mln");
     ASSERT_EQ(QString::fromStdString(nineStyles).count("MLSTYLE"), 9);
     const std::string keep = "MLSTYLE\r\n2\r\n KEEP\r\n70\r\n 0\r\n3\r\n \r\n71\r\n 0\r\n0\r\n";
 

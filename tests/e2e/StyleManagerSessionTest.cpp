@@ -6,6 +6,7 @@
 #include "EzdxfReport.h"
 #include "FileText.h"
 #include "KaldoProcess.h"
+#include "TreePaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -36,7 +37,7 @@ QJsonObject stylesRead(const std::filesystem::path& dxf)
 {
     QProcess python;
     python.start("/usr/bin/python3",
-                 {KALDO_SOURCE_DIR "/tests/e2e/ezdxf_mlstyles.py", QString::fromStdString(dxf.string())});
+                 {sourceFile("tests/e2e/ezdxf_mlstyles.py"), QString::fromStdString(dxf.string())});
     python.waitForFinished(120000);
     return QJsonDocument::fromJson(python.readAllStandardOutput()).object();
 }

@@ -2,6 +2,7 @@
 // script comes from and what happens when a named file is missing; the
 // tunables it restarts with.
 #include "KaldoProcess.h"
+#include "TreePaths.h"
 #include "kaldo/app/HeapPages.h"
 
 #include <gmock/gmock.h>
@@ -17,10 +18,6 @@
 
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-namespace {
-const QString support = QStringLiteral(KALDO_STAGE_DIR "/share/kaldo/Support");
-}
 
 TEST(KaldoUsage, HelpVersionAndBadUsage)
 {
@@ -66,7 +63,7 @@ TEST(KaldoUsage, HelpVersionAndBadUsage)
 TEST(KaldoUsage, MissingFilesGiveAMessageAndExitCodeTwo)
 {
     KaldoProcess kaldo;
-    const KaldoRun noScript = kaldo.runArgs({"--script", "no-such.scr", "--support", support});
+    const KaldoRun noScript = kaldo.runArgs({"--script", "no-such.scr", "--support", stagedSupport()});
     EXPECT_EQ(noScript.exitCode, 2);
     EXPECT_THAT(noScript.err, HasSubstr("no-such.scr"));
     EXPECT_TRUE(noScript.out.empty());
@@ -76,11 +73,11 @@ TEST(KaldoUsage, MissingFilesGiveAMessageAndExitCodeTwo)
     // A profile that does not exist yet is made, in a new folder too, as a
     // first run makes the default one; one that cannot be made is refused.
     const KaldoRun newProfile =
-        kaldo.runArgs({"--script", scriptArg, "--support", support, "--profile", "new/first.ini"});
+        kaldo.runArgs({"--script", scriptArg, "--support", stagedSupport(), "--profile", "new/first.ini"});
     EXPECT_EQ(newProfile.exitCode, 0) << newProfile.err;
     EXPECT_TRUE(std::filesystem::is_regular_file(kaldo.dir() / "new" / "first.ini"));
     const KaldoRun noProfile =
-        kaldo.runArgs({"--script", scriptArg, "--support", support, "--profile", "ok.scr/under-a-file.ini"});
+        kaldo.runArgs({"--script", scriptArg, "--support", stagedSupport(), "--profile", "ok.scr/under-a-file.ini"});
     EXPECT_EQ(noProfile.exitCode, 2);
     EXPECT_THAT(noProfile.err, HasSubstr("cannot create the profile 'ok.scr/under-a-file.ini'"));
 
@@ -88,7 +85,8 @@ TEST(KaldoUsage, MissingFilesGiveAMessageAndExitCodeTwo)
     EXPECT_EQ(noSupport.exitCode, 2);
     EXPECT_THAT(noSupport.err, HasSubstr("no-such-folder"));
 
-    const KaldoRun noModule = kaldo.runArgs({"--script", scriptArg, "--support", support, "--load", "nope.krx"});
+    const KaldoRun noModule =
+        kaldo.runArgs({"--script", scriptArg, "--support", stagedSupport(), "--load", "nope.krx"});
     EXPECT_EQ(noModule.exitCode, 2);
     EXPECT_THAT(noModule.err, HasSubstr("nope.krx"));
 }
@@ -96,14 +94,14 @@ TEST(KaldoUsage, MissingFilesGiveAMessageAndExitCodeTwo)
 TEST(KaldoUsage, ScriptFromStandardInputAndEndOfScript)
 {
     KaldoProcess kaldo;
-    const KaldoRun piped = kaldo.runArgs({"--script", "-", "--support", support}, "FOO\nLINE\n0,0\n");
+    const KaldoRun piped = kaldo.runArgs({"--script", "-", "--support", stagedSupport()}, "FOO\nLINE\n0,0\n");
     EXPECT_EQ(piped.exitCode, 0);
     EXPECT_THAT(piped.out, HasSubstr("Command: FOO\nUnknown command \"FOO\"."));
     EXPECT_THAT(piped.out, HasSubstr("Specify first point: 0,0\nSpecify next point"));
 
     // Without --script the commands come from standard input too, with a
     // note on standard error.
-    const KaldoRun plain = kaldo.runArgs({"--support", support}, "LINE\n");
+    const KaldoRun plain = kaldo.runArgs({"--support", stagedSupport()}, "LINE\n");
     EXPECT_EQ(plain.exitCode, 0);
     EXPECT_THAT(plain.out, HasSubstr("Command: LINE\nSpecify first point: "));
     EXPECT_THAT(plain.err, HasSubstr("standard input"));
@@ -111,8 +109,8 @@ TEST(KaldoUsage, ScriptFromStandardInputAndEndOfScript)
     // A program feeding standard input counts as a script; a person typing
     // at a terminal does not, so that file dialogs can open.
     const char* const askHasMore = "SETVAR\nLISPCOMMANDHASMORE\n\nQUIT\n";
-    EXPECT_THAT(kaldo.runArgs({"--support", support}, askHasMore).out, HasSubstr("LISPCOMMANDHASMORE <1>"));
-    const KaldoRun typed = kaldo.runInTerminal({"--support", support}, askHasMore);
+    EXPECT_THAT(kaldo.runArgs({"--support", stagedSupport()}, askHasMore).out, HasSubstr("LISPCOMMANDHASMORE <1>"));
+    const KaldoRun typed = kaldo.runInTerminal({"--support", stagedSupport()}, askHasMore);
     EXPECT_EQ(typed.exitCode, 0);
     EXPECT_THAT(typed.out, HasSubstr("LISPCOMMANDHASMORE <0>"));
 
@@ -146,8 +144,9 @@ std::string runningTunables(const std::optional<QString>& tunables)
         env.insert("GLIBC_TUNABLES", *tunables);
     QProcess kaldo;
     kaldo.setProcessEnvironment(env);
-    kaldo.start(KALDO_STAGE_DIR "/bin/kaldo", {"--support", support, "--profile", dir.filePath("kaldo.ini"),
-                                              "--crash-dir", dir.filePath("crash")});
+    kaldo.start(QString::fromStdString((stageDir() / "bin/kaldo").string()),
+                {"--support", stagedSupport(), "--profile", dir.filePath("kaldo.ini"), "--crash-dir",
+                 dir.filePath("crash")});
     QByteArray out;
     while (!out.contains("Command:") && kaldo.waitForReadyRead(30000))
         out += kaldo.readAllStandardOutput();

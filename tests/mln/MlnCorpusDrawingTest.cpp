@@ -1,6 +1,7 @@
 // Every style of the .mln fuzz corpus, loaded into a drawing, goes through a
 // saved DXF whole: the drawing reopens and saves again to the same bytes.
 #include "MlnFixture.h"
+#include "TreePaths.h"
 #include "dxf/DxfText.h"
 
 #include "kaldo/dxf/DxfError.h"
@@ -17,7 +18,7 @@ TEST_F(MlnCorpusDrawing, EveryStyleLoadedIntoADrawingSavesAndReopensTheSame)
 {
     int loaded = 0;
     for (const auto& entry :
-         std::filesystem::directory_iterator(std::filesystem::path(KALDO_SOURCE_DIR) / "fuzz/corpus/fuzz_mln_reader")) {
+         std::filesystem::directory_iterator(sourceDir() / "fuzz/corpus/fuzz_mln_reader")) {
         const std::wstring path = entry.path().wstring();
         for (const std::wstring& name : kdml::listMlnStyleNames(path.c_str()))
             loaded += !kdml::loadMlnStyleIntoDictionary(db.mlineStyleDictionaryId(), name.c_str(), path.c_str()).isNull();

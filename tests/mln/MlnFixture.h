@@ -13,6 +13,7 @@
 #include <string>
 
 #include "FileText.h"
+#include "TreePaths.h"
 #include "kaldo/core/Host.h"
 #include "kaldo/ed/Editor.h"
 #include "kxdb.h"
@@ -25,7 +26,7 @@ protected:
     {
         kaldo::host().database = &db;
         kaldo::host().editor = &editor;
-        kaldo::host().supportDir = std::filesystem::path(KALDO_SOURCE_DIR) / "support";
+        kaldo::host().supportDir = sourceDir() / "support";
         editor.setTranscript([this](std::wstring_view text) { transcript += text; });
     }
     ~MlnFixture() override { kaldo::host() = saved_; }

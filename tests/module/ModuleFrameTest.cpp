@@ -1,4 +1,5 @@
 // The real module loaded through the host's dynamic linker.
+#include "TreePaths.h"
 #include "rx/InstalledRuntime.h"
 
 #include "kxhost.h"
@@ -22,19 +23,26 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const fs::path kModulesDir = KALDO_MODULES_DIR;
-const fs::path kModule = kModulesDir / "KdMLStyle.krx";
+fs::path modulesDir()
+{
+    return stagedPaths().modulesDir;
+}
+
+fs::path modulePath()
+{
+    return modulesDir() / "KdMLStyle.krx";
+}
 constexpr const wchar_t* kGroup = L"KALDO_KDMLSTYLEGROUP";
 constexpr const wchar_t* kService = L"KdMLStyleApps";
 
 class ModuleFrame : public ::testing::Test {
 protected:
-    ModuleFrame() { runtime().setModulesDir(kModulesDir); }
+    ModuleFrame() { runtime().setModulesDir(modulesDir()); }
 
     kaldo::Runtime& runtime() { return installed_.runtime; }
     KxEdCommandStack& commands() { return runtime().commands(); }
 
-    void load(const fs::path& path = kModule)
+    void load(const fs::path& path = modulePath())
     {
         std::wstring message;
         ASSERT_TRUE(runtime().linker().loadModule(path.wstring().c_str(), &message))
@@ -137,7 +145,7 @@ TEST_F(ModuleFrame, UnloadRemovesTheServiceAndTheGroupOnly)
     load();
     delete runtime().services().remove(kService);
     kxrxRegisterService(L"OtherApps");
-    ASSERT_TRUE(runtime().linker().unloadModule(kModule.wstring().c_str()));
+    ASSERT_TRUE(runtime().linker().unloadModule(modulePath().wstring().c_str()));
     EXPECT_EQ(groupNames(), std::vector<std::wstring>{L"HOSTGROUP"});
     EXPECT_NE(kxrxServiceAt(L"OtherApps"), nullptr);
     EXPECT_EQ(runtime().services().numEntries(), 1u);
@@ -165,7 +173,7 @@ TEST_F(ModuleFrame, RegistryEntriesOfTheWrongClassAreNotUsed)
 TEST_F(ModuleFrame, WithoutItsResourceLibraryTheModuleFailsToInitialiseAndRegistersNothing)
 {
     TempFolder folder;
-    fs::copy_file(kModule, folder.path / "KdMLStyle.krx");
+    fs::copy_file(modulePath(), folder.path / "KdMLStyle.krx");
     runtime().setModulesDir(folder.path);
     std::wstring message;
     const fs::path copy = folder.path / "KdMLStyle.krx";
@@ -176,7 +184,7 @@ TEST_F(ModuleFrame, WithoutItsResourceLibraryTheModuleFailsToInitialiseAndRegist
     EXPECT_EQ(runtime().services().numEntries(), 0u);
 
     // With the library beside it, the copy loads.
-    fs::copy_file(kModulesDir / "KdMLStyleRes.so", folder.path / "KdMLStyleRes.so");
+    fs::copy_file(modulesDir() / "KdMLStyleRes.so", folder.path / "KdMLStyleRes.so");
     load(copy);
     EXPECT_NE(commands().group(kGroup), nullptr);
 }
@@ -193,11 +201,11 @@ TEST_F(ModuleFrame, LoadFailuresSayWhy)
     EXPECT_FALSE(linker.loadModule((folder.path / "Text.krx").wstring().c_str(), &message));
     EXPECT_NE(message.find(L"not a loadable module"), std::wstring::npos);
 
-    EXPECT_FALSE(linker.loadModule((kModulesDir / "KdMLStyleRes.so").wstring().c_str(), &message));
+    EXPECT_FALSE(linker.loadModule((modulesDir() / "KdMLStyleRes.so").wstring().c_str(), &message));
     EXPECT_NE(message.find(L"no kxrxEntryPoint"), std::wstring::npos);
 
     load();
-    EXPECT_FALSE(linker.loadModule(kModule.wstring().c_str(), &message));
+    EXPECT_FALSE(linker.loadModule(modulePath().wstring().c_str(), &message));
     EXPECT_NE(message.find(L"already loaded"), std::wstring::npos);
     EXPECT_EQ(linker.loadedModules().size(), 1u);
     EXPECT_EQ(commands().group(kGroup)->commands.size(), 4u);

@@ -2,6 +2,8 @@
 // kdmlstyle/ includes in quotes is the module's own (beside the source or
 // under kdmlstyle/) or an SDK header, and none is reached through the
 // host's source tree.
+#include "TreePaths.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -14,7 +16,7 @@ namespace fs = std::filesystem;
 
 TEST(ModuleLayering, EverySourceIncludesOnlyModuleAndSdkHeaders)
 {
-    const fs::path source(KALDO_SOURCE_DIR);
+    const fs::path source = sourceDir();
     const fs::path module = source / "kdmlstyle";
     const fs::path sdk = source / "sdk" / "include";
     const std::regex quoted(R"re(^\s*#\s*include\s*"([^"]+)")re");

@@ -1,6 +1,7 @@
 // The module exports its instantiations of the host library's navigation
 // arrays and the navigation destructors; calls through the exported symbols
 // do what the templates do.
+#include "TreePaths.h"
 #include "kxuinav.h"
 
 #include <dlfcn.h>
@@ -18,7 +19,7 @@ Function exported(void* module, const char* symbol)
 
 TEST(NavigationExports, ArraysAndDestructorsCallableThroughTheModule)
 {
-    void* module = dlopen(KALDO_MODULES_DIR "/KdMLStyle.krx", RTLD_NOW | RTLD_LOCAL);
+    void* module = dlopen((stagedPaths().modulesDir / "KdMLStyle.krx").c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(module, nullptr) << dlerror();
 
     // Member functions take the object as their first argument.

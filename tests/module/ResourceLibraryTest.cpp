@@ -1,5 +1,6 @@
 // The command-time resource library: its name and the scope that makes it
 // the source of resource strings.
+#include "TreePaths.h"
 #include "rx/InstalledRuntime.h"
 
 #include "host/ResourceLibraryNames.h"
@@ -37,7 +38,7 @@ TEST(ResourceLibraryScope, SwapsTheResourceLibraryForItsLifeOnly)
     // The module finds the library beside itself through its RUNPATH; this
     // test program has none, so the library is made resident first and the
     // bare name then resolves to it.
-    void* resident = dlopen(KALDO_MODULES_DIR "/KdMLStyleRes.so", RTLD_NOW | RTLD_LOCAL);
+    void* resident = dlopen((stagedPaths().modulesDir / "KdMLStyleRes.so").c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(resident, nullptr) << dlerror();
 
     installed.runtime.setProductPreName(std::nullopt);

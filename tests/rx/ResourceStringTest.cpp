@@ -1,4 +1,5 @@
 #include "InstalledRuntime.h"
+#include "TreePaths.h"
 
 #include "kxhost.h"
 #include "kxrxlibrary.h"
@@ -14,11 +15,10 @@
 
 namespace {
 
-const char* kResourceLibrary = KALDO_MODULES_DIR "/KdMLStyleRes.so";
 
 // The library opened by path for the length of a test.
 struct OpenedLibrary {
-    void* handle = dlopen(kResourceLibrary, RTLD_NOW | RTLD_LOCAL);
+    void* handle = dlopen((stagedPaths().modulesDir / "KdMLStyleRes.so").c_str(), RTLD_NOW | RTLD_LOCAL);
     ~OpenedLibrary()
     {
         if (handle)
@@ -101,7 +101,7 @@ TEST(ResourceStrings, ResourceLibrariesAreFoundBesideTheModuleOrInTheModulesFold
 {
     InstalledRuntime installed;
     EXPECT_EQ(LoadResourceDll(L"KdMLStyleRes.so"), nullptr) << "no modules folder set";
-    installed.runtime.setModulesDir(KALDO_MODULES_DIR);
+    installed.runtime.setModulesDir(stagedPaths().modulesDir);
     void* handle = LoadResourceDll(L"KdMLStyleRes.so");
     ASSERT_NE(handle, nullptr);
     EXPECT_NE(kxResourceText(handle, 4013), nullptr);

@@ -5,10 +5,12 @@
 // multilines, ROAD_7M, used by none, and STANDARD.
 #include "MlnText.h"
 #include "Scenario.h"
-#include "TemplateItems.h"
 
 #include "kaldo/dlg/PlotDialog.h"
 #include "kaldo/dxf/DxfFile.h"
+#include "res/DialogItems.h"
+
+#include "kxuiwnd.h"
 
 #include <gmock/gmock.h>
 
@@ -22,6 +24,12 @@ using namespace scenario;
 using namespace kaldo::dlg;
 
 namespace {
+
+namespace manager = kdml::styleManagerItem;
+namespace definition = kdml::styleDefinitionItem;
+namespace names = kdml::styleNameItem;
+namespace load = kdml::styleLoadItem;
+namespace mledit = kdml::mleditItem;
 
 class DialogScenarios : public ::testing::Test {
 protected:
@@ -80,12 +88,14 @@ private:
 TEST_F(DialogScenarios, StyleManagerRowsByMouseThenEachButton)
 {
     const Outcome outcome = runBothWays(scenario(
-        {command("MLSTYLE"), select(kStyleList, "STANDARD"), select(kStyleList, "WALL_200MM"), click(kDelete),
-         click(kYes), click(kRename), click(kModify), click(kCancel),
-         command("MLSTYLE"), select(kStyleList, "ROAD_7M"), click(kModify), click(kCancel), click(kRename),
-         type(kRenameNew, "ROAD_8M"), click(kOk), click(kSave), file("%RUN%/road.mln"), click(kDelete), click(kNo),
-         click(kDelete), click(kYes), click(kNew), type(kNewName, "BRICK"), click(kOk), click(kOk),
-         select(kStyleList, "STANDARD"), click(kSetCurrent), doubleClick(kStyleList, "BRICK"), click(kOk)},
+        {command("MLSTYLE"), select(manager::kStyleList, "STANDARD"), select(manager::kStyleList, "WALL_200MM"),
+         click(manager::kDelete), click(IDYES), click(manager::kRename), click(manager::kModify), click(IDCANCEL),
+         command("MLSTYLE"), select(manager::kStyleList, "ROAD_7M"), click(manager::kModify), click(IDCANCEL),
+         click(manager::kRename), type(names::kRenameNew, "ROAD_8M"), click(IDOK), click(manager::kSave),
+         file("%RUN%/road.mln"), click(manager::kDelete), click(IDNO), click(manager::kDelete), click(IDYES),
+         click(manager::kNew), type(names::kNewName, "BRICK"), click(IDOK), click(IDOK),
+         select(manager::kStyleList, "STANDARD"), click(manager::kSetCurrent),
+         doubleClick(manager::kStyleList, "BRICK"), click(IDOK)},
         {"road.mln"}));
     EXPECT_THAT(outcome.drawing, HasSubstr("AcDbMlineStyle\n  2\nWALL_200MM\n"));
     EXPECT_THAT(outcome.drawing, Not(HasSubstr("ROAD_")));
@@ -99,10 +109,11 @@ TEST_F(DialogScenarios, StyleManagerRowsByMouseThenEachButton)
 TEST_F(DialogScenarios, StyleManagerByKeys)
 {
     const Outcome outcome = runBothWays(scenario(
-        {command("MLSTYLE"), select(kStyleList, "STANDARD", Hand::Keys), select(kStyleList, "WALL_200MM", Hand::Keys),
-         click(kDelete), select(kStyleList, "ROAD_7M", Hand::Keys), click(kSetCurrent), key(Qt::Key_Return, ""),
-         type(kNewName, "KEYED"), key(Qt::Key_Return, ""), key(Qt::Key_Escape, "^C"),
-         select(kStyleList, "STANDARD", Hand::Keys), key(Qt::Key_Return, "")}));
+        {command("MLSTYLE"), select(manager::kStyleList, "STANDARD", Hand::Keys),
+         select(manager::kStyleList, "WALL_200MM", Hand::Keys), click(manager::kDelete),
+         select(manager::kStyleList, "ROAD_7M", Hand::Keys), click(manager::kSetCurrent), key(Qt::Key_Return, ""),
+         type(names::kNewName, "KEYED"), key(Qt::Key_Return, ""), key(Qt::Key_Escape, "^C"),
+         select(manager::kStyleList, "STANDARD", Hand::Keys), key(Qt::Key_Return, "")}));
     EXPECT_THAT(outcome.drawing, HasSubstr("AcDbMlineStyle\n  2\nWALL_200MM\n"));
     EXPECT_THAT(outcome.drawing, HasSubstr("$CMLSTYLE\n  2\nROAD_7M\n"));
     EXPECT_THAT(outcome.drawing, Not(HasSubstr("KEYED")));
@@ -118,13 +129,15 @@ TEST_F(DialogScenarios, StyleManagerByKeys)
 TEST_F(DialogScenarios, NewModifyDialogElementsCombosAndHeadings)
 {
     const Outcome outcome = runBothWays(scenario(
-        {command("MLSTYLE"), select(kStyleList, "STANDARD"), click(kModify), click(kAddElement),
-         type(kOffset, "0.25"), select(kElementColor, "Red"), select(kLinetype, "Continuous", Hand::Wheel),
-         select(kElements, "-0.5"), select(kElementColor, "Blue", Hand::Keys), select(kElements, "0.25", Hand::Keys),
-         click(kDeleteElement), type(kOffset, "0.75"), select(kElementColor, "Green"), header(kElements, 1),
-         header(kElements, 0), select(kElements, "0.5"), type(kOffset, "0.3"), check(kStartLine, true),
-         check(kFill, true), select(kFillColor, "Yellow"), type(kStartAngle, "45"),
-         type(kDescription, "Edited by hand"), click(kOk), click(kOk)}));
+        {command("MLSTYLE"), select(manager::kStyleList, "STANDARD"), click(manager::kModify), click(definition::kAdd),
+         type(definition::kOffset, "0.25"), select(definition::kElementColor, "Red"),
+         select(definition::kLinetype, "Continuous", Hand::Wheel), select(definition::kElementList, "-0.5"),
+         select(definition::kElementColor, "Blue", Hand::Keys), select(definition::kElementList, "0.25", Hand::Keys),
+         click(definition::kDelete), type(definition::kOffset, "0.75"), select(definition::kElementColor, "Green"),
+         header(definition::kElementList, 1), header(definition::kElementList, 0),
+         select(definition::kElementList, "0.5"), type(definition::kOffset, "0.3"), check(definition::kStartLine, true),
+         check(definition::kFill, true), select(definition::kFillColor, "Yellow"), type(definition::kStartAngle, "45"),
+         type(definition::kDescription, "Edited by hand"), click(IDOK), click(IDOK)}));
     EXPECT_THAT(outcome.drawing, HasSubstr("  3\nEdited by hand\n"));
     // The deleted row took its offset and colour along; the typed 0.75 and
     // the green went nowhere.
@@ -139,10 +152,11 @@ TEST_F(DialogScenarios, NewModifyDialogElementsCombosAndHeadings)
 TEST_F(DialogScenarios, NameDialogsRefuseNamesWhileTyped)
 {
     const Outcome outcome = runBothWays(scenario(
-        {command("MLSTYLE"), click(kNew), type(kNewName, "A#B"), click(kOk), type(kNewName, "wall_200mm"), click(kOk),
-         type(kNewName, "HALL"), select(kStartStyle, "ROAD_7M"), click(kOk), click(kOk),
-         select(kStyleList, "HALL"), click(kRename), type(kRenameNew, "NEW HALL"), click(kOk),
-         type(kRenameNew, "HALL?"), click(kOk), type(kRenameNew, "HALL_2"), click(kOk), click(kOk)}));
+        {command("MLSTYLE"), click(manager::kNew), type(names::kNewName, "A#B"), click(IDOK),
+         type(names::kNewName, "wall_200mm"), click(IDOK), type(names::kNewName, "HALL"),
+         select(names::kStartStyle, "ROAD_7M"), click(IDOK), click(IDOK), select(manager::kStyleList, "HALL"),
+         click(manager::kRename), type(names::kRenameNew, "NEW HALL"), click(IDOK), type(names::kRenameNew, "HALL?"),
+         click(IDOK), type(names::kRenameNew, "HALL_2"), click(IDOK), click(IDOK)}));
     EXPECT_THAT(outcome.drawing, HasSubstr("AcDbMlineStyle\n  2\nHALL_2\n"));
     EXPECT_THAT(outcome.drawing, HasSubstr("  3\nROAD_7M from the file\n"));
     EXPECT_THAT(outcome.drawing, Not(HasSubstr("A#B")));
@@ -154,10 +168,11 @@ TEST_F(DialogScenarios, NameDialogsRefuseNamesWhileTyped)
 TEST_F(DialogScenarios, LoadDialogEnterAndSpaceNeverLoad)
 {
     const Outcome outcome = runBothWays(scenario(
-        {command("MLSTYLE"), click(kLoad), click(kBrowse), file(stylesFile()), select(kFileStyles, "PIPE"),
-         key(Qt::Key_Return, ""), click(kLoad), select(kFileStyles, "PIPE"), key(Qt::Key_Space, "CLICK 2"),
-         click(kLoad), select(kFileStyles, "WALL_200MM", Hand::Keys), click(kOk), click(kCancel), click(kLoad),
-         doubleClick(kFileStyles, "PIPE"), click(kOk)}));
+        {command("MLSTYLE"), click(manager::kLoad), click(load::kBrowse), file(stylesFile()),
+         select(load::kStyleList, "PIPE"), key(Qt::Key_Return, ""), click(manager::kLoad),
+         select(load::kStyleList, "PIPE"), key(Qt::Key_Space, "CLICK 2"), click(manager::kLoad),
+         select(load::kStyleList, "WALL_200MM", Hand::Keys), click(IDOK), click(IDCANCEL), click(manager::kLoad),
+         doubleClick(load::kStyleList, "PIPE"), click(IDOK)}));
     EXPECT_THAT(outcome.transcript, HasSubstr("Dialog 108 closed: Cancel\nDialog 108: Load Multiline Styles\n"
                                               "Dialog 108 closed: Cancel\nDialog 108: Load Multiline Styles\n"
                                               "Dialog 108 closed: Cancel\nDialog 108: Load Multiline Styles\n"
@@ -174,9 +189,9 @@ TEST_F(DialogScenarios, ToolDialogImageButtons)
     std::vector<Step> steps;
     for (int button = 5759; button <= 5770; ++button)
         steps.insert(steps.end(), {command("MLEDIT"), click(button), command("")});
-    steps.insert(steps.end(), {command("MLEDIT"), click(kPlainButton), command("MLEDIT"), key(Qt::Key_Return, ""),
-                               command("MLEDIT"), key(Qt::Key_Escape, "^C"), command("MLEDIT"), click(5759),
-                               command("20,0"), command("50,30"), command("")});
+    steps.insert(steps.end(), {command("MLEDIT"), click(mledit::kPlainButton), command("MLEDIT"),
+                               key(Qt::Key_Return, ""), command("MLEDIT"), key(Qt::Key_Escape, "^C"), command("MLEDIT"),
+                               click(5759), command("20,0"), command("50,30"), command("")});
     const Outcome outcome = runBothWays(scenario(steps));
     for (const char* prompt : {"Select first mline: \n", "Select mline: \n"})
         EXPECT_THAT(outcome.transcript, HasSubstr(prompt));
@@ -198,7 +213,7 @@ TEST_F(DialogScenarios, PlotDialogSheetWindowAndFile)
          check(kPlotCentre, false), type(kPlotOffsetX, "10"), type(kPlotOffsetY, "20"), check(kPlotMonochrome, true),
          check(kPlotLineWeights, false), type(kPlotDefaultLineWeight, "0.35"), click(kPlotPickWindow),
          command("-10,-30"), command("110,60"), select(kPlotPaper, "Custom"), type(kPlotPaperWidth, "wide"),
-         click(kOk), type(kPlotPaperWidth, "500"), type(kPlotPaperHeight, "300"), click(kOk),
+         click(IDOK), type(kPlotPaperWidth, "500"), type(kPlotPaperHeight, "300"), click(IDOK),
          file("%RUN%/walls.pdf"), command("PLOT"), key(Qt::Key_Escape, "^C")}));
     EXPECT_THAT(outcome.transcript, HasSubstr("Dialog 7000: Plot\nDialog 7000 closed: 7007\n"));
     EXPECT_THAT(outcome.transcript, HasSubstr("Specify first corner: -10,-30\nSpecify opposite corner: 110,60\n"

@@ -2,6 +2,7 @@
 #include "HandDriver.h"
 #include "Scenario.h"
 #include "TestApplication.h"
+#include "TreePaths.h"
 
 #include "kaldo/app/CommandLoop.h"
 #include "kaldo/app/Session.h"
@@ -50,8 +51,8 @@ private:
         std::filesystem::create_directories(folder);
         kaldo::SessionPaths made;
         made.profile = folder / "kaldo.ini";
-        made.supportDir = KALDO_STAGE_DIR "/share/kaldo/Support";
-        made.modulesDir = KALDO_MODULES_DIR;
+        made.supportDir = stagedPaths().supportDir;
+        made.modulesDir = stagedPaths().modulesDir;
         made.crashDir = folder / "crash";
         return made;
     }

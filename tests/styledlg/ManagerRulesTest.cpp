@@ -5,6 +5,7 @@
 // and open nothing.
 #include "StyleDrawingFixture.h"
 
+#include "res/DialogItems.h"
 #include "styledlg/MlineStyleDialog.h"
 
 #include <gmock/gmock.h>
@@ -14,7 +15,7 @@ using ::testing::Not;
 
 namespace {
 
-enum Item : int { kStyleList = 1021, kSetCurrent = 1026, kModify = 1029, kRename = 1030, kDelete = 1031 };
+using namespace kdml::styleManagerItem;
 
 // A manager whose opening selects a style and clicks the actions at once,
 // whatever their buttons show.
@@ -74,16 +75,18 @@ TEST_F(ManagerRulesTest, ProtectedStylesRefuseTheActionsWhenClicked)
     EXPECT_FALSE(hasStyle(L"GONE"));
     expectNothingOpened();
 
-    // STANDARD, neither current nor in use, is never renamed; an empty
-    // selection takes no action at all.
+    // STANDARD, neither current nor in use, is never renamed, yet made
+    // current (the clicks reach the manager); an empty selection takes no
+    // action at all.
     script("TEXT 1060 OTHER\nCLICK 1\nCLICK 1\n");
-    ClickingManager standard(L"STANDARD", {kRename});
+    ClickingManager standard(L"STANDARD", {kRename, kSetCurrent});
     standard.DoModal();
     EXPECT_TRUE(hasStyle(L"STANDARD"));
+    EXPECT_EQ(currentStyle(), L"STANDARD");
     expectNothingOpened();
     script("CLICK 1\n");
     ClickingManager none(L"NO SUCH STYLE", {kDelete, kRename, kModify, kSetCurrent});
     none.DoModal();
-    EXPECT_EQ(currentStyle(), L"WALL");
+    EXPECT_EQ(currentStyle(), L"STANDARD");
     expectNothingOpened();
 }

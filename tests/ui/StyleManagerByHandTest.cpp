@@ -6,8 +6,10 @@
 #include "WindowFixture.h"
 
 #include "MlnText.h"
+#include "res/DialogItems.h"
 #include "scenarios/HandDriver.h"
-#include "scenarios/TemplateItems.h"
+
+#include "kxuiwnd.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -15,6 +17,9 @@
 #include <fstream>
 
 using namespace scenario;
+
+namespace manager = kdml::styleManagerItem;
+namespace load = kdml::styleLoadItem;
 
 class StyleManagerByHand : public WindowFixture {
 protected:
@@ -35,9 +40,9 @@ TEST_F(StyleManagerByHand, TheCurrentStyleInUseSurvivesMouseClicksOnAnotherRowAn
 {
     const std::string styles = dir() + "/walls.mln";
     std::ofstream(styles) << mlnStyleBlock("WALL_200MM", "Wall", {0.1, -0.1});
-    ASSERT_TRUE(mlstyleByHand({click(kLoad), click(kBrowse), file(QString::fromStdString(styles)),
-                               select(kFileStyles, "WALL_200MM"), click(kOk), select(kStyleList, "WALL_200MM"),
-                               click(kSetCurrent), click(kOk)}));
+    ASSERT_TRUE(mlstyleByHand({click(manager::kLoad), click(load::kBrowse), file(QString::fromStdString(styles)),
+                               select(load::kStyleList, "WALL_200MM"), click(IDOK),
+                               select(manager::kStyleList, "WALL_200MM"), click(manager::kSetCurrent), click(IDOK)}));
     ASSERT_TRUE(runTyped({"ZOOM", "W", "-10,-10", "110,110"}));
     for (int row = 0; row < 10; ++row) {
         type("MLINE");
@@ -52,8 +57,8 @@ TEST_F(StyleManagerByHand, TheCurrentStyleInUseSurvivesMouseClicksOnAnotherRowAn
 
     // STANDARD by the mouse, then WALL_200MM: Delete and Rename stay
     // disabled, and clicks on them do nothing.
-    ASSERT_TRUE(mlstyleByHand({select(kStyleList, "STANDARD"), select(kStyleList, "WALL_200MM"), click(kDelete),
-                               click(kYes), click(kRename), click(kOk)}));
+    ASSERT_TRUE(mlstyleByHand({select(manager::kStyleList, "STANDARD"), select(manager::kStyleList, "WALL_200MM"),
+                               click(manager::kDelete), click(IDYES), click(manager::kRename), click(IDOK)}));
     EXPECT_FALSE(transcript().contains("Message: "));
 
     const QJsonObject read = savedAndRead("after.dxf");

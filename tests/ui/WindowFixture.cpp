@@ -1,6 +1,7 @@
 #include "WindowFixture.h"
 
 #include "TestApplication.h"
+#include "TreePaths.h"
 #include "../e2e/EzdxfReport.h"
 #include "kaldo/ui/ViewGeometry.h"
 
@@ -28,8 +29,8 @@ WindowFixture::WindowFixture(const std::function<void(kaldo::Profile&)>& prepare
     }
     kaldo::SessionPaths paths;
     paths.profile = temp_.filePath("kaldo.ini").toStdString();
-    paths.supportDir = KALDO_STAGE_DIR "/share/kaldo/Support";
-    paths.modulesDir = KALDO_MODULES_DIR;
+    paths.supportDir = stagedPaths().supportDir;
+    paths.modulesDir = stagedPaths().modulesDir;
     paths.crashDir = temp_.filePath("crash").toStdString();
     session_ = std::make_unique<kaldo::Session>(paths);
     for (const std::wstring& failure : session_->loadModulesFolder())

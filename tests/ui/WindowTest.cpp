@@ -3,6 +3,7 @@
 // the command line's keys and text window, zoom, zoom window and pan, recent
 // files and the progress window, the unsaved-changes question, drawings
 // that would break the renderer, and the Plot dialog's preview.
+#include "TreePaths.h"
 #include "WindowFixture.h"
 
 #include "FileText.h"
@@ -769,7 +770,7 @@ TEST_F(Window, DrawingsMadeToBreakTheRendererAreShownAndMemoryThatRunsOutIsSaid)
     for (const Drawing& drawing : drawings) {
         const char* name = drawing.name;
         const char* said = drawing.said;
-        const QString path = QStringLiteral(KALDO_SOURCE_DIR "/tests/data/render/%1.dxf").arg(name);
+        const QString path = sourceFile("tests/data/render/%1.dxf").arg(name);
         const qsizetype before = transcript().size();
         ASSERT_TRUE(open(path)) << name;
         EXPECT_TRUE(QTest::qWaitFor([&] { return transcript().indexOf(said, before) >= 0; }, kWaitMs)) << name;

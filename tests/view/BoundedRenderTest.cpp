@@ -6,6 +6,7 @@
 // the picture is made, never thrown out of a thread.
 #include "../dxf/AllocationMeter.h"
 #include "PlacedScene.h"
+#include "TreePaths.h"
 #include "ViewDrawing.h"
 
 #include "kaldo/dxf/DxfFile.h"
@@ -29,7 +30,7 @@ namespace {
 Scene renderHostile(const char* name, RenderNotes& notes)
 {
     const kaldo::dxf::DxfDrawing drawing =
-        kaldo::dxf::readDxfFile(std::string(KALDO_SOURCE_DIR "/tests/data/render/") + name);
+        kaldo::dxf::readDxfFile(sourceDir() / "tests/data/render" / name);
     return placedScene(renderDrawing(*drawing.database, &notes));
 }
 
