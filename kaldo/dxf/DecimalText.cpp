@@ -59,27 +59,40 @@ bool isWhole(const Binary& binary)
     return (binary.significand & ((std::uint64_t(1) << binary.shift) - 1)) == 0;
 }
 
-// The whole number nearest to the value times 10^decimals, and twice its
-// distance from that product in units of 2^-shift; a tie when the product
-// lies halfway between two whole numbers.
+// The value times 10^decimals exactly: a whole number and the rest in
+// units of 2^-shift.
+struct Product {
+    std::uint64_t whole = 0;
+    std::uint64_t rest = 0;
+};
+
+Product product(const Binary& binary, int decimals)
+{
+    const Wide exact = Wide(binary.significand) * kPowersOfTen[decimals];
+    const auto low = std::uint64_t(exact);
+    const auto high = std::uint64_t(exact >> 64);
+    // The shift is below 64: the whole number takes bits of both halves.
+    return {(high << (64 - binary.shift)) | (low >> binary.shift), low & ((std::uint64_t(1) << binary.shift) - 1)};
+}
+
+// The whole number of units (1, 10 or 100) nearest to a product, and twice
+// its distance from the product in units of 2^-shift; a tie when the
+// product lies halfway between two such numbers.
 struct Scaled {
     std::uint64_t nearest = 0;
     std::uint64_t twiceDistance = 0;
     bool tie = false;
 };
 
-Scaled scaled(const Binary& binary, int decimals)
+Scaled rounded(const Product& product, int shift, std::uint64_t unit)
 {
-    const Wide exact = Wide(binary.significand) * kPowersOfTen[decimals];
-    const auto low = std::uint64_t(exact);
-    const auto high = std::uint64_t(exact >> 64);
-    // The shift is below 64: the quotient takes bits of both halves.
-    const std::uint64_t quotient = (high << (64 - binary.shift)) | (low >> binary.shift);
-    const std::uint64_t remainder = low & ((std::uint64_t(1) << binary.shift) - 1);
-    const std::uint64_t half = std::uint64_t(1) << (binary.shift - 1);
+    // Below 100 * 2^52: the rest of whole units fits one word.
+    const std::uint64_t remainder = (product.whole % unit) << shift | product.rest;
+    const std::uint64_t span = unit << shift;
+    const std::uint64_t half = span >> 1;
     // Without branches: rounding up or down is as likely.
-    const std::uint64_t distance = std::min(remainder, (half << 1) - remainder);
-    return {quotient + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
+    const std::uint64_t distance = std::min(remainder, span - remainder);
+    return {product.whole / unit + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
 }
 
 // The eight digits of a number below 10^8 as characters, the first in
@@ -152,7 +165,8 @@ char* writeShortestDecimal(double value, char* out)
     Binary binary;
     if (!takeBinary(magnitude, binary) || isWhole(binary))
         return nullptr;
-    {
+    // Below 10^5, writeFewDecimals has looked for up to three decimals.
+    if (magnitude >= 1e5) {
         std::uint64_t digits = 0;
         int decimals = 0;
         if (fewDecimals(magnitude, digits, decimals))
@@ -165,66 +179,44 @@ char* writeShortestDecimal(double value, char* out)
     // decimals, the exact text is the nearest. When one count reads back,
     // every larger one does, and seventeen significant digits always do.
     // Such a text with decimals is shorter than the scientific form.
-    Scaled found;
-    bool tie = false;
-    const auto readsBack = [&](int decimals) {
-        found = scaled(binary, decimals);
-        tie = tie || found.tie;
-        return found.twiceDistance < kPowersOfTen[decimals];
-    };
     const int whole = wholeDigits(binary);
     const int most = 17 - whole;
-    // Below 2^42 no text of up to three decimals reads back (fewDecimals
-    // found none), so the search starts at four.
-    int decimals = magnitude < 0x1p42 ? 4 : 1;
-    // Whether found holds the text of the count chosen, so that it is not
-    // made again.
-    bool chosen = false;
-    if (decimals == 1 && most > 3) {
-        // Values of up to three decimals above 2^42 have few decimals too:
-        // searched from two, two tries for up to three decimals, one try
-        // fewer than upwards from one for three and for computed values.
-        if (readsBack(2)) {
-            const Scaled two = found;
-            decimals = readsBack(1) ? 1 : 2;
-            if (decimals == 2)
-                found = two;
-            chosen = true;
-        } else if (readsBack(3)) {
-            decimals = 3;
-            chosen = true;
-        } else {
-            decimals = 4;
-        }
-    }
-    if (!chosen && most - decimals >= 2) {
-        // Computed values mostly need sixteen or seventeen significant
-        // digits: those two are tried first, then fewer upwards.
-        if (!readsBack(most - 1)) {
-            decimals = most;
-            readsBack(most);
-        } else {
-            const Scaled sixteen = found;
-            if (!readsBack(most - 2)) {
-                decimals = most - 1;
-                found = sixteen;
-            } else {
-                const Scaled fifteen = found;
-                while (decimals < most - 2 && !readsBack(decimals))
-                    ++decimals;
-                if (decimals == most - 2)
-                    found = fifteen;
+    // Computed values need sixteen or seventeen significant digits. Those
+    // and fifteen are made from one product, of seventeen: rounded to tens
+    // and hundreds of it, twice their distance is in the same units, and
+    // reads back below the same bound.
+    const Product exact = product(binary, most);
+    const std::uint64_t bound = kPowersOfTen[most];
+    const Scaled seventeen = rounded(exact, binary.shift, 1);
+    const Scaled sixteen = rounded(exact, binary.shift, 10);
+    const Scaled fifteen = rounded(exact, binary.shift, 100);
+    // Without branches: sixteen digits or seventeen are as likely.
+    const bool sixteenReadBack = sixteen.twiceDistance < bound;
+    std::uint64_t digits = sixteenReadBack ? sixteen.nearest : seventeen.nearest;
+    bool tie = sixteenReadBack ? sixteen.tie : seventeen.tie;
+    int decimals = most - int(sixteenReadBack);
+    if (fifteen.twiceDistance < bound) {
+        // Fewer digits may read back: searched upwards. Below 2^42 no text
+        // of up to three decimals reads back (none was found), so the
+        // search starts at four.
+        decimals = magnitude < 0x1p42 ? 4 : 1;
+        Scaled found = fifteen;
+        for (; decimals < most - 2; ++decimals) {
+            const Scaled tried = rounded(product(binary, decimals), binary.shift, 1);
+            if (tried.twiceDistance < kPowersOfTen[decimals]) {
+                found = tried;
+                break;
             }
         }
-    } else if (!chosen) {
-        while (decimals < most && !readsBack(decimals))
-            ++decimals;
-        if (decimals == most)
-            readsBack(most);
+        decimals = std::min(decimals, most - 2);
+        digits = found.nearest;
+        tie = found.tie;
     }
+    // Halfway between two texts: which of them std::to_chars writes is
+    // left to it.
     if (tie)
         return nullptr;
-    return writeDigits(value < 0, found.nearest, whole, decimals, out);
+    return writeDigits(value < 0, digits, whole, decimals, out);
 }
 
 char* writeFifteenDigits(double value, char* out)
@@ -237,12 +229,12 @@ char* writeFifteenDigits(double value, char* out)
     if (whole > 15)
         return nullptr;
     int decimals = 15 - whole;
-    const Scaled rounded = scaled(binary, decimals);
-    if (rounded.tie || rounded.nearest >= kPowersOfTen[15])
+    const Scaled fifteen = rounded(product(binary, decimals), binary.shift, 1);
+    if (fifteen.tie || fifteen.nearest >= kPowersOfTen[15])
         return nullptr;
     // The general form drops the zeros that end the decimals, and the point
     // when none is left.
-    std::uint64_t digits = rounded.nearest;
+    std::uint64_t digits = fifteen.nearest;
     while (decimals > 0 && digits % 10 == 0) {
         digits /= 10;
         --decimals;

@@ -70,9 +70,11 @@ inline char* writeFewDecimals(double value, char* out)
 }
 
 // Writes at out the text std::to_chars(out, end, value) gives, for a value
-// that is not whole and lies from 1 up to 2^52 in magnitude; returns the
-// end of the text, or nullptr, with nothing written, for other values and
-// for the rare value that lies halfway between two texts.
+// that is not whole and lies from 1 up to 2^52 in magnitude, and that is
+// no whole number of thousandths below 10^5 (writeFewDecimals writes
+// those); returns the end of the text, or nullptr, with nothing written,
+// for other values and for the rare value that lies halfway between two
+// texts.
 char* writeShortestDecimal(double value, char* out);
 
 // Writes at out the text std::to_chars(out, end, value,

@@ -390,10 +390,12 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
                 values.push_back(near);
         }
     }
+    // Edges of the ways; 4 + 2^-17 ends halfway at seventeen digits and
+    // reads back with sixteen.
     for (const double edge : {1.5, 0.5, 0.9999999, 1.0000000000000002, 99999.99999, 562949953421311.5,
                               562949953421312.5, 1e14 + 0.25, 4503599627370495.5, 0x1p49 / 1e3, 123456.1e-3,
                               9.9999999999999982, 0x1p52 - 0.5, 0x1p52, 0x1p52 + 1, 1e15 - 0.125, 0x1p50 + 0.25,
-                              0x1p50 + 0.75, 0x1p49 + 0.125})
+                              0x1p50 + 0.75, 0x1p49 + 0.125, 4 + 0x1p-17, 4 + 3 * 0x1p-17})
         values.push_back(edge);
     // Whole numbers of thousandths below 1 (where 0.001 is as long as
     // 1e-03), up to 3 and about 10^5, where the way for them stops; their
