@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <emmintrin.h>
 #include <limits>
 
 namespace kaldo::dxf {
@@ -95,33 +96,43 @@ Scaled rounded(const Product& product, int shift, std::uint64_t unit)
     return {product.whole / unit + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
 }
 
-// The eight digits of a number below 10^8 as characters, the first in
-// the lowest byte.
-[[gnu::always_inline]] inline std::uint64_t eightDigits(std::uint32_t value)
+// The sixteen digits of a number below 10^16 as characters, the first in
+// the lowest byte: its halves of eight digits, their halves of four, then
+// hundreds and tens are split off in all lanes at once, by multiplications
+// with reciprocals of 10^4, 100 and 10 that are exact for numbers as small
+// as those lanes hold.
+[[gnu::always_inline]] inline __m128i sixteenDigits(std::uint64_t value)
 {
-    return eightDigitValues(value) + kDigitZeros;
+    constexpr std::uint64_t kEight = 100000000;
+    // Lanes of 64 bits, the higher eight digits first.
+    const __m128i eights = _mm_set_epi64x(std::int64_t(value % kEight), std::int64_t(value / kEight));
+    const __m128i highFours = _mm_srli_epi64(_mm_mul_epu32(eights, _mm_set1_epi32(int(0xD1B71759u))), 45);
+    const __m128i lowFours = _mm_sub_epi64(eights, _mm_mul_epu32(highFours, _mm_set1_epi32(10000)));
+    // Lanes of 32 bits, each below 10^4, then of 16 bits, each below 100.
+    const __m128i fours = _mm_or_si128(highFours, _mm_slli_epi64(lowFours, 32));
+    const __m128i highPairs = _mm_srli_epi16(_mm_mulhi_epu16(fours, _mm_set1_epi16(5243)), 3);
+    const __m128i lowPairs = _mm_sub_epi16(fours, _mm_mullo_epi16(highPairs, _mm_set1_epi16(100)));
+    const __m128i pairs = _mm_or_si128(highPairs, _mm_slli_epi32(lowPairs, 16));
+    const __m128i tens = _mm_mulhi_epu16(pairs, _mm_set1_epi16(6554));
+    const __m128i ones = _mm_sub_epi16(pairs, _mm_mullo_epi16(tens, _mm_set1_epi16(10)));
+    return _mm_add_epi8(_mm_or_si128(tens, _mm_slli_epi16(ones, 8)), _mm_set1_epi8('0'));
 }
 
 // Writes the whole digits and the decimals of digits (whole + decimals of
 // them, at most 17, each part at most 16) with the point between them. The
-// digits are made eight at a time, right-aligned in a text of 24; each part
-// is copied as sixteen bytes, so up to 34 bytes from out are overwritten.
+// digits are right-aligned in a text of 24, the last sixteen made at once;
+// each part is copied as sixteen bytes, so up to 34 bytes from out are
+// overwritten.
 char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, char* out)
 {
-    constexpr std::uint64_t kEight = 100000000;
-    // Bytes beyond the digits are copied out too, but lie beyond the text.
-    char text[40] = {};
+    constexpr std::uint64_t kSixteen = 10000000000000000;
+    // The bytes before the first of seventeen digits are never copied;
+    // those beyond the digits are, but lie beyond the text.
+    char text[40];
+    text[7] = char('0' + digits / kSixteen);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text + 8), sixteenDigits(digits % kSixteen));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text + 24), _mm_setzero_si128());
     const int count = whole + decimals;
-    const std::uint64_t low = eightDigits(std::uint32_t(digits % kEight));
-    std::memcpy(text + 16, &low, 8);
-    if (count > 8) {
-        const std::uint64_t middle = eightDigits(std::uint32_t(digits / kEight % kEight));
-        std::memcpy(text + 8, &middle, 8);
-        if (count > 16) {
-            const std::uint64_t high = eightDigits(std::uint32_t(digits / (kEight * kEight)));
-            std::memcpy(text, &high, 8);
-        }
-    }
     *out = '-';
     out += negative;
     std::memcpy(out, text + 24 - count, 16);
