@@ -100,28 +100,35 @@ void GroupWriter::line(int groupCode, std::string_view value)
 {
     const std::size_t size = value.size();
     const char* const in = value.data();
-    // Most groups have a code below 1000 and a value of 4 to 16 bytes,
+    // Most groups have a code below 1000 and a value of up to 16 bytes,
     // and the buffer room for them: written without a call, the value
-    // copied as two words that may overlap.
-    if (size >= 4 && size <= 16 && groupCode >= 0 && groupCode < kShortCodes
-        && used_ + kNumberRoom + size + 1 <= buffer_.size()) {
-        char* const out = buffer_.data() + used_;
-        std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
-        if (size >= 8) {
-            std::memcpy(out + 4, in, 8);
-            std::memcpy(out + 4 + size - 8, in + size - 8, 8);
-        } else {
-            std::memcpy(out + 4, in, 4);
-            std::memcpy(out + 4 + size - 4, in + size - 4, 4);
-        }
-        out[4 + size] = '\n';
-        used_ += 4 + size + 1;
-        return;
+    // copied as two words, or three bytes, that may overlap. Other groups
+    // are written by a call, so that these need no registers saved.
+    if (size > 16 || groupCode < 0 || groupCode >= kShortCodes || used_ + kNumberRoom + size + 1 > buffer_.size())
+        return lineOtherwise(groupCode, value);
+    char* const out = buffer_.data() + used_;
+    std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
+    if (size >= 8) {
+        std::memcpy(out + 4, in, 8);
+        std::memcpy(out + 4 + size - 8, in + size - 8, 8);
+    } else if (size >= 4) {
+        std::memcpy(out + 4, in, 4);
+        std::memcpy(out + 4 + size - 4, in + size - 4, 4);
+    } else if (size > 0) {
+        out[4] = in[0];
+        out[4 + size / 2] = in[size / 2];
+        out[3 + size] = in[size - 1];
     }
-    ensure(kNumberRoom + size + 1);
+    out[4 + size] = '\n';
+    used_ += 4 + size + 1;
+}
+
+void GroupWriter::lineOtherwise(int groupCode, std::string_view value)
+{
+    ensure(kNumberRoom + value.size() + 1);
     code(groupCode);
-    std::memcpy(buffer_.data() + used_, in, size);
-    used_ += size;
+    std::memcpy(buffer_.data() + used_, value.data(), value.size());
+    used_ += value.size();
     buffer_[used_++] = '\n';
 }
 

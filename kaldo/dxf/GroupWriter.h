@@ -66,6 +66,9 @@ private:
     void code(int code);
     // The code and the value as they stand.
     void line(int code, std::string_view value);
+    // line() for a value of more than 16 bytes, a code not below 1000 or
+    // below 0, or a buffer without room for them.
+    [[gnu::noinline]] void lineOtherwise(int code, std::string_view value);
     // Room for bytes more in the buffer, flushing it when full.
     void ensure(std::size_t bytes)
     {

@@ -138,6 +138,17 @@ TEST(DxfGroupStream, ValuesWithBytesToDecodeOrEncodeAreCodedWhereverTheBytesStan
                 expected += "  1\n" + encoded + "\n";
             }
         }
+        // Plain values of every length up to past the two words copied, with
+        // codes written from the table and not.
+        for (std::size_t length = 0; length <= 20; ++length) {
+            std::string value;
+            for (std::size_t i = 0; i < length; ++i)
+                value += char('a' + i);
+            for (const auto& [code, line] : {std::pair{1, "  1\n"}, std::pair{1000, "1000\n"}}) {
+                writer.text(code, value);
+                expected += line + value + "\n";
+            }
+        }
         writer.flush();
     }
     std::string written(std::size_t(std::ftell(file.get())), '\0');
