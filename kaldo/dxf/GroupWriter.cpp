@@ -144,6 +144,22 @@ void GroupWriter::wide(int groupCode, const std::wstring& value)
 
 void GroupWriter::real(int groupCode, double value)
 {
+    // Most reals have a code below 1000, the buffer room for them, and few
+    // decimals: written without a call, so that no registers are saved.
+    // Others are written by a call that ends the line too.
+    if (groupCode < 0 || groupCode >= kShortCodes || used_ + 2 * kNumberRoom > buffer_.size())
+        return realOtherwise(groupCode, value);
+    char* const out = buffer_.data() + used_;
+    std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
+    char* const end = writeFewDecimals(value, out + 4);
+    if (!end)
+        return otherRealLine(groupCode, value, out + 4);
+    *end = '\n';
+    used_ = std::size_t(end + 1 - buffer_.data());
+}
+
+void GroupWriter::realOtherwise(int groupCode, double value)
+{
     requireFinite(groupCode, value);
     ensure(2 * kNumberRoom);
     code(groupCode);
@@ -153,6 +169,14 @@ void GroupWriter::real(int groupCode, double value)
         out = writeOtherReal(value, start);
     *out++ = '\n';
     used_ += std::size_t(out - start);
+}
+
+void GroupWriter::otherRealLine(int groupCode, double value, char* out)
+{
+    requireFinite(groupCode, value);
+    char* const end = writeOtherReal(value, out);
+    *end = '\n';
+    used_ = std::size_t(end + 1 - buffer_.data());
 }
 
 char* GroupWriter::writeOtherReal(double value, char* out)

@@ -76,6 +76,12 @@ private:
             makeRoom(bytes);
     }
     void makeRoom(std::size_t bytes);
+    // real() for a code not below 1000 or below 0, or a buffer without
+    // room for them.
+    [[gnu::noinline]] void realOtherwise(int code, double value);
+    // The rest of real()'s line for a value that is no whole number of
+    // thousandths below 10^5, at out, in room the buffer has.
+    [[gnu::noinline]] void otherRealLine(int code, double value, char* out);
     // The text of a finite real that is no whole number of thousandths
     // below 10^5, written at out; returns its end.
     char* writeOtherReal(double value, char* out);
