@@ -12,6 +12,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <emmintrin.h>
 #include <string>
 #include <numbers>
 
@@ -34,6 +35,21 @@ struct CodeLines {
     }
 };
 constexpr CodeLines kCodeLines;
+
+// Writes the value's upper-case hexadecimal digits at out, all sixteen
+// made at once from the value shifted so that its first digit leads: its
+// bytes in the text's order split into nibbles, each made a digit or a
+// letter. Returns the end of the digits; sixteen bytes are overwritten.
+[[gnu::always_inline]] inline char* writeHandleDigits(std::uint64_t value, char* out)
+{
+    const int digits = std::max((int(std::bit_width(value)) + 3) / 4, 1);
+    const __m128i bytes = _mm_cvtsi64_si128(std::int64_t(__builtin_bswap64(value << (64 - 4 * digits))));
+    const __m128i low = _mm_set1_epi8(15);
+    const __m128i nibbles = _mm_unpacklo_epi8(_mm_and_si128(_mm_srli_epi16(bytes, 4), low), _mm_and_si128(bytes, low));
+    const __m128i letters = _mm_and_si128(_mm_cmpgt_epi8(nibbles, _mm_set1_epi8(9)), _mm_set1_epi8('A' - '9' - 1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_add_epi8(_mm_add_epi8(nibbles, _mm_set1_epi8('0')), letters));
+    return out + digits;
+}
 
 [[noreturn, gnu::cold]] void refuseNotFinite(int groupCode)
 {
@@ -86,6 +102,21 @@ inline void GroupWriter::code(int code)
     out = std::to_chars(out, start + kNumberRoom, code).ptr;
     *out++ = '\n';
     used_ += std::size_t(out - start);
+}
+
+inline char* GroupWriter::quickCode(int groupCode, std::size_t bytes)
+{
+    if (groupCode < 0 || groupCode >= kShortCodes || used_ + bytes > buffer_.size())
+        return nullptr;
+    char* const out = buffer_.data() + used_;
+    std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
+    return out + 4;
+}
+
+inline void GroupWriter::endLine(char* end)
+{
+    *end = '\n';
+    used_ = std::size_t(end + 1 - buffer_.data());
 }
 
 void GroupWriter::text(int groupCode, std::string_view value)
@@ -147,15 +178,13 @@ void GroupWriter::real(int groupCode, double value)
     // Most reals have a code below 1000, the buffer room for them, and few
     // decimals: written without a call, so that no registers are saved.
     // Others are written by a call that ends the line too.
-    if (groupCode < 0 || groupCode >= kShortCodes || used_ + 2 * kNumberRoom > buffer_.size())
+    char* const out = quickCode(groupCode, 2 * kNumberRoom);
+    if (!out)
         return realOtherwise(groupCode, value);
-    char* const out = buffer_.data() + used_;
-    std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
-    char* const end = writeFewDecimals(value, out + 4);
+    char* const end = writeFewDecimals(value, out);
     if (!end)
-        return otherRealLine(groupCode, value, out + 4);
-    *end = '\n';
-    used_ = std::size_t(end + 1 - buffer_.data());
+        return otherRealLine(groupCode, value, out);
+    endLine(end);
 }
 
 void GroupWriter::realOtherwise(int groupCode, double value)
@@ -164,19 +193,14 @@ void GroupWriter::realOtherwise(int groupCode, double value)
     ensure(2 * kNumberRoom);
     code(groupCode);
     char* const start = buffer_.data() + used_;
-    char* out = writeFewDecimals(value, start);
-    if (!out)
-        out = writeOtherReal(value, start);
-    *out++ = '\n';
-    used_ += std::size_t(out - start);
+    char* const end = writeFewDecimals(value, start);
+    endLine(end ? end : writeOtherReal(value, start));
 }
 
 void GroupWriter::otherRealLine(int groupCode, double value, char* out)
 {
     requireFinite(groupCode, value);
-    char* const end = writeOtherReal(value, out);
-    *end = '\n';
-    used_ = std::size_t(end + 1 - buffer_.data());
+    endLine(writeOtherReal(value, out));
 }
 
 char* GroupWriter::writeOtherReal(double value, char* out)
@@ -207,15 +231,18 @@ void GroupWriter::integer(int groupCode, std::int64_t value)
 
 void GroupWriter::handle(int groupCode, std::uint64_t value)
 {
+    // As reals: without a call for a code below 1000 in room the buffer has.
+    char* const out = quickCode(groupCode, 2 * kNumberRoom);
+    if (!out)
+        return handleOtherwise(groupCode, value);
+    endLine(writeHandleDigits(value, out));
+}
+
+void GroupWriter::handleOtherwise(int groupCode, std::uint64_t value)
+{
     ensure(2 * kNumberRoom);
     code(groupCode);
-    // Upper-case hexadecimal digits, the last first: a handle has a few.
-    const int digits = std::max((int(std::bit_width(value)) + 3) / 4, 1);
-    char* const start = buffer_.data() + used_;
-    for (char* out = start + digits; out != start; value >>= 4)
-        *--out = "0123456789ABCDEF"[value & 15];
-    start[digits] = '\n';
-    used_ += std::size_t(digits) + 1;
+    endLine(writeHandleDigits(value, buffer_.data() + used_));
 }
 
 void GroupWriter::degrees(int groupCode, double radians)
