@@ -244,12 +244,18 @@ char* writeFifteenDigits(double value, char* out)
     if (fifteen.tie || fifteen.nearest >= kPowersOfTen[15])
         return nullptr;
     // The general form drops the zeros that end the decimals, and the point
-    // when none is left.
+    // when none is left: eight, four, two and one at a time.
     std::uint64_t digits = fifteen.nearest;
-    while (decimals > 0 && digits % 10 == 0) {
-        digits /= 10;
-        --decimals;
-    }
+    const auto drop = [&](int count, std::uint64_t power) {
+        if (decimals >= count && digits % power == 0) {
+            digits /= power;
+            decimals -= count;
+        }
+    };
+    drop(8, 100000000);
+    drop(4, 10000);
+    drop(2, 100);
+    drop(1, 10);
     return writeDigits(value < 0, digits, whole, decimals, out);
 }
 
