@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <emmintrin.h>
 #include <limits>
 
 namespace kaldo::dxf {
@@ -59,56 +60,79 @@ bool isWhole(const Binary& binary)
     return (binary.significand & ((std::uint64_t(1) << binary.shift) - 1)) == 0;
 }
 
-// The whole number nearest to the value times 10^decimals, and twice its
-// distance from that product in units of 2^-shift; a tie when the product
-// lies halfway between two whole numbers.
+// The value times 10^decimals exactly: a whole number and the rest in
+// units of 2^-shift.
+struct Product {
+    std::uint64_t whole = 0;
+    std::uint64_t rest = 0;
+};
+
+Product product(const Binary& binary, int decimals)
+{
+    const Wide exact = Wide(binary.significand) * kPowersOfTen[decimals];
+    const auto low = std::uint64_t(exact);
+    const auto high = std::uint64_t(exact >> 64);
+    // The shift is below 64: the whole number takes bits of both halves.
+    return {(high << (64 - binary.shift)) | (low >> binary.shift), low & ((std::uint64_t(1) << binary.shift) - 1)};
+}
+
+// The whole number of units (1, 10 or 100) nearest to a product, and twice
+// its distance from the product in units of 2^-shift; a tie when the
+// product lies halfway between two such numbers.
 struct Scaled {
     std::uint64_t nearest = 0;
     std::uint64_t twiceDistance = 0;
     bool tie = false;
 };
 
-Scaled scaled(const Binary& binary, int decimals)
+Scaled rounded(const Product& product, int shift, std::uint64_t unit)
 {
-    const Wide exact = Wide(binary.significand) * kPowersOfTen[decimals];
-    const auto low = std::uint64_t(exact);
-    const auto high = std::uint64_t(exact >> 64);
-    // The shift is below 64: the quotient takes bits of both halves.
-    const std::uint64_t quotient = (high << (64 - binary.shift)) | (low >> binary.shift);
-    const std::uint64_t remainder = low & ((std::uint64_t(1) << binary.shift) - 1);
-    const std::uint64_t half = std::uint64_t(1) << (binary.shift - 1);
+    // Below 100 * 2^52: the rest of whole units fits one word.
+    const std::uint64_t remainder = (product.whole % unit) << shift | product.rest;
+    const std::uint64_t span = unit << shift;
+    const std::uint64_t half = span >> 1;
     // Without branches: rounding up or down is as likely.
-    const std::uint64_t distance = std::min(remainder, (half << 1) - remainder);
-    return {quotient + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
+    const std::uint64_t distance = std::min(remainder, span - remainder);
+    return {product.whole / unit + std::uint64_t(remainder >= half), 2 * distance, remainder == half};
 }
 
-// The eight digits of a number below 10^8 as characters, the first in
-// the lowest byte.
-[[gnu::always_inline]] inline std::uint64_t eightDigits(std::uint32_t value)
+// The sixteen digits of a number below 10^16 as characters, the first in
+// the lowest byte: its halves of eight digits, their halves of four, then
+// hundreds and tens are split off in all lanes at once, by multiplications
+// with reciprocals of 10^4, 100 and 10 that are exact for numbers as small
+// as those lanes hold.
+[[gnu::always_inline]] inline __m128i sixteenDigits(std::uint64_t value)
 {
-    return eightDigitValues(value) + kDigitZeros;
+    constexpr std::uint64_t kEight = 100000000;
+    // Lanes of 64 bits, the higher eight digits first.
+    const __m128i eights = _mm_set_epi64x(std::int64_t(value % kEight), std::int64_t(value / kEight));
+    const __m128i highFours = _mm_srli_epi64(_mm_mul_epu32(eights, _mm_set1_epi32(int(0xD1B71759u))), 45);
+    const __m128i lowFours = _mm_sub_epi64(eights, _mm_mul_epu32(highFours, _mm_set1_epi32(10000)));
+    // Lanes of 32 bits, each below 10^4, then of 16 bits, each below 100.
+    const __m128i fours = _mm_or_si128(highFours, _mm_slli_epi64(lowFours, 32));
+    const __m128i highPairs = _mm_srli_epi16(_mm_mulhi_epu16(fours, _mm_set1_epi16(5243)), 3);
+    const __m128i lowPairs = _mm_sub_epi16(fours, _mm_mullo_epi16(highPairs, _mm_set1_epi16(100)));
+    const __m128i pairs = _mm_or_si128(highPairs, _mm_slli_epi32(lowPairs, 16));
+    const __m128i tens = _mm_mulhi_epu16(pairs, _mm_set1_epi16(6554));
+    const __m128i ones = _mm_sub_epi16(pairs, _mm_mullo_epi16(tens, _mm_set1_epi16(10)));
+    return _mm_add_epi8(_mm_or_si128(tens, _mm_slli_epi16(ones, 8)), _mm_set1_epi8('0'));
 }
 
 // Writes the whole digits and the decimals of digits (whole + decimals of
 // them, at most 17, each part at most 16) with the point between them. The
-// digits are made eight at a time, right-aligned in a text of 24; each part
-// is copied as sixteen bytes, so up to 34 bytes from out are overwritten.
+// digits are right-aligned in a text of 24, the last sixteen made at once;
+// each part is copied as sixteen bytes, so up to 34 bytes from out are
+// overwritten.
 char* writeDigits(bool negative, std::uint64_t digits, int whole, int decimals, char* out)
 {
-    constexpr std::uint64_t kEight = 100000000;
-    // Bytes beyond the digits are copied out too, but lie beyond the text.
-    char text[40] = {};
+    constexpr std::uint64_t kSixteen = 10000000000000000;
+    // The bytes before the first of seventeen digits are never copied;
+    // those beyond the digits are, but lie beyond the text.
+    char text[40];
+    text[7] = char('0' + digits / kSixteen);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text + 8), sixteenDigits(digits % kSixteen));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text + 24), _mm_setzero_si128());
     const int count = whole + decimals;
-    const std::uint64_t low = eightDigits(std::uint32_t(digits % kEight));
-    std::memcpy(text + 16, &low, 8);
-    if (count > 8) {
-        const std::uint64_t middle = eightDigits(std::uint32_t(digits / kEight % kEight));
-        std::memcpy(text + 8, &middle, 8);
-        if (count > 16) {
-            const std::uint64_t high = eightDigits(std::uint32_t(digits / (kEight * kEight)));
-            std::memcpy(text, &high, 8);
-        }
-    }
     *out = '-';
     out += negative;
     std::memcpy(out, text + 24 - count, 16);
@@ -152,7 +176,8 @@ char* writeShortestDecimal(double value, char* out)
     Binary binary;
     if (!takeBinary(magnitude, binary) || isWhole(binary))
         return nullptr;
-    {
+    // Below 10^5, writeFewDecimals has looked for up to three decimals.
+    if (magnitude >= 1e5) {
         std::uint64_t digits = 0;
         int decimals = 0;
         if (fewDecimals(magnitude, digits, decimals))
@@ -165,66 +190,44 @@ char* writeShortestDecimal(double value, char* out)
     // decimals, the exact text is the nearest. When one count reads back,
     // every larger one does, and seventeen significant digits always do.
     // Such a text with decimals is shorter than the scientific form.
-    Scaled found;
-    bool tie = false;
-    const auto readsBack = [&](int decimals) {
-        found = scaled(binary, decimals);
-        tie = tie || found.tie;
-        return found.twiceDistance < kPowersOfTen[decimals];
-    };
     const int whole = wholeDigits(binary);
     const int most = 17 - whole;
-    // Below 2^42 no text of up to three decimals reads back (fewDecimals
-    // found none), so the search starts at four.
-    int decimals = magnitude < 0x1p42 ? 4 : 1;
-    // Whether found holds the text of the count chosen, so that it is not
-    // made again.
-    bool chosen = false;
-    if (decimals == 1 && most > 3) {
-        // Values of up to three decimals above 2^42 have few decimals too:
-        // searched from two, two tries for up to three decimals, one try
-        // fewer than upwards from one for three and for computed values.
-        if (readsBack(2)) {
-            const Scaled two = found;
-            decimals = readsBack(1) ? 1 : 2;
-            if (decimals == 2)
-                found = two;
-            chosen = true;
-        } else if (readsBack(3)) {
-            decimals = 3;
-            chosen = true;
-        } else {
-            decimals = 4;
-        }
-    }
-    if (!chosen && most - decimals >= 2) {
-        // Computed values mostly need sixteen or seventeen significant
-        // digits: those two are tried first, then fewer upwards.
-        if (!readsBack(most - 1)) {
-            decimals = most;
-            readsBack(most);
-        } else {
-            const Scaled sixteen = found;
-            if (!readsBack(most - 2)) {
-                decimals = most - 1;
-                found = sixteen;
-            } else {
-                const Scaled fifteen = found;
-                while (decimals < most - 2 && !readsBack(decimals))
-                    ++decimals;
-                if (decimals == most - 2)
-                    found = fifteen;
+    // Computed values need sixteen or seventeen significant digits. Those
+    // and fifteen are made from one product, of seventeen: rounded to tens
+    // and hundreds of it, twice their distance is in the same units, and
+    // reads back below the same bound.
+    const Product exact = product(binary, most);
+    const std::uint64_t bound = kPowersOfTen[most];
+    const Scaled seventeen = rounded(exact, binary.shift, 1);
+    const Scaled sixteen = rounded(exact, binary.shift, 10);
+    const Scaled fifteen = rounded(exact, binary.shift, 100);
+    // Without branches: sixteen digits or seventeen are as likely.
+    const bool sixteenReadBack = sixteen.twiceDistance < bound;
+    std::uint64_t digits = sixteenReadBack ? sixteen.nearest : seventeen.nearest;
+    bool tie = sixteenReadBack ? sixteen.tie : seventeen.tie;
+    int decimals = most - int(sixteenReadBack);
+    if (fifteen.twiceDistance < bound) {
+        // Fewer digits may read back: searched upwards. Below 2^42 no text
+        // of up to three decimals reads back (none was found), so the
+        // search starts at four.
+        decimals = magnitude < 0x1p42 ? 4 : 1;
+        Scaled found = fifteen;
+        for (; decimals < most - 2; ++decimals) {
+            const Scaled tried = rounded(product(binary, decimals), binary.shift, 1);
+            if (tried.twiceDistance < kPowersOfTen[decimals]) {
+                found = tried;
+                break;
             }
         }
-    } else if (!chosen) {
-        while (decimals < most && !readsBack(decimals))
-            ++decimals;
-        if (decimals == most)
-            readsBack(most);
+        decimals = std::min(decimals, most - 2);
+        digits = found.nearest;
+        tie = found.tie;
     }
+    // Halfway between two texts: which of them std::to_chars writes is
+    // left to it.
     if (tie)
         return nullptr;
-    return writeDigits(value < 0, found.nearest, whole, decimals, out);
+    return writeDigits(value < 0, digits, whole, decimals, out);
 }
 
 char* writeFifteenDigits(double value, char* out)
@@ -237,16 +240,22 @@ char* writeFifteenDigits(double value, char* out)
     if (whole > 15)
         return nullptr;
     int decimals = 15 - whole;
-    const Scaled rounded = scaled(binary, decimals);
-    if (rounded.tie || rounded.nearest >= kPowersOfTen[15])
+    const Scaled fifteen = rounded(product(binary, decimals), binary.shift, 1);
+    if (fifteen.tie || fifteen.nearest >= kPowersOfTen[15])
         return nullptr;
     // The general form drops the zeros that end the decimals, and the point
-    // when none is left.
-    std::uint64_t digits = rounded.nearest;
-    while (decimals > 0 && digits % 10 == 0) {
-        digits /= 10;
-        --decimals;
-    }
+    // when none is left: eight, four, two and one at a time.
+    std::uint64_t digits = fifteen.nearest;
+    const auto drop = [&](int count, std::uint64_t power) {
+        if (decimals >= count && digits % power == 0) {
+            digits /= power;
+            decimals -= count;
+        }
+    };
+    drop(8, 100000000);
+    drop(4, 10000);
+    drop(2, 100);
+    drop(1, 10);
     return writeDigits(value < 0, digits, whole, decimals, out);
 }
 

@@ -6,7 +6,6 @@
 // needs room for that many.
 #pragma once
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -51,28 +50,33 @@ inline char* writeFewDecimals(double value, char* out)
         return nullptr;
     // The eight digits, the whole part's five then the three decimals: the
     // zeros that begin them are the lowest zero bytes, those that end them
-    // the highest. They are copied in blocks of eight; bytes beyond them lie
-    // beyond the text.
+    // the highest. The units' byte counts as no zero, so that a whole part
+    // keeps its last digit and the decimals do not reach into it.
     const std::uint64_t values = eightDigitValues(thousandths);
-    const int wholeCount = 5 - std::min(std::countr_zero(values) / 8, 4);
-    const int decimals = 3 - std::min(std::countl_zero(values) / 8, 3);
-    char text[16] = {};
+    const std::uint64_t marked = values | std::uint64_t(0x81) << 32;
+    const int leading = std::countr_zero(marked) / 8;
+    const int decimals = 3 - std::countl_zero(marked) / 8;
     const std::uint64_t digits = values + kDigitZeros;
-    std::memcpy(text, &digits, 8);
     *out = '-';
     out += std::signbit(value);
-    std::memcpy(out, text + 5 - wholeCount, 8);
-    out += wholeCount;
+    // The whole part with the decimals after it, then the point and the
+    // decimals over them; bytes beyond them lie beyond the text.
+    const std::uint64_t whole = digits >> (8 * leading);
+    std::memcpy(out, &whole, 8);
+    out += 5 - leading;
     // The point is overwritten by what follows when there are no decimals.
     *out = '.';
-    std::memcpy(out + 1, text + 5, 4);
+    const auto decimalDigits = std::uint32_t(digits >> 40);
+    std::memcpy(out + 1, &decimalDigits, 4);
     return out + decimals + int(decimals > 0);
 }
 
 // Writes at out the text std::to_chars(out, end, value) gives, for a value
-// that is not whole and lies from 1 up to 2^52 in magnitude; returns the
-// end of the text, or nullptr, with nothing written, for other values and
-// for the rare value that lies halfway between two texts.
+// that is not whole and lies from 1 up to 2^52 in magnitude, and that is
+// no whole number of thousandths below 10^5 (writeFewDecimals writes
+// those); returns the end of the text, or nullptr, with nothing written,
+// for other values and for the rare value that lies halfway between two
+// texts.
 char* writeShortestDecimal(double value, char* out);
 
 // Writes at out the text std::to_chars(out, end, value,

@@ -12,6 +12,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <emmintrin.h>
 #include <string>
 #include <numbers>
 
@@ -34,6 +35,21 @@ struct CodeLines {
     }
 };
 constexpr CodeLines kCodeLines;
+
+// Writes the value's upper-case hexadecimal digits at out, all sixteen
+// made at once from the value shifted so that its first digit leads: its
+// bytes in the text's order split into nibbles, each made a digit or a
+// letter. Returns the end of the digits; sixteen bytes are overwritten.
+[[gnu::always_inline]] inline char* writeHandleDigits(std::uint64_t value, char* out)
+{
+    const int digits = std::max((int(std::bit_width(value)) + 3) / 4, 1);
+    const __m128i bytes = _mm_cvtsi64_si128(std::int64_t(__builtin_bswap64(value << (64 - 4 * digits))));
+    const __m128i low = _mm_set1_epi8(15);
+    const __m128i nibbles = _mm_unpacklo_epi8(_mm_and_si128(_mm_srli_epi16(bytes, 4), low), _mm_and_si128(bytes, low));
+    const __m128i letters = _mm_and_si128(_mm_cmpgt_epi8(nibbles, _mm_set1_epi8(9)), _mm_set1_epi8('A' - '9' - 1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_add_epi8(_mm_add_epi8(nibbles, _mm_set1_epi8('0')), letters));
+    return out + digits;
+}
 
 [[noreturn, gnu::cold]] void refuseNotFinite(int groupCode)
 {
@@ -88,6 +104,21 @@ inline void GroupWriter::code(int code)
     used_ += std::size_t(out - start);
 }
 
+inline char* GroupWriter::quickCode(int groupCode, std::size_t bytes)
+{
+    if (groupCode < 0 || groupCode >= kShortCodes || used_ + bytes > buffer_.size())
+        return nullptr;
+    char* const out = buffer_.data() + used_;
+    std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
+    return out + 4;
+}
+
+inline void GroupWriter::endLine(char* end)
+{
+    *end = '\n';
+    used_ = std::size_t(end + 1 - buffer_.data());
+}
+
 void GroupWriter::text(int groupCode, std::string_view value)
 {
     if (codec_->needsEncoding(value))
@@ -100,28 +131,35 @@ void GroupWriter::line(int groupCode, std::string_view value)
 {
     const std::size_t size = value.size();
     const char* const in = value.data();
-    // Most groups have a code below 1000 and a value of 4 to 16 bytes,
+    // Most groups have a code below 1000 and a value of up to 16 bytes,
     // and the buffer room for them: written without a call, the value
-    // copied as two words that may overlap.
-    if (size >= 4 && size <= 16 && groupCode >= 0 && groupCode < kShortCodes
-        && used_ + kNumberRoom + size + 1 <= buffer_.size()) {
-        char* const out = buffer_.data() + used_;
-        std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
-        if (size >= 8) {
-            std::memcpy(out + 4, in, 8);
-            std::memcpy(out + 4 + size - 8, in + size - 8, 8);
-        } else {
-            std::memcpy(out + 4, in, 4);
-            std::memcpy(out + 4 + size - 4, in + size - 4, 4);
-        }
-        out[4 + size] = '\n';
-        used_ += 4 + size + 1;
-        return;
+    // copied as two words, or three bytes, that may overlap. Other groups
+    // are written by a call, so that these need no registers saved.
+    if (size > 16 || groupCode < 0 || groupCode >= kShortCodes || used_ + kNumberRoom + size + 1 > buffer_.size())
+        return lineOtherwise(groupCode, value);
+    char* const out = buffer_.data() + used_;
+    std::memcpy(out, kCodeLines.lines[groupCode].data(), 4);
+    if (size >= 8) {
+        std::memcpy(out + 4, in, 8);
+        std::memcpy(out + 4 + size - 8, in + size - 8, 8);
+    } else if (size >= 4) {
+        std::memcpy(out + 4, in, 4);
+        std::memcpy(out + 4 + size - 4, in + size - 4, 4);
+    } else if (size > 0) {
+        out[4] = in[0];
+        out[4 + size / 2] = in[size / 2];
+        out[3 + size] = in[size - 1];
     }
-    ensure(kNumberRoom + size + 1);
+    out[4 + size] = '\n';
+    used_ += 4 + size + 1;
+}
+
+void GroupWriter::lineOtherwise(int groupCode, std::string_view value)
+{
+    ensure(kNumberRoom + value.size() + 1);
     code(groupCode);
-    std::memcpy(buffer_.data() + used_, in, size);
-    used_ += size;
+    std::memcpy(buffer_.data() + used_, value.data(), value.size());
+    used_ += value.size();
     buffer_[used_++] = '\n';
 }
 
@@ -137,15 +175,32 @@ void GroupWriter::wide(int groupCode, const std::wstring& value)
 
 void GroupWriter::real(int groupCode, double value)
 {
+    // Most reals have a code below 1000, the buffer room for them, and few
+    // decimals: written without a call, so that no registers are saved.
+    // Others are written by a call that ends the line too.
+    char* const out = quickCode(groupCode, 2 * kNumberRoom);
+    if (!out)
+        return realOtherwise(groupCode, value);
+    char* const end = writeFewDecimals(value, out);
+    if (!end)
+        return otherRealLine(groupCode, value, out);
+    endLine(end);
+}
+
+void GroupWriter::realOtherwise(int groupCode, double value)
+{
     requireFinite(groupCode, value);
     ensure(2 * kNumberRoom);
     code(groupCode);
     char* const start = buffer_.data() + used_;
-    char* out = writeFewDecimals(value, start);
-    if (!out)
-        out = writeOtherReal(value, start);
-    *out++ = '\n';
-    used_ += std::size_t(out - start);
+    char* const end = writeFewDecimals(value, start);
+    endLine(end ? end : writeOtherReal(value, start));
+}
+
+void GroupWriter::otherRealLine(int groupCode, double value, char* out)
+{
+    requireFinite(groupCode, value);
+    endLine(writeOtherReal(value, out));
 }
 
 char* GroupWriter::writeOtherReal(double value, char* out)
@@ -176,15 +231,18 @@ void GroupWriter::integer(int groupCode, std::int64_t value)
 
 void GroupWriter::handle(int groupCode, std::uint64_t value)
 {
+    // As reals: without a call for a code below 1000 in room the buffer has.
+    char* const out = quickCode(groupCode, 2 * kNumberRoom);
+    if (!out)
+        return handleOtherwise(groupCode, value);
+    endLine(writeHandleDigits(value, out));
+}
+
+void GroupWriter::handleOtherwise(int groupCode, std::uint64_t value)
+{
     ensure(2 * kNumberRoom);
     code(groupCode);
-    // Upper-case hexadecimal digits, the last first: a handle has a few.
-    const int digits = std::max((int(std::bit_width(value)) + 3) / 4, 1);
-    char* const start = buffer_.data() + used_;
-    for (char* out = start + digits; out != start; value >>= 4)
-        *--out = "0123456789ABCDEF"[value & 15];
-    start[digits] = '\n';
-    used_ += std::size_t(digits) + 1;
+    endLine(writeHandleDigits(value, buffer_.data() + used_));
 }
 
 void GroupWriter::degrees(int groupCode, double radians)

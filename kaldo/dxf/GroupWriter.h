@@ -64,8 +64,17 @@ public:
 private:
     std::string_view written() const { return std::string_view(buffer_.data(), used_); }
     void code(int code);
+    // The place after the code's line, written from the table, for a code
+    // from 0 to 999 when the buffer has room for bytes more (the code's
+    // line and its value); nullptr, with nothing written, otherwise.
+    char* quickCode(int code, std::size_t bytes);
+    // Ends the line of a value written up to end.
+    void endLine(char* end);
     // The code and the value as they stand.
     void line(int code, std::string_view value);
+    // line() for a value of more than 16 bytes, a code not below 1000 or
+    // below 0, or a buffer without room for them.
+    [[gnu::noinline]] void lineOtherwise(int code, std::string_view value);
     // Room for bytes more in the buffer, flushing it when full.
     void ensure(std::size_t bytes)
     {
@@ -73,6 +82,15 @@ private:
             makeRoom(bytes);
     }
     void makeRoom(std::size_t bytes);
+    // real() for a code not below 1000 or below 0, or a buffer without
+    // room for them.
+    [[gnu::noinline]] void realOtherwise(int code, double value);
+    // The rest of real()'s line for a value that is no whole number of
+    // thousandths below 10^5, at out, in room the buffer has.
+    [[gnu::noinline]] void otherRealLine(int code, double value, char* out);
+    // handle() for a code not below 1000 or below 0, or a buffer without
+    // room for them.
+    [[gnu::noinline]] void handleOtherwise(int code, std::uint64_t value);
     // The text of a finite real that is no whole number of thousandths
     // below 10^5, written at out; returns its end.
     char* writeOtherReal(double value, char* out);

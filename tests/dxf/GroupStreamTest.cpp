@@ -5,7 +5,8 @@
 // refuses what it refuses or reads as no finite number, and handles as
 // from_chars reads hexadecimal numbers; the
 // writer's quick ways for codes, whole numbers, decimals and repeated values
-// give the shortest form's text, and for degrees the text of fifteen digits.
+// give the shortest form's text, and for degrees the text of fifteen digits;
+// it writes values of every length and handles of every count of digits.
 #include "kaldo/dxf/GroupReader.h"
 #include "kaldo/dxf/GroupWriter.h"
 #include "kaldo/dxf/QuickReal.h"
@@ -17,10 +18,12 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <numbers>
 #include <random>
@@ -54,6 +57,23 @@ std::vector<ReadGroup> recordGroups(const std::string& text)
     if (reader.next(g))
         read.push_back({g.code, std::string(g.value), g.line});
     return read;
+}
+
+// The text a writer to a file writes.
+std::string writtenText(const std::function<void(kaldo::dxf::GroupWriter&)>& write)
+{
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
+    if (!file)
+        return "no temporary file";
+    {
+        kaldo::dxf::GroupWriter writer(fileno(file.get()));
+        write(writer);
+        writer.flush();
+    }
+    std::string written(std::size_t(std::ftell(file.get())), '\0');
+    std::rewind(file.get());
+    written.resize(std::fread(written.data(), 1, written.size(), file.get()));
+    return written;
 }
 }  // namespace
 
@@ -123,11 +143,8 @@ TEST(DxfGroupStream, ValuesWithBytesToDecodeOrEncodeAreCodedWhereverTheBytesStan
             }
         }
     }
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
-    ASSERT_TRUE(file);
     std::string expected;
-    {
-        kaldo::dxf::GroupWriter writer(fileno(file.get()));
+    const std::string written = writtenText([&](kaldo::dxf::GroupWriter& writer) {
         for (std::size_t length = 1; length <= 20; ++length) {
             for (std::size_t at = 0; at < length; ++at) {
                 std::string value(length, 'a');
@@ -138,11 +155,18 @@ TEST(DxfGroupStream, ValuesWithBytesToDecodeOrEncodeAreCodedWhereverTheBytesStan
                 expected += "  1\n" + encoded + "\n";
             }
         }
-        writer.flush();
-    }
-    std::string written(std::size_t(std::ftell(file.get())), '\0');
-    std::rewind(file.get());
-    written.resize(std::fread(written.data(), 1, written.size(), file.get()));
+        // Plain values of every length up to past the two words copied, with
+        // codes written from the table and not.
+        for (std::size_t length = 0; length <= 20; ++length) {
+            std::string value;
+            for (std::size_t i = 0; i < length; ++i)
+                value += char('a' + i);
+            for (const auto& [code, line] : {std::pair{1, "  1\n"}, std::pair{1000, "1000\n"}}) {
+                writer.text(code, value);
+                expected += line + value + "\n";
+            }
+        }
+    });
     EXPECT_EQ(written, expected);
 }
 
@@ -370,6 +394,22 @@ TEST(DxfGroupStream, HandlesReadBackAsFromCharsReadsThem)
             }
         }
     }
+    // Handles are written in upper-case hexadecimal digits, of every count,
+    // with codes written from the table and not.
+    std::string expected;
+    const std::string written = writtenText([&](kaldo::dxf::GroupWriter& writer) {
+        for (int digits = 0; digits <= 16; ++digits) {
+            const std::uint64_t handle = digits == 0 ? 0 : 0xFEDCBA9876543210 >> (64 - 4 * digits);
+            for (const auto& [code, line] : {std::pair{5, "  5\n"}, std::pair{1005, "1005\n"}}) {
+                writer.handle(code, handle);
+                char text[16];
+                std::string hex(text, std::to_chars(text, text + sizeof text, handle, 16).ptr);
+                std::transform(hex.begin(), hex.end(), hex.begin(), [](char c) { return char(std::toupper(c)); });
+                expected += line + hex + "\n";
+            }
+        }
+    });
+    EXPECT_EQ(written, expected);
 }
 
 TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
@@ -397,10 +437,12 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
                 values.push_back(near);
         }
     }
+    // Edges of the ways; 4 + 2^-17 ends halfway at seventeen digits and
+    // reads back with sixteen.
     for (const double edge : {1.5, 0.5, 0.9999999, 1.0000000000000002, 99999.99999, 562949953421311.5,
                               562949953421312.5, 1e14 + 0.25, 4503599627370495.5, 0x1p49 / 1e3, 123456.1e-3,
                               9.9999999999999982, 0x1p52 - 0.5, 0x1p52, 0x1p52 + 1, 1e15 - 0.125, 0x1p50 + 0.25,
-                              0x1p50 + 0.75, 0x1p49 + 0.125})
+                              0x1p50 + 0.75, 0x1p49 + 0.125, 4 + 0x1p-17, 4 + 3 * 0x1p-17})
         values.push_back(edge);
     // Whole numbers of thousandths below 1 (where 0.001 is as long as
     // 1e-03), up to 3 and about 10^5, where the way for them stops; their
@@ -441,19 +483,12 @@ TEST(DxfGroupStream, RealsAreWrittenInTheirShortestForm)
         radians.push_back(value / (180.0 / std::numbers::pi));
     for (int i = -3600; i <= 3600; ++i)
         radians.push_back(i * 0.1 * std::numbers::pi / 180);
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
-    ASSERT_TRUE(file);
-    {
-        kaldo::dxf::GroupWriter writer(fileno(file.get()));
+    const std::string written = writtenText([&](kaldo::dxf::GroupWriter& writer) {
         for (std::size_t i = 0; i < values.size(); ++i)
             writer.real(codes[i % codes.size()].first, values[i]);
         for (const double angle : radians)
             writer.degrees(50, angle);
-        writer.flush();
-    }
-    std::string written(std::size_t(std::ftell(file.get())), '\0');
-    std::rewind(file.get());
-    written.resize(std::fread(written.data(), 1, written.size(), file.get()));
+    });
     std::size_t at = 0;
     const auto expect = [&](const std::string& code, const char* text, const char* end, double value) {
         const std::string expected = code + "\n" + std::string(text, end) + "\n";
