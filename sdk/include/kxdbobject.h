@@ -117,12 +117,13 @@ protected:
     void setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id);
 
 private:
+    friend class KxDbBlockTableRecord;
     friend class KxDbDatabase;
     friend class kaldo::UndoHistory;
     friend Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*&, KxDbObjectId, int, bool, const KxRxClass*);
 
-    // The id the database gives, and an owner put back by undo, set
-    // without a record for undo.
+    // The id the database gives, and an owner put back by undo or set by
+    // a block that recorded the entity itself, set without a record for undo.
     void putId(KxDbObjectId id) { setCompactId(m_id, &Extras::farId, id); }
     void putOwner(KxDbObjectId owner) { setCompactId(m_owner, &Extras::farOwner, owner); }
 
