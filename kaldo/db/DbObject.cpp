@@ -199,7 +199,7 @@ Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*& obj, KxDbObjectId id, int m
     return Kald::eOk;
 }
 
-void KxDbObject::setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id)
+void KxDbObject::setCompactIdWithExtras(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id)
 {
     if (id.asOldId() < kFarId) {
         compact = std::uint32_t(id.asOldId());

@@ -155,15 +155,6 @@ KxGePoint3d KxDbPolyline::pointAt(int index) const
     return plane.toWorld(KxGePoint3d(v.x, v.y, elevation()));
 }
 
-KxDbPolyline::Vertex KxDbPolyline::vertexAt(int index) const
-{
-    const Position& p = m_positions[std::size_t(index)];
-    if (!m_shaping || m_shaping->shapes.empty())
-        return Vertex{p.x, p.y};
-    const Shape& s = m_shaping->shapes[std::size_t(index)];
-    return Vertex{p.x, p.y, s.startWidth, s.endWidth, s.bulge};
-}
-
 std::vector<KxDbPolyline::Vertex> KxDbPolyline::vertices() const
 {
     std::vector<Vertex> all;

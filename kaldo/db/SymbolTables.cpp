@@ -263,7 +263,10 @@ Kald::ErrorStatus KxDbBlockTableRecord::appendKxDbEntity(KxDbObjectId& id, KxDbE
     // its current space): undo records it here.
     db->undoHistory().recordBefore(*this);
     m_entities.push_back(entity->objectId());
-    entity->setOwnerId(objectId());
+    // As setOwnerId, without asking again for the database the entity is
+    // known to be in.
+    db->undoHistory().recordBefore(*entity);
+    entity->putOwner(objectId());
     id = entity->objectId();
     return Kald::eOk;
 }

@@ -11,12 +11,6 @@
 
 namespace kaldo::dxf {
 
-void ExtentsBox::add(const ExtentsBox& later)
-{
-    m_min = {std::min(m_min.x, later.m_min.x), std::min(m_min.y, later.m_min.y), std::min(m_min.z, later.m_min.z)};
-    m_max = {std::max(m_max.x, later.m_max.x), std::max(m_max.y, later.m_max.y), std::max(m_max.z, later.m_max.z)};
-}
-
 void ExtentsBox::add(const KxDbEntity& entity)
 {
     switch (kaldo::entityKind(entity)) {
@@ -41,14 +35,27 @@ void ExtentsBox::add(const KxDbEntity& entity)
         // the world's own plane a finite vertex at a finite elevation
         // converts to itself, zeros made positive (EntityPlane::toWorld),
         // and is taken so, one test per coordinate. The vertices go to a box
-        // of their own, joined once.
+        // of their own, joined once. Such vertices are taken in a loop of
+        // their own, which calls nothing, so that the box stays in registers,
+        // their elevation once; the others from the first that is not such a
+        // vertex on.
         const auto& pline = static_cast<const KxDbPolyline&>(entity);
         const kaldo::EntityPlane plane(pline.normal());
         const double elevation = pline.elevation();
         constexpr double kLargest = std::numeric_limits<double>::max();
         const bool world = plane.isWorld() && std::abs(elevation) <= kLargest;
+        const int count = pline.numVerts();
         ExtentsBox vertices;
-        for (int i = 0; i < pline.numVerts(); ++i) {
+        int i = 0;
+        for (; world && i < count; ++i) {
+            const KxDbPolyline::Vertex v = pline.vertexAt(i);
+            if (!(std::abs(v.x) <= kLargest && std::abs(v.y) <= kLargest))
+                break;
+            vertices.takeInXY(v.x + 0.0, v.y + 0.0);
+        }
+        if (i > 0)
+            vertices.takeInZ(elevation + 0.0);
+        for (; i < count; ++i) {
             const KxDbPolyline::Vertex v = pline.vertexAt(i);
             if (world && std::abs(v.x) <= kLargest && std::abs(v.y) <= kLargest)
                 vertices.takeIn({v.x + 0.0, v.y + 0.0, elevation + 0.0});

@@ -44,8 +44,13 @@ public:
     }
     // Takes in the box of entities that come after this box's: of equal
     // coordinates (0 and -0) the first stays, as when they are added one by
-    // one.
-    void add(const ExtentsBox& later);
+    // one. Inline, so that a box of a polyline's vertices made in a loop
+    // stays in registers, its address taken nowhere.
+    [[gnu::always_inline]] void add(const ExtentsBox& later)
+    {
+        m_min = {std::min(m_min.x, later.m_min.x), std::min(m_min.y, later.m_min.y), std::min(m_min.z, later.m_min.z)};
+        m_max = {std::max(m_max.x, later.m_max.x), std::max(m_max.y, later.m_max.y), std::max(m_max.z, later.m_max.z)};
+    }
     // The box of entities in their order, made apart from its caller so
     // that the box stays in registers (made inside a lambda that takes
     // chunks of entities, it stayed in memory and took 38 % more
@@ -61,6 +66,20 @@ private:
     {
         m_min = {std::min(m_min.x, q.x), std::min(m_min.y, q.y), std::min(m_min.z, q.z)};
         m_max = {std::max(m_max.x, q.x), std::max(m_max.y, q.y), std::max(m_max.z, q.z)};
+    }
+    // The coordinates apart, for points that share their z: taking it once
+    // gives what taking it with each point does.
+    [[gnu::always_inline]] void takeInXY(double x, double y)
+    {
+        m_min.x = std::min(m_min.x, x);
+        m_min.y = std::min(m_min.y, y);
+        m_max.x = std::max(m_max.x, x);
+        m_max.y = std::max(m_max.y, y);
+    }
+    [[gnu::always_inline]] void takeInZ(double z)
+    {
+        m_min.z = std::min(m_min.z, z);
+        m_max.z = std::max(m_max.z, z);
     }
 
     KxGePoint3d m_min{1e20, 1e20, 1e20};

@@ -125,8 +125,16 @@ public:
     };
 
     int numVerts() const { return static_cast<int>(m_count); }
-    // The vertex at index (0 <= index < numVerts()).
-    Vertex vertexAt(int index) const;
+    // The vertex at index (0 <= index < numVerts()). Inline: walks over
+    // the vertices (extents, drawing, saving) ask for each in turn.
+    Vertex vertexAt(int index) const
+    {
+        const Position& p = m_positions[std::size_t(index)];
+        if (!m_shaping || m_shaping->shapes.empty())
+            return Vertex{p.x, p.y};
+        const Shape& s = m_shaping->shapes[std::size_t(index)];
+        return Vertex{p.x, p.y, s.startWidth, s.endWidth, s.bulge};
+    }
     // Every vertex, in order, as a copy.
     std::vector<Vertex> vertices() const;
     void setVertices(const std::vector<Vertex>& vertices);

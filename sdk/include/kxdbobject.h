@@ -113,16 +113,26 @@ protected:
     {
         return compact == kFarId ? m_extras.get()->*far : KxDbObjectId::fromOldId(compact);
     }
-    // Sets compact (and far, in the extras) to name id.
-    void setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id);
+    // Sets compact (and far, in the extras) to name id: inline for an id of
+    // 32 bits on an object without extras (nearly every one), so that a
+    // reader that makes objects by the million pays no call for each id.
+    void setCompactId(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id)
+    {
+        if (id.asOldId() < kFarId && !m_extras)
+            compact = std::uint32_t(id.asOldId());
+        else
+            setCompactIdWithExtras(compact, far, id);
+    }
+    void setCompactIdWithExtras(std::uint32_t& compact, KxDbObjectId Extras::*far, KxDbObjectId id);
 
 private:
+    friend class KxDbBlockTableRecord;
     friend class KxDbDatabase;
     friend class kaldo::UndoHistory;
     friend Kald::ErrorStatus kxdbOpenObjectOfClass(KxDbObject*&, KxDbObjectId, int, bool, const KxRxClass*);
 
-    // The id the database gives, and an owner put back by undo, set
-    // without a record for undo.
+    // The id the database gives, and an owner put back by undo or set by
+    // a block that recorded the entity itself, set without a record for undo.
     void putId(KxDbObjectId id) { setCompactId(m_id, &Extras::farId, id); }
     void putOwner(KxDbObjectId owner) { setCompactId(m_owner, &Extras::farOwner, owner); }
 
