@@ -19,6 +19,7 @@
 #include "kxrxcommands.h"
 #include "kxstring.h"
 
+#include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -108,6 +109,10 @@ std::vector<std::string> Session::openDrawing(const std::filesystem::path& path,
     host().drawingDir = drawingPath_.parent_path();
     savedChanges_ = database_->changeCount();
     ++drawingSerial_;
+    // What the reading took for its batches is free now: it goes back to the
+    // system before the drawing is worked on and saved, instead of staying
+    // in the heaps as a part of every later peak.
+    malloc_trim(0);
     return std::move(drawing.repairs);
 }
 
