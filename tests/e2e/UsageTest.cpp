@@ -3,7 +3,7 @@
 // tunables it restarts with.
 #include "KaldoProcess.h"
 #include "TreePaths.h"
-#include "kaldo/app/HeapPages.h"
+#include "kaldo/launch/HeapPages.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,7 +13,6 @@
 #include <QTemporaryDir>
 
 #include <filesystem>
-#include <fstream>
 #include <optional>
 
 using ::testing::HasSubstr;
@@ -131,10 +130,12 @@ QByteArray fileBytes(const QString& path)
     return file.readAll();
 }
 
-// The GLIBC_TUNABLES of a kaldo started with these (none: unset) and taking
-// commands from standard input, read from the running process once it asks
-// for one; "-" when it has none.
-std::string runningTunables(const std::optional<QString>& tunables)
+// The GLIBC_TUNABLES of a kaldo started with these (none: unset), these
+// arguments and this library preloaded, and taking commands or a script from
+// standard input, read from the running process once it asks for a command;
+// "-" when it has none.
+std::string runningTunables(const std::optional<QString>& tunables, const QStringList& arguments = {},
+                            const QString& preloaded = {})
 {
     QTemporaryDir dir;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -142,11 +143,14 @@ std::string runningTunables(const std::optional<QString>& tunables)
     env.remove("GLIBC_TUNABLES");
     if (tunables)
         env.insert("GLIBC_TUNABLES", *tunables);
+    env.insert("LD_PRELOAD", preloaded);
+    // A sanitized build refuses a library loaded before its runtime.
+    env.insert("ASAN_OPTIONS", env.value("ASAN_OPTIONS") + ":verify_asan_link_order=0");
     QProcess kaldo;
     kaldo.setProcessEnvironment(env);
     kaldo.start(QString::fromStdString((stageDir() / "bin/kaldo").string()),
-                {"--support", stagedSupport(), "--profile", dir.filePath("kaldo.ini"), "--crash-dir",
-                 dir.filePath("crash")});
+                QStringList{"--support", stagedSupport(), "--profile", dir.filePath("kaldo.ini"), "--crash-dir",
+                            dir.filePath("crash")} + arguments);
     QByteArray out;
     while (!out.contains("Command:") && kaldo.waitForReadyRead(30000))
         out += kaldo.readAllStandardOutput();
@@ -176,35 +180,13 @@ TEST(KaldoUsage, HeapAsksForHugePagesWhereTheSystemGrantsThemOnRequest)
     for (const char* systemMode : {"[always] madvise never\n", "always madvise [never]\n", ""})
         EXPECT_EQ(kaldo::hugeHeapPageTunables("", systemMode), std::nullopt) << systemMode;
 
-    // They pay for a restart where a large drawing may open: in a session
-    // that commands are typed into, or when one is named at start.
-    const auto withScript = [](std::optional<std::filesystem::path> drawing) {
-        kaldo::Options options;
-        options.script = "run.scr";
-        options.drawing = std::move(drawing);
-        return options;
-    };
-    QTemporaryDir dir;
-    const std::filesystem::path large = dir.filePath("large.dxf").toStdString();
-    const std::filesystem::path small = dir.filePath("small.dxf").toStdString();
-    for (const auto& [path, size] : {std::pair{large, kaldo::kHugeHeapPagesFromBytes},
-                                     std::pair{small, kaldo::kHugeHeapPagesFromBytes - 1}}) {
-        std::ofstream{path};
-        std::filesystem::resize_file(path, size);
-    }
-    EXPECT_TRUE(kaldo::hugeHeapPagesPay({}));
-    EXPECT_TRUE(kaldo::hugeHeapPagesPay(withScript(large)));
-    EXPECT_FALSE(kaldo::hugeHeapPagesPay(withScript(small)));
-    EXPECT_FALSE(kaldo::hugeHeapPagesPay(withScript(std::nullopt)));
-    EXPECT_FALSE(kaldo::hugeHeapPagesPay(withScript(dir.filePath("missing.dxf").toStdString())));
-    kaldo::Options version;
-    version.showVersion = true;
-    EXPECT_FALSE(kaldo::hugeHeapPagesPay(version));
-
-    // The real program restarts itself with them, keeping its arguments; a
-    // restarted one, or one told otherwise, does not again.
+    // The real program restarts itself with them, keeping its arguments,
+    // whatever it runs; a restarted one, or one told otherwise, does not
+    // again, nor one whose heap may come from a preloaded library.
     const std::optional<std::string> expected =
         kaldo::hugeHeapPageTunables("", fileBytes("/sys/kernel/mm/transparent_hugepage/enabled").toStdString());
     EXPECT_EQ(runningTunables(std::nullopt), expected.value_or("-"));
+    EXPECT_EQ(runningTunables(std::nullopt, {"--script", "-"}), expected.value_or("-"));
     EXPECT_EQ(runningTunables("glibc.malloc.hugetlb=0"), "glibc.malloc.hugetlb=0");
+    EXPECT_EQ(runningTunables(std::nullopt, {}, "libm.so.6"), "-");
 }

@@ -3,23 +3,11 @@
 // fault and a TLB entry of its own.
 #pragma once
 
-#include "kaldo/app/Options.h"
-
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace kaldo {
-
-// Drawings from this size on open faster with huge heap pages than the
-// restart that asks for them costs.
-constexpr std::uintmax_t kHugeHeapPagesFromBytes = 32u << 20;
-
-// Whether the session may open a drawing large enough to pay for a restart:
-// one that commands are typed into (the window, or standard input), or one
-// that opens a drawing of kHugeHeapPagesFromBytes or more at start.
-bool hugeHeapPagesPay(const Options& options);
 
 // The C library tunables to start kaldo with so that its heap asks for
 // transparent huge pages, given the current tunables (GLIBC_TUNABLES) and
@@ -30,8 +18,9 @@ std::optional<std::string> hugeHeapPageTunables(std::string_view tunables, std::
 
 // When the system grants huge pages only to memory that asks for them, starts
 // this executable again (same process, same arguments) with the tunables that
-// make the heap ask. Returns only when nothing is to change or the start
-// failed; the C library reads its tunables at start only, hence the restart.
+// make the heap ask; not when a library is preloaded (LD_PRELOAD). Returns
+// only when nothing is to change or the start failed; the C library reads its
+// tunables at start only, hence the restart.
 void restartWithHugeHeapPages(char** argv);
 
 }  // namespace kaldo

@@ -1,7 +1,6 @@
-#include "kaldo/app/HeapPages.h"
+#include "kaldo/launch/HeapPages.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -14,16 +13,6 @@ namespace {
 constexpr std::string_view kHugePageTunable = "glibc.malloc.hugetlb";
 
 }  // namespace
-
-bool hugeHeapPagesPay(const Options& options)
-{
-    if (options.showHelp || options.showVersion)
-        return false;
-    if (!options.script)
-        return true;
-    std::error_code ec;
-    return options.drawing && std::filesystem::file_size(*options.drawing, ec) >= kHugeHeapPagesFromBytes && !ec;
-}
 
 std::optional<std::string> hugeHeapPageTunables(std::string_view tunables, std::string_view systemMode)
 {
@@ -41,6 +30,10 @@ std::optional<std::string> hugeHeapPageTunables(std::string_view tunables, std::
 
 void restartWithHugeHeapPages(char** argv)
 {
+    // A preloaded library may bring its own heap (valgrind's, a profiler's),
+    // on which the tunable does nothing; valgrind cannot follow the restart.
+    if (const char* preloaded = std::getenv("LD_PRELOAD"); preloaded && *preloaded)
+        return;
     std::ifstream modeFile("/sys/kernel/mm/transparent_hugepage/enabled");
     const std::string systemMode((std::istreambuf_iterator<char>(modeFile)), std::istreambuf_iterator<char>());
     const char* current = std::getenv("GLIBC_TUNABLES");
