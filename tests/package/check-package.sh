@@ -59,12 +59,13 @@ check_desktop_files() {
     [ -f "$share/doc/kaldo/copyright" ] || fail "no copyright file"
 }
 
-# The program and the module under ROOT find the core library under ROOT,
-# not the build's.
+# The program library and the module under ROOT find the core library
+# under ROOT, not the build's; the launcher's run path leads to the program
+# library under ROOT.
 check_own_core_library() {
-    local root=$1 binaries binary libraries
-    mapfile -t binaries < <(find "$root" -path "*/bin/kaldo" -o -name KdMLStyle.krx)
-    [ "${#binaries[@]}" = 2 ] || fail "no one program and one module under $root: ${binaries[*]}"
+    local root=$1 binaries binary libraries launcher runpath
+    mapfile -t binaries < <(find "$root" -name libkaldoprogram.so -o -name KdMLStyle.krx)
+    [ "${#binaries[@]}" = 2 ] || fail "no one program library and one module under $root: ${binaries[*]}"
     for binary in "${binaries[@]}"; do
         # Read whole first: grep -q leaving a pipe early would fail it
         # under pipefail whenever ldd is still writing.
@@ -72,6 +73,10 @@ check_own_core_library() {
         grep -q "libkaldocore.so => $root/" <<<"$libraries" ||
             fail "$binary finds its core library outside $root: $(grep kaldocore <<<"$libraries")"
     done
+    launcher=$(find "$root" -path "*/bin/kaldo")
+    runpath=$(readelf -d "$launcher" | sed -n 's/.*Library runpath: \[\(.*\)\]/\1/p')
+    [ -f "${runpath//\$ORIGIN/$(dirname "$launcher")}/libkaldoprogram.so" ] ||
+        fail "$launcher does not find its program library under $root (run path $runpath)"
 }
 
 # A session of PROGRAM: the module from its modules folder, a wall in a
