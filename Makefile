@@ -60,7 +60,7 @@ fuzz: fuzz-build
 	@scripts/run-fuzzers.sh build/fuzz $(FUZZ_SECONDS)
 
 bench: build
-	@for b in $(STAGE)/bin/bench_*; do [ -x "$$b" ] && "$$b"; done
+	@for b in $(STAGE)/bin/bench_*; do [ -x "$$b" ] && KALDO_SOURCE_DIR=$(CURDIR) "$$b"; done
 
 clean:
 	rm -rf build

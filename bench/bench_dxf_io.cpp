@@ -10,6 +10,7 @@
 // KALDO_BENCH_MULTILINES changes the count (ezdxf needs minutes and
 // gigabytes for the full file); KALDO_BENCH_DXF names a file to write the
 // drawing to and keep, for timing whole runs of the host on it.
+#include "BenchPaths.h"
 #include "PeakMemory.h"
 #include "kaldo/dxf/AtomicFile.h"
 #include "kaldo/dxf/DxfFile.h"
@@ -289,11 +290,16 @@ BENCHMARK(BM_TearDownDrawing)->UseManualTime()->Unit(benchmark::kMillisecond)->I
 // leaves out the interpreter's start.
 void BM_EzdxfOpenAndSave(benchmark::State& state)
 {
+    const std::filesystem::path script = sourceFile("bench/ezdxf_io.py");
+    if (script.empty()) {
+        state.SkipWithError("KALDO_SOURCE_DIR is not set: 'make bench' and bench/compare.sh set it");
+        return;
+    }
     const QString in = QString::fromStdString(sharedFile().path.string());
     const QString out = sharedFile().dir.filePath("ezdxf.dxf");
     for (auto _ : state) {
         QProcess python;
-        python.start("/usr/bin/python3", {QString(KALDO_SOURCE_DIR "/bench/ezdxf_io.py"), in, out});
+        python.start("/usr/bin/python3", {QString::fromStdString(script.string()), in, out});
         python.waitForFinished(-1);
         const QJsonObject result = QJsonDocument::fromJson(python.readAllStandardOutput()).object();
         if (python.exitCode() != 0 || result.isEmpty()) {

@@ -8,6 +8,7 @@
 // clock on the wall, as painting uses more than one thread.
 // KALDO_BENCH_MIXED_ENTITIES sets the count (default 100 000);
 // KALDO_BENCH_MIXED_DXF names a drawing to use instead.
+#include "BenchPaths.h"
 #include "PeakMemory.h"
 #include "kaldo/dxf/DxfFile.h"
 #include "kaldo/view/DrawingRenderer.h"
@@ -36,7 +37,7 @@ struct MixedDrawing {
         } else {
             const char* count = std::getenv("KALDO_BENCH_MIXED_ENTITIES");
             path = dir.filePath("mixed.dxf").toStdString();
-            QProcess::execute(KALDO_GENERATE_DRAWING,
+            QProcess::execute(QString::fromStdString(stagedProgram("generate_drawing").string()),
                               {"mixed", count ? count : "100000", QString::fromStdString(path.string())});
         }
         megabytes = double(std::filesystem::file_size(path)) / 1e6;

@@ -3,6 +3,7 @@
 // adds a line to a drawing of many multilines (undo takes the line out
 // again), and whole runs of the host on scripts of N LINE commands, each
 // one step of the history (wall time and the run's peak memory).
+#include "BenchPaths.h"
 #include "ZigzagMultilines.h"
 #include "kaldo/db/UndoHistory.h"
 #include "kxdb.h"
@@ -92,7 +93,7 @@ struct RunFigures {
 RunFigures runHost(const std::string& script)
 {
     const char* stage = std::getenv("KALDO_STAGE");
-    const std::string kaldo = std::string(stage ? stage : KALDO_STAGE_DIR) + "/bin/kaldo";
+    const std::string kaldo = stage ? std::string(stage) + "/bin/kaldo" : stagedProgram("kaldo").string();
     const char* argv[] = {kaldo.c_str(), "--script", script.c_str(), nullptr};
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -24,6 +24,8 @@
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
+# The benchmarks find the source tree here (bench/BenchPaths.h).
+export KALDO_SOURCE_DIR=$root
 stage=${KALDO_STAGE:-$root/build/default/stage}
 kaldo=$stage/bin/kaldo
 multilines=${KALDO_BENCH_MULTILINES:-100000}

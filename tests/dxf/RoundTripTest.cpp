@@ -23,6 +23,7 @@
 #include <functional>
 #include <limits>
 #include <numbers>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,6 +39,24 @@ KxDbMline* addMline(KxDbDatabase& db, std::initializer_list<KxGePoint3d> points)
     db.addToCurrentSpace(mline);
     mline->close();
     return mline;
+}
+
+// The most groups of a code that one record of a kind holds in a file's text.
+int mostGroupsInOneRecord(const std::string& text, const std::string& kind, int code)
+{
+    std::istringstream lines(text);
+    std::string groupCode, value;
+    int most = 0, count = 0;
+    bool inRecord = false;
+    while (std::getline(lines, groupCode) && std::getline(lines, value)) {
+        if (std::stoi(groupCode) == 0) {
+            inRecord = value == kind;
+            count = 0;
+        } else if (inRecord && std::stoi(groupCode) == code) {
+            most = std::max(most, ++count);
+        }
+    }
+    return most;
 }
 
 void expectSamePoint(const KxGePoint3d& a, const KxGePoint3d& b)
@@ -476,43 +495,59 @@ TEST(DxfRoundTrip, LayersAndLinetypesKeptAsTheirRecordsOpenAsRead)
     // of a linetype the LTYPE table before gives each keep theirs with
     // them; those of one the table that follows gives, or the tables lack,
     // keep room for it, found once the section is read, the missing ones
-    // made then, after every record read, in the order of their layers.
+    // made then, after every record read, in the order of their layers. A
+    // file of a LAYER table alone gets its LTYPE table after it, and the
+    // saved file then gives its layers first. Every way, a layer takes the
+    // table's linetype, dashes and all, reopening adds nothing, so the seed
+    // stays and the same bytes are saved, and records without subclass
+    // markers get them on saving, their flags once.
     std::string layerRecords, linetypeRecords;
     for (int i = 0; i < 100; ++i) {
         const std::string n = std::to_string(i);
         layerRecords += "0\nLAYER\n2\nR" + n + "\n6\n" + (i % 2 ? "M" : "T") + n + "\n";
         linetypeRecords += i % 2 ? "" : "0\nLTYPE\n2\nT" + n + "\n";
     }
-    const std::string layerTable = "0\nTABLE\n2\nLAYER\n" + layerRecords + "0\nENDTAB\n";
+    layerRecords += "0\nLAYER\n2\nWALLS\n70\n0\n62\n7\n6\nCONTINUOUS\n";
+    linetypeRecords = "0\nLTYPE\n2\nDASHED\n70\n0\n3\nDashes\n72\n65\n73\n2\n40\n0.75\n49\n0.5\n74\n0\n"
+                      "49\n-0.25\n74\n0\n" + linetypeRecords;
+    const std::string layerTable = "0\nTABLE\n2\nLAYER\n" + layerRecords + "0\nLAYER\n2\nD\n6\nDASHED\n0\nENDTAB\n";
     const std::string linetypeTable = "0\nTABLE\n2\nLTYPE\n" + linetypeRecords + "0\nENDTAB\n";
-    for (const bool linetypesFirst : {false, true}) {
-        const std::string tables = linetypesFirst ? linetypeTable + layerTable : layerTable + linetypeTable;
+    for (const std::string& tables : {layerTable + linetypeTable, linetypeTable + layerTable, layerTable}) {
+        const bool layersOnly = tables == layerTable;
         kaldo::dxf::DxfDrawing layered = fromDxfText("0\nSECTION\n2\nTABLES\n" + tables + "0\nENDSEC\n"
                                                      + smallDrawing(groupText({"0", "LINE", "8", "R99"}), ""));
         KxDbDatabase& layeredDb = *layered.database;
         const auto named = [&](KxDbObjectId tableId, const std::string& name) {
             return recordNamed(tableId, std::wstring(name.begin(), name.end()));
         };
+        const auto linetypeOf = [&](const std::string& layer) {
+            return KxDbLayerTableRecord::cast(layeredDb.peekObject(named(layeredDb.layerTableId(), layer)))
+                ->linetypeObjectId();
+        };
         for (int i = 0; i < 100; ++i)
             EXPECT_TRUE(kaldo::isUnopened(named(layeredDb.layerTableId(), "R" + std::to_string(i)))) << i;
         const std::string layeredSaved = toDxfText(layered);
         EXPECT_NE(layeredSaved.find("AcDbLayerTableRecord\n  2\nR99\n 70\n0\n 62\n7\n  6\nM99\n"), std::string::npos);
+        for (const auto& [kind, code] : {std::pair{"LAYER", 70}, {"LTYPE", 70}, {"LTYPE", 72}})
+            EXPECT_EQ(mostGroupsInOneRecord(layeredSaved, kind, code), 1) << kind << " " << code;
         const std::uint64_t layeredChanges = layeredDb.changeCount();
         const auto handleOf = [&](KxDbObjectId id) { return layeredDb.peekObject(id)->handle(); };
-        std::uint64_t lastHandle = std::max(handleOf(named(layeredDb.layerTableId(), "R99")),
-                                            handleOf(named(layeredDb.linetypeTableId(), "T98")));
+        std::uint64_t lastHandle = handleOf(named(layeredDb.layerTableId(), "D"));
+        if (!layersOnly)
+            lastHandle = std::max(lastHandle, handleOf(named(layeredDb.linetypeTableId(), "T98")));
         for (int i = 0; i < 100; ++i) {
             const std::string n = std::to_string(i);
             const KxDbObjectId linetype = named(layeredDb.linetypeTableId(), (i % 2 ? "M" : "T") + n);
-            EXPECT_EQ(KxDbLayerTableRecord::cast(layeredDb.peekObject(named(layeredDb.layerTableId(), "R" + n)))
-                          ->linetypeObjectId(),
-                      linetype)
-                << i;
-            if (i % 2) {
+            EXPECT_EQ(linetypeOf("R" + n), linetype) << i;
+            if (i % 2 || layersOnly) {
                 EXPECT_GT(handleOf(linetype), lastHandle) << i;
                 lastHandle = handleOf(linetype);
             }
         }
+        EXPECT_EQ(linetypeOf("WALLS"), named(layeredDb.linetypeTableId(), "CONTINUOUS"));
+        EXPECT_EQ(linetypeOf("D"), named(layeredDb.linetypeTableId(), "DASHED"));
+        const auto* dashed = KxDbLinetypeTableRecord::cast(layeredDb.peekObject(linetypeOf("D")));
+        EXPECT_EQ(dashed->numDashes(), layersOnly ? 0 : 2);
         EXPECT_EQ(firstEntity<KxDbLine>(layeredDb)->layerId(), named(layeredDb.layerTableId(), "R99"));
         EXPECT_EQ(layeredDb.changeCount(), layeredChanges);
         EXPECT_EQ(toDxfText(layered), layeredSaved);
@@ -522,6 +557,7 @@ TEST(DxfRoundTrip, LayersAndLinetypesKeptAsTheirRecordsOpenAsRead)
         layeredDb.undoHistory().endStep();
         EXPECT_NE(toDxfText(layered).find("  2\nR1\n 70\n0\n 62\n7\n  6\nT0\n"), std::string::npos);
         kaldo::dxf::DxfDrawing layeredAgain = fromDxfText(layeredSaved);
+        EXPECT_EQ(layeredAgain.database->handseed(), layeredDb.handseed());
         EXPECT_EQ(toDxfText(layeredAgain), layeredSaved);
     }
 }
