@@ -100,10 +100,7 @@ TEST(DxfBadFiles, NumbersThatAreNotFiniteAreNeitherReadNorWritten)
     kaldo::dxf::KeptSections kept;
     kaldo::dxf::saveDxfFile(target, db, kept);
     const std::string old = fileText(target);
-    auto* line = new KxDbLine({0, 0, 0}, {std::numeric_limits<double>::infinity(), 0, 0});
-    line->setDatabaseDefaults(&db);
-    ASSERT_EQ(db.addToCurrentSpace(line), Kald::eOk);
-    line->close();
+    auto* line = addEntity(db, new KxDbLine({0, 0, 0}, {std::numeric_limits<double>::infinity(), 0, 0}));
     try {
         kaldo::dxf::saveDxfFile(target, db, kept);
         FAIL() << "a number that is not finite was written";
@@ -120,11 +117,7 @@ TEST(DxfBadFiles, NumbersThatAreNotFiniteAreNeitherReadNorWritten)
     std::vector<KxDbObjectId> lines;
     for (int i = 0; i < 10000; ++i) {
         const double x = i == 5000 || i == 9000 ? std::numeric_limits<double>::infinity() : i;
-        auto* each = new KxDbLine({double(i), 0, 0}, {x, 1, 0});
-        each->setDatabaseDefaults(&large);
-        ASSERT_EQ(large.addToCurrentSpace(each), Kald::eOk);
-        lines.push_back(each->objectId());
-        each->close();
+        lines.push_back(addEntity(large, new KxDbLine({double(i), 0, 0}, {x, 1, 0}))->objectId());
     }
     const auto handleOf = [&](int i) { return kaldo::dxf::handleText(large.peekObject(lines[i])->handle()); };
     try {
@@ -309,7 +302,6 @@ TEST(DxfBadFiles, AHugeLineIsRefusedWithoutReadingItWhole)
         EXPECT_EQ(std::string(e.what()), "huge.dxf, line 8: the line is longer than 65536 characters.");
         EXPECT_EQ(e.line(), 8);
     }
-    EXPECT_THROW(kaldo::dxf::readDxfFile(dir.filePath("missing.dxf").toStdString()), kaldo::dxf::DxfError);
 }
 
 TEST(DxfBadFiles, AFailedOrCancelledSaveLeavesTheOldFileAndNoLeftovers)
@@ -370,13 +362,7 @@ TEST(DxfBadFiles, AFailedOrCancelledSaveLeavesTheOldFileAndNoLeftovers)
     EXPECT_EQ(fileText(target), old);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path().toStdString()), {}), 1);
 
-    // A folder that does not exist, and a target that is a folder.
-    try {
-        kaldo::dxf::saveDxfFile(dir.filePath("no/such/folder/x.dxf").toStdString(), db, kept);
-        FAIL();
-    } catch (const kaldo::dxf::DxfError& e) {
-        EXPECT_NE(std::string(e.what()).find("No such file or directory"), std::string::npos);
-    }
+    // A target that is a folder.
     std::filesystem::create_directory(dir.filePath("folder.dxf").toStdString());
     EXPECT_THROW(kaldo::dxf::saveDxfFile(dir.filePath("folder.dxf").toStdString(), db, kept), kaldo::dxf::DxfError);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path().toStdString()), {}), 2);

@@ -253,30 +253,3 @@ TEST(DxfInterop, FilesEzdxfWritesSurviveOurOpenAndSave)
     EXPECT_EQ(result["differences"].toArray().size(), 0) << QJsonDocument(result).toJson().toStdString();
     EXPECT_GT(result["records"].toInt(), 50);
 }
-
-TEST(DxfInterop, OldVersionDrawingsAreReadAndSavedInTheCurrentOne)
-{
-    QTemporaryDir dir;
-    const QString old = dir.filePath("old.dxf");
-    runPython("ezdxf_write.py", {old, "R12"});
-    kaldo::dxf::DxfDrawing drawing = kaldo::dxf::readDxfFile(old.toStdString());
-    KxDbDatabase& db = *drawing.database;
-    const KxDbLine* line = firstEntity<KxDbLine>(db);
-    ASSERT_NE(line, nullptr);
-    EXPECT_EQ(line->endPoint().y, 4);
-    EXPECT_NE(firstEntity<KxDbCircle>(db), nullptr);
-    EXPECT_NE(firstEntity<KxDbUnmodelledEntity>(db), nullptr);
-    KxDbDictionary* styles = nullptr;
-    ASSERT_EQ(db.getMLStyleDictionary(styles, KxDb::kForRead), Kald::eOk);
-    EXPECT_TRUE(styles->has(kxdbStandardStyleName));
-    styles->close();
-
-    const QString saved = dir.filePath("saved.dxf");
-    kaldo::dxf::saveDxfFile(saved.toStdString(), db, drawing.kept);
-    const QJsonObject result = runPythonJson("ezdxf_mlines.py", {saved});
-    EXPECT_EQ(result["errors"].toArray().size(), 0) << QJsonDocument(result).toJson().toStdString();
-    EXPECT_EQ(result["fixes"].toArray().size(), 0) << QJsonDocument(result).toJson().toStdString();
-    kaldo::dxf::DxfDrawing again = kaldo::dxf::readDxfFile(saved.toStdString());
-    EXPECT_EQ(again.kept.version, "AC1015");
-    EXPECT_EQ(firstEntity<KxDbLine>(*again.database)->handle(), line->handle());
-}

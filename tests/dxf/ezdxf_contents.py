@@ -1,5 +1,5 @@
-"""Reads a drawing with ezdxf and prints, as JSON, how many entities of
-each kind its model space holds (those of the old polyline form as
+"""Reads a drawing with ezdxf and prints, as JSON, its version, how many
+entities of each kind its model space holds (those of the old polyline form as
 POLYLINE) and the tag and text of every attribute of its block
 references."""
 import collections
@@ -12,4 +12,4 @@ doc = ezdxf.readfile(sys.argv[1])
 kinds = collections.Counter(entity.dxftype() for entity in doc.modelspace())
 attributes = [[attrib.dxf.tag, attrib.dxf.text] for insert in doc.modelspace().query("INSERT")
               for attrib in insert.attribs]
-print(json.dumps({"kinds": kinds, "attributes": attributes}))
+print(json.dumps({"version": doc.dxfversion, "kinds": kinds, "attributes": attributes}))

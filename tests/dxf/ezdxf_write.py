@@ -1,17 +1,8 @@
 """Writes a drawing with ezdxf: multilines of several elements, closed ones,
-true colours, and entities and objects the host does not model. With a
-second argument "R12", an old-version drawing of a line, a circle and a text."""
+true colours, and entities and objects the host does not model."""
 import sys
 
 import ezdxf
-
-if sys.argv[2:] == ["R12"]:
-    old = ezdxf.new("R12")
-    old.modelspace().add_line((0, 0), (3, 4))
-    old.modelspace().add_circle((1, 1), 2)
-    old.modelspace().add_text("old")
-    old.saveas(sys.argv[1])
-    sys.exit(0)
 
 doc = ezdxf.new("R2010", setup=True)
 msp = doc.modelspace()

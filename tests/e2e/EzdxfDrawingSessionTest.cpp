@@ -3,7 +3,8 @@
 // to R2018. The real kaldo opens it, draws it (each cell has ink in the
 // picture, but for the construction lines RAY and XLINE, which reach
 // beyond every extent), and saves it; the saved file keeps every entity
-// and attribute (ezdxf counts them), and kaldo opens and draws it again.
+// and attribute (ezdxf counts them), in the version kaldo writes or the
+// file's own when newer, and kaldo opens and draws it again.
 // KaldoProcess then checks that both files reopen to the same bytes and
 // that ezdxf's audit finds nothing in the saved one.
 #include "EzdxfReport.h"
@@ -14,6 +15,7 @@
 #include <QImage>
 #include <QJsonArray>
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -78,6 +80,8 @@ TEST_P(EzdxfDrawingSession, OpensDrawsSavesAndReopensEveryEntityKind)
     ASSERT_TRUE(after.ran) << after.problem;
     EXPECT_EQ(after.file["kinds"], before.file["kinds"]);
     EXPECT_EQ(after.file["attributes"], QJsonArray({QJsonArray({"NAME", "A1"})}));
+    EXPECT_EQ(after.file["version"].toString().toStdString(),
+              std::max(before.file["version"].toString().toStdString(), std::string("AC1015")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, EzdxfDrawingSession,

@@ -40,17 +40,14 @@ bool holdsC1Control(const std::string& text)
 TEST(HostileInputSession, NumbersThatOverflowAreRefusedAndHugeOnesWrittenReadably)
 {
     KaldoProcess kaldo;
-    const std::string nan = kaldo.writeFile("nan.dxf", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\nnan\n"
-                                                       "  0\nENDSEC\n  0\nEOF\n").string();
     const std::filesystem::path saved = kaldo.dir() / "saved.dxf";
     const KaldoRun run = kaldo.runScript("LINE\n1e308,0\n@1e308,0\n@1,0\n\nLINE\n0,0\n@1e308<45\n^C\n"
-                                         "SETVAR\nANGBASE\n1e309\nOPEN\n" + nan + "\nNo\n"
+                                         "SETVAR\nANGBASE\n1e309\n"
                                          "MLINE\nS\n1e308\nS\n^C\n^C\nCMLSCALE\n\nLUNITS\n4\nCMLSCALE\n\n",
                                          {"--save", QString::fromStdString(saved.string())});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("@1e308,0\nInvalid point.\nSpecify next point or [Undo]: @1,0\n"));
     EXPECT_THAT(run.out, HasSubstr("ANGBASE cannot be set to \"1e309\""));
-    EXPECT_THAT(run.out, HasSubstr("Cannot open the drawing: nan.dxf, line 8: group 10 needs a number, not \"nan\"."));
     EXPECT_EQ(run.err, "");
     EXPECT_THAT(fileText(saved), HasSubstr("\n 11\n1e+308\n"));
     EXPECT_THAT(fileText(saved), Not(HasSubstr("inf")));
