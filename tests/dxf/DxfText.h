@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 inline std::string toDxfText(KxDbDatabase& db, kaldo::dxf::KeptSections& kept)
 {
@@ -29,6 +30,15 @@ inline kaldo::dxf::DxfDrawing fromDxfText(const std::string& text)
 inline std::string toDxfText(kaldo::dxf::DxfDrawing& drawing)
 {
     return toDxfText(*drawing.database, drawing.kept);
+}
+
+// The ids of model space's entities, in their order.
+inline std::vector<KxDbObjectId> modelSpaceIds(KxDbDatabase& db)
+{
+    std::vector<KxDbObjectId> ids;
+    for (auto it = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()))->newIterator(); !it->done(); it->step())
+        ids.push_back(it->getEntityId());
+    return ids;
 }
 
 // The first entity of model space of class T (null when there is none).

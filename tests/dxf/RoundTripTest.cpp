@@ -93,10 +93,7 @@ TEST(DxfRoundTrip, EntitiesKeptAsTheirRecordsOpenAsReadAndChangeNothing)
         + kept;
     kaldo::dxf::DxfDrawing drawing = fromDxfText(smallDrawing(entities, ""));
     KxDbDatabase& db = *drawing.database;
-    std::vector<KxDbObjectId> ids;
-    const auto* space = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()));
-    for (auto it = space->newIterator(); !it->done(); it->step())
-        ids.push_back(it->getEntityId());
+    const std::vector<KxDbObjectId> ids = modelSpaceIds(db);
     ASSERT_EQ(ids.size(), 12u);
     EXPECT_EQ(db.objectIdFromHandle(0x2A), ids[1]);
     EXPECT_EQ(ids[2].objectClass(), KxDbCircle::desc());
@@ -179,10 +176,7 @@ TEST(DxfRoundTrip, HeaderExtentsMeasuredWhenReadHoldUntilTheDrawingChanges)
             + groupText({"0", "LINE", "67", "1", "10", "1000", "11", "-1000"}),
         ""));
     KxDbDatabase& db = *drawing.database;
-    std::vector<KxDbObjectId> ids;
-    const auto* space = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()));
-    for (auto it = space->newIterator(); !it->done(); it->step())
-        ids.push_back(it->getEntityId());
+    const std::vector<KxDbObjectId> ids = modelSpaceIds(db);
     ASSERT_EQ(ids.size(), 6u);
     EXPECT_TRUE(kaldo::isUnopened(ids[0]));
     EXPECT_FALSE(kaldo::isUnopened(ids[3]));
@@ -454,10 +448,7 @@ TEST(DxfRoundTrip, LayersAndLinetypesKeptAsTheirRecordsOpenAsRead)
         KxDbObjectPtr<KxDbSymbolTable>(tableId, KxDb::kForRead)->getAt(name.c_str(), record);
         return record;
     };
-    std::vector<KxDbObjectId> lineIds;
-    for (auto it = KxDbBlockTableRecord::cast(namedDb.peekObject(namedDb.modelSpaceId()))->newIterator(); !it->done();
-         it->step())
-        lineIds.push_back(it->getEntityId());
+    const std::vector<KxDbObjectId> lineIds = modelSpaceIds(namedDb);
     ASSERT_EQ(lineIds.size(), 151u);
     const KxDbObjectId l149 = recordNamed(namedDb.layerTableId(), L"L149");
     const KxDbObjectId t149 = recordNamed(namedDb.linetypeTableId(), L"T149");
@@ -680,10 +671,9 @@ TEST(DxfRoundTrip, MultilinesKeptAsTheirRecordsOpenAsThoseMadeWhenRead)
     kaldo::dxf::DxfDrawing kept = fromDxfText(mline("2", square, false));
     kaldo::dxf::DxfDrawing made = fromDxfText(mline("2", square, true));
     KxDbDatabase& db = *kept.database;
-    const KxDbObjectId id = KxDbBlockTableRecord::cast(db.peekObject(db.modelSpaceId()))->newIterator()->getEntityId();
+    const KxDbObjectId id = modelSpaceIds(db).front();
     ASSERT_TRUE(kaldo::isUnopened(id));
-    EXPECT_FALSE(kaldo::isUnopened(
-        KxDbBlockTableRecord::cast(made.database->peekObject(made.database->modelSpaceId()))->newIterator()->getEntityId()));
+    EXPECT_FALSE(kaldo::isUnopened(modelSpaceIds(*made.database).front()));
     EXPECT_EQ(kept.repairs, made.repairs);
     EXPECT_EQ(kept.repairs.size(), 1u);
     auto* standard = KxDbMlineStyle::cast(db.peekObject(db.cmlstyleID()));
@@ -707,8 +697,7 @@ TEST(DxfRoundTrip, MultilinesKeptAsTheirRecordsOpenAsThoseMadeWhenRead)
     // was.
     kaldo::dxf::DxfDrawing changed = fromDxfText(mline("2", square, false));
     KxDbDatabase& changedDb = *changed.database;
-    const KxDbObjectId changedId =
-        KxDbBlockTableRecord::cast(changedDb.peekObject(changedDb.modelSpaceId()))->newIterator()->getEntityId();
+    const KxDbObjectId changedId = modelSpaceIds(changedDb).front();
     auto* changedStyle = KxDbMlineStyle::cast(changedDb.peekObject(changedDb.cmlstyleID()));
     double offset = 0;
     KxCmColor color;
