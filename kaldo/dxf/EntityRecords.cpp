@@ -33,6 +33,14 @@ namespace kaldo::dxf {
 
 namespace {
 
+// The layer and linetype an entity's names give, and whether the names
+// spell them otherwise: what an entity made at once takes of a Look.
+struct ResolvedNames {
+    KxDbObjectId layer, linetype;
+    bool layerSpelledOtherwise = false;
+    bool linetypeSpelledOtherwise = false;
+};
+
 // Layer, linetype and colour of every entity, the names and the index as
 // the record in hand spells them.
 struct EntityLook {
@@ -54,8 +62,10 @@ struct EntityLook {
         }
         return readColorGroup(g, color);
     }
-    // The layer and linetype the names give, added when missing.
-    void resolve(ReadContext& context, kaldo::UnopenedRecords::Look& resolved) const
+    // The layer and linetype the names give, added when missing, into a
+    // Look or ResolvedNames.
+    template <class Resolved>
+    void resolve(ReadContext& context, Resolved& resolved) const
     {
         bool same = true;
         resolved.layer = context.layer(layer.empty() ? "0" : layer, &same);
@@ -65,7 +75,8 @@ struct EntityLook {
     }
     // Names spelled otherwise than their records (other capitals) are
     // kept as spelled, so that they are written back so.
-    void applyTo(KxDbEntity& entity, const kaldo::UnopenedRecords::Look& resolved, RecordBasics& basics) const
+    template <class Resolved>
+    void applyTo(KxDbEntity& entity, const Resolved& resolved, RecordBasics& basics) const
     {
         entity.setLayer(resolved.layer);
         if (resolved.layerSpelledOtherwise)
@@ -80,7 +91,7 @@ struct EntityLook {
     }
     void applyTo(KxDbEntity& entity, ReadContext& context, RecordBasics& basics) const
     {
-        kaldo::UnopenedRecords::Look resolved;
+        ResolvedNames resolved;
         resolve(context, resolved);
         applyTo(entity, resolved, basics);
     }
@@ -363,9 +374,10 @@ KxDbObjectId blockOf(const RecordBasics& basics, ReadContext& context)
     return inPaperSpace ? context.roots.paperSpace : context.roots.modelSpace;
 }
 
-// Hands the entity to its block; returns it, now the drawing's.
-KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, RecordBasics& basics,
-                   KxDbObjectId block, long line)
+// Hands the entity, of the kind given, to its block; returns it, now the
+// drawing's.
+KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, kaldo::EntityKind kind,
+                   RecordBasics& basics, KxDbObjectId block, long line)
 {
     const KxDbObjectId target = block.isNull() ? blockOf(basics, context) : block;
     // A block kept unopened takes the entity without being opened; model
@@ -374,7 +386,7 @@ KxDbEntity* append(ReadContext& context, std::unique_ptr<KxDbEntity> entity, Rec
     if (!space && !(kaldo::isUnopened(target) && context.isBlock(target)))
         throw DxfError(line, "the entity belongs to no block.");
     basics.owner = 0;
-    context.extents.add(target, context.roots.modelSpace, *entity);
+    context.extents.add(target, context.roots.modelSpace, *entity, kind);
     KxDbEntity* owned = entity.release();
     context.add(owned, std::move(basics));
     if (!space && context.db.unopenedRecords().appendEntity(target, owned->objectId())) {
@@ -429,6 +441,23 @@ void makeEntity(EntityParts& parts)
     else if (const auto* head = std::get_if<PolylineHead>(&parts.unmade); head && !parts.verticesUnread)
         parts.entity.reset(makePolyline(*head, parts.vertices));
     parts.unmade = {};
+}
+
+// The kind of the entity makeEntity makes of a record of the kind given.
+kaldo::EntityKind madeKind(RecordKind kind)
+{
+    switch (kind) {
+    case RecordKind::Line:
+        return kaldo::EntityKind::Line;
+    case RecordKind::Arc:
+        return kaldo::EntityKind::Arc;
+    case RecordKind::Circle:
+        return kaldo::EntityKind::Circle;
+    case RecordKind::LwPolyline:
+        return kaldo::EntityKind::Polyline;
+    default:
+        return kaldo::EntityKind::Other;
+    }
 }
 
 // Records of more groups than this, whose vertices might take more than
@@ -517,22 +546,20 @@ void takeApart(const Record& record, EntityParts& parts, bool countFirst = true)
 }
 
 // What the entity taken apart from a record of groups takes as an object:
-// an unmodelled one holds the groups beside itself.
+// an unmodelled one holds the groups beside itself. Told by what the parts
+// hold, without asking for classes (only a polyline is made while taken
+// apart).
 std::size_t objectBytes(const EntityParts& parts, KxDbPackedGroupsView groups)
 {
-    const KxRxClass* const cls = entityClass(parts);
-    if (!cls)
-        return sizeof(KxDbUnmodelledEntity) + groups.bytes().size();
-    if (cls == KxDbPolyline::desc()) {
-        if (const auto* head = std::get_if<PolylineHead>(&parts.unmade))
-            return sizeof(KxDbPolyline) + head->vertexBytes;
-        return sizeof(KxDbPolyline) + KxDbPolyline::cast(parts.entity.get())->vertexBytes();
-    }
-    if (cls == KxDbArc::desc())
-        return sizeof(KxDbArc);
-    if (cls == KxDbCircle::desc())
-        return sizeof(KxDbCircle);
-    return sizeof(KxDbLine);
+    if (parts.entity)
+        return sizeof(KxDbPolyline) + static_cast<const KxDbPolyline&>(*parts.entity).vertexBytes();
+    if (std::holds_alternative<LineShape>(parts.unmade))
+        return sizeof(KxDbLine);
+    if (const auto* circle = std::get_if<CircleShape>(&parts.unmade))
+        return circle->isArc ? sizeof(KxDbArc) : sizeof(KxDbCircle);
+    if (const auto* head = std::get_if<PolylineHead>(&parts.unmade))
+        return sizeof(KxDbPolyline) + head->vertexBytes;
+    return sizeof(KxDbUnmodelledEntity) + groups.bytes().size();
 }
 
 // Makes a multiline kept unopened as readEntity and the style's
@@ -743,8 +770,10 @@ bool mayJoinRun(const Record& record, const RecordBasics& basics, const ReadCont
 bool mayJoinRun(const Record& record, const EntityParts& parts, const ReadContext& context)
 {
     const EntityLook& look = parts.look;
-    return !entityClass(parts) && look.layer == "0" && look.linetype.empty() && look.colorIndex.empty()
-           && look.color == KxCmColor() && mayJoinRun(record, parts.basics, context);
+    // Told by what the parts hold, as objectBytes tells it: no entity.
+    return !parts.entity && std::holds_alternative<std::monostate>(parts.unmade) && look.layer == "0"
+           && look.linetype.empty() && look.colorIndex.empty() && look.color == KxCmColor()
+           && mayJoinRun(record, parts.basics, context);
 }
 
 // Whether a record of a run may keep the handle its file gives it: no object
@@ -817,7 +846,7 @@ void finishRecordRun(ReadContext& context)
             entity = std::make_unique<kaldo::RecordRun>(run.kind, first, std::move(tail));
         RecordBasics basics{run.firstHandle, 0, {}};
         EntityLook().applyTo(*entity, context, basics);
-        added = append(context, std::move(entity), basics, run.block, 0);
+        added = append(context, std::move(entity), kaldo::EntityKind::Unmodelled, basics, run.block, 0);
     }
     if (run.count > 1) {
         // Records the file gave no handles take those after the run's.
@@ -901,7 +930,8 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         std::unique_ptr<KxDbEntity> entity(readMline(record, basics, [&look](const Group& g) { return look.take(g); },
                                                      styleLink, context.mlineLists));
         look.applyTo(*entity, context, basics);
-        const KxDbEntity* added = append(context, std::move(entity), basics, block, record.line());
+        const KxDbEntity* added =
+            append(context, std::move(entity), kaldo::EntityKind::Mline, basics, block, record.line());
         context.styleReferences.push_back({added->objectId(), styleLink.handle, styleLink.name, styleLink.line});
         return;
     }
@@ -930,11 +960,11 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(record.kind(), record.packedGroups());
         RecordBasics lookKept;
         parts->look.applyTo(*unmodelled, context, lookKept);
-        append(context, std::move(unmodelled), parts->basics, block, record.line());
+        append(context, std::move(unmodelled), kaldo::EntityKind::Unmodelled, parts->basics, block, record.line());
         return;
     }
     parts->look.applyTo(*parts->entity, context, parts->basics);
-    append(context, std::move(parts->entity), parts->basics, block, record.line());
+    append(context, std::move(parts->entity), madeKind(record.kindCode()), parts->basics, block, record.line());
 }
 
 namespace {

@@ -7,6 +7,7 @@
 #include <limits>
 #include <span>
 
+#include "kaldo/db/EntityKinds.h"
 #include "kaldo/dxf/Extents.h"
 
 class KxDbEntity;
@@ -18,6 +19,9 @@ public:
     // Lines, arcs, circles, polylines and multilines; other entities add
     // nothing.
     void add(const KxDbEntity& entity);
+    // The same for an entity of the kind given, which the caller knows
+    // (entityKind(entity)): the reader made it.
+    void add(const KxDbEntity& entity, kaldo::EntityKind kind);
     // Extents stay finite: a point beyond the largest number (a circle that
     // reaches further) counts as lying at it, and one that is no number
     // counts not at all; the writer names the entity that holds one.
@@ -67,15 +71,8 @@ private:
         m_min = {std::min(m_min.x, q.x), std::min(m_min.y, q.y), std::min(m_min.z, q.z)};
         m_max = {std::max(m_max.x, q.x), std::max(m_max.y, q.y), std::max(m_max.z, q.z)};
     }
-    // The coordinates apart, for points that share their z: taking it once
-    // gives what taking it with each point does.
-    [[gnu::always_inline]] void takeInXY(double x, double y)
-    {
-        m_min.x = std::min(m_min.x, x);
-        m_min.y = std::min(m_min.y, y);
-        m_max.x = std::max(m_max.x, x);
-        m_max.y = std::max(m_max.y, y);
-    }
+    // z apart, for points that share it: taking it once gives what
+    // taking it with each point does.
     [[gnu::always_inline]] void takeInZ(double z)
     {
         m_min.z = std::min(m_min.z, z);

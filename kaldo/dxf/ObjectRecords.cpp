@@ -22,6 +22,7 @@
 #include <memory>
 #include <numeric>
 #include <numbers>
+#include <utility>
 
 namespace kaldo::dxf {
 
@@ -75,7 +76,7 @@ void readDictionary(const Record& record, ReadContext& context, bool isRoot)
     if (named)
         entries.add(name, handle, line);
     KxDbDictionary* added = dict.release();
-    const KxDbObjectId id = context.add(added, basics);
+    const KxDbObjectId id = context.add(added, std::move(basics));
     entries.finishDictionary(id);
     entries.forEach(
         [&](const PendingDictionaryEntries::Entry& entry) {
@@ -124,10 +125,10 @@ std::unique_ptr<KxDbObject> makeUnmodelled(const kaldo::UnopenedRecords::Look& l
 // holds its groups too).
 void readUnmodelled(const Record& record, ReadContext& context)
 {
-    const RecordBasics basics = rawRecordBasics(record);
+    RecordBasics basics = rawRecordBasics(record);
     if (!keepUnopened(record, basics, sizeof(KxDbUnmodelledObject) + record.packedGroups().bytes().size(),
                       KxDbUnmodelledObject::desc(), &makeUnmodelled, context))
-        context.add(new KxDbUnmodelledObject(record.kind(), record.packedGroups()), basics);
+        context.add(new KxDbUnmodelledObject(record.kind(), record.packedGroups()), std::move(basics));
 }
 
 struct StyleElement {

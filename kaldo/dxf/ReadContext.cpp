@@ -14,7 +14,7 @@
 
 namespace kaldo::dxf {
 
-KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics basics)
+KxDbObjectId ReadContext::add(KxDbObject* obj, RecordBasics&& basics)
 {
     std::unique_ptr<KxDbObject> owned(obj);
     // The database raises its handle seed above the handle it gives.
@@ -84,13 +84,6 @@ const ReadContext::Found* ReadContext::FoundNames::firstNamed(std::string_view n
             return &entry->second;
     }
     return nullptr;
-}
-
-KxDbObjectId ReadContext::found(const Found& entry, bool* spelledAsRecord)
-{
-    if (spelledAsRecord)
-        *spelledAsRecord = entry.spelledAsRecord;
-    return entry.id;
 }
 
 // Names are kept as record() keeps them, so a name spelled so already is

@@ -119,7 +119,7 @@ struct ReadContext {
 
     // Adds a new object under its file handle (a new one when the file gave
     // none or a taken one) and closes it; remembers its owner for later.
-    KxDbObjectId add(KxDbObject* obj, RecordBasics basics);
+    KxDbObjectId add(KxDbObject* obj, RecordBasics&& basics);
     // The handle a record gave to add its object under: 0 (a new one) when
     // a run holds it.
     std::uint64_t fileHandle(std::uint64_t handle) const;
@@ -177,7 +177,12 @@ private:
         // The entry of the first few spelled as name exactly, or null.
         const Found* firstNamed(std::string_view name) const;
     };
-    static KxDbObjectId found(const Found& entry, bool* spelledAsRecord);
+    static KxDbObjectId found(const Found& entry, bool* spelledAsRecord)
+    {
+        if (spelledAsRecord)
+            *spelledAsRecord = entry.spelledAsRecord;
+        return entry.id;
+    }
     // Adds a record of the name as an object: null when the table refuses it.
     KxDbObjectId addRecord(KxDbSymbolTable& table, const std::wstring& name, bool isLayer);
     // Null for a name the table does not hold unless addMissing.

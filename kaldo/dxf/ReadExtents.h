@@ -29,10 +29,11 @@ public:
     // Measures an entity added to block. A multiline is measured as read:
     // laying it out anew once its style is found sets its axes and miters,
     // never its vertices, which are all the box takes.
-    void add(KxDbObjectId block, KxDbObjectId modelSpace, const KxDbEntity& entity)
+    // The entity is of the kind given.
+    void add(KxDbObjectId block, KxDbObjectId modelSpace, const KxDbEntity& entity, kaldo::EntityKind kind)
     {
         if (ExtentsBox* const box = boxFor(block, modelSpace))
-            box->add(entity);
+            box->add(entity, kind);
     }
 
     // What is known once the drawing db is read: the box, when every

@@ -327,7 +327,7 @@ void readBlockRecord(const Record& record, ReadContext& context, KxDbSymbolTable
         && !keepUnopened(record, basics, *block, recordLook("BLOCK_RECORD", table, {}), context, table).isNull())
         return;
     KxDbBlockTableRecord* rec = block.release();
-    const KxDbObjectId id = context.add(rec, basics);
+    const KxDbObjectId id = context.add(rec, std::move(basics));
     if (table.add(rec) != Kald::eOk)
         throw DxfError(record.line(), "the block record \"" + utf8FromWide(name) + "\" is there twice.");
     if (kaldo::sameName(name, kxdbModelSpaceName))
