@@ -41,26 +41,18 @@ std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
 {
     const KxDbDatabase* db = obj.database();
-    writeRecordHead(w, kind, obj, db ? handleOf(*db, obj.ownerId()) : 0);
+    writeRecordHead(w, kind, obj, db, db ? handleOf(*db, obj.ownerId()) : 0);
 }
 
-void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t owner)
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, const KxDbDatabase* db,
+                     std::uint64_t owner)
 {
     w.plain(0, kind);
     // From the handle table alone (obj.handle() looks the database up
     // again).
-    const KxDbDatabase* db = obj.database();
     w.handle(5, db ? db->unopenedRecords().handleOf(obj.objectId()) : 0);
     writeKeptPart(w, obj, 0);
     w.handle(330, owner);
-}
-
-void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part)
-{
-    obj.keptGroups().forEach([&](std::int16_t code, std::uint8_t groupPart, std::string_view value) {
-        if (groupPart == part)
-            w.text(code, value);
-    });
 }
 
 void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, int skippedCode)
