@@ -958,7 +958,7 @@ void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, cons
 {
     // The entity is the drawing's, or made aside from its record under its
     // id: db is its database.
-    writeRecordHead(w, kind, e, &db, names.ownerHandle(e.ownerId()));
+    writeRecordHead(w, kind, e, names.handle(e.objectId()), names.ownerHandle(e.ownerId()));
     w.plain(100, "AcDbEntity");
     const bool spelledOtherwise = !kept.empty();
     const std::string& layer = names(e.layerId(), "0");
@@ -992,8 +992,7 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
     case EntityKind::Unmodelled: {
         const auto& unmodelled = static_cast<const KxDbUnmodelledEntity&>(entity);
         const std::uint64_t owner = names.ownerHandle(entity.ownerId());
-        // From the handle table alone, as in the head of other entities.
-        const std::uint64_t handle = db.unopenedRecords().handleOf(entity.objectId());
+        const std::uint64_t handle = names.handle(entity.objectId());
         const std::string_view kind = unmodelled.dxfName();
         forEachKeptRecord(unmodelled, handle, [&](KxDbPackedGroupsView groups, std::uint64_t recordHandle) {
             writeUnmodelledRecord(w, kind, groups, recordHandle, owner);

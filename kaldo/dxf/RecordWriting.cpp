@@ -40,17 +40,18 @@ std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
 {
+    // From the handle table alone (obj.handle() looks the database up
+    // again).
     const KxDbDatabase* db = obj.database();
-    writeRecordHead(w, kind, obj, db, db ? handleOf(*db, obj.ownerId()) : 0);
+    writeRecordHead(w, kind, obj, db ? db->unopenedRecords().handleOf(obj.objectId()) : 0,
+                    db ? handleOf(*db, obj.ownerId()) : 0);
 }
 
-void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, const KxDbDatabase* db,
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t handle,
                      std::uint64_t owner)
 {
     w.plain(0, kind);
-    // From the handle table alone (obj.handle() looks the database up
-    // again).
-    w.handle(5, db ? db->unopenedRecords().handleOf(obj.objectId()) : 0);
+    w.handle(5, handle);
     writeKeptPart(w, obj, 0);
     w.handle(330, owner);
 }

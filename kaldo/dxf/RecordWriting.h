@@ -11,9 +11,8 @@
 namespace kaldo::dxf {
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj);
-// The same with the object's database (null for none) and the owner's
-// handle (0 for none) given.
-void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, const KxDbDatabase* db,
+// The same with the object's handle and the owner's (0 for none) given.
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t handle,
                      std::uint64_t owner);
 // The kept groups of one part, of an object's keptGroups() taken once for
 // its parts (none, mostly: then nothing is called).
