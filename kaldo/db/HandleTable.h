@@ -22,6 +22,9 @@ public:
     bool contains(std::uint64_t handle) const { return m_ids.find(handle) != 0; }
     // The handle of id, or 0.
     std::uint64_t handleOf(KxDbObjectId id) const { return m_handles.find(id.asOldId()); }
+    // The run of ids (serials) with consecutive handles that holds id, or
+    // one of count 0.
+    RunMap::Run handleRunOf(KxDbObjectId id) const { return m_handles.runHolding(id.asOldId()); }
     // The greatest handle that names an id, or 0.
     std::uint64_t greatestHandle() const { return m_ids.greatestKey(); }
     // Names id (not null) by handle (not 0), in place of what the handle

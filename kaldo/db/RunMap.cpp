@@ -39,6 +39,12 @@ std::vector<RunMap::Run>::iterator RunMap::runOf(std::uint64_t key)
     return m_runs.begin() + (std::as_const(*this).runOf(key) - m_runs.cbegin());
 }
 
+RunMap::Run RunMap::runHolding(std::uint64_t key) const
+{
+    const auto run = runOf(key);
+    return run != m_runs.end() ? *run : Run{};
+}
+
 std::uint64_t RunMap::find(std::uint64_t key) const
 {
     if (key == 0)

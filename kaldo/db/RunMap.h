@@ -40,6 +40,16 @@ public:
     void erase(std::uint64_t key);
     // The greatest key mapped, or 0.
     std::uint64_t greatestKey() const;
+    // Keys from firstKey on mapped to values from firstValue on, count of
+    // them; count 0 for none.
+    struct Run {
+        std::uint64_t firstKey = 0;
+        std::uint64_t firstValue = 0;
+        std::uint64_t count = 0;
+    };
+    // The run that maps key, or one of count 0 when a slot maps it or
+    // nothing does.
+    Run runHolding(std::uint64_t key) const;
 
 private:
     static constexpr std::size_t kMostDisplacement = 16;
@@ -48,11 +58,6 @@ private:
     static constexpr std::uint64_t kShortestRun = 4;
     // A new run goes before at most this many others.
     static constexpr std::ptrdiff_t kMostRunsMoved = 16;
-    struct Run {
-        std::uint64_t firstKey = 0;
-        std::uint64_t firstValue = 0;
-        std::uint64_t count = 0;
-    };
     // Grows the run that grew last by key, when key and value continue it
     // and key lies before the next run and in no slot (reading a file, the
     // usual case): as addToRuns would have grown it, without its search.

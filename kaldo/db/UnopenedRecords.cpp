@@ -332,6 +332,11 @@ std::uint64_t UnopenedRecords::handleOf(KxDbObjectId id) const
     return m_db.m_handles->handleOf(id);
 }
 
+RunMap::Run UnopenedRecords::handleRunOf(KxDbObjectId id) const
+{
+    return m_db.m_handles->handleRunOf(id);
+}
+
 void UnopenedRecords::forEachOwnerUnknown(const std::function<void(KxDbObjectId, const Kept&)>& see) const
 {
     const auto seeUnknown = [&](KxDbObjectId id, std::uint64_t entry) {

@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "kaldo/db/ByteChunks.h"
+#include "kaldo/db/RunMap.h"
 #include "kxdbid.h"
 #include "kxdbidruns.h"
 #include "kxdbunmodelled.h"
@@ -134,6 +135,10 @@ public:
     // The handle of a record kept, opened or not, or of any other object
     // of the drawing.
     std::uint64_t handleOf(KxDbObjectId id) const;
+    // The run of ids (serials) with consecutive handles that holds id, or
+    // one of count 0: the handles of the ids around it, without a lookup
+    // each while the drawing does not change.
+    RunMap::Run handleRunOf(KxDbObjectId id) const;
     // Calls see(id, kept) for every record kept with its owner not known
     // (see setOwner), opened since or not.
     void forEachOwnerUnknown(const std::function<void(KxDbObjectId, const Kept&)>& see) const;

@@ -970,10 +970,10 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
 namespace {
 
 // The name as the file spelled it when it still names the record.
-std::string_view spelled(const KxDbEntity& e, int code, const std::string& name)
+std::string_view spelled(KxDbPackedGroupsView kept, int code, const std::string& name)
 {
     std::string_view found = name;
-    e.keptGroups().forEach([&](std::int16_t groupCode, std::uint8_t part, std::string_view value) {
+    kept.forEach([&](std::int16_t groupCode, std::uint8_t part, std::string_view value) {
         if (groupCode != code || part != 1 || !kaldo::sameName(wideFromUtf8(value), wideFromUtf8(name)))
             return true;
         found = value;
@@ -982,22 +982,26 @@ std::string_view spelled(const KxDbEntity& e, int code, const std::string& name)
     return found;
 }
 
-void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, const KxDbDatabase& db, NameCache& names)
+// kept: the entity's keptGroups().
+void writeEntityHead(GroupWriter& w, const char* kind, const KxDbEntity& e, const KxDbDatabase& db, NameCache& names,
+                     KxDbPackedGroupsView kept)
 {
-    writeRecordHead(w, kind, e, names.ownerHandle(e.ownerId()));
+    // The entity is the drawing's, or made aside from its record under its
+    // id: db is its database.
+    writeRecordHead(w, kind, e, names.handle(e.objectId()), names.ownerHandle(e.ownerId()));
     w.plain(100, "AcDbEntity");
-    const bool spelledOtherwise = !e.keptGroups().empty();
+    const bool spelledOtherwise = !kept.empty();
     const std::string& layer = names(e.layerId(), "0");
-    w.text(8, spelledOtherwise ? spelled(e, 8, layer) : layer);
+    w.text(8, spelledOtherwise ? spelled(kept, 8, layer) : layer);
     if (e.linetypeId() != db.byLayerLinetype() && !e.linetypeId().isNull()) {
         const std::string& linetype = names(e.linetypeId(), "ByLayer");
-        w.text(6, spelledOtherwise ? spelled(e, 6, linetype) : linetype);
+        w.text(6, spelledOtherwise ? spelled(kept, 6, linetype) : linetype);
     }
     const KxCmColor color = e.color();
     if (!color.isByLayer())
         writeColor(w, color, false);
     const bool byColor = color.isByColor();
-    e.keptGroups().forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
+    kept.forEach([&](std::int16_t code, std::uint8_t part, std::string_view value) {
         if (part == 1 && code != 8 && code != 6 && (code != 62 || byColor))
             w.text(code, value);
     });
@@ -1013,52 +1017,55 @@ void writeNormal(GroupWriter& w, const KxGeVector3d& n)
 
 void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entity, NameCache& names)
 {
+    const KxDbPackedGroupsView kept = entity.keptGroups();
     switch (entityKind(entity)) {
     case EntityKind::Unmodelled: {
         const auto& unmodelled = static_cast<const KxDbUnmodelledEntity&>(entity);
         const std::uint64_t owner = names.ownerHandle(entity.ownerId());
-        forEachKeptRecord(unmodelled, unmodelled.handle(), [&](KxDbPackedGroupsView groups, std::uint64_t handle) {
-            writeUnmodelledRecord(w, unmodelled.dxfName(), groups, handle, owner);
+        const std::uint64_t handle = names.handle(entity.objectId());
+        const std::string_view kind = unmodelled.dxfName();
+        forEachKeptRecord(unmodelled, handle, [&](KxDbPackedGroupsView groups, std::uint64_t recordHandle) {
+            writeUnmodelledRecord(w, kind, groups, recordHandle, owner);
         });
         return;
     }
     case EntityKind::Line: {
         const auto& line = static_cast<const KxDbLine&>(entity);
-        writeEntityHead(w, "LINE", entity, db, names);
+        writeEntityHead(w, "LINE", entity, db, names, kept);
         w.plain(100, "AcDbLine");
         w.point(10, line.startPoint());
         w.point(11, line.endPoint());
         writeNormal(w, line.normal());
-        writeKeptPart(w, entity, 2);
+        writeKeptPart(w, kept, 2);
         break;
     }
     case EntityKind::Arc: {
         const auto& arc = static_cast<const KxDbArc&>(entity);
-        writeEntityHead(w, "ARC", entity, db, names);
+        writeEntityHead(w, "ARC", entity, db, names, kept);
         w.plain(100, "AcDbCircle");
         w.point(10, arc.center());
         w.real(40, arc.radius());
         writeNormal(w, arc.normal());
-        writeKeptPart(w, entity, 2);
+        writeKeptPart(w, kept, 2);
         w.plain(100, "AcDbArc");
         w.degrees(50, arc.startAngle());
         w.degrees(51, arc.endAngle());
-        writeKeptPart(w, entity, 3);
+        writeKeptPart(w, kept, 3);
         break;
     }
     case EntityKind::Circle: {
         const auto& circle = static_cast<const KxDbCircle&>(entity);
-        writeEntityHead(w, "CIRCLE", entity, db, names);
+        writeEntityHead(w, "CIRCLE", entity, db, names, kept);
         w.plain(100, "AcDbCircle");
         w.point(10, circle.center());
         w.real(40, circle.radius());
         writeNormal(w, circle.normal());
-        writeKeptPart(w, entity, 2);
+        writeKeptPart(w, kept, 2);
         break;
     }
     case EntityKind::Polyline: {
         const auto& pline = static_cast<const KxDbPolyline&>(entity);
-        writeEntityHead(w, "LWPOLYLINE", entity, db, names);
+        writeEntityHead(w, "LWPOLYLINE", entity, db, names, kept);
         w.plain(100, "AcDbPolyline");
         w.integer(90, pline.numVerts());
         w.integer(70, (pline.isClosed() ? 1 : 0) | (pline.plinegen() ? 128 : 0));
@@ -1080,18 +1087,18 @@ void writeEntity(GroupWriter& w, const KxDbDatabase& db, const KxDbEntity& entit
                 w.real(42, v.bulge);
         }
         writeNormal(w, pline.normal());
-        writeKeptPart(w, entity, 2);
+        writeKeptPart(w, kept, 2);
         break;
     }
     case EntityKind::Mline:
-        writeEntityHead(w, "MLINE", entity, db, names);
+        writeEntityHead(w, "MLINE", entity, db, names, kept);
         writeMlineBody(w, db, static_cast<const KxDbMline&>(entity));
-        writeKeptPart(w, entity, 2);
+        writeKeptPart(w, kept, 2);
         break;
     case EntityKind::Other:
         return;
     }
-    writeKeptPart(w, entity, kxdbExtendedDataPart);
+    writeKeptPart(w, kept, kxdbExtendedDataPart);
 }
 
 }  // namespace kaldo::dxf

@@ -2,6 +2,7 @@
 
 #include "kaldo/dxf/DecimalText.h"
 #include "kaldo/dxf/DxfError.h"
+#include "kaldo/dxf/GroupLineText.h"
 #include "kaldo/util/FileAccess.h"
 #include "kaldo/util/Utf8.h"
 
@@ -12,7 +13,6 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
-#include <emmintrin.h>
 #include <string>
 #include <numbers>
 
@@ -21,35 +21,6 @@ namespace kaldo::dxf {
 namespace {
 constexpr std::size_t kBufferSize = 1 << 20;
 constexpr std::size_t kNumberRoom = 64;
-
-// The code lines of codes 0 to 999, right-aligned in three places ("  5\n",
-// " 40\n", "105\n"): nearly every group has one of them.
-constexpr int kShortCodes = 1000;
-struct CodeLines {
-    std::array<std::array<char, 4>, kShortCodes> lines{};
-    constexpr CodeLines()
-    {
-        for (int code = 0; code < kShortCodes; ++code)
-            lines[code] = {code >= 100 ? char('0' + code / 100) : ' ', code >= 10 ? char('0' + code / 10 % 10) : ' ',
-                           char('0' + code % 10), '\n'};
-    }
-};
-constexpr CodeLines kCodeLines;
-
-// Writes the value's upper-case hexadecimal digits at out, all sixteen
-// made at once from the value shifted so that its first digit leads: its
-// bytes in the text's order split into nibbles, each made a digit or a
-// letter. Returns the end of the digits; sixteen bytes are overwritten.
-[[gnu::always_inline]] inline char* writeHandleDigits(std::uint64_t value, char* out)
-{
-    const int digits = std::max((int(std::bit_width(value)) + 3) / 4, 1);
-    const __m128i bytes = _mm_cvtsi64_si128(std::int64_t(__builtin_bswap64(value << (64 - 4 * digits))));
-    const __m128i low = _mm_set1_epi8(15);
-    const __m128i nibbles = _mm_unpacklo_epi8(_mm_and_si128(_mm_srli_epi16(bytes, 4), low), _mm_and_si128(bytes, low));
-    const __m128i letters = _mm_and_si128(_mm_cmpgt_epi8(nibbles, _mm_set1_epi8(9)), _mm_set1_epi8('A' - '9' - 1));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_add_epi8(_mm_add_epi8(nibbles, _mm_set1_epi8('0')), letters));
-    return out + digits;
-}
 
 [[noreturn, gnu::cold]] void refuseNotFinite(int groupCode)
 {
@@ -92,16 +63,7 @@ void GroupWriter::makeRoom(std::size_t bytes)
 // caller ensures at once for the code and its value.
 inline void GroupWriter::code(int code)
 {
-    char* out = buffer_.data() + used_;
-    if (code >= 0 && code < kShortCodes) {
-        std::memcpy(out, kCodeLines.lines[code].data(), 4);
-        used_ += 4;
-        return;
-    }
-    char* const start = out;
-    out = std::to_chars(out, start + kNumberRoom, code).ptr;
-    *out++ = '\n';
-    used_ += std::size_t(out - start);
+    wrote(writeCodeLine(code, buffer_.data() + used_));
 }
 
 inline char* GroupWriter::quickCode(int groupCode, std::size_t bytes)

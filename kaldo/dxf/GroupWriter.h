@@ -56,6 +56,16 @@ public:
     void point(int code, const KxGePoint3d& p) { point(code, p.x, p.y, p.z); }
     void vector(int code, const KxGeVector3d& v) { point(code, v.x, v.y, v.z); }
 
+    // For a caller that writes many lines at once (GroupLineText.h): the
+    // place where room for bytes more begins, written text being kept only
+    // once wrote() gives its end.
+    char* room(std::size_t bytes)
+    {
+        ensure(bytes);
+        return buffer_.data() + used_;
+    }
+    void wrote(const char* end) { used_ = std::size_t(end - buffer_.data()); }
+
     void flush();
     // Writes the text held to fd (a writer of memory only, whose text goes
     // to a file in its turn) and drops it. Errors as flush().

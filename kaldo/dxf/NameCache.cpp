@@ -1,8 +1,10 @@
 #include "kaldo/dxf/NameCache.h"
 
 #include "kaldo/db/TableRecords.h"
+#include "kaldo/db/UnopenedRecords.h"
 #include "kaldo/dxf/RecordWriting.h"
 #include "kaldo/util/Utf8.h"
+#include "kxdbdatabase.h"
 
 namespace kaldo::dxf {
 
@@ -23,6 +25,17 @@ std::uint64_t NameCache::ownerHandle(KxDbObjectId block)
         lastOwnerHandle_ = handleOf(db_, block);
     }
     return lastOwnerHandle_;
+}
+
+std::uint64_t NameCache::handle(KxDbObjectId id)
+{
+    const std::uint64_t serial = id.asOldId();
+    if (serial - handles_.firstKey >= handles_.count) {
+        handles_ = db_.unopenedRecords().handleRunOf(id);
+        if (serial - handles_.firstKey >= handles_.count)
+            return db_.unopenedRecords().handleOf(id);
+    }
+    return handles_.firstValue + (serial - handles_.firstKey);
 }
 
 }  // namespace kaldo::dxf

@@ -9,6 +9,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "kaldo/db/RunMap.h"
 #include "kxdbid.h"
 
 class KxDbDatabase;
@@ -24,6 +25,10 @@ public:
     // The handle of the block that owns entities (handleOf), the last one
     // remembered: the entities of a block name it one after the other.
     std::uint64_t ownerHandle(KxDbObjectId block);
+    // The handle of an object of the drawing, from the run of consecutive
+    // ids and handles the one asked before lay in when it lies there too:
+    // the entities of a block read from a file are such a run.
+    std::uint64_t handle(KxDbObjectId id);
 
 private:
     static constexpr std::size_t kCached = 256;
@@ -32,6 +37,7 @@ private:
     std::string uncached_;
     KxDbObjectId lastOwner_;
     std::uint64_t lastOwnerHandle_ = 0;
+    kaldo::RunMap::Run handles_;
 };
 
 }  // namespace kaldo::dxf

@@ -40,27 +40,20 @@ std::uint64_t handleOf(const KxDbDatabase& db, KxDbObjectId id)
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj)
 {
-    const KxDbDatabase* db = obj.database();
-    writeRecordHead(w, kind, obj, db ? handleOf(*db, obj.ownerId()) : 0);
-}
-
-void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t owner)
-{
-    w.plain(0, kind);
     // From the handle table alone (obj.handle() looks the database up
     // again).
     const KxDbDatabase* db = obj.database();
-    w.handle(5, db ? db->unopenedRecords().handleOf(obj.objectId()) : 0);
-    writeKeptPart(w, obj, 0);
-    w.handle(330, owner);
+    writeRecordHead(w, kind, obj, db ? db->unopenedRecords().handleOf(obj.objectId()) : 0,
+                    db ? handleOf(*db, obj.ownerId()) : 0);
 }
 
-void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part)
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t handle,
+                     std::uint64_t owner)
 {
-    obj.keptGroups().forEach([&](std::int16_t code, std::uint8_t groupPart, std::string_view value) {
-        if (groupPart == part)
-            w.text(code, value);
-    });
+    w.plain(0, kind);
+    w.handle(5, handle);
+    writeKeptPart(w, obj, 0);
+    w.handle(330, owner);
 }
 
 void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, int skippedCode)

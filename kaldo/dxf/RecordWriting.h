@@ -11,9 +11,22 @@
 namespace kaldo::dxf {
 
 void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj);
-// The same with the owner's handle given (0 for none).
-void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t owner);
-void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part);
+// The same with the object's handle and the owner's (0 for none) given.
+void writeRecordHead(GroupWriter& w, const char* kind, const KxDbObject& obj, std::uint64_t handle,
+                     std::uint64_t owner);
+// The kept groups of one part, of an object's keptGroups() taken once for
+// its parts (none, mostly: then nothing is called).
+inline void writeKeptPart(GroupWriter& w, KxDbPackedGroupsView kept, std::uint8_t part)
+{
+    kept.forEach([&](std::int16_t code, std::uint8_t groupPart, std::string_view value) {
+        if (groupPart == part)
+            w.text(code, value);
+    });
+}
+inline void writeKeptPart(GroupWriter& w, const KxDbObject& obj, std::uint8_t part)
+{
+    writeKeptPart(w, obj.keptGroups(), part);
+}
 // The integer value of the first kept group of code, or fallback.
 std::int64_t keptInteger(const KxDbObject& obj, int code, std::int64_t fallback);
 void writeKeptExcept(GroupWriter& w, const KxDbObject& obj, std::uint8_t part, int skippedCode);

@@ -83,13 +83,24 @@ TEST(HandleTable, EveryHandleLeftNamesItsIdAfterOthersGo)
     runs.insert(0x100 + 1000, KxDbObjectId::fromOldId(0x100 + 1000 + 7));
     named[1000] = 0x100 + 1000 + 7;
     runs.insert(~0ull, KxDbObjectId::fromOldId(42));
+    // The run that holds an id, where the writer takes the handles of the
+    // ids after it, gives the same handles.
+    std::size_t inRuns = 0;
     for (std::uint64_t h = 0x100; h < 0x100 + 3000; ++h) {
         ASSERT_EQ(runs.find(h), KxDbObjectId::fromOldId(named[h - 0x100])) << std::hex << h;
         if (named[h - 0x100] != 0) {
             ASSERT_EQ(runs.handleOf(KxDbObjectId::fromOldId(named[h - 0x100])), h) << std::hex << h;
+            const kaldo::RunMap::Run run = runs.handleRunOf(KxDbObjectId::fromOldId(named[h - 0x100]));
+            if (run.count != 0) {
+                ++inRuns;
+                ASSERT_LT(named[h - 0x100] - run.firstKey, run.count) << std::hex << h;
+                ASSERT_EQ(run.firstValue + (named[h - 0x100] - run.firstKey), h) << std::hex << h;
+            }
         }
     }
+    EXPECT_GT(inRuns, 1900u);
     EXPECT_EQ(runs.handleOf(KxDbObjectId::fromOldId(0x100 + 500 + 7)), 0u);
+    EXPECT_EQ(runs.handleRunOf(KxDbObjectId::fromOldId(0x100 + 500 + 7)).count, 0u);
     EXPECT_EQ(runs.find(~0ull), KxDbObjectId::fromOldId(42));
     EXPECT_EQ(runs.greatestHandle(), ~0ull);
     runs.erase(~0ull);
