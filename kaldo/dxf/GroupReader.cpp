@@ -146,11 +146,6 @@ bool GroupReader::nextPlain(Group& group)
 
 bool GroupReader::nextGeneral(Group& group)
 {
-    if (pushedBack_) {
-        pushedBack_ = false;
-        group = current_;
-        return true;
-    }
     std::string_view codeLine;
     if (!readLine(codeLine))
         return false;

@@ -54,7 +54,19 @@ public:
     // and stays valid until the next call.
     bool next(Group& group)
     {
-        if (!pushedBack_ && lineNumber_ > 0 && nextPlain(group))
+        if (pushedBack_) {
+            // Field by field, as they were stored (readPlain pushes back the
+            // record's next head just before): a copy of wider words would
+            // wait for those stores to reach the cache.
+            pushedBack_ = false;
+            group.code = current_.code;
+            group.value = current_.value;
+            group.line = current_.line;
+            group.real = current_.real;
+            group.handle = current_.handle;
+            return true;
+        }
+        if (lineNumber_ > 0 && nextPlain(group))
             return true;
         return nextGeneral(group);
     }
@@ -171,7 +183,7 @@ private:
     // The usual group, read straight from the buffer (readPlainGroup).
     // False, with nothing consumed, for anything else.
     bool nextPlain(Group& group);
-    // Every other case: a group pushed back, the first line, other lines.
+    // Every other case but a group pushed back: the first line, other lines.
     bool nextGeneral(Group& group);
     bool readLine(std::string_view& line);
     bool refill();

@@ -88,6 +88,20 @@ static_assert([] {
             return false;
     return true;
 }());
+// Notes the numbers of a group of code, which holdsOf (the table of the
+// record's kind) classes: read into their place, as readQuickReal leaves
+// the real untouched when it refuses the text.
+[[gnu::always_inline]] inline void noteNumber(const std::array<CodeHolds, kCodesClassed>& holdsOf, int code,
+                                              std::string_view value, double& real, std::uint64_t& handle)
+{
+    const CodeHolds holds = unsigned(code) < unsigned(kCodesClassed) ? holdsOf[std::size_t(code)] : CodeHolds::Text;
+    real = std::numeric_limits<double>::quiet_NaN();
+    handle = Group::kNoHandle;
+    if (holds == CodeHolds::Real)
+        readQuickReal(value, real);
+    else if (holds == CodeHolds::Handle && !tryHandle(value, handle, kxdbHighestHandle + 1))
+        handle = Group::kNoHandle;
+}
 // The modelled kinds, told without a branch: in a drawing of mixed kinds a
 // branch on the kind's length or bytes is mispredicted at every record.
 // Each lies at the place its first byte and length give in a table of
@@ -155,15 +169,36 @@ void Record::read(GroupReader& reader, const Group& head)
     line_ = head.line;
     // The store's place and end in locals while the groups are read: the
     // members would be stored and loaded again around every call of the
-    // reader. The numbers are read once the groups are kept.
+    // reader. So are the numbers' place and end: each group's numbers are
+    // read as it is kept, from the reader's buffer, where a second walk
+    // over the kept groups cost more (decoding each group's code and
+    // length again, and a branch on what it holds apart from the one that
+    // reads it).
     std::size_t size = 0;
     char* at = groups_.data();
     char* storeEnd = at + groups_.size();
-    // Keeps a group. A short group (readShortGroup), the usual one, is
-    // copied with its code line, whose four bytes the code, part and length
-    // then take, inline; any other by keepOther.
+    if (numbers_.size() < kFirstGroups)
+        numbers_.resize(kFirstGroups);
+    GroupNumbers* number = numbers_.data();
+    GroupNumbers* numbersEnd = number + numbers_.size();
+    const auto& holdsOf = modelled_ ? kCodeHolds : kCodeHoldsUnmodelled;
+    // Keeps a group and notes its numbers (those of the first kReadNumbers
+    // groups, in room doubled as needed). A short group (readShortGroup), the
+    // usual one, is copied with its code line, whose four bytes the code,
+    // part and length then take, inline; any other by keepOther.
     const auto keep = [&](int code, std::string_view value, const char* readable, bool isShort)
                           __attribute__((always_inline)) {
+        if (number == numbersEnd) [[unlikely]] {
+            const std::size_t noted = std::size_t(number - numbers_.data());
+            if (noted < kReadNumbers)
+                numbers_.resize(std::min(2 * noted, kReadNumbers));
+            number = numbers_.data() + noted;
+            numbersEnd = numbers_.data() + numbers_.size();
+        }
+        if (number != numbersEnd) {
+            noteNumber(holdsOf, code, value, number->real, number->handle);
+            ++number;
+        }
         if (!isShort || storeEnd - at < kShortGroupBytes) [[unlikely]] {
             at = keepOther(at, code, value, readable);
             storeEnd = groups_.data() + groups_.size();
@@ -196,12 +231,12 @@ void Record::read(GroupReader& reader, const Group& head)
     } catch (...) {
         size_ = size;
         used_ = std::size_t(at - groups_.data());
-        noteNumbers();
+        numbered_ = std::size_t(number - numbers_.data());
         throw;
     }
     size_ = size;
     used_ = std::size_t(at - groups_.data());
-    noteNumbers();
+    numbered_ = std::size_t(number - numbers_.data());
 }
 
 char* Record::keepOther(char* at, int code, std::string_view value, const char* readable)
@@ -251,15 +286,8 @@ void Record::noteNumbers()
     packedGroups().forEach([&](std::int16_t code, std::uint8_t, std::string_view value) {
         if (numbers == end)
             return false;
-        const CodeHolds holds = unsigned(code) < unsigned(kCodesClassed) ? holdsOf[std::size_t(code)] : CodeHolds::Text;
-        // Read into their place: readQuickReal leaves the real untouched
-        // when it refuses the text.
         GroupNumbers& read = *numbers++;
-        read = GroupNumbers{};
-        if (holds == CodeHolds::Real)
-            readQuickReal(value, read.real);
-        else if (holds == CodeHolds::Handle && !tryHandle(value, read.handle, kxdbHighestHandle + 1))
-            read.handle = Group::kNoHandle;
+        noteNumber(holdsOf, code, value, read.real, read.handle);
         return true;
     });
 }

@@ -77,7 +77,8 @@ private:
     };
     // Notes the numbers of the first groups stored (up to kReadNumbers):
     // the real of a group of reals in a modelled record, the handle of a
-    // group of handles.
+    // group of handles. For groups taken whole (assign): read notes them as
+    // it keeps each group.
     void noteNumbers();
     // Keeps a group at at, the end of the groups kept so far, growing the
     // store as needed; the place after it. readable is as readPlain gives
