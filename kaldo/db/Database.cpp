@@ -24,8 +24,11 @@ KxDbDatabase::KxDbDatabase(bool buildDefault)
 
 KxDbDatabase::~KxDbDatabase()
 {
-    for (const auto& obj : m_objects)
-        kaldo::unregisterObject(obj->objectId());
+    for (const KxDbObjectId id : m_objectIds) {
+        const KxDbObject* obj = kaldo::lookupObjectOf(id, this);
+        kaldo::unregisterObject(id);
+        delete obj;
+    }
     m_unopened.reset();
     kaldo::unregisterDatabase(this);
 }
@@ -104,7 +107,7 @@ Kald::ErrorStatus KxDbDatabase::addObject(KxDbObject* obj, std::uint64_t handle)
     obj->m_openForWrite = true;
     obj->m_readers = 0;
     obj->putId(kaldo::registerObject(obj, this));
-    m_objects.emplace_back(obj);
+    m_objectIds.push_back(obj->objectId());
     // The handle given unless an object has it, else a new one.
     if (handle == 0 || !m_handles->insertNew(handle, obj->objectId())) {
         handle = newHandle();
@@ -157,12 +160,11 @@ Kald::ErrorStatus KxDbDatabase::addToCurrentSpace(KxDbEntity* entity, KxDbObject
 
 std::unique_ptr<KxDbObject> KxDbDatabase::detachObject(KxDbObjectId id, std::uint64_t& handle)
 {
-    const auto it = std::find_if(m_objects.rbegin(), m_objects.rend(),
-                                 [id](const std::unique_ptr<KxDbObject>& obj) { return obj->objectId() == id; });
-    if (it == m_objects.rend())
+    // Only an object the list holds (never a record kept unopened, which a
+    // lookup would make) is taken out.
+    if (!m_objectIds.eraseLast(id))
         return nullptr;
-    std::unique_ptr<KxDbObject> obj = std::move(*it);
-    m_objects.erase(std::next(it).base());
+    std::unique_ptr<KxDbObject> obj(kaldo::lookupObjectOf(id, this));
     handle = m_handles->handleOf(id);
     m_handles->erase(handle);
     kaldo::unregisterObject(id);
@@ -181,7 +183,8 @@ void KxDbDatabase::reattachObject(std::unique_ptr<KxDbObject> obj, std::uint64_t
 {
     kaldo::registerObjectAs(obj->objectId(), obj.get(), this);
     m_handles->insert(handle, obj->objectId());
-    m_objects.push_back(std::move(obj));
+    m_objectIds.push_back(obj->objectId());
+    obj.release();
 }
 
 KxDbObjectId KxDbDatabase::objectIdFromHandle(std::uint64_t handle) const
@@ -217,7 +220,7 @@ Kald::ErrorStatus KxDbDatabase::setRoots(const KxDbDatabaseRoots& roots)
 KxDbIdRuns KxDbDatabase::objectIds() const
 {
     KxDbIdRuns ids;
-    m_unopened->listWith(m_objects, ids);
+    m_unopened->listWith(m_objectIds, ids);
     return ids;
 }
 

@@ -164,26 +164,64 @@ std::vector<KxDbPolyline::Vertex> KxDbPolyline::vertices() const
     return all;
 }
 
+KxDbPolyline::~KxDbPolyline()
+{
+    freeRoom();
+}
+
+std::unique_ptr<KxDbPolyline> KxDbPolyline::withRoom(std::uint32_t count)
+{
+    std::unique_ptr<KxDbPolyline> pline(new (KxDbTrailingRoom{count * sizeof(Position)}) KxDbPolyline);
+    pline->m_positions = reinterpret_cast<Position*>(reinterpret_cast<char*>(pline.get()) + sizeof(KxDbPolyline));
+    pline->m_room = count;
+    pline->m_roomInObject = true;
+    return pline;
+}
+
+std::unique_ptr<KxDbObject> KxDbPolyline::clone() const
+{
+    std::unique_ptr<KxDbPolyline> copy = withRoom(m_count);
+    copy->copyFrom(this);
+    return copy;
+}
+
+void KxDbPolyline::freeRoom()
+{
+    if (!m_roomInObject)
+        delete[] m_positions;
+    m_positions = nullptr;
+    m_room = 0;
+    m_roomInObject = false;
+}
+
 void KxDbPolyline::reserve(std::uint32_t count)
 {
     if (count <= m_room)
         return;
-    auto room = std::make_unique_for_overwrite<Position[]>(count);
-    std::copy_n(m_positions.get(), m_count, room.get());
-    m_positions = std::move(room);
+    auto* room = new Position[count];
+    std::copy_n(m_positions, m_count, room);
+    freeRoom();
+    m_positions = room;
     m_room = count;
+}
+
+void KxDbPolyline::makeRoomFor(std::uint32_t count)
+{
+    m_count = 0;
+    if (m_roomInObject && count <= m_room)
+        return;
+    freeRoom();
+    reserve(count);
 }
 
 void KxDbPolyline::setVertices(const std::vector<Vertex>& vertices)
 {
-    m_positions.reset();
-    m_count = m_room = 0;
     if (m_shaping) {
         m_shaping->shapes.clear();
         dropShapingIfDefault();
     }
     const auto count = std::uint32_t(vertices.size());
-    reserve(count);
+    makeRoomFor(count);
     // The positions in one pass; shapes, as addVertexAt keeps them, from
     // the first vertex with a width or a bulge on (defaults before it).
     std::uint32_t firstShaped = count;
@@ -274,10 +312,8 @@ Kald::ErrorStatus KxDbPolyline::copyFrom(const KxDbObject* other)
     if (const Kald::ErrorStatus es = KxDbEntity::copyFrom(other); es != Kald::eOk)
         return es;
     const auto* src = static_cast<const KxDbPolyline*>(other);
-    m_positions.reset();
-    m_count = m_room = 0;
-    reserve(src->m_count);
-    std::copy_n(src->m_positions.get(), src->m_count, m_positions.get());
+    makeRoomFor(src->m_count);
+    std::copy_n(src->m_positions, src->m_count, m_positions);
     m_count = src->m_count;
     m_shaping = src->m_shaping ? std::make_unique<Shaping>(*src->m_shaping) : nullptr;
     m_closed = src->m_closed;

@@ -77,6 +77,52 @@ std::vector<KxDbObjectId> KxDbIdRuns::cutAfter(std::size_t keep)
     return cut;
 }
 
+KxDbObjectId KxDbIdRuns::back() const
+{
+    const std::uint64_t last = m_words.back();
+    if (!isRunCount(last))
+        return KxDbObjectId::fromOldId(last);
+    return KxDbObjectId::fromOldId((m_words[m_words.size() - 2] & kValueBits) + (countOf(last) - 1) * stepOf(last));
+}
+
+bool KxDbIdRuns::eraseLast(KxDbObjectId id)
+{
+    const std::uint64_t serial = id.asOldId();
+    for (std::size_t end = m_words.size(); end > 0;) {
+        const std::uint64_t last = m_words[end - 1];
+        if (!isRunCount(last)) {
+            --end;
+            if (last != serial)
+                continue;
+            m_words.erase(m_words.begin() + std::ptrdiff_t(end));
+            --m_size;
+            return true;
+        }
+        end -= 2;
+        const std::uint64_t first = m_words[end] & kValueBits;
+        const std::uint64_t step = stepOf(last);
+        const std::uint64_t count = countOf(last);
+        if (serial < first || (serial - first) % step != 0 || (serial - first) / step >= count)
+            continue;
+        // The run's ids before and after serial, each as a run or a single id.
+        const std::uint64_t before = (serial - first) / step;
+        std::vector<std::uint64_t> pieces;
+        const auto addPiece = [&](std::uint64_t start, std::uint64_t length) {
+            if (length == 1)
+                pieces.push_back(start);
+            else if (length >= 2)
+                pieces.insert(pieces.end(), {start | kRunStart, (last & ~kCountMask) | length});
+        };
+        addPiece(first, before);
+        addPiece(serial + step, count - before - 1);
+        const auto at = m_words.erase(m_words.begin() + std::ptrdiff_t(end), m_words.begin() + std::ptrdiff_t(end + 2));
+        m_words.insert(at, pieces.begin(), pieces.end());
+        --m_size;
+        return true;
+    }
+    return false;
+}
+
 KxDbObjectId KxDbIdRuns::idAt(Place at) const
 {
     const std::uint64_t word = m_words[at.word];

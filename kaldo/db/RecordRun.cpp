@@ -82,7 +82,7 @@ namespace {
 // A record of an entity run as an entity of its own, in the run's look.
 std::unique_ptr<KxDbUnmodelledEntity> entityOfRecord(const RecordRun& run, KxDbPackedGroupsView groups)
 {
-    auto entity = std::make_unique<KxDbUnmodelledEntity>(run.dxfName(), groups);
+    auto entity = KxDbUnmodelledEntity::make(run.dxfName(), groups);
     entity->setLayer(run.layerId());
     entity->setLinetype(run.linetypeId());
     entity->setColor(run.color());
@@ -123,7 +123,7 @@ void separateRecords(KxDbDatabase& db, const std::vector<KxDbObjectId>& runs)
             const KeptRecordTail tail = objectRun->takeTail();
             tail.forEach(handle, [&](const KeptRecord& record) {
                 insert.objects.emplace_back(
-                    std::make_unique<KxDbUnmodelledObject>(objectRun->dxfName(), record.groups), record.handle);
+                    KxDbUnmodelledObject::make(objectRun->dxfName(), record.groups), record.handle);
             });
         }
         inserts.push_back(std::move(insert));

@@ -95,7 +95,6 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
     // they follow in the database's list.
     std::unordered_map<std::uint64_t, std::vector<UnrecordedInsert*>> byBlock;
     std::unordered_map<std::uint64_t, UnrecordedInsert*> byObject;
-    std::size_t count = 0;
     for (UnrecordedInsert& insert : inserts) {
         const KxDbObject* after = m_db.peekObject(insert.after);
         if (!after || insert.objects.empty())
@@ -106,7 +105,6 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
             m_db.m_handles->insert(handle, object->objectId());
             m_handleFloor = std::max(m_handleFloor, handle + 1);
         }
-        count += insert.objects.size();
         if (KxDbEntity::cast(after))
             byBlock[after->ownerId().asOldId()].push_back(&insert);
         else
@@ -140,7 +138,7 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
             countIn(block->objectId(), entities.size(), found->second->objects.size());
             for (auto& [entity, handle] : found->second->objects) {
                 entities.push_back(entity->objectId());
-                m_db.m_objects.push_back(std::move(entity));
+                m_db.m_objectIds.push_back(entity.release()->objectId());
             }
         }
         block->m_entities = std::move(entities);
@@ -151,17 +149,16 @@ void UndoHistory::insertUnrecorded(std::vector<UnrecordedInsert> inserts)
     for (const auto& [after, insert] : byObject)
         lastInsertedAfter.emplace(after, insert->objects.back().first->objectId());
     m_db.m_unopened->followInserted(lastInsertedAfter);
-    std::vector<std::unique_ptr<KxDbObject>> objects;
-    objects.reserve(m_db.m_objects.size() + count);
-    for (std::unique_ptr<KxDbObject>& object : m_db.m_objects) {
-        const auto found = byObject.find(object->objectId().asOldId());
-        objects.push_back(std::move(object));
+    KxDbIdRuns objects;
+    for (const KxDbObjectId object : m_db.m_objectIds) {
+        objects.push_back(object);
+        const auto found = byObject.find(object.asOldId());
         if (found == byObject.end())
             continue;
         for (auto& [inserted, handle] : found->second->objects)
-            objects.push_back(std::move(inserted));
+            objects.push_back(inserted.release()->objectId());
     }
-    m_db.m_objects = std::move(objects);
+    m_db.m_objectIds = std::move(objects);
 }
 
 std::optional<std::size_t> UndoHistory::listedCount(const KxDbObject& obj)

@@ -76,19 +76,45 @@ RecordParts partsOf(const char* record)
 
 }  // namespace
 
-KxDbUnmodelledRecord::KxDbUnmodelledRecord(std::string_view dxfName, KxDbPackedGroupsView groups)
+std::size_t KxDbUnmodelledRecord::recordSize(std::string_view dxfName, KxDbPackedGroupsView groups)
 {
     if (dxfName.empty() && groups.empty())
-        return;
+        return 0;
+    const std::size_t tag = kindTag(dxfName);
+    const std::size_t spelled = tag % 2 == 1 ? 0 : dxfName.size();
+    return numberSize(tag) + numberSize(groups.bytes().size()) + spelled + groups.bytes().size();
+}
+
+char* KxDbUnmodelledRecord::writeRecord(char* room, std::string_view dxfName, KxDbPackedGroupsView groups)
+{
+    if (dxfName.empty() && groups.empty())
+        return nullptr;
     const std::size_t tag = kindTag(dxfName);
     const std::string_view spelled = tag % 2 == 1 ? std::string_view() : dxfName;
     const std::string_view bytes = groups.bytes();
-    m_record = std::make_unique_for_overwrite<char[]>(numberSize(tag) + numberSize(bytes.size()) + spelled.size()
-                                                      + bytes.size());
-    char* at = putNumber(putNumber(m_record.get(), tag), bytes.size());
+    char* at = putNumber(putNumber(room, tag), bytes.size());
     // Either part may be empty, its data then null.
     std::copy(spelled.begin(), spelled.end(), at);
     std::copy(bytes.begin(), bytes.end(), at + spelled.size());
+    return room;
+}
+
+KxDbUnmodelledRecord::KxDbUnmodelledRecord(std::string_view dxfName, KxDbPackedGroupsView groups)
+{
+    if (const std::size_t size = recordSize(dxfName, groups))
+        m_record = reinterpret_cast<std::uintptr_t>(writeRecord(new char[size], dxfName, groups));
+}
+
+template <class T>
+std::unique_ptr<T> KxDbUnmodelledRecord::makeWithRecord(std::string_view dxfName, KxDbPackedGroupsView groups)
+{
+    const std::size_t size = recordSize(dxfName, groups);
+    std::unique_ptr<T> made(new (KxDbTrailingRoom{size}) T);
+    if (size != 0) {
+        char* room = reinterpret_cast<char*>(made.get()) + sizeof(T);
+        made->m_record = reinterpret_cast<std::uintptr_t>(writeRecord(room, dxfName, groups)) | kInObject;
+    }
+    return made;
 }
 
 KxDbUnmodelledRecord::KxDbUnmodelledRecord(const KxDbUnmodelledRecord& other)
@@ -100,32 +126,71 @@ KxDbUnmodelledRecord& KxDbUnmodelledRecord::operator=(const KxDbUnmodelledRecord
 {
     if (this == &other)
         return *this;
-    m_record.reset();
+    freeRecord();
     if (other.m_record) {
-        const std::size_t size = partsOf(other.m_record.get()).size;
-        m_record = std::make_unique_for_overwrite<char[]>(size);
-        std::memcpy(m_record.get(), other.m_record.get(), size);
+        const std::size_t size = partsOf(other.record()).size;
+        char* copy = new char[size];
+        std::memcpy(copy, other.record(), size);
+        m_record = reinterpret_cast<std::uintptr_t>(copy);
     }
     return *this;
 }
 
+KxDbUnmodelledRecord::~KxDbUnmodelledRecord()
+{
+    freeRecord();
+}
+
+void KxDbUnmodelledRecord::freeRecord()
+{
+    if (!(m_record & kInObject))
+        delete[] reinterpret_cast<char*>(m_record);
+    m_record = 0;
+}
+
 std::string_view KxDbUnmodelledRecord::dxfName() const
 {
-    return partsOf(m_record.get()).kind;
+    return partsOf(record()).kind;
 }
 
 KxDbPackedGroupsView KxDbUnmodelledRecord::packedGroups() const
 {
-    return KxDbPackedGroupsView(partsOf(m_record.get()).groups);
+    return KxDbPackedGroupsView(partsOf(record()).groups);
 }
 
 std::size_t KxDbUnmodelledRecord::byteSize() const
 {
-    return partsOf(m_record.get()).size;
+    return partsOf(record()).size;
 }
 
 KX_RX_DEFINE_MEMBERS(KxDbUnmodelledObject, KxDbObject)
 KX_RX_DEFINE_MEMBERS(KxDbUnmodelledEntity, KxDbEntity)
+
+std::unique_ptr<KxDbUnmodelledObject> KxDbUnmodelledObject::make(std::string_view dxfName,
+                                                                 KxDbPackedGroupsView groups)
+{
+    return makeWithRecord<KxDbUnmodelledObject>(dxfName, groups);
+}
+
+std::unique_ptr<KxDbUnmodelledEntity> KxDbUnmodelledEntity::make(std::string_view dxfName,
+                                                                 KxDbPackedGroupsView groups)
+{
+    return makeWithRecord<KxDbUnmodelledEntity>(dxfName, groups);
+}
+
+std::unique_ptr<KxDbObject> KxDbUnmodelledObject::clone() const
+{
+    std::unique_ptr<KxDbUnmodelledObject> copy = make(dxfName(), packedGroups());
+    copy->KxDbObject::copyFrom(this);
+    return copy;
+}
+
+std::unique_ptr<KxDbObject> KxDbUnmodelledEntity::clone() const
+{
+    std::unique_ptr<KxDbUnmodelledEntity> copy = make(dxfName(), packedGroups());
+    copy->KxDbEntity::copyFrom(this);
+    return copy;
+}
 
 Kald::ErrorStatus KxDbUnmodelledObject::copyFrom(const KxDbObject* other)
 {

@@ -159,7 +159,7 @@ KxDbObjectId UnopenedRecords::keep(const KxRxClass* cls, const Look& look, KxDbP
 
 void UnopenedRecords::noteListed()
 {
-    const KxDbObjectId after = m_db.m_objects.empty() ? KxDbObjectId() : m_db.m_objects.back()->objectId();
+    const KxDbObjectId after = m_db.m_objectIds.empty() ? KxDbObjectId() : m_db.m_objectIds.back();
     if (m_listed.empty() || m_listed.back().after != after)
         m_listed.push_back({after, 0});
     ++m_listed.back().count;
@@ -424,7 +424,7 @@ void UnopenedRecords::followInserted(const std::unordered_map<std::uint64_t, KxD
             listed.after = found->second;
 }
 
-void UnopenedRecords::listWith(const std::vector<std::unique_ptr<KxDbObject>>& objects, KxDbIdRuns& ids) const
+void UnopenedRecords::listWith(const KxDbIdRuns& objects, KxDbIdRuns& ids) const
 {
     auto kept = m_ids.begin();
     auto listed = m_listed.begin();
@@ -434,9 +434,9 @@ void UnopenedRecords::listWith(const std::vector<std::unique_ptr<KxDbObject>>& o
                 ids.push_back(*kept++);
     };
     listAfter(KxDbObjectId());
-    for (const auto& object : objects) {
-        ids.push_back(object->objectId());
-        listAfter(object->objectId());
+    for (const KxDbObjectId object : objects) {
+        ids.push_back(object);
+        listAfter(object);
     }
     // After objects taken out since (none while a file is read): last.
     for (; kept != m_ids.end(); ++kept)

@@ -151,7 +151,7 @@ public:
     std::unique_ptr<KxDbObject> makeAside(KxDbObjectId id) const;
     // Lists the ids of objects, with those of the records kept (opened or
     // not) in their places among them.
-    void listWith(const std::vector<std::unique_ptr<KxDbObject>>& objects, KxDbIdRuns& ids) const;
+    void listWith(const KxDbIdRuns& objects, KxDbIdRuns& ids) const;
     // Objects were put in after others (by serial, the last of them put
     // in after each; the records of a run taken apart, which the file gave
     // before the records kept after the run): the records kept after those

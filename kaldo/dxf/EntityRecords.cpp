@@ -237,7 +237,7 @@ void applyHead(KxDbPolyline& pline, const PolylineHead& head)
 
 KxDbEntity* makePolyline(const PolylineHead& head, const std::vector<KxDbPolyline::Vertex>& vertices)
 {
-    auto pline = std::make_unique<KxDbPolyline>();
+    auto pline = KxDbPolyline::withRoom(std::uint32_t(vertices.size()));
     applyHead(*pline, head);
     pline->setVertices(vertices);
     return pline.release();
@@ -273,8 +273,7 @@ KxDbEntity* readPolyline(const Record& record, RecordBasics& basics, EntityLook&
     KxDbPolyline::Vertex pending;
     KxDbPolyline::Vertex* const straight = vertices.straight ? &pending : nullptr;
     if (straight) {
-        pline = std::make_unique<KxDbPolyline>();
-        pline->reserve(*vertices.straight);
+        pline = KxDbPolyline::withRoom(*vertices.straight);
     }
     const auto addPending = [&] {
         if (straight && vertices.count > 0)
@@ -596,7 +595,7 @@ std::unique_ptr<KxDbObject> makeUnopened(const kaldo::UnopenedRecords::Look& loo
     makeEntity(parts);
     if (!parts.entity) {
         // Its groups are kept whole, the names spelled otherwise too.
-        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(look.kind, groups);
+        auto unmodelled = KxDbUnmodelledEntity::make(look.kind, groups);
         RecordBasics lookKept;
         parts.look.applyTo(*unmodelled, look, lookKept);
         return unmodelled;
@@ -957,7 +956,7 @@ void readEntity(const Record& record, ReadContext& context, KxDbObjectId block, 
         takeApart(record, *parts, false);
     makeEntity(*parts);
     if (!parts->entity) {
-        auto unmodelled = std::make_unique<KxDbUnmodelledEntity>(record.kind(), record.packedGroups());
+        auto unmodelled = KxDbUnmodelledEntity::make(record.kind(), record.packedGroups());
         RecordBasics lookKept;
         parts->look.applyTo(*unmodelled, context, lookKept);
         append(context, std::move(unmodelled), kaldo::EntityKind::Unmodelled, parts->basics, block, record.line());

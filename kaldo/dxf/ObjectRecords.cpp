@@ -118,7 +118,7 @@ bool keepUnopened(const Record& record, const RecordBasics& basics, std::size_t 
 
 std::unique_ptr<KxDbObject> makeUnmodelled(const kaldo::UnopenedRecords::Look& look, KxDbPackedGroupsView groups)
 {
-    return std::make_unique<KxDbUnmodelledObject>(look.kind, groups);
+    return KxDbUnmodelledObject::make(look.kind, groups);
 }
 
 // A record kept whole, unopened while it is small beside its object (which
@@ -128,7 +128,7 @@ void readUnmodelled(const Record& record, ReadContext& context)
     RecordBasics basics = rawRecordBasics(record);
     if (!keepUnopened(record, basics, sizeof(KxDbUnmodelledObject) + record.packedGroups().bytes().size(),
                       KxDbUnmodelledObject::desc(), &makeUnmodelled, context))
-        context.add(new KxDbUnmodelledObject(record.kind(), record.packedGroups()), std::move(basics));
+        context.add(KxDbUnmodelledObject::make(record.kind(), record.packedGroups()).release(), std::move(basics));
 }
 
 struct StyleElement {

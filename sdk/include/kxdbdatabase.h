@@ -185,7 +185,10 @@ private:
     // kept with, closed.
     static void nameMade(KxDbObject& obj, KxDbObjectId id, KxDbObjectId owner);
 
-    std::vector<std::unique_ptr<KxDbObject>> m_objects;
+    // The objects the database owns, in order, by id (the registry holds
+    // them): a drawing read from a file gives them consecutive ids, so the
+    // list costs a few words where a pointer each cost eight bytes.
+    KxDbIdRuns m_objectIds;
     // The objects' handles, and those reserved.
     std::unique_ptr<kaldo::HandleTable> m_handles;
     // Where the search for a free handle goes on (below it none is free).

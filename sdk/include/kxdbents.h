@@ -116,6 +116,11 @@ private:
 class KxDbPolyline : public KxDbEntity {
 public:
     KX_RX_DECLARE_MEMBERS(KxDbPolyline)
+    KxDbPolyline() = default;
+    ~KxDbPolyline() override;
+    // A polyline with room for count vertices in its own allocation: a
+    // reader that knows the count makes one allocation instead of two.
+    static std::unique_ptr<KxDbPolyline> withRoom(std::uint32_t count);
 
     struct Vertex {
         double x = 0, y = 0;
@@ -168,14 +173,16 @@ public:
     Kald::ErrorStatus moveStretchPointsAt(std::span<const int> indices, const KxGeVector3d& offset) override;
 
     Kald::ErrorStatus copyFrom(const KxDbObject* other) override;
-    std::unique_ptr<KxDbObject> clone() const override { return kxdbCloneOf(*this); }
+    // The copy holds its vertices in its own allocation (see withRoom).
+    std::unique_ptr<KxDbObject> clone() const override;
 
     // The bytes the vertices hold, for the host's accounting of memory.
     std::size_t vertexBytes() const;
 
 private:
-    // Positions of the vertices in a block of room of their own (sixteen
-    // bytes a vertex), and what most polylines lack apart: widths and
+    // Positions of the vertices (sixteen bytes a vertex), in the object's
+    // own allocation when made by withRoom and still there, else in a
+    // block of their own; and what most polylines lack apart: widths and
     // bulges (one per vertex, when some vertex has any), a constant width,
     // an elevation and a thickness. A straight polyline of no width, at
     // elevation 0, costs its positions and a null pointer.
@@ -195,11 +202,17 @@ private:
     // holds only defaults.
     Shaping& shapingForWrite();
     void dropShapingIfDefault();
+    // Room for count positions, those held dropped: the object's own room
+    // when it holds them, else a block of exactly their size.
+    void makeRoomFor(std::uint32_t count);
+    void freeRoom();
 
-    std::unique_ptr<Position[]> m_positions;
+    Position* m_positions = nullptr;
     std::uint32_t m_count = 0;
     std::uint32_t m_room = 0;
     std::unique_ptr<Shaping> m_shaping;
     bool m_closed = false;
     bool m_plinegen = false;
+    // Whether the positions lie in the object's own allocation.
+    bool m_roomInObject = false;
 };

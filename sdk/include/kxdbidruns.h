@@ -57,6 +57,11 @@ public:
     void push_back(KxDbObjectId id);
     // Cuts the list after its first keep ids; returns the ids cut, in order.
     std::vector<KxDbObjectId> cutAfter(std::size_t keep);
+    // The last id of a list that is not empty.
+    KxDbObjectId back() const;
+    // Takes the last place of id out of the list (a run around it split);
+    // false when the list does not hold id.
+    bool eraseLast(KxDbObjectId id);
 
     Place first() const { return {}; }
     bool isEnd(Place at) const { return at.word >= m_words.size(); }

@@ -128,6 +128,31 @@ TEST(EntityProperties, RareValuesReadBackThroughCopies)
     ASSERT_EQ(pline->copyFrom(copiedPline), Kald::eOk);
     EXPECT_EQ(pline->vertices(), vertices);
     EXPECT_EQ(pline->thickness(), 3);
+    // Made with room for two vertices in its own allocation: set within
+    // it, then grown past it.
+    const std::unique_ptr<KxDbPolyline> roomy = KxDbPolyline::withRoom(2);
+    roomy->setClosed(true);
+    std::vector<KxDbPolyline::Vertex> grown{{1, 2}, {3, 4}};
+    roomy->setVertices(grown);
+    EXPECT_EQ(roomy->vertices(), grown);
+    for (const KxDbPolyline::Vertex& v : vertices) {
+        grown.push_back(v);
+        roomy->addVertexAt(v);
+    }
+    EXPECT_EQ(roomy->vertices(), grown);
+    EXPECT_TRUE(roomy->isClosed());
+
+    // An unmodelled entity and its copy, each record in its object's own
+    // allocation.
+    const auto text = KxDbUnmodelledEntity::make("TEXT", KxDbPackedGroups({{1, 0, "words"}}).view());
+    ASSERT_EQ(text->setColorIndex(3), Kald::eOk);
+    const std::unique_ptr<KxDbObject> textCopy = text->clone();
+    for (const auto* entity : {text.get(), KxDbUnmodelledEntity::cast(textCopy.get())}) {
+        ASSERT_NE(entity, nullptr);
+        EXPECT_EQ(entity->dxfName(), "TEXT");
+        EXPECT_EQ(entity->groups(), (std::vector<KxDbFileGroup>{{1, 0, "words"}}));
+        EXPECT_EQ(entity->colorIndex(), 3);
+    }
 }
 
 // An object's database and handle are the table's, not the object's: they

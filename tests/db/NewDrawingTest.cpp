@@ -96,7 +96,9 @@ TEST(NewDrawing, BlockIteratorSkipsErasedEntities)
 // when a record was made for each entity, or any other): any order
 // reads back as appended, and a cut anywhere (undo taking back what was
 // appended) keeps the ids before it and hands back those after, in order,
-// after which appending them again gives the list back.
+// after which appending them again gives the list back. An id taken out
+// anywhere (the database's list, undo taking back an added object) leaves
+// the others in order, a run around it split.
 TEST(NewDrawing, IdRunsKeepAnyOrderAndCutAnywhere)
 {
     std::vector<KxDbObjectId> ids;
@@ -119,5 +121,14 @@ TEST(NewDrawing, IdRunsKeepAnyOrderAndCutAnywhere)
         for (const KxDbObjectId id : cut)
             runs.push_back(id);
         EXPECT_EQ(listed(runs), ids) << keep;
+        if (keep >= ids.size())
+            continue;
+        std::vector<KxDbObjectId> rest = ids;
+        rest.erase(rest.begin() + std::ptrdiff_t(keep));
+        EXPECT_TRUE(runs.eraseLast(ids[keep])) << keep;
+        EXPECT_FALSE(runs.eraseLast(ids[keep])) << keep;
+        EXPECT_EQ(listed(runs), rest) << keep;
+        EXPECT_EQ(runs.size(), rest.size()) << keep;
+        EXPECT_EQ(runs.back(), rest.back()) << keep;
     }
 }
